@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+
+#include "files/Result.h"
+
+namespace brimvault::files {
+
+enum class NodeKind { regular, directory, link, other };
+
+/// Which object of which file system a name stood for; two equal identities are one object.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+/// What the system knows of one file, folder or link; a link is described itself, never what it points at.
+struct NodeStatus {
+    FileIdentity identity;
+    std::uint64_t mount = 0;  ///< the mount it was reached through; 0 when the system does not tell
+    NodeKind kind = NodeKind::other;
+    std::uint64_t size = 0;       ///< logical bytes
+    std::uint64_t allocated = 0;  ///< bytes on disk
+    /// Names of the object. A directory has exactly one name, so 1 for every directory, whatever the file system
+    /// stores there (many count a directory's subdirectories in that field).
+    std::uint64_t linkCount = 0;
+    bool immutable = false;  ///< locked against change and removal, by its owner or the administrator
+    std::chrono::system_clock::time_point modified;
+};
+
+/// The status of a name in an open directory; an empty name asks for the descriptor itself. Any thread.
+[[nodiscard]] Result<NodeStatus> statusAt(int directory, const char* name);
+
+/// The status at a path; links in its folders are followed, a link at its end is not. Any thread.
+[[nodiscard]] Result<NodeStatus> statusOf(const std::filesystem::path& path);
+
+/// NO only where the system says that no such name exists; what cannot be looked at counts as there.
+[[nodiscard]] bool mayExist(const std::filesystem::path& path);
+
+}  // namespace brimvault::files

@@ -1,0 +1,114 @@
+#include "files/Remove.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "files/TreeWalk.h"
+
+// How a removal keeps to what was looked at
+//
+// A path is a promise that anyone may break: between a look at "a/b" and the removal of "a/b", "a" can become a link to
+// somewhere else, and the removal would happen there. So nothing here is removed by path. The folder that holds the
+// item is reached from the root one name at a time, refusing links, and then held open; from there on every step takes
+// one name of a held folder: open it (refusing links and other mounts), or take it away with unlinkat, which never
+// follows a link. An exchange can then only do two things: make a step fail, or put something into the very tree that
+// the user asked to remove. What stays possible is that a folder of the tree is moved out while it is being emptied; it
+// was asked to be removed, and its contents go. The walk notices on its way back and stops.
+//
+// A name listed as a file that has become a folder is refused by the system (EISDIR) and reported, not chased.
+
+namespace brimvault::files {
+
+namespace {
+
+class RemovalVisitor final : public TreeVisitor {
+public:
+    void onFile(const DirectoryHandle& folder, const char* name) override {
+        if (::unlinkat(folder.descriptor(), name, 0) != 0 && errno != ENOENT) {
+            note(errno, name);
+        }
+    }
+
+    void onFolderLeft(const DirectoryHandle& parent, const char* name) override {
+        if (::unlinkat(parent.descriptor(), name, AT_REMOVEDIR) != 0 && errno != ENOENT) {
+            note(errno, name);
+        }
+    }
+
+    // A folder that may not be read can still be removed when it is empty; when not, the reason is the reading.
+    void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
+        if (code == EXDEV) {
+            note(EBUSY, name);  // what the system itself says of a mount point
+        } else if (code != ENOENT && ::unlinkat(parent.descriptor(), name, AT_REMOVEDIR) != 0 && errno != ENOENT) {
+            note(code, name);
+        }
+    }
+
+    void onListingBroken(int code) override { note(code, nullptr); }
+    void onWayLost(const char* name, int code) override { note(code, name); }
+
+    void note(int code, const char* name) {
+        if (!failure) {
+            failure = Failure{code, name == nullptr ? walk->position() : walk->position() / name};
+        }
+    }
+
+    std::optional<Failure> failure;
+    const TreeWalk* walk = nullptr;
+};
+
+bool isPlainAbsolute(const std::filesystem::path& path) {
+    const auto names = path.relative_path();
+    return path.is_absolute() && path.has_filename() && std::none_of(names.begin(), names.end(), [](const auto& name) {
+               return name.empty() || name == "." || name == "..";
+           });
+}
+
+RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
+
+RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem::path& path,
+                            const std::stop_token& stop) {
+    RemovalVisitor visitor;
+    TreeWalk walk(visitor, stop);
+    visitor.walk = &walk;
+    if (!walk.visit(parent, path.filename().c_str())) {
+        return {RemovalEnd::cancelled, std::nullopt};
+    }
+    // A failure on the way does not matter when the item went all the same.
+    if (visitor.failure && statusAt(parent.descriptor(), path.filename().c_str()).code() != ENOENT) {
+        return kept(visitor.failure->code, path.parent_path() / visitor.failure->path);
+    }
+    return {RemovalEnd::gone, std::nullopt};
+}
+
+}  // namespace
+
+RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop) {
+    if (!isPlainAbsolute(path)) {
+        return kept(EINVAL, path);
+    }
+    if (stop.stop_requested()) {
+        return {RemovalEnd::cancelled, std::nullopt};
+    }
+    const auto parent = DirectoryHandle::open(path.parent_path());
+    if (!parent) {
+        return parent.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(parent.code(), path);
+    }
+    const auto name = path.filename();
+    const auto status = statusAt(parent->descriptor(), name.c_str());
+    if (!status) {
+        return status.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(status.code(), path);
+    }
+    if (status->kind == NodeKind::directory) {
+        return removeFolder(*parent, path, stop);
+    }
+    if (::unlinkat(parent->descriptor(), name.c_str(), 0) != 0 && errno != ENOENT) {
+        return kept(errno, path);
+    }
+    return {RemovalEnd::gone, std::nullopt};
+}
+
+}  // namespace brimvault::files

@@ -1,0 +1,68 @@
+#include "files/NodeStatus.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace brimvault::files {
+
+namespace {
+
+// A path that comes upon an automount point must not mount it: looking is not using.
+constexpr int lookOnly = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_SYNC_AS_STAT;
+constexpr unsigned wanted = STATX_BASIC_STATS | STATX_MNT_ID;
+constexpr std::uint64_t blockSize = 512;  // the unit of stx_blocks, whatever the file system's own block size
+
+NodeKind kindOf(unsigned mode) {
+    if (S_ISREG(mode)) {
+        return NodeKind::regular;
+    }
+    if (S_ISDIR(mode)) {
+        return NodeKind::directory;
+    }
+    return S_ISLNK(mode) ? NodeKind::link : NodeKind::other;
+}
+
+// Kernels before 5.8 do not tell the mount with the status; they tell it of an open descriptor.
+std::uint64_t mountFromDescriptor(int descriptor) {
+    std::ifstream info("/proc/self/fdinfo/" + std::to_string(descriptor));
+    for (std::string line; std::getline(info, line);) {
+        unsigned long long mount = 0;
+        if (std::sscanf(line.c_str(), "mnt_id: %llu", &mount) == 1) {
+            return mount;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+Result<NodeStatus> statusAt(int directory, const char* name) {
+    struct statx raw {};
+    const bool descriptorItself = *name == '\0';
+    if (::statx(directory, name, lookOnly | (descriptorItself ? AT_EMPTY_PATH : 0), wanted, &raw) != 0) {
+        return Result<NodeStatus>::failed(errno);
+    }
+    NodeStatus status;
+    status.identity.device = (static_cast<std::uint64_t>(raw.stx_dev_major) << 32U) | raw.stx_dev_minor;
+    status.identity.inode = raw.stx_ino;
+    if ((raw.stx_mask & STATX_MNT_ID) != 0) {
+        status.mount = raw.stx_mnt_id;
+    } else if (descriptorItself) {
+        status.mount = mountFromDescriptor(directory);
+    }
+    status.kind = kindOf(raw.stx_mode);
+    status.size = raw.stx_size;
+    status.allocated = raw.stx_blocks * blockSize;
+    status.linkCount = status.kind == NodeKind::directory ? 1 : raw.stx_nlink;
+    status.immutable = (raw.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+    status.modified = std::chrono::system_clock::time_point(std::chrono::seconds(raw.stx_mtime.tv_sec) +
+                                                            std::chrono::nanoseconds(raw.stx_mtime.tv_nsec));
+    return status;
+}
+
+}  // namespace brimvault::files
