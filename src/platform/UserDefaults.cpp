@@ -1,0 +1,76 @@
+#include "platform/UserDefaults.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include "platform/LibraryURLs.h"
+
+namespace brimvault::platform {
+
+namespace {
+
+std::unique_ptr<QSettings> openSettings(const QString& file) {
+    auto settings = std::make_unique<QSettings>(file, QSettings::IniFormat);
+    settings->sync();  // reads the file, so that the status tells of it
+    return settings;
+}
+
+bool moveAside(const QString& file) {
+    const QString aside = file + QStringLiteral(".damaged-") +
+                          QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmss-zzz"));
+    return QFile::rename(file, aside);
+}
+
+}  // namespace
+
+UserDefaults::UserDefaults(const std::filesystem::path& file) {
+    const QString name = QFile::decodeName(file.c_str());
+    settings_ = openSettings(name);
+    if (settings_->status() == QSettings::FormatError) {
+        settings_.reset();
+        writable_ = moveAside(name);
+        settings_ = openSettings(name);
+    }
+}
+
+std::filesystem::path UserDefaults::standardFile() { return LibraryURLs::getPreferencesFolderURL() / "defaults.ini"; }
+
+std::optional<quint64> UserDefaults::number(const QString& key) const {
+    bool reads = false;
+    const quint64 value = text(key).toULongLong(&reads);
+    return reads ? std::optional(value) : std::nullopt;
+}
+
+std::optional<bool> UserDefaults::boolean(const QString& key) const {
+    const QString value = text(key);
+    if (value == QStringLiteral("true") || value == QStringLiteral("false")) {
+        return value == QStringLiteral("true");
+    }
+    bool reads = false;
+    const qint64 number = value.toLongLong(&reads);
+    return reads ? std::optional(number != 0) : std::nullopt;
+}
+
+void UserDefaults::setNumber(const QString& key, quint64 value) { write(key, QString::number(value)); }
+
+void UserDefaults::setBoolean(const QString& key, bool value) {
+    write(key, value ? QStringLiteral("true") : QStringLiteral("false"));
+}
+
+void UserDefaults::increase(const QString& key) { setNumber(key, number(key).value_or(0) + 1); }
+
+QString UserDefaults::text(const QString& key) const {
+    const auto unsaved = unsaved_.constFind(key);
+    return unsaved == unsaved_.constEnd() ? settings_->value(key).toString() : *unsaved;
+}
+
+void UserDefaults::write(const QString& key, const QString& value) {
+    if (!writable_) {
+        unsaved_.insert(key, value);
+        return;
+    }
+    settings_->setValue(key, value);
+    settings_->sync();
+}
+
+}  // namespace brimvault::platform
