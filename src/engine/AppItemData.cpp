@@ -1,0 +1,98 @@
+#include "engine/AppItemData.h"
+
+#include <QSet>
+#include <algorithm>
+
+#include "platform/DisplayText.h"
+
+namespace brimvault::engine {
+
+std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::path& path) {
+    auto item = std::make_shared<AppItemData>();
+    item->pAppName_ = path;
+    return item;
+}
+
+void AppItemData::addLocalizationItem(const std::shared_ptr<LocalizationItem>& item) {
+    pmLocalizations_.append(item);
+    addToGroup(item);
+}
+
+std::filesystem::path AppItemData::keyForLocalizationItem(const LocalizationItem& item) const {
+    const auto folder = item.plocPath.parent_path().native();
+    const auto& application = pAppName_.native();
+    return folder.starts_with(application) ? folder.substr(application.size()) : folder;
+}
+
+void AppItemData::addToGroup(const std::shared_ptr<LocalizationItem>& item) {
+    const auto key = keyForLocalizationItem(*item);
+    auto group = std::find_if(pmLocalizationsDict_.begin(), pmLocalizationsDict_.end(),
+                              [&](const Group& known) { return known.key == key; });
+    if (group == pmLocalizationsDict_.end()) {
+        group = pmLocalizationsDict_.insert(group, Group{key, {}});
+    }
+    group->items.append(item);
+}
+
+void AppItemData::recalcLocalizationsDict() {
+    pmLocalizationsDict_.clear();
+    for (const auto& item : pmLocalizations_) {
+        addToGroup(item);
+    }
+}
+
+void AppItemData::forEachRemovable(const QStringList& needed,
+                                   const std::function<void(const std::shared_ptr<LocalizationItem>&)>& call) const {
+    if (needed.isEmpty() || pmLocalizations_.size() < 2) {
+        return;
+    }
+    for (const auto& group : pmLocalizationsDict_) {
+        auto remaining = group.items.size();
+        for (const auto& item : group.items) {
+            if (remaining < 2) {
+                break;
+            }
+            if (item->shouldBeRemovedWithNeedLangs(needed)) {
+                call(item);
+                --remaining;
+            }
+        }
+    }
+}
+
+void AppItemData::recalcKeepSpaceForLocales(const QStringList& needed) {
+    ncanKeepSpace_ = 0;
+    ncanKeepSpaceSel_ = 0;
+    if (needed.isEmpty() || pmLocalizations_.size() < 2) {
+        return;
+    }
+    QSet<QString> languages;
+    forEachRemovable(needed, [&](const std::shared_ptr<LocalizationItem>& item) {
+        ncanKeepSpace_ += item->nlocSize;
+        ncanKeepSpaceSel_ += ppbDeletable() ? item->nlocSize : 0;
+        languages.insert(item->plocNameId);
+    });
+    ncanCleanLocs_ = static_cast<quint64>(languages.size());
+}
+
+LocalizationArray AppItemData::itemsToClean(const QStringList& needed) const {
+    LocalizationArray items;
+    if (ppbChecked() && ppbDeletable()) {
+        forEachRemovable(needed, [&](const std::shared_ptr<LocalizationItem>& item) { items.append(item); });
+    }
+    return items;
+}
+
+void AppItemData::updCleanedLocalizations(const LocalizationArray& removed, const QStringList& needed) {
+    for (const auto& item : removed) {
+        pmLocalizations_.removeAll(item);
+    }
+    recalcLocalizationsDict();
+    recalcKeepSpaceForLocales(needed);
+}
+
+QString AppItemData::ppdisplayName() const { return platform::displayText(pAppName_.filename()); }
+
+QString AppItemData::ppdisplayKeyName() const { return platform::displayText(pAppName_.stem()); }
+
+}  // namespace brimvault::engine

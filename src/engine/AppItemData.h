@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "engine/CleanableItem.h"
+#include "engine/LocalizationItem.h"
+
+namespace brimvault::engine {
+
+/// One application that has localizations. Its counters follow from the languages to keep and are those of the last
+/// `recalcKeepSpaceForLocales`.
+///
+/// Localizations are grouped by the folder that holds them, groups and members in the order of discovery; what is
+/// counted and what is removed come from one walk over them, so the one that always stays in each folder is the same.
+class AppItemData final : public CleanableItem {
+public:
+    static std::shared_ptr<AppItemData> initWithName(const std::filesystem::path& path);
+
+    /// Full path of the application bundle, though it is called a name.
+    [[nodiscard]] const std::filesystem::path& pAppName() const { return pAppName_; }
+    [[nodiscard]] const LocalizationArray& pLocalizations() const { return pmLocalizations_; }
+    /// Distinct languages that cleaning would remove.
+    [[nodiscard]] quint64 cleanableLocsCount() const { return ncanCleanLocs_; }
+
+    void addLocalizationItem(const std::shared_ptr<LocalizationItem>& item);
+    /// The folder that holds a localization, relative to the bundle; empty for one directly in the bundle.
+    [[nodiscard]] std::filesystem::path keyForLocalizationItem(const LocalizationItem& item) const;
+
+    /// Recomputes what cleaning would free when the given languages are kept. With none given, or fewer than two
+    /// localizations, nothing can be freed and the count of languages stays as it was.
+    void recalcKeepSpaceForLocales(const QStringList& needed);
+    /// What to remove now; empty when nothing may go.
+    [[nodiscard]] LocalizationArray itemsToClean(const QStringList& needed) const;
+    /// Forgets what was removed, then recomputes.
+    void updCleanedLocalizations(const LocalizationArray& removed, const QStringList& needed);
+
+    [[nodiscard]] QString ppdisplayName() const override;
+    [[nodiscard]] QString ppdisplayKeyName() const override;
+    [[nodiscard]] quint64 getSpace2Save() const override { return ncanKeepSpace_; }
+    [[nodiscard]] quint64 getSpace2SaveBySel() const override {
+        return ppbChecked() && ppbDeletable() ? ncanKeepSpaceSel_ : 0;
+    }
+
+private:
+    struct Group {
+        std::filesystem::path key;
+        LocalizationArray items;
+    };
+
+    void recalcLocalizationsDict();
+    void addToGroup(const std::shared_ptr<LocalizationItem>& item);
+    /// Calls with every localization that is not to be kept and not the last one of its folder.
+    void forEachRemovable(const QStringList& needed,
+                          const std::function<void(const std::shared_ptr<LocalizationItem>&)>& call) const;
+
+    LocalizationArray pmLocalizations_;
+    std::vector<Group> pmLocalizationsDict_;
+    quint64 ncanKeepSpace_ = 0;
+    quint64 ncanKeepSpaceSel_ = 0;
+    quint64 ncanCleanLocs_ = 0;
+    std::filesystem::path pAppName_;
+};
+
+using ApplicationArray = QList<std::shared_ptr<AppItemData>>;
+
+}  // namespace brimvault::engine

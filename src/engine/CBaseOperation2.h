@@ -1,0 +1,39 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "engine/FFItem.h"
+#include "engine/Notification.h"
+#include "engine/SectionOperation.h"
+
+namespace brimvault::engine {
+
+/// The base of the clean operations of files. Runs on the clean queue's thread; the items are the model's own, and
+/// their marks are not changed while a clean runs.
+class CBaseOperation2 : public SectionOperation {
+public:
+    CBaseOperation2(Section section, const ItemArray& items) : SectionOperation(section), pCArray_(items) {}
+
+    /// Removes, for good, every item that is checked, deletable and not of size 0, and adds to one of the two results:
+    /// to those that are gone, also when there was nothing at the path any more, or with the system's reason to the
+    /// dictionary. Stops before the next item once the operation is cancelled; an item in the midst of which it was
+    /// cancelled is in neither.
+    ///
+    /// An item without a path of its own is the one of its name in the folder given; without a folder there is nothing.
+    void removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder, ItemArray& removed,
+                     NotRemovedDictionary& notRemoved);
+
+protected:
+    [[nodiscard]] const ItemArray& pCArray() const { return pCArray_; }
+    /// Removes the items and posts the section's clean-finished notification with the two results, also after a cancel.
+    void cleanAndPost(const std::optional<std::filesystem::path>& folder);
+
+private:
+    void removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path, ItemArray& removed,
+                    NotRemovedDictionary& notRemoved);
+
+    const ItemArray pCArray_;
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,185 @@
+#include "engine/DataMan.h"
+
+#include <QCoreApplication>
+#include <QSet>
+#include <array>
+
+#include "engine/FileSize.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+QString translated(const char* text) { return QCoreApplication::translate("Subtitle", text); }
+
+}  // namespace
+
+DataMan::DataMan() {
+    for (const Section section : allSections) {
+        observe(section);
+    }
+}
+
+void DataMan::observe(Section section) {
+    auto& center = NotificationCenter::defaultCenter();
+    const auto words = vocabulary(section);
+    const auto hear = [&](QLatin1String name, void (DataMan::*handler)(Section, const Notification&)) {
+        observations_.push_back(center.addMainThreadObserver(
+            name, &mainThread_,
+            [this, section, handler](const Notification& heard) { (this->*handler)(section, heard); }));
+    };
+    hear(words.scanFinished, &DataMan::mainThreadFin);
+    hear(words.scanProgress, &DataMan::mainThreadProgr);
+    hear(words.cleanFinished, &DataMan::mainThreadClean);
+}
+
+void DataMan::mainThreadFin(Section section, const Notification& notification) {
+    auto& progress = progress_[section];
+    progress.count.reset();
+    progress.percent.reset();
+    replaceFrom(section, notification);
+    progress.scanned = true;  // before the twin, whose observers ask for the subtitle
+    sendNotification(vocabulary(section).interfaceFinished);
+}
+
+void DataMan::mainThreadProgr(Section section, const Notification& notification) {
+    const auto words = vocabulary(section);
+    auto& progress = progress_[section];
+    progress.count = getNumberPropfromNotification(notification, key::totalCount);
+    progress.percent = getNumberPropfromNotification(notification, key::progressPercent);
+    const bool whole = section == Section::languageResources
+                           ? getArrayPropfromNotification<ApplicationArray>(notification, words.arrayKey).has_value()
+                           : getArrayPropfromNotification<ItemArray>(notification, words.arrayKey).has_value();
+    if (whole) {
+        replaceFrom(section, notification);
+    } else {
+        appendFrom(section, notification);
+    }
+    progress.scanned = true;
+    sendNotification(words.interfaceProgress);
+}
+
+void DataMan::replaceFrom(Section section, const Notification& notification) {
+    const auto words = vocabulary(section);
+    if (section == Section::languageResources) {
+        setApplicationsArray(getArrayPropfromNotification<ApplicationArray>(notification, words.arrayKey));
+    } else {
+        set(section, getArrayPropfromNotification<ItemArray>(notification, words.arrayKey));
+    }
+}
+
+void DataMan::appendFrom(Section section, const Notification& notification) {
+    const auto words = vocabulary(section);
+    if (section == Section::languageResources) {
+        add2ApplicationsArray(getArrayPropfromNotification<ApplicationArray>(notification, words.deltaKey));
+    } else {
+        add(section, getArrayPropfromNotification<ItemArray>(notification, words.deltaKey));
+    }
+}
+
+void DataMan::mainThreadClean(Section section, const Notification& notification) {
+    const auto words = vocabulary(section);
+    if (section == Section::languageResources) {
+        mainThreadAppResClean(notification);
+    } else if (const auto gone = getArrayPropfromNotification<ItemArray>(notification, words.arrayKey)) {
+        const QSet<std::shared_ptr<FFItem>> removed(gone->cbegin(), gone->cend());
+        items_[section].removeIf([&](const auto& item) { return removed.contains(item); });
+    }
+    sendNotification(words.interfaceFinished);
+}
+
+void DataMan::mainThreadAppResClean(const Notification& notification) {
+    const auto cleaned = getDictionaryPropfromNotification<CleanedApplications>(notification, key::cleanedApplications);
+    if (!cleaned) {
+        return;
+    }
+    for (const auto& application : std::as_const(applications_)) {
+        if (const auto removed = cleaned->find(application->pAppName()); removed != cleaned->end()) {
+            application->updCleanedLocalizations(removed->second, platestNeededLangs_);
+        }
+    }
+}
+
+void DataMan::setApplicationsArray(const std::optional<ApplicationArray>& items) {
+    applications_ = items.value_or(ApplicationArray());
+    updateAppsItemsForSelfLangsforApps();
+}
+
+void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items) {
+    applications_ += items.value_or(ApplicationArray());
+    updateAppsItemsForSelfLangsforApps();
+}
+
+void DataMan::set(Section section, const std::optional<ItemArray>& items) {
+    items_[section] = items.value_or(ItemArray());
+}
+
+void DataMan::add(Section section, const std::optional<ItemArray>& items) {
+    items_[section] += items.value_or(ItemArray());
+}
+
+void DataMan::updateResSizesForApps(const QStringList& neededLanguages) {
+    platestNeededLangs_ = neededLanguages;
+    updateAppsItemsForSelfLangsforApps();
+}
+
+void DataMan::updateAppsItemsForSelfLangsforApps() {
+    for (const auto& application : std::as_const(applications_)) {
+        application->recalcKeepSpaceForLocales(platestNeededLangs_);
+    }
+    sendNotification(vocabulary(Section::languageResources).interfaceProgress);
+}
+
+void DataMan::sendNotification(const QString& name) { NotificationCenter::defaultCenter().post(name); }
+
+DataMan::Sizes DataMan::sizes(Section section) const {
+    Sizes sums;
+    if (section == Section::languageResources) {
+        getsizeAndSelSize(applications_, &sums.all, &sums.selected);
+    } else {
+        getsizeAndSelSize(items_[section], &sums.all, &sums.selected);
+    }
+    return sums;
+}
+
+quint64 DataMan::getSize2CleanALL() const {
+    quint64 sum = 0;
+    for (const Section section : allSections) {
+        sum += sizes(section).all;
+    }
+    return sum;
+}
+
+quint64 DataMan::getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const {
+    const std::array<bool, allSections.size()> wanted = {bApps, bDwn, bCh, bTr, bLogs};
+    quint64 sum = 0;
+    for (const Section section : allSections) {
+        sum += wanted[static_cast<std::size_t>(section)] ? sizes(section).selected : 0;
+    }
+    return sum;
+}
+
+QString DataMan::subtitle(Section section) const {
+    const auto& progress = progress_[section];
+    if (!progress.scanned) {
+        return translated("Not Scanned");
+    }
+    const bool applications = section == Section::languageResources;
+    const Sizes found = sizes(section);
+    if (progress.percent) {
+        if (applications && *progress.percent == 0 && progress.count.value_or(0) != 0) {
+            return translated("%1 applications found").arg(*progress.count);
+        }
+        return translated("%1%2. %3 found")
+            .arg(*progress.percent)
+            .arg(QLatin1Char('%'))
+            .arg(FileSize::formatMemoryStringDot1(found.all));
+    }
+    if (found.all > 0) {
+        return translated("%1 of %2 Selected")
+            .arg(FileSize::formatMemoryStringDot1(found.selected), FileSize::formatMemoryStringDot1(found.all));
+    }
+    return applications ? translated("No extra resources found") : translated("No files found");
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QStringList>
+#include <mutex>
+
+namespace brimvault::engine {
+
+/// What a clean is to respect. Shared between the façade, which sets it on the main thread, and clean operations, which
+/// read it on theirs.
+class FCleanProps {
+public:
+    /// Identifiers of the languages that must be kept; empty until they are set.
+    [[nodiscard]] QStringList mpstrArrayNeededLangs() const {
+        const std::lock_guard guard(mutex_);
+        return mpstrArrayNeededLangs_;
+    }
+    void setMpstrArrayNeededLangs(const QStringList& languages) {
+        const std::lock_guard guard(mutex_);
+        mpstrArrayNeededLangs_ = languages;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    QStringList mpstrArrayNeededLangs_;
+};
+
+}  // namespace brimvault::engine

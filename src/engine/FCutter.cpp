@@ -1,0 +1,76 @@
+#include "engine/FCutter.h"
+
+#include "engine/FileCleanOperations.h"
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+template <typename FileOperation>
+std::shared_ptr<SectionOperation> make(const ItemArray& items) {
+    return std::make_shared<FileOperation>(items);
+}
+
+}  // namespace
+
+CleanTable CleanTable::fileSections() {
+    CleanTable table;
+    table.files[Section::downloads] = make<CDwnOperation>;
+    table.files[Section::caches] = make<CChOperation>;
+    table.files[Section::trash] = make<CTrOperation>;
+    table.files[Section::logs] = make<CLogsOperation>;
+    return table;
+}
+
+void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
+                    const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
+                    const std::optional<ItemArray>& pLogs) {
+    const auto done = std::make_shared<CompletionOperation>(&FCutter::CleanDone);
+    CleanAppsRes(pApps, done);
+    CleanDownloads(pDwn, done);
+    CleanCaches(pCache, done);
+    CleanTrash(pTrash, done);
+    CleanLogs(pLogs, done);
+    pCutQue_.addOperation(done);
+}
+
+void FCutter::CleanAppsRes(const std::optional<ApplicationArray>& items, const std::shared_ptr<Operation>& oper) {
+    if (items && !items->isEmpty() && table_.applications) {
+        enqueue(table_.applications(*items, pclprops_), oper);
+    }
+}
+
+void FCutter::CleanDownloads(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper) {
+    cleanFiles(Section::downloads, items, oper);
+}
+
+void FCutter::CleanCaches(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper) {
+    cleanFiles(Section::caches, items, oper);
+}
+
+void FCutter::CleanTrash(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper) {
+    cleanFiles(Section::trash, items, oper);
+}
+
+void FCutter::CleanLogs(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper) {
+    cleanFiles(Section::logs, items, oper);
+}
+
+void FCutter::cleanFiles(Section section, const std::optional<ItemArray>& items,
+                         const std::shared_ptr<Operation>& oper) {
+    const auto& make = table_.files[section];
+    if (items && !items->isEmpty() && make) {
+        enqueue(make(*items), oper);
+    }
+}
+
+void FCutter::enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper) {
+    oper->addDependency(operation);
+    pCutQue_.addOperation(operation);
+}
+
+void FCutter::CleanDone() { NotificationCenter::defaultCenter().post(notification::cleanFinished); }
+
+}  // namespace brimvault::engine

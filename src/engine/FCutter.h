@@ -1,0 +1,66 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "engine/AppItemData.h"
+#include "engine/FCleanProps.h"
+#include "engine/FFItem.h"
+#include "engine/SectionOperation.h"
+
+namespace brimvault::engine {
+
+/// Where the clean driver gets its operations from. Null entries clean nothing.
+struct CleanTable {
+    using FileOperation = std::function<std::shared_ptr<SectionOperation>(const ItemArray&)>;
+
+    std::function<std::shared_ptr<SectionOperation>(const ApplicationArray&, const std::shared_ptr<FCleanProps>&)>
+        applications;
+    PerSection<FileOperation> files;  ///< none for Language Resources
+
+    /// The engine's own operations for the four sections of files.
+    static CleanTable fileSections();
+};
+
+/// The clean driver: one operation per section, one after the other, and "cleanFinished" when all have ended. One
+/// thread (the main thread); the operations run and post on the queue's.
+class FCutter {
+public:
+    explicit FCutter(CleanTable table = CleanTable::fileSections()) : table_(std::move(table)) {}
+
+    /// What every clean of language resources respects; shared with the façade.
+    [[nodiscard]] const std::shared_ptr<FCleanProps>& pclprops() const { return pclprops_; }
+
+    /// None, or an empty array, cleans nothing of its section.
+    void Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
+               const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
+               const std::optional<ItemArray>& pLogs);
+
+    void CleanAppsRes(const std::optional<ApplicationArray>& items, const std::shared_ptr<Operation>& oper);
+    void CleanDownloads(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
+    void CleanCaches(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
+    void CleanTrash(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
+    void CleanLogs(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
+    /// Posts "cleanFinished".
+    static void CleanDone();
+
+    /// Cancels everything and returns at once.
+    void cancelCleanAll() { pCutQue_.cancelAllOperations(); }
+    /// Cancel one section's clean and wait until it has returned. Block the caller.
+    void cancelCleanAppsRes() { cancelOperationByClass(pCutQue_, Section::languageResources); }
+    void cancelCleanDownloads() { cancelOperationByClass(pCutQue_, Section::downloads); }
+    void cancelCleanCaches() { cancelOperationByClass(pCutQue_, Section::caches); }
+    void cancelCleanTrash() { cancelOperationByClass(pCutQue_, Section::trash); }
+    void cancelCleanLogs() { cancelOperationByClass(pCutQue_, Section::logs); }
+
+private:
+    void cleanFiles(Section section, const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
+    void enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper);
+
+    CleanTable table_;
+    std::shared_ptr<FCleanProps> pclprops_ = std::make_shared<FCleanProps>();
+    OperationQueue pCutQue_{1};  ///< sections are cleaned one after another, never in parallel
+};
+
+}  // namespace brimvault::engine

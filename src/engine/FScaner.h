@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "engine/FFItem.h"
+#include "engine/SBaseOperation.h"
+
+namespace brimvault::engine {
+
+/// Where the scan driver gets its operations from: put together where the program is, since the engine knows none.
+struct ScanTable {
+    /// Makes a fresh operation; a section without one is not scanned.
+    PerSection<std::function<std::shared_ptr<SBaseOperation>()>> operations;
+    /// Called before the operations of every scan are queued, to forget what they share.
+    std::function<void()> resetShared;
+};
+
+/// The scan driver: one operation per chosen section, side by side, and "scanFinished" when all of them have ended.
+/// One thread (the main thread); the operations run and post on the queue's.
+class FScaner {
+public:
+    explicit FScaner(ScanTable table) : table_(std::move(table)) {}
+
+    void Scan(bool bApps, bool bDwn, bool bCache, bool bTrash, bool bLogs);
+
+    void ScanApplicationsResources(const std::shared_ptr<Operation>& done) { scan(Section::languageResources, done); }
+    void ScanDownloads(const std::shared_ptr<Operation>& done) { scan(Section::downloads, done); }
+    void ScanCaches(const std::shared_ptr<Operation>& done) { scan(Section::caches, done); }
+    void ScanTrash(const std::shared_ptr<Operation>& done) { scan(Section::trash, done); }
+    void ScanLogs(const std::shared_ptr<Operation>& done) { scan(Section::logs, done); }
+    /// Posts "scanFinished".
+    static void ScanDone();
+
+    /// Cancels everything and returns at once.
+    void cancelScanAll() { pque_.cancelAllOperations(); }
+    /// Cancel one section's scan and wait until it has returned. Block the caller.
+    void cancelScanApplicationsResources() { cancelOperationByClass(pque_, Section::languageResources); }
+    void cancelScanDownloads() { cancelOperationByClass(pque_, Section::downloads); }
+    void cancelScanCaches() { cancelOperationByClass(pque_, Section::caches); }
+    void cancelScanTrash() { cancelOperationByClass(pque_, Section::trash); }
+    void cancelScanLogs() { cancelOperationByClass(pque_, Section::logs); }
+
+    /// Whether the operation of any section has not yet returned.
+    [[nodiscard]] bool isScanning() const;
+
+    /// A holder per section, empty: the results are the model's.
+    [[nodiscard]] const ItemArray& pcfApplications() const { return holders_[Section::languageResources]; }
+    [[nodiscard]] const ItemArray& pcfDownloads() const { return holders_[Section::downloads]; }
+    [[nodiscard]] const ItemArray& pcfCaches() const { return holders_[Section::caches]; }
+    [[nodiscard]] const ItemArray& pcfTrash() const { return holders_[Section::trash]; }
+    [[nodiscard]] const ItemArray& pcfLogs() const { return holders_[Section::logs]; }
+
+private:
+    void scan(Section section, const std::shared_ptr<Operation>& done);
+
+    ScanTable table_;
+    PerSection<ItemArray> holders_;
+    OperationQueue pque_;
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QDateTime>
+#include <QLocale>
+#include <QString>
+#include <QStringList>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "files/DirectoryHandle.h"
+
+namespace brimvault::engine {
+
+/// Facts about files, for the engine and the lists. Every failure reads as 0, NO, nothing or empty; links are looked at
+/// themselves and never followed. Any thread.
+class FileManager {
+public:
+    /// YES when the item is locked against change; NO when that cannot be read.
+    [[nodiscard]] static bool isFileLocked(const std::filesystem::path& path);
+
+    /// The bytes of an extended attribute; none when it is absent or empty.
+    [[nodiscard]] static std::optional<std::string> extendedAttributeWithName(const std::string& name,
+                                                                              const std::filesystem::path& path);
+    [[nodiscard]] static QStringList extendedAttributesListAtPath(const std::filesystem::path& path);
+    /// YES when the application carries a quarantine mark that the user has not cleared.
+    [[nodiscard]] static bool isAppPathInQuarantine(const std::filesystem::path& path);
+
+    /// Bytes on disk of a folder's contents; for a file its length.
+    [[nodiscard]] static std::uint64_t physicalSizeOfFileAtPath(const std::filesystem::path& path);
+    /// Length of a file, or of all files in a folder.
+    [[nodiscard]] static std::uint64_t logicalSizeOfFileAtPath(const std::filesystem::path& path);
+    /// As the logical size, with what the file system states as the lengths of the folders inside.
+    [[nodiscard]] static std::uint64_t fullSizeOfFileAtPath(const std::filesystem::path& path);
+    [[nodiscard]] static std::int64_t numberOfFilesInFolder(const std::filesystem::path& path,
+                                                            files::HiddenEntries countHiddenFiles);
+
+    [[nodiscard]] static std::optional<QDateTime> modificationDateOfFilePath(const std::filesystem::path& path);
+    [[nodiscard]] static std::optional<QString> stringmodificationDateOfFilePath(const std::filesystem::path& path,
+                                                                                 QLocale::FormatType style);
+
+    [[nodiscard]] static QString displayNameAtPath(const std::filesystem::path& path);
+    /// The path as its folders and its last name are presented to people.
+    [[nodiscard]] static QString getLocalizedPath(const std::filesystem::path& path);
+    /// The path with every ":" shown as "/".
+    [[nodiscard]] static QString displayPathAtPath(const std::filesystem::path& path);
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,61 @@
+#include "engine/FileSize.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
+#include "engine/FileManager.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+constexpr double step = 1000.0;
+constexpr const char* units[] = {"B", "KB", "MB", "GB", "TB", "PB"};
+constexpr std::size_t lastUnit = std::size(units) - 1;
+
+QString withUnit(const QString& number, std::size_t unit) {
+    return number + QLatin1Char(' ') + QLatin1String(units[unit]);
+}
+
+// At most that many decimals, none of them a trailing zero.
+QString number(double value, int decimals) {
+    QString text = QString::number(value, 'f', decimals);
+    while (text.endsWith(QLatin1Char('0'))) {
+        text.chop(1);
+    }
+    return text.endsWith(QLatin1Char('.')) ? text.chopped(1) : text;
+}
+
+}  // namespace
+
+QString FileSize::formatMemoryStringDot0(quint64 bytes) {
+    if (bytes < 1000) {
+        return withUnit(QString::number(bytes), 0);
+    }
+    constexpr std::size_t terabytes = 4;  // the largest unit of this form
+    double value = static_cast<double>(bytes) / step;
+    std::size_t unit = 1;
+    for (; value >= step && unit < terabytes; ++unit) {
+        value /= step;
+    }
+    return withUnit(QString::number(value, 'f', 0), unit);
+}
+
+QString FileSize::formatMemoryStringDot1(quint64 bytes) {
+    double value = static_cast<double>(bytes);
+    std::size_t thousands = 0;
+    while (value >= step && thousands <= lastUnit) {
+        value /= step;
+        ++thousands;
+    }
+    constexpr double twoDecimalsBelow = 100.0;
+    const QString text = thousands == 0 ? QString::number(bytes) : number(value, value < twoDecimalsBelow ? 2 : 1);
+    return withUnit(text, std::min(thousands, lastUnit));
+}
+
+QString FileSize::getDisplayNameAtPath(const std::filesystem::path& path) {
+    return FileManager::displayNameAtPath(path);
+}
+
+}  // namespace brimvault::engine

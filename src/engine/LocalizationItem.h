@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <filesystem>
+#include <memory>
+
+namespace brimvault::engine {
+
+/// One localization folder of one application, as the scan measured it. Not changed after it is posted.
+struct LocalizationItem {
+    quint64 nlocSize = 0;            ///< bytes
+    QString plocNameId;              ///< canonical identifier of its language
+    std::filesystem::path plocPath;  ///< full path of the folder
+
+    /// YES unless the identifier is among those to keep, compared letter by letter.
+    [[nodiscard]] bool shouldBeRemovedWithNeedLangs(const QStringList& needed) const {
+        return !needed.contains(plocNameId);
+    }
+};
+
+using LocalizationArray = QList<std::shared_ptr<LocalizationItem>>;
+
+}  // namespace brimvault::engine

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QLatin1String>
+
+#include "engine/Section.h"
+
+/// The names of all notifications and the keys of their user info, spelled as posters and observers share them.
+namespace brimvault::engine {
+
+namespace notification {
+
+inline constexpr QLatin1String scanFinished("scanFinished");
+inline constexpr QLatin1String cleanFinished("cleanFinished");
+inline constexpr QLatin1String singleFileRemoveFinished("singleFileRemoveFinished");
+/// Reserved; observed, and posted by nobody.
+inline constexpr QLatin1String updateCleanableSizes("updateCleanableSizes");
+/// A click on the status panel; posted on the main thread.
+inline constexpr QLatin1String plashkaPressed("PlashkaPressed");
+
+}  // namespace notification
+
+namespace key {
+
+/// Number: how many items a scan expects to find (Language Resources: applications found).
+inline constexpr QLatin1String totalCount("pstrKeyTotalCount");
+/// Number: whole per cents of a scan, 0 to 100; above where more is found than was expected.
+inline constexpr QLatin1String progressPercent("pstrKeyProgressPercent");
+/// Dictionary: application path to the localizations removed from it.
+inline constexpr QLatin1String cleanedApplications("pstrKeyCleanedApplicationsDictionary");
+/// Number, 0 or 1: how a single removal ended.
+inline constexpr QLatin1String success("success");
+
+}  // namespace key
+
+/// What one section's operations post, and under which keys.
+struct SectionVocabulary {
+    QLatin1String scanFinished;       ///< array: the whole result
+    QLatin1String scanProgress;       ///< delta, or array for the first batch; total count; percent
+    QLatin1String cleanFinished;      ///< array: the items that are gone; not-cleaned dictionary
+    QLatin1String interfaceFinished;  ///< the twin that the model posts on the main thread after merging a result
+    QLatin1String interfaceProgress;  ///< the twin after merging progress
+    QLatin1String arrayKey;           ///< array: replaces in a scan, names what is gone in a clean
+    QLatin1String deltaKey;           ///< array: appended
+    QLatin1String notCleanedKey;      ///< dictionary: item name to reason (Language Resources: to a count)
+};
+
+/// Any thread.
+constexpr SectionVocabulary vocabulary(Section section) {
+    using Name = QLatin1String;
+    switch (section) {
+        case Section::languageResources:
+            return {Name("appResScanFinished"),
+                    Name("appResScanningProgr"),
+                    Name("appResCleanFinished"),
+                    Name("appResScanFinishedInterfaceUpd"),
+                    Name("NSString* appResScanningProgrInterfaceUpd"),  // with this beginning: part of the name
+                    Name("pstrKeyAllApplicationsArray"),
+                    Name("pstrKeyDeltaApplications"),
+                    Name("pstrKeyNotCleanedApplicationsDictionary")};
+        case Section::downloads:
+            return {Name("downloadsScanFinished"),
+                    Name("downloadsScanningProgr"),
+                    Name("downloadsCleanFinished"),
+                    Name("downloadsFinishedInterfaceUpd"),
+                    Name("downloadsScanningProgrInterfaceUpd"),
+                    Name("pstrKeyDownloadsArray"),
+                    Name("pstrKeyDeltaDownloadsArray"),
+                    Name("pstrKeyNotCleanedDownloadsDictionary")};
+        case Section::caches:
+            return {Name("cachesScanFinished"),
+                    Name("cachesScanningProgr"),
+                    Name("cachesCleanFinished"),
+                    Name("cachesFinishedInterfaceUpd"),
+                    Name("cachesScanningProgrInterfaceUpd"),
+                    Name("pstrKeyCachesArray"),
+                    Name("pstrKeyDeltaCachesArray"),
+                    Name("pstrKeyNotCleanedCachesDictionary")};
+        case Section::trash:
+            return {Name("trashScanFinished"),
+                    Name("trashScanningProgr"),
+                    Name("trashCleanFinished"),
+                    Name("trashFinishedInterfaceUpd"),
+                    Name("trashScanningProgrInterfaceUpd"),
+                    Name("pstrKeyTrashArray"),
+                    Name("pstrKeyDeltaTrashArray"),
+                    Name("pstrKeyNotCleanedTrashDictionary")};
+        case Section::logs:
+            break;
+    }
+    return {Name("logsScanFinished"),
+            Name("logsScanningProgr"),
+            Name("logsCleanFinished"),
+            Name("logsFinishedInterfaceUpd"),
+            Name("logsScanningProgrInterfaceUpd"),
+            Name("pstrKeyLogsArray"),
+            Name("pstrKeyDeltaLogsArray"),
+            Name("pstrKeyNotCleanedLogsDictionary")};
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,39 @@
+#include "engine/Operation.h"
+
+#include <algorithm>
+
+namespace brimvault::engine {
+
+bool Operation::isFinished() const {
+    const std::lock_guard guard(mutex_);
+    return finished_;
+}
+
+void Operation::waitUntilFinished() const {
+    std::unique_lock lock(mutex_);
+    finishedChanged_.wait(lock, [this] { return finished_; });
+}
+
+bool Operation::isReady() const {
+    return std::all_of(dependencies_.begin(), dependencies_.end(),
+                       [](const auto& dependency) { return dependency->isFinished(); });
+}
+
+void Operation::run() {
+    if (!isCancelled()) {
+        main();
+    }
+}
+
+void Operation::finish() {
+    {
+        const std::lock_guard guard(mutex_);
+        finished_ = true;
+    }
+    finishedChanged_.notify_all();
+    if (completionBlock_) {
+        completionBlock_();
+    }
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace brimvault::engine {
+
+/// The five places that are scanned and cleaned, in the order in which the engine always names them. The window lists
+/// them in an order of its own.
+enum class Section { languageResources, downloads, caches, trash, logs };
+
+inline constexpr std::array<Section, 5> allSections = {Section::languageResources, Section::downloads, Section::caches,
+                                                       Section::trash, Section::logs};
+
+/// One value for each section.
+template <typename Value>
+class PerSection {
+public:
+    Value& operator[](Section section) { return values_[static_cast<std::size_t>(section)]; }
+    const Value& operator[](Section section) const { return values_[static_cast<std::size_t>(section)]; }
+
+private:
+    std::array<Value, allSections.size()> values_{};
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "engine/Operation.h"
+#include "engine/OperationQueue.h"
+#include "engine/Section.h"
+
+namespace brimvault::engine {
+
+/// An operation that works on one section; drivers tell their operations apart by it.
+class SectionOperation : public Operation {
+public:
+    explicit SectionOperation(Section section) : section_(section) {}
+    [[nodiscard]] Section section() const { return section_; }
+
+private:
+    const Section section_;
+};
+
+/// Cancels every operation of the section on the queue, then waits for each to finish. Blocks the caller.
+void cancelOperationByClass(OperationQueue& queue, Section section);
+
+}  // namespace brimvault::engine
