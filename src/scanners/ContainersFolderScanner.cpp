@@ -1,0 +1,39 @@
+#include "scanners/ContainersFolderScanner.h"
+
+#include "files/DirectoryHandle.h"
+#include "files/NodeStatus.h"
+
+namespace brimvault::scanners {
+
+// Only what has exactly one name counts as a container: a file with further names is none, and what cannot be looked at
+// is left out.
+ContainersFolderScanner::Folders ContainersFolderScanner::listContainerFolders() const {
+    Folders containers;
+    const auto keep = [&](const files::DirectoryEntry& entry) {
+        auto child = containersFolderURL_ / entry.name;
+        if (const auto status = files::statusOf(child); status && status->linkCount == 1) {
+            containers.push_back(std::move(child));
+        }
+        return true;
+    };
+    if (files::forEachChild(containersFolderURL_, files::HiddenEntries::skip, keep) != 0) {
+        return {};
+    }
+    return containers;
+}
+
+void ContainersFolderScanner::scanContainers() {
+    for (const auto& container : listContainerFolders()) {
+        caches_.push_back(container / "Data" / "Library" / "Caches");
+        logs_.push_back(container / "Data" / "Library" / "Logs");
+    }
+    isLoaded_ = true;
+}
+
+void ContainersFolderScanner::resetResults() {
+    logs_.clear();
+    caches_.clear();
+    isLoaded_ = false;
+}
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+namespace brimvault::scanners {
+
+/// Lists the containers of sandboxed applications: for each, the folder of its caches and that of its logs, at the same
+/// index of two lists. Neither folder need exist. One thread at a time; ContainersFolderScannerManager sees to it.
+class ContainersFolderScanner {
+public:
+    using Folders = std::vector<std::filesystem::path>;
+
+    explicit ContainersFolderScanner(std::filesystem::path containersFolder)
+        : containersFolderURL_(std::move(containersFolder)) {}
+
+    [[nodiscard]] const Folders& logs() const { return logs_; }
+    [[nodiscard]] const Folders& caches() const { return caches_; }
+    /// The lists are those of a listing since the last reset; an empty listing counts.
+    [[nodiscard]] bool isLoaded() const { return isLoaded_; }
+
+    /// Fills the empty lists.
+    void scanContainers();
+    void resetResults();
+
+private:
+    [[nodiscard]] Folders listContainerFolders() const;
+
+    const std::filesystem::path containersFolderURL_;
+    Folders logs_;
+    Folders caches_;
+    bool isLoaded_ = false;
+};
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+
+namespace brimvault::scanners {
+
+/// The home folder of the user who runs the process, as the user database has it, and the folders below it. Made on the
+/// first use; not changed afterwards.
+class PathsGenerator {
+public:
+    PathsGenerator() : m_sHomeDirectory_(findHomeDirectory()) {}
+    static const PathsGenerator& GetInstance();
+
+    [[nodiscard]] const std::filesystem::path& getHomeDirectory() const { return m_sHomeDirectory_; }
+    /// "/Users/" and the login name where the user database has no record.
+    [[nodiscard]] static std::filesystem::path findHomeDirectory();
+
+    [[nodiscard]] std::filesystem::path buildTrashDirectory() const { return m_sHomeDirectory_ / ".Trash"; }
+    [[nodiscard]] std::filesystem::path buildUserApplicationsDirectory() const {
+        return m_sHomeDirectory_ / "Applications";
+    }
+    [[nodiscard]] std::filesystem::path buildCacheDirectory() const { return m_sHomeDirectory_ / "Library" / "Caches"; }
+    [[nodiscard]] std::filesystem::path buildDownloadsDirectory() const { return m_sHomeDirectory_ / "Downloads"; }
+
+private:
+    const std::filesystem::path m_sHomeDirectory_;
+};
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,58 @@
+#include "scanners/ScanBatches.h"
+
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+
+namespace brimvault::scanners {
+
+using engine::NotificationCenter;
+
+namespace {
+
+constexpr double batchesPerScan = 75.0;
+
+}  // namespace
+
+ScanBatches::ScanBatches(engine::Section section, qint64 expectedCount)
+    : section_(section), expectedCount_(expectedCount) {}
+
+void ScanBatches::step() {
+    ++processed_;
+    ++sinceBatch_;
+    const double threshold = static_cast<double>(expectedCount_) / batchesPerScan;
+    if (static_cast<double>(sinceBatch_) < threshold || batch_.isEmpty()) {
+        return;
+    }
+    postProgress(percent());
+    batch_.clear();
+    sinceBatch_ = 0;
+}
+
+void ScanBatches::add(const std::shared_ptr<engine::FFItem>& item) {
+    items_.append(item);
+    batch_.append(item);
+}
+
+qint64 ScanBatches::percent() const {
+    if (expectedCount_ <= 0) {
+        return 0;
+    }
+    return static_cast<qint64>(static_cast<double>(processed_) * 100.0 / static_cast<double>(expectedCount_));
+}
+
+// The first batch is everything found so far and replaces what an earlier scan left in the model.
+void ScanBatches::postProgress(qint64 percent) const {
+    const auto words = engine::vocabulary(section_);
+    const bool everything = batch_.size() == items_.size();
+    NotificationCenter::defaultCenter().post(words.scanProgress,
+                                             {{everything ? words.arrayKey : words.deltaKey, batch_},
+                                              {engine::key::totalCount, expectedCount_},
+                                              {engine::key::progressPercent, percent}});
+}
+
+void ScanBatches::postFinished() const {
+    const auto words = engine::vocabulary(section_);
+    NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, items_}});
+}
+
+}  // namespace brimvault::scanners

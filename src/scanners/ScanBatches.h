@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QtGlobal>
+#include <memory>
+
+#include "engine/FFItem.h"
+#include "engine/Section.h"
+
+namespace brimvault::scanners {
+
+/// The results of one scan of a section of files, and the batches in which they are reported while it runs: about
+/// seventy-five of them, whatever the number of items. One thread, the operation's.
+///
+/// For each item `step` comes first and then, with what was measured, `add`: so a batch never holds the item that
+/// closed it, and what came after the last batch reaches the model only with the finished notification.
+class ScanBatches {
+public:
+    ScanBatches(engine::Section section, qint64 expectedCount);
+
+    /// Counts one item, and posts the batch when it is due.
+    void step();
+    void add(const std::shared_ptr<engine::FFItem>& item);
+    /// Posts the finished notification with everything that was added.
+    void postFinished() const;
+
+    [[nodiscard]] const engine::ItemArray& items() const { return items_; }
+
+private:
+    void postProgress(qint64 percent) const;
+    /// Above 100 when more items are found than were expected.
+    [[nodiscard]] qint64 percent() const;
+
+    const engine::Section section_;
+    const qint64 expectedCount_;
+    qint64 processed_ = 0;
+    qint64 sinceBatch_ = 0;
+    engine::ItemArray items_;
+    engine::ItemArray batch_;
+};
+
+}  // namespace brimvault::scanners
