@@ -1,0 +1,31 @@
+#include "ui/AlertPresenter.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QMessageBox>
+
+#include "ui/ImageLoad.h"
+
+namespace brimvault::ui {
+
+AlertAnswer MessageBoxAlerts::runModal(const Alert& alert, QWidget* window) {
+    QMessageBox box(window);
+    box.setWindowTitle(QStringLiteral("Brimvault"));
+    constexpr int iconSize = 64;
+    box.setIconPixmap(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), window->devicePixelRatioF())
+                          .scaled(QSize(iconSize, iconSize) * window->devicePixelRatioF(), Qt::KeepAspectRatio,
+                                  Qt::SmoothTransformation));
+    box.setText(alert.message);
+    box.setInformativeText(alert.informativeText);
+    box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+    box.setDefaultButton(QMessageBox::Ok);
+    if (alert.suppression == Alert::Suppression::offered) {
+        box.setCheckBox(new QCheckBox(QCoreApplication::translate("Alert", "Do not show this message again"), &box));
+    }
+    AlertAnswer answer;
+    answer.returnCode = box.exec() == QMessageBox::Ok ? AlertAnswer::firstButton : AlertAnswer::secondButton;
+    answer.suppressed = box.checkBox() != nullptr && box.checkBox()->isChecked();
+    return answer;
+}
+
+}  // namespace brimvault::ui

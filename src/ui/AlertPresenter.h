@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace brimvault::ui {
+
+/// A question to the user, with a confirming button first and a cancelling one second.
+struct Alert {
+    enum class Suppression { notOffered, offered };
+
+    QString message;
+    QString informativeText;
+    Suppression suppression = Suppression::notOffered;
+};
+
+struct AlertAnswer {
+    static constexpr int firstButton = 1000;
+    static constexpr int secondButton = 1001;
+
+    int returnCode = secondButton;
+    bool suppressed = false;  ///< the box "do not show again" was ticked
+};
+
+/// Asks the user. Main thread; returns when the question is answered.
+class AlertPresenter {
+public:
+    virtual ~AlertPresenter() = default;
+    virtual AlertAnswer runModal(const Alert& alert, QWidget* window) = 0;
+};
+
+/// Asks with a message box over the window.
+class MessageBoxAlerts final : public AlertPresenter {
+public:
+    AlertAnswer runModal(const Alert& alert, QWidget* window) override;
+};
+
+}  // namespace brimvault::ui

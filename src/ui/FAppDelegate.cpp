@@ -1,0 +1,364 @@
+#include "ui/FAppDelegate.h"
+
+#include "engine/FileSize.h"
+#include "engine/Notifications.h"
+#include "ui/DefaultsKeys.h"
+#include "ui/TChViewController.h"
+
+namespace brimvault::ui {
+
+using engine::FileSize;
+using engine::Section;
+
+namespace {
+
+QString countText(qsizetype items, bool more) {
+    if (items == 1) {
+        return more ? FAppDelegate::tr("1 item so far") : FAppDelegate::tr("1 item");
+    }
+    return (more ? FAppDelegate::tr("%1 items so far") : FAppDelegate::tr("%1 items")).arg(items);
+}
+
+}  // namespace
+
+FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, platform::UserDefaults& defaults,
+                           AlertPresenter& alerts)
+    : defaults_(defaults), window_(std::make_unique<MainWindow>()) {
+    psectController_ = std::make_unique<TSectionViewController>(
+        TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, defaults, alerts,
+                                             [] { return QStringList(); }},
+        std::move(scans), std::move(cleans));
+}
+
+FAppDelegate::~FAppDelegate() = default;
+
+void FAppDelegate::applicationDidFinishLaunching() {
+    defaults_.increase(defaults_key::launchNumber);
+    resetNotCleanedDicts();
+    connectControls();
+    activatePanel(0);
+    registerObservers();
+    defaults_.setNumber(defaults_key::lastCleanedSize, 0);
+    bPlashkaStateSelectedFiles_ = true;
+    setImgs4Scan(true);
+    setImgs4Clean(true);
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+    window_->startPage()->btnStartScanButton2()->setFocus();
+}
+
+void FAppDelegate::connectControls() {
+    connect(window_->sidebar()->pbtnScan(), &QAbstractButton::clicked, psectController_.get(),
+            &TSectionViewController::doStartScan);
+    connect(window_->startPage()->btnStartScanButton2(), &QAbstractButton::clicked, psectController_.get(),
+            &TSectionViewController::doStartScan);
+    connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
+            &TSectionViewController::doStartClean);
+    connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
+    window_->setMayClose([this] { return mayClose(); });
+}
+
+void FAppDelegate::observe(const QString& name, engine::NotificationCenter::Handler handler) {
+    observations_.push_back(
+        engine::NotificationCenter::defaultCenter().addMainThreadObserver(name, this, std::move(handler)));
+}
+
+void FAppDelegate::registerObservers() {
+    observe(engine::notification::scanFinished, [this](const auto&) { mainThreadScanFinished(); });
+    observe(engine::notification::cleanFinished, [this](const auto&) { setPbCleanning(false); });
+    for (const Section section : engine::allSections) {
+        const auto words = engine::vocabulary(section);
+        observe(words.cleanFinished, [this, section, words](const engine::Notification& heard) {
+            notCleaned_[section] =
+                engine::getDictionaryPropfromNotification<engine::NotRemovedDictionary>(heard, words.notCleanedKey)
+                    .value_or(engine::NotRemovedDictionary());
+        });
+    }
+    auto& center = engine::NotificationCenter::defaultCenter();
+    observations_.push_back(center.addObserver(engine::notification::updateCleanableSizes,
+                                               [this](const auto&) { UpdateTextsAboutFreeUpSize(); }));
+    observations_.push_back(
+        center.addObserver(engine::notification::plashkaPressed, [this](const auto&) { plashkaPressed(); }));
+}
+
+void FAppDelegate::resetNotCleanedDicts() { notCleaned_ = {}; }
+
+// --- Scanning ---------------------------------------------------------------------------------------------------
+
+void FAppDelegate::setPbScanning(bool scanning) {
+    bscanningProcess_ = scanning;
+    psectController_->updateChecksEnabled();
+    if (scanning) {
+        scanStarted();
+    } else {
+        scanFinished();
+    }
+}
+
+void FAppDelegate::scanStarted() {
+    window_->sidebar()->pbtnScan()->startAnimation();
+    bScanStarted_ = true;
+    enableControlsScan(false);
+    initStateAsScanStarted();
+}
+
+// The list takes the place of the start page, and the focus with it: the start page's button is gone.
+void FAppDelegate::initStateAsScanStarted() {
+    const bool focusGoes = window_->startPage()->btnStartScanButton2()->hasFocus();
+    window_->showLists();
+    showSelPanel();
+    if (focusGoes) {
+        window_->sidebar()->pbtnScan()->setFocus();
+    }
+}
+
+void FAppDelegate::showSelPanel() {
+    const int row = psectController_->selectedRow();
+    if (row >= 0 && row < sectionRowCount) {
+        activatePanel(row);
+    } else {
+        psectController_->selectRow(0);
+        activatePanel(0);
+    }
+}
+
+// A scan that was stopped tells of its end when its operations have returned; by then the next may be running, and its
+// own end is still to come.
+void FAppDelegate::mainThreadScanFinished() {
+    if (!psectController_->performer().pscaner().isScanning()) {
+        setPbScanning(false);
+    }
+    closeWhenIdle();
+}
+
+void FAppDelegate::scanFinished() {
+    enableControlsScan(true);
+    updateSelectAllCheck();
+    window_->sidebar()->pbtnScan()->stopAnimation();
+    showTitle();
+}
+
+// --- Cleaning ---------------------------------------------------------------------------------------------------
+
+void FAppDelegate::setPbCleanning(bool cleaning) {
+    bcleaningProcess_ = cleaning;
+    psectController_->updateChecksEnabled();
+    if (cleaning) {
+        cleanStarted();
+    } else {
+        cleanFinished();
+        closeWhenIdle();
+    }
+}
+
+void FAppDelegate::cleanStarted() {
+    window_->lists()->pbtnClean()->startAnimation();
+    UpdateTextsAboutFreeUpSize();
+    resetNotCleanedDicts();
+    updateCleaningStateForControllers();
+    enableControlsClean(false);
+}
+
+void FAppDelegate::cleanFinished() {
+    psectController_->cleanFinished();
+    updateCleaningStateForControllers();
+    enableControlsClean(true);
+    updateSelectAllCheck();
+    window_->lists()->pbtnClean()->stopAnimation();
+    setPlashkaToSelectedState(false);
+    showTitle();
+}
+
+void FAppDelegate::updateCleaningStateForControllers() {
+    for (const auto& controller : pDynControllers_) {
+        if (controller) {
+            controller->updateCleaningState(bcleaningProcess_);
+        }
+    }
+}
+
+// --- Controls ---------------------------------------------------------------------------------------------------
+
+void FAppDelegate::enableControlsScan(bool idle) {
+    setImgs4Scan(idle);
+    window_->lists()->pbtnClean()->setEnabled(idle && bScanStarted_);
+    window_->lists()->pbtnSelectAll()->setEnabled(idle && bScanStarted_);
+}
+
+void FAppDelegate::enableControlsClean(bool idle) {
+    setImgs4Clean(idle);
+    window_->sidebar()->pbtnScan()->setEnabled(idle);
+    window_->lists()->pbtnSelectAll()->setEnabled(idle && bScanStarted_);
+}
+
+void FAppDelegate::setImgs4Scan(bool idle) {
+    // Once there is something to clean, that is the main thing to do, and scanning steps back.
+    const auto atRest = bScanStarted_ ? ActionButton::Look::quiet : ActionButton::Look::scan;
+    if (idle) {
+        window_->sidebar()->pbtnScan()->setLook(atRest, tr("Scan"), tr("Scan"));
+    } else {
+        window_->sidebar()->pbtnScan()->setLook(ActionButton::Look::stop, tr("Stop"), tr("Stop Scanning"));
+    }
+}
+
+void FAppDelegate::setImgs4Clean(bool idle) {
+    if (idle) {
+        window_->lists()->pbtnClean()->setLook(ActionButton::Look::clean, tr("Clean"), tr("Clean"));
+    } else {
+        window_->lists()->pbtnClean()->setLook(ActionButton::Look::stop, tr("Stop"), tr("Stop Cleaning"));
+    }
+}
+
+// --- Panels -----------------------------------------------------------------------------------------------------
+
+void FAppDelegate::activatePanel(int row) {
+    if (row < 0 || row >= sectionRowCount || !bScanStarted_) {
+        return;
+    }
+    activeRow_ = row;
+    if (!pDynControllers_[static_cast<std::size_t>(row)]) {
+        createController(row);
+    }
+    showPanel(row);
+}
+
+void FAppDelegate::createController(int row) {
+    auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
+    if (sectionRows()[static_cast<std::size_t>(row)].section == Section::caches) {
+        slot = std::make_unique<TChViewController>(psectController_->getAppResDS(), *psectController_);
+    }
+    if (slot) {
+        window_->lists()->addList(slot->view());
+        connect(slot.get(), &ItemListController::tableUpdated, this, &FAppDelegate::showTitle);
+        updateCleaningStateForControllers();
+    }
+}
+
+void FAppDelegate::showPanel(int row) {
+    for (std::size_t slot = 0; slot < pDynControllers_.size(); ++slot) {
+        if (pDynControllers_[slot]) {
+            pDynControllers_[slot]->view()->setVisible(static_cast<int>(slot) == row);
+        }
+    }
+    updateSelectAllCheck();
+}
+
+ItemListController* FAppDelegate::getCurrentSectionController() const {
+    return bScanStarted_ ? pDynControllers_[static_cast<std::size_t>(activeRow_)].get() : nullptr;
+}
+
+void FAppDelegate::showTitle() {
+    const auto* current = getCurrentSectionController();
+    QString count;
+    if (current != nullptr && current->hasItems()) {
+        count = countText(current->itemCount(), bscanningProcess_);
+    }
+    const auto& row = sectionRows()[static_cast<std::size_t>(activeRow_)];
+    window_->lists()->setTitle(sectionTitle(row), count);
+    const bool nothingToList = current == nullptr || !current->hasItems();
+    window_->lists()->setNote(nothingToList ? psectController_->subtitle(activeRow_) : QString());
+    if (current != nullptr) {
+        current->view()->setVisible(!nothingToList);
+    }
+}
+
+void FAppDelegate::toggleSelectAll() {
+    auto* current = getCurrentSectionController();
+    if (current == nullptr) {
+        return;
+    }
+    const bool checked = window_->lists()->pbtnSelectAll()->checkState() == Qt::Checked;
+    current->selectAllItems(checked ? 1 : 0);
+    psectController_->setSectionChecked(current->section(), checked);
+    UpdateTextsAboutFreeUpSize();
+}
+
+void FAppDelegate::updateSelectAllCheck() {
+    const auto* current = getCurrentSectionController();
+    auto* selectAll = window_->lists()->pbtnSelectAll();
+    showTitle();
+    if (current == nullptr) {
+        selectAll->setSelAllChecked(0);
+        selectAll->setEnabled(false);
+        return;
+    }
+    selectAll->setSelAllChecked(current->getcheckstate());
+    UpdateTextsAboutFreeUpSize();
+    selectAll->setEnabled(!sectionControllerIsScanOrRemoveProcessPerforming() && current->hasItems());
+}
+
+// --- Status panel -----------------------------------------------------------------------------------------------
+
+void FAppDelegate::UpdateTextsAboutFreeUpSize() {
+    const auto* current = getCurrentSectionController();
+    if (current == nullptr) {
+        return;
+    }
+    const quint64 selected = current->getSize2CleanALLItemsSel();
+    const QString total = FileSize::formatMemoryStringDot1(current->getSize2CleanALLItems());
+    window_->lists()->plashka()->setTexts(selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected),
+                                          bcleaningProcess_ ? tr("Cleaning...") : tr("Selected of %1").arg(total));
+    if (!bcleaningProcess_) {
+        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_);
+    }
+    bPlashkaStateSelectedFiles_ = true;
+}
+
+void FAppDelegate::plashkaPressed() { setPlashkaToSelectedState(!bPlashkaStateSelectedFiles_); }
+
+void FAppDelegate::setPlashkaToSelectedState(bool selected) {
+    if (bcleaningProcess_) {
+        return;
+    }
+    if (selected) {
+        UpdateTextsAboutFreeUpSize();
+        window_->startPage()->ptxtStartDescClean()->setText(tr("Select sections and press Scan button"));
+    } else {
+        showCleanedSummary();
+    }
+    bPlashkaStateSelectedFiles_ = selected;
+}
+
+void FAppDelegate::showCleanedSummary() {
+    auto* plashka = window_->lists()->plashka();
+    auto* hint = window_->startPage()->ptxtStartDescClean();
+    const quint64 total = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
+    const quint64 last = defaults_.number(defaults_key::lastCleanedSize).value_or(0);
+    const QString totalText = FileSize::formatMemoryStringDot1(total);
+    if (total == 0) {
+        hint->setText(tr("Select files and press Clean button"));
+        plashka->setTexts({}, tr("Select files to clean"));
+    } else if (last == 0) {
+        hint->setText(tr("%1 cleaned before").arg(totalText));
+        plashka->setTexts({}, tr("%1 cleaned before").arg(totalText));
+    } else {
+        plashka->setTexts(tr("%1 cleaned").arg(FileSize::formatMemoryStringDot1(last)),
+                          tr("%1 cleaned in total").arg(totalText));
+    }
+}
+
+// --- Closing ----------------------------------------------------------------------------------------------------
+
+// What runs is asked to end and the window goes once it has, so that nothing is cut off half-way and what was freed is
+// recorded.
+bool FAppDelegate::mayClose() {
+    auto& performer = psectController_->performer();
+    const bool busy = sectionControllerIsScanOrRemoveProcessPerforming() || performer.pscaner().isScanning();
+    if (busy) {
+        closing_ = true;
+        window_->setEnabled(false);
+        performer.cancelScanAll();
+        performer.cancelCleanAll();
+    }
+    return !busy;
+}
+
+void FAppDelegate::closeWhenIdle() {
+    if (closing_ && !sectionControllerIsScanOrRemoveProcessPerforming() &&
+        !psectController_->performer().pscaner().isScanning()) {
+        window_->close();
+    }
+}
+
+}  // namespace brimvault::ui

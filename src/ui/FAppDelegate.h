@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QObject>
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "engine/FCutter.h"
+#include "engine/FScaner.h"
+#include "engine/Notification.h"
+#include "engine/NotificationCenter.h"
+#include "platform/UserDefaults.h"
+#include "ui/AlertPresenter.h"
+#include "ui/ApplicationController.h"
+#include "ui/ItemListController.h"
+#include "ui/MainWindow.h"
+#include "ui/TSectionViewController.h"
+
+namespace brimvault::ui {
+
+/// The controller of the window: it makes the parts, shows the list of the chosen section, and turns what the engine
+/// tells into what the controls show. Main thread; what the engine posts from other threads is handed over.
+class FAppDelegate final : public QObject, public ApplicationController {
+    Q_OBJECT
+
+public:
+    /// The defaults and the alerts outlive it.
+    FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, platform::UserDefaults& defaults,
+                 AlertPresenter& alerts);
+    ~FAppDelegate() override;
+
+    /// Brings everything to its first state and shows the window. Once.
+    void applicationDidFinishLaunching();
+
+    [[nodiscard]] MainWindow* window() const override { return window_.get(); }
+    [[nodiscard]] TSectionViewController& psectController() { return *psectController_; }
+
+    [[nodiscard]] bool pbScanning() const override { return bscanningProcess_; }
+    void setPbScanning(bool scanning) override;
+    [[nodiscard]] bool pbCleanning() const override { return bcleaningProcess_; }
+    void setPbCleanning(bool cleaning) override;
+    [[nodiscard]] bool bScanStarted() const override { return bScanStarted_; }
+    [[nodiscard]] bool sectionControllerIsScanOrRemoveProcessPerforming() const {
+        return bscanningProcess_ || bcleaningProcess_;
+    }
+
+    void activatePanel(int row) override;
+    void updateSelectAllCheck() override;
+    void UpdateTextsAboutFreeUpSize() override;
+    /// The reasons of the last clean, by section.
+    [[nodiscard]] const engine::PerSection<engine::NotRemovedDictionary>& notCleaned() const { return notCleaned_; }
+
+private:
+    void connectControls();
+    void registerObservers();
+    /// Observes on any thread, handles on this one.
+    void observe(const QString& name, engine::NotificationCenter::Handler handler);
+    void resetNotCleanedDicts();
+
+    void scanStarted();
+    void scanFinished();
+    void mainThreadScanFinished();
+    void cleanStarted();
+    void cleanFinished();
+    void initStateAsScanStarted();
+    void showSelPanel();
+    void enableControlsScan(bool idle);
+    void enableControlsClean(bool idle);
+    void setImgs4Scan(bool idle);
+    void setImgs4Clean(bool idle);
+    void updateCleaningStateForControllers();
+
+    void createController(int row);
+    void showPanel(int row);
+    void showTitle();
+    [[nodiscard]] ItemListController* getCurrentSectionController() const;
+    void toggleSelectAll();
+
+    void plashkaPressed();
+    void setPlashkaToSelectedState(bool selected);
+    void showCleanedSummary();
+
+    [[nodiscard]] bool mayClose();
+    void closeWhenIdle();
+
+    platform::UserDefaults& defaults_;
+    std::unique_ptr<MainWindow> window_;
+    std::unique_ptr<TSectionViewController> psectController_;
+    std::array<std::unique_ptr<ItemListController>, sectionRowCount> pDynControllers_;
+    engine::PerSection<engine::NotRemovedDictionary> notCleaned_;
+    int activeRow_ = 0;
+    bool bscanningProcess_ = false;
+    bool bcleaningProcess_ = false;
+    bool bScanStarted_ = false;               ///< never reset
+    bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
+    bool closing_ = false;                    ///< the user closed the window while something ran
+    std::vector<engine::NotificationCenter::Observation> observations_;
+};
+
+}  // namespace brimvault::ui

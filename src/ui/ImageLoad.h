@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QLatin1String>
+#include <QPixmap>
+#include <QRectF>
+
+class QPainter;
+
+namespace brimvault::ui {
+
+/// The window's pictures, by name. Each is loaded once, for its screen density, and kept for the life of the process.
+/// Main thread only.
+class ImageLoad {
+public:
+    /// The picture at the density given (device pixels to the point); null for an unknown name.
+    [[nodiscard]] static const QPixmap& LoadPNGImage(QLatin1String name, qreal density);
+    /// Size in points; 0 x 0 for an unknown name.
+    [[nodiscard]] static QSizeF sizeOf(QLatin1String name);
+
+    /// Draws the picture at a place, in its own size.
+    static void draw(QPainter& painter, const QPointF& topLeft, QLatin1String name);
+    /// Draws the picture over a rectangle with its corners kept as drawn and what is between them stretched.
+    static void drawStretched(QPainter& painter, const QRectF& target, QLatin1String name);
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,136 @@
+#include "ui/ItemListController.h"
+
+#include <QHeaderView>
+#include <algorithm>
+
+#include "engine/Notifications.h"
+#include "platform/DisplayText.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+const engine::FFItem& file(const engine::CleanableItem& item) { return static_cast<const engine::FFItem&>(item); }
+
+}  // namespace
+
+ItemListController::ItemListController(engine::Section section, engine::DataMan& pDS, CheckListener& pCheckListener)
+    : section_(section), pDS_(pDS), pCheckListener_(pCheckListener) {}
+
+ItemListController::~ItemListController() = default;
+
+void ItemListController::awake(const QString& accessibleName) {
+    model_ = new ItemListModel(texts(), this);
+    ptableView_ = new TTableView;
+    ptableView_->setAccessibleName(accessibleName);
+    ptableView_->setModel(model_);
+    ptableView_->horizontalHeader()->setSortIndicator(ItemListModel::nameColumn, Qt::AscendingOrder);
+    connect(model_, &ItemListModel::checkRequested, this, &ItemListController::setItemChecked);
+    connect(ptableView_->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            &ItemListController::didClickTableColumn);
+    const auto words = engine::vocabulary(section_);
+    observe(words.interfaceFinished);
+    observe(words.interfaceProgress);
+    updateTableKeepSelection();
+}
+
+ItemListModel::Texts ItemListController::texts() const {
+    return {[this](const engine::CleanableItem& item) { return nameOf(file(item)); },
+            [this](const engine::CleanableItem& item) { return platform::displayText(fullPathOf(file(item))); },
+            [](const engine::CleanableItem& item) { return file(item).getDisplayIcon(); }};
+}
+
+// The twins are posted on the main thread, so the list refreshes before they return.
+void ItemListController::observe(const QString& name) {
+    observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+        name, [this](const engine::Notification&) { updateTableKeepSelection(); }));
+}
+
+void ItemListController::updateTableKeepSelection() {
+    const auto selected = getSelectedItem();
+    const int row = ptableView_->currentIndex().row();
+    QList<ItemListModel::Item> shown;
+    for (const auto& item : pDS_.itemsOf(section_)) {
+        if (item->ppnSize() != 0) {  // what is empty frees nothing
+            shown.append(item);
+        }
+    }
+    model_->setItems(shown);
+    model_->checksChanged();
+    restoreSelection(selected, row);
+    Q_EMIT tableUpdated();
+}
+
+// Rows take their selection with them. Only where the selected item is gone, the one that now stands in its place is
+// selected.
+void ItemListController::restoreSelection(const std::shared_ptr<engine::FFItem>& selected, int row) {
+    if (!selected || model_->rowCount() == 0 || model_->rowOf(selected.get()) >= 0) {
+        return;
+    }
+    const auto next = model_->index(std::clamp(row, 0, model_->rowCount() - 1), ItemListModel::nameColumn);
+    ptableView_->selectionModel()->setCurrentIndex(next,
+                                                   QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+std::shared_ptr<engine::FFItem> ItemListController::getSelectedItem() const {
+    const auto rows = ptableView_->selectionModel()->selectedRows();
+    if (rows.isEmpty()) {
+        return nullptr;
+    }
+    return std::static_pointer_cast<engine::FFItem>(model_->item(rows.first().row()));
+}
+
+int ItemListController::getcheckstate() const {
+    bool checked = false;
+    bool unchecked = false;
+    for (const auto& item : model_->items()) {
+        checked = checked || item->ppbChecked();
+        unchecked = unchecked || (!item->ppbChecked() && item->ppbDeletable());
+        if (checked && unchecked) {
+            return -1;
+        }
+    }
+    return checked ? 1 : 0;
+}
+
+void ItemListController::selectAllItems(int state) {
+    for (const auto& item : model_->items()) {
+        item->setPpbChecked(state != 0 && item->ppbDeletable());
+    }
+    updateTableKeepSelection();
+}
+
+quint64 ItemListController::getSize2CleanMyItems() const {
+    quint64 size = 0;
+    engine::DataMan::getsizeAndSelSize(pDS_.itemsOf(section_), &size, nullptr);
+    return size;
+}
+
+void ItemListController::setItemChecked(int row, bool checked) {
+    model_->item(row)->setPpbChecked(checked);
+    updateTableKeepSelection();
+    pCheckListener_.setSectionChecked(section_, checked);
+}
+
+void ItemListController::didClickTableColumn(int column) {
+    auto* header = ptableView_->horizontalHeader();
+    if (column == ItemListModel::iconColumn) {
+        return;
+    }
+    // A first click shows names from A, what is ticked and what is large from the top.
+    auto order = column == ItemListModel::nameColumn ? Qt::AscendingOrder : Qt::DescendingOrder;
+    if (column == header->sortIndicatorSection()) {
+        order = header->sortIndicatorOrder() == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
+    }
+    header->setSortIndicator(column, order);
+    model_->sort(column, order);
+}
+
+void ItemListController::updateCleaningState(bool cleaning) {
+    model_->setEnabled(!cleaning);
+    if (ptableView_->isVisible()) {
+        updateTableKeepSelection();
+    }
+}
+
+}  // namespace brimvault::ui

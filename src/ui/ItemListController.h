@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QObject>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "engine/DataMan.h"
+#include "engine/NotificationCenter.h"
+#include "ui/CheckListener.h"
+#include "ui/ItemListModel.h"
+#include "ui/TTableView.h"
+
+namespace brimvault::ui {
+
+/// The list of one section of files: it shows what the model holds, keeps the order, and passes on what the user does.
+/// Each section's own list names its items and finds their paths. Main thread.
+class ItemListController : public QObject {
+    Q_OBJECT
+
+public:
+    ~ItemListController() override;
+
+    [[nodiscard]] engine::Section section() const { return section_; }
+    [[nodiscard]] TTableView* view() const { return ptableView_; }
+
+    [[nodiscard]] bool hasItems() const { return model_->rowCount() > 0; }
+    [[nodiscard]] qsizetype itemCount() const { return model_->rowCount(); }
+    [[nodiscard]] bool hasSelectedItem() const { return getSelectedItem() != nullptr; }
+    /// Null when no row is selected.
+    [[nodiscard]] std::shared_ptr<engine::FFItem> getSelectedItem() const;
+    /// -1 some, 0 none, 1 all; what cannot be removed counts only when it is ticked.
+    [[nodiscard]] int getcheckstate() const;
+    /// Ticks (1) or unticks (0) everything; what cannot be removed is never ticked.
+    void selectAllItems(int state);
+
+    /// Bytes of this section, of all sections, and selected in the ticked ones.
+    [[nodiscard]] quint64 getSize2CleanMyItems() const;
+    [[nodiscard]] quint64 getSize2CleanALLItems() const { return pDS_.getSize2CleanALL(); }
+    [[nodiscard]] quint64 getSize2CleanALLItemsSel() const { return pCheckListener_.getSize2CleanALLSel(); }
+
+    /// Check boxes may be changed unless a clean runs.
+    void updateCleaningState(bool cleaning);
+    void updateTableKeepSelection();
+
+    /// Where the item lies, for what is done to it.
+    [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
+
+Q_SIGNALS:
+    /// The rows, or what is ticked of them, are other than before.
+    void tableUpdated();
+
+protected:
+    /// The model and the listener outlive the list.
+    ItemListController(engine::Section section, engine::DataMan& pDS, CheckListener& pCheckListener);
+    /// To be called once, at the end of the constructor of a section's own list.
+    void awake(const QString& accessibleName);
+
+    [[nodiscard]] virtual QString nameOf(const engine::FFItem& item) const { return item.ppdisplayName(); }
+    /// For the tooltip; empty for none.
+    [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const = 0;
+
+private:
+    [[nodiscard]] ItemListModel::Texts texts() const;
+    void observe(const QString& name);
+    void setItemChecked(int row, bool checked);
+    void didClickTableColumn(int column);
+    void restoreSelection(const std::shared_ptr<engine::FFItem>& selected, int row);
+
+    const engine::Section section_;
+    engine::DataMan& pDS_;
+    CheckListener& pCheckListener_;
+    ItemListModel* model_ = nullptr;
+    TTableView* ptableView_ = nullptr;  ///< the window that shows it becomes its owner
+    std::vector<engine::NotificationCenter::Observation> observations_;
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,230 @@
+#include "ui/ItemListModel.h"
+
+#include <QLocale>
+#include <QSet>
+#include <algorithm>
+#include <numeric>
+
+#include "engine/FileSize.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+// The order of names that the user's language has; digits by value. The plain "C" locale has none and compares bytes.
+QCollator naturalOrder() {
+    const QLocale system = QLocale::system();
+    QCollator collator(system.language() == QLocale::C ? QLocale(QLocale::English) : system);
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    return collator;
+}
+
+template <typename Value>
+int compare(const Value& left, const Value& right) {
+    return left < right ? -1 : right < left ? 1 : 0;
+}
+
+}  // namespace
+
+ItemListModel::ItemListModel(Texts texts, QObject* parent)
+    : QAbstractTableModel(parent), texts_(std::move(texts)), collator_(naturalOrder()) {}
+
+void ItemListModel::setItems(const QList<Item>& items) {
+    dropRowsNotIn(items);
+    appendNewRows(items);
+    sortRows();
+}
+
+// Rows to go are moved to the end and dropped there at once: one change for the views, however they lay scattered.
+void ItemListModel::dropRowsNotIn(const QList<Item>& items) {
+    const QSet<Item> wanted(items.cbegin(), items.cend());
+    std::vector<int> order(rows_.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto firstGone = std::stable_partition(order.begin(), order.end(), [&](int row) {
+        return wanted.contains(rows_[static_cast<std::size_t>(row)].item);
+    });
+    if (firstGone == order.end()) {
+        return;
+    }
+    permute(order);
+    const auto kept = static_cast<int>(firstGone - order.begin());
+    beginRemoveRows({}, kept, static_cast<int>(rows_.size()) - 1);
+    rows_.erase(rows_.begin() + kept, rows_.end());
+    endRemoveRows();
+}
+
+void ItemListModel::appendNewRows(const QList<Item>& items) {
+    QSet<const engine::CleanableItem*> known;
+    known.reserve(items.size());
+    for (const auto& row : rows_) {
+        known.insert(row.item.get());
+    }
+    std::vector<Row> added;
+    for (const auto& item : items) {
+        if (!known.contains(item.get())) {
+            known.insert(item.get());
+            added.push_back(makeRow(item));
+        }
+    }
+    if (added.empty()) {
+        return;
+    }
+    const auto first = static_cast<int>(rows_.size());
+    beginInsertRows({}, first, first + static_cast<int>(added.size()) - 1);
+    std::move(added.begin(), added.end(), std::back_inserter(rows_));
+    endInsertRows();
+}
+
+ItemListModel::Row ItemListModel::makeRow(const Item& item) const {
+    return {item, collator_.sortKey(item->ppdisplayKeyName()), collator_.sortKey(item->ppdisplayName())};
+}
+
+QList<ItemListModel::Item> ItemListModel::items() const {
+    QList<Item> shown;
+    shown.reserve(static_cast<qsizetype>(rows_.size()));
+    for (const auto& row : rows_) {
+        shown.append(row.item);
+    }
+    return shown;
+}
+
+int ItemListModel::rowOf(const engine::CleanableItem* item) const {
+    const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const Row& row) { return row.item.get() == item; });
+    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+}
+
+void ItemListModel::sort(int column, Qt::SortOrder order) {
+    if (column == iconColumn) {
+        return;
+    }
+    sortColumn_ = column;
+    sortOrder_ = order;
+    sortRows();
+}
+
+bool ItemListModel::isBefore(const Row& left, const Row& right) const {
+    int result = 0;
+    if (sortColumn_ == checkColumn) {
+        result = compare(left.item->ppbChecked(), right.item->ppbChecked());
+    } else if (sortColumn_ == sizeColumn) {
+        result = compare(left.item->ppnSize(), right.item->ppnSize());
+    } else {
+        result = left.nameKey.compare(right.nameKey);
+    }
+    if (result != 0) {
+        return sortOrder_ == Qt::AscendingOrder ? result < 0 : result > 0;
+    }
+    return left.fullNameKey.compare(right.fullNameKey) < 0;  // equals stand in the order of their whole names
+}
+
+void ItemListModel::sortRows() {
+    std::vector<int> order(rows_.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [this](int left, int right) {
+        return isBefore(rows_[static_cast<std::size_t>(left)], rows_[static_cast<std::size_t>(right)]);
+    });
+    permute(order);
+}
+
+void ItemListModel::permute(const std::vector<int>& order) {
+    if (std::is_sorted(order.begin(), order.end())) {
+        return;
+    }
+    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    std::vector<int> newRow(order.size());
+    std::vector<Row> rows;
+    rows.reserve(rows_.size());
+    for (std::size_t place = 0; place < order.size(); ++place) {
+        const auto before = static_cast<std::size_t>(order[place]);
+        newRow[before] = static_cast<int>(place);
+        rows.push_back(std::move(rows_[before]));
+    }
+    rows_ = std::move(rows);
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    for (const QModelIndex& index : before) {
+        after.append(this->index(newRow[static_cast<std::size_t>(index.row())], index.column()));
+    }
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    Q_EMIT rowsReordered();
+}
+
+void ItemListModel::checksChanged() {
+    if (!rows_.empty()) {
+        Q_EMIT dataChanged(index(0, checkColumn), index(rowCount() - 1, checkColumn), {Qt::CheckStateRole});
+    }
+}
+
+void ItemListModel::setEnabled(bool enabled) {
+    enabled_ = enabled;
+    checksChanged();
+}
+
+int ItemListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int ItemListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : columns; }
+
+QVariant ItemListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    const auto& shown = *item(index.row());
+    if (role == Qt::ToolTipRole) {
+        return texts_.tooltip(shown);
+    }
+    switch (index.column()) {
+        case checkColumn:
+            return checkData(shown, role);
+        case iconColumn:
+            return role == iconRole ? QVariant::fromValue(static_cast<int>(texts_.icon(shown).kind)) : QVariant();
+        case nameColumn:
+            return role == Qt::DisplayRole ? texts_.name(shown) : QVariant();
+        default:
+            return role == Qt::DisplayRole ? engine::FileSize::formatMemoryStringDot1(shown.ppnSize()) : QVariant();
+    }
+}
+
+QVariant ItemListModel::checkData(const engine::CleanableItem& item, int role) const {
+    if (role == Qt::CheckStateRole) {
+        return item.ppbChecked() ? Qt::Checked : Qt::Unchecked;
+    }
+    return role == Qt::AccessibleTextRole ? texts_.name(item) : QVariant();
+}
+
+bool ItemListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    if (!index.isValid() || index.column() != checkColumn || role != Qt::CheckStateRole || !enabled_) {
+        return false;
+    }
+    Q_EMIT checkRequested(index.row(), value.toInt() == Qt::Checked);
+    return true;
+}
+
+QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)) {
+        return {};
+    }
+    switch (section) {
+        case checkColumn:
+            return role == Qt::AccessibleTextRole ? tr("Selected") : QString();
+        case iconColumn:
+            return role == Qt::AccessibleTextRole ? tr("Icon") : QString();
+        case nameColumn:
+            return tr("Name");
+        default:
+            return tr("Size");
+    }
+}
+
+Qt::ItemFlags ItemListModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) {
+        return Qt::NoItemFlags;
+    }
+    const Qt::ItemFlags shown = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    return index.column() == checkColumn && enabled_ ? shown | Qt::ItemIsUserCheckable : shown;
+}
+
+}  // namespace brimvault::ui

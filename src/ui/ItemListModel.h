@@ -1,0 +1,86 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QCollator>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "engine/CleanableItem.h"
+#include "engine/FFItem.h"
+
+namespace brimvault::ui {
+
+/// The rows of an item list, sorted. Rows come and go and change places as such, so that the selection, the current row
+/// and the scroll position of a view stay with their items. Main thread.
+class ItemListModel final : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    using Item = std::shared_ptr<engine::CleanableItem>;
+    enum Column { checkColumn, iconColumn, nameColumn, sizeColumn };
+    static constexpr int columns = 4;
+    enum Role { iconRole = Qt::UserRole };
+
+    /// What a list says of its items beyond what every item answers. Main thread.
+    struct Texts {
+        std::function<QString(const engine::CleanableItem&)> name;
+        std::function<QString(const engine::CleanableItem&)> tooltip;  ///< empty for none
+        std::function<engine::IconSource(const engine::CleanableItem&)> icon;
+    };
+
+    explicit ItemListModel(Texts texts, QObject* parent = nullptr);
+
+    /// Shows exactly these items, each once.
+    void setItems(const QList<Item>& items);
+    [[nodiscard]] const Item& item(int row) const { return rows_[static_cast<std::size_t>(row)].item; }
+    /// The items as shown, from the top.
+    [[nodiscard]] QList<Item> items() const;
+    /// -1 when the item is not shown.
+    [[nodiscard]] int rowOf(const engine::CleanableItem* item) const;
+
+    /// Sorts by a column, the icon column excepted; the rows of later `setItems` too.
+    void sort(int column, Qt::SortOrder order) override;
+    /// Tells views that check states changed.
+    void checksChanged();
+    /// Whether check boxes may be changed.
+    void setEnabled(bool enabled);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+Q_SIGNALS:
+    /// The user ticked or unticked a row; the model changes nothing by itself.
+    void checkRequested(int row, bool checked);
+    /// Rows changed places.
+    void rowsReordered();
+
+private:
+    struct Row {
+        Item item;
+        QCollatorSortKey nameKey;
+        QCollatorSortKey fullNameKey;
+    };
+
+    [[nodiscard]] Row makeRow(const Item& item) const;
+    [[nodiscard]] bool isBefore(const Row& left, const Row& right) const;
+    [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;
+    void dropRowsNotIn(const QList<Item>& items);
+    void appendNewRows(const QList<Item>& items);
+    void sortRows();
+    /// Puts the row that is at `order[n]` to place n.
+    void permute(const std::vector<int>& order);
+
+    Texts texts_;
+    QCollator collator_;
+    std::vector<Row> rows_;
+    int sortColumn_ = nameColumn;
+    Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
+    bool enabled_ = true;
+};
+
+}  // namespace brimvault::ui

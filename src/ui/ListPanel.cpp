@@ -1,0 +1,125 @@
+#include "ui/ListPanel.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int sideMargin = 18;
+constexpr int countGap = 16;
+constexpr qreal titleSize = 18;
+constexpr qreal countSize = 12;
+constexpr qreal noteSize = 14;
+constexpr int cleanWidth = 160;
+
+QLabel* makeLabel(const QFont& font, QRgb color) {
+    auto* label = new QLabel;
+    label->setFont(font);
+    QPalette colors = label->palette();
+    colors.setColor(QPalette::WindowText, QColor(color));
+    label->setPalette(colors);
+    return label;
+}
+
+// A bar with a gradient and a line along one edge.
+class Bar final : public QWidget {
+public:
+    enum class Line { above, below };
+
+    Bar(QRgb top, QRgb bottom, Line line) : top_(top), bottom_(bottom), line_(line) {}
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        QLinearGradient ground(rect().topLeft(), rect().bottomLeft());
+        ground.setColorAt(0, QColor(top_));
+        ground.setColorAt(1, QColor(bottom_));
+        painter.fillRect(rect(), ground);
+        const int edge = line_ == Line::above ? 0 : height() - 1;
+        painter.fillRect(QRect(0, edge, width(), 1), QColor(line_ == Line::above ? look::separator : look::headerLine));
+    }
+
+private:
+    QRgb top_;
+    QRgb bottom_;
+    Line line_;
+};
+
+}  // namespace
+
+ListPanel::ListPanel(QWidget* parent)
+    : QWidget(parent),
+      title_(makeLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
+      count_(makeLabel(look::font(countSize), look::textSecondary)),
+      pDestView_(new QWidget),
+      lists_(new QVBoxLayout(pDestView_)),
+      note_(makeLabel(look::font(noteSize), look::textSecondary)),
+      pbtnSelectAll_(new SelectAllButton),
+      plashka_(new PlashkaView),
+      pbtnClean_(new ActionButton) {
+    QPalette white = palette();
+    white.setColor(QPalette::Window, QColor(look::row));
+    pDestView_->setPalette(white);
+    pDestView_->setAutoFillBackground(true);
+    lists_->setContentsMargins({});
+    lists_->setSpacing(0);
+    note_->setAlignment(Qt::AlignCenter);
+    lists_->addWidget(note_);
+
+    auto* panel = new QVBoxLayout(this);
+    panel->setContentsMargins({});
+    panel->setSpacing(0);
+    panel->addWidget(makeTitleBar());
+    panel->addWidget(pDestView_, 1);
+    panel->addWidget(makeBottomBar());
+}
+
+QWidget* ListPanel::makeTitleBar() {
+    auto* bar = new Bar(look::row, look::row, Bar::Line::below);
+    bar->setFixedHeight(look::scaled(look::titleBarHeight));
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(sideMargin, 0, sideMargin, 0);
+    layout->setSpacing(countGap);
+    layout->addWidget(title_);
+    layout->addWidget(count_, 1);
+    return bar;
+}
+
+QWidget* ListPanel::makeBottomBar() {
+    auto* bar = new Bar(look::bottomBarTop, look::bottomBarBottom, Bar::Line::above);
+    bar->setFixedHeight(look::scaled(look::bottomBarHeight));
+    pbtnClean_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
+    pbtnClean_->setMinimumWidth(look::scaled(cleanWidth));
+    plashka_->setMaximumWidth(look::scaled(520));
+    auto* layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(sideMargin - 6, 0, sideMargin - 2, 0);
+    layout->setSpacing(14);
+    layout->addWidget(pbtnSelectAll_);
+    layout->addStretch(1);
+    layout->addWidget(plashka_, 20);
+    layout->addStretch(1);
+    layout->addWidget(pbtnClean_);
+    return bar;
+}
+
+void ListPanel::addList(QWidget* list) {
+    list->hide();
+    lists_->insertWidget(0, list, 1);
+}
+
+void ListPanel::setTitle(const QString& title, const QString& count) {
+    title_->setText(title);
+    count_->setText(count);
+}
+
+void ListPanel::setNote(const QString& note) {
+    note_->setText(note);
+    note_->setVisible(!note.isEmpty());
+}
+
+}  // namespace brimvault::ui

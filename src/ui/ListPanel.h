@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QLabel>
+#include <QWidget>
+
+#include "ui/ActionButton.h"
+#include "ui/PlashkaView.h"
+#include "ui/SelectAllButton.h"
+
+class QVBoxLayout;
+
+namespace brimvault::ui {
+
+/// What stands on the right from the first scan on: the title of the section, its list, and the bar below. Main thread.
+class ListPanel final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ListPanel(QWidget* parent = nullptr);
+
+    /// Adds a list to the container that all lists share; it is hidden until it is shown by its owner.
+    void addList(QWidget* list);
+    void setTitle(const QString& title, const QString& count);
+    /// What is said in the place of a list; empty to say nothing.
+    void setNote(const QString& note);
+
+    [[nodiscard]] ActionButton* pbtnClean() const { return pbtnClean_; }
+    [[nodiscard]] SelectAllButton* pbtnSelectAll() const { return pbtnSelectAll_; }
+    [[nodiscard]] PlashkaView* plashka() const { return plashka_; }
+
+private:
+    QWidget* makeTitleBar();
+    QWidget* makeBottomBar();
+
+    QLabel* title_;
+    QLabel* count_;
+    QWidget* pDestView_;
+    QVBoxLayout* lists_;
+    QLabel* note_;
+    SelectAllButton* pbtnSelectAll_;
+    PlashkaView* plashka_;
+    ActionButton* pbtnClean_;
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,41 @@
+#include "ui/MainWindow.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+
+#include "ui/ImageLoad.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr QSize usualSize(1000, 660);
+constexpr QSize leastSize(860, 560);
+
+}  // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QWidget(parent),
+      sidebar_(new SidebarPanel),
+      right_(new QStackedWidget),
+      startPage_(new StartPage),
+      lists_(new ListPanel) {
+    setWindowTitle(QStringLiteral("Brimvault"));
+    setAccessibleName(QStringLiteral("Brimvault"));
+    QIcon icon(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), 1));
+    icon.addPixmap(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), 2));
+    setWindowIcon(icon);
+    setMinimumSize(leastSize);
+    resize(usualSize);
+    right_->addWidget(startPage_);
+    right_->addWidget(lists_);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(sidebar_);
+    layout->addWidget(right_, 1);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) { event->setAccepted(!mayClose_ || mayClose_()); }
+
+}  // namespace brimvault::ui

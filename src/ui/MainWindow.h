@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QStackedWidget>
+#include <QWidget>
+#include <functional>
+
+#include "ui/ListPanel.h"
+#include "ui/SidebarPanel.h"
+#include "ui/StartPage.h"
+
+namespace brimvault::ui {
+
+/// The window: the sections on the left, the start page or the lists on the right. It holds what is shown and decides
+/// nothing. Main thread.
+class MainWindow final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+
+    [[nodiscard]] SidebarPanel* sidebar() const { return sidebar_; }
+    [[nodiscard]] StartPage* startPage() const { return startPage_; }
+    [[nodiscard]] ListPanel* lists() const { return lists_; }
+
+    void showStartPage() { right_->setCurrentWidget(startPage_); }
+    void showLists() { right_->setCurrentWidget(lists_); }
+
+    /// Asked when the user closes the window; it stays open while the answer is false.
+    void setMayClose(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    SidebarPanel* sidebar_;
+    QStackedWidget* right_;
+    StartPage* startPage_;
+    ListPanel* lists_;
+    std::function<bool()> mayClose_;
+};
+
+}  // namespace brimvault::ui

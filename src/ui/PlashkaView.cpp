@@ -1,0 +1,70 @@
+#include "ui/PlashkaView.h"
+
+#include <QPainter>
+
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+#include "ui/FocusRing.h"
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int usualHeight = 62;
+constexpr int usualWidth = 370;
+constexpr int leastWidth = 200;
+constexpr int margin = 12;
+constexpr int cornerRadius = 10;
+constexpr qreal largeSize = 21;
+constexpr qreal smallSize = 12;
+
+QFont largeFont() { return look::font(largeSize, QFont::Bold); }
+QFont smallFont() { return look::font(smallSize); }
+
+}  // namespace
+
+PlashkaView::PlashkaView(QWidget* parent) : QAbstractButton(parent) {
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(this, &QAbstractButton::clicked, this,
+            [] { engine::NotificationCenter::defaultCenter().post(engine::notification::plashkaPressed); });
+}
+
+void PlashkaView::setTexts(const QString& large, const QString& small) {
+    if (large == large_ && small == small_) {
+        return;
+    }
+    large_ = large;
+    small_ = small;
+    setAccessibleName(large.isEmpty() ? small : large + QStringLiteral(", ") + small);
+    update();
+}
+
+QSize PlashkaView::sizeHint() const { return {look::scaled(usualWidth), look::scaled(usualHeight)}; }
+
+QSize PlashkaView::minimumSizeHint() const { return {leastWidth, look::scaled(usualHeight)}; }
+
+void PlashkaView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    ImageLoad::drawStretched(painter, rect(), underMouse() ? QLatin1String("bg_selected") : QLatin1String("bg_status"));
+    const auto line = [&](const QFont& font, QRgb color, int top, const QString& text) {
+        const QFontMetrics metrics(font);
+        painter.setFont(font);
+        painter.setPen(QColor(color));
+        painter.drawText(QRect(margin, top, width() - 2 * margin, metrics.height()), Qt::AlignCenter,
+                         metrics.elidedText(text, Qt::ElideRight, width() - 2 * margin));
+    };
+    const int largeHeight = large_.isEmpty() ? 0 : QFontMetrics(largeFont()).height();
+    const int smallHeight = QFontMetrics(smallFont()).height();
+    const int top = (height() - largeHeight - smallHeight) / 2;
+    line(largeFont(), look::textPrimary, top, large_);
+    line(smallFont(), look::textSecondary, top + largeHeight, small_);
+    if (hasFocus()) {
+        drawFocusRing(painter, rect(), cornerRadius);
+    }
+}
+
+}  // namespace brimvault::ui

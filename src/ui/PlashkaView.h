@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QAbstractButton>
+
+namespace brimvault::ui {
+
+/// The status area under the lists: a large text over a small one, or the small one alone in the middle. A click posts
+/// "PlashkaPressed". Main thread.
+class PlashkaView final : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    explicit PlashkaView(QWidget* parent = nullptr);
+
+    void setTexts(const QString& large, const QString& small);
+    [[nodiscard]] const QString& largeText() const { return large_; }
+    [[nodiscard]] const QString& smallText() const { return small_; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString large_;
+    QString small_;
+};
+
+}  // namespace brimvault::ui

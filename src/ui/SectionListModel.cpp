@@ -1,0 +1,67 @@
+#include "ui/SectionListModel.h"
+
+namespace brimvault::ui {
+
+SectionListModel::SectionListModel(QObject* parent) : QAbstractListModel(parent) {
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        rows_[row].text = {sectionTitle(sectionRows()[row]), tr("Not scanned")};
+    }
+}
+
+void SectionListModel::setSubtitle(int row, const QString& subtitle) {
+    auto& text = rows_[static_cast<std::size_t>(row)].text;
+    if (text.subtitle != subtitle) {
+        text.subtitle = subtitle;
+        Q_EMIT dataChanged(index(row), index(row), {subtitleRole, Qt::AccessibleDescriptionRole});
+    }
+}
+
+void SectionListModel::setChecked(int row, bool checked) {
+    rows_[static_cast<std::size_t>(row)].checked = checked;
+    Q_EMIT dataChanged(index(row), index(row), {Qt::CheckStateRole});
+}
+
+void SectionListModel::setChecksEnabled(bool enabled) {
+    checksEnabled_ = enabled;
+    Q_EMIT dataChanged(index(0), index(sectionRowCount - 1), {Qt::CheckStateRole});
+}
+
+int SectionListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : sectionRowCount; }
+
+QVariant SectionListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    const auto& row = rows_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+        case Qt::DisplayRole:
+            return row.text.title;
+        case subtitleRole:
+        case Qt::AccessibleDescriptionRole:
+            return row.text.subtitle;
+        case iconRole:
+            return QString(sectionRows()[static_cast<std::size_t>(index.row())].icon);
+        case Qt::CheckStateRole:
+            return row.checked ? Qt::Checked : Qt::Unchecked;
+        default:
+            return {};
+    }
+}
+
+bool SectionListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    if (!index.isValid() || role != Qt::CheckStateRole || !checksEnabled_) {
+        return false;
+    }
+    Q_EMIT checkRequested(index.row(), value.toInt() == Qt::Checked);
+    return true;
+}
+
+Qt::ItemFlags SectionListModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) {
+        return Qt::NoItemFlags;
+    }
+    const Qt::ItemFlags shown = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    return checksEnabled_ ? shown | Qt::ItemIsUserCheckable : shown;
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <array>
+
+#include "ui/SectionRows.h"
+
+namespace brimvault::ui {
+
+/// Title and subtitle of one row.
+struct TextData {
+    QString title;
+    QString subtitle;
+};
+
+/// The rows of the section list. A row's check state can be changed while nothing runs; whether it may be is asked of
+/// the owner. Main thread.
+class SectionListModel final : public QAbstractListModel {
+    Q_OBJECT
+
+public:
+    enum Role { subtitleRole = Qt::UserRole, iconRole };
+
+    explicit SectionListModel(QObject* parent = nullptr);
+
+    void setSubtitle(int row, const QString& subtitle);
+    void setChecked(int row, bool checked);
+    void setChecksEnabled(bool enabled);
+    [[nodiscard]] bool areChecksEnabled() const { return checksEnabled_; }
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+Q_SIGNALS:
+    /// The user ticked or unticked a row; the model shows it only once it is told so.
+    void checkRequested(int row, bool checked);
+
+private:
+    struct Row {
+        TextData text;
+        bool checked = false;
+    };
+    std::array<Row, sectionRowCount> rows_;
+    bool checksEnabled_ = true;
+};
+
+}  // namespace brimvault::ui

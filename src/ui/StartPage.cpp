@@ -1,0 +1,70 @@
+#include "ui/StartPage.h"
+
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+#include "ui/PictureLabel.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int iconSide = 104;
+constexpr int buttonWidth = 194;
+constexpr int textWidth = 460;
+constexpr qreal headlineSize = 24;
+constexpr qreal descriptionSize = 14;
+constexpr qreal hintSize = 12.5;
+
+QLabel* centred(const QString& text, const QFont& font, QRgb color) {
+    auto* label = new QLabel(text);
+    label->setFont(font);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    QPalette colors = label->palette();
+    colors.setColor(QPalette::WindowText, QColor(color));
+    label->setPalette(colors);
+    return label;
+}
+
+}  // namespace
+
+StartPage::StartPage(QWidget* parent) : QWidget(parent), btnStartScanButton2_(new ActionButton) {
+    btnStartScanButton2_->setLook(ActionButton::Look::scan, tr("Start Scan"), tr("Start Scan"));
+    btnStartScanButton2_->setMinimumWidth(look::scaled(buttonWidth));
+    btnStartScanButton2_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
+
+    auto* headline = centred(tr("Free up disk space"), look::font(headlineSize, QFont::Bold), look::textPrimary);
+    auto* description = centred(tr("Caches, unneeded languages, logs, downloads and the trash:\n"
+                                   "see what each one holds, tick what may go, and clean."),
+                                look::font(descriptionSize), look::textSecondary);
+    description->setMinimumWidth(look::scaled(textWidth));
+    ptxtStartDescClean_ =
+        centred(tr("Select sections and press Scan button"), look::font(hintSize), look::textSecondary);
+
+    auto* page = new QVBoxLayout(this);
+    page->setSpacing(0);
+    page->addStretch(10);
+    page->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide), 0, Qt::AlignHCenter);
+    page->addSpacing(18);
+    page->addWidget(headline);
+    page->addSpacing(8);
+    page->addWidget(description, 0, Qt::AlignHCenter);
+    page->addSpacing(22);
+    page->addWidget(btnStartScanButton2_, 0, Qt::AlignHCenter);
+    page->addSpacing(14);
+    page->addWidget(ptxtStartDescClean_);
+    page->addStretch(11);
+}
+
+void StartPage::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(look::row));
+    const QSizeF size = ImageLoad::sizeOf(QLatin1String("centerPanelBg"));
+    ImageLoad::draw(painter, {(width() - size.width()) / 2, (height() - size.height()) / 2},
+                    QLatin1String("centerPanelBg"));
+}
+
+}  // namespace brimvault::ui

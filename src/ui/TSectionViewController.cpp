@@ -1,0 +1,200 @@
+#include "ui/TSectionViewController.h"
+
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+
+#include "engine/Notifications.h"
+#include "ui/DefaultsKeys.h"
+#include "ui/SectionRows.h"
+
+namespace brimvault::ui {
+
+using engine::Section;
+
+namespace {
+
+// Long enough for the user to see all sections become ticked before the scan starts.
+constexpr std::chrono::milliseconds restartDelay{500};
+
+const SectionRow& rowAt(int row) { return sectionRows()[static_cast<std::size_t>(row)]; }
+
+}  // namespace
+
+TSectionViewController::TSectionViewController(Surroundings surroundings, engine::ScanTable scans,
+                                               engine::CleanTable cleans)
+    : ptableView_(surroundings.tableView),
+      pAppDelegate_(surroundings.application),
+      defaults_(surroundings.defaults),
+      alerts_(surroundings.alerts),
+      neededLanguages_(std::move(surroundings.neededLanguages)),
+      performer_(std::move(scans), std::move(cleans)) {
+    initChecksFromPrefs();
+    showChecks();
+    for (const auto& row : sectionRows()) {
+        const auto words = engine::vocabulary(row.section);
+        observe(words.interfaceFinished);
+        observe(words.interfaceProgress);
+    }
+    ptableView_.setModel(&model_);
+    connect(&model_, &SectionListModel::checkRequested, this, &TSectionViewController::checkClicked);
+    connect(ptableView_.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { pAppDelegate_.activatePanel(selectedRow()); });
+    selectRow(0);
+}
+
+void TSectionViewController::initChecksFromPrefs() {
+    for (const auto& row : sectionRows()) {
+        checks_[row.section] = defaults_.boolean(row.checkKey).value_or(row.checkedByDefault);
+    }
+}
+
+void TSectionViewController::saveState2Prefs() {
+    for (const auto& row : sectionRows()) {
+        defaults_.setBoolean(row.checkKey, checks_[row.section]);
+    }
+}
+
+void TSectionViewController::observe(const QString& name) {
+    observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+        name, [this](const engine::Notification&) { mainThreadUpdateData(); }));
+}
+
+void TSectionViewController::mainThreadUpdateData() {
+    updateSubTitlesTexts();
+    pAppDelegate_.UpdateTextsAboutFreeUpSize();
+}
+
+QString TSectionViewController::subtitle(int row) const { return (performer_.getAppResDS().*rowAt(row).subtitle)(); }
+
+void TSectionViewController::updateSubTitlesTexts() {
+    for (int row = 0; row < sectionRowCount; ++row) {
+        model_.setSubtitle(row, subtitle(row));
+    }
+}
+
+void TSectionViewController::showChecks() {
+    for (int row = 0; row < sectionRowCount; ++row) {
+        model_.setChecked(row, checks_[rowAt(row).section]);
+    }
+}
+
+void TSectionViewController::checkClicked(int row, bool checked) {
+    checks_[rowAt(row).section] = checked;
+    showChecks();
+    saveState2Prefs();
+    mainThreadUpdateData();
+}
+
+void TSectionViewController::updateChecksEnabled() {
+    model_.setChecksEnabled(!pAppDelegate_.pbScanning() && !pAppDelegate_.pbCleanning());
+}
+
+void TSectionViewController::selectRow(int row) {
+    const int valid = row >= 0 && row < sectionRowCount ? row : 0;
+    ptableView_.setCurrentIndex(model_.index(valid));
+}
+
+int TSectionViewController::selectedRow() const {
+    const auto rows = ptableView_.selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void TSectionViewController::setAllChecked() {
+    for (const auto& row : sectionRows()) {
+        checks_[row.section] = true;
+    }
+    showChecks();
+    pAppDelegate_.updateSelectAllCheck();
+    updateSubTitlesTexts();
+}
+
+void TSectionViewController::setSectionChecked(Section section, bool checked) {
+    if (checked && !checks_[section]) {
+        checks_[section] = true;
+        showChecks();
+    }
+    pAppDelegate_.updateSelectAllCheck();
+    updateSubTitlesTexts();
+}
+
+bool TSectionViewController::isAnyChecked() const {
+    return std::any_of(sectionRows().begin(), sectionRows().end(),
+                       [this](const SectionRow& row) { return checks_[row.section]; });
+}
+
+quint64 TSectionViewController::getSize2CleanALLSel() const {
+    return performer_.getAppResDS().getSize2CleanALLSel(checks_[Section::languageResources],
+                                                        checks_[Section::downloads], checks_[Section::caches],
+                                                        checks_[Section::trash], checks_[Section::logs]);
+}
+
+void TSectionViewController::doStartScan() {
+    if (pAppDelegate_.pbCleanning()) {
+        return;
+    }
+    if (pAppDelegate_.pbScanning()) {
+        pAppDelegate_.setPbScanning(false);
+        performer_.cancelScanAll();
+        return;
+    }
+    if (!isAnyChecked()) {
+        const Alert alert{tr("No category selected"), tr("You should select category to scan.\nSelect all and scan?")};
+        if (alerts_.runModal(alert, pAppDelegate_.window()).returnCode == AlertAnswer::firstButton) {
+            setAllChecked();
+            QTimer::singleShot(restartDelay, this, &TSectionViewController::doStartScan);
+        }
+        return;
+    }
+    pAppDelegate_.setPbScanning(true);
+    performer_.Scan(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
+                    checks_[Section::trash], checks_[Section::logs]);
+}
+
+void TSectionViewController::doStartClean() {
+    if (pAppDelegate_.pbScanning()) {
+        return;
+    }
+    if (pAppDelegate_.pbCleanning()) {
+        performer_.cancelCleanAll();
+        return;
+    }
+    lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
+    if (!isRemovalConfirmed()) {
+        return;
+    }
+    pAppDelegate_.setPbCleanning(true);
+    performer_.setNeedLangs(neededLanguages_());
+    performer_.Clean(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
+                     checks_[Section::trash], checks_[Section::logs]);
+}
+
+bool TSectionViewController::isRemovalConfirmed() {
+    if (defaults_.boolean(defaults_key::suppressRemovalAlert).value_or(false)) {
+        return true;
+    }
+    // Both texts have a double space; they are used as they stand.
+    const Alert alert{tr("Are you sure you want to  completely delete the selected items?"),
+                      tr("Files will be  permanently removed from your Hard Drive."), Alert::Suppression::offered};
+    const AlertAnswer answer = alerts_.runModal(alert, pAppDelegate_.window());
+    if (answer.suppressed) {
+        defaults_.setBoolean(defaults_key::suppressRemovalAlert, true);
+    }
+    return answer.returnCode == AlertAnswer::firstButton;
+}
+
+void TSectionViewController::cleanFinished() {
+    const auto remaining = static_cast<qint64>(getSize2CleanALLSel());
+    if (lastCleanedSize_ > remaining) {
+        addCleanedSizeToDefaults(static_cast<quint64>(lastCleanedSize_ - remaining));
+        defaults_.increase(defaults_key::cleanNumber);
+    }
+}
+
+void TSectionViewController::addCleanedSizeToDefaults(quint64 freed) {
+    const quint64 before = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
+    defaults_.setNumber(defaults_key::totalCleanedSize, before + freed);
+    defaults_.setNumber(defaults_key::lastCleanedSize, freed);
+}
+
+}  // namespace brimvault::ui

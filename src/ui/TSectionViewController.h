@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <functional>
+#include <vector>
+
+#include "engine/CPerformer.h"
+#include "engine/NotificationCenter.h"
+#include "platform/UserDefaults.h"
+#include "ui/AlertPresenter.h"
+#include "ui/ApplicationController.h"
+#include "ui/CheckListener.h"
+#include "ui/SectionListModel.h"
+#include "ui/SectionsTableView.h"
+
+namespace brimvault::ui {
+
+/// Drives the section list: what is ticked, what stands under each title, and the two main buttons, with their
+/// confirmations and what they add to the statistics. Owns the engine. Main thread.
+class TSectionViewController final : public QObject, public CheckListener {
+    Q_OBJECT
+
+public:
+    /// What it works with; all of it outlives it.
+    struct Surroundings {
+        SectionsTableView& tableView;
+        ApplicationController& application;
+        platform::UserDefaults& defaults;
+        AlertPresenter& alerts;
+        /// The languages that a clean of language resources keeps.
+        std::function<QStringList()> neededLanguages;
+    };
+
+    TSectionViewController(Surroundings surroundings, engine::ScanTable scans, engine::CleanTable cleans);
+
+    [[nodiscard]] engine::CPerformer& performer() { return performer_; }
+    [[nodiscard]] engine::DataMan& getAppResDS() { return performer_.getAppResDS(); }
+
+    void selectRow(int row);
+    [[nodiscard]] int selectedRow() const;
+
+    /// The scan button: starts a scan, or stops the one that runs.
+    void doStartScan();
+    /// The clean button: asks and starts a clean, or stops the one that runs.
+    void doStartClean();
+    /// Records what a clean has freed.
+    void cleanFinished();
+    /// Check boxes follow whether a scan or a clean runs.
+    void updateChecksEnabled();
+
+    void setAllChecked();
+    void setAppsChecked(bool checked) { setSectionChecked(engine::Section::languageResources, checked); }
+    void setDwnsChecked(bool checked) { setSectionChecked(engine::Section::downloads, checked); }
+    void setCacheChecked(bool checked) { setSectionChecked(engine::Section::caches, checked); }
+    void setTrashChecked(bool checked) { setSectionChecked(engine::Section::trash, checked); }
+    void setLogsChecked(bool checked) { setSectionChecked(engine::Section::logs, checked); }
+    void setSectionChecked(engine::Section section, bool checked) override;
+    [[nodiscard]] bool isAppsChecked() const { return checks_[engine::Section::languageResources]; }
+    [[nodiscard]] bool isAnyChecked() const;
+    [[nodiscard]] quint64 getSize2CleanALLSel() const override;
+    /// What stands under the title of a row.
+    [[nodiscard]] QString subtitle(int row) const;
+
+    void changedListOfLangs(const QStringList& languages) { performer_.changedListOfLangs(languages); }
+
+private:
+    void initChecksFromPrefs();
+    void saveState2Prefs();
+    void observe(const QString& name);
+    void mainThreadUpdateData();
+    void updateSubTitlesTexts();
+    void showChecks();
+    void checkClicked(int row, bool checked);
+    [[nodiscard]] bool isRemovalConfirmed();
+    void addCleanedSizeToDefaults(quint64 freed);
+
+    SectionsTableView& ptableView_;
+    ApplicationController& pAppDelegate_;
+    platform::UserDefaults& defaults_;
+    AlertPresenter& alerts_;
+    std::function<QStringList()> neededLanguages_;
+    SectionListModel model_;
+    engine::PerSection<bool> checks_;
+    qint64 lastCleanedSize_ = 0;  ///< bytes that were selected when the last clean started
+    engine::CPerformer performer_;
+    std::vector<engine::NotificationCenter::Observation> observations_;
+};
+
+}  // namespace brimvault::ui

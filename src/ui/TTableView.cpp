@@ -1,0 +1,105 @@
+#include "ui/TTableView.h"
+
+#include <QAccessible>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <utility>
+
+#include "ui/HTableHeaderView.h"
+#include "ui/ItemListModel.h"
+#include "ui/ItemRowDelegate.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int checkColumnWidth = 38;
+constexpr int iconColumnWidth = 38;
+constexpr int sizeColumnWidth = 120;
+
+}  // namespace
+
+TTableView::TTableView(QWidget* parent) : QTableView(parent) {
+    setItemDelegate(new ItemRowDelegate(this));
+    setHorizontalHeader(new HTableHeaderView(this));
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(0);
+    verticalHeader()->setDefaultSectionSize(look::scaled(look::itemRowHeight));
+    setFrameShape(QFrame::NoFrame);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setCornerButtonEnabled(false);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    verticalScrollBar()->setSingleStep(look::scaled(look::itemRowHeight));
+}
+
+void TTableView::setModel(QAbstractItemModel* model) {
+    QTableView::setModel(model);
+    horizontalHeader()->setSectionResizeMode(ItemListModel::nameColumn, QHeaderView::Stretch);
+    const auto fix = [this](int column, int width) {
+        horizontalHeader()->setSectionResizeMode(column, QHeaderView::Fixed);
+        setColumnWidth(column, width);
+    };
+    fix(ItemListModel::checkColumn, checkColumnWidth);
+    fix(ItemListModel::iconColumn, iconColumnWidth);
+    fix(ItemListModel::sizeColumn, look::scaled(sizeColumnWidth));
+    connect(model, &QAbstractItemModel::rowsInserted, this, &TTableView::keepCurrentRow);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &TTableView::keepCurrentRow);
+    connect(static_cast<ItemListModel*>(model), &ItemListModel::rowsReordered, this, &TTableView::tellRowsReordered,
+            Qt::QueuedConnection);
+}
+
+void TTableView::mousePressEvent(QMouseEvent* event) {
+    QTableView::mousePressEvent(event);
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && index.isValid() && index.column() == ItemListModel::checkColumn) {
+        pressedCheck_ = index;
+        viewport()->update();
+    }
+}
+
+void TTableView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const QModelIndex pressed = std::exchange(pressedCheck_, QModelIndex());
+    if (pressed.isValid()) {
+        viewport()->update();
+        if (indexAt(event->position().toPoint()) == pressed) {
+            toggle(pressed);
+        }
+    }
+}
+
+void TTableView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
+        toggle(currentIndex().siblingAtColumn(ItemListModel::checkColumn));
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void TTableView::toggle(const QModelIndex& check) {
+    const bool checked = check.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    model()->setData(check, checked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+}
+
+void TTableView::keepCurrentRow() {
+    if (!currentIndex().isValid() && model()->rowCount() > 0) {
+        selectionModel()->setCurrentIndex(model()->index(0, ItemListModel::nameColumn), QItemSelectionModel::NoUpdate);
+    }
+}
+
+void TTableView::tellRowsReordered() {
+    QAccessibleTableModelChangeEvent reordered(this, QAccessibleTableModelChangeEvent::ModelReset);
+    QAccessible::updateAccessibility(&reordered);
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QTableView>
+
+namespace brimvault::ui {
+
+/// The table of an item list: striped rows, a check box in the first column that a click or the space bar ticks, and
+/// always a current row while there is any. Main thread.
+class TTableView final : public QTableView {
+    Q_OBJECT
+
+public:
+    explicit TTableView(QWidget* parent = nullptr);
+
+    void setModel(QAbstractItemModel* model) override;
+    /// The cell whose check box is held down; invalid for none.
+    [[nodiscard]] const QModelIndex& pressedCheck() const { return pressedCheck_; }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void toggle(const QModelIndex& check);
+    /// Some assistive bridges crash on a table without a current cell.
+    void keepCurrentRow();
+    /// An assistive client keeps cells by their place; after a sort it must ask anew.
+    void tellRowsReordered();
+
+    QModelIndex pressedCheck_;
+};
+
+}  // namespace brimvault::ui

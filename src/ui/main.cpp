@@ -1,0 +1,24 @@
+#include <QApplication>
+
+#include "platform/UserDefaults.h"
+#include "ui/AlertPresenter.h"
+#include "ui/FAppDelegate.h"
+#include "ui/Look.h"
+#include "ui/ScanOperations.h"
+
+int main(int argc, char* argv[]) {
+    using namespace brimvault;
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Brimvault"));
+    QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
+    ui::look::apply();  // light, in the window's own type
+
+    platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
+    ui::MessageBoxAlerts alerts;                                              // questions to the user
+    ui::FAppDelegate delegate(ui::scanOperations(),                           // what scans each section
+                              engine::CleanTable::fileSections(),             // what cleans each section
+                              defaults, alerts);                              // and the window over them
+    delegate.applicationDidFinishLaunching();
+    return QApplication::exec();
+}
