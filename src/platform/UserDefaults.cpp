@@ -2,6 +2,8 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QStringDecoder>
+#include <algorithm>
 
 #include "platform/LibraryURLs.h"
 
@@ -9,9 +11,28 @@ namespace brimvault::platform {
 
 namespace {
 
+enum class FileState { usable, damaged, unreadable };
+
+// Settings are plain text. What holds anything else would be read as if it were, and be lost with the next change.
+FileState stateOf(const QString& name) {
+    QFile file(name);
+    if (!file.exists()) {
+        return FileState::usable;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        return FileState::unreadable;
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text = decoder(file.readAll());
+    const bool plain = std::none_of(text.begin(), text.end(), [](QChar character) {
+        return character.category() == QChar::Other_Control && !character.isSpace();
+    });
+    return plain && !decoder.hasError() ? FileState::usable : FileState::damaged;
+}
+
 std::unique_ptr<QSettings> openSettings(const QString& file) {
     auto settings = std::make_unique<QSettings>(file, QSettings::IniFormat);
-    settings->sync();  // reads the file, so that the status tells of it
+    (void)settings->allKeys();  // the lines are read on first use only, and the status tells of them then
     return settings;
 }
 
@@ -25,8 +46,11 @@ bool moveAside(const QString& file) {
 
 UserDefaults::UserDefaults(const std::filesystem::path& file) {
     const QString name = QFile::decodeName(file.c_str());
+    const FileState state = stateOf(name);
     settings_ = openSettings(name);
-    if (settings_->status() == QSettings::FormatError) {
+    if (state == FileState::unreadable) {
+        writable_ = false;
+    } else if (state == FileState::damaged || settings_->status() == QSettings::FormatError) {
         settings_.reset();
         writable_ = moveAside(name);
         settings_ = openSettings(name);

@@ -13,8 +13,8 @@ namespace brimvault::platform {
 /// once.
 ///
 /// A file that cannot be understood is moved aside, under its name with ".damaged-" and the time, and a new one is
-/// begun; where it cannot be moved, nothing is written, so that what is there is never lost. One thread, the one that
-/// made it.
+/// begun; where it cannot be moved, or not be read at all, nothing is written, so that what is there is never lost. One
+/// thread, the one that made it.
 class UserDefaults {
 public:
     explicit UserDefaults(const std::filesystem::path& file);

@@ -43,7 +43,6 @@ void FAppDelegate::applicationDidFinishLaunching() {
     setImgs4Scan(true);
     setImgs4Clean(true);
     window_->show();
-    window_->raise();
     window_->activateWindow();
     window_->startPage()->btnStartScanButton2()->setFocus();
 }
@@ -108,6 +107,7 @@ void FAppDelegate::initStateAsScanStarted() {
     const bool focusGoes = window_->startPage()->btnStartScanButton2()->hasFocus();
     window_->showLists();
     showSelPanel();
+    UpdateTextsAboutFreeUpSize();
     if (focusGoes) {
         window_->sidebar()->pbtnScan()->setFocus();
     }
@@ -241,7 +241,8 @@ void FAppDelegate::showPanel(int row) {
             pDynControllers_[slot]->view()->setVisible(static_cast<int>(slot) == row);
         }
     }
-    updateSelectAllCheck();
+    showTitle();
+    updateSelectAllButton();
 }
 
 ItemListController* FAppDelegate::getCurrentSectionController() const {
@@ -275,28 +276,27 @@ void FAppDelegate::toggleSelectAll() {
 }
 
 void FAppDelegate::updateSelectAllCheck() {
+    updateSelectAllButton();
+    UpdateTextsAboutFreeUpSize();
+}
+
+void FAppDelegate::updateSelectAllButton() {
     const auto* current = getCurrentSectionController();
     auto* selectAll = window_->lists()->pbtnSelectAll();
-    showTitle();
-    if (current == nullptr) {
-        selectAll->setSelAllChecked(0);
-        selectAll->setEnabled(false);
-        return;
-    }
-    selectAll->setSelAllChecked(current->getcheckstate());
-    UpdateTextsAboutFreeUpSize();
-    selectAll->setEnabled(!sectionControllerIsScanOrRemoveProcessPerforming() && current->hasItems());
+    selectAll->setSelAllChecked(current == nullptr ? 0 : current->getcheckstate());
+    selectAll->setEnabled(!sectionControllerIsScanOrRemoveProcessPerforming() && current != nullptr &&
+                          current->hasItems());
 }
 
 // --- Status panel -----------------------------------------------------------------------------------------------
 
+// It speaks of all sections, whichever list is on show.
 void FAppDelegate::UpdateTextsAboutFreeUpSize() {
-    const auto* current = getCurrentSectionController();
-    if (current == nullptr) {
+    if (!bScanStarted_) {
         return;
     }
-    const quint64 selected = current->getSize2CleanALLItemsSel();
-    const QString total = FileSize::formatMemoryStringDot1(current->getSize2CleanALLItems());
+    const quint64 selected = psectController_->getSize2CleanALLSel();
+    const QString total = FileSize::formatMemoryStringDot1(psectController_->getAppResDS().getSize2CleanALL());
     window_->lists()->plashka()->setTexts(selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected),
                                           bcleaningProcess_ ? tr("Cleaning...") : tr("Selected of %1").arg(total));
     if (!bcleaningProcess_) {

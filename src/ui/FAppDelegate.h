@@ -75,6 +75,7 @@ private:
     void showTitle();
     [[nodiscard]] ItemListController* getCurrentSectionController() const;
     void toggleSelectAll();
+    void updateSelectAllButton();
 
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);

@@ -56,7 +56,6 @@ void ItemListController::updateTableKeepSelection() {
         }
     }
     model_->setItems(shown);
-    model_->checksChanged();
     restoreSelection(selected, row);
     Q_EMIT tableUpdated();
 }
@@ -97,6 +96,7 @@ void ItemListController::selectAllItems(int state) {
     for (const auto& item : model_->items()) {
         item->setPpbChecked(state != 0 && item->ppbDeletable());
     }
+    model_->checksChanged(0, model_->rowCount() - 1);
     updateTableKeepSelection();
 }
 
@@ -108,6 +108,7 @@ quint64 ItemListController::getSize2CleanMyItems() const {
 
 void ItemListController::setItemChecked(int row, bool checked) {
     model_->item(row)->setPpbChecked(checked);
+    model_->checksChanged(row, row);
     updateTableKeepSelection();
     pCheckListener_.setSectionChecked(section_, checked);
 }

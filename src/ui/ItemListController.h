@@ -34,10 +34,8 @@ public:
     /// Ticks (1) or unticks (0) everything; what cannot be removed is never ticked.
     void selectAllItems(int state);
 
-    /// Bytes of this section, of all sections, and selected in the ticked ones.
+    /// Bytes of this section.
     [[nodiscard]] quint64 getSize2CleanMyItems() const;
-    [[nodiscard]] quint64 getSize2CleanALLItems() const { return pDS_.getSize2CleanALL(); }
-    [[nodiscard]] quint64 getSize2CleanALLItemsSel() const { return pCheckListener_.getSize2CleanALLSel(); }
 
     /// Check boxes may be changed unless a clean runs.
     void updateCleaningState(bool cleaning);

@@ -151,15 +151,15 @@ void ItemListModel::permute(const std::vector<int>& order) {
     Q_EMIT rowsReordered();
 }
 
-void ItemListModel::checksChanged() {
-    if (!rows_.empty()) {
-        Q_EMIT dataChanged(index(0, checkColumn), index(rowCount() - 1, checkColumn), {Qt::CheckStateRole});
+void ItemListModel::checksChanged(int firstRow, int lastRow) {
+    if (firstRow <= lastRow) {
+        Q_EMIT dataChanged(index(firstRow, checkColumn), index(lastRow, checkColumn), {Qt::CheckStateRole});
     }
 }
 
 void ItemListModel::setEnabled(bool enabled) {
     enabled_ = enabled;
-    checksChanged();
+    checksChanged(0, rowCount() - 1);
 }
 
 int ItemListModel::rowCount(const QModelIndex& parent) const {

@@ -41,8 +41,8 @@ public:
 
     /// Sorts by a column, the icon column excepted; the rows of later `setItems` too.
     void sort(int column, Qt::SortOrder order) override;
-    /// Tells views that check states changed.
-    void checksChanged();
+    /// Tells views that the check states of rows changed.
+    void checksChanged(int firstRow, int lastRow);
     /// Whether check boxes may be changed.
     void setEnabled(bool enabled);
 

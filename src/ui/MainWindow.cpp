@@ -15,7 +15,7 @@ constexpr QSize leastSize(860, 560);
 }  // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QWidget(parent),
+    : QMainWindow(parent),
       sidebar_(new SidebarPanel),
       right_(new QStackedWidget),
       startPage_(new StartPage),
@@ -29,11 +29,13 @@ MainWindow::MainWindow(QWidget* parent)
     resize(usualSize);
     right_->addWidget(startPage_);
     right_->addWidget(lists_);
-    auto* layout = new QHBoxLayout(this);
+    auto* content = new QWidget;
+    auto* layout = new QHBoxLayout(content);
     layout->setContentsMargins({});
     layout->setSpacing(0);
     layout->addWidget(sidebar_);
     layout->addWidget(right_, 1);
+    setCentralWidget(content);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) { event->setAccepted(!mayClose_ || mayClose_()); }

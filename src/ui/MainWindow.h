@@ -1,7 +1,7 @@
 #pragma once
 
+#include <QMainWindow>
 #include <QStackedWidget>
-#include <QWidget>
 #include <functional>
 
 #include "ui/ListPanel.h"
@@ -12,7 +12,7 @@ namespace brimvault::ui {
 
 /// The window: the sections on the left, the start page or the lists on the right. It holds what is shown and decides
 /// nothing. Main thread.
-class MainWindow final : public QWidget {
+class MainWindow final : public QMainWindow {
     Q_OBJECT
 
 public:

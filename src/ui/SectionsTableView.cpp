@@ -6,6 +6,7 @@
 #include <QStyledItemDelegate>
 #include <utility>
 
+#include "ui/AccessibleItemView.h"
 #include "ui/CheckPicture.h"
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
@@ -110,6 +111,16 @@ SectionsTableView::SectionsTableView(QWidget* parent) : QListView(parent) {
     QPalette clear = palette();
     clear.setColor(QPalette::Base, Qt::transparent);
     setPalette(clear);
+}
+
+void SectionsTableView::setModel(QAbstractItemModel* model) {
+    QListView::setModel(model);
+    connect(model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+                if (roles.contains(Qt::CheckStateRole)) {
+                    announceCheckChanges(this, first.row(), last.row(), 0);
+                }
+            });
 }
 
 QRect SectionsTableView::checkRect(const QModelIndex& index) const {

@@ -12,6 +12,7 @@ class SectionsTableView final : public QListView {
 public:
     explicit SectionsTableView(QWidget* parent = nullptr);
 
+    void setModel(QAbstractItemModel* model) override;
     /// Where a row's check box reacts, in the view's coordinates.
     [[nodiscard]] QRect checkRect(const QModelIndex& index) const;
     /// The row whose check box is held down; invalid for none.

@@ -33,8 +33,9 @@ void SelectAllButton::setSelAllChecked(int state) {
 }
 
 void SelectAllButton::nextCheckState() {
+    const bool all = checkState() == Qt::Checked;  // before the mixed state is given up: without it, mixed reads as all
     setTristate(false);
-    setCheckState(checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+    setCheckState(all ? Qt::Unchecked : Qt::Checked);
     updateBtnSelectAllLook();
 }
 

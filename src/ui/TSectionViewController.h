@@ -58,7 +58,8 @@ public:
     void setSectionChecked(engine::Section section, bool checked) override;
     [[nodiscard]] bool isAppsChecked() const { return checks_[engine::Section::languageResources]; }
     [[nodiscard]] bool isAnyChecked() const;
-    [[nodiscard]] quint64 getSize2CleanALLSel() const override;
+    /// Bytes selected in the sections that are ticked.
+    [[nodiscard]] quint64 getSize2CleanALLSel() const;
     /// What stands under the title of a row.
     [[nodiscard]] QString subtitle(int row) const;
 

@@ -7,6 +7,7 @@
 #include <QScrollBar>
 #include <utility>
 
+#include "ui/AccessibleItemView.h"
 #include "ui/HTableHeaderView.h"
 #include "ui/ItemListModel.h"
 #include "ui/ItemRowDelegate.h"
@@ -56,6 +57,12 @@ void TTableView::setModel(QAbstractItemModel* model) {
     connect(model, &QAbstractItemModel::rowsRemoved, this, &TTableView::keepCurrentRow);
     connect(static_cast<ItemListModel*>(model), &ItemListModel::rowsReordered, this, &TTableView::tellRowsReordered,
             Qt::QueuedConnection);
+    connect(model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+                if (roles.contains(Qt::CheckStateRole)) {
+                    announceCheckChanges(this, first.row(), last.row(), ItemListModel::checkColumn);
+                }
+            });
 }
 
 void TTableView::mousePressEvent(QMouseEvent* event) {

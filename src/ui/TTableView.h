@@ -26,7 +26,7 @@ private:
     void toggle(const QModelIndex& check);
     /// Some assistive bridges crash on a table without a current cell.
     void keepCurrentRow();
-    /// An assistive client keeps cells by their place; after a sort it must ask anew.
+    /// Assistive clients remember what stood in a place; after a sort they are to ask anew.
     void tellRowsReordered();
 
     QModelIndex pressedCheck_;

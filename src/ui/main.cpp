@@ -1,6 +1,7 @@
 #include <QApplication>
 
 #include "platform/UserDefaults.h"
+#include "ui/AccessibleItemView.h"
 #include "ui/AlertPresenter.h"
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
@@ -12,7 +13,8 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Brimvault"));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
-    ui::look::apply();  // light, in the window's own type
+    ui::look::apply();                  // light, in the window's own type
+    ui::AccessibleItemView::install();  // the lists, as assistive clients see them
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
     ui::MessageBoxAlerts alerts;                                              // questions to the user

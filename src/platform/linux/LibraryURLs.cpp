@@ -55,6 +55,9 @@ std::optional<fs::path> userDirectory(std::string_view line) {
     if (line.starts_with(home)) {
         start = homeFolder();
         line.remove_prefix(home.size());
+        if (!line.empty() && line.front() != '/' && line.front() != '"') {
+            return std::nullopt;  // another variable, whose name begins alike
+        }
     }
     std::string rest;
     for (std::size_t at = 0; at < line.size() && line[at] != '"'; ++at) {

@@ -11,7 +11,7 @@ namespace brimvault::platform {
 namespace {
 
 constexpr std::size_t firstBufferSize = 1024;
-constexpr std::size_t lastBufferSize = 1024 * 1024;  // a record larger than this is no record
+constexpr std::size_t lastBufferSize = 1024UL * 1024;  // a record larger than this is no record
 
 // Calls with the record of the user who runs the process; false when the database has none.
 bool withUserRecord(const std::function<void(const passwd&)>& call) {
