@@ -74,14 +74,17 @@ RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem
     RemovalVisitor visitor;
     TreeWalk walk(visitor, stop);
     visitor.walk = &walk;
-    if (!walk.visit(parent, path.filename().c_str())) {
+    const bool toItsEnd = walk.visit(parent, path.filename().c_str());
+    // Neither a stop nor a failure on the way matters when the item went all the same.
+    if (statusAt(parent.descriptor(), path.filename().c_str()).code() == ENOENT) {
+        return {RemovalEnd::gone, std::nullopt};
+    }
+    if (!toItsEnd) {
         return {RemovalEnd::cancelled, std::nullopt};
     }
-    // A failure on the way does not matter when the item went all the same.
-    if (visitor.failure && statusAt(parent.descriptor(), path.filename().c_str()).code() != ENOENT) {
-        return kept(visitor.failure->code, path.parent_path() / visitor.failure->path);
-    }
-    return {RemovalEnd::gone, std::nullopt};
+    // Without a failure, someone has put something new under the name.
+    const auto first = visitor.failure.value_or(Failure{EEXIST, path.filename()});
+    return kept(first.code, path.parent_path() / first.path);
 }
 
 }  // namespace
