@@ -1,0 +1,169 @@
+#include "support/SampleHome.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace brimvault::tests {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const char* const linkText = "../../Precious";
+constexpr std::uint64_t containerCachesSize = 20'480'000;
+constexpr std::uint64_t comparedBytes = 65'536;  // a longer file is compared by its length alone
+
+const std::vector<SampleHome::Entry>& namedCaches() {
+    static const std::vector<SampleHome::Entry> entries = {
+        {"com.vendor.browser", 1'240'000'000},
+        {"com.vendor.mail", 612'300'000},
+        {"com.vendor.music", 388'000'000},
+        {"com.vendor.photos", 318'900'000},
+        {"mesa_shader_cache", 96'200'000},
+        {"com.vendor.editor", 71'860'000},
+        {"thumbnails", 64'000'000},
+        {"fontconfig", 21'400'000},
+        {"com.vendor.notes", 18'200'000},
+        {"org.project.desktop", 12'700'000},
+        {"com.vendor.store", 8'040'000},
+        {"pip", 5'900'000},
+        {"com.vendor.weather", 3'300'000},
+        {SampleHome::plainFileName, 1'200'000},
+    };
+    return entries;
+}
+
+// The size in a few files at several depths.
+void spread(const fs::path& folder, std::uint64_t size) {
+    const std::uint64_t half = size / 2;
+    const std::uint64_t quarter = size / 4;
+    writeSparseFile(folder / "Cache.db", half);
+    writeSparseFile(folder / "fsCachedData" / "0A1B" / "data_1", quarter);
+    writeSparseFile(folder / "fsCachedData" / "0A1B" / "2C3D" / "data_2", size - half - quarter - 5);
+    writeFile(folder / ".version", "12.4\n");
+}
+
+std::string describe(const fs::path& path, const fs::file_status& status) {
+    if (fs::is_symlink(status)) {
+        return "link to " + fs::read_symlink(path).native();
+    }
+    if (fs::is_directory(status)) {
+        return "folder";
+    }
+    if (!fs::is_regular_file(status)) {
+        return "other";
+    }
+    const auto size = fs::file_size(path);
+    std::string text = "file of " + std::to_string(size) + " bytes";
+    if (size <= comparedBytes) {
+        std::ifstream file(path, std::ios::binary);
+        text.append(": ").append(std::istreambuf_iterator<char>(file), {});
+    }
+    return text;
+}
+
+}  // namespace
+
+void writeFile(const fs::path& file, const std::string& text) {
+    fs::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary);
+    stream << text;
+    stream.close();
+    if (!stream) {
+        throw std::runtime_error("cannot write " + file.native());
+    }
+}
+
+void writeSparseFile(const fs::path& file, std::uint64_t size) {
+    writeFile(file, {});
+    fs::resize_file(file, size);
+}
+
+SampleHome::Fingerprint fingerprint(const fs::path& folder, const std::vector<fs::path>& without) {
+    SampleHome::Fingerprint found;
+    for (auto entry = fs::recursive_directory_iterator(folder); entry != fs::recursive_directory_iterator(); ++entry) {
+        const auto name = entry->path().lexically_relative(folder);
+        if (std::find(without.begin(), without.end(), name) != without.end()) {
+            entry.disable_recursion_pending();
+            continue;
+        }
+        found[name] = describe(entry->path(), entry->symlink_status());
+    }
+    return found;
+}
+
+SampleHome::SampleHome(const fs::path& folder) {
+    if (fs::exists(fs::symlink_status(folder)) && (!fs::is_directory(folder) || !fs::is_empty(folder))) {
+        throw std::runtime_error(folder.native() + " is not an empty folder");
+    }
+    fs::create_directories(folder);
+    path_ = fs::canonical(folder);
+    writeFile(path_ / marker, "A made-up home folder: everything in it may be removed.\n");
+    makeCaches();
+    makeContainers();
+    makeOtherSections();
+    makeUntouchables();
+}
+
+std::vector<SampleHome::Entry> SampleHome::cachesSection() const {
+    auto entries = namedCaches();
+    entries.push_back({linkName, std::char_traits<char>::length(linkText)});
+    entries.push_back({fullContainer, containerCachesSize});
+    entries.push_back(
+        {linkedContainer, fs::read_symlink(containers() / linkedContainer / "Data/Library/Caches").native().size()});
+    entries.push_back({emptyContainer, 0});
+    std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.size > b.size; });
+    return entries;
+}
+
+SampleHome::Fingerprint SampleHome::everythingOutside(const std::vector<fs::path>& folders) const {
+    return fingerprint(path_, folders);
+}
+
+void SampleHome::makeCaches() const {
+    for (const auto& entry : namedCaches()) {
+        if (entry.name == plainFileName) {
+            writeSparseFile(caches() / entry.name, entry.size);
+        } else {
+            spread(caches() / entry.name, entry.size);
+        }
+    }
+    writeFile(caches() / hiddenName / "state", "not listed\n");
+    fs::create_directory_symlink(linkText, caches() / linkName);
+}
+
+void SampleHome::makeContainers() const {
+    writeFile(containers() / emptyContainer / "Data/Library/Preferences/settings", "1\n");
+    spread(containers() / fullContainer / "Data/Library/Caches", containerCachesSize);
+    writeFile(containers() / fullContainer / "Data/Library/Logs/reader.log", "opened\nclosed\n");
+    writeFile(containers() / fullContainer / "Data/Documents/book.txt", "A book that is being read.\n");
+    fs::create_directories(containers() / linkedContainer / "Data/Library");
+    fs::create_directory_symlink(precious(), containers() / linkedContainer / "Data/Library/Caches");
+}
+
+void SampleHome::makeOtherSections() const {
+    writeSparseFile(library() / "Logs/com.vendor.browser/session.log", 310'000'000);
+    writeSparseFile(library() / "Logs/system.log", 92'000'000);
+    writeSparseFile(library() / "Application Support/CrashReporter/editor_2024.crash", 10'000'000);
+    writeSparseFile(downloads() / "installer.iso", 5'800'000'000);
+    writeSparseFile(downloads() / "photos.zip", 410'000'000);
+    writeFile(downloads() / "invoice.txt", "An invoice.\n");
+    writeSparseFile(trash() / "old project/recording.mov", 1'000'000'000);
+    writeSparseFile(trash() / "draft.doc", 20'000'000);
+    const auto resources = path_ / "Applications/Sketchpad.app/Contents/Resources";
+    for (const char* language : {"en", "de", "fr", "ja"}) {
+        writeSparseFile(resources / (std::string(language) + ".lproj") / "Localizable.strings", 350'000);
+    }
+    writeFile(resources / "../Info.plist", "<plist/>\n");
+}
+
+void SampleHome::makeUntouchables() const {
+    writeFile(documents() / "letter.txt", "Dear reader,\n");
+    writeFile(documents() / "accounts/2024.csv", "month,sum\nJanuary,12\n");
+    writeFile(precious() / "diary.txt", "Nobody reads this.\n");
+    writeFile(precious() / "albums/wedding/first.jpg", "not really a picture\n");
+}
+
+}  // namespace brimvault::tests

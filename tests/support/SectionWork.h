@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+#include "engine/SBaseOperation.h"
+
+namespace brimvault::tests {
+
+/// A scan operation whose work a test supplies; it ends with its section's finished notification, as every one does.
+class SuppliedScan final : public engine::SBaseOperation {
+public:
+    using Work = std::function<engine::ItemArray(SuppliedScan&)>;
+    SuppliedScan(engine::Section section, Work work) : SBaseOperation(section), work_(std::move(work)) {}
+
+protected:
+    void main() override {
+        const auto words = engine::vocabulary(section());
+        engine::NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, work_(*this)}});
+    }
+
+private:
+    Work work_;
+};
+
+/// An operation whose work a test supplies.
+class SuppliedWork final : public engine::SectionOperation {
+public:
+    using Work = std::function<void(SuppliedWork&)>;
+    explicit SuppliedWork(Work work, engine::Section section = engine::Section::caches)
+        : SectionOperation(section), work_(std::move(work)) {}
+
+protected:
+    void main() override { work_(*this); }
+
+private:
+    Work work_;
+};
+
+/// Comes back when the operation has been cancelled.
+inline void awaitCancel(const engine::Operation& operation) {
+    while (!operation.isCancelled()) {
+        std::this_thread::yield();
+    }
+}
+
+}  // namespace brimvault::tests

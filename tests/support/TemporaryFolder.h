@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+
+namespace brimvault::tests {
+
+/// Removes a folder and all in it without following a link, however deep it is and whatever may not be read in it.
+/// Missing folders are fine; what cannot go stays.
+void removeTree(const std::filesystem::path& folder);
+
+/// A new, empty folder of its own, with no link on the way to it; gone with everything in it at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() { removeTree(path_); }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+    [[nodiscard]] std::filesystem::path operator/(const std::filesystem::path& inside) const { return path_ / inside; }
+
+private:
+    std::filesystem::path path_;
+};
+
+}  // namespace brimvault::tests
