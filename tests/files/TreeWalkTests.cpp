@@ -1,0 +1,159 @@
+#include "files/TreeWalk.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <functional>
+#include <iterator>
+
+#include "support/FixtureTrees.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using files::DirectoryHandle;
+using files::NodeStatus;
+using files::TreeWalk;
+namespace fs = std::filesystem;
+
+namespace {
+
+// Keeps a line for everything it is told, and does what a test has it do on the way.
+class Recorder final : public files::TreeVisitor {
+public:
+    void onFolderEntered(const NodeStatus&) override { tell("enter"); }
+    void onFile(const DirectoryHandle&, const char* name) override { tell(std::string("file ") + name); }
+    void onFolderLeft(const DirectoryHandle&, const char* name) override { tell(std::string("left ") + name); }
+    void onFolderClosed(const DirectoryHandle&, const char* name, int code) override {
+        tell(std::string("closed ") + name + " " + std::to_string(code));
+    }
+    void onListingBroken(int code) override { tell("broken " + std::to_string(code)); }
+    void onWayLost(const char* name, int code) override {
+        tell(std::string("lost ") + name + " " + std::to_string(code));
+    }
+
+    std::vector<std::string> lines;
+    std::function<void(const std::string&)> meanwhile = [](const std::string&) {};
+
+private:
+    void tell(const std::string& line) {
+        lines.push_back(line);
+        meanwhile(line);
+    }
+};
+
+bool walk(Recorder& recorder, const fs::path& folder, const std::stop_token& stop = {}) {
+    const auto parent = DirectoryHandle::open(folder.parent_path());
+    EXPECT_TRUE(parent);
+    return TreeWalk(recorder, stop).visit(*parent, folder.filename().c_str());
+}
+
+}  // namespace
+
+TEST(TreeWalk, VisitsFilesBeforeFoldersAndLeavesAFolderAfterItsContents) {
+    const TemporaryFolder folder;
+    writeFile(folder / "top/inner/deepest/c", "");
+    writeFile(folder / "top/inner/b", "");
+    writeFile(folder / "top/a", "");
+    Recorder recorder;
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_THAT(recorder.lines, testing::ElementsAre("enter", "file a", "enter", "file b", "enter", "file c",
+                                                     "left deepest", "left inner", "left top"));
+}
+
+TEST(TreeWalk, EntersNoLink) {
+    const TemporaryFolder folder;
+    makeLinks(folder / "top", folder / "outside");
+    Recorder recorder;
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_THAT(recorder.lines, testing::UnorderedElementsAre("enter", "file real", "file to file", "file to folder",
+                                                              "file to nothing", "left top"));
+}
+
+TEST(TreeWalk, TakesAFolderThatBecameALinkForAFile) {
+    const TemporaryFolder folder;
+    writeFile(folder / "outside/precious", "");
+    fs::create_directories(folder / "top/inner");
+    writeFile(folder / "top/a", "");
+    Recorder recorder;
+    recorder.meanwhile = [&](const std::string& line) {
+        if (line == "file a") {
+            fs::rename(folder / "top/inner", folder / "away");
+            fs::create_directory_symlink(folder / "outside", folder / "top/inner");
+        }
+    };
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_THAT(recorder.lines, testing::ElementsAre("enter", "file a", "file inner", "left top"));
+}
+
+TEST(TreeWalk, TellsOfAFolderThatVanishedSinceItWasListed) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder / "top/inner");
+    writeFile(folder / "top/a", "");
+    Recorder recorder;
+    recorder.meanwhile = [&](const std::string& line) {
+        if (line == "file a") {
+            fs::remove(folder / "top/inner");
+        }
+    };
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_THAT(recorder.lines,
+                testing::ElementsAre("enter", "file a", "closed inner " + std::to_string(ENOENT), "left top"));
+}
+
+TEST(TreeWalk, EndsWhereTheWayBackIsLost) {
+    const TemporaryFolder folder;
+    makeDeep(folder / "top", 3 * TreeWalk::heldFolders);
+    writeFile(folder / "top/inner/before/file above", "");
+    fs::create_directory(folder / "elsewhere");
+    Recorder recorder;
+    recorder.meanwhile = [&](const std::string& line) {
+        if (line == "file file") {  // at the bottom
+            fs::rename(folder / "top/inner/inner/inner", folder / "elsewhere/inner");
+        }
+    };
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_EQ(recorder.lines.back(), "lost inner " + std::to_string(ESTALE));
+    EXPECT_THAT(recorder.lines, testing::Not(testing::Contains("left top")));
+}
+
+TEST(TreeWalk, ComesBackUpThroughFoldersItHadClosed) {
+    const TemporaryFolder folder;
+    makeDeep(folder / "top", 3 * TreeWalk::heldFolders);
+    writeFile(folder / "top/inner/side/file beside", "");
+    Recorder recorder;
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_THAT(recorder.lines, testing::Contains("file file beside"));
+    EXPECT_EQ(recorder.lines.back(), "left top");
+}
+
+TEST(TreeWalk, HoldsFewDescriptorsHoweverDeepTheTree) {
+    const TemporaryFolder folder;
+    makeDeep(folder / "top", 200);
+    const auto count = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()); };
+    const auto before = count();
+    std::ptrdiff_t most = 0;
+    Recorder recorder;
+    recorder.meanwhile = [&](const std::string&) { most = std::max(most, count() - before); };
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_LE(most, 16);
+    EXPECT_EQ(count(), before);
+}
+
+TEST(TreeWalk, StopsBeforeTheNextEntry) {
+    const TemporaryFolder folder;
+    makeWide(folder / "top", 10);
+    fs::create_directory(folder / "top/inner");
+    std::stop_source stop;
+    Recorder recorder;
+    recorder.meanwhile = [&](const std::string&) {
+        if (recorder.lines.size() == 4) {
+            stop.request_stop();
+        }
+    };
+    EXPECT_FALSE(walk(recorder, folder / "top", stop.get_token()));
+    EXPECT_EQ(recorder.lines.size(), 4U);
+}
+
+}  // namespace brimvault::tests
