@@ -1,0 +1,156 @@
+#include "engine/OperationQueue.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <semaphore>
+
+#include "support/EventLoop.h"
+#include "support/SectionWork.h"
+
+namespace brimvault::tests {
+
+using engine::Operation;
+using engine::OperationQueue;
+using engine::Section;
+
+namespace {
+
+std::shared_ptr<SuppliedWork> work(SuppliedWork::Work function, Section section = Section::caches) {
+    return std::make_shared<SuppliedWork>(std::move(function), section);
+}
+
+}  // namespace
+
+TEST(OperationQueue, RunsOneAfterAnotherInTheOrderOfAddingWhenLimitedToOne) {
+    OperationQueue queue(1);
+    std::vector<int> ran;  // one thread at a time
+    std::shared_ptr<Operation> last;
+    for (int number = 0; number < 50; ++number) {
+        last = work([&ran, number](SuppliedWork&) { ran.push_back(number); });
+        queue.addOperation(last);
+    }
+    last->waitUntilFinished();
+    EXPECT_EQ(ran.size(), 50U);
+    EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
+}
+
+TEST(OperationQueue, RunsSideBySideUpToItsLimitAndNotBeyond) {
+    constexpr int limit = 3;
+    OperationQueue queue(limit);
+    std::counting_semaphore<limit> met(0);
+    std::atomic<int> running = 0;
+    std::atomic<int> most = 0;
+    std::atomic<bool> together = true;
+    for (int number = 0; number < 4 * limit; ++number) {
+        queue.addOperation(work([&](SuppliedWork&) {
+            const int now = ++running;
+            for (int before = most; before < now && !most.compare_exchange_weak(before, now);) {
+            }
+            if (now == limit) {
+                met.release(limit);
+            }
+            together = met.try_acquire_for(std::chrono::seconds(30)) && together;
+            --running;
+        }));
+    }
+    ASSERT_TRUE(runUntil([&] { return queue.operations().empty(); }));
+    EXPECT_TRUE(together);
+    EXPECT_EQ(most, limit);
+}
+
+TEST(OperationQueue, StartsAnOperationOnlyWhenAllItDependsOnHaveFinished) {
+    OperationQueue queue;
+    std::atomic<int> finished = 0;
+    int seen = -1;
+    const auto last = work([&](SuppliedWork&) { seen = finished; });
+    std::binary_semaphore go(0);
+    for (int number = 0; number < 3; ++number) {
+        const auto before = work([&](SuppliedWork&) {
+            go.acquire();
+            ++finished;
+            go.release();
+        });
+        last->addDependency(before);
+        queue.addOperation(before);
+    }
+    queue.addOperation(last);
+    EXPECT_FALSE(last->isFinished());
+    go.release();
+    last->waitUntilFinished();
+    EXPECT_EQ(seen, 3);
+}
+
+TEST(OperationQueue, FinishesAnOperationCancelledBeforeItsStartWithoutItsWork) {
+    OperationQueue queue(1);
+    std::binary_semaphore go(0);
+    std::atomic<int> completions = 0;
+    queue.addOperation(work([&](SuppliedWork&) { go.acquire(); }));
+    const auto cancelled = work([](SuppliedWork&) { ADD_FAILURE() << "its work was begun"; });
+    cancelled->setCompletionBlock([&] { ++completions; });
+    queue.addOperation(cancelled);
+    cancelled->cancel();
+    go.release();
+    cancelled->waitUntilFinished();
+    EXPECT_TRUE(runUntil([&] { return completions == 1; }));
+}
+
+TEST(OperationQueue, CancelsAndAwaitsTheChosenOnesAlone) {
+    OperationQueue queue;
+    std::atomic<bool> chosenEnded = false;
+    std::atomic<bool> otherCancelled = false;
+    std::binary_semaphore go(0);
+    std::binary_semaphore begun(0);
+    queue.addOperation(work([&](SuppliedWork& own) {
+        begun.release();
+        awaitCancel(own);
+        chosenEnded = true;
+    }));
+    begun.acquire();
+    queue.addOperation(work(
+        [&](SuppliedWork& own) {
+            go.acquire();
+            otherCancelled = own.isCancelled();
+        },
+        Section::trash));
+    cancelOperationByClass(queue, Section::caches);
+    EXPECT_TRUE(chosenEnded);
+    EXPECT_EQ(queue.operations().size(), 1U);
+    cancelOperationByClass(queue, Section::logs);
+    go.release();
+    EXPECT_TRUE(runUntil([&] { return queue.operations().empty(); }));
+    EXPECT_FALSE(otherCancelled);
+}
+
+TEST(OperationQueue, HasDroppedAnOperationWhenWaitingForItIsOver) {
+    OperationQueue queue;
+    for (int round = 0; round < 500; ++round) {
+        const auto operation = work([](SuppliedWork&) {});
+        queue.addOperation(operation);
+        operation->waitUntilFinished();
+        EXPECT_TRUE(queue.operations().empty());
+    }
+}
+
+TEST(OperationQueue, CancelsAndAwaitsEverythingWhenItIsDestroyed) {
+    std::atomic<int> ended = 0;
+    std::vector<std::shared_ptr<Operation>> all;
+    {
+        OperationQueue queue(2);
+        for (int number = 0; number < 5; ++number) {
+            all.push_back(work([&](SuppliedWork& own) {
+                awaitCancel(own);
+                ++ended;
+            }));
+            queue.addOperation(all.back());
+        }
+    }
+    for (const auto& operation : all) {
+        EXPECT_TRUE(operation->isFinished());
+    }
+    EXPECT_LE(ended, 2);
+}
+
+}  // namespace brimvault::tests

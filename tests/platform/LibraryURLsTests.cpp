@@ -1,0 +1,130 @@
+#include "platform/LibraryURLs.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "support/SampleHome.h"
+#include "support/SubstituteHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using platform::LibraryURLs;
+namespace fs = std::filesystem;
+
+namespace {
+
+class LibraryURLsTest : public testing::Test {
+protected:
+    LibraryURLsTest() { fs::create_directories(home_); }
+
+    [[nodiscard]] std::optional<fs::path> cachesWith(const std::string& variable) const {
+        const SubstituteHome home(home_, {{"XDG_CACHE_HOME", variable}});
+        return LibraryURLs::getCachesFolderURL();
+    }
+    [[nodiscard]] std::optional<fs::path> downloadsWith(const std::string& lines) const {
+        writeFile(home_ / ".config/user-dirs.dirs", lines);
+        const SubstituteHome home(home_);
+        return LibraryURLs::getDownloadsFolderURL();
+    }
+
+    TemporaryFolder folder_;
+    const fs::path home_ = folder_ / "home";
+};
+
+}  // namespace
+
+TEST_F(LibraryURLsTest, CachesAreTheLibrarysWhereThereIsOne) {
+    EXPECT_EQ(cachesWith(""), home_ / "Library/Caches");
+    fs::create_directory(home_ / ".cache");
+    EXPECT_EQ(cachesWith(""), home_ / ".cache");
+    fs::create_directories(home_ / "Library/Caches");
+    EXPECT_EQ(cachesWith(""), home_ / "Library/Caches");
+}
+
+TEST_F(LibraryURLsTest, CachesAreWhereTheVariableSaysWhenItSaysAnAbsolutePath) {
+    fs::create_directory(home_ / ".cache");
+    fs::create_directory(folder_ / "shared");
+    EXPECT_EQ(cachesWith(folder_ / "shared"), folder_ / "shared");
+    EXPECT_EQ(cachesWith((folder_ / "shared").native() + "/"), folder_ / "shared");
+    EXPECT_EQ(cachesWith("relative"), home_ / ".cache");
+    EXPECT_EQ(cachesWith(folder_ / "missing"), home_ / "Library/Caches");
+}
+
+TEST_F(LibraryURLsTest, CachesAreNeverTheHomeFolderNorOneThatHoldsIt) {
+    fs::create_directory(home_ / "x");
+    fs::create_directory_symlink(folder_.path(), folder_ / "again");
+    for (const auto& variable : {home_.native(), home_.native() + "/", home_.native() + "/.", folder_.path().native(),
+                                 std::string("/"), (folder_ / "again/home").native(), home_.native() + "/x/.."}) {
+        EXPECT_EQ(cachesWith(variable), std::nullopt) << variable;
+    }
+}
+
+TEST_F(LibraryURLsTest, LinksOnTheWayAreResolvedAndTheLastNameIsNot) {
+    fs::create_directories(folder_ / "disk/Caches");
+    fs::create_directory_symlink(folder_ / "disk", home_ / "Library");
+    EXPECT_EQ(cachesWith(""), folder_ / "disk/Caches");
+    fs::remove(folder_ / "disk/Caches");
+    fs::create_directory_symlink(folder_ / "home", folder_ / "disk/Caches");
+    EXPECT_EQ(cachesWith(""), folder_ / "disk/Caches");
+}
+
+TEST_F(LibraryURLsTest, TheHomeFolderIsResolvedFirst) {
+    fs::create_directories(home_ / "Library/Caches");
+    fs::create_directory_symlink("home", folder_ / "link");
+    const SubstituteHome home(folder_ / "link");
+    EXPECT_EQ(LibraryURLs::getCachesFolderURL(), home_ / "Library/Caches");
+    EXPECT_EQ(LibraryURLs::getTrashFolderURL(), home_ / ".Trash");
+}
+
+TEST_F(LibraryURLsTest, DownloadsAreTheHomeFoldersWhereNothingElseIsSaid) {
+    {
+        const SubstituteHome home(home_);
+        EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Downloads");
+    }
+    for (const char* lines : {"", "# XDG_DOWNLOAD_DIR=\"/commented\"\n", "XDG_MUSIC_DIR=\"$HOME/Music\"\n",
+                              "XDG_DOWNLOAD_DIR=\"relative\"\n", "XDG_DOWNLOAD_DIR=\"\"\n",
+                              "XDG_DOWNLOAD_DIR=/unquoted\n", "XDG_DOWNLOAD_DIR=\"$HOMEwork/x\"\n"}) {
+        EXPECT_EQ(downloadsWith(lines), home_ / "Downloads") << lines;
+    }
+}
+
+TEST_F(LibraryURLsTest, DownloadsAreWhereTheUsersDirectoriesSay) {
+    const auto line = [](const std::string& value) { return "XDG_DOWNLOAD_DIR=\"" + value + "\"\n"; };
+    EXPECT_EQ(downloadsWith(line("$HOME/Loads")), home_ / "Loads");
+    EXPECT_EQ(downloadsWith("  \t" + line("$HOME/Loads/")), home_ / "Loads");
+    EXPECT_EQ(downloadsWith(line("/elsewhere/loads")), "/elsewhere/loads");
+    EXPECT_EQ(downloadsWith("# a comment\n" + line("$HOME/first") + line("$HOME/second")), home_ / "second");
+    EXPECT_EQ(downloadsWith(line(R"($HOME/a\"b\\c\$d\`e)")), home_ / R"(a"b\c$d`e)");
+    EXPECT_EQ(downloadsWith("XDG_DOWNLOAD_DIR=\"$HOME/no newline"), home_ / "no newline");
+    EXPECT_EQ(downloadsWith("XDG_DOWNLOAD_DIR=\"$HOME/Loads\"\r\n"), home_ / "Loads");
+    EXPECT_EQ(downloadsWith(line("$HOME/T\xc3\xa9l\xc3\xa9"
+                                 "chargements \xff")),
+              home_ /
+                  "T\xc3\xa9l\xc3\xa9"
+                  "chargements \xff");
+}
+
+TEST_F(LibraryURLsTest, DownloadsAreNoneWhereTheUserSwitchedThemOff) {
+    for (const char* value : {"$HOME/", "$HOME", "$HOME/.", "$HOME/x/..", "$HOME/..", "/"}) {
+        EXPECT_EQ(downloadsWith(std::string("XDG_DOWNLOAD_DIR=\"") + value + "\"\n"), std::nullopt) << value;
+    }
+}
+
+TEST_F(LibraryURLsTest, AUserWithoutARecordLivesBelowUsers) {
+    const platform::SubstituteSystem system(
+        {[] { return std::nullopt; }, [] { return "anna"; }, [](const char*) { return std::string(); }});
+    EXPECT_EQ(platform::homeFolder(), "/Users/anna");
+    EXPECT_EQ(LibraryURLs::getCachesFolderURL(), "/Users/anna/Library/Caches");
+    EXPECT_EQ(LibraryURLs::getTrashFolderURL(), "/Users/anna/.Trash");
+}
+
+TEST_F(LibraryURLsTest, TheEnvironmentsHomeHasNoSay) {
+    const SubstituteHome home(home_, {{"HOME", "/elsewhere"}});
+    EXPECT_EQ(platform::homeFolder(), home_);
+    EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Downloads");
+    EXPECT_EQ(LibraryURLs::getApplicationFolderURL(), "/Applications");
+}
+
+}  // namespace brimvault::tests

@@ -1,0 +1,92 @@
+#include <gmock/gmock.h>
+
+#include <thread>
+
+#include "scanners/ContainersFolderScannerManager.h"
+#include "support/FixtureTrees.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using scanners::ContainersFolderScanner;
+using scanners::ContainersFolderScannerManager;
+namespace fs = std::filesystem;
+
+TEST(ContainersFolderScanner, GivesBothFoldersOfEveryContainerWhetherTheyExistOrNot) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder / "full/Data/Library/Caches");
+    fs::create_directories(folder / "bare");
+    fs::create_directories(folder / ".hidden/Data/Library/Caches");
+    ContainersFolderScanner scanner(folder.path());
+    EXPECT_FALSE(scanner.isLoaded());
+    scanner.scanContainers();
+    EXPECT_TRUE(scanner.isLoaded());
+    EXPECT_THAT(scanner.caches(), testing::UnorderedElementsAre(folder / "full/Data/Library/Caches",
+                                                                folder / "bare/Data/Library/Caches"));
+    ASSERT_EQ(scanner.logs().size(), 2U);
+    for (std::size_t index = 0; index < 2; ++index) {
+        EXPECT_EQ(scanner.logs()[index], scanner.caches()[index].parent_path() / "Logs");
+    }
+}
+
+TEST(ContainersFolderScanner, KeepsOnlyWhatHasOneName) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder / "list/with subfolders/Data");
+    writeFile(folder / "list/plain file", "");
+    writeFile(folder / "list/two names", "");
+    fs::create_hard_link(folder / "list/two names", folder / "elsewhere");
+    fs::create_symlink("nothing", folder / "list/link");
+    ContainersFolderScanner scanner(folder / "list");
+    scanner.scanContainers();
+    const auto caches = [&](const char* name) { return folder / "list" / name / "Data/Library/Caches"; };
+    EXPECT_THAT(scanner.caches(),
+                testing::UnorderedElementsAre(caches("with subfolders"), caches("plain file"), caches("link")));
+}
+
+TEST(ContainersFolderScanner, CountsAnEmptyListingAsLoaded) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "");
+    fs::create_directories(folder / "real/container");
+    fs::create_directory_symlink("real", folder / "link");
+    for (const char* name : {"missing", "file", "link"}) {
+        ContainersFolderScanner scanner(folder / name);
+        scanner.scanContainers();
+        EXPECT_TRUE(scanner.isLoaded()) << name;
+        EXPECT_TRUE(scanner.caches().empty()) << name;
+        scanner.resetResults();
+        EXPECT_FALSE(scanner.isLoaded()) << name;
+    }
+}
+
+TEST(ContainersFolderScannerManager, ListsAgainOnlyAfterAReset) {
+    const TemporaryFolder folder;
+    ContainersFolderScannerManager manager(folder / "list");
+    EXPECT_TRUE(manager.caches().empty());
+    fs::create_directories(folder / "list/container");
+    EXPECT_TRUE(manager.caches().empty());
+    EXPECT_TRUE(manager.logs().empty());
+    manager.reset();
+    EXPECT_EQ(manager.logs().size(), 1U);
+    EXPECT_EQ(manager.caches().size(), 1U);
+}
+
+TEST(ContainersFolderScannerManager, GivesWholeListsToThreadsThatAskAtOnce) {
+    const TemporaryFolder folder;
+    for (int number = 0; number < 50; ++number) {
+        fs::create_directories(folder / "list" / std::to_string(number));
+    }
+    ContainersFolderScannerManager manager(folder / "list");
+    const auto ask = [&] {
+        for (int round = 0; round < 100; ++round) {
+            EXPECT_EQ(manager.caches().size(), 50U);
+            EXPECT_EQ(manager.logs().size(), 50U);
+        }
+    };
+    const std::jthread one(ask);
+    const std::jthread other(ask);
+    for (int round = 0; round < 100; ++round) {
+        manager.reset();
+    }
+}
+
+}  // namespace brimvault::tests

@@ -1,0 +1,248 @@
+#include "scanners/SChOperation.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <map>
+#include <random>
+
+#include "engine/Notifications.h"
+#include "engine/OperationQueue.h"
+#include "support/FixtureTrees.h"
+#include "support/HeardNotifications.h"
+#include "support/SubstituteHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using engine::ItemArray;
+using engine::NotificationCenter;
+using scanners::ContainersFolderScannerManager;
+using scanners::SChOperation;
+namespace fs = std::filesystem;
+
+namespace {
+
+const auto words = engine::vocabulary(engine::Section::caches);
+
+/// Full path to name and size.
+using Listing = std::map<fs::path, std::pair<fs::path, std::uint64_t>>;
+
+// The rules once more, by other means: lengths of all that is no folder, links not followed.
+std::uint64_t sizeOf(const fs::path& path) {
+    const auto status = fs::symlink_status(path);
+    if (fs::is_symlink(status)) {
+        return fs::read_symlink(path).native().size();
+    }
+    if (fs::is_regular_file(status)) {
+        return fs::file_size(path);
+    }
+    std::uint64_t sum = 0;
+    if (fs::is_directory(status)) {
+        for (const auto& entry : fs::directory_iterator(path)) {
+            sum += sizeOf(entry.path());
+        }
+    }
+    return sum;
+}
+
+Listing expectedListing(const fs::path& home) {
+    Listing listing;
+    for (const auto& entry : fs::directory_iterator(home / "Library/Caches")) {
+        const auto name = entry.path().filename();
+        if (!name.native().starts_with('.')) {
+            listing[entry.path()] = {name, sizeOf(entry.path())};
+        }
+    }
+    if (fs::exists(home / "Library/Containers")) {
+        for (const auto& entry : fs::directory_iterator(home / "Library/Containers")) {
+            const auto name = entry.path().filename();
+            if (!name.native().starts_with('.')) {
+                const auto caches = entry.path() / "Data/Library/Caches";
+                listing[caches] = {name, sizeOf(caches)};
+            }
+        }
+    }
+    return listing;
+}
+
+class CachesScan : public testing::Test {
+protected:
+    // Scans with the operation of its own thread; `meanwhile` is called there at every progress.
+    ItemArray scan(const std::function<void(SChOperation&)>& meanwhile = [](SChOperation&) {}) {
+        const SubstituteHome home(home_);
+        ContainersFolderScannerManager containers(home_ / "Library/Containers");
+        const HeardNotifications heard = {words.scanFinished};
+        const auto operation = std::make_shared<SChOperation>(containers);
+        const auto observation = NotificationCenter::defaultCenter().addObserver(
+            words.scanProgress, [&](const auto&) { meanwhile(*operation); });
+        engine::OperationQueue queue;
+        queue.addOperation(operation);
+        operation->waitUntilFinished();
+        EXPECT_EQ(heard.names().size(), 1);
+        expectedCount_ = operation->nTopLevelItemsCount();
+        return engine::getArrayPropfromNotification<ItemArray>(heard.last(words.scanFinished), words.arrayKey)
+            .value_or(ItemArray());
+    }
+
+    static Listing listed(const ItemArray& items) {
+        Listing listing;
+        for (const auto& item : items) {
+            EXPECT_TRUE(item->ppbDeletable());
+            EXPECT_TRUE(item->ppbChecked());
+            EXPECT_TRUE(listing.insert({item->pfpath(), {item->pfname(), item->pfSize()}}).second) << item->pfpath();
+        }
+        return listing;
+    }
+
+    TemporaryFolder folder_;
+    const fs::path home_ = folder_ / "home";
+    const fs::path caches_ = home_ / "Library/Caches";
+    qint64 expectedCount_ = -1;
+};
+
+// A tree of up to so many levels with files, sparse files, links, hidden and odd names, hard links.
+void growRandomly(std::mt19937& random, const fs::path& folder, int levels) {
+    const auto number = [&](int most) { return std::uniform_int_distribution(0, most)(random); };
+    fs::create_directories(folder);
+    for (int count = number(6); count > 0; --count) {
+        const auto odd = oddNames()[static_cast<std::size_t>(number(static_cast<int>(oddNames().size()) - 1))];
+        const auto path = folder / (number(3) == 0 ? odd : (number(4) == 0 ? "." : "n") + std::to_string(number(50)));
+        if (fs::exists(fs::symlink_status(path))) {
+            continue;
+        }
+        switch (number(5)) {
+            case 0:
+                fs::create_symlink(number(1) == 0 ? "/" : "../..", path);
+                break;
+            case 1:
+                writeSparseFile(path, static_cast<std::uint64_t>(number(1'000'000'000)));
+                fs::create_hard_link(path, path.parent_path() / ("again" + std::to_string(number(1'000'000))));
+                break;
+            case 2:
+                writeFile(path, std::string(static_cast<std::size_t>(number(500)), 'x'));
+                break;
+            default:
+                if (levels > 0) {
+                    growRandomly(random, path, levels - 1);
+                }
+        }
+    }
+}
+
+}  // namespace
+
+TEST_F(CachesScan, ListsRandomFoldersByTheRules) {
+    std::mt19937 random(4711);
+    std::size_t items = 0;
+    for (int round = 0; round < 60; ++round) {
+        removeTree(home_);
+        growRandomly(random, caches_, 3);
+        for (int container = 0; container < round % 4; ++container) {
+            growRandomly(random, home_ / "Library/Containers" / std::to_string(container) / "Data/Library/Caches", 2);
+        }
+        const auto expected = expectedListing(home_);
+        EXPECT_EQ(listed(scan()), expected) << "in round " << round;
+        EXPECT_EQ(expectedCount_, static_cast<qint64>(expected.size()));
+        items += expected.size();
+    }
+    EXPECT_GT(items, 100U);
+}
+
+TEST_F(CachesScan, FindsInTheSampleHomeWhatItStates) {
+    const SampleHome sample(home_);
+    const auto before = fingerprint(home_);
+    std::multimap<std::string, std::uint64_t> expected;
+    for (const auto& entry : sample.cachesSection()) {
+        expected.insert({entry.name, entry.size});
+    }
+    std::multimap<std::string, std::uint64_t> found;
+    for (const auto& item : scan()) {
+        found.insert({item->pfname(), item->pfSize()});
+    }
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(fingerprint(home_), before);
+}
+
+TEST_F(CachesScan, ListsContainersAfterTheFolderUnderTheirOwnNames) {
+    writeFile(caches_ / "zz", "12345");
+    writeFile(home_ / "Library/Containers/com.a.app/Data/Library/Caches/inner/file", "1234567");
+    fs::create_directories(home_ / "Library/Containers/com.b.bare");
+    const auto items = scan();
+    ASSERT_EQ(items.size(), 3);
+    EXPECT_EQ(items[0]->pfname(), "zz");
+    EXPECT_THAT(listed(items),
+                testing::UnorderedElementsAre(testing::Pair(caches_ / "zz", testing::Pair("zz", 5U)),
+                                              testing::Pair(home_ / "Library/Containers/com.a.app/Data/Library/Caches",
+                                                            testing::Pair("com.a.app", 7U)),
+                                              testing::Pair(home_ / "Library/Containers/com.b.bare/Data/Library/Caches",
+                                                            testing::Pair("com.b.bare", 0U))));
+}
+
+TEST_F(CachesScan, GivesTheContainersAloneWhereThereIsNoFolderToList) {
+    fs::create_directories(home_ / "Library/Containers/com.a.app");
+    EXPECT_EQ(scan().size(), 1);  // the folder is missing
+    writeFile(caches_, "a file");
+    EXPECT_EQ(scan().size(), 1);
+    fs::remove(caches_);
+    writeFile(home_ / "Precious/diary", "12345");
+    fs::create_directory_symlink("../Precious", caches_);
+    EXPECT_EQ(scan().size(), 1);
+    EXPECT_EQ(expectedCount_, 1);
+}
+
+TEST_F(CachesScan, FinishesWithNothingInAnEmptyHome) {
+    fs::create_directories(home_);
+    EXPECT_TRUE(scan().isEmpty());
+    EXPECT_EQ(expectedCount_, 0);
+}
+
+TEST_F(CachesScan, LooksAtNoContentsThroughALink) {
+    makeLinks(caches_, folder_ / "outside");
+    makeLoops(caches_ / "loops");
+    fs::create_directories(home_ / "Library/Containers/com.a.app/Data");
+    fs::create_directory_symlink(folder_ / "outside", home_ / "Library/Containers/com.a.app/Data/Library");
+    writeFile(folder_ / "outside/Caches/file", "12345");
+    const auto listing = listed(scan());
+    EXPECT_EQ(listing.at(caches_ / "to folder").second, (folder_ / "outside/folder").native().size());
+    EXPECT_EQ(listing.at(home_ / "Library/Containers/com.a.app/Data/Library/Caches").second, 0U);
+}
+
+TEST_F(CachesScan, StopsWhenItIsCancelledAndStillReportsWhatItHas) {
+    makeWide(caches_, 50);
+    fs::create_directories(home_ / "Library/Containers/com.a.app");
+    int posts = 0;
+    const auto items = scan([&](SChOperation& operation) {
+        if (++posts == 3) {
+            operation.cancel();
+        }
+    });
+    EXPECT_EQ(posts, 3);
+    EXPECT_EQ(items.size(), 3);  // the fourth item was begun, and not finished
+}
+
+TEST_F(CachesScan, CopesWithAFolderThatGrowsAndShrinksMeanwhile) {
+    for (int number = 0; number < 30; ++number) {
+        writeFile(caches_ / std::to_string(number) / "file", "12345");
+    }
+    writeFile(home_ / "Library/Containers/com.a.app/Data/Library/Caches/file", "12345");
+    int posts = 0;
+    const auto items = scan([&](SChOperation&) {
+        if (++posts == 1) {
+            fs::remove_all(caches_);
+            fs::remove_all(home_ / "Library/Containers");
+        }
+        writeFile(caches_ / ("new" + std::to_string(posts)), "12345");
+    });
+    EXPECT_EQ(expectedCount_, 31);
+    const auto listing = listed(items);
+    EXPECT_EQ(listing.at(home_ / "Library/Containers/com.a.app/Data/Library/Caches").second, 0U);
+    int measured = 0;
+    for (const auto& [path, item] : listing) {
+        EXPECT_THAT(item.second, testing::AnyOf(0U, 5U)) << path;
+        measured += item.second == 5 && !item.first.native().starts_with("new") ? 1 : 0;
+    }
+    EXPECT_EQ(measured, 1);  // what was added before the first post; the rest had vanished
+}
+
+}  // namespace brimvault::tests
