@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+
+#include "ui/FAppDelegate.h"
+
+namespace brimvault::tests {
+
+/// Drives the real window as a user does: with the mouse and the keyboard, waiting for what it shows. Main thread.
+class Guide {
+public:
+    explicit Guide(ui::FAppDelegate& application) : application_(application) {}
+
+    /// Lets the program run until the condition holds; false when it does not within half a minute.
+    static bool waitFor(const std::function<bool()>& condition) {
+        constexpr int patience = 30000;
+        return QTest::qWaitFor(condition, patience);
+    }
+
+    static void click(QWidget* widget) { QTest::mouseClick(widget, Qt::LeftButton); }
+
+    /// Presses the button and waits until the scan that it starts has ended.
+    bool scan(QAbstractButton* button) {
+        click(button);
+        return waitFor([this] {
+            return !application_.pbScanning() && !application_.psectController().performer().pscaner().isScanning();
+        });
+    }
+
+    /// Presses "Clean", answers the question, and waits until the clean has ended.
+    bool clean(QMessageBox::StandardButton answer, const std::function<void(QMessageBox&)>& before = {}) {
+        answerNextQuestion(answer, before);
+        click(application_.window()->lists()->pbtnClean());
+        return waitFor([this] { return !application_.pbCleanning(); });
+    }
+
+    /// Answers the next message box as soon as it is there.
+    static void answerNextQuestion(QMessageBox::StandardButton answer,
+                                   const std::function<void(QMessageBox&)>& before = {}) {
+        constexpr int pause = 20;
+        QTimer::singleShot(pause, qApp, [answer, before] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (box == nullptr) {
+                answerNextQuestion(answer, before);
+                return;
+            }
+            if (before) {
+                before(*box);
+            }
+            click(box->button(answer));
+        });
+    }
+
+    [[nodiscard]] ui::TTableView* list() const {
+        for (auto* table : application_.window()->findChildren<ui::TTableView*>()) {
+            if (table->isVisible()) {
+                return table;
+            }
+        }
+        return nullptr;
+    }
+
+    /// The row of the list on show with that name; -1 for none.
+    [[nodiscard]] int row(const QString& name) const {
+        const auto* model = list()->model();
+        for (int row = 0; row < model->rowCount(); ++row) {
+            if (model->index(row, ui::ItemListModel::nameColumn).data().toString() == name) {
+                return row;
+            }
+        }
+        return -1;
+    }
+
+    /// A click in a cell of the list on show.
+    void clickCell(int row, int column) const {
+        const QRect place = list()->visualRect(list()->model()->index(row, column));
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place.center());
+    }
+
+    void clickHeader(int column) const {
+        auto* header = list()->horizontalHeader();
+        const QPoint place(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+                           header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
+    }
+
+private:
+    ui::FAppDelegate& application_;
+};
+
+}  // namespace brimvault::tests

@@ -1,0 +1,305 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <semaphore>
+
+#include "engine/FileSize.h"
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+#include "scanners/ScanBatches.h"
+#include "ui/DefaultsKeys.h"
+#include "ui/WindowFixture.h"
+
+namespace fs = std::filesystem;
+
+using namespace brimvault;
+using engine::FileSize;
+using tests::Guide;
+
+namespace {
+
+constexpr int logsRow = 2;
+const QString photos = QStringLiteral("com.vendor.photos");
+
+QString sizeText(quint64 bytes) { return FileSize::formatMemoryStringDot1(bytes); }
+
+// A scan of Caches that finds one item and then waits to be let on, or to be cancelled.
+class HeldScan final : public engine::SBaseOperation {
+public:
+    explicit HeldScan(std::counting_semaphore<>& letOn) : SBaseOperation(engine::Section::caches), letOn_(letOn) {}
+
+protected:
+    void main() override {
+        scanners::ScanBatches batches(section(), 2);
+        const auto item = engine::FFItem::initWithName("found", 1000);
+        item->setPpbDeletable(true);
+        batches.step();
+        batches.add(item);
+        batches.step();
+        while (!isCancelled() && !letOn_.try_acquire_for(std::chrono::milliseconds(5))) {
+        }
+        batches.postFinished();
+    }
+
+private:
+    std::counting_semaphore<>& letOn_;
+};
+
+class WindowJourney : public tests::WindowFixture {
+protected:
+    engine::ScanTable heldScans() {
+        engine::ScanTable table;
+        table.operations[engine::Section::caches] = [this] { return std::make_shared<HeldScan>(letOn_); };
+        return table;
+    }
+    /// Of all that the section holds before anything is cleaned.
+    quint64 total() const {
+        quint64 sum = 0;
+        for (const auto& entry : entries_) {
+            sum += entry.size;
+        }
+        return sum;
+    }
+    quint64 sizeOf(const QString& name) const {
+        for (const auto& entry : entries_) {
+            if (entry.name == name.toStdString()) {
+                return entry.size;
+            }
+        }
+        return 0;
+    }
+
+    const std::vector<tests::SampleHome::Entry> entries_ = home_.cachesSection();
+
+    std::counting_semaphore<> letOn_{0};
+};
+
+TEST_F(WindowJourney, ScanReviewClean) {
+    const auto outside = tests::fingerprint(home_.path(), {"Library/Caches", "Library/Containers"});
+    start();
+    EXPECT_TRUE(window()->startPage()->isVisible());
+    ASSERT_TRUE(guide_->scan(window()->startPage()->btnStartScanButton2()));
+
+    // Review: everything that holds something is listed, ticked, with its size.
+    QStringList expected;
+    for (const auto& entry : entries_) {
+        if (entry.size != 0) {
+            const QString name = QString::fromStdString(entry.name);
+            expected.append(name);
+            const int row = guide_->row(name);
+            ASSERT_GE(row, 0) << entry.name;
+            EXPECT_TRUE(isChecked(name)) << entry.name;
+            EXPECT_EQ(guide_->list()->model()->index(row, ui::ItemListModel::sizeColumn).data().toString(),
+                      sizeText(entry.size));
+        }
+    }
+    EXPECT_THAT(names(), testing::UnorderedElementsAreArray(expected));
+    EXPECT_EQ(status(), sizeText(total()) + QStringLiteral("|Selected of ") + sizeText(total()));
+    EXPECT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::Checked);
+
+    guide_->clickCell(guide_->row(photos), ui::ItemListModel::checkColumn);
+    EXPECT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::PartiallyChecked);
+    const quint64 selected = total() - sizeOf(photos);
+    EXPECT_EQ(subtitle(0), QStringLiteral("%1 of %2 Selected").arg(sizeText(selected), sizeText(total())));
+
+    clean();
+    EXPECT_EQ(alerts_.asked.back().message,
+              QStringLiteral("Are you sure you want to  completely delete the selected items?"));
+    EXPECT_EQ(names(), QStringList{photos});
+    EXPECT_EQ(status(), QStringLiteral("%1 cleaned|%1 cleaned in total").arg(sizeText(selected)));
+    EXPECT_EQ(defaults_->number(ui::defaults_key::totalCleanedSize), selected);
+    EXPECT_EQ(defaults_->number(ui::defaults_key::cleanNumber), 1U);
+
+    std::vector<std::string> left;
+    for (const auto& entry : fs::directory_iterator(caches())) {
+        left.push_back(entry.path().filename());
+    }
+    EXPECT_THAT(left, testing::UnorderedElementsAre(photos.toStdString(), tests::SampleHome::hiddenName));
+    EXPECT_EQ(tests::fingerprint(home_.path(), {"Library/Caches", "Library/Containers"}), outside);
+}
+
+TEST_F(WindowJourney, WithNothingSelectedThereIsNothingToClean) {
+    start();
+    scan();
+    EXPECT_TRUE(lists()->pbtnClean()->isEnabled());
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
+    EXPECT_EQ(lists()->plashka()->largeText(), QStringLiteral("Zero Bytes"));
+    EXPECT_TRUE(isSectionChecked(0)) << "emptying a list leaves its section ticked";
+    guide_->clickCell(0, ui::ItemListModel::checkColumn);
+    EXPECT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::PartiallyChecked);
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::Checked) << "a mixed state becomes all";
+}
+
+TEST_F(WindowJourney, TickingAnItemTicksItsSection) {
+    start();
+    scan();
+    clickSectionCheck(0);
+    EXPECT_FALSE(isSectionChecked(0));
+    EXPECT_FALSE(lists()->pbtnClean()->isEnabled()) << "nothing of a section that is not ticked is cleaned";
+    guide_->clickCell(0, ui::ItemListModel::checkColumn);
+    EXPECT_FALSE(isSectionChecked(0));
+    guide_->clickCell(0, ui::ItemListModel::checkColumn);
+    EXPECT_TRUE(isSectionChecked(0));
+}
+
+TEST_F(WindowJourney, ACancelledQuestionRemovesNothingButRemembersNotToAsk) {
+    const auto before = tests::fingerprint(home_.path());
+    start();
+    scan();
+    alerts_.answers.push_back({ui::AlertAnswer::secondButton, true});
+    Guide::click(lists()->pbtnClean());
+    EXPECT_FALSE(application_->pbCleanning());
+    EXPECT_EQ(tests::fingerprint(home_.path()), before);
+    Guide::click(lists()->pbtnClean());
+    EXPECT_EQ(alerts_.asked.size(), 1U) << "it was told not to ask again";
+    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
+    EXPECT_FALSE(fs::exists(caches() / photos.toStdString()));
+}
+
+TEST_F(WindowJourney, TheStatusPanelTellsWhatWasCleanedInThisRunOnly) {
+    start();
+    scan();
+    clean();
+    const QString freed = sizeText(total());
+    Guide::click(lists()->plashka());
+    EXPECT_EQ(status(), QStringLiteral("Zero Bytes|Selected of 0 B"));
+    quit();
+    start();
+    scan();
+    Guide::click(lists()->plashka());
+    EXPECT_EQ(status(), QStringLiteral("|%1 cleaned before").arg(freed));
+}
+
+TEST_F(WindowJourney, TheStatusPanelOfAFirstRunAsksToSelect) {
+    start();
+    scan();
+    Guide::click(lists()->plashka());
+    EXPECT_EQ(status(), QStringLiteral("|Select files to clean"));
+    Guide::click(lists()->plashka());
+    EXPECT_EQ(lists()->plashka()->smallText(), QStringLiteral("Selected of ") + sizeText(total()));
+}
+
+TEST_F(WindowJourney, WhatCannotBeRemovedStaysListedWithItsReason) {
+    start();
+    scan();
+    // A failure that the administrator meets too: the way to the items has become a link.
+    const fs::path moved = home_.path() / "Library" / "Moved";
+    fs::rename(caches(), moved);
+    fs::create_directory_symlink(moved, caches());
+    clean();
+    EXPECT_TRUE(fs::exists(moved / photos.toStdString())) << "nothing is removed through a link";
+    EXPECT_GE(guide_->row(photos), 0);
+    const auto& reasons = application_->notCleaned()[engine::Section::caches];
+    EXPECT_EQ(reasons.value(photos), QStringLiteral("Not a directory"));
+    EXPECT_FALSE(defaults_->number(ui::defaults_key::totalCleanedSize).value_or(0) > total() / 2);
+}
+
+TEST_F(WindowJourney, AStoppedScanKeepsWhatItFoundAndCanBeStartedAgain) {
+    start(heldScans());
+    Guide::click(scanButton());
+    EXPECT_TRUE(application_->pbScanning());
+    EXPECT_EQ(scanButton()->accessibleName(), QStringLiteral("Stop Scanning"));
+    ASSERT_TRUE(Guide::waitFor([this] { return guide_->list() != nullptr; }));
+    EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
+    EXPECT_FALSE(lists()->pbtnSelectAll()->isEnabled());
+    clickSectionCheck(0);
+    EXPECT_TRUE(isSectionChecked(0)) << "check boxes rest while a scan runs";
+
+    Guide::click(scanButton());
+    EXPECT_FALSE(application_->pbScanning()) << "the controls are back at once";
+    EXPECT_EQ(scanButton()->accessibleName(), QStringLiteral("Scan"));
+    Guide::click(scanButton());
+    EXPECT_TRUE(application_->pbScanning());
+    QTest::qWait(100);
+    EXPECT_TRUE(application_->pbScanning()) << "the end of the first scan is not that of the second";
+    letOn_.release();
+    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbScanning(); }));
+    EXPECT_EQ(names(), QStringList{QStringLiteral("found")});
+    EXPECT_TRUE(lists()->pbtnClean()->isEnabled());
+}
+
+TEST_F(WindowJourney, ClosingDuringAScanWaitsForItsReturn) {
+    start(heldScans());
+    Guide::click(scanButton());
+    EXPECT_FALSE(window()->close());
+    EXPECT_TRUE(window()->isVisible());
+    EXPECT_FALSE(window()->isEnabled());
+    EXPECT_TRUE(Guide::waitFor([this] { return !window()->isVisible(); }));
+    EXPECT_FALSE(application_->psectController().performer().pscaner().isScanning());
+}
+
+TEST_F(WindowJourney, ClosingDuringACleanRecordsWhatItFreed) {
+    start();
+    scan();
+    // The clean is held at its end until the window has been asked to close.
+    std::binary_semaphore asked{0};
+    const auto held = engine::NotificationCenter::defaultCenter().addObserver(
+        engine::vocabulary(engine::Section::caches).cleanFinished, [&](const auto&) { asked.acquire(); });
+    alerts_.answers.push_back(tests::agree);
+    Guide::click(lists()->pbtnClean());
+    ASSERT_TRUE(application_->pbCleanning());
+    EXPECT_EQ(lists()->plashka()->smallText(), QStringLiteral("Cleaning..."));
+    EXPECT_EQ(lists()->pbtnClean()->accessibleName(), QStringLiteral("Stop Cleaning"));
+    EXPECT_FALSE(scanButton()->isEnabled());
+    EXPECT_FALSE(window()->close());
+    asked.release();
+    EXPECT_TRUE(Guide::waitFor([this] { return !window()->isVisible(); }));
+    quint64 left = 0;
+    for (const auto& item : application_->psectController().getAppResDS().getCachesArray()) {
+        left += item->pfSize();
+        EXPECT_TRUE(item->pfSize() == 0 || fs::exists(fs::symlink_status(item->pfpath()))) << item->pfpath();
+    }
+    EXPECT_EQ(defaults_->number(ui::defaults_key::totalCleanedSize).value_or(0), total() - left);
+}
+
+TEST_F(WindowJourney, TheSelectedItemStaysSelectedAndItsNeighbourTakesItsPlace) {
+    start();
+    scan();
+    guide_->clickHeader(ui::ItemListModel::nameColumn);  // from Z
+    guide_->clickCell(guide_->row(photos), ui::ItemListModel::nameColumn);
+    const auto selectedName = [this] {
+        const auto rows = guide_->list()->selectionModel()->selectedRows(ui::ItemListModel::nameColumn);
+        return rows.isEmpty() ? QString() : rows.first().data().toString();
+    };
+    guide_->clickHeader(ui::ItemListModel::sizeColumn);
+    EXPECT_EQ(selectedName(), photos);
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(selectedName(), photos);
+
+    const int row = guide_->row(photos);
+    const QString next = guide_->list()->model()->index(row + 1, ui::ItemListModel::nameColumn).data().toString();
+    guide_->clickCell(row, ui::ItemListModel::checkColumn);  // only this one
+    clean();
+    EXPECT_EQ(guide_->row(photos), -1);
+    EXPECT_EQ(selectedName(), next);
+}
+
+TEST_F(WindowJourney, AnEmptyOrMissingCachesFolderIsSaid) {
+    tests::removeTree(caches());
+    tests::removeTree(home_.containers());
+    start();
+    scan();
+    EXPECT_EQ(guide_->list(), nullptr);
+    EXPECT_EQ(subtitle(0), QStringLiteral("No files found"));
+    EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
+    clickSection(logsRow);
+    EXPECT_EQ(subtitle(logsRow), QStringLiteral("Not Scanned")) << "not offered yet";
+}
+
+TEST_F(WindowJourney, OddNamesAreShownOnOneLineAndRemovedExactly) {
+    tests::removeTree(caches());
+    tests::removeTree(home_.containers());
+    const std::string odd = "line\nbreak \xff\xfe end";
+    tests::writeFile(caches() / odd, "12345");
+    start();
+    scan();
+    const QChar unknown = QChar::ReplacementCharacter;
+    EXPECT_EQ(names(), QStringList{QStringLiteral("line%1break %1%1 end").arg(unknown)});
+    clean();
+    EXPECT_TRUE(fs::is_empty(caches()));
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+"""An assistive client: finds the parts of the program's window by role and name, reads them and acts on them."""
+
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+
+PATIENCE = 30.0  # seconds; nothing that is waited for takes as long
+
+
+class Moved(Exception):
+    """What was looked at went while it was looked at."""
+
+
+def wait_for(what, probe):
+    """The first answer of the probe that is not false; fails, naming what was waited for, when none comes."""
+    deadline = time.monotonic() + PATIENCE
+    while time.monotonic() < deadline:
+        try:
+            answer = probe()
+        except (Moved, gi.repository.GLib.Error):
+            answer = None
+        if answer:
+            return answer
+        time.sleep(0.05)
+    raise AssertionError(f"{what} did not come")
+
+
+def children(node):
+    for index in range(node.get_child_count()):
+        child = node.get_child_at_index(index)
+        if child is not None:
+            yield child
+
+
+def find(node, role, name=None):
+    """The first part below with that role and, unless None, that name; None where there is none."""
+    for child in children(node):
+        if child.get_role_name() == role and name in (None, child.get_name()):
+            return child
+        found = find(child, role, name)
+        if found is not None:
+            return found
+    return None
+
+
+def has_state(node, state):
+    return node.get_state_set().contains(state)
+
+
+def act(node, action):
+    interface = node.get_action_iface()
+    for index in range(interface.get_n_actions()):
+        if interface.get_action_name(index) == action:
+            assert interface.do_action(index)
+            return
+    raise AssertionError(f"{node.get_role_name()} {node.get_name()!r} cannot {action}")
+
+
+class Window:
+    def __init__(self):
+        desktop = Atspi.get_desktop(0)
+        self.application = wait_for(
+            "the program", lambda: next((c for c in children(desktop) if c.get_name() == "Brimvault"), None)
+        )
+        self.frame = wait_for("the window", lambda: find(self.application, "frame", "Brimvault"))
+
+    def button(self, name):
+        return wait_for(f"button {name!r}", lambda: find(self.frame, "push button", name))
+
+    def press(self, name):
+        act(self.button(name), "Press")
+
+    def is_enabled(self, name):
+        return has_state(self.button(name), Atspi.StateType.ENABLED)
+
+    def section(self, title):
+        return wait_for(f"section {title!r}", lambda: find(find(self.frame, "list", "Sections"), "list item", title))
+
+    def table(self, title):
+        return wait_for(f"list {title!r}", lambda: find(self.frame, "table", title)).get_table_iface()
+
+    def rows(self, title):
+        """Name to (size text, checked, check cell) of every row."""
+        table = self.table(title)
+        rows = {}
+        for row in range(table.get_n_rows()):
+            check, name, size = (table.get_accessible_at(row, column) for column in (0, 2, 3))
+            if None in (check, name, size):
+                raise Moved
+            rows[name.get_name()] = (size.get_name(), has_state(check, Atspi.StateType.CHECKED), check)
+        return rows
+
+    def answer(self, button):
+        dialog = wait_for("a question", lambda: find(self.application, "alert") or find(self.application, "dialog"))
+        act(wait_for(f"button {button!r}", lambda: find(dialog, "push button", button)), "Press")

@@ -1,0 +1,148 @@
+// The tour: the real window over a sample home, from the start page to a clean, with a picture of each scene. It is
+// started with the sample home as the user's home folder and answers 0 only when the folders ended up as they should.
+
+#include <QApplication>
+#include <QDir>
+#include <filesystem>
+#include <iostream>
+#include <semaphore>
+#include <set>
+#include <string>
+
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+#include "journeys/Guide.h"
+#include "platform/LibraryURLs.h"
+#include "platform/System.h"
+#include "support/SampleHome.h"
+#include "ui/AlertPresenter.h"
+#include "ui/FAppDelegate.h"
+#include "ui/Look.h"
+#include "ui/ScanOperations.h"
+
+namespace {
+
+using namespace brimvault;
+namespace fs = std::filesystem;
+
+constexpr const char* spared = "com.vendor.photos";
+
+int failures = 0;
+
+void expect(bool holds, const std::string& what) {
+    if (!holds) {
+        std::cerr << "tour: not as it should be: " << what << '\n';
+        ++failures;
+    }
+}
+
+std::set<std::string> names(const fs::path& folder) {
+    std::set<std::string> found;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        found.insert(entry.path().filename());
+    }
+    return found;
+}
+
+class Camera {
+public:
+    explicit Camera(QString folder) : folder_(std::move(folder)) { QDir().mkpath(folder_); }
+
+    void take(QWidget* window, const QString& scene) const {
+        const QString file = QDir(folder_).filePath(scene + QStringLiteral(".png"));
+        expect(window->grab().save(file), "the picture " + file.toStdString() + " can be written");
+        std::cout << file.toStdString() << '\n';
+    }
+
+private:
+    QString folder_;
+};
+
+// Holds the scan at its eighth batch of results, so that a picture shows it under way.
+class Pause {
+public:
+    Pause()
+        : observation_(engine::NotificationCenter::defaultCenter().addObserver(
+              engine::vocabulary(engine::Section::caches).scanProgress, [this](const auto&) {
+                  constexpr int batches = 8;
+                  if (++seen_ == batches) {
+                      reached_.release();
+                      goOn_.acquire();
+                  }
+              })) {}
+
+    bool waitUntilReached() {
+        return tests::Guide::waitFor([this] { return reached_.try_acquire(); });
+    }
+    void end() { goOn_.release(); }
+
+private:
+    int seen_ = 0;
+    std::binary_semaphore reached_{0};
+    std::binary_semaphore goOn_{0};
+    engine::NotificationCenter::Observation observation_;
+};
+
+void scanScenes(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
+    auto* window = application.window();
+    camera.take(window, QStringLiteral("start"));
+    Pause pause;
+    tests::Guide::click(window->startPage()->btnStartScanButton2());
+    expect(pause.waitUntilReached(), "the scan reports progress");
+    expect(tests::Guide::waitFor([&] { return guide.list() != nullptr; }), "the list shows what was found so far");
+    guide.clickHeader(ui::ItemListModel::sizeColumn);
+    QTest::mouseMove(window);
+    QTest::qWait(200);  // what was handed over to the main thread is on show by then
+    camera.take(window, QStringLiteral("scanning"));
+    pause.end();
+    expect(tests::Guide::waitFor([&] { return !application.pbScanning(); }), "the scan ends");
+}
+
+void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
+    const int row = guide.row(QString::fromLatin1(spared));
+    expect(row >= 0, std::string("the list shows ") + spared);
+    guide.clickCell(row, ui::ItemListModel::checkColumn);
+    camera.take(application.window(), QStringLiteral("after-scan"));
+    const bool ended = guide.clean(QMessageBox::Ok, [&](QMessageBox& box) {
+        QTest::qWait(100);
+        camera.take(&box, QStringLiteral("confirm"));
+    });
+    expect(ended, "the clean ends");
+    QTest::mouseMove(application.window());
+    QTest::qWait(100);
+    camera.take(application.window(), QStringLiteral("cleaned"));
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication qt(argc, argv);
+    if (argc != 2) {
+        std::cerr << "usage: brimvault-tour PICTURES\n";
+        return 2;
+    }
+    const fs::path home = platform::homeFolder();
+    const fs::path caches = platform::LibraryURLs::getCachesFolderURL().value();
+    if (!fs::exists(home / tests::SampleHome::marker)) {
+        std::cerr << "brimvault-tour removes files and runs only over a sample home; " << home << " is none.\n";
+        return 2;
+    }
+    ui::look::apply();
+    const auto before = tests::fingerprint(home, {"Library/Caches", "Library/Containers", ".config"});
+
+    platform::UserDefaults defaults(platform::UserDefaults::standardFile());
+    ui::MessageBoxAlerts alerts;
+    ui::FAppDelegate application(ui::scanOperations(), engine::CleanTable::fileSections(), defaults, alerts);
+    application.applicationDidFinishLaunching();
+    tests::Guide guide(application);
+    const Camera camera(QString::fromLocal8Bit(argv[1]));
+    scanScenes(application, guide, camera);
+    reviewAndClean(application, guide, camera);
+
+    expect(names(caches) == std::set<std::string>{spared, tests::SampleHome::hiddenName},
+           "only what was unticked, and what is hidden, is left in the caches folder");
+    expect(tests::fingerprint(home, {"Library/Caches", "Library/Containers", ".config"}) == before,
+           "nothing outside was touched");
+    std::cout << (failures == 0 ? "The folders are as they should be.\n" : "The tour failed.\n");
+    return failures == 0 ? 0 : 1;
+}

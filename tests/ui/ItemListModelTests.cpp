@@ -1,0 +1,109 @@
+#include "ui/ItemListModel.h"
+
+#include <gmock/gmock.h>
+
+#include <QAbstractItemModelTester>
+#include <QItemSelectionModel>
+#include <random>
+
+using namespace brimvault;
+using testing::ElementsAre;
+using ui::ItemListModel;
+
+namespace {
+
+ItemListModel::Item makeItem(const std::string& name, quint64 size) {
+    auto item = engine::FFItem::initWithName(name, size);
+    item->setPpbDeletable(true);
+    return item;
+}
+
+class ItemListModelTest : public testing::Test {
+protected:
+    std::vector<std::string> names() const {
+        std::vector<std::string> found;
+        for (const auto& item : model_.items()) {
+            found.push_back(item->ppdisplayName().toStdString());
+        }
+        return found;
+    }
+
+    ItemListModel model_{{[](const engine::CleanableItem& item) { return item.ppdisplayName(); },
+                          [](const engine::CleanableItem&) { return QString(); },
+                          [](const engine::CleanableItem&) { return engine::IconSource(); }}};
+    QAbstractItemModelTester tester_{&model_, QAbstractItemModelTester::FailureReportingMode::Fatal};
+};
+
+TEST_F(ItemListModelTest, NamesStandInNaturalOrder) {
+    model_.setItems({makeItem("log 10", 1), makeItem("log 9", 1), makeItem("Log 1", 1), makeItem("alpha", 1)});
+    EXPECT_THAT(names(), ElementsAre("alpha", "Log 1", "log 9", "log 10"));
+}
+
+TEST_F(ItemListModelTest, NamesThatDifferOnlyBehindTheLastDotStandInTheOrderOfTheWholeName) {
+    model_.setItems({makeItem("com.vendor.mail", 1), makeItem("com.vendor.browser", 1), makeItem("com.vendor", 1)});
+    EXPECT_THAT(names(), ElementsAre("com.vendor", "com.vendor.browser", "com.vendor.mail"));
+}
+
+TEST_F(ItemListModelTest, SizesStandByValueAndChecksBeforeTheirNames) {
+    const QList<ItemListModel::Item> items = {makeItem("a", 900), makeItem("b", 10000), makeItem("c", 20)};
+    items[1]->setPpbChecked(false);
+    model_.setItems(items);
+    model_.sort(ItemListModel::sizeColumn, Qt::DescendingOrder);
+    EXPECT_THAT(names(), ElementsAre("b", "a", "c"));
+    model_.sort(ItemListModel::checkColumn, Qt::AscendingOrder);
+    EXPECT_THAT(names(), ElementsAre("b", "a", "c"));
+    model_.sort(ItemListModel::checkColumn, Qt::DescendingOrder);
+    EXPECT_THAT(names(), ElementsAre("a", "c", "b"));
+    model_.sort(ItemListModel::iconColumn, Qt::AscendingOrder);
+    EXPECT_THAT(names(), ElementsAre("a", "c", "b")) << "the icon column sorts nothing";
+}
+
+TEST_F(ItemListModelTest, ItemsGivenTwiceAreShownOnce) {
+    const auto item = makeItem("twice", 1);
+    model_.setItems({item, makeItem("once", 1), item});
+    EXPECT_THAT(names(), ElementsAre("once", "twice"));
+}
+
+TEST_F(ItemListModelTest, RowsKeepTheirSelectionWhateverComesGoesAndMoves) {
+    std::mt19937 random(7);
+    QList<ItemListModel::Item> pool;
+    for (int number = 0; number < 60; ++number) {
+        pool.append(makeItem("item " + std::to_string(number), random() % 1000 + 1));
+    }
+    const auto followed = pool[30];
+    model_.setItems(pool);
+    QItemSelectionModel selection(&model_);
+    selection.setCurrentIndex(model_.index(model_.rowOf(followed.get()), ItemListModel::nameColumn),
+                              QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    for (int round = 0; round < 200; ++round) {
+        QList<ItemListModel::Item> chosen = {followed};
+        for (const auto& item : pool) {
+            if (random() % 2 == 0) {
+                chosen.append(item);
+            }
+        }
+        std::shuffle(chosen.begin(), chosen.end(), random);
+        model_.setItems(chosen);
+        const int columns[] = {ItemListModel::checkColumn, ItemListModel::nameColumn, ItemListModel::sizeColumn};
+        model_.sort(columns[random() % 3], random() % 2 == 0 ? Qt::AscendingOrder : Qt::DescendingOrder);
+        ASSERT_EQ(selection.selectedRows().size(), 1);
+        ASSERT_EQ(model_.item(selection.selectedRows().first().row()), followed);
+        ASSERT_EQ(model_.item(selection.currentIndex().row()), followed);
+    }
+}
+
+TEST_F(ItemListModelTest, AChangeOfACheckIsAskedForAndRefusedWhileDisabled) {
+    model_.setItems({makeItem("a", 1)});
+    std::vector<std::pair<int, bool>> asked;
+    QObject::connect(&model_, &ItemListModel::checkRequested,
+                     [&](int row, bool checked) { asked.emplace_back(row, checked); });
+    const auto check = model_.index(0, ItemListModel::checkColumn);
+    EXPECT_TRUE(model_.setData(check, Qt::Unchecked, Qt::CheckStateRole));
+    EXPECT_TRUE(model_.item(0)->ppbChecked()) << "the owner decides";
+    model_.setEnabled(false);
+    EXPECT_FALSE(model_.setData(check, Qt::Unchecked, Qt::CheckStateRole));
+    EXPECT_FALSE(model_.flags(check).testFlag(Qt::ItemIsUserCheckable));
+    EXPECT_THAT(asked, ElementsAre(std::pair(0, false)));
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+#include <gmock/gmock.h>
+
+#include <QApplication>
+
+#include "ui/AccessibleItemView.h"
+#include "ui/Look.h"
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");  // windows without a display
+    }
+    QApplication application(argc, argv);
+    testing::InitGoogleMock(&argc, argv);
+    brimvault::ui::look::apply();
+    brimvault::ui::AccessibleItemView::install();
+    return RUN_ALL_TESTS();
+}
