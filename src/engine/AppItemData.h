@@ -18,6 +18,9 @@ namespace brimvault::engine {
 ///
 /// Localizations are grouped by the folder that holds them, groups and members in the order of discovery; what is
 /// counted and what is removed come from one walk over them, so the one that always stays in each folder is the same.
+///
+/// The scan's thread until it is posted, then the main thread; a clean calls `itemsToClean` on its own thread, while
+/// nothing on the main thread changes the localizations: those change when its end is heard.
 class AppItemData final : public CleanableItem {
 public:
     static std::shared_ptr<AppItemData> initWithName(const std::filesystem::path& path);

@@ -21,6 +21,10 @@ bool isOneName(const std::filesystem::path& name) {
 
 QString withoutSystemText() { return QCoreApplication::translate("Clean", "Can't remove file"); }
 
+QString reason(const files::RemovalOutcome& outcome) {
+    return outcome.failure ? QString::fromLocal8Bit(outcome.failure->text().c_str()) : withoutSystemText();
+}
+
 }  // namespace
 
 void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder,
@@ -54,11 +58,11 @@ void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std:
         notRemoved.insert(item->ppdisplayName(), withoutSystemText());
         return;
     }
-    const auto outcome = files::remove(path, stopToken());
+    const auto outcome = files::remove(path);  // whole or not at all: a cancel is seen between items
     if (outcome.end == files::RemovalEnd::gone) {
         removed.append(item);
-    } else if (outcome.failure) {
-        notRemoved.insert(item->ppdisplayName(), QString::fromLocal8Bit(outcome.failure->text().c_str()));
+    } else {
+        notRemoved.insert(item->ppdisplayName(), reason(outcome));
     }
 }
 

@@ -16,6 +16,7 @@ public:
     CPerformer(ScanTable scans, CleanTable cleans);
 
     [[nodiscard]] FScaner& pscaner() { return pscaner_; }
+    [[nodiscard]] const FScaner& pscaner() const { return pscaner_; }
     [[nodiscard]] FCutter& pcutter() { return pcutter_; }
     [[nodiscard]] FCleanProps& pclprops() { return *pclprops_; }
     [[nodiscard]] DataMan& pdata() { return pdata_; }

@@ -1,6 +1,10 @@
 #include "engine/FCutter.h"
 
-#include "engine/FileCleanOperations.h"
+#include "engine/CChOperation.h"
+#include "engine/CDwnOperation.h"
+#include "engine/CLogsOperation.h"
+#include "engine/CTrOperation.h"
+#include "engine/CompletionOperation.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
 

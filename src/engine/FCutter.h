@@ -48,11 +48,12 @@ public:
     /// Cancels everything and returns at once.
     void cancelCleanAll() { pCutQue_.cancelAllOperations(); }
     /// Cancel one section's clean and wait until it has returned. Block the caller.
-    void cancelCleanAppsRes() { cancelOperationByClass(pCutQue_, Section::languageResources); }
-    void cancelCleanDownloads() { cancelOperationByClass(pCutQue_, Section::downloads); }
-    void cancelCleanCaches() { cancelOperationByClass(pCutQue_, Section::caches); }
-    void cancelCleanTrash() { cancelOperationByClass(pCutQue_, Section::trash); }
-    void cancelCleanLogs() { cancelOperationByClass(pCutQue_, Section::logs); }
+    void cancelOperationByClass(Section section) { cancelSectionAndWait(pCutQue_, section); }
+    void cancelCleanAppsRes() { cancelOperationByClass(Section::languageResources); }
+    void cancelCleanDownloads() { cancelOperationByClass(Section::downloads); }
+    void cancelCleanCaches() { cancelOperationByClass(Section::caches); }
+    void cancelCleanTrash() { cancelOperationByClass(Section::trash); }
+    void cancelCleanLogs() { cancelOperationByClass(Section::logs); }
 
 private:
     void cleanFiles(Section section, const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);

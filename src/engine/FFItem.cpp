@@ -12,7 +12,7 @@ std::shared_ptr<FFItem> FFItem::initWithName(const std::filesystem::path& name, 
 }
 
 std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, quint64 nsz) {
-    auto item = initWithName(path.filename(), nsz);
+    auto item = initWithName(path.has_filename() ? path.filename() : path.parent_path().filename(), nsz);
     item->pfpath_ = path;
     return item;
 }

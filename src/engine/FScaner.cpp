@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/CompletionOperation.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
 
@@ -31,7 +32,7 @@ void FScaner::Scan(bool bApps, bool bDwn, bool bCache, bool bTrash, bool bLogs) 
 }
 
 void FScaner::scan(Section section, const std::shared_ptr<Operation>& done) {
-    cancelOperationByClass(pque_, section);
+    cancelOperationByClass(section);
     const auto& make = table_.operations[section];
     if (!make) {
         return;

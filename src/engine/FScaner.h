@@ -35,11 +35,12 @@ public:
     /// Cancels everything and returns at once.
     void cancelScanAll() { pque_.cancelAllOperations(); }
     /// Cancel one section's scan and wait until it has returned. Block the caller.
-    void cancelScanApplicationsResources() { cancelOperationByClass(pque_, Section::languageResources); }
-    void cancelScanDownloads() { cancelOperationByClass(pque_, Section::downloads); }
-    void cancelScanCaches() { cancelOperationByClass(pque_, Section::caches); }
-    void cancelScanTrash() { cancelOperationByClass(pque_, Section::trash); }
-    void cancelScanLogs() { cancelOperationByClass(pque_, Section::logs); }
+    void cancelOperationByClass(Section section) { cancelSectionAndWait(pque_, section); }
+    void cancelScanApplicationsResources() { cancelOperationByClass(Section::languageResources); }
+    void cancelScanDownloads() { cancelOperationByClass(Section::downloads); }
+    void cancelScanCaches() { cancelOperationByClass(Section::caches); }
+    void cancelScanTrash() { cancelOperationByClass(Section::trash); }
+    void cancelScanLogs() { cancelOperationByClass(Section::logs); }
 
     /// Whether the operation of any section has not yet returned.
     [[nodiscard]] bool isScanning() const;

@@ -54,11 +54,10 @@ bool FileManager::isAppPathInQuarantine(const std::filesystem::path& path) {
     return reads && (flags & userApproved) == 0;
 }
 
-std::uint64_t FileManager::physicalSizeOfFileAtPath(const std::filesystem::path& path) {
-    return sizeOfFile(path, [](const files::TreeSizes& sizes) { return sizes.allocated; });
-}
-
-std::uint64_t FileManager::logicalSizeOfFileAtPath(const std::filesystem::path& path) {
+std::uint64_t FileManager::sizeOfFileAtPath(const std::filesystem::path& path, FileProperty property) {
+    if (property == FileProperty::allocatedSize) {
+        return sizeOfFile(path, [](const files::TreeSizes& sizes) { return sizes.allocated; });
+    }
     return sizeOfFile(path, [](const files::TreeSizes& sizes) { return sizes.logical; });
 }
 

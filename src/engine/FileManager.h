@@ -13,8 +13,8 @@
 
 namespace brimvault::engine {
 
-/// Facts about files, for the engine and the lists. Every failure reads as 0, NO, nothing or empty; links are looked at
-/// themselves and never followed. Any thread.
+/// Facts about files, for the engine and the lists. Every failure reads as 0, NO, nothing or empty. A link is looked at
+/// itself; a folder's contents are measured only where no link leads to it. Any thread.
 class FileManager {
 public:
     /// YES when the item is locked against change; NO when that cannot be read.
@@ -27,10 +27,16 @@ public:
     /// YES when the application carries a quarantine mark that the user has not cleared.
     [[nodiscard]] static bool isAppPathInQuarantine(const std::filesystem::path& path);
 
-    /// Bytes on disk of a folder's contents; for a file its length.
-    [[nodiscard]] static std::uint64_t physicalSizeOfFileAtPath(const std::filesystem::path& path);
-    /// Length of a file, or of all files in a folder.
-    [[nodiscard]] static std::uint64_t logicalSizeOfFileAtPath(const std::filesystem::path& path);
+    /// Of what a folder's size is the sum, over everything in it that is no folder.
+    enum class FileProperty { allocatedSize, logicalSize };
+    /// The length of a file; for a folder the sum of the property over its contents.
+    [[nodiscard]] static std::uint64_t sizeOfFileAtPath(const std::filesystem::path& path, FileProperty property);
+    [[nodiscard]] static std::uint64_t physicalSizeOfFileAtPath(const std::filesystem::path& path) {
+        return sizeOfFileAtPath(path, FileProperty::allocatedSize);
+    }
+    [[nodiscard]] static std::uint64_t logicalSizeOfFileAtPath(const std::filesystem::path& path) {
+        return sizeOfFileAtPath(path, FileProperty::logicalSize);
+    }
     /// As the logical size, with what the file system states as the lengths of the folders inside.
     [[nodiscard]] static std::uint64_t fullSizeOfFileAtPath(const std::filesystem::path& path);
     [[nodiscard]] static std::int64_t numberOfFilesInFolder(const std::filesystem::path& path,

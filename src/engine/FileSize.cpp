@@ -1,6 +1,8 @@
 #include "engine/FileSize.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <iterator>
 
@@ -18,9 +20,16 @@ QString withUnit(const QString& number, std::size_t unit) {
     return number + QLatin1Char(' ') + QLatin1String(units[unit]);
 }
 
+// Rounded to the nearest, halves to the even digit, with a point in every locale.
+QString fixed(double value, int decimals) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.begin(), text.end(), value, std::chars_format::fixed, decimals).ptr;
+    return QString::fromLatin1(text.data(), end - text.data());
+}
+
 // At most that many decimals, none of them a trailing zero.
 QString number(double value, int decimals) {
-    QString text = QString::number(value, 'f', decimals);
+    QString text = fixed(value, decimals);
     while (text.endsWith(QLatin1Char('0'))) {
         text.chop(1);
     }
@@ -39,7 +48,7 @@ QString FileSize::formatMemoryStringDot0(quint64 bytes) {
     for (; value >= step && unit < terabytes; ++unit) {
         value /= step;
     }
-    return withUnit(QString::number(value, 'f', 0), unit);
+    return withUnit(fixed(value, 0), unit);
 }
 
 QString FileSize::formatMemoryStringDot1(quint64 bytes) {

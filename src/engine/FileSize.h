@@ -4,6 +4,8 @@
 #include <QtGlobal>
 #include <filesystem>
 
+#include "engine/Notification.h"
+
 namespace brimvault::engine {
 
 /// Texts for sizes, in decimal units (steps of 1000), the same in every locale. Any thread.
@@ -14,6 +16,14 @@ public:
     /// At most two decimals below 100 of a unit, at most one above, none that are zero; B to PB. What every size in the
     /// window is shown with.
     [[nodiscard]] static QString formatMemoryStringDot1(quint64 bytes);
+
+    /// The same for a number of a notification.
+    [[nodiscard]] static QString formatMemoryStringDot0NSnum(Number bytes) {
+        return formatMemoryStringDot0(static_cast<quint64>(bytes));
+    }
+    [[nodiscard]] static QString formatMemoryStringDot1NSnum(Number bytes) {
+        return formatMemoryStringDot1(static_cast<quint64>(bytes));
+    }
 
     /// The last component of the path as the file system presents it.
     [[nodiscard]] static QString getDisplayNameAtPath(const std::filesystem::path& path);

@@ -17,8 +17,9 @@ namespace brimvault::engine {
 /// Observers run on the posting thread, before `post` returns, in the order in which they were added. An observer that
 /// touches the model or the window hands over to the main thread without waiting: `addMainThreadObserver` does so.
 ///
-/// Once an Observation has ended its handler is not running and will not run, but for one case: a handler may end its
-/// own observation. A handler must not wait for another thread that posts or ends observations.
+/// Once an Observation has ended its handler is not running and will not run. Two exceptions: a handler may end its own
+/// observation; and what was already handed over to the main thread still runs there while its context lives. A handler
+/// must not wait for another thread that posts or ends observations.
 class NotificationCenter {
 public:
     using Handler = std::function<void(const Notification&)>;

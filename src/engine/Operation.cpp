@@ -1,6 +1,7 @@
 #include "engine/Operation.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace brimvault::engine {
 
@@ -20,8 +21,13 @@ bool Operation::isReady() const {
 }
 
 void Operation::run() {
-    if (!isCancelled()) {
+    if (isCancelled()) {
+        return;
+    }
+    // Nobody above could do anything about an exception, and what waits for the operation must go on.
+    try {
         main();
+    } catch (const std::exception&) {
     }
 }
 

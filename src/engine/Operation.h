@@ -49,14 +49,4 @@ private:
     bool finished_ = false;
 };
 
-/// No work of its own: finishes when everything that it depends on has, and then calls what it was given, also after
-/// it was cancelled.
-class CompletionOperation final : public Operation {
-public:
-    explicit CompletionOperation(std::function<void()> block) { setCompletionBlock(std::move(block)); }
-
-protected:
-    void main() override {}
-};
-
 }  // namespace brimvault::engine

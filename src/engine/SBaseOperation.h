@@ -11,7 +11,8 @@ namespace brimvault::engine {
 
 /// The base of every scan operation. Its `main`, on a thread of the scan queue, counts first
 /// (`initTopLevelItemsCount`), then collects, looking at `isCancelled` before each item, and always posts its section's
-/// finished notification with all it found, also after a cancel.
+/// finished notification with all it found, also when it is cancelled under way. (One that is cancelled before it began
+/// has found nothing, and does not run.)
 class SBaseOperation : public SectionOperation {
 public:
     using SectionOperation::SectionOperation;

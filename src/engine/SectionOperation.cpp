@@ -2,7 +2,7 @@
 
 namespace brimvault::engine {
 
-void cancelOperationByClass(OperationQueue& queue, Section section) {
+void cancelSectionAndWait(OperationQueue& queue, Section section) {
     queue.cancelAndWait([section](const Operation& operation) {
         const auto* ofSection = dynamic_cast<const SectionOperation*>(&operation);
         return ofSection != nullptr && ofSection->section() == section;

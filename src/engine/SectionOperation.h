@@ -6,7 +6,7 @@
 
 namespace brimvault::engine {
 
-/// An operation that works on one section; drivers tell their operations apart by it.
+/// An operation that works on one section; drivers tell their operations apart by it. Any thread.
 class SectionOperation : public Operation {
 public:
     explicit SectionOperation(Section section) : section_(section) {}
@@ -16,7 +16,7 @@ private:
     const Section section_;
 };
 
-/// Cancels every operation of the section on the queue, then waits for each to finish. Blocks the caller.
-void cancelOperationByClass(OperationQueue& queue, Section section);
+/// Cancels every operation of the section on the queue, then waits for each to finish. Any thread; blocks it.
+void cancelSectionAndWait(OperationQueue& queue, Section section);
 
 }  // namespace brimvault::engine

@@ -5,27 +5,9 @@
 #include <string>
 
 #include "files/StackCollection.h"
+#include "files/TreeVisitor.h"
 
 namespace brimvault::files {
-
-/// What a TreeWalk tells of the tree that it visits. Names are bytes, valid during the call.
-class TreeVisitor {
-public:
-    virtual ~TreeVisitor() = default;
-
-    /// A folder has been opened; its entries follow.
-    virtual void onFolderEntered(const NodeStatus& /*folder*/) {}
-    /// An entry that is no folder.
-    virtual void onFile(const DirectoryHandle& folder, const char* name) = 0;
-    /// Everything in the folder has been visited; the folder that holds it is given with its name there.
-    virtual void onFolderLeft(const DirectoryHandle& /*parent*/, const char* /*name*/) {}
-    /// A folder that could not be opened; code is an errno value, EXDEV where another mount begins.
-    virtual void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) = 0;
-    /// The listing of the folder where the walk is broke off with an errno value; what it gave is visited.
-    virtual void onListingBroken(int code) = 0;
-    /// The way back to a folder is lost, because a folder on it was moved away; nothing above is visited further.
-    virtual void onWayLost(const char* name, int code) = 0;
-};
 
 /// Visits a folder and everything in it, depth first, each folder's files before its subfolders.
 ///

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/RealSystem.h"
+#include "platform/SubstituteSystem.h"
 
 namespace brimvault::platform {
 

@@ -25,17 +25,4 @@ const System& system();
 /// the user database's, or "/Users/" and the login name where it has no record. Any thread.
 [[nodiscard]] std::filesystem::path homeFolder();
 
-/// Puts another system in the place of the real one for as long as it lives. For tests; while no other thread reads it.
-class SubstituteSystem {
-public:
-    explicit SubstituteSystem(System system);
-    SubstituteSystem(const SubstituteSystem&) = delete;
-    SubstituteSystem& operator=(const SubstituteSystem&) = delete;
-    ~SubstituteSystem();
-
-private:
-    System system_;
-    const System* before_;
-};
-
 }  // namespace brimvault::platform

@@ -5,7 +5,7 @@
 namespace brimvault::scanners {
 
 /// The home folder of the user who runs the process, as the user database has it, and the folders below it. Made on the
-/// first use; not changed afterwards.
+/// first use, not changed afterwards; any thread.
 class PathsGenerator {
 public:
     PathsGenerator() : m_sHomeDirectory_(findHomeDirectory()) {}

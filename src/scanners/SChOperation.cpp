@@ -33,7 +33,7 @@ void SChOperation::main() {
     initTopLevelItemsCount();
     ScanBatches batches(section(), nTopLevelItemsCount());
     collectCachesInfo(batches);
-    batches.postFinished();
+    batches.sendOperationCompleted();
 }
 
 void SChOperation::collectCachesInfo(ScanBatches& batches) const {

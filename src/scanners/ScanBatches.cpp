@@ -23,7 +23,7 @@ void ScanBatches::step() {
     if (static_cast<double>(sinceBatch_) < threshold || batch_.isEmpty()) {
         return;
     }
-    postProgress(percent());
+    tryUpdateProgress(percent());
     batch_.clear();
     sinceBatch_ = 0;
 }
@@ -41,7 +41,7 @@ qint64 ScanBatches::percent() const {
 }
 
 // The first batch is everything found so far and replaces what an earlier scan left in the model.
-void ScanBatches::postProgress(qint64 percent) const {
+void ScanBatches::tryUpdateProgress(qint64 percent) const {
     const auto words = engine::vocabulary(section_);
     const bool everything = batch_.size() == items_.size();
     NotificationCenter::defaultCenter().post(words.scanProgress,
@@ -50,7 +50,7 @@ void ScanBatches::postProgress(qint64 percent) const {
                                               {engine::key::progressPercent, percent}});
 }
 
-void ScanBatches::postFinished() const {
+void ScanBatches::sendOperationCompleted() const {
     const auto words = engine::vocabulary(section_);
     NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, items_}});
 }

@@ -21,12 +21,12 @@ public:
     void step();
     void add(const std::shared_ptr<engine::FFItem>& item);
     /// Posts the finished notification with everything that was added.
-    void postFinished() const;
+    void sendOperationCompleted() const;
 
     [[nodiscard]] const engine::ItemArray& items() const { return items_; }
 
 private:
-    void postProgress(qint64 percent) const;
+    void tryUpdateProgress(qint64 percent) const;
     /// Above 100 when more items are found than were expected.
     [[nodiscard]] qint64 percent() const;
 

@@ -4,7 +4,8 @@
 
 namespace brimvault::scanners {
 
-/// The same home folder, and the rule for paths that begin with "~/". Made on the first use; not changed afterwards.
+/// The same home folder, and the rule for paths that begin with "~/". Made on the first use, not
+/// changed afterwards; any thread.
 class SystemPathsGenerator {
 public:
     SystemPathsGenerator();

@@ -4,7 +4,8 @@
 #include <QHeaderView>
 #include <QTableView>
 
-#include "ui/AccessibleCells.h"
+#include "ui/AccessibleCell.h"
+#include "ui/AccessibleHeaderCell.h"
 #include "ui/SectionsTableView.h"
 #include "ui/TTableView.h"
 

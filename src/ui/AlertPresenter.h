@@ -30,10 +30,4 @@ public:
     virtual AlertAnswer runModal(const Alert& alert, QWidget* window) = 0;
 };
 
-/// Asks with a message box over the window.
-class MessageBoxAlerts final : public AlertPresenter {
-public:
-    AlertAnswer runModal(const Alert& alert, QWidget* window) override;
-};
-
 }  // namespace brimvault::ui

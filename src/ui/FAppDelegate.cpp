@@ -133,6 +133,11 @@ void FAppDelegate::mainThreadScanFinished() {
 }
 
 void FAppDelegate::scanFinished() {
+    for (const auto& controller : pDynControllers_) {
+        if (controller) {
+            controller->scanFinished();
+        }
+    }
     enableControlsScan(true);
     updateSelectAllCheck();
     window_->sidebar()->pbtnScan()->stopAnimation();

@@ -1,5 +1,6 @@
 #include "ui/ImageLoad.h"
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QPaintDevice>
 #include <QPainter>
@@ -18,6 +19,14 @@ QPixmap load(QLatin1String name, int scale) {
     return picture;
 }
 
+QHash<QString, QPixmap>& loadedPictures() {
+    static QHash<QString, QPixmap> pictures;
+    return pictures;
+}
+
+// Pictures must be gone before the application object is.
+void forgetPictures() { loadedPictures().clear(); }
+
 struct Span {
     qreal start;
     qreal length;
@@ -31,7 +40,10 @@ std::array<Span, 3> spans(qreal start, qreal length, qreal kept) {
 }  // namespace
 
 const QPixmap& ImageLoad::LoadPNGImage(QLatin1String name, qreal density) {
-    static QHash<QString, QPixmap> loaded;
+    auto& loaded = loadedPictures();
+    if (loaded.isEmpty()) {
+        qAddPostRoutine(forgetPictures);
+    }
     const int scale = density > 1.0 ? 2 : 1;
     const QString key = QString(name) + QChar(u'0' + scale);
     auto found = loaded.find(key);

@@ -40,6 +40,8 @@ public:
     /// Check boxes may be changed unless a clean runs.
     void updateCleaningState(bool cleaning);
     void updateTableKeepSelection();
+    /// Shows what there is: a scan that was stopped before it began has emptied the section and told nothing.
+    void scanFinished() { updateTableKeepSelection(); }
 
     /// Where the item lies, for what is done to it.
     [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;

@@ -1,7 +1,7 @@
 #include "ui/ItemListModel.h"
 
 #include <QLocale>
-#include <QSet>
+#include <QTextDocument>
 #include <algorithm>
 #include <numeric>
 
@@ -30,10 +30,21 @@ int compare(const Value& left, const Value& right) {
 ItemListModel::ItemListModel(Texts texts, QObject* parent)
     : QAbstractTableModel(parent), texts_(std::move(texts)), collator_(naturalOrder()) {}
 
+// While a scan goes on the list is given again and again, with a little more at its end each time; what stands there
+// already is not looked at anew.
 void ItemListModel::setItems(const QList<Item>& items) {
-    dropRowsNotIn(items);
-    appendNewRows(items);
-    sortRows();
+    const bool grown = items.size() >= shown_.size() && std::equal(shown_.begin(), shown_.end(), items.begin());
+    const QList<Item> added = grown ? items.mid(shown_.size()) : items;
+    shown_ = items;
+    if (!grown) {
+        dropRowsNotIn(items);
+    }
+    const std::size_t before = rows_.size();
+    if (!added.isEmpty()) {
+        appendNewRows(added);
+    }
+    // A change of a mark may have moved a row of a list that is sorted by marks.
+    sortRows(sortColumn_ == checkColumn ? 0 : before);
 }
 
 // Rows to go are moved to the end and dropped there at once: one change for the views, however they lay scattered.
@@ -49,21 +60,19 @@ void ItemListModel::dropRowsNotIn(const QList<Item>& items) {
     }
     permute(order);
     const auto kept = static_cast<int>(firstGone - order.begin());
+    for (auto row = rows_.begin() + kept; row != rows_.end(); ++row) {
+        known_.remove(row->item.get());
+    }
     beginRemoveRows({}, kept, static_cast<int>(rows_.size()) - 1);
     rows_.erase(rows_.begin() + kept, rows_.end());
     endRemoveRows();
 }
 
 void ItemListModel::appendNewRows(const QList<Item>& items) {
-    QSet<const engine::CleanableItem*> known;
-    known.reserve(items.size());
-    for (const auto& row : rows_) {
-        known.insert(row.item.get());
-    }
     std::vector<Row> added;
     for (const auto& item : items) {
-        if (!known.contains(item.get())) {
-            known.insert(item.get());
+        if (!known_.contains(item.get())) {
+            known_.insert(item.get());
             added.push_back(makeRow(item));
         }
     }
@@ -100,7 +109,7 @@ void ItemListModel::sort(int column, Qt::SortOrder order) {
     }
     sortColumn_ = column;
     sortOrder_ = order;
-    sortRows();
+    sortRows(0);
 }
 
 bool ItemListModel::isBefore(const Row& left, const Row& right) const {
@@ -118,12 +127,18 @@ bool ItemListModel::isBefore(const Row& left, const Row& right) const {
     return left.fullNameKey.compare(right.fullNameKey) < 0;  // equals stand in the order of their whole names
 }
 
-void ItemListModel::sortRows() {
+void ItemListModel::sortRows(std::size_t alreadySorted) {
+    if (alreadySorted == rows_.size()) {
+        return;
+    }
     std::vector<int> order(rows_.size());
     std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(), [this](int left, int right) {
+    const auto before = [this](int left, int right) {
         return isBefore(rows_[static_cast<std::size_t>(left)], rows_[static_cast<std::size_t>(right)]);
-    });
+    };
+    const auto tail = order.begin() + static_cast<std::ptrdiff_t>(alreadySorted);
+    std::stable_sort(tail, order.end(), before);
+    std::inplace_merge(order.begin(), tail, order.end(), before);
     permute(order);
 }
 
@@ -174,7 +189,8 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
     }
     const auto& shown = *item(index.row());
     if (role == Qt::ToolTipRole) {
-        return texts_.tooltip(shown);
+        const QString text = texts_.tooltip(shown);  // a name may look like markup, and is shown as it is
+        return text.isEmpty() ? QVariant() : Qt::convertFromPlainText(text, Qt::WhiteSpaceNoWrap);
     }
     switch (index.column()) {
         case checkColumn:

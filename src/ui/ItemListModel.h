@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QCollator>
+#include <QSet>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -71,13 +72,16 @@ private:
     [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;
     void dropRowsNotIn(const QList<Item>& items);
     void appendNewRows(const QList<Item>& items);
-    void sortRows();
+    /// Sorts what stands behind the rows that are sorted already, and merges the two.
+    void sortRows(std::size_t alreadySorted);
     /// Puts the row that is at `order[n]` to place n.
     void permute(const std::vector<int>& order);
 
     Texts texts_;
     QCollator collator_;
     std::vector<Row> rows_;
+    QSet<const engine::CleanableItem*> known_;  ///< the items of the rows
+    QList<Item> shown_;                         ///< as last given
     int sortColumn_ = nameColumn;
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
     bool enabled_ = true;

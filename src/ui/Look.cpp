@@ -16,7 +16,7 @@ constexpr qreal usualPixels = 15.0;
 constexpr qreal largestScale = 3.0;
 
 struct Typeface {
-    QFont base;
+    QString family;  ///< empty for the desktop's own
     qreal scale = 1.0;
 };
 
@@ -27,12 +27,11 @@ Typeface& typeface() {
 
 void chooseTypeface() {
     auto& chosen = typeface();
-    chosen.base = QApplication::font();
-    const auto pixels = static_cast<qreal>(QFontInfo(chosen.base).pixelSize());
+    const auto pixels = static_cast<qreal>(QFontInfo(QApplication::font()).pixelSize());
     chosen.scale = std::clamp(pixels / usualPixels, 1.0, largestScale);
     const QString preferred = QStringLiteral("Inter");
     if (QFontDatabase::families().contains(preferred)) {
-        chosen.base.setFamily(preferred);
+        chosen.family = preferred;
     }
 }
 
@@ -58,7 +57,10 @@ qreal textScale() { return typeface().scale; }
 int scaled(int points) { return qRound(points * textScale()); }
 
 QFont font(qreal points, QFont::Weight weight) {
-    QFont result = typeface().base;
+    QFont result = QApplication::font();
+    if (!typeface().family.isEmpty()) {
+        result.setFamily(typeface().family);
+    }
     // A type size in whole pixels keeps the outlines sharp; halves are for the small texts of the drawings.
     result.setPixelSize(qRound(points * textScale()));
     result.setWeight(weight);

@@ -13,8 +13,7 @@ struct TextData {
     QString subtitle;
 };
 
-/// The rows of the section list. A row's check state can be changed while nothing runs; whether it may be is asked of
-/// the owner. Main thread.
+/// The rows of the section list. A row's check state can be changed while its owner allows it. Main thread.
 class SectionListModel final : public QAbstractListModel {
     Q_OBJECT
 

@@ -141,7 +141,7 @@ void SectionsTableView::mousePressEvent(QMouseEvent* event) {
 }
 
 void SectionsTableView::mouseReleaseEvent(QMouseEvent* event) {
-    const QModelIndex pressed = std::exchange(pressedCheck_, QModelIndex());
+    const QModelIndex pressed = std::exchange(pressedCheck_, QPersistentModelIndex());
     if (!pressed.isValid()) {
         QListView::mouseReleaseEvent(event);
         return;

@@ -16,7 +16,7 @@ public:
     /// Where a row's check box reacts, in the view's coordinates.
     [[nodiscard]] QRect checkRect(const QModelIndex& index) const;
     /// The row whose check box is held down; invalid for none.
-    [[nodiscard]] const QModelIndex& pressedCheck() const { return pressedCheck_; }
+    [[nodiscard]] QModelIndex pressedCheck() const { return pressedCheck_; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -27,7 +27,7 @@ protected:
 private:
     void toggle(const QModelIndex& index);
 
-    QModelIndex pressedCheck_;
+    QPersistentModelIndex pressedCheck_;  ///< follows its row, which may move while the button is held
 };
 
 }  // namespace brimvault::ui

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QSignalBlocker>
+#include <QStyle>
 
 #include "ui/CheckPicture.h"
 #include "ui/FocusRing.h"

@@ -160,7 +160,7 @@ void TSectionViewController::doStartClean() {
         return;
     }
     lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
-    if (!isRemovalConfirmed()) {
+    if (!isRemovalConfirmed() || !isStillWhatWasAsked()) {
         return;
     }
     pAppDelegate_.setPbCleanning(true);
@@ -181,6 +181,13 @@ bool TSectionViewController::isRemovalConfirmed() {
         defaults_.setBoolean(defaults_key::suppressRemovalAlert, true);
     }
     return answer.returnCode == AlertAnswer::firstButton;
+}
+
+// While the question was open, a scan may have begun, or the end of one that was stopped may have brought more items.
+// The user agreed to what was on show.
+bool TSectionViewController::isStillWhatWasAsked() const {
+    return !pAppDelegate_.pbScanning() && !pAppDelegate_.pbCleanning() && !performer_.pscaner().isScanning() &&
+           static_cast<qint64>(getSize2CleanALLSel()) == lastCleanedSize_;
 }
 
 void TSectionViewController::cleanFinished() {

@@ -74,6 +74,7 @@ private:
     void showChecks();
     void checkClicked(int row, bool checked);
     [[nodiscard]] bool isRemovalConfirmed();
+    [[nodiscard]] bool isStillWhatWasAsked() const;
     void addCleanedSizeToDefaults(quint64 freed);
 
     SectionsTableView& ptableView_;

@@ -76,7 +76,7 @@ void TTableView::mousePressEvent(QMouseEvent* event) {
 
 void TTableView::mouseReleaseEvent(QMouseEvent* event) {
     QTableView::mouseReleaseEvent(event);
-    const QModelIndex pressed = std::exchange(pressedCheck_, QModelIndex());
+    const QModelIndex pressed = std::exchange(pressedCheck_, QPersistentModelIndex());
     if (pressed.isValid()) {
         viewport()->update();
         if (indexAt(event->position().toPoint()) == pressed) {

@@ -14,7 +14,7 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
     /// The cell whose check box is held down; invalid for none.
-    [[nodiscard]] const QModelIndex& pressedCheck() const { return pressedCheck_; }
+    [[nodiscard]] QModelIndex pressedCheck() const { return pressedCheck_; }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -29,7 +29,7 @@ private:
     /// Assistive clients remember what stood in a place; after a sort they are to ask anew.
     void tellRowsReordered();
 
-    QModelIndex pressedCheck_;
+    QPersistentModelIndex pressedCheck_;  ///< follows its row, which may move while the button is held
 };
 
 }  // namespace brimvault::ui

@@ -2,9 +2,9 @@
 
 #include "platform/UserDefaults.h"
 #include "ui/AccessibleItemView.h"
-#include "ui/AlertPresenter.h"
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
+#include "ui/MessageBoxAlerts.h"
 #include "ui/ScanOperations.h"
 
 int main(int argc, char* argv[]) {

@@ -5,8 +5,11 @@
 #include <cerrno>
 #include <system_error>
 
+#include "engine/CChOperation.h"
+#include "engine/CDwnOperation.h"
+#include "engine/CLogsOperation.h"
+#include "engine/CTrOperation.h"
 #include "engine/FCutter.h"
-#include "engine/FileCleanOperations.h"
 #include "engine/Notifications.h"
 #include "engine/OperationQueue.h"
 #include "engine/ProtectedFolders.h"

@@ -115,10 +115,10 @@ TEST(OperationQueue, CancelsAndAwaitsTheChosenOnesAlone) {
             otherCancelled = own.isCancelled();
         },
         Section::trash));
-    cancelOperationByClass(queue, Section::caches);
+    cancelSectionAndWait(queue, Section::caches);
     EXPECT_TRUE(chosenEnded);
     EXPECT_EQ(queue.operations().size(), 1U);
-    cancelOperationByClass(queue, Section::logs);
+    cancelSectionAndWait(queue, Section::logs);
     go.release();
     EXPECT_TRUE(runUntil([&] { return queue.operations().empty(); }));
     EXPECT_FALSE(otherCancelled);

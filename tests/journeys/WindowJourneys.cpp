@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QTextDocument>
 #include <filesystem>
 #include <fstream>
 #include <semaphore>
@@ -39,7 +40,7 @@ protected:
         batches.step();
         while (!isCancelled() && !letOn_.try_acquire_for(std::chrono::milliseconds(5))) {
         }
-        batches.postFinished();
+        batches.sendOperationCompleted();
     }
 
 private:
@@ -157,6 +158,59 @@ TEST_F(WindowJourney, ACancelledQuestionRemovesNothingButRemembersNotToAsk) {
     EXPECT_EQ(alerts_.asked.size(), 1U) << "it was told not to ask again";
     ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
     EXPECT_FALSE(fs::exists(caches() / photos.toStdString()));
+}
+
+TEST_F(WindowJourney, OnlyWhatWasOnShowWhenTheQuestionWasAskedIsRemoved) {
+    start();
+    scan();
+    const auto before = tests::fingerprint(home_.path());
+    // While the question is open something arrives, as from a scan that was stopped and is still returning.
+    alerts_.whileOpen = [this] {
+        auto late = engine::FFItem::initWithName("late", 1000);
+        late->setPpbDeletable(true);
+        application_->psectController().getAppResDS().add2CachesArray(engine::ItemArray{late});
+    };
+    alerts_.answers.push_back(tests::agree);
+    Guide::click(lists()->pbtnClean());
+    EXPECT_FALSE(application_->pbCleanning());
+    EXPECT_EQ(tests::fingerprint(home_.path()), before);
+}
+
+TEST_F(WindowJourney, AScanThatBeginsUnderTheQuestionKeepsTheCleanFromStarting) {
+    start(heldScans());
+    letOn_.release();
+    scan();
+    alerts_.whileOpen = [this] { application_->psectController().doStartScan(); };
+    alerts_.answers.push_back(tests::agree);
+    Guide::click(lists()->pbtnClean());
+    EXPECT_TRUE(application_->pbScanning());
+    EXPECT_FALSE(application_->pbCleanning());
+}
+
+TEST_F(WindowJourney, APressedCheckBoxStaysWithItsItemWhenRowsMove) {
+    start();
+    scan();
+    const int row = guide_->row(photos);
+    const QRect place = guide_->list()->visualRect(guide_->list()->model()->index(row, ui::ItemListModel::checkColumn));
+    QTest::mousePress(guide_->list()->viewport(), Qt::LeftButton, {}, place.center());
+    guide_->list()->model()->sort(ui::ItemListModel::nameColumn, Qt::DescendingOrder);
+    ASSERT_NE(guide_->row(photos), row);
+    QTest::mouseRelease(guide_->list()->viewport(), Qt::LeftButton, {}, place.center());
+    for (const QString& name : names()) {
+        EXPECT_TRUE(isChecked(name)) << name.toStdString() << " was not under the button when it was pressed";
+    }
+}
+
+TEST_F(WindowJourney, TooltipsShowNamesThatLookLikeMarkupAsTheyAre) {
+    const std::string markup = "<b>bold &amp; <br>";
+    tests::writeFile(caches() / markup, "12345");
+    start();
+    scan();
+    const auto index = guide_->list()->model()->index(guide_->row(QString::fromStdString(markup)), 0);
+    const QString tooltip = index.data(Qt::ToolTipRole).toString();
+    QTextDocument document;
+    document.setHtml(tooltip);
+    EXPECT_EQ(document.toPlainText(), QString::fromStdString((caches() / markup).native()));
 }
 
 TEST_F(WindowJourney, TheStatusPanelTellsWhatWasCleanedInThisRunOnly) {

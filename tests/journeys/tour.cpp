@@ -15,9 +15,9 @@
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
 #include "support/SampleHome.h"
-#include "ui/AlertPresenter.h"
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
+#include "ui/MessageBoxAlerts.h"
 #include "ui/ScanOperations.h"
 
 namespace {

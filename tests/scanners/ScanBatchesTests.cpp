@@ -34,7 +34,7 @@ Reported scan(int found, qint64 expected) {
         batches.step();
         batches.add(FFItem::initWithName(std::to_string(number), 1));
     }
-    batches.postFinished();
+    batches.sendOperationCompleted();
 
     Reported reported;
     for (const auto& notification : heard.all()) {

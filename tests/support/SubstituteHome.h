@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/System.h"
+#include "platform/SubstituteSystem.h"
 
 namespace brimvault::tests {
 

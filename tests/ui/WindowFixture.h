@@ -10,7 +10,7 @@
 #include "engine/FFItem.h"
 #include "engine/SBaseOperation.h"
 #include "journeys/Guide.h"
-#include "platform/System.h"
+#include "platform/SubstituteSystem.h"
 #include "platform/UserDefaults.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/SChOperation.h"
@@ -26,6 +26,9 @@ class ToldAlerts final : public ui::AlertPresenter {
 public:
     ui::AlertAnswer runModal(const ui::Alert& alert, QWidget* /*window*/) override {
         asked.push_back(alert);
+        if (whileOpen) {
+            whileOpen();
+        }
         if (answers.empty()) {
             return {};
         }
@@ -36,6 +39,7 @@ public:
 
     std::deque<ui::AlertAnswer> answers;
     std::vector<ui::Alert> asked;
+    std::function<void()> whileOpen;  ///< what happens while a question is open
 };
 
 inline constexpr ui::AlertAnswer agree{ui::AlertAnswer::firstButton, false};

@@ -89,7 +89,7 @@ std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() {
             downloads = *named;
         }
     }
-    return standardFolder(downloads);
+    return standardFolder(downloads);  // naming the home folder is the way to have no such folder
 }
 
 std::optional<fs::path> LibraryURLs::getTrashFolderURL() { return homeFolder() / ".Trash"; }

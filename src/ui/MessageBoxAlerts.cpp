@@ -1,4 +1,4 @@
-#include "ui/AlertPresenter.h"
+#include "ui/MessageBoxAlerts.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/CBaseOperation2.h"
+#include "platform/LibraryURLs.h"
+
+namespace brimvault::engine {
+
+/// Cleans what is ticked of the user's caches folder and of containers. Queued once; works on the clean queue's thread.
+class CChOperation final : public CBaseOperation2 {
+public:
+    explicit CChOperation(const ItemArray& items) : CBaseOperation2(Section::caches, items) {}
+
+protected:
+    void main() override { cleanAndPost(platform::LibraryURLs::getCachesFolderURL()); }
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/CBaseOperation2.h"
+#include "platform/LibraryURLs.h"
+
+namespace brimvault::engine {
+
+/// Cleans what is ticked of the Downloads folder. Queued once; works on the clean queue's thread.
+class CDwnOperation final : public CBaseOperation2 {
+public:
+    explicit CDwnOperation(const ItemArray& items) : CBaseOperation2(Section::downloads, items) {}
+
+protected:
+    void main() override { cleanAndPost(platform::LibraryURLs::getDownloadsFolderURL()); }
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/CBaseOperation2.h"
+
+namespace brimvault::engine {
+
+/// Cleans what is ticked of the logs, whose items carry their paths, since they lie in several folders. Queued once;
+/// works on the clean queue's thread.
+class CLogsOperation final : public CBaseOperation2 {
+public:
+    explicit CLogsOperation(const ItemArray& items) : CBaseOperation2(Section::logs, items) {}
+
+protected:
+    void main() override { cleanAndPost(std::nullopt); }
+};
+
+}  // namespace brimvault::engine

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/CBaseOperation2.h"
+#include "platform/LibraryURLs.h"
+
+namespace brimvault::engine {
+
+/// Cleans what is ticked of the Trash. Queued once; works on the clean queue's thread.
+class CTrOperation final : public CBaseOperation2 {
+public:
+    explicit CTrOperation(const ItemArray& items) : CBaseOperation2(Section::trash, items) {}
+
+protected:
+    void main() override { cleanAndPost(platform::LibraryURLs::getTrashFolderURL()); }
+};
+
+}  // namespace brimvault::engine

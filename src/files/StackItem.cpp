@@ -1,0 +1,17 @@
+#include "files/StackItem.h"
+
+namespace brimvault::files {
+
+std::string FolderReference::takePendingFolder() {
+    if (pendingFolders.empty()) {
+        return {};
+    }
+    pendingFolders.pop_back();  // the zero byte that ends the last name
+    const auto before = pendingFolders.rfind('\0');
+    const auto start = before == std::string::npos ? 0 : before + 1;
+    std::string taken = pendingFolders.substr(start);
+    pendingFolders.resize(start);
+    return taken;
+}
+
+}  // namespace brimvault::files

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ui/AccessiblePlace.h"
+
+namespace brimvault::ui {
+
+/// The header of a column, which sorts by it when pressed; or the empty one of a row.
+class AccessibleHeaderCell final : public AccessiblePlace {
+public:
+    using AccessiblePlace::AccessiblePlace;
+
+    [[nodiscard]] bool isValid() const override { return true; }
+    [[nodiscard]] QString text(QAccessible::Text kind) const override;
+    [[nodiscard]] QRect rect() const override;
+    [[nodiscard]] QAccessible::Role role() const override;
+    [[nodiscard]] QAccessible::State state() const override;
+
+    [[nodiscard]] QStringList actionNames() const override;
+    void doAction(const QString& action) override;
+};
+
+}  // namespace brimvault::ui
