@@ -32,7 +32,8 @@ bool isProtectedFolder(const std::filesystem::path& path) {
     }
     using platform::LibraryURLs;
     for (const auto& root : {std::optional(platform::homeFolder()), LibraryURLs::getCachesFolderURL(),
-                             LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL()}) {
+                             LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL(),
+                             std::optional(LibraryURLs::getPreferencesFolderURL())}) {
         if (root && isOrHolds(item->identity, *root)) {
             return true;
         }

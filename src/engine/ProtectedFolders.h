@@ -5,7 +5,8 @@
 namespace brimvault::engine {
 
 /// Whether the path names a folder that no list of items can rightly hold: a section's own root folder, the home
-/// folder, or one that holds either. Compared by what the folders are, not by how they are spelled. Any thread.
+/// folder, the program's settings, or one that holds any of them. Compared by what the folders are, not by how they are
+/// spelled. Any thread.
 [[nodiscard]] bool isProtectedFolder(const std::filesystem::path& path);
 
 }  // namespace brimvault::engine

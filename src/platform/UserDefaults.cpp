@@ -2,8 +2,10 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringDecoder>
 #include <algorithm>
+#include <limits>
 
 #include "platform/LibraryURLs.h"
 
@@ -15,11 +17,12 @@ enum class FileState { usable, damaged, unreadable };
 
 // Settings are plain text. What holds anything else would be read as if it were, and be lost with the next change.
 FileState stateOf(const QString& name) {
-    QFile file(name);
-    if (!file.exists()) {
+    const QFileInfo info(name);
+    if (!info.exists() && !info.isSymLink()) {
         return FileState::usable;
     }
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file(name);
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {  // opening a pipe would wait for whoever writes to it
         return FileState::unreadable;
     }
     QStringDecoder decoder(QStringDecoder::Utf8);
@@ -47,10 +50,12 @@ bool moveAside(const QString& file) {
 UserDefaults::UserDefaults(const std::filesystem::path& file) {
     const QString name = QFile::decodeName(file.c_str());
     const FileState state = stateOf(name);
-    settings_ = openSettings(name);
     if (state == FileState::unreadable) {
         writable_ = false;
-    } else if (state == FileState::damaged || settings_->status() == QSettings::FormatError) {
+        return;
+    }
+    settings_ = openSettings(name);
+    if (state == FileState::damaged || settings_->status() == QSettings::FormatError) {
         settings_.reset();
         writable_ = moveAside(name);
         settings_ = openSettings(name);
@@ -81,11 +86,17 @@ void UserDefaults::setBoolean(const QString& key, bool value) {
     write(key, value ? QStringLiteral("true") : QStringLiteral("false"));
 }
 
-void UserDefaults::increase(const QString& key) { setNumber(key, number(key).value_or(0) + 1); }
+void UserDefaults::increase(const QString& key) {
+    const quint64 before = number(key).value_or(0);
+    setNumber(key, before == std::numeric_limits<quint64>::max() ? before : before + 1);
+}
 
 QString UserDefaults::text(const QString& key) const {
     const auto unsaved = unsaved_.constFind(key);
-    return unsaved == unsaved_.constEnd() ? settings_->value(key).toString() : *unsaved;
+    if (unsaved != unsaved_.constEnd()) {
+        return *unsaved;
+    }
+    return settings_ ? settings_->value(key).toString() : QString();
 }
 
 void UserDefaults::write(const QString& key, const QString& value) {

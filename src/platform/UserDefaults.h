@@ -35,7 +35,7 @@ private:
     [[nodiscard]] QString text(const QString& key) const;
     void write(const QString& key, const QString& value);
 
-    std::unique_ptr<QSettings> settings_;
+    std::unique_ptr<QSettings> settings_;  ///< null when the file cannot be read
     bool writable_ = true;
     QMap<QString, QString> unsaved_;  ///< what was set while the file must not be touched
 };

@@ -1,6 +1,7 @@
 #include "platform/UserDefaults.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
@@ -107,6 +108,17 @@ TEST(UserDefaults, LeaveAnEmptyFileWhereItIs) {
     UserDefaults(folder / "defaults.ini").setNumber(counter, 7);
     EXPECT_EQ(keptAside(folder / "defaults.ini").size(), 0U);
     EXPECT_EQ(UserDefaults(folder / "defaults.ini").number(counter), 7U);
+}
+
+TEST(UserDefaults, NeitherWaitForAPipeNorReplaceIt) {
+    const TemporaryFolder folder;
+    const auto file = folder / "defaults.ini";
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    UserDefaults defaults(file);
+    EXPECT_EQ(defaults.number(counter), std::nullopt);
+    defaults.increase(counter);
+    EXPECT_EQ(defaults.number(counter), 1U);
+    EXPECT_TRUE(fs::is_fifo(file));
 }
 
 TEST(UserDefaults, NeverLoseAFileThatMayNotBeRead) {
