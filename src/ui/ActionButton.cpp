@@ -5,6 +5,7 @@
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -89,14 +90,14 @@ void ActionButton::paintEvent(QPaintEvent* /*event*/) {
     const qreal textWidth = fontMetrics().horizontalAdvance(text());
     const qreal width = textWidth + (isAnimated() ? spinnerGap + spinnerSize : 0);
     const qreal left = std::max(face.left() + spinnerGap, face.center().x() - width / 2);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, qRound(face.width() - 2 * spinnerGap));
+    const qreal room = std::min(textWidth + 1, face.width() - 2 * spinnerGap);
     painter.setPen(textColor());
-    painter.drawText(QRectF(left, face.top(), textWidth + 1, face.height()), Qt::AlignVCenter | Qt::AlignLeft, shown);
+    drawTextLine(painter, QRectF(left, face.top(), room, face.height()).toRect(), Qt::AlignLeft, font(), text());
     if (isAnimated()) {
         drawSpinner(painter,
                     {left + textWidth + spinnerGap, face.center().y() - spinnerSize / 2, spinnerSize, spinnerSize});
     }
-    if (hasFocus()) {
+    if (isFocusShown(this)) {
         drawFocusRing(painter, face, cornerRadius);
     }
 }

@@ -16,7 +16,7 @@ QString countText(qsizetype items, bool more) {
     if (items == 1) {
         return more ? FAppDelegate::tr("1 item so far") : FAppDelegate::tr("1 item");
     }
-    return (more ? FAppDelegate::tr("%1 items so far") : FAppDelegate::tr("%1 items")).arg(items);
+    return (more ? FAppDelegate::tr("%1 items so far") : FAppDelegate::tr("%1 items")).arg(QLocale().toString(items));
 }
 
 }  // namespace
@@ -166,6 +166,7 @@ void FAppDelegate::cleanStarted() {
 }
 
 void FAppDelegate::cleanFinished() {
+    const bool focusGoes = window_->lists()->pbtnClean()->hasFocus();
     psectController_->cleanFinished();
     updateCleaningStateForControllers();
     enableControlsClean(true);
@@ -173,6 +174,19 @@ void FAppDelegate::cleanFinished() {
     window_->lists()->pbtnClean()->stopAnimation();
     setPlashkaToSelectedState(false);
     showTitle();
+    if (focusGoes && !window_->lists()->pbtnClean()->isEnabled()) {
+        focusWhatIsNext();
+    }
+}
+
+// To the list where there is one, as the button that had the focus can do nothing more.
+void FAppDelegate::focusWhatIsNext() {
+    auto* current = getCurrentSectionController();
+    if (current != nullptr && current->hasItems()) {
+        current->view()->setFocus();
+    } else {
+        window_->sidebar()->pbtnScan()->setFocus();
+    }
 }
 
 void FAppDelegate::updateCleaningStateForControllers() {
@@ -235,7 +249,10 @@ void FAppDelegate::createController(int row) {
     }
     if (slot) {
         window_->lists()->addList(slot->view());
-        connect(slot.get(), &ItemListController::tableUpdated, this, &FAppDelegate::showTitle);
+        connect(slot.get(), &ItemListController::tableUpdated, this, [this] {
+            showTitle();
+            updateSelectAllButton();
+        });
         updateCleaningStateForControllers();
     }
 }

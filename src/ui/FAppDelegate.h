@@ -69,6 +69,7 @@ private:
     void setImgs4Scan(bool idle);
     void setImgs4Clean(bool idle);
     void updateCleaningStateForControllers();
+    void focusWhatIsNext();
 
     void createController(int row);
     void showPanel(int row);

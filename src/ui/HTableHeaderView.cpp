@@ -5,6 +5,7 @@
 #include "ui/ImageLoad.h"
 #include "ui/ItemListModel.h"
 #include "ui/Look.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -48,11 +49,10 @@ void HTableHeaderView::paintSection(QPainter* painter, const QRect& rect, int lo
         const int taken = qRound(arrowSize.width()) + arrowGap;
         text.adjust(isRightToLeft() ? taken : 0, 0, isRightToLeft() ? 0 : -taken, 0);
     }
-    const auto side = logicalIndex == ItemListModel::sizeColumn ? Qt::AlignRight : Qt::AlignLeft;
-    painter->setFont(font());
+    const bool number = logicalIndex == ItemListModel::sizeColumn;
     painter->setPen(QColor(sorted ? look::accentDark : look::textHeader));
-    painter->drawText(text, static_cast<int>(QStyle::visualAlignment(layoutDirection(), side | Qt::AlignVCenter)),
-                      model()->headerData(logicalIndex, Qt::Horizontal).toString());
+    drawTextLine(*painter, text, number ? trailingSide(layoutDirection()) : leadingSide(layoutDirection()), font(),
+                 model()->headerData(logicalIndex, Qt::Horizontal).toString());
 }
 
 }  // namespace brimvault::ui

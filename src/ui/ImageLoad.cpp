@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QPaintDevice>
 #include <QPainter>
+#include <QPixmapCache>
 #include <array>
 
 namespace brimvault::ui {
@@ -28,13 +29,34 @@ QHash<QString, QPixmap>& loadedPictures() {
 void forgetPictures() { loadedPictures().clear(); }
 
 struct Span {
-    qreal start;
-    qreal length;
+    int start;
+    int length;
 };
 
 // Three spans of a length: the kept start, the stretched middle, the kept end.
-std::array<Span, 3> spans(qreal start, qreal length, qreal kept) {
-    return {{{start, kept}, {start + kept, length - 2 * kept}, {start + length - kept, kept}}};
+std::array<Span, 3> spans(int length, int kept) {
+    return {{{0, kept}, {kept, length - 2 * kept}, {length - kept, kept}}};
+}
+
+// In whole device pixels, so that no seam shows between the parts.
+QPixmap stretched(const QPixmap& picture, const QSize& size, qreal density) {
+    const auto sourceKept = qRound(corner * picture.devicePixelRatio());
+    const auto targetKept = qRound(corner * density);
+    const auto sourceX = spans(picture.width(), sourceKept);
+    const auto sourceY = spans(picture.height(), sourceKept);
+    const auto targetX = spans(size.width(), targetKept);
+    const auto targetY = spans(size.height(), targetKept);
+    QPixmap result(size);
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (std::size_t x = 0; x < sourceX.size(); ++x) {
+        for (std::size_t y = 0; y < sourceY.size(); ++y) {
+            painter.drawPixmap(QRect(targetX[x].start, targetY[y].start, targetX[x].length, targetY[y].length), picture,
+                               QRect(sourceX[x].start, sourceY[y].start, sourceX[x].length, sourceY[y].length));
+        }
+    }
+    return result;
 }
 
 }  // namespace
@@ -61,21 +83,16 @@ void ImageLoad::draw(QPainter& painter, const QPointF& topLeft, QLatin1String na
 }
 
 void ImageLoad::drawStretched(QPainter& painter, const QRectF& target, QLatin1String name) {
-    const QPixmap& picture = LoadPNGImage(name, painter.device()->devicePixelRatioF());
-    const QSizeF size = picture.size();  // device pixels, as the source of a drawing is counted
-    const qreal kept = corner * picture.devicePixelRatio();
-    const auto sourceX = spans(0, size.width(), kept);
-    const auto sourceY = spans(0, size.height(), kept);
-    const auto targetX = spans(target.left(), target.width(), corner);
-    const auto targetY = spans(target.top(), target.height(), corner);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    for (std::size_t x = 0; x < sourceX.size(); ++x) {
-        for (std::size_t y = 0; y < sourceY.size(); ++y) {
-            painter.drawPixmap(QRectF(targetX[x].start, targetY[y].start, targetX[x].length, targetY[y].length),
-                               picture,
-                               QRectF(sourceX[x].start, sourceY[y].start, sourceX[x].length, sourceY[y].length));
-        }
+    const qreal density = painter.device()->devicePixelRatioF();
+    const QSize size = (target.size() * density).toSize();
+    const QString key = QStringLiteral("%1 %2x%3 %4").arg(name).arg(size.width()).arg(size.height()).arg(density);
+    QPixmap picture;
+    if (!QPixmapCache::find(key, &picture)) {
+        picture = stretched(LoadPNGImage(name, density), size, density);
+        picture.setDevicePixelRatio(density);
+        QPixmapCache::insert(key, picture);
     }
+    painter.drawPixmap(target.topLeft(), picture);
 }
 
 }  // namespace brimvault::ui

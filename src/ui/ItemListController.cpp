@@ -1,6 +1,7 @@
 #include "ui/ItemListController.h"
 
 #include <QHeaderView>
+#include <QScrollBar>
 #include <algorithm>
 
 #include "engine/Notifications.h"
@@ -28,6 +29,9 @@ void ItemListController::awake(const QString& accessibleName) {
     connect(model_, &ItemListModel::checkRequested, this, &ItemListController::setItemChecked);
     connect(ptableView_->horizontalHeader(), &QHeaderView::sectionClicked, this,
             &ItemListController::didClickTableColumn);
+    // The second of two quick clicks counts as one too.
+    connect(ptableView_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
+            &ItemListController::didClickTableColumn);
     const auto words = engine::vocabulary(section_);
     observe(words.interfaceFinished);
     observe(words.interfaceProgress);
@@ -48,7 +52,10 @@ void ItemListController::observe(const QString& name) {
 
 void ItemListController::updateTableKeepSelection() {
     const auto selected = getSelectedItem();
-    const int row = ptableView_->currentIndex().row();
+    const QModelIndex current = ptableView_->currentIndex();
+    const auto currentItem = current.isValid() ? model_->item(current.row()) : nullptr;
+    const int row = current.row();
+    const int scrolled = ptableView_->verticalScrollBar()->value();
     QList<ItemListModel::Item> shown;
     for (const auto& item : pDS_.itemsOf(section_)) {
         if (item->ppnSize() != 0) {  // what is empty frees nothing
@@ -56,19 +63,19 @@ void ItemListController::updateTableKeepSelection() {
         }
     }
     model_->setItems(shown);
-    restoreSelection(selected, row);
+    if (currentItem && model_->rowOf(currentItem.get()) < 0 && model_->rowCount() > 0) {
+        replaceCurrent(row, selected != nullptr);
+    }
+    ptableView_->verticalScrollBar()->setValue(scrolled);
     Q_EMIT tableUpdated();
 }
 
-// Rows take their selection with them. Only where the selected item is gone, the one that now stands in its place is
-// selected.
-void ItemListController::restoreSelection(const std::shared_ptr<engine::FFItem>& selected, int row) {
-    if (!selected || model_->rowCount() == 0 || model_->rowOf(selected.get()) >= 0) {
-        return;
-    }
-    const auto next = model_->index(std::clamp(row, 0, model_->rowCount() - 1), ItemListModel::nameColumn);
-    ptableView_->selectionModel()->setCurrentIndex(next,
-                                                   QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+// Rows take the selection with them. Only where the current item is gone, the one that now stands in its place follows
+// it, selected if that was.
+void ItemListController::replaceCurrent(int row, bool selected) {
+    const auto next = model_->index(std::min(row, model_->rowCount() - 1), ItemListModel::nameColumn);
+    ptableView_->selectionModel()->setCurrentIndex(
+        next, selected ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows : QItemSelectionModel::Clear);
 }
 
 std::shared_ptr<engine::FFItem> ItemListController::getSelectedItem() const {

@@ -65,7 +65,7 @@ private:
     void observe(const QString& name);
     void setItemChecked(int row, bool checked);
     void didClickTableColumn(int column);
-    void restoreSelection(const std::shared_ptr<engine::FFItem>& selected, int row);
+    void replaceCurrent(int row, bool selected);
 
     const engine::Section section_;
     engine::DataMan& pDS_;

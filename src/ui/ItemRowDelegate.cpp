@@ -4,10 +4,12 @@
 
 #include "files/NodeStatus.h"
 #include "ui/CheckPicture.h"
+#include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/ItemListModel.h"
 #include "ui/Look.h"
 #include "ui/TTableView.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -80,16 +82,15 @@ void ItemRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem& op
 void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) {
     const QFont font = look::font(textSize);
     const QRect place = option.rect.adjusted(margin, 0, -margin, 0);
-    const auto side = index.column() == ItemListModel::sizeColumn ? Qt::AlignRight : Qt::AlignLeft;
-    painter.setFont(font);
+    const bool number = index.column() == ItemListModel::sizeColumn;
     painter.setPen(QColor(isSelected(option) ? look::textOnAccent : look::textPrimary));
-    painter.drawText(place, static_cast<int>(QStyle::visualAlignment(option.direction, side | Qt::AlignVCenter)),
-                     QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideMiddle, place.width()));
+    drawTextLine(painter, place, number ? trailingSide(option.direction) : leadingSide(option.direction), font,
+                 index.data().toString(), Qt::ElideMiddle);
 }
 
 // The focus of the keyboard is on a row: a line above and below it, closed at both ends.
 void ItemRowDelegate::drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    if (!view_->hasFocus() || view_->currentIndex().row() != index.row()) {
+    if (!isFocusShown(view_) || view_->currentIndex().row() != index.row()) {
         return;
     }
     painter.setPen(QPen(QColor(isSelected(option) ? look::textOnAccent : look::accentDark), 1));

@@ -86,7 +86,8 @@ QWidget* ListPanel::makeTitleBar() {
     layout->setContentsMargins(sideMargin, 0, sideMargin, 0);
     layout->setSpacing(countGap);
     layout->addWidget(title_);
-    layout->addWidget(count_, 1);
+    layout->addWidget(count_);
+    layout->addStretch(1);
     return bar;
 }
 

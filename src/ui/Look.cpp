@@ -3,9 +3,12 @@
 #include <QApplication>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QScreen>
 #include <QStyleFactory>
 #include <QToolTip>
 #include <algorithm>
+
+#include "ui/FocusRing.h"
 
 namespace brimvault::ui::look {
 
@@ -61,8 +64,10 @@ QFont font(qreal points, QFont::Weight weight) {
     if (!typeface().family.isEmpty()) {
         result.setFamily(typeface().family);
     }
-    // A type size in whole pixels keeps the outlines sharp; halves are for the small texts of the drawings.
-    result.setPixelSize(qRound(points * textScale()));
+    // Sizes are lengths of the window, whatever the density that the screen states; a pixel size has no halves.
+    constexpr qreal typographicPointsPerInch = 72;
+    const qreal perInch = QGuiApplication::primaryScreen()->logicalDotsPerInchY();
+    result.setPointSizeF(points * textScale() * typographicPointsPerInch / perInch);
     result.setWeight(weight);
     return result;
 }
@@ -74,6 +79,7 @@ void apply() {
     QToolTip::setPalette(lightPalette());
     constexpr qreal body = 13;
     QApplication::setFont(font(body));
+    watchFocus();
 }
 
 }  // namespace brimvault::ui::look

@@ -47,7 +47,8 @@ inline constexpr int buttonHeight = 44;
 /// The window's typeface at a size in points, grown with the text.
 [[nodiscard]] QFont font(qreal points, QFont::Weight weight = QFont::Normal);
 
-/// Makes the application look so: light, whatever the desktop's theme. Once, before the first window.
+/// Makes the application look so: light, whatever the desktop's theme; and the keyboard's focus shown to those who use
+/// it. Once, before the first window.
 void apply();
 
 }  // namespace brimvault::ui::look

@@ -2,8 +2,10 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QScreen>
 
 #include "ui/ImageLoad.h"
+#include "ui/Look.h"
 
 namespace brimvault::ui {
 
@@ -25,8 +27,9 @@ MainWindow::MainWindow(QWidget* parent)
     QIcon icon(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), 1));
     icon.addPixmap(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), 2));
     setWindowIcon(icon);
-    setMinimumSize(leastSize);
-    resize(usualSize);
+    const QSize available = screen()->availableSize();
+    setMinimumSize(leastSize.boundedTo(available));
+    resize((usualSize * look::textScale()).boundedTo(available));
     right_->addWidget(startPage_);
     right_->addWidget(lists_);
     auto* content = new QWidget;

@@ -1,5 +1,6 @@
 #include "ui/MessageBoxAlerts.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QMessageBox>
@@ -19,6 +20,9 @@ AlertAnswer MessageBoxAlerts::runModal(const Alert& alert, QWidget* window) {
     box.setInformativeText(alert.informativeText);
     box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Ok);
+    for (auto* button : box.buttons()) {
+        button->setIcon({});
+    }
     if (alert.suppression == Alert::Suppression::offered) {
         box.setCheckBox(new QCheckBox(QCoreApplication::translate("Alert", "Do not show this message again"), &box));
     }

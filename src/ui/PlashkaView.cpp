@@ -7,6 +7,7 @@
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -51,18 +52,16 @@ void PlashkaView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     ImageLoad::drawStretched(painter, rect(), underMouse() ? QLatin1String("bg_selected") : QLatin1String("bg_status"));
     const auto line = [&](const QFont& font, QRgb color, int top, const QString& text) {
-        const QFontMetrics metrics(font);
-        painter.setFont(font);
         painter.setPen(QColor(color));
-        painter.drawText(QRect(margin, top, width() - 2 * margin, metrics.height()), Qt::AlignCenter,
-                         metrics.elidedText(text, Qt::ElideRight, width() - 2 * margin));
+        drawTextLine(painter, QRect(margin, top, width() - 2 * margin, QFontMetrics(font).height()), Qt::AlignHCenter,
+                     font, text);
     };
     const int largeHeight = large_.isEmpty() ? 0 : QFontMetrics(largeFont()).height();
     const int smallHeight = QFontMetrics(smallFont()).height();
     const int top = (height() - largeHeight - smallHeight) / 2;
     line(largeFont(), look::textPrimary, top, large_);
     line(smallFont(), look::textSecondary, top + largeHeight, small_);
-    if (hasFocus()) {
+    if (isFocusShown(this)) {
         drawFocusRing(painter, rect(), cornerRadius);
     }
 }

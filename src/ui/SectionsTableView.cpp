@@ -12,6 +12,7 @@
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
 #include "ui/SectionListModel.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -23,7 +24,7 @@ constexpr int checkLeft = 13;
 constexpr int iconLeft = 41;
 constexpr int iconSize = 32;
 constexpr int textLeft = 84;
-constexpr int textRight = 12;
+constexpr int textRight = 6;
 constexpr qreal titleSize = 14;
 constexpr qreal subtitleSize = 11.5;
 
@@ -57,7 +58,7 @@ public:
         ImageLoad::draw(*painter, placed(option, place, iconLeft, iconSize, iconSize).topLeft(),
                         QLatin1String(icon.toLatin1()));
         drawTexts(*painter, option, place, index, selected);
-        if (view_->hasFocus() && view_->currentIndex() == index) {
+        if (isFocusShown(view_) && view_->currentIndex() == index) {
             drawFocusRing(*painter, place, cardRadius);
         }
     }
@@ -80,16 +81,13 @@ private:
         const QFontMetrics subtitle(subtitleFont);
         const int width = place.width() - textLeft - textRight;
         const QRect both = placed(option, place, textLeft, width, title.height() + subtitle.height());
-        const auto alignment = QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter);
-        painter.setFont(titleFont);
+        const Qt::Alignment side = leadingSide(option.direction);
         painter.setPen(QColor(selected ? look::textOnAccent : look::textPrimary));
-        painter.drawText(QRect(both.left(), both.top(), width, title.height()), static_cast<int>(alignment),
-                         title.elidedText(index.data().toString(), Qt::ElideRight, width));
-        painter.setFont(subtitleFont);
+        drawTextLine(painter, QRect(both.left(), both.top(), width, title.height()), side, titleFont,
+                     index.data().toString());
         painter.setPen(QColor(selected ? look::textOnAccentSecondary : look::textSecondary));
-        painter.drawText(
-            QRect(both.left(), both.top() + title.height(), width, subtitle.height()), static_cast<int>(alignment),
-            subtitle.elidedText(index.data(SectionListModel::subtitleRole).toString(), Qt::ElideRight, width));
+        drawTextLine(painter, QRect(both.left(), both.top() + title.height(), width, subtitle.height()), side,
+                     subtitleFont, index.data(SectionListModel::subtitleRole).toString());
     }
 
     const SectionsTableView* view_;

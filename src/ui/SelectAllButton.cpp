@@ -8,6 +8,7 @@
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -49,7 +50,8 @@ void SelectAllButton::updateBtnSelectAllLook() {
 QSize SelectAllButton::sizeHint() const {
     const int text = std::max(fontMetrics().horizontalAdvance(tr("Unselect All")),
                               fontMetrics().horizontalAdvance(tr("Select All")));
-    return {2 * margin + checkSize + textGap + text, std::max(checkSize, fontMetrics().height()) + 2 * margin};
+    constexpr int slack = 4;  // for fractions of the letters' widths
+    return {2 * margin + checkSize + textGap + text + slack, std::max(checkSize, fontMetrics().height()) + 2 * margin};
 }
 
 void SelectAllButton::paintEvent(QPaintEvent* /*event*/) {
@@ -61,8 +63,8 @@ void SelectAllButton::paintEvent(QPaintEvent* /*event*/) {
     const QRect words =
         style()->visualRect(layoutDirection(), rect(), rect().adjusted(margin + checkSize + textGap, 0, -margin, 0));
     painter.setPen(QColor(underMouse() && isEnabled() ? look::textPrimary : look::textControl));
-    painter.drawText(words, Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft), text());
-    if (hasFocus()) {
+    drawTextLine(painter, words, leadingSide(layoutDirection()), font(), text());
+    if (isFocusShown(this)) {
         painter.setOpacity(1.0);
         drawFocusRing(painter, rect(), margin);
     }

@@ -31,7 +31,8 @@ SidebarPanel::SidebarPanel(QWidget* parent)
     title->setContentsMargins(nameMargins);
     title->setSpacing(nameGap);
     title->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide));
-    title->addWidget(name, 1);
+    title->addWidget(name);
+    title->addStretch(1);
 
     pbtnScan_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
     auto* panel = new QVBoxLayout(this);

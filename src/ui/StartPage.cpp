@@ -13,7 +13,6 @@ namespace {
 
 constexpr int iconSide = 104;
 constexpr int buttonWidth = 194;
-constexpr int textWidth = 460;
 constexpr qreal headlineSize = 24;
 constexpr qreal descriptionSize = 14;
 constexpr qreal hintSize = 12.5;
@@ -40,7 +39,6 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), btnStartScanButton2_(ne
     auto* description = centred(tr("Caches, unneeded languages, logs, downloads and the trash:\n"
                                    "see what each one holds, tick what may go, and clean."),
                                 look::font(descriptionSize), look::textSecondary);
-    description->setMinimumWidth(look::scaled(textWidth));
     ptxtStartDescClean_ =
         centred(tr("Select sections and press Scan button"), look::font(hintSize), look::textSecondary);
 
@@ -51,7 +49,7 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), btnStartScanButton2_(ne
     page->addSpacing(18);
     page->addWidget(headline);
     page->addSpacing(8);
-    page->addWidget(description, 0, Qt::AlignHCenter);
+    page->addWidget(description);
     page->addSpacing(22);
     page->addWidget(btnStartScanButton2_, 0, Qt::AlignHCenter);
     page->addSpacing(14);

@@ -1,8 +1,10 @@
 #include "ui/TSectionViewController.h"
 
+#include <QScopedValueRollback>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <limits>
 
 #include "engine/Notifications.h"
 #include "ui/DefaultsKeys.h"
@@ -130,7 +132,7 @@ quint64 TSectionViewController::getSize2CleanALLSel() const {
 }
 
 void TSectionViewController::doStartScan() {
-    if (pAppDelegate_.pbCleanning()) {
+    if (pAppDelegate_.pbCleanning() || questionOpen_) {
         return;
     }
     if (pAppDelegate_.pbScanning()) {
@@ -140,9 +142,13 @@ void TSectionViewController::doStartScan() {
     }
     if (!isAnyChecked()) {
         const Alert alert{tr("No category selected"), tr("You should select category to scan.\nSelect all and scan?")};
-        if (alerts_.runModal(alert, pAppDelegate_.window()).returnCode == AlertAnswer::firstButton) {
+        if (ask(alert).returnCode == AlertAnswer::firstButton) {
             setAllChecked();
-            QTimer::singleShot(restartDelay, this, &TSectionViewController::doStartScan);
+            QTimer::singleShot(restartDelay, this, [this] {
+                if (!pAppDelegate_.pbScanning()) {  // the button would stop a scan that the user has started meanwhile
+                    doStartScan();
+                }
+            });
         }
         return;
     }
@@ -152,7 +158,7 @@ void TSectionViewController::doStartScan() {
 }
 
 void TSectionViewController::doStartClean() {
-    if (pAppDelegate_.pbScanning()) {
+    if (pAppDelegate_.pbScanning() || questionOpen_) {
         return;
     }
     if (pAppDelegate_.pbCleanning()) {
@@ -176,15 +182,21 @@ bool TSectionViewController::isRemovalConfirmed() {
     // Both texts have a double space; they are used as they stand.
     const Alert alert{tr("Are you sure you want to  completely delete the selected items?"),
                       tr("Files will be  permanently removed from your Hard Drive."), Alert::Suppression::offered};
-    const AlertAnswer answer = alerts_.runModal(alert, pAppDelegate_.window());
+    const AlertAnswer answer = ask(alert);
     if (answer.suppressed) {
         defaults_.setBoolean(defaults_key::suppressRemovalAlert, true);
     }
     return answer.returnCode == AlertAnswer::firstButton;
 }
 
-// While the question was open, a scan may have begun, or the end of one that was stopped may have brought more items.
-// The user agreed to what was on show.
+// The window goes on while a question is open; neither button does anything then, however it is pressed.
+AlertAnswer TSectionViewController::ask(const Alert& alert) {
+    const QScopedValueRollback open(questionOpen_, true);
+    return alerts_.runModal(alert, pAppDelegate_.window());
+}
+
+// While the question was open, the end of a scan that had been stopped may have brought more items. The user agreed to
+// what was on show.
 bool TSectionViewController::isStillWhatWasAsked() const {
     return !pAppDelegate_.pbScanning() && !pAppDelegate_.pbCleanning() && !performer_.pscaner().isScanning() &&
            static_cast<qint64>(getSize2CleanALLSel()) == lastCleanedSize_;
@@ -200,7 +212,8 @@ void TSectionViewController::cleanFinished() {
 
 void TSectionViewController::addCleanedSizeToDefaults(quint64 freed) {
     const quint64 before = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
-    defaults_.setNumber(defaults_key::totalCleanedSize, before + freed);
+    constexpr quint64 most = std::numeric_limits<quint64>::max();
+    defaults_.setNumber(defaults_key::totalCleanedSize, freed > most - before ? most : before + freed);
     defaults_.setNumber(defaults_key::lastCleanedSize, freed);
 }
 

@@ -73,6 +73,7 @@ private:
     void updateSubTitlesTexts();
     void showChecks();
     void checkClicked(int row, bool checked);
+    [[nodiscard]] AlertAnswer ask(const Alert& alert);
     [[nodiscard]] bool isRemovalConfirmed();
     [[nodiscard]] bool isStillWhatWasAsked() const;
     void addCleanedSizeToDefaults(quint64 freed);
@@ -84,6 +85,7 @@ private:
     std::function<QStringList()> neededLanguages_;
     SectionListModel model_;
     engine::PerSection<bool> checks_;
+    bool questionOpen_ = false;
     qint64 lastCleanedSize_ = 0;  ///< bytes that were selected when the last clean started
     engine::CPerformer performer_;
     std::vector<engine::NotificationCenter::Observation> observations_;

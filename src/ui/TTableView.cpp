@@ -21,6 +21,14 @@ constexpr int checkColumnWidth = 38;
 constexpr int iconColumnWidth = 38;
 constexpr int sizeColumnWidth = 120;
 
+// A quiet handle on the ground of the list, without arrow buttons.
+const QString scrollBarLook = QStringLiteral(
+    "QScrollBar:vertical { background: #ffffff; width: 12px; border: none; margin: 0; }"
+    "QScrollBar::handle:vertical { background: #aebbcb; border-radius: 4px; min-height: 32px; margin: 2px; }"
+    "QScrollBar::handle:vertical:hover { background: #7a8798; }"
+    "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+    "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }");
+
 }  // namespace
 
 TTableView::TTableView(QWidget* parent) : QTableView(parent) {
@@ -40,6 +48,7 @@ TTableView::TTableView(QWidget* parent) : QTableView(parent) {
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    verticalScrollBar()->setStyleSheet(scrollBarLook);
     verticalScrollBar()->setSingleStep(look::scaled(look::itemRowHeight));
 }
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QScrollBar>
 #include <QTextDocument>
 #include <filesystem>
 #include <fstream>
@@ -176,15 +177,40 @@ TEST_F(WindowJourney, OnlyWhatWasOnShowWhenTheQuestionWasAskedIsRemoved) {
     EXPECT_EQ(tests::fingerprint(home_.path()), before);
 }
 
-TEST_F(WindowJourney, AScanThatBeginsUnderTheQuestionKeepsTheCleanFromStarting) {
-    start(heldScans());
-    letOn_.release();
+TEST_F(WindowJourney, NothingBeginsWhileAQuestionIsOpen) {
+    start();
     scan();
-    alerts_.whileOpen = [this] { application_->psectController().doStartScan(); };
-    alerts_.answers.push_back(tests::agree);
-    Guide::click(lists()->pbtnClean());
-    EXPECT_TRUE(application_->pbScanning());
-    EXPECT_FALSE(application_->pbCleanning());
+    guide_->clickCell(guide_->row(photos), ui::ItemListModel::checkColumn);
+    alerts_.whileOpen = [this] {
+        application_->psectController().doStartScan();
+        application_->psectController().doStartClean();
+        EXPECT_FALSE(application_->pbScanning());
+        EXPECT_FALSE(application_->pbCleanning());
+    };
+    clean();
+    EXPECT_EQ(alerts_.asked.size(), 1U);
+    EXPECT_TRUE(fs::exists(caches() / photos.toStdString())) << "it was unticked";
+}
+
+TEST_F(WindowJourney, ACleanSelectsNothingAndKeepsTheListWhereItWas) {
+    for (int number = 0; number < 100; ++number) {
+        tests::writeFile(caches() / ("item " + std::to_string(number)), "12345");
+    }
+    start();
+    scan();
+    guide_->clickHeader(ui::ItemListModel::nameColumn);
+    guide_->clickHeader(ui::ItemListModel::nameColumn);
+    Guide::click(lists()->pbtnSelectAll());
+    for (const char* name : {"item 3", "com.vendor.browser"}) {
+        guide_->clickCell(guide_->row(QString::fromLatin1(name)), ui::ItemListModel::checkColumn);
+    }
+    guide_->list()->clearSelection();
+    guide_->list()->verticalScrollBar()->setValue(0);
+    clean();
+    EXPECT_EQ(names().size(), 100 + static_cast<qsizetype>(entries_.size()) - 3) << "one entry is empty";
+    EXPECT_TRUE(guide_->list()->selectionModel()->selectedRows().isEmpty());
+    EXPECT_TRUE(guide_->list()->currentIndex().isValid());
+    EXPECT_EQ(guide_->list()->verticalScrollBar()->value(), 0);
 }
 
 TEST_F(WindowJourney, APressedCheckBoxStaysWithItsItemWhenRowsMove) {

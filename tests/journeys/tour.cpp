@@ -134,6 +134,7 @@ int main(int argc, char* argv[]) {
     ui::MessageBoxAlerts alerts;
     ui::FAppDelegate application(ui::scanOperations(), engine::CleanTable::fileSections(), defaults, alerts);
     application.applicationDidFinishLaunching();
+    application.window()->resize(1000, 660);  // as drawn, whatever the size of the screen
     tests::Guide guide(application);
     const Camera camera(QString::fromLocal8Bit(argv[1]));
     scanScenes(application, guide, camera);

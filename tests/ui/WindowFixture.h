@@ -54,6 +54,7 @@ protected:
         application_ = std::make_unique<ui::FAppDelegate>(std::move(table), engine::CleanTable::fileSections(),
                                                           *defaults_, alerts_);
         application_->applicationDidFinishLaunching();
+        window()->resize(1000, 660);
         guide_ = std::make_unique<Guide>(*application_);
     }
 
