@@ -58,7 +58,7 @@ void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std:
         notRemoved.insert(item->ppdisplayName(), withoutSystemText());
         return;
     }
-    const auto outcome = files::remove(path);  // whole or not at all: a cancel is seen between items
+    const auto outcome = files::remove(path);  // without the stop: a cancel is seen between items
     if (outcome.end == files::RemovalEnd::gone) {
         removed.append(item);
     } else {

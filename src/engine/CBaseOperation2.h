@@ -17,8 +17,7 @@ public:
 
     /// Removes, for good, every item that is checked, deletable and not of size 0, and adds to one of the two results:
     /// to those that are gone, also when there was nothing at the path any more, or with the system's reason to the
-    /// dictionary. Stops before the next item once the operation is cancelled; the one under way is finished, so that
-    /// none is left half removed.
+    /// dictionary. Stops before the next item once the operation is cancelled; the one under way is finished first.
     ///
     /// An item without a path of its own is the one of its name in the folder given; without a folder there is nothing.
     void removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder, ItemArray& removed,

@@ -69,7 +69,10 @@ std::int64_t FileManager::numberOfFilesInFolder(const std::filesystem::path& pat
                                                 files::HiddenEntries countHiddenFiles) {
     std::int64_t count = 0;
     // What could be read counts; a folder that cannot be read holds nothing.
-    (void)files::forEachChild(path, countHiddenFiles, [&](const files::DirectoryEntry&) { return ++count > 0; });
+    (void)files::forEachChild(path, countHiddenFiles, [&](const files::DirectoryEntry&) {
+        ++count;
+        return true;
+    });
     return count;
 }
 

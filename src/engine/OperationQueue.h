@@ -25,7 +25,7 @@ public:
     ~OperationQueue();
 
     void addOperation(const std::shared_ptr<Operation>& operation);
-    /// A snapshot, in the order of adding.
+    /// A snapshot: those that run, then those that wait, each in the order of adding.
     [[nodiscard]] std::vector<std::shared_ptr<Operation>> operations() const;
     /// Cancels everything on the queue and returns at once.
     void cancelAllOperations();

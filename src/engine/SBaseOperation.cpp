@@ -1,6 +1,5 @@
 #include "engine/SBaseOperation.h"
 
-#include "engine/FileManager.h"
 #include "files/Measure.h"
 
 namespace brimvault::engine {
@@ -11,7 +10,15 @@ void SBaseOperation::initTopLevelItemsCount() {
 
 qint64 SBaseOperation::countTopItemsInOperFolder(files::HiddenEntries hidden) const {
     const auto root = getOperationRootFolderURL();
-    return root ? FileManager::numberOfFilesInFolder(*root, hidden) : 0;
+    qint64 count = 0;
+    if (root) {
+        // What could be read counts; a folder that cannot be read holds nothing.
+        (void)files::forEachChild(*root, hidden, [&](const files::DirectoryEntry&) {
+            ++count;
+            return !isCancelled();
+        });
+    }
+    return count;
 }
 
 quint64 SBaseOperation::getFileFolderSize(const std::filesystem::path& path) const {

@@ -14,8 +14,6 @@ struct Failure {
 
     /// The system's own text for the code, in the language of the process.
     [[nodiscard]] std::string text() const;
-    /// Whether more rights could have helped (EACCES, EPERM).
-    [[nodiscard]] bool isPermission() const;
 };
 
 /// A value, or the errno value that says why there is none.

@@ -4,7 +4,8 @@
 
 namespace brimvault::scanners {
 
-/// The home folder of the user who runs the process, as the user database has it, and the folders below it. Made on the
+/// The home folder of the user who runs the process, as the user database has it, and the folders that always lie below
+/// it. A section's own folder is asked of platform::LibraryURLs, which knows where the system keeps it. Made on the
 /// first use, not changed afterwards; any thread.
 class PathsGenerator {
 public:

@@ -4,8 +4,8 @@
 
 namespace brimvault::scanners {
 
-/// The same home folder, and the rule for paths that begin with "~/". Made on the first use, not
-/// changed afterwards; any thread.
+/// The home folder of the user who runs the process, and the rule for paths that begin with "~/". Made on the first
+/// use, not changed afterwards; any thread.
 class SystemPathsGenerator {
 public:
     SystemPathsGenerator();
