@@ -36,10 +36,9 @@ void FAppDelegate::applicationDidFinishLaunching() {
     defaults_.increase(defaults_key::launchNumber);
     resetNotCleanedDicts();
     connectControls();
-    activatePanel(0);
+    activatePanel(0);  // before the first scan there is no list to show
     registerObservers();
     defaults_.setNumber(defaults_key::lastCleanedSize, 0);
-    bPlashkaStateSelectedFiles_ = true;
     setImgs4Scan(true);
     setImgs4Clean(true);
     window_->show();
@@ -48,6 +47,7 @@ void FAppDelegate::applicationDidFinishLaunching() {
 }
 
 void FAppDelegate::connectControls() {
+    connect(psectController_.get(), &TSectionViewController::resultsDropped, this, &FAppDelegate::refreshLists);
     connect(window_->sidebar()->pbtnScan(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartScan);
     connect(window_->startPage()->btnStartScanButton2(), &QAbstractButton::clicked, psectController_.get(),
@@ -133,15 +133,20 @@ void FAppDelegate::mainThreadScanFinished() {
 }
 
 void FAppDelegate::scanFinished() {
-    for (const auto& controller : pDynControllers_) {
-        if (controller) {
-            controller->scanFinished();
-        }
-    }
+    refreshLists();  // a scan that was stopped before it began has told nothing
     enableControlsScan(true);
     updateSelectAllCheck();
     window_->sidebar()->pbtnScan()->stopAnimation();
     showTitle();
+}
+
+void FAppDelegate::refreshLists() {
+    for (const auto& controller : pDynControllers_) {
+        if (controller) {
+            controller->updateTableKeepSelection();
+        }
+    }
+    UpdateTextsAboutFreeUpSize();
 }
 
 // --- Cleaning ---------------------------------------------------------------------------------------------------
@@ -280,7 +285,10 @@ void FAppDelegate::showTitle() {
     const auto& row = sectionRows()[static_cast<std::size_t>(activeRow_)];
     window_->lists()->setTitle(sectionTitle(row), count);
     const bool nothingToList = current == nullptr || !current->hasItems();
-    window_->lists()->setNote(nothingToList ? psectController_->subtitle(activeRow_) : QString());
+    const bool nothingYet = current != nullptr && bscanningProcess_;
+    window_->lists()->setNote(!nothingToList ? QString()
+                              : nothingYet   ? tr("Scanning...")
+                                             : psectController_->subtitle(activeRow_));
     if (current != nullptr) {
         current->view()->setVisible(!nothingToList);
     }

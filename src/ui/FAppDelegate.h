@@ -60,6 +60,7 @@ private:
     void scanStarted();
     void scanFinished();
     void mainThreadScanFinished();
+    void refreshLists();
     void cleanStarted();
     void cleanFinished();
     void initStateAsScanStarted();

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QSet>
 #include <algorithm>
 
 #include "engine/Notifications.h"
@@ -54,7 +55,6 @@ void ItemListController::updateTableKeepSelection() {
     const auto selected = getSelectedItem();
     const QModelIndex current = ptableView_->currentIndex();
     const auto currentItem = current.isValid() ? model_->item(current.row()) : nullptr;
-    const int row = current.row();
     const int scrolled = ptableView_->verticalScrollBar()->value();
     QList<ItemListModel::Item> shown;
     for (const auto& item : pDS_.itemsOf(section_)) {
@@ -62,12 +62,24 @@ void ItemListController::updateTableKeepSelection() {
             shown.append(item);
         }
     }
+    const bool currentGoes = currentItem != nullptr && !shown.contains(currentItem);
+    const int place = currentGoes ? rowsThatStay(shown, current.row()) : 0;
     model_->setItems(shown);
-    if (currentItem && model_->rowOf(currentItem.get()) < 0 && model_->rowCount() > 0) {
-        replaceCurrent(row, selected != nullptr);
+    if (currentGoes && hasItems()) {
+        replaceCurrent(place, selected != nullptr);
     }
     ptableView_->verticalScrollBar()->setValue(scrolled);
     Q_EMIT tableUpdated();
+}
+
+// How many of the rows above one stay: the place of what follows it.
+int ItemListController::rowsThatStay(const QList<ItemListModel::Item>& items, int above) const {
+    const QSet<ItemListModel::Item> staying(items.cbegin(), items.cend());
+    int count = 0;
+    for (int row = 0; row < above; ++row) {
+        count += staying.contains(model_->item(row)) ? 1 : 0;
+    }
+    return count;
 }
 
 // Rows take the selection with them. Only where the current item is gone, the one that now stands in its place follows

@@ -40,8 +40,6 @@ public:
     /// Check boxes may be changed unless a clean runs.
     void updateCleaningState(bool cleaning);
     void updateTableKeepSelection();
-    /// Shows what there is: a scan that was stopped before it began has emptied the section and told nothing.
-    void scanFinished() { updateTableKeepSelection(); }
 
     /// Where the item lies, for what is done to it.
     [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
@@ -65,6 +63,7 @@ private:
     void observe(const QString& name);
     void setItemChecked(int row, bool checked);
     void didClickTableColumn(int column);
+    [[nodiscard]] int rowsThatStay(const QList<ItemListModel::Item>& items, int above) const;
     void replaceCurrent(int row, bool selected);
 
     const engine::Section section_;

@@ -174,7 +174,9 @@ void ItemListModel::checksChanged(int firstRow, int lastRow) {
 
 void ItemListModel::setEnabled(bool enabled) {
     enabled_ = enabled;
-    checksChanged(0, rowCount() - 1);
+    if (!rows_.empty()) {
+        Q_EMIT dataChanged(index(0, checkColumn), index(rowCount() - 1, checkColumn));  // another look, the same states
+    }
 }
 
 int ItemListModel::rowCount(const QModelIndex& parent) const {

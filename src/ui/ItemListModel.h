@@ -12,8 +12,8 @@
 
 namespace brimvault::ui {
 
-/// The rows of an item list, sorted. Rows come and go and change places as such, so that the selection, the current row
-/// and the scroll position of a view stay with their items. Main thread.
+/// The rows of an item list, sorted. Rows come and go and change places as such, so that the selection and the current
+/// row of a view stay with their items. Main thread.
 class ItemListModel final : public QAbstractTableModel {
     Q_OBJECT
 

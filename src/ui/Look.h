@@ -7,9 +7,8 @@
 /// The colours, type sizes and lengths of the window, in points. All on the main thread.
 namespace brimvault::ui::look {
 
-inline constexpr QRgb accent = 0xff2e74f0;
 inline constexpr QRgb accentDark = 0xff1f5fd8;
-/// A little darker than the accent: white text on it keeps a contrast of 4.5 to 1.
+/// A selected row; dark enough for white text on it to keep a contrast of 4.5 to 1.
 inline constexpr QRgb selection = 0xff2a6ae4;
 inline constexpr QRgb textPrimary = 0xff1b2430;
 inline constexpr QRgb textSecondary = 0xff5d6b80;

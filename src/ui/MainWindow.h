@@ -22,7 +22,7 @@ public:
     [[nodiscard]] StartPage* startPage() const { return startPage_; }
     [[nodiscard]] ListPanel* lists() const { return lists_; }
 
-    void showStartPage() { right_->setCurrentWidget(startPage_); }
+    /// In the place of the start page, which does not come back.
     void showLists() { right_->setCurrentWidget(lists_); }
 
     /// Asked when the user closes the window; it stays open while the answer is false.

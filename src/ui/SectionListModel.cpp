@@ -1,5 +1,7 @@
 #include "ui/SectionListModel.h"
 
+#include <utility>
+
 namespace brimvault::ui {
 
 SectionListModel::SectionListModel(QObject* parent) : QAbstractListModel(parent) {
@@ -17,13 +19,15 @@ void SectionListModel::setSubtitle(int row, const QString& subtitle) {
 }
 
 void SectionListModel::setChecked(int row, bool checked) {
-    rows_[static_cast<std::size_t>(row)].checked = checked;
+    if (std::exchange(rows_[static_cast<std::size_t>(row)].checked, checked) == checked) {
+        return;
+    }
     Q_EMIT dataChanged(index(row), index(row), {Qt::CheckStateRole});
 }
 
 void SectionListModel::setChecksEnabled(bool enabled) {
     checksEnabled_ = enabled;
-    Q_EMIT dataChanged(index(0), index(sectionRowCount - 1), {Qt::CheckStateRole});
+    Q_EMIT dataChanged(index(0), index(sectionRowCount - 1));  // another look, the same states
 }
 
 int SectionListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : sectionRowCount; }

@@ -25,7 +25,6 @@ public:
     void setSubtitle(int row, const QString& subtitle);
     void setChecked(int row, bool checked);
     void setChecksEnabled(bool enabled);
-    [[nodiscard]] bool areChecksEnabled() const { return checksEnabled_; }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

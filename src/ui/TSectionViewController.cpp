@@ -155,6 +155,7 @@ void TSectionViewController::doStartScan() {
     pAppDelegate_.setPbScanning(true);
     performer_.Scan(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
                     checks_[Section::trash], checks_[Section::logs]);
+    Q_EMIT resultsDropped();
 }
 
 void TSectionViewController::doStartClean() {

@@ -65,6 +65,10 @@ public:
 
     void changedListOfLangs(const QStringList& languages) { performer_.changedListOfLangs(languages); }
 
+Q_SIGNALS:
+    /// A scan has begun; what the sections in it held is forgotten, and nothing has been found yet.
+    void resultsDropped();
+
 private:
     void initChecksFromPrefs();
     void saveState2Prefs();

@@ -355,6 +355,32 @@ TEST_F(WindowJourney, TheSelectedItemStaysSelectedAndItsNeighbourTakesItsPlace) 
     clean();
     EXPECT_EQ(guide_->row(photos), -1);
     EXPECT_EQ(selectedName(), next);
+
+    // Also when all above it go with it.
+    const int last = guide_->list()->model()->rowCount() - 1;
+    guide_->clickCell(5, ui::ItemListModel::nameColumn);
+    const QString following = guide_->list()->model()->index(6, ui::ItemListModel::nameColumn).data().toString();
+    for (int above = 0; above <= 5; ++above) {
+        guide_->list()->model()->setData(guide_->list()->model()->index(above, ui::ItemListModel::checkColumn),
+                                         Qt::Checked, Qt::CheckStateRole);
+    }
+    clean();
+    EXPECT_EQ(guide_->list()->model()->rowCount(), last - 5);
+    EXPECT_EQ(selectedName(), following);
+}
+
+TEST_F(WindowJourney, ANewScanShowsNothingOfTheOldOne) {
+    start(heldScans());
+    letOn_.release();
+    scan();
+    ASSERT_EQ(names(), QStringList{QStringLiteral("found")});
+    // The operation has begun anew and found nothing yet that the window has heard of.
+    Guide::click(scanButton());
+    EXPECT_EQ(guide_->list(), nullptr);
+    EXPECT_EQ(status(), QStringLiteral("Zero Bytes|Selected of 0 B"));
+    letOn_.release();
+    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbScanning(); }));
+    EXPECT_EQ(names(), QStringList{QStringLiteral("found")});
 }
 
 TEST_F(WindowJourney, AnEmptyOrMissingCachesFolderIsSaid) {
