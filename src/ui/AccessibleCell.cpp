@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 
 #include "ui/AccessibleItemView.h"
+#include "ui/CheckToggle.h"
 
 namespace brimvault::ui {
 
@@ -76,8 +77,7 @@ void AccessibleCell::doAction(const QString& action) {
     auto* view = list()->view();
     const QModelIndex place = index();
     if (action == toggleAction() && place.flags().testFlag(Qt::ItemIsUserCheckable)) {
-        const bool checked = place.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-        view->model()->setData(place, checked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+        toggleCheck(view, place);
     } else if (action == setFocusAction() && place.isValid()) {
         view->setFocus();
         view->setCurrentIndex(place);

@@ -22,6 +22,24 @@ QAccessibleInterface* present(const QString& /*className*/, QObject* object) {
 
 bool hasHeaders(const QAbstractItemView* view) { return qobject_cast<const QTableView*>(view) != nullptr; }
 
+void announceRows(QAbstractItemView* view, int firstRow, int lastRow, int column) {
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    auto* list = dynamic_cast<AccessibleItemView*>(QAccessible::queryAccessibleInterface(view));
+    if (list == nullptr) {
+        return;
+    }
+    QAccessible::State changed;
+    changed.checked = true;
+    for (int row = firstRow; row <= lastRow; ++row) {
+        if (view->viewport()->rect().intersects(view->visualRect(view->model()->index(row, column)))) {
+            QAccessibleStateChangeEvent event(list->cellAt(row, column), changed);
+            QAccessible::updateAccessibility(&event);
+        }
+    }
+}
+
 }  // namespace
 
 void AccessibleItemView::install() { QAccessible::installFactory(present); }
@@ -146,22 +164,13 @@ void AccessibleItemView::modelChange(QAccessibleTableModelChangeEvent* /*event*/
     });
 }
 
-void announceCheckChanges(QAbstractItemView* view, int firstRow, int lastRow, int column) {
-    if (!QAccessible::isActive()) {
-        return;
-    }
-    auto* list = dynamic_cast<AccessibleItemView*>(QAccessible::queryAccessibleInterface(view));
-    if (list == nullptr) {
-        return;
-    }
-    QAccessible::State changed;
-    changed.checked = true;
-    for (int row = firstRow; row <= lastRow; ++row) {
-        if (view->viewport()->rect().intersects(view->visualRect(view->model()->index(row, column)))) {
-            QAccessibleStateChangeEvent event(list->cellAt(row, column), changed);
-            QAccessible::updateAccessibility(&event);
-        }
-    }
+void announceCheckChanges(QAbstractItemView* view, int column) {
+    QObject::connect(view->model(), &QAbstractItemModel::dataChanged, view,
+                     [view, column](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+                         if (roles.contains(Qt::CheckStateRole)) {
+                             announceRows(view, first.row(), last.row(), column);
+                         }
+                     });
 }
 
 }  // namespace brimvault::ui

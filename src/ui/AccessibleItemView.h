@@ -65,7 +65,8 @@ private:
     mutable QHash<int, QAccessible::Id> children_;  ///< those that a client has asked for
 };
 
-/// Tells assistive clients of changed check boxes among the rows on show.
-void announceCheckChanges(QAbstractItemView* view, int firstRow, int lastRow, int column);
+/// From now on, tells assistive clients of changed check boxes among the rows on show; they stand in the column given
+/// of the view's model. Main thread.
+void announceCheckChanges(QAbstractItemView* view, int column);
 
 }  // namespace brimvault::ui

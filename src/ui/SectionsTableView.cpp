@@ -8,6 +8,7 @@
 
 #include "ui/AccessibleItemView.h"
 #include "ui/CheckPicture.h"
+#include "ui/CheckToggle.h"
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
@@ -113,12 +114,7 @@ SectionsTableView::SectionsTableView(QWidget* parent) : QListView(parent) {
 
 void SectionsTableView::setModel(QAbstractItemModel* model) {
     QListView::setModel(model);
-    connect(model, &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
-                if (roles.contains(Qt::CheckStateRole)) {
-                    announceCheckChanges(this, first.row(), last.row(), 0);
-                }
-            });
+    announceCheckChanges(this, 0);
 }
 
 QRect SectionsTableView::checkRect(const QModelIndex& index) const {
@@ -146,21 +142,16 @@ void SectionsTableView::mouseReleaseEvent(QMouseEvent* event) {
     }
     viewport()->update();
     if (checkRect(pressed).contains(event->position().toPoint())) {
-        toggle(pressed);
+        toggleCheck(this, pressed);
     }
 }
 
 void SectionsTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
-        toggle(currentIndex());
+        toggleCheck(this, currentIndex());
         return;
     }
     QListView::keyPressEvent(event);
-}
-
-void SectionsTableView::toggle(const QModelIndex& index) {
-    const bool checked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-    model()->setData(index, checked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
 
 }  // namespace brimvault::ui

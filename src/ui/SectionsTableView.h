@@ -25,8 +25,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void toggle(const QModelIndex& index);
-
     QPersistentModelIndex pressedCheck_;  ///< follows its row, which may move while the button is held
 };
 

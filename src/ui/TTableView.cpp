@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ui/AccessibleItemView.h"
+#include "ui/CheckToggle.h"
 #include "ui/HTableHeaderView.h"
 #include "ui/ItemListModel.h"
 #include "ui/ItemRowDelegate.h"
@@ -66,12 +67,7 @@ void TTableView::setModel(QAbstractItemModel* model) {
     connect(model, &QAbstractItemModel::rowsRemoved, this, &TTableView::keepCurrentRow);
     connect(static_cast<ItemListModel*>(model), &ItemListModel::rowsReordered, this, &TTableView::tellRowsReordered,
             Qt::QueuedConnection);
-    connect(model, &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
-                if (roles.contains(Qt::CheckStateRole)) {
-                    announceCheckChanges(this, first.row(), last.row(), ItemListModel::checkColumn);
-                }
-            });
+    announceCheckChanges(this, ItemListModel::checkColumn);
 }
 
 void TTableView::mousePressEvent(QMouseEvent* event) {
@@ -89,22 +85,17 @@ void TTableView::mouseReleaseEvent(QMouseEvent* event) {
     if (pressed.isValid()) {
         viewport()->update();
         if (indexAt(event->position().toPoint()) == pressed) {
-            toggle(pressed);
+            toggleCheck(this, pressed);
         }
     }
 }
 
 void TTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
-        toggle(currentIndex().siblingAtColumn(ItemListModel::checkColumn));
+        toggleCheck(this, currentIndex().siblingAtColumn(ItemListModel::checkColumn));
         return;
     }
     QTableView::keyPressEvent(event);
-}
-
-void TTableView::toggle(const QModelIndex& check) {
-    const bool checked = check.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-    model()->setData(check, checked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
 
 void TTableView::keepCurrentRow() {

@@ -23,7 +23,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void toggle(const QModelIndex& check);
     /// Some assistive bridges crash on a table without a current cell.
     void keepCurrentRow();
     /// Assistive clients remember what stood in a place; after a sort they are to ask anew.
