@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 #include "files/Result.h"
 
@@ -27,8 +28,13 @@ struct NodeStatus {
     /// Names of the object. A directory has exactly one name, so 1 for every directory, whatever the file system
     /// stores there (many count a directory's subdirectories in that field).
     std::uint64_t linkCount = 0;
-    bool immutable = false;  ///< locked against change and removal, by its owner or the administrator
+    bool immutable = false;         ///< locked against change and removal, by its owner or the administrator
+    std::uint32_t permissions = 0;  ///< the twelve permission bits, as POSIX numbers them
+    std::uint32_t owner = 0;        ///< number of the user
+    std::uint32_t group = 0;        ///< number of the group
     std::chrono::system_clock::time_point modified;
+    std::chrono::system_clock::time_point accessed;
+    std::optional<std::chrono::system_clock::time_point> created;  ///< none where the file system does not tell
 };
 
 /// The status of a name in an open directory; an empty name asks for the descriptor itself. Any thread.

@@ -16,6 +16,8 @@ public:
     static std::optional<std::filesystem::path> getDownloadsFolderURL();
     /// Always the home folder's ".Trash", never a volume's.
     static std::optional<std::filesystem::path> getTrashFolderURL();
+    /// The trash folder in which the desktop keeps what is trashed from the home folder; none where that is ".Trash".
+    static std::optional<std::filesystem::path> getDesktopTrashFolderURL();
     static std::optional<std::filesystem::path> getApplicationFolderURL();
     /// Asked once in the life of the process.
     static std::optional<std::filesystem::path> getUserApplicationFolderURL();

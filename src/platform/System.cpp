@@ -30,6 +30,11 @@ std::filesystem::path homeFolder() {
     return unresolved ? home.lexically_normal() : resolved;
 }
 
+std::filesystem::path systemRoot() {
+    const std::filesystem::path trial = system().environmentVariable("BRIMVAULT_TRIAL_ROOT");
+    return trial.is_absolute() ? trial : "/";
+}
+
 SubstituteSystem::SubstituteSystem(System system)
     : system_(std::move(system)), before_(std::exchange(substitute(), &system_)) {}
 

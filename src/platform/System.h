@@ -25,4 +25,8 @@ const System& system();
 /// the user database's, or "/Users/" and the login name where it has no record. Any thread.
 [[nodiscard]] std::filesystem::path homeFolder();
 
+/// Where the folders begin that belong to the whole system: "/". A trial or a test, which must touch nothing of the
+/// machine's own, names a folder in BRIMVAULT_TRIAL_ROOT that stands for it. Any thread.
+[[nodiscard]] std::filesystem::path systemRoot();
+
 }  // namespace brimvault::platform

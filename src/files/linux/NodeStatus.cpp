@@ -14,7 +14,7 @@ namespace {
 
 // A path that comes upon an automount point must not mount it: looking is not using.
 constexpr int lookOnly = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_SYNC_AS_STAT;
-constexpr unsigned wanted = STATX_BASIC_STATS | STATX_MNT_ID;
+constexpr unsigned wanted = STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID;
 constexpr std::uint64_t blockSize = 512;  // the unit of stx_blocks, whatever the file system's own block size
 
 NodeKind kindOf(unsigned mode) {
@@ -25,6 +25,11 @@ NodeKind kindOf(unsigned mode) {
         return NodeKind::directory;
     }
     return S_ISLNK(mode) ? NodeKind::link : NodeKind::other;
+}
+
+std::chrono::system_clock::time_point timeOf(const statx_timestamp& time) {
+    return std::chrono::system_clock::time_point(std::chrono::seconds(time.tv_sec) +
+                                                 std::chrono::nanoseconds(time.tv_nsec));
 }
 
 // Kernels before 5.8 do not tell the mount with the status; they tell it of an open descriptor.
@@ -60,8 +65,15 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     status.allocated = raw.stx_blocks * blockSize;
     status.linkCount = status.kind == NodeKind::directory ? 1 : raw.stx_nlink;
     status.immutable = (raw.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
-    status.modified = std::chrono::system_clock::time_point(std::chrono::seconds(raw.stx_mtime.tv_sec) +
-                                                            std::chrono::nanoseconds(raw.stx_mtime.tv_nsec));
+    constexpr unsigned permissionBits = 07777;
+    status.permissions = raw.stx_mode & permissionBits;
+    status.owner = raw.stx_uid;
+    status.group = raw.stx_gid;
+    status.modified = timeOf(raw.stx_mtime);
+    status.accessed = timeOf(raw.stx_atime);
+    if ((raw.stx_mask & STATX_BTIME) != 0) {
+        status.created = timeOf(raw.stx_btime);
+    }
     return status;
 }
 

@@ -94,7 +94,11 @@ std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() {
 
 std::optional<fs::path> LibraryURLs::getTrashFolderURL() { return homeFolder() / ".Trash"; }
 
-std::optional<fs::path> LibraryURLs::getApplicationFolderURL() { return "/Applications"; }
+std::optional<fs::path> LibraryURLs::getDesktopTrashFolderURL() {
+    return standardFolder(baseFolder("XDG_DATA_HOME", ".local/share") / "Trash");
+}
+
+std::optional<fs::path> LibraryURLs::getApplicationFolderURL() { return systemRoot() / "Applications"; }
 
 std::optional<fs::path> LibraryURLs::getUserApplicationFolderURL() {
     static const fs::path folder = homeFolder() / "Applications";

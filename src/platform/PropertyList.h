@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace brimvault::platform {
+
+/// A property list file in XML or binary form whose outermost value is a dictionary. Any thread; not to be used by two
+/// at once.
+class PropertyList {
+public:
+    /// None for a file that is missing, no plain file, damaged, larger than 1 MiB, or no dictionary.
+    [[nodiscard]] static std::optional<PropertyList> read(const std::filesystem::path& file);
+
+    /// A boolean, a number (0 is NO), or a text that begins as a yes does: with Y, T, or a number other than 0, as the
+    /// platform reads what users have set by hand. None without such a value.
+    [[nodiscard]] std::optional<bool> boolean(const std::string& key) const;
+
+private:
+    struct Free {
+        void operator()(void* node) const;
+    };
+    explicit PropertyList(void* dictionary) : dictionary_(dictionary) {}
+
+    std::unique_ptr<void, Free> dictionary_;
+};
+
+}  // namespace brimvault::platform
