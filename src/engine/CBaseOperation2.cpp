@@ -1,12 +1,12 @@
 #include "engine/CBaseOperation2.h"
 
 #include <QCoreApplication>
+#include <set>
+#include <string>
 
+#include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
-#include "engine/ProtectedFolders.h"
-#include "files/NodeStatus.h"
-#include "files/Remove.h"
 
 namespace brimvault::engine {
 
@@ -21,14 +21,30 @@ bool isOneName(const std::filesystem::path& name) {
 
 QString withoutSystemText() { return QCoreApplication::translate("Clean", "Can't remove file"); }
 
-QString reason(const files::RemovalOutcome& outcome) {
-    return outcome.failure ? QString::fromLocal8Bit(outcome.failure->text().c_str()) : withoutSystemText();
+QString holdsSparedText() { return QCoreApplication::translate("Clean", "It holds something that is not selected"); }
+
+// The paths of what the user has spared, in the order of their bytes.
+std::set<std::string> sparedPaths(const ItemArray& items) {
+    std::set<std::string> paths;
+    for (const auto& item : items) {
+        if (!item->ppbChecked() && !item->pfpath().empty()) {
+            paths.insert(item->pfpath().native());
+        }
+    }
+    return paths;
+}
+
+bool holdsAnyOf(const std::string& folder, const std::set<std::string>& paths) {
+    const auto inside = folder + "/";
+    const auto first = paths.lower_bound(inside);
+    return first != paths.end() && first->starts_with(inside);
 }
 
 }  // namespace
 
 void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder,
                                   ItemArray& removed, NotRemovedDictionary& notRemoved) {
+    const auto spared = sparedPaths(items);
     for (const auto& item : items) {
         if (isCancelled()) {
             return;
@@ -36,7 +52,10 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         if (!isToBeCleaned(*item)) {
             continue;
         }
-        if (!item->pfpath().empty()) {
+        const bool hasPath = !item->pfpath().empty();
+        if (hasPath && holdsAnyOf(item->pfpath().native(), spared)) {
+            notRemoved.insert(item->ppdisplayName(), holdsSparedText());
+        } else if (hasPath) {
             removeItem(item, item->pfpath(), removed, notRemoved);
         } else if (!folder) {
             removed.append(item);
@@ -50,19 +69,11 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
 
 void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path,
                                  ItemArray& removed, NotRemovedDictionary& notRemoved) {
-    if (!files::mayExist(path)) {
-        removed.append(item);
-        return;
-    }
-    if (isProtectedFolder(path)) {
-        notRemoved.insert(item->ppdisplayName(), withoutSystemText());
-        return;
-    }
-    const auto outcome = files::remove(path);  // without the stop: a cancel is seen between items
-    if (outcome.end == files::RemovalEnd::gone) {
+    const auto removal = removeItemAt(path);
+    if (removal.gone) {
         removed.append(item);
     } else {
-        notRemoved.insert(item->ppdisplayName(), reason(outcome));
+        notRemoved.insert(item->ppdisplayName(), removal.reason);
     }
 }
 

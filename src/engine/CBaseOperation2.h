@@ -19,6 +19,7 @@ public:
     /// to those that are gone, also when there was nothing at the path any more, or with the system's reason to the
     /// dictionary. Stops before the next item once the operation is cancelled; the one under way is finished first.
     ///
+    /// A folder that holds another item of the list, one that is not checked, stays as well.
     /// An item without a path of its own is the one of its name in the folder given; without a folder there is nothing.
     void removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder, ItemArray& removed,
                      NotRemovedDictionary& notRemoved);

@@ -1,7 +1,8 @@
 #include "engine/ProtectedFolders.h"
 
+#include <algorithm>
 #include <initializer_list>
-#include <optional>
+#include <vector>
 
 #include "files/NodeStatus.h"
 #include "platform/LibraryURLs.h"
@@ -23,6 +24,25 @@ bool isOrHolds(const files::FileIdentity& item, std::filesystem::path folder) {
     }
 }
 
+std::vector<std::filesystem::path> rootFolders() {
+    using platform::LibraryURLs;
+    const auto library = platform::homeFolder() / "Library";
+    std::vector<std::filesystem::path> folders = {library / "Logs", library / "Application Support" / "CrashReporter",
+                                                  library / "Containers", platform::systemRoot() / "Library" / "Logs",
+                                                  LibraryURLs::getPreferencesFolderURL()};
+    for (const auto& folder :
+         {LibraryURLs::getCachesFolderURL(), LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL()}) {
+        if (folder) {
+            folders.push_back(*folder);
+        }
+    }
+    if (const auto trash = LibraryURLs::getDesktopTrashFolderURL()) {
+        folders.push_back(*trash / "files");
+        folders.push_back(*trash / "info");
+    }
+    return folders;
+}
+
 }  // namespace
 
 bool isProtectedFolder(const std::filesystem::path& path) {
@@ -30,15 +50,9 @@ bool isProtectedFolder(const std::filesystem::path& path) {
     if (!item || item->kind != files::NodeKind::directory) {
         return false;
     }
-    using platform::LibraryURLs;
-    for (const auto& root : {std::optional(platform::homeFolder()), LibraryURLs::getCachesFolderURL(),
-                             LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL(),
-                             std::optional(LibraryURLs::getPreferencesFolderURL())}) {
-        if (root && isOrHolds(item->identity, *root)) {
-            return true;
-        }
-    }
-    return false;
+    const auto protectedFolders = rootFolders();
+    return std::any_of(protectedFolders.begin(), protectedFolders.end(),
+                       [&](const auto& folder) { return isOrHolds(item->identity, folder); });
 }
 
 }  // namespace brimvault::engine

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <filesystem>
+#include <optional>
+
+#include "files/NodeStatus.h"
+
+namespace brimvault::engine {
+
+/// What a person wants to know of one file, folder or link; of a link itself, not of what it points at.
+struct FileFacts {
+    files::NodeKind kind = files::NodeKind::other;
+    QString name;
+    QString folder;  ///< full path of the folder that holds it
+    QString type;    ///< what kind of file it is by its name, as "PNG image"; for a link where it points
+    QDateTime modified;
+    QDateTime accessed;
+    std::optional<QDateTime> created;
+    QString owner;
+    QString group;
+    std::uint32_t permissions = 0;  ///< the twelve permission bits
+
+    /// None where there is nothing at the path. Blocks; any thread but the main one.
+    [[nodiscard]] static std::optional<FileFacts> of(const std::filesystem::path& path);
+
+    /// As "rwxr-xr-x", with s and t where the special bits are set.
+    [[nodiscard]] QString permissionText() const;
+};
+
+}  // namespace brimvault::engine

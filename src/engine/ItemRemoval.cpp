@@ -1,0 +1,43 @@
+#include "engine/ItemRemoval.h"
+
+#include <QCoreApplication>
+
+#include "engine/ProtectedFolders.h"
+#include "files/NodeStatus.h"
+#include "files/Remove.h"
+#include "platform/TrashFolders.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+// Only what was removed here takes its record along: while the item is there no other can be trashed under its name,
+// but the record of one that was gone before may already be that of the next.
+void removeRecordOf(const std::filesystem::path& item) {
+    const auto record = platform::TrashFolders::recordOfItem(item);
+    if (!record) {
+        return;
+    }
+    if (const auto status = files::statusOf(*record); status && status->kind == files::NodeKind::regular) {
+        (void)files::remove(*record);  // one that stays tells of nothing
+    }
+}
+
+}  // namespace
+
+ItemRemoval removeItemAt(const std::filesystem::path& path) {
+    if (!files::mayExist(path)) {
+        return {true, {}};
+    }
+    if (isProtectedFolder(path)) {
+        return {false, QCoreApplication::translate("Clean", "Can't remove file")};
+    }
+    const auto outcome = files::remove(path);  // without a stop: an item that was begun is finished
+    if (outcome.end != files::RemovalEnd::gone) {
+        return {false, QString::fromLocal8Bit(outcome.failure->text().c_str())};
+    }
+    removeRecordOf(path);
+    return {true, {}};
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <filesystem>
+
+namespace brimvault::engine {
+
+struct [[nodiscard]] ItemRemoval {
+    bool gone = false;  ///< nothing is left under the path
+    QString reason;     ///< why something is left, for people: in the system's words where it gives any
+};
+
+/// Removes one item for good: the way that every removal of a file goes, of a whole clean as of a single item. A folder
+/// that no list of items can rightly hold is refused. Once an item of the desktop's trash is gone, the record of where
+/// it came from goes as well. Blocks; any thread but the main one.
+ItemRemoval removeItemAt(const std::filesystem::path& path);
+
+}  // namespace brimvault::engine
