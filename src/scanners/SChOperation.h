@@ -1,17 +1,16 @@
 #pragma once
 
-#include "engine/SBaseOperation.h"
 #include "scanners/ContainersFolderScannerManager.h"
-#include "scanners/ScanBatches.h"
+#include "scanners/FileScanOperation.h"
 
 namespace brimvault::scanners {
 
 /// The scan of the Caches section: every visible entry of the user's caches folder, then the caches folder of every
 /// application container as one item each, whether it exists or not. Nothing else is left out and nothing is sorted.
-class SChOperation final : public engine::SBaseOperation {
+class SChOperation final : public FileScanOperation {
 public:
     explicit SChOperation(ContainersFolderScannerManager& containers = ContainersFolderScannerManager::shared())
-        : SBaseOperation(engine::Section::caches), containers_(containers) {}
+        : FileScanOperation(engine::Section::caches), containers_(containers) {}
 
     [[nodiscard]] std::optional<std::filesystem::path> getOperationRootFolderURL() const override;
     /// The entries of the folder and the containers.
@@ -22,7 +21,6 @@ protected:
 
 private:
     void collectCachesInfo(ScanBatches& batches) const;
-    void collectItem(const std::filesystem::path& path, const std::filesystem::path& name, ScanBatches& batches) const;
 
     ContainersFolderScannerManager& containers_;
 };

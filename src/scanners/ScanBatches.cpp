@@ -1,5 +1,7 @@
 #include "scanners/ScanBatches.h"
 
+#include <algorithm>
+
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
 
@@ -13,8 +15,14 @@ constexpr double batchesPerScan = 75.0;
 
 }  // namespace
 
-ScanBatches::ScanBatches(engine::Section section, qint64 expectedCount)
-    : section_(section), expectedCount_(expectedCount) {}
+ScanBatches::ScanBatches(engine::Section section, qint64 expectedCount, Percent beyondExpected)
+    : section_(section), expectedCount_(expectedCount), beyondExpected_(beyondExpected) {}
+
+void ScanBatches::beginPass() {
+    processed_ = 0;
+    sinceBatch_ = 0;
+    batch_.clear();
+}
 
 void ScanBatches::step() {
     ++processed_;
@@ -37,7 +45,9 @@ qint64 ScanBatches::percent() const {
     if (expectedCount_ <= 0) {
         return 0;
     }
-    return static_cast<qint64>(static_cast<double>(processed_) * 100.0 / static_cast<double>(expectedCount_));
+    const auto percent =
+        static_cast<qint64>(static_cast<double>(processed_) * 100.0 / static_cast<double>(expectedCount_));
+    return beyondExpected_ == Percent::cappedAtHundred ? std::min<qint64>(percent, 100) : percent;
 }
 
 // The first batch is everything found so far and replaces what an earlier scan left in the model.

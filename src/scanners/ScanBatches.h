@@ -15,8 +15,14 @@ namespace brimvault::scanners {
 /// closed it, and what came after the last batch reaches the model only with the finished notification.
 class ScanBatches {
 public:
-    ScanBatches(engine::Section section, qint64 expectedCount);
+    /// What the per cent says when more is found than was expected.
+    enum class Percent { goesOn, cappedAtHundred };
 
+    ScanBatches(engine::Section section, qint64 expectedCount, Percent beyondExpected = Percent::goesOn);
+
+    /// For scans that list in several passes: counts and batches from the start again, and keeps what was found. What
+    /// the last batch of a pass held reaches the model with the finished notification.
+    void beginPass();
     /// Counts one item, and posts the batch when it is due.
     void step();
     void add(const std::shared_ptr<engine::FFItem>& item);
@@ -27,11 +33,11 @@ public:
 
 private:
     void tryUpdateProgress(qint64 percent) const;
-    /// Above 100 when more items are found than were expected.
     [[nodiscard]] qint64 percent() const;
 
     const engine::Section section_;
     const qint64 expectedCount_;
+    const Percent beyondExpected_;
     qint64 processed_ = 0;
     qint64 sinceBatch_ = 0;
     engine::ItemArray items_;

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+
+#include "engine/SBaseOperation.h"
+#include "scanners/ScanBatches.h"
+
+namespace brimvault::scanners {
+
+/// What the scans of the sections of files share: the walk over a folder's entries, and what becomes of each of them.
+class FileScanOperation : public engine::SBaseOperation {
+protected:
+    /// How an item is found again when it is to be removed.
+    enum class Addressed {
+        byPath,  ///< it carries its path
+        byName   ///< it carries no path: it is the one of its name in the section's folder
+    };
+
+    struct FoundFile {
+        std::filesystem::path path;
+        std::filesystem::path name;  ///< under which it is listed
+        Addressed addressed = Addressed::byPath;
+        quint64 size = 0;  ///< bytes; 0 when they are still to be measured
+    };
+
+    explicit FileScanOperation(engine::Section section) : SBaseOperation(section) {}
+
+    /// Calls with the path of every direct child of the folder, in the listing's order, until the operation is
+    /// cancelled. A folder that is missing or cannot be read, or not to its end, gives what it gave.
+    void iterateFiles(const std::filesystem::path& folder, files::HiddenEntries hidden,
+                      const std::function<void(const std::filesystem::path&)>& call) const;
+
+    /// Counts the file and, unless the operation is cancelled while it is measured, adds it as an item.
+    void collectFile(FoundFile found, ScanBatches& batches) const;
+    /// Makes the item, with the size found.
+    void addItem(const FoundFile& found, ScanBatches& batches) const;
+
+    /// Whether items come ticked.
+    [[nodiscard]] virtual bool isTickedAtFirst() const { return true; }
+
+    /// The name under which a folder of a container is listed: "com.example.app" for
+    /// ".../Containers/com.example.app/Data/Library/Caches".
+    [[nodiscard]] static std::filesystem::path containerName(const std::filesystem::path& inside);
+};
+
+}  // namespace brimvault::scanners

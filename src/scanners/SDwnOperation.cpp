@@ -1,0 +1,26 @@
+#include "scanners/SDwnOperation.h"
+
+#include "platform/LibraryURLs.h"
+
+namespace brimvault::scanners {
+
+std::optional<std::filesystem::path> SDwnOperation::getOperationRootFolderURL() const {
+    return platform::LibraryURLs::getDownloadsFolderURL();
+}
+
+void SDwnOperation::main() {
+    initTopLevelItemsCount();
+    ScanBatches batches(section(), nTopLevelItemsCount());
+    collectDownloadsInfo(batches);
+    batches.sendOperationCompleted();
+}
+
+void SDwnOperation::collectDownloadsInfo(ScanBatches& batches) const {
+    if (const auto root = getOperationRootFolderURL()) {
+        iterateFiles(*root, files::HiddenEntries::skip, [&](const std::filesystem::path& child) {
+            collectFile({.path = child, .name = child.filename(), .addressed = Addressed::byName}, batches);
+        });
+    }
+}
+
+}  // namespace brimvault::scanners

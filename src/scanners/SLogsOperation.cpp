@@ -1,0 +1,105 @@
+#include "scanners/SLogsOperation.h"
+
+#include <array>
+
+#include "files/Measure.h"
+#include "platform/System.h"
+
+namespace brimvault::scanners {
+
+namespace {
+
+constexpr SLogsOperation::LogSource userLogs = 0;
+constexpr SLogsOperation::LogSource crashReports = 1;
+constexpr SLogsOperation::LogSource systemLogs = 2;
+constexpr SLogsOperation::LogSource containerLogs = 3;
+constexpr std::array sources = {userLogs, crashReports, systemLogs, containerLogs};
+
+}  // namespace
+
+void SLogsOperation::main() {
+    for (const LogSource source : sources) {
+        calculateFilesInSource(source);
+    }
+    calculateFilesInContainers();
+    ScanBatches batches(section(), nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred);
+    collectLogs(batches);
+    batches.sendOperationCompleted();
+}
+
+void SLogsOperation::collectLogs(ScanBatches& batches) {
+    for (const LogSource source : sources) {
+        batches.beginPass();
+        collectFilesFromSource(source, batches);
+    }
+    batches.beginPass();
+    collectFromContainers(batches);
+}
+
+std::optional<std::filesystem::path> SLogsOperation::urlOfSource(LogSource source) const {
+    const auto library = paths_.getHomeDirectory() / "Library";
+    switch (source) {
+        case userLogs:
+            return library / "Logs";
+        case crashReports:
+            return library / "Application Support" / "CrashReporter";
+        case systemLogs:
+            return platform::systemRoot() / "Library" / "Logs";
+        case containerLogs:
+            return library / "Containers";
+        default:
+            return std::nullopt;
+    }
+}
+
+bool SLogsOperation::isSourceNeedToSkipFile(LogSource source, const std::filesystem::path& name) {
+    return source == userLogs &&
+           (name == "CrashReporter" || name == "Ubiquity" || name.native().starts_with("talagent.log"));
+}
+
+void SLogsOperation::iterateFilesFromSource(LogSource source, const FileBlock& block) const {
+    if (source == containerLogs) {
+        iterateFilesFromContainers(block);
+    } else if (const auto folder = urlOfSource(source)) {
+        iterateFiles(*folder, files::HiddenEntries::skip, block);
+    }
+}
+
+// Every visible child counts as a container here.
+void SLogsOperation::iterateFilesFromContainers(const FileBlock& block) const {
+    if (const auto containers = urlOfSource(containerLogs)) {
+        iterateFiles(*containers, files::HiddenEntries::skip, [&](const std::filesystem::path& container) {
+            iterateFiles(container / "Data" / "Library" / "Logs", files::HiddenEntries::skip, block);
+        });
+    }
+}
+
+void SLogsOperation::calculateFilesInSource(LogSource source) {
+    iterateFilesFromSource(source, [this](const auto&) { setTopLevelItemsCount(nTopLevelItemsCount() + 1); });
+}
+
+void SLogsOperation::calculateFilesInContainers() {
+    setTopLevelItemsCount(nTopLevelItemsCount() + static_cast<qint64>(containers_.logs().size()));
+}
+
+// What is skipped was counted, and moves the progress on.
+void SLogsOperation::collectFilesFromSource(LogSource source, ScanBatches& batches) const {
+    iterateFilesFromSource(source, [&](const std::filesystem::path& file) {
+        const auto name = file.filename();
+        if (isSourceNeedToSkipFile(source, name)) {
+            batches.step();
+        } else {
+            collectFile({.path = file, .name = name}, batches);
+        }
+    });
+}
+
+// This pass goes to its end, also once the operation is cancelled, and so do its measurements.
+void SLogsOperation::collectFromContainers(ScanBatches& batches) const {
+    for (const auto& logs : containers_.logs()) {
+        batches.step();
+        addItem({.path = logs, .name = containerName(logs), .size = files::measureItem(logs)}, batches);
+    }
+}
+
+}  // namespace brimvault::scanners

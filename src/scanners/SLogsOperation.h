@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+
+#include "scanners/ContainersFolderScannerManager.h"
+#include "scanners/FileScanOperation.h"
+#include "scanners/PathsGenerator.h"
+
+namespace brimvault::scanners {
+
+/// The scan of the Logs section: the visible entries of four sources one by one, then the logs folder of every
+/// application container as one item each. What the containers hold is listed twice on purpose, singly and as a whole.
+/// A first pass counts what five passes then list.
+class SLogsOperation final : public FileScanOperation {
+public:
+    /// Number of a source of logs: 0 the user's logs, 1 the crash reporter's, 2 the system's logs, 3 those inside the
+    /// containers. Any other number has no folder and gives nothing.
+    using LogSource = int;
+    using FileBlock = std::function<void(const std::filesystem::path&)>;
+
+    explicit SLogsOperation(ContainersFolderScannerManager& containers = ContainersFolderScannerManager::shared(),
+                            const PathsGenerator& paths = PathsGenerator::GetInstance())
+        : FileScanOperation(engine::Section::logs), containers_(containers), paths_(paths) {}
+
+    /// The source's folder; none for an unknown number.
+    [[nodiscard]] std::optional<std::filesystem::path> urlOfSource(LogSource source) const;
+    /// What the user's logs hold and other programs look after.
+    [[nodiscard]] static bool isSourceNeedToSkipFile(LogSource source, const std::filesystem::path& name);
+
+protected:
+    void main() override;
+
+private:
+    void collectLogs(ScanBatches& batches);
+    void iterateFilesFromSource(LogSource source, const FileBlock& block) const;
+    void iterateFilesFromContainers(const FileBlock& block) const;
+    void calculateFilesInSource(LogSource source);
+    void calculateFilesInContainers();
+    void collectFilesFromSource(LogSource source, ScanBatches& batches) const;
+    void collectFromContainers(ScanBatches& batches) const;
+
+    ContainersFolderScannerManager& containers_;
+    const PathsGenerator& paths_;
+};
+
+}  // namespace brimvault::scanners

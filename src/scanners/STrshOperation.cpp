@@ -1,0 +1,112 @@
+#include "scanners/STrshOperation.h"
+
+#include <charconv>
+#include <set>
+
+#include "files/NodeStatus.h"
+#include "platform/LibraryURLs.h"
+#include "platform/ListScript.h"
+#include "platform/TrashFolders.h"
+
+namespace brimvault::scanners {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// 0, to be measured, for anything but a whole number of bytes.
+quint64 sizeFrom(const std::string& text) {
+    qint64 size = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stopped, code] = std::from_chars(text.data(), end, size);
+    return code == std::errc() && stopped == end && size > 0 ? static_cast<quint64>(size) : 0;
+}
+
+bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
+
+}  // namespace
+
+std::optional<fs::path> STrshOperation::getOperationRootFolderURL() const {
+    return platform::LibraryURLs::getTrashFolderURL();
+}
+
+void STrshOperation::main() {
+    initCollectionByFinder();
+    ScanBatches batches(section(), nTopLevelItemsCount());
+    collectTrashInfoByFinder(batches);
+    batches.sendOperationCompleted();
+}
+
+void STrshOperation::initCollectionByFinder() {
+    if (const auto answer = platform::runListScript(sources_.script, sources_.scriptLimit, stopToken())) {
+        fixPathsWithSameFileNames(readPairs(*answer));
+    }
+    setTopLevelItemsCount(static_cast<qint64>(pathSizeDictionary_.size()));
+    if (pathSizeDictionary_.empty()) {
+        initTopLevelItemsCount();
+    }
+}
+
+std::vector<fs::path> STrshOperation::readPairs(const std::vector<std::string>& answer) {
+    std::vector<fs::path> paths;
+    for (std::size_t at = 0; at + 1 < answer.size(); at += 2) {
+        const fs::path path = answer[at];
+        if (platform::TrashFolders::isItemInTrash(path)) {
+            pathSizeDictionary_[path] = sizeFrom(answer[at + 1]);
+            paths.push_back(path);
+        }
+    }
+    return paths;
+}
+
+// Items of one name in several trash folders may be told of under one path, as often as there are such items. They are
+// looked for in every folder that the answer mentions.
+void STrshOperation::fixPathsWithSameFileNames(const std::vector<fs::path>& paths) {
+    if (pathSizeDictionary_.size() >= paths.size()) {
+        return;
+    }
+    std::map<fs::path, int> occurrences;
+    std::set<fs::path> folders;
+    for (const auto& path : paths) {
+        ++occurrences[path];
+        folders.insert(path.parent_path());
+    }
+    for (const auto& [path, count] : occurrences) {
+        for (const auto& folder : folders) {
+            const auto other = folder / path.filename();
+            if (count > 1 && !pathSizeDictionary_.contains(other) && files::statusOf(other)) {
+                pathSizeDictionary_[other] = 0;
+            }
+        }
+    }
+}
+
+void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
+    if (pathSizeDictionary_.empty()) {
+        collectTrashInfo(batches);
+        return;
+    }
+    const bool hiddenToo = sources_.finder.isHiddenFilesVisibleInFinder();
+    for (const auto& [path, size] : pathSizeDictionary_) {
+        if (isCancelled()) {
+            return;
+        }
+        if (isHidden(path) && !hiddenToo) {
+            batches.step();  // it was counted
+        } else {
+            collectFile({.path = path, .name = path.filename(), .size = size}, batches);
+        }
+    }
+}
+
+void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
+    const auto hidden =
+        sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
+    if (const auto root = getOperationRootFolderURL()) {
+        iterateFiles(*root, hidden, [&](const fs::path& child) {
+            collectFile({.path = child, .name = child.filename(), .addressed = Addressed::byName}, batches);
+        });
+    }
+}
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <chrono>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/FinderPreferences.h"
+#include "scanners/FileScanOperation.h"
+
+namespace brimvault::scanners {
+
+/// The scan of the Trash section: every item of the Trash as the desktop shows it, on all volumes, as the script
+/// "TrashScan" lists them. Where the script tells of none, the home folder's ".Trash" is listed instead, whose items
+/// are then addressed by their names.
+class STrshOperation final : public FileScanOperation {
+public:
+    /// What the scan asks. The preferences outlive it.
+    struct Sources {
+        QString script = QStringLiteral(":/scripts/TrashScan");
+        std::chrono::milliseconds scriptLimit{10'000};  ///< a volume that does not answer is not waited for longer
+        platform::FinderPreferences& finder = platform::FinderPreferences::shared();
+    };
+
+    STrshOperation() : STrshOperation(Sources{}) {}
+    explicit STrshOperation(Sources sources)
+        : FileScanOperation(engine::Section::trash), sources_(std::move(sources)) {}
+
+    [[nodiscard]] std::optional<std::filesystem::path> getOperationRootFolderURL() const override;
+
+protected:
+    void main() override;
+
+private:
+    void initCollectionByFinder();
+    /// Takes path and size in turn; a path without a size is none, and neither is one that lies in no trash folder.
+    [[nodiscard]] std::vector<std::filesystem::path> readPairs(const std::vector<std::string>& answer);
+    void fixPathsWithSameFileNames(const std::vector<std::filesystem::path>& paths);
+    void collectTrashInfoByFinder(ScanBatches& batches) const;
+    void collectTrashInfo(ScanBatches& batches) const;
+
+    Sources sources_;
+    std::map<std::filesystem::path, quint64> pathSizeDictionary_;  ///< bytes; 0 where the script does not know
+};
+
+}  // namespace brimvault::scanners
