@@ -6,13 +6,16 @@ class QWidget;
 
 namespace brimvault::ui {
 
-/// A question to the user, with a confirming button first and a cancelling one second.
+/// A question to the user, with a confirming button first and a cancelling one second; or something to be told, with
+/// one button to take note of it.
 struct Alert {
     enum class Suppression { notOffered, offered };
+    enum class Buttons { confirmAndCancel, takeNote };
 
     QString message;
     QString informativeText;
     Suppression suppression = Suppression::notOffered;
+    Buttons buttons = Buttons::confirmAndCancel;
 };
 
 struct AlertAnswer {

@@ -13,6 +13,13 @@ public:
     virtual void setPbScanning(bool scanning) = 0;
     [[nodiscard]] virtual bool pbCleanning() const = 0;
     virtual void setPbCleanning(bool cleaning) = 0;
+    /// A single item is being removed.
+    [[nodiscard]] virtual bool pbRemoving() const = 0;
+    virtual void setPbRemoving(bool removing) = 0;
+    /// Something runs beside which nothing else may begin.
+    [[nodiscard]] bool sectionControllerIsScanOrRemoveProcessPerforming() const {
+        return pbScanning() || pbCleanning() || pbRemoving();
+    }
     /// A scan has been started at least once in this run.
     [[nodiscard]] virtual bool bScanStarted() const = 0;
 

@@ -4,6 +4,9 @@
 #include "engine/Notifications.h"
 #include "ui/DefaultsKeys.h"
 #include "ui/TChViewController.h"
+#include "ui/TDwnViewController.h"
+#include "ui/TLogsViewController.h"
+#include "ui/TTrViewController.h"
 
 namespace brimvault::ui {
 
@@ -21,16 +24,16 @@ QString countText(qsizetype items, bool more) {
 
 }  // namespace
 
-FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, platform::UserDefaults& defaults,
-                           AlertPresenter& alerts)
-    : defaults_(defaults), window_(std::make_unique<MainWindow>()) {
+FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings)
+    : defaults_(surroundings.defaults), util_(surroundings.util), window_(std::make_unique<MainWindow>()) {
     psectController_ = std::make_unique<TSectionViewController>(
-        TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, defaults, alerts,
-                                             [] { return QStringList(); }},
+        TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, surroundings.defaults,
+                                             surroundings.alerts, [] { return QStringList(); }},
         std::move(scans), std::move(cleans));
+    util_.setWindow(window_.get());
 }
 
-FAppDelegate::~FAppDelegate() = default;
+FAppDelegate::~FAppDelegate() { util_.waitUntilIdle(); }
 
 void FAppDelegate::applicationDidFinishLaunching() {
     defaults_.increase(defaults_key::launchNumber);
@@ -55,6 +58,8 @@ void FAppDelegate::connectControls() {
     connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
+    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, this, &FAppDelegate::doSelGetInfo);
+    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, this, &FAppDelegate::doSelShowInFinder);
     window_->setMayClose([this] { return mayClose(); });
 }
 
@@ -197,7 +202,7 @@ void FAppDelegate::focusWhatIsNext() {
 void FAppDelegate::updateCleaningStateForControllers() {
     for (const auto& controller : pDynControllers_) {
         if (controller) {
-            controller->updateCleaningState(bcleaningProcess_);
+            controller->updateCleaningState(bcleaningProcess_ || removing_);
         }
     }
 }
@@ -207,13 +212,31 @@ void FAppDelegate::updateCleaningStateForControllers() {
 void FAppDelegate::enableControlsScan(bool idle) {
     setImgs4Scan(idle);
     window_->lists()->pbtnClean()->setEnabled(idle && bScanStarted_);
-    window_->lists()->pbtnSelectAll()->setEnabled(idle && bScanStarted_);
+    enableListControls(idle);
 }
 
 void FAppDelegate::enableControlsClean(bool idle) {
     setImgs4Clean(idle);
     window_->sidebar()->pbtnScan()->setEnabled(idle);
-    window_->lists()->pbtnSelectAll()->setEnabled(idle && bScanStarted_);
+    enableListControls(idle);
+}
+
+void FAppDelegate::enableListControls(bool idle) {
+    auto* lists = window_->lists();
+    for (QWidget* control : {static_cast<QWidget*>(lists->pbtnInf()), static_cast<QWidget*>(lists->pbtnFinder()),
+                             static_cast<QWidget*>(lists->pbtnSelectAll())}) {
+        control->setEnabled(idle && bScanStarted_);
+    }
+}
+
+// While an item is being removed nothing else begins, and nothing stops it.
+void FAppDelegate::setPbRemoving(bool removing) {
+    removing_ = removing;
+    psectController_->updateChecksEnabled();
+    window_->sidebar()->pbtnScan()->setEnabled(!removing);
+    updateCleaningStateForControllers();
+    updateSelectAllCheck();
+    closeWhenIdle();
 }
 
 void FAppDelegate::setImgs4Scan(bool idle) {
@@ -247,11 +270,27 @@ void FAppDelegate::activatePanel(int row) {
     showPanel(row);
 }
 
+std::unique_ptr<ItemListController> FAppDelegate::makeController(Section section) {
+    const ItemListController::Surroundings surroundings{psectController_->getAppResDS(), *psectController_, *this,
+                                                        util_};
+    switch (section) {
+        case Section::caches:
+            return std::make_unique<TChViewController>(surroundings);
+        case Section::logs:
+            return std::make_unique<TLogsViewController>(surroundings);
+        case Section::downloads:
+            return std::make_unique<TDwnViewController>(surroundings);
+        case Section::trash:
+            return std::make_unique<TTrViewController>(surroundings);
+        case Section::languageResources:
+            break;
+    }
+    return nullptr;
+}
+
 void FAppDelegate::createController(int row) {
     auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
-    if (sectionRows()[static_cast<std::size_t>(row)].section == Section::caches) {
-        slot = std::make_unique<TChViewController>(psectController_->getAppResDS(), *psectController_);
-    }
+    slot = makeController(sectionRows()[static_cast<std::size_t>(row)].section);
     if (slot) {
         window_->lists()->addList(slot->view());
         connect(slot.get(), &ItemListController::tableUpdated, this, [this] {
@@ -294,6 +333,18 @@ void FAppDelegate::showTitle() {
     }
 }
 
+void FAppDelegate::doSelShowInFinder() {
+    if (auto* current = getCurrentSectionController()) {
+        current->onClickedRevealInFinder();
+    }
+}
+
+void FAppDelegate::doSelGetInfo() {
+    if (auto* current = getCurrentSectionController()) {
+        current->onClickedGetInfo();
+    }
+}
+
 void FAppDelegate::toggleSelectAll() {
     auto* current = getCurrentSectionController();
     if (current == nullptr) {
@@ -328,9 +379,11 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
     const quint64 selected = psectController_->getSize2CleanALLSel();
     const QString total = FileSize::formatMemoryStringDot1(psectController_->getAppResDS().getSize2CleanALL());
     window_->lists()->plashka()->setTexts(selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected),
-                                          bcleaningProcess_ ? tr("Cleaning...") : tr("Selected of %1").arg(total));
+                                          bcleaningProcess_ ? tr("Cleaning...")
+                                          : removing_       ? tr("Removing...")
+                                                            : tr("Selected of %1").arg(total));
     if (!bcleaningProcess_) {
-        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_);
+        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_);
     }
     bPlashkaStateSelectedFiles_ = true;
 }

@@ -24,9 +24,14 @@ class FAppDelegate final : public QObject, public ApplicationController {
     Q_OBJECT
 
 public:
-    /// The defaults and the alerts outlive it.
-    FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, platform::UserDefaults& defaults,
-                 AlertPresenter& alerts);
+    /// What the window gets from around it; all of it outlives the window.
+    struct Surroundings {
+        platform::UserDefaults& defaults;  ///< settings and statistics
+        AlertPresenter& alerts;            ///< questions to the user
+        UtilMod& util;                     ///< the file browser, single removals
+    };
+
+    FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings);
     ~FAppDelegate() override;
 
     /// Brings everything to its first state and shows the window. Once.
@@ -40,9 +45,8 @@ public:
     [[nodiscard]] bool pbCleanning() const override { return bcleaningProcess_; }
     void setPbCleanning(bool cleaning) override;
     [[nodiscard]] bool bScanStarted() const override { return bScanStarted_; }
-    [[nodiscard]] bool sectionControllerIsScanOrRemoveProcessPerforming() const {
-        return bscanningProcess_ || bcleaningProcess_;
-    }
+    [[nodiscard]] bool pbRemoving() const override { return removing_; }
+    void setPbRemoving(bool removing) override;
 
     void activatePanel(int row) override;
     void updateSelectAllCheck() override;
@@ -67,16 +71,20 @@ private:
     void showSelPanel();
     void enableControlsScan(bool idle);
     void enableControlsClean(bool idle);
+    void enableListControls(bool idle);
     void setImgs4Scan(bool idle);
     void setImgs4Clean(bool idle);
     void updateCleaningStateForControllers();
     void focusWhatIsNext();
 
+    [[nodiscard]] std::unique_ptr<ItemListController> makeController(engine::Section section);
     void createController(int row);
     void showPanel(int row);
     void showTitle();
     [[nodiscard]] ItemListController* getCurrentSectionController() const;
     void toggleSelectAll();
+    void doSelShowInFinder();
+    void doSelGetInfo();
     void updateSelectAllButton();
 
     void plashkaPressed();
@@ -87,6 +95,7 @@ private:
     void closeWhenIdle();
 
     platform::UserDefaults& defaults_;
+    UtilMod& util_;
     std::unique_ptr<MainWindow> window_;
     std::unique_ptr<TSectionViewController> psectController_;
     std::array<std::unique_ptr<ItemListController>, sectionRowCount> pDynControllers_;
@@ -94,6 +103,7 @@ private:
     int activeRow_ = 0;
     bool bscanningProcess_ = false;
     bool bcleaningProcess_ = false;
+    bool removing_ = false;
     bool bScanStarted_ = false;               ///< never reset
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
     bool closing_ = false;                    ///< the user closed the window while something ran

@@ -1,6 +1,7 @@
 #include "ui/ItemListController.h"
 
 #include <QHeaderView>
+#include <QMenu>
 #include <QScrollBar>
 #include <QSet>
 #include <algorithm>
@@ -16,8 +17,12 @@ const engine::FFItem& file(const engine::CleanableItem& item) { return static_ca
 
 }  // namespace
 
-ItemListController::ItemListController(engine::Section section, engine::DataMan& pDS, CheckListener& pCheckListener)
-    : section_(section), pDS_(pDS), pCheckListener_(pCheckListener) {}
+ItemListController::ItemListController(engine::Section section, const Surroundings& surroundings)
+    : section_(section),
+      pDS_(surroundings.pDS),
+      pCheckListener_(surroundings.pCheckListener),
+      dataSource_(surroundings.dataSource),
+      util_(surroundings.util) {}
 
 ItemListController::~ItemListController() = default;
 
@@ -33,6 +38,8 @@ void ItemListController::awake(const QString& accessibleName) {
     // The second of two quick clicks counts as one too.
     connect(ptableView_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
             &ItemListController::didClickTableColumn);
+    connect(ptableView_, &TTableView::menuRequested, this, &ItemListController::showMenu);
+    connect(ptableView_, &TTableView::removeRequested, this, &ItemListController::onClickedRemove);
     const auto words = engine::vocabulary(section_);
     observe(words.interfaceFinished);
     observe(words.interfaceProgress);
@@ -144,6 +151,54 @@ void ItemListController::didClickTableColumn(int column) {
     }
     header->setSortIndicator(column, order);
     model_->sort(column, order);
+}
+
+void ItemListController::showMenu(const QPoint& globalPosition) {
+    auto* menu = new QMenu(ptableView_);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const bool selected = hasSelectedItem();
+    menu->addAction(tr("Show in File Manager"), this, &ItemListController::onClickedRevealInFinder)
+        ->setEnabled(selected);
+    menu->addAction(tr("Show Information"), this, &ItemListController::onClickedGetInfo)->setEnabled(selected);
+    menu->addSeparator();
+    menu->addAction(tr("Remove..."), this, &ItemListController::onClickedRemove)->setEnabled(isRemoveEnabled());
+    menu->popup(globalPosition);
+}
+
+void ItemListController::onClickedRevealInFinder() {
+    if (const auto item = getSelectedItem()) {
+        util_.doRevealInFinder(getPathByItem(*item));
+    }
+}
+
+void ItemListController::onClickedGetInfo() {
+    if (const auto item = getSelectedItem()) {
+        util_.doGetInformation(getPathByItem(*item));
+    }
+}
+
+bool ItemListController::isRemoveEnabled() const {
+    return hasSelectedItem() && !dataSource_.sectionControllerIsScanOrRemoveProcessPerforming();
+}
+
+void ItemListController::onClickedRemove() {
+    const auto item = getSelectedItem();
+    if (!isRemoveEnabled() || !util_.isRemovalConfirmed(item->ppdisplayName())) {
+        return;
+    }
+    // While the question was open, a scan may have begun or the item may have gone.
+    if (dataSource_.sectionControllerIsScanOrRemoveProcessPerforming() || !isListed(item.get())) {
+        return;
+    }
+    dataSource_.setPbRemoving(true);
+    util_.doRemoveFile(getPathByItem(*item), [this, item](bool success) {
+        dataSource_.setPbRemoving(false);
+        if (success) {
+            const auto words = engine::vocabulary(section_);
+            engine::NotificationCenter::defaultCenter().post(words.cleanFinished,
+                                                             {{words.arrayKey, engine::ItemArray{item}}});
+        }
+    });
 }
 
 void ItemListController::updateCleaningState(bool cleaning) {

@@ -7,9 +7,11 @@
 
 #include "engine/DataMan.h"
 #include "engine/NotificationCenter.h"
+#include "ui/ApplicationController.h"
 #include "ui/CheckListener.h"
 #include "ui/ItemListModel.h"
 #include "ui/TTableView.h"
+#include "ui/UtilMod.h"
 
 namespace brimvault::ui {
 
@@ -19,6 +21,14 @@ class ItemListController : public QObject {
     Q_OBJECT
 
 public:
+    /// Whom a list works with; all of them outlive it.
+    struct Surroundings {
+        engine::DataMan& pDS;
+        CheckListener& pCheckListener;
+        ApplicationController& dataSource;
+        UtilMod& util;
+    };
+
     ~ItemListController() override;
 
     [[nodiscard]] engine::Section section() const { return section_; }
@@ -41,6 +51,14 @@ public:
     void updateCleaningState(bool cleaning);
     void updateTableKeepSelection();
 
+    /// What the menus and buttons offer for the selected item; nothing without one.
+    void onClickedRevealInFinder();
+    void onClickedGetInfo();
+    /// Asks, removes the item for good, and drops it from the list once it is gone.
+    void onClickedRemove();
+    /// Whether `onClickedRemove` would do anything.
+    [[nodiscard]] bool isRemoveEnabled() const;
+
     /// Where the item lies, for what is done to it.
     [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
 
@@ -49,26 +67,31 @@ Q_SIGNALS:
     void tableUpdated();
 
 protected:
-    /// The model and the listener outlive the list.
-    ItemListController(engine::Section section, engine::DataMan& pDS, CheckListener& pCheckListener);
+    ItemListController(engine::Section section, const Surroundings& surroundings);
     /// To be called once, at the end of the constructor of a section's own list.
     void awake(const QString& accessibleName);
 
     [[nodiscard]] virtual QString nameOf(const engine::FFItem& item) const { return item.ppdisplayName(); }
     /// For the tooltip; empty for none.
-    [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const = 0;
+    [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const {
+        return getPathByItem(item);
+    }
 
 private:
     [[nodiscard]] ItemListModel::Texts texts() const;
     void observe(const QString& name);
     void setItemChecked(int row, bool checked);
     void didClickTableColumn(int column);
+    void showMenu(const QPoint& globalPosition);
+    [[nodiscard]] bool isListed(const engine::FFItem* item) const { return model_->rowOf(item) >= 0; }
     [[nodiscard]] int rowsThatStay(const QList<ItemListModel::Item>& items, int above) const;
     void replaceCurrent(int row, bool selected);
 
     const engine::Section section_;
     engine::DataMan& pDS_;
     CheckListener& pCheckListener_;
+    ApplicationController& dataSource_;
+    UtilMod& util_;
     ItemListModel* model_ = nullptr;
     TTableView* ptableView_ = nullptr;  ///< the window that shows it becomes its owner
     std::vector<engine::NotificationCenter::Observation> observations_;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int sideMargin = 18;
 constexpr int countGap = 16;
+constexpr int buttonGap = 8;
 constexpr qreal titleSize = 18;
 constexpr qreal countSize = 12;
 constexpr qreal noteSize = 14;
@@ -56,6 +57,8 @@ ListPanel::ListPanel(QWidget* parent)
     : QWidget(parent),
       title_(makeLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
       count_(makeLabel(look::font(countSize), look::textSecondary)),
+      pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
+      pbtnFinder_(new IconButton(QLatin1String("btnFinder"), tr("Show in File Manager"))),
       pDestView_(new QWidget),
       lists_(new QVBoxLayout(pDestView_)),
       note_(makeLabel(look::font(noteSize), look::textSecondary)),
@@ -88,6 +91,11 @@ QWidget* ListPanel::makeTitleBar() {
     layout->addWidget(title_);
     layout->addWidget(count_);
     layout->addStretch(1);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonGap);
+    buttons->addWidget(pbtnInf_);
+    buttons->addWidget(pbtnFinder_);
+    layout->addLayout(buttons);
     return bar;
 }
 

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include "ui/ActionButton.h"
+#include "ui/IconButton.h"
 #include "ui/PlashkaView.h"
 #include "ui/SelectAllButton.h"
 
@@ -25,6 +26,9 @@ public:
     void setNote(const QString& note);
 
     [[nodiscard]] ActionButton* pbtnClean() const { return pbtnClean_; }
+    /// What is known of the selected item, and where it lies.
+    [[nodiscard]] IconButton* pbtnInf() const { return pbtnInf_; }
+    [[nodiscard]] IconButton* pbtnFinder() const { return pbtnFinder_; }
     [[nodiscard]] SelectAllButton* pbtnSelectAll() const { return pbtnSelectAll_; }
     [[nodiscard]] PlashkaView* plashka() const { return plashka_; }
 
@@ -34,6 +38,8 @@ private:
 
     QLabel* title_;
     QLabel* count_;
+    IconButton* pbtnInf_;
+    IconButton* pbtnFinder_;
     QWidget* pDestView_;
     QVBoxLayout* lists_;
     QLabel* note_;

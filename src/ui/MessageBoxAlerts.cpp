@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QCoreApplication>
+#include <QLabel>
 #include <QMessageBox>
 
 #include "ui/ImageLoad.h"
@@ -16,9 +17,17 @@ AlertAnswer MessageBoxAlerts::runModal(const Alert& alert, QWidget* window) {
     box.setIconPixmap(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), window->devicePixelRatioF())
                           .scaled(QSize(iconSize, iconSize) * window->devicePixelRatioF(), Qt::KeepAspectRatio,
                                   Qt::SmoothTransformation));
+    // Names of files may look like markup, and are shown as they are.
+    box.setTextFormat(Qt::PlainText);
     box.setText(alert.message);
     box.setInformativeText(alert.informativeText);
-    box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+    if (auto* informative = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        informative->setTextFormat(Qt::PlainText);
+    }
+    box.setStandardButtons(QMessageBox::Ok);
+    if (alert.buttons == Alert::Buttons::confirmAndCancel) {
+        box.addButton(QMessageBox::Cancel);
+    }
     box.setDefaultButton(QMessageBox::Ok);
     for (auto* button : box.buttons()) {
         button->setIcon({});

@@ -89,7 +89,7 @@ void TSectionViewController::checkClicked(int row, bool checked) {
 }
 
 void TSectionViewController::updateChecksEnabled() {
-    model_.setChecksEnabled(!pAppDelegate_.pbScanning() && !pAppDelegate_.pbCleanning());
+    model_.setChecksEnabled(!pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming());
 }
 
 void TSectionViewController::selectRow(int row) {
@@ -132,7 +132,7 @@ quint64 TSectionViewController::getSize2CleanALLSel() const {
 }
 
 void TSectionViewController::doStartScan() {
-    if (pAppDelegate_.pbCleanning() || questionOpen_) {
+    if (pAppDelegate_.pbCleanning() || pAppDelegate_.pbRemoving() || questionOpen_) {
         return;
     }
     if (pAppDelegate_.pbScanning()) {
@@ -159,7 +159,7 @@ void TSectionViewController::doStartScan() {
 }
 
 void TSectionViewController::doStartClean() {
-    if (pAppDelegate_.pbScanning() || questionOpen_) {
+    if (pAppDelegate_.pbScanning() || pAppDelegate_.pbRemoving() || questionOpen_) {
         return;
     }
     if (pAppDelegate_.pbCleanning()) {
@@ -199,7 +199,7 @@ AlertAnswer TSectionViewController::ask(const Alert& alert) {
 // While the question was open, the end of a scan that had been stopped may have brought more items. The user agreed to
 // what was on show.
 bool TSectionViewController::isStillWhatWasAsked() const {
-    return !pAppDelegate_.pbScanning() && !pAppDelegate_.pbCleanning() && !performer_.pscaner().isScanning() &&
+    return !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming() && !performer_.pscaner().isScanning() &&
            static_cast<qint64>(getSize2CleanALLSel()) == lastCleanedSize_;
 }
 

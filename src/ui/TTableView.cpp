@@ -1,6 +1,7 @@
 #include "ui/TTableView.h"
 
 #include <QAccessible>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -93,9 +94,44 @@ void TTableView::mouseReleaseEvent(QMouseEvent* event) {
 void TTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
         toggleCheck(this, currentIndex().siblingAtColumn(ItemListModel::checkColumn));
+    } else if (event->key() == Qt::Key_Delete) {
+        Q_EMIT removeRequested();
+    } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        requestMenuOfCurrentRow();  // the menu key of keyboards without one
+    } else {
+        QTableView::keyPressEvent(event);
+    }
+}
+
+QModelIndex TTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    if (action == MoveHome || action == MoveEnd) {
+        return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, currentIndex().column());
+    }
+    return QTableView::moveCursor(action, modifiers);
+}
+
+// What the menu offers is done to the selected row: a click selects its row first.
+void TTableView::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        requestMenuOfCurrentRow();
         return;
     }
-    QTableView::keyPressEvent(event);
+    const QModelIndex index = indexAt(event->pos());
+    if (index.isValid()) {
+        setCurrentIndex(index);
+        Q_EMIT menuRequested(event->globalPos());
+    }
+}
+
+void TTableView::requestMenuOfCurrentRow() {
+    const QModelIndex index = currentIndex();
+    if (!index.isValid()) {
+        return;
+    }
+    selectionModel()->select(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(index);
+    const QRect name = visualRect(index.siblingAtColumn(ItemListModel::nameColumn));
+    Q_EMIT menuRequested(viewport()->mapToGlobal(isRightToLeft() ? name.bottomRight() : name.bottomLeft()));
 }
 
 void TTableView::keepCurrentRow() {

@@ -1,15 +1,172 @@
 #include "ui/UtilMod.h"
 
+#include <QFutureWatcher>
+#include <QtConcurrentRun>
+
+#include "engine/FileFacts.h"
+#include "engine/ItemRemoval.h"
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+#include "files/Measure.h"
+#include "platform/DisplayText.h"
 #include "platform/LibraryURLs.h"
+#include "scanners/SystemPathsGenerator.h"
+#include "ui/InfoWindow.h"
+#include "ui/MessageBoxAlerts.h"
 
 namespace brimvault::ui {
 
-std::filesystem::path UtilMod::getFullPathToItem(const engine::FFItem& item, const std::filesystem::path& folder) {
-    return item.pfpath().empty() ? folder / item.pfname() : item.pfpath();
+namespace {
+
+enum class Shown { shown, noSuchFile, nobodyAnswers };
+
+// A path without "~/", "." and ".."; one that is not absolute stays so, and names nothing: where the program was
+// started is no place that a list speaks of.
+std::filesystem::path standardized(const std::filesystem::path& path) {
+    return scanners::SystemPathsGenerator::shared().urlForPath(path).lexically_normal();
+}
+
+bool isThere(const std::filesystem::path& path) { return path.is_absolute() && files::statusOf(path); }
+
+}  // namespace
+
+UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::FinderPreferences& finder)
+    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder) {}
+
+UtilMod::~UtilMod() = default;
+
+UtilMod& UtilMod::sharedUtil() {
+    static MessageBoxAlerts alerts;
+    static const auto fileBrowser = platform::FileBrowser::ofSession();
+    static UtilMod instance(alerts, *fileBrowser);
+    return instance;
+}
+
+template <typename Answer>
+void UtilMod::inBackground(std::function<Answer()> work, std::function<void(const Answer&)> done) {
+    auto* watcher = new QFutureWatcher<Answer>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [watcher, done = std::move(done)] {
+        watcher->deleteLater();
+        done(watcher->result());
+    });
+    watcher->setFuture(QtConcurrent::run(&pool_, std::move(work)));
+}
+
+// --- The file browser -------------------------------------------------------------------------------------------
+
+void UtilMod::doRevealInFinder(const std::filesystem::path& path) {
+    const auto reveal = [this, file = standardized(path)] {
+        if (!isThere(file)) {
+            return Shown::noSuchFile;
+        }
+        const bool shown = fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
+        return shown ? Shown::shown : Shown::nobodyAnswers;
+    };
+    inBackground<Shown>(reveal, [this, path](Shown shown) {
+        if (shown == Shown::noSuchFile) {
+            alertFileNotExists(path);
+        } else if (shown == Shown::nobodyAnswers) {
+            tell(tr("Can't show file"), tr("No file manager answers. The file is in the folder %1")
+                                            .arg(platform::displayText(standardized(path).parent_path())));
+        }
+    });
+}
+
+void UtilMod::doGetInformation(const std::filesystem::path& path) {
+    const auto ask = [this, file = standardized(path)] {
+        if (!isThere(file)) {
+            return Shown::noSuchFile;
+        }
+        return fileBrowser_.showItemProperties(file) ? Shown::shown : Shown::nobodyAnswers;
+    };
+    inBackground<Shown>(ask, [this, path](Shown shown) {
+        if (shown == Shown::noSuchFile) {
+            alertFileNotExists(path);
+        } else if (shown == Shown::nobodyAnswers) {
+            showInformation(standardized(path));
+        }
+    });
+}
+
+void UtilMod::showInformation(const std::filesystem::path& path) {
+    using Facts = std::optional<engine::FileFacts>;
+    inBackground<Facts>([path] { return engine::FileFacts::of(path); },
+                        [this, path](const Facts& facts) {
+                            if (!facts) {
+                                alertFileNotExists(path);
+                                return;
+                            }
+                            const QPointer<InfoWindow> information = new InfoWindow(*facts, window_);
+                            information->show();
+                            inBackground<quint64>(
+                                [path, stop = information->closed()] { return files::measureItem(path, stop); },
+                                [information](quint64 size) {
+                                    if (information) {
+                                        information->setSize(size);
+                                    }
+                                });
+                        });
+}
+
+void UtilMod::alertFileNotExists(const std::filesystem::path& path) {
+    tell(tr("Can't find file"), tr("The file’s %1%2%1 does not exist or its existence could not be determined")
+                                    .arg(QStringLiteral("\""), platform::displayText(path)));
+}
+
+void UtilMod::tell(const QString& message, const QString& informativeText) {
+    if (window_) {
+        alerts_.runModal({message, informativeText, Alert::Suppression::notOffered, Alert::Buttons::takeNote}, window_);
+    }
+}
+
+// --- Single removal ---------------------------------------------------------------------------------------------
+
+// Always asked, also by those who want no question before a clean: one key is pressed more easily than all the steps of
+// a clean are taken.
+bool UtilMod::isRemovalConfirmed(const QString& name) {
+    const Alert alert{tr("Are you sure you want to completely delete “%1”?").arg(name),
+                      tr("Files will be  permanently removed from your Hard Drive.")};
+    return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
+}
+
+void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished) {
+    inBackground<engine::ItemRemoval>(
+        [file = standardized(path)] { return engine::removeItemAt(file); },
+        [this, path, finished](const engine::ItemRemoval& removal) { finishRemoval(path, removal, finished); });
+}
+
+void UtilMod::finishRemoval(const std::filesystem::path& path, const engine::ItemRemoval& removal,
+                            const std::function<void(bool success)>& finished) {
+    if (!removal.gone) {
+        tell(tr("“%1” could not be removed").arg(platform::displayText(path.filename())), removal.reason);
+    }
+    engine::NotificationCenter::defaultCenter().post(engine::notification::singleFileRemoveFinished,
+                                                     {{engine::key::success, engine::Number{removal.gone ? 1 : 0}}});
+    finished(removal.gone);
+}
+
+// --- Where items lie --------------------------------------------------------------------------------------------
+
+std::filesystem::path UtilMod::getFullPathToItem(const engine::FFItem& item,
+                                                 const std::optional<std::filesystem::path>& folder) {
+    if (!item.pfpath().empty()) {
+        return item.pfpath();
+    }
+    return folder ? *folder / item.pfname() : std::filesystem::path();
+}
+
+std::filesystem::path UtilMod::getFullDownloadPathToItem(const engine::FFItem& item) {
+    return getFullPathToItem(item, platform::LibraryURLs::getDownloadsFolderURL());
 }
 
 std::filesystem::path UtilMod::getFullCachePathToItem(const engine::FFItem& item) {
-    return getFullPathToItem(item, platform::LibraryURLs::getCachesFolderURL().value_or(std::filesystem::path()));
+    return getFullPathToItem(item, platform::LibraryURLs::getCachesFolderURL());
 }
+
+std::filesystem::path UtilMod::getFullTrashPathToItem(const engine::FFItem& item) {
+    return getFullPathToItem(item, platform::LibraryURLs::getTrashFolderURL());
+}
+
+std::filesystem::path UtilMod::getFullLogsPathToItem(const engine::FFItem& item) { return item.pfpath(); }
 
 }  // namespace brimvault::ui

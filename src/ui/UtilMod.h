@@ -1,18 +1,78 @@
 #pragma once
 
+#include <QObject>
+#include <QPointer>
+#include <QThreadPool>
+#include <QWidget>
 #include <filesystem>
+#include <functional>
 
 #include "engine/FFItem.h"
+#include "engine/ItemRemoval.h"
+#include "platform/FileBrowser.h"
+#include "platform/FinderPreferences.h"
+#include "ui/AlertPresenter.h"
 
 namespace brimvault::ui {
 
-/// What the lists need to know of an item's place. Main thread.
-class UtilMod {
+/// What the lists have done outside the window: items are shown in the file browser, with what is known of them, and
+/// single items are removed. Main thread; what may block is done on threads of its own, and answers come later on the
+/// main thread.
+class UtilMod final : public QObject {
+    Q_OBJECT
+
 public:
-    /// The item's own path, or that of its name in the folder.
+    /// All of them outlive it.
+    UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser,
+            platform::FinderPreferences& finder = platform::FinderPreferences::shared());
+    ~UtilMod() override;
+    /// The one of the process, for the desktop that it runs on.
+    static UtilMod& sharedUtil();
+
+    /// The window over which alerts and information are shown.
+    void setWindow(QWidget* window) { window_ = window; }
+    /// Blocks until nothing is under way; what has ended since tells nobody any more once the application is gone.
+    void waitUntilIdle() { pool_.waitForDone(); }
+
+    /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.
+    void doRevealInFinder(const std::filesystem::path& path);
+    /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
+    void doGetInformation(const std::filesystem::path& path);
+    void alertFileNotExists(const std::filesystem::path& path);
+
+    /// Whether the user, being asked, wants the item of that name to be removed for good.
+    [[nodiscard]] bool isRemovalConfirmed(const QString& name);
+    /// Removes the file for good and then, after an alert where it failed, posts "singleFileRemoveFinished" and tells
+    /// whether it is gone. A file that was gone before counts as removed.
+    void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished);
+
+    /// The item's own path, or that of its name in the folder; empty without either.
     [[nodiscard]] static std::filesystem::path getFullPathToItem(const engine::FFItem& item,
-                                                                 const std::filesystem::path& folder);
+                                                                 const std::optional<std::filesystem::path>& folder);
+    [[nodiscard]] static std::filesystem::path getFullDownloadPathToItem(const engine::FFItem& item);
     [[nodiscard]] static std::filesystem::path getFullCachePathToItem(const engine::FFItem& item);
+    [[nodiscard]] static std::filesystem::path getFullTrashPathToItem(const engine::FFItem& item);
+    /// The item's own path; logs lie in several folders.
+    [[nodiscard]] static std::filesystem::path getFullLogsPathToItem(const engine::FFItem& item);
+
+    [[nodiscard]] std::optional<std::filesystem::path> GetFinderPrefPath() { return finder_.GetFinderPrefPath(); }
+    [[nodiscard]] bool isHiddenFilesVisibleInFinder() { return finder_.isHiddenFilesVisibleInFinder(); }
+
+private:
+    void tell(const QString& message, const QString& informativeText);
+    void showInformation(const std::filesystem::path& path);
+    void finishRemoval(const std::filesystem::path& path, const engine::ItemRemoval& removal,
+                       const std::function<void(bool success)>& finished);
+
+    /// Calls `work` on a thread of the pool and `done`, with what it answered, on the main thread.
+    template <typename Answer>
+    void inBackground(std::function<Answer()> work, std::function<void(const Answer&)> done);
+
+    AlertPresenter& alerts_;
+    platform::FileBrowser& fileBrowser_;
+    platform::FinderPreferences& finder_;
+    QPointer<QWidget> window_;
+    QThreadPool pool_;  ///< last, so that nothing of the above goes while a thread works with it
 };
 
 }  // namespace brimvault::ui

@@ -16,11 +16,11 @@ int main(int argc, char* argv[]) {
     ui::look::apply();                  // light, in the window's own type
     ui::AccessibleItemView::install();  // the lists, as assistive clients see them
 
-    platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
-    ui::MessageBoxAlerts alerts;                                              // questions to the user
-    ui::FAppDelegate delegate(ui::scanOperations(),                           // what scans each section
-                              engine::CleanTable::fileSections(),             // what cleans each section
-                              defaults, alerts);                              // and the window over them
+    platform::UserDefaults defaults(platform::UserDefaults::standardFile());   // settings and statistics
+    ui::MessageBoxAlerts alerts;                                               // questions to the user
+    ui::FAppDelegate delegate(ui::scanOperations(),                            // what scans each section
+                              engine::CleanTable::fileSections(),              // what cleans each section
+                              {defaults, alerts, ui::UtilMod::sharedUtil()});  // and the window over them
     delegate.applicationDidFinishLaunching();
     return QApplication::exec();
 }

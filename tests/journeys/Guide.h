@@ -67,6 +67,19 @@ public:
         return nullptr;
     }
 
+    /// A click on a row of the section list.
+    void clickSection(int row) const {
+        auto* sections = application_.window()->sidebar()->sections();
+        QTest::mouseClick(sections->viewport(), Qt::LeftButton, {},
+                          sections->visualRect(sections->model()->index(row, 0)).center());
+    }
+
+    void clickSectionCheck(int row) const {
+        auto* sections = application_.window()->sidebar()->sections();
+        QTest::mouseClick(sections->viewport(), Qt::LeftButton, {},
+                          sections->checkRect(sections->model()->index(row, 0)).center());
+    }
+
     /// The row of the list on show with that name; -1 for none.
     [[nodiscard]] int row(const QString& name) const {
         const auto* model = list()->model();

@@ -25,7 +25,17 @@ namespace {
 using namespace brimvault;
 namespace fs = std::filesystem;
 
+constexpr int cachesRow = 0;
+constexpr int logsRow = 2;
+constexpr int downloadsRow = 3;
+constexpr int trashRow = 4;
+constexpr int settling = 100;  // milliseconds; what was handed over to the main thread is on show by then
 constexpr const char* spared = "com.vendor.photos";
+
+// Where items lie, and what the program itself writes.
+const std::vector<fs::path> cleanedFolders = {
+    "Library/Caches", "Library/Containers", "Library/Logs", "Library/Application Support/CrashReporter",
+    ".Trash",         ".local/share/Trash", ".config"};
 
 int failures = 0;
 
@@ -86,30 +96,41 @@ private:
 void scanScenes(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
     auto* window = application.window();
     camera.take(window, QStringLiteral("start"));
+    guide.clickSectionCheck(downloadsRow);
     Pause pause;
     tests::Guide::click(window->startPage()->btnStartScanButton2());
     expect(pause.waitUntilReached(), "the scan reports progress");
     expect(tests::Guide::waitFor([&] { return guide.list() != nullptr; }), "the list shows what was found so far");
     guide.clickHeader(ui::ItemListModel::sizeColumn);
     QTest::mouseMove(window);
-    QTest::qWait(200);  // what was handed over to the main thread is on show by then
+    QTest::qWait(2 * settling);
     camera.take(window, QStringLiteral("scanning"));
     pause.end();
     expect(tests::Guide::waitFor([&] { return !application.pbScanning(); }), "the scan ends");
 }
 
 void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
+    guide.clickSectionCheck(downloadsRow);
+    for (const auto& [section, scene] : {std::pair(logsRow, "logs"), std::pair(downloadsRow, "downloads"),
+                                         std::pair(trashRow, "trash"), std::pair(cachesRow, "")}) {
+        guide.clickSection(section);
+        QTest::qWait(settling);
+        if (*scene != '\0') {
+            camera.take(application.window(), QLatin1String(scene));
+        }
+    }
     const int row = guide.row(QString::fromLatin1(spared));
     expect(row >= 0, std::string("the list shows ") + spared);
     guide.clickCell(row, ui::ItemListModel::checkColumn);
+    QTest::qWait(settling);
     camera.take(application.window(), QStringLiteral("after-scan"));
     const bool ended = guide.clean(QMessageBox::Ok, [&](QMessageBox& box) {
-        QTest::qWait(100);
+        QTest::qWait(settling);
         camera.take(&box, QStringLiteral("confirm"));
     });
     expect(ended, "the clean ends");
     QTest::mouseMove(application.window());
-    QTest::qWait(100);
+    QTest::qWait(settling);
     camera.take(application.window(), QStringLiteral("cleaned"));
 }
 
@@ -128,11 +149,12 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     ui::look::apply();
-    const auto before = tests::fingerprint(home, {"Library/Caches", "Library/Containers", ".config"});
+    const auto before = tests::fingerprint(home, cleanedFolders);
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::MessageBoxAlerts alerts;
-    ui::FAppDelegate application(ui::scanOperations(), engine::CleanTable::fileSections(), defaults, alerts);
+    ui::FAppDelegate application(ui::scanOperations(), engine::CleanTable::fileSections(),
+                                 {defaults, alerts, ui::UtilMod::sharedUtil()});
     application.applicationDidFinishLaunching();
     application.window()->resize(1000, 660);  // as drawn, whatever the size of the screen
     tests::Guide guide(application);
@@ -142,8 +164,12 @@ int main(int argc, char* argv[]) {
 
     expect(names(caches) == std::set<std::string>{spared, tests::SampleHome::hiddenName},
            "only what was unticked, and what is hidden, is left in the caches folder");
-    expect(tests::fingerprint(home, {"Library/Caches", "Library/Containers", ".config"}) == before,
-           "nothing outside was touched");
+    expect(names(home / "Library/Logs") == std::set<std::string>{"CrashReporter", "talagent.log.1"},
+           "what is not listed is left in the logs folder");
+    expect(names(home / ".Trash").empty() && names(home / ".local/share/Trash/files").empty() &&
+               names(home / ".local/share/Trash/info").empty(),
+           "the trash is empty, its records included");
+    expect(tests::fingerprint(home, cleanedFolders) == before, "nothing outside was touched");
     std::cout << (failures == 0 ? "The folders are as they should be.\n" : "The tour failed.\n");
     return failures == 0 ? 0 : 1;
 }

@@ -145,13 +145,22 @@ void SampleHome::makeContainers() const {
 
 void SampleHome::makeOtherSections() const {
     writeSparseFile(library() / "Logs/com.vendor.browser/session.log", 310'000'000);
-    writeSparseFile(library() / "Logs/system.log", 92'000'000);
+    writeSparseFile(library() / "Logs/system.log", 91'000'000);
+    writeFile(library() / "Logs/CrashReporter/editor.crash", "kept for the crash reporter\n");
+    writeFile(library() / "Logs/talagent.log.1", "kept\n");
+    writeSparseFile(library() / "Logs/backup 2.log", 400'000);
+    writeSparseFile(library() / "Logs/backup 10.log", 600'000);
     writeSparseFile(library() / "Application Support/CrashReporter/editor_2024.crash", 10'000'000);
     writeSparseFile(downloads() / "installer.iso", 5'800'000'000);
     writeSparseFile(downloads() / "photos.zip", 410'000'000);
     writeFile(downloads() / "invoice.txt", "An invoice.\n");
-    writeSparseFile(trash() / "old project/recording.mov", 1'000'000'000);
     writeSparseFile(trash() / "draft.doc", 20'000'000);
+    writeSparseFile(desktopTrash() / "files/old project/recording.mov", 1'000'000'000);
+    writeSparseFile(desktopTrash() / "files/holiday.jpg", 4'200'000);
+    for (const char* name : {"old project", "holiday.jpg"}) {
+        writeFile(desktopTrash() / "info" / (std::string(name) + ".trashinfo"),
+                  std::string("[Trash Info]\nPath=") + name + "\nDeletionDate=2024-05-01T12:00:00\n");
+    }
     const auto resources = path_ / "Applications/Sketchpad.app/Contents/Resources";
     for (const char* language : {"en", "de", "fr", "ja"}) {
         writeSparseFile(resources / (std::string(language) + ".lproj") / "Localizable.strings", 350'000);

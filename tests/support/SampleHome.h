@@ -30,6 +30,8 @@ public:
     [[nodiscard]] std::filesystem::path containers() const { return path_ / "Library" / "Containers"; }
     [[nodiscard]] std::filesystem::path downloads() const { return path_ / "Downloads"; }
     [[nodiscard]] std::filesystem::path trash() const { return path_ / ".Trash"; }
+    /// The desktop's own trash folder, with "files" and "info".
+    [[nodiscard]] std::filesystem::path desktopTrash() const { return path_ / ".local" / "share" / "Trash"; }
     [[nodiscard]] std::filesystem::path documents() const { return path_ / "Documents"; }
     /// What links in the caches folder and in a container point at.
     [[nodiscard]] std::filesystem::path precious() const { return path_ / "Precious"; }

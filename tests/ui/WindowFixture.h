@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <QList>
+#include <atomic>
 #include <deque>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include "engine/FFItem.h"
@@ -14,6 +16,9 @@
 #include "platform/UserDefaults.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/SChOperation.h"
+#include "scanners/SDwnOperation.h"
+#include "scanners/SLogsOperation.h"
+#include "scanners/STrshOperation.h"
 #include "support/SampleHome.h"
 #include "support/TemporaryFolder.h"
 #include "ui/AlertPresenter.h"
@@ -42,6 +47,32 @@ public:
     std::function<void()> whileOpen;  ///< what happens while a question is open
 };
 
+/// Remembers what it was asked to show, and takes the request or not, as it was told to.
+class ToldFileBrowser final : public platform::FileBrowser {
+public:
+    bool showItem(const std::filesystem::path& path) override { return note("item ", path, answers); }
+    bool showItemProperties(const std::filesystem::path& path) override { return note("properties ", path, answers); }
+    bool openFolder(const std::filesystem::path& folder) override { return note("folder ", folder, opens); }
+
+    [[nodiscard]] std::vector<std::string> asked() const {
+        const std::lock_guard guard(mutex_);
+        return asked_;
+    }
+
+    std::atomic<bool> answers = true;  ///< to requests to show an item
+    std::atomic<bool> opens = true;    ///< folders
+
+private:
+    bool note(const std::string& what, const std::filesystem::path& path, bool answer) {
+        const std::lock_guard guard(mutex_);
+        asked_.push_back(what + path.native());
+        return answer;
+    }
+
+    mutable std::mutex mutex_;
+    std::vector<std::string> asked_;
+};
+
 inline constexpr ui::AlertAnswer agree{ui::AlertAnswer::firstButton, false};
 
 /// The real window over a made-up home folder, with settings of its own.
@@ -52,7 +83,7 @@ protected:
     void start(engine::ScanTable table) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ = std::make_unique<ui::FAppDelegate>(std::move(table), engine::CleanTable::fileSections(),
-                                                          *defaults_, alerts_);
+                                                          ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_});
         application_->applicationDidFinishLaunching();
         window()->resize(1000, 660);
         guide_ = std::make_unique<Guide>(*application_);
@@ -64,11 +95,26 @@ protected:
         defaults_.reset();
     }
 
+    /// The scan of Caches alone.
     engine::ScanTable scans() {
         engine::ScanTable table;
         table.resetShared = [this] { containers_.reset(); };
         table.operations[engine::Section::caches] = [this] {
             return std::make_shared<scanners::SChOperation>(containers_);
+        };
+        return table;
+    }
+
+    /// The scans of all sections of files.
+    engine::ScanTable allScans() {
+        auto table = scans();
+        table.operations[engine::Section::logs] = [this] {
+            return std::make_shared<scanners::SLogsOperation>(containers_, paths_);
+        };
+        table.operations[engine::Section::downloads] = [] { return std::make_shared<scanners::SDwnOperation>(); };
+        table.operations[engine::Section::trash] = [this] {
+            scanners::STrshOperation::Sources sources{.finder = finder_};
+            return std::make_shared<scanners::STrshOperation>(std::move(sources));
         };
         return table;
     }
@@ -88,14 +134,8 @@ protected:
     [[nodiscard]] bool isSectionChecked(int row) const {
         return sections()->model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
     }
-    void clickSectionCheck(int row) const {
-        const auto index = sections()->model()->index(row, 0);
-        QTest::mouseClick(sections()->viewport(), Qt::LeftButton, {}, sections()->checkRect(index).center());
-    }
-    void clickSection(int row) const {
-        const auto index = sections()->model()->index(row, 0);
-        QTest::mouseClick(sections()->viewport(), Qt::LeftButton, {}, sections()->visualRect(index).center());
-    }
+    void clickSectionCheck(int row) const { guide_->clickSectionCheck(row); }
+    void clickSection(int row) const { guide_->clickSection(row); }
     [[nodiscard]] QStringList names() const {
         QStringList found;
         for (int row = 0; row < guide_->list()->model()->rowCount(); ++row) {
@@ -117,11 +157,17 @@ protected:
 
     TemporaryFolder folder_;
     SampleHome home_{folder_ / "home"};
-    platform::SubstituteSystem system_{platform::System{[this] { return std::optional(home_.path()); },
-                                                        [] { return std::string("trial"); },
-                                                        [](const char*) { return std::string(); }}};
+    platform::SubstituteSystem system_{platform::System{
+        [this] { return std::optional(home_.path()); }, [] { return std::string("trial"); },
+        [this](const char* name) {
+            return name == std::string("BRIMVAULT_TRIAL_ROOT") ? (folder_ / "root").native() : std::string();
+        }}};
     scanners::ContainersFolderScannerManager containers_{home_.containers()};
+    scanners::PathsGenerator paths_;
+    platform::FinderPreferences finder_;
     ToldAlerts alerts_;
+    ToldFileBrowser fileBrowser_;
+    ui::UtilMod util_{alerts_, fileBrowser_, finder_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;
     std::unique_ptr<Guide> guide_;

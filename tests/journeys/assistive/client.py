@@ -79,6 +79,9 @@ class Window:
     def section(self, title):
         return wait_for(f"section {title!r}", lambda: find(find(self.frame, "list", "Sections"), "list item", title))
 
+    def show_section(self, title):
+        act(self.section(title), "SetFocus")
+
     def table(self, title):
         return wait_for(f"list {title!r}", lambda: find(self.frame, "table", title)).get_table_iface()
 

@@ -13,7 +13,14 @@ import tempfile
 
 from client import Window, act, wait_for
 
-SPARED = "com.vendor.photos"
+# What the user leaves or makes unticked, by section; the other sections' items come ticked.
+SPARED = {
+    "Caches": {"com.vendor.photos"},
+    "Logs": {"system.log"},
+    "Downloads": {"installer.iso", "invoice.txt"},
+    "Trash": {"holiday.jpg"},
+}
+DESKTOP_TRASH = ".local/share/Trash"
 
 
 def logical_size(path):
@@ -32,37 +39,83 @@ def size_text(size):
     return f"{text} {units[0]}"
 
 
+def visible(folder):
+    return [name for name in os.listdir(folder) if not name.startswith(".")] if os.path.isdir(folder) else []
+
+
+def containers(home, inside):
+    folder = os.path.join(home, "Library/Containers")
+    return [(name, os.path.join(folder, name, inside)) for name in visible(folder)]
+
+
+def entries(folder):
+    return [(name, os.path.join(folder, name)) for name in visible(folder)]
+
+
 def expected_rows(home):
-    paths = {}
-    caches = os.path.join(home, "Library/Caches")
-    for name in os.listdir(caches):
-        if not name.startswith("."):
-            paths[name] = os.path.join(caches, name)
-    containers = os.path.join(home, "Library/Containers")
-    for name in os.listdir(containers):
-        path = os.path.join(containers, name, "Data/Library/Caches")
-        if os.path.lexists(path):
-            paths[name] = path
-    return {name: path for name, path in paths.items() if logical_size(path) > 0}
+    """Section to name to path, of everything that holds something; written from the rules, not from the program."""
+    logs = [
+        (name, path)
+        for name, path in entries(os.path.join(home, "Library/Logs"))
+        if name not in ("CrashReporter", "Ubiquity") and not name.startswith("talagent.log")
+    ]
+    logs += entries(os.path.join(home, "Library/Application Support/CrashReporter"))
+    for _, folder in containers(home, "Data/Library/Logs"):
+        logs += entries(folder)
+    logs += containers(home, "Data/Library/Logs")
+    sections = {
+        "Caches": entries(os.path.join(home, "Library/Caches")) + containers(home, "Data/Library/Caches"),
+        "Logs": logs,
+        "Downloads": entries(os.path.join(home, "Downloads")),
+        "Trash": entries(os.path.join(home, ".Trash")) + entries(os.path.join(home, DESKTOP_TRASH, "files")),
+    }
+    rows = {}
+    for section, listed in sections.items():
+        rows[section] = {name: path for name, path in listed if os.path.lexists(path) and logical_size(path) > 0}
+    return rows
 
 
 def snapshot(home):
-    """Every path outside the caches, with its kind, length and link target."""
+    """Every path of the home with its kind, length and link target; settings and the like excepted."""
     found = {}
     for folder, folders, files in os.walk(home):
         if folder == home:
             folders[:] = [name for name in folders if name not in (".config", ".cache")]
-        if folder.endswith("Library/Caches"):
-            folders[:] = []
-            continue
         for name in folders + files:
             path = os.path.join(folder, name)
             status = os.lstat(path)
             target = os.readlink(path) if stat.S_ISLNK(status.st_mode) else ""
             length = 0 if stat.S_ISDIR(status.st_mode) else status.st_size
-            if not path.endswith("Library/Caches"):
-                found[path] = (stat.S_IFMT(status.st_mode), length, target)
+            found[path] = (stat.S_IFMT(status.st_mode), length, target)
     return found
+
+
+def without(before, home, gone):
+    """What is to be left of a snapshot: the items that go, with all in them, and the records of trashed ones."""
+    trash = os.path.join(home, DESKTOP_TRASH)
+    records = [
+        os.path.join(trash, "info", os.path.basename(path) + ".trashinfo")
+        for path in gone
+        if os.path.dirname(path) == os.path.join(trash, "files")
+    ]
+    lost = [*gone, *records]
+    return {path: what for path, what in before.items() if not any(path == l or path.startswith(l + "/") for l in lost)}
+
+
+def review(window, section, expected):
+    """Compares every row of a section with the count, and unticks or ticks what is to stay or to go."""
+    window.show_section(section)
+    rows = wait_for(f"the rows of {section}", lambda: window.rows(section))
+    assert rows.keys() == expected.keys(), rows.keys() ^ expected.keys()
+    for name, (text, checked, check) in rows.items():
+        assert checked == (section != "Downloads"), (section, name)
+        assert text == size_text(logical_size(expected[name])), (name, text)
+        if checked == (name in SPARED[section]):
+            act(check, "Toggle")
+    wait_for(
+        f"the check boxes of {section}",
+        lambda: all(on == (name not in SPARED[section]) for name, (_, on, _) in window.rows(section).items()),
+    )
 
 
 def journey(home):
@@ -70,25 +123,19 @@ def journey(home):
     before = snapshot(home)
     window = Window()
     assert window.section("Caches").get_description() == "Not scanned"
+    act(window.section("Downloads"), "Toggle")
     window.press("Start Scan")
-    wait_for("the end of the scan", lambda: window.section("Caches").get_description().endswith("Selected"))
-    wait_for("the scan button", lambda: window.is_enabled("Scan") and window.is_enabled("Clean"))
+    wait_for("the end of the scan", lambda: window.is_enabled("Scan") and window.is_enabled("Clean"))
+    for section, rows in expected.items():
+        review(window, section, rows)
 
-    rows = window.rows("Caches")
-    assert rows.keys() == expected.keys(), rows.keys() ^ expected.keys()
-    for name, (text, checked, _) in rows.items():
-        assert checked, name
-        assert text == size_text(logical_size(expected[name])), (name, text)
-
-    act(rows[SPARED][2], "Toggle")
-    wait_for("the row to be unticked", lambda: not window.rows("Caches")[SPARED][1])
     window.press("Clean")
     window.answer("OK")
-    wait_for("the end of the clean", lambda: list(window.rows("Caches")) == [SPARED])
-
-    left = {name for name, path in expected.items() if os.path.lexists(path)}
-    assert left == {SPARED}, left
-    assert snapshot(home) == before, "something outside the caches was touched"
+    wait_for("the end of the clean", lambda: window.rows("Trash").keys() == SPARED["Trash"])
+    wait_for("the scan button", lambda: window.is_enabled("Scan"))
+    gone = [path for section, rows in expected.items() for name, path in rows.items() if name not in SPARED[section]]
+    after, right = snapshot(home), without(before, home, gone)
+    assert after == right, set(after.items()) ^ set(right.items())
 
 
 def main():

@@ -1,0 +1,48 @@
+#include "ui/IconButton.h"
+
+#include <QPainter>
+
+#include "ui/FocusRing.h"
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr QSize buttonSize(34, 30);
+constexpr int cornerRadius = 8;
+constexpr qreal disabledOpacity = 0.4;
+
+}  // namespace
+
+IconButton::IconButton(QLatin1String picture, const QString& name, QWidget* parent)
+    : QAbstractButton(parent), picture_(picture) {
+    setAccessibleName(name);
+    setToolTip(name);
+    setCursor(Qt::PointingHandCursor);
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize IconButton::sizeHint() const { return buttonSize; }
+
+void IconButton::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF face = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    const bool lit = isEnabled() && underMouse();
+    painter.setPen(QColor(lit ? look::accentDark : look::separator));
+    painter.setBrush(QColor(isDown() ? look::sortedHeaderBottom : lit ? look::rowAlternate : look::row));
+    painter.drawRoundedRect(face, cornerRadius, cornerRadius);
+    painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
+    const QSizeF size = ImageLoad::sizeOf(picture_);
+    ImageLoad::draw(painter, {(width() - size.width()) / 2, (height() - size.height()) / 2}, picture_);
+    painter.setOpacity(1.0);
+    if (isFocusShown(this)) {
+        drawFocusRing(painter, face, cornerRadius);
+    }
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,127 @@
+#include "ui/InfoWindow.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLocale>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "engine/FileSize.h"
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int margin = 20;
+constexpr int iconSize = 40;
+constexpr int leastWidth = 420;
+constexpr qreal titleSize = 15;
+constexpr qreal textSize = 12.5;
+
+QLatin1String picture(files::NodeKind kind) {
+    switch (kind) {
+        case files::NodeKind::directory:
+            return QLatin1String("icFolder");
+        case files::NodeKind::link:
+            return QLatin1String("icLink");
+        default:
+            return QLatin1String("icFile");
+    }
+}
+
+QString kindText(const engine::FileFacts& facts) {
+    switch (facts.kind) {
+        case files::NodeKind::directory:
+            return InfoWindow::tr("Folder");
+        case files::NodeKind::link:
+            return InfoWindow::tr("Link to %1").arg(facts.type);
+        case files::NodeKind::regular:
+            return facts.type;
+        case files::NodeKind::other:
+            break;
+    }
+    return InfoWindow::tr("Special file");
+}
+
+QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);  // a name may look like markup
+    label->setWordWrap(true);
+    label->setFont(font);
+    QPalette colors = label->palette();
+    colors.setColor(QPalette::WindowText, QColor(color));
+    label->setPalette(colors);
+    return label;
+}
+
+// Read out, a value is nothing without its name.
+void setValue(QLabel* label, const QString& name, const QString& value) {
+    label->setText(value);
+    label->setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
+}
+
+}  // namespace
+
+InfoWindow::InfoWindow(const engine::FileFacts& facts, QWidget* parent) : QDialog(parent), rows_(new QFormLayout) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(tr("Information: %1").arg(facts.name));
+    setMinimumWidth(look::scaled(leastWidth));
+
+    auto* icon = new QLabel;
+    icon->setPixmap(
+        ImageLoad::LoadPNGImage(picture(facts.kind), devicePixelRatioF())
+            .scaled(QSize(iconSize, iconSize) * devicePixelRatioF(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    auto* title = new QHBoxLayout;
+    title->setSpacing(margin / 2);
+    title->addWidget(icon, 0, Qt::AlignTop);
+    title->addWidget(makeLabel(facts.name, look::font(titleSize, QFont::DemiBold), look::textPrimary), 1);
+
+    rows_->setLabelAlignment(Qt::AlignTrailing | Qt::AlignTop);
+    rows_->setHorizontalSpacing(margin / 2 + 2);
+    rows_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    addRow(tr("Kind"), kindText(facts));
+    size_ = addRow(tr("Size"), tr("Calculating..."));
+    addRow(tr("Where"), facts.folder);
+    if (facts.created) {
+        addDate(tr("Created"), *facts.created);
+    }
+    addDate(tr("Modified"), facts.modified);
+    addDate(tr("Last opened"), facts.accessed);
+    addRow(tr("Owner"), tr("%1, group %2").arg(facts.owner, facts.group));
+    addRow(tr("Permissions"),
+           QStringLiteral("%1 (%2)").arg(facts.permissionText()).arg(facts.permissions, 4, 8, QLatin1Char('0')));
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    buttons->button(QDialogButtonBox::Close)->setIcon({});
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
+    auto* content = new QVBoxLayout(this);
+    content->setContentsMargins(margin, margin, margin, margin);
+    content->setSpacing(margin * 3 / 4);
+    content->addLayout(title);
+    content->addLayout(rows_);
+    content->addWidget(buttons);
+}
+
+InfoWindow::~InfoWindow() { closed_.request_stop(); }
+
+void InfoWindow::setSize(quint64 bytes) {
+    setValue(size_, tr("Size"),
+             tr("%1 (%2 bytes)").arg(engine::FileSize::formatMemoryStringDot1(bytes), QLocale().toString(bytes)));
+}
+
+QLabel* InfoWindow::addRow(const QString& name, const QString& value) {
+    auto* text = makeLabel({}, look::font(textSize), look::textPrimary);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setValue(text, name, value);
+    rows_->addRow(makeLabel(name, look::font(textSize), look::textSecondary), text);
+    return text;
+}
+
+void InfoWindow::addDate(const QString& name, const QDateTime& date) {
+    addRow(name, QLocale().toString(date, QLocale::LongFormat));
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "ui/ItemListController.h"
+
+namespace brimvault::ui {
+
+/// The list of the Logs section. Main thread.
+class TLogsViewController final : public ItemListController {
+public:
+    explicit TLogsViewController(const Surroundings& surroundings)
+        : ItemListController(engine::Section::logs, surroundings) {
+        awake(tr("Logs"));
+    }
+
+    /// An item without a path is known by its name alone.
+    [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override {
+        return item.pfpath().empty() ? item.pfname() : item.pfpath();
+    }
+
+protected:
+    [[nodiscard]] std::filesystem::path fullPathOf(const engine::FFItem& item) const override {
+        return UtilMod::getFullLogsPathToItem(item);
+    }
+};
+
+}  // namespace brimvault::ui
