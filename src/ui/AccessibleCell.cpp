@@ -4,6 +4,7 @@
 
 #include "ui/AccessibleItemView.h"
 #include "ui/CheckToggle.h"
+#include "ui/TTableView.h"
 
 namespace brimvault::ui {
 
@@ -67,10 +68,15 @@ QList<QAccessibleInterface*> AccessibleCell::columnHeaderCells() const {
 }
 
 QStringList AccessibleCell::actionNames() const {
+    QStringList names;
     if (index().flags().testFlag(Qt::ItemIsUserCheckable)) {
-        return {toggleAction(), setFocusAction()};
+        names.append(toggleAction());
     }
-    return {setFocusAction()};
+    names.append(setFocusAction());
+    if (qobject_cast<TTableView*>(list()->view()) != nullptr) {
+        names.append(showMenuAction());
+    }
+    return names;
 }
 
 void AccessibleCell::doAction(const QString& action) {
@@ -81,6 +87,10 @@ void AccessibleCell::doAction(const QString& action) {
     } else if (action == setFocusAction() && place.isValid()) {
         view->setFocus();
         view->setCurrentIndex(place);
+    } else if (auto* table = qobject_cast<TTableView*>(view);
+               action == showMenuAction() && table != nullptr && place.isValid()) {
+        table->setCurrentIndex(place);
+        table->requestMenuOfCurrentRow();
     }
 }
 

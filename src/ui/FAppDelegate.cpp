@@ -1,16 +1,11 @@
 #include "ui/FAppDelegate.h"
 
-#include "engine/FileSize.h"
 #include "engine/Notifications.h"
 #include "ui/DefaultsKeys.h"
-#include "ui/TChViewController.h"
-#include "ui/TDwnViewController.h"
-#include "ui/TLogsViewController.h"
-#include "ui/TTrViewController.h"
+#include "ui/ListControllers.h"
 
 namespace brimvault::ui {
 
-using engine::FileSize;
 using engine::Section;
 
 namespace {
@@ -25,7 +20,11 @@ QString countText(qsizetype items, bool more) {
 }  // namespace
 
 FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings)
-    : defaults_(surroundings.defaults), util_(surroundings.util), window_(std::make_unique<MainWindow>()) {
+    : defaults_(surroundings.defaults),
+      util_(surroundings.util),
+      window_(std::make_unique<MainWindow>()),
+      statusTexts_(std::make_unique<StatusTexts>(*window_->lists()->plashka(),
+                                                 *window_->startPage()->ptxtStartDescClean(), defaults_)) {
     psectController_ = std::make_unique<TSectionViewController>(
         TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, surroundings.defaults,
                                              surroundings.alerts, [] { return QStringList(); }},
@@ -270,27 +269,10 @@ void FAppDelegate::activatePanel(int row) {
     showPanel(row);
 }
 
-std::unique_ptr<ItemListController> FAppDelegate::makeController(Section section) {
-    const ItemListController::Surroundings surroundings{psectController_->getAppResDS(), *psectController_, *this,
-                                                        util_};
-    switch (section) {
-        case Section::caches:
-            return std::make_unique<TChViewController>(surroundings);
-        case Section::logs:
-            return std::make_unique<TLogsViewController>(surroundings);
-        case Section::downloads:
-            return std::make_unique<TDwnViewController>(surroundings);
-        case Section::trash:
-            return std::make_unique<TTrViewController>(surroundings);
-        case Section::languageResources:
-            break;
-    }
-    return nullptr;
-}
-
 void FAppDelegate::createController(int row) {
     auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
-    slot = makeController(sectionRows()[static_cast<std::size_t>(row)].section);
+    slot = makeListController(sectionRows()[static_cast<std::size_t>(row)].section,
+                              {psectController_->getAppResDS(), *psectController_, *this, util_});
     if (slot) {
         window_->lists()->addList(slot->view());
         connect(slot.get(), &ItemListController::tableUpdated, this, [this] {
@@ -377,11 +359,11 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
         return;
     }
     const quint64 selected = psectController_->getSize2CleanALLSel();
-    const QString total = FileSize::formatMemoryStringDot1(psectController_->getAppResDS().getSize2CleanALL());
-    window_->lists()->plashka()->setTexts(selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected),
-                                          bcleaningProcess_ ? tr("Cleaning...")
-                                          : removing_       ? tr("Removing...")
-                                                            : tr("Selected of %1").arg(total));
+    using Activity = StatusTexts::Activity;
+    statusTexts_->showSizes(selected, psectController_->getAppResDS().getSize2CleanALL(),
+                            bcleaningProcess_ ? Activity::cleaning
+                            : removing_       ? Activity::removing
+                                              : Activity::none);
     if (!bcleaningProcess_) {
         window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_);
     }
@@ -396,29 +378,11 @@ void FAppDelegate::setPlashkaToSelectedState(bool selected) {
     }
     if (selected) {
         UpdateTextsAboutFreeUpSize();
-        window_->startPage()->ptxtStartDescClean()->setText(tr("Select sections and press Scan button"));
+        statusTexts_->showHint();
     } else {
-        showCleanedSummary();
+        statusTexts_->showCleanedSummary();
     }
     bPlashkaStateSelectedFiles_ = selected;
-}
-
-void FAppDelegate::showCleanedSummary() {
-    auto* plashka = window_->lists()->plashka();
-    auto* hint = window_->startPage()->ptxtStartDescClean();
-    const quint64 total = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
-    const quint64 last = defaults_.number(defaults_key::lastCleanedSize).value_or(0);
-    const QString totalText = FileSize::formatMemoryStringDot1(total);
-    if (total == 0) {
-        hint->setText(tr("Select files and press Clean button"));
-        plashka->setTexts({}, tr("Select files to clean"));
-    } else if (last == 0) {
-        hint->setText(tr("%1 cleaned before").arg(totalText));
-        plashka->setTexts({}, tr("%1 cleaned before").arg(totalText));
-    } else {
-        plashka->setTexts(tr("%1 cleaned").arg(FileSize::formatMemoryStringDot1(last)),
-                          tr("%1 cleaned in total").arg(totalText));
-    }
 }
 
 // --- Closing ----------------------------------------------------------------------------------------------------

@@ -14,6 +14,7 @@
 #include "ui/ApplicationController.h"
 #include "ui/ItemListController.h"
 #include "ui/MainWindow.h"
+#include "ui/StatusTexts.h"
 #include "ui/TSectionViewController.h"
 
 namespace brimvault::ui {
@@ -77,7 +78,6 @@ private:
     void updateCleaningStateForControllers();
     void focusWhatIsNext();
 
-    [[nodiscard]] std::unique_ptr<ItemListController> makeController(engine::Section section);
     void createController(int row);
     void showPanel(int row);
     void showTitle();
@@ -89,7 +89,6 @@ private:
 
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);
-    void showCleanedSummary();
 
     [[nodiscard]] bool mayClose();
     void closeWhenIdle();
@@ -97,6 +96,7 @@ private:
     platform::UserDefaults& defaults_;
     UtilMod& util_;
     std::unique_ptr<MainWindow> window_;
+    std::unique_ptr<StatusTexts> statusTexts_;
     std::unique_ptr<TSectionViewController> psectController_;
     std::array<std::unique_ptr<ItemListController>, sectionRowCount> pDynControllers_;
     engine::PerSection<engine::NotRemovedDictionary> notCleaned_;

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QMenu>
+#include <QPointer>
 #include <QScrollBar>
 #include <QSet>
 #include <algorithm>
@@ -191,14 +192,20 @@ void ItemListController::onClickedRemove() {
         return;
     }
     dataSource_.setPbRemoving(true);
-    util_.doRemoveFile(getPathByItem(*item), [this, item](bool success) {
-        dataSource_.setPbRemoving(false);
-        if (success) {
-            const auto words = engine::vocabulary(section_);
-            engine::NotificationCenter::defaultCenter().post(words.cleanFinished,
-                                                             {{words.arrayKey, engine::ItemArray{item}}});
+    util_.doRemoveFile(getPathByItem(*item), [list = QPointer(this), item](bool success) {
+        if (list) {
+            list->removeFinished(item, success);
         }
     });
+}
+
+void ItemListController::removeFinished(const std::shared_ptr<engine::FFItem>& item, bool success) {
+    dataSource_.setPbRemoving(false);
+    if (success) {
+        const auto words = engine::vocabulary(section_);
+        engine::NotificationCenter::defaultCenter().post(words.cleanFinished,
+                                                         {{words.arrayKey, engine::ItemArray{item}}});
+    }
 }
 
 void ItemListController::updateCleaningState(bool cleaning) {

@@ -92,7 +92,7 @@ void UtilMod::showInformation(const std::filesystem::path& path) {
     using Facts = std::optional<engine::FileFacts>;
     inBackground<Facts>([path] { return engine::FileFacts::of(path); },
                         [this, path](const Facts& facts) {
-                            if (!facts) {
+                            if (!facts || !window_) {
                                 alertFileNotExists(path);
                                 return;
                             }
@@ -113,6 +113,7 @@ void UtilMod::alertFileNotExists(const std::filesystem::path& path) {
                                     .arg(QStringLiteral("\""), platform::displayText(path)));
 }
 
+// Once the window is gone there is nobody to tell.
 void UtilMod::tell(const QString& message, const QString& informativeText) {
     if (window_) {
         alerts_.runModal({message, informativeText, Alert::Suppression::notOffered, Alert::Buttons::takeNote}, window_);

@@ -81,8 +81,7 @@ protected:
     }
 
     bool wasAsked(const std::string& request) const {
-        return Guide::waitFor(
-            [&] { return !fileBrowser_.asked().empty() && fileBrowser_.asked().back() == request; });
+        return Guide::waitFor([&] { return !fileBrowser_.asked().empty() && fileBrowser_.asked().back() == request; });
     }
 };
 
@@ -138,8 +137,8 @@ TEST_F(ListJourney, ARightClickSelectsItsRowAndOffersWhatCanBeDone) {
     auto* menu = menuOf("photos.zip");
     ASSERT_TRUE(menu);
     EXPECT_EQ(selected(), text("photos.zip"));
-    EXPECT_EQ(enabledEntries(*menu), QStringList({text("Show in File Manager"), text("Show Information"),
-                                                  text("Remove...")}));
+    EXPECT_EQ(enabledEntries(*menu),
+              QStringList({text("Show in File Manager"), text("Show Information"), text("Remove...")}));
     choose(menu, "Show in File Manager");
     EXPECT_TRUE(wasAsked("item " + (home_.downloads() / "photos.zip").native()));
 
@@ -195,8 +194,7 @@ TEST_F(ListJourney, TellsOfAFileThatIsNoLongerThere) {
         ASSERT_TRUE(Guide::waitFor([&] { return alerts_.asked.size() == 1; }));
         EXPECT_EQ(alerts_.asked.back().message, text("Can't find file"));
         EXPECT_EQ(alerts_.asked.back().informativeText,
-                  text("The file’s \"") + path +
-                      text("\" does not exist or its existence could not be determined"));
+                  text("The file’s \"") + path + text("\" does not exist or its existence could not be determined"));
         EXPECT_EQ(alerts_.asked.back().buttons, ui::Alert::Buttons::takeNote);
     }
     EXPECT_TRUE(fileBrowser_.asked().empty());
