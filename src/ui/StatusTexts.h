@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QLabel>
 
 #include "platform/UserDefaults.h"
@@ -10,6 +11,8 @@ namespace brimvault::ui {
 /// What the status panel says, and the hint on the start page: how much is selected, or how much was cleaned. The
 /// widgets and the defaults outlive it. Main thread.
 class StatusTexts {
+    Q_DECLARE_TR_FUNCTIONS(StatusTexts)
+
 public:
     enum class Activity { none, cleaning, removing };
 
