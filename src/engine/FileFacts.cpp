@@ -1,33 +1,13 @@
 #include "engine/FileFacts.h"
 
 #include <QMimeDatabase>
-#include <chrono>
 #include <system_error>
 
+#include "engine/FileManager.h"
 #include "platform/Accounts.h"
 #include "platform/DisplayText.h"
 
 namespace brimvault::engine {
-
-namespace {
-
-QDateTime dateOf(std::chrono::system_clock::time_point time) {
-    return QDateTime::fromMSecsSinceEpoch(
-        std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
-}
-
-QString typeOf(const std::filesystem::path& path, files::NodeKind kind, const QString& name) {
-    if (kind == files::NodeKind::link) {
-        std::error_code unread;
-        return platform::displayText(std::filesystem::read_symlink(path, unread));
-    }
-    if (kind != files::NodeKind::regular) {
-        return {};
-    }
-    return QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).comment();
-}
-
-}  // namespace
 
 std::optional<FileFacts> FileFacts::of(const std::filesystem::path& path) {
     const auto status = files::statusOf(path);
@@ -38,11 +18,16 @@ std::optional<FileFacts> FileFacts::of(const std::filesystem::path& path) {
     facts.kind = status->kind;
     facts.name = platform::displayText(path.filename());
     facts.folder = platform::displayText(path.parent_path());
-    facts.type = typeOf(path, status->kind, facts.name);
-    facts.modified = dateOf(status->modified);
-    facts.accessed = dateOf(status->accessed);
+    if (status->kind == files::NodeKind::regular) {
+        facts.type = QMimeDatabase().mimeTypeForFile(facts.name, QMimeDatabase::MatchExtension).comment();
+    } else if (status->kind == files::NodeKind::link) {
+        std::error_code unread;
+        facts.linkTarget = platform::displayText(std::filesystem::read_symlink(path, unread));
+    }
+    facts.modified = FileManager::dateOf(status->modified);
+    facts.accessed = FileManager::dateOf(status->accessed);
     if (status->created) {
-        facts.created = dateOf(*status->created);
+        facts.created = FileManager::dateOf(*status->created);
     }
     facts.owner = platform::userNameOf(status->owner);
     facts.group = platform::groupNameOf(status->group);

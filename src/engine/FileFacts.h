@@ -14,7 +14,8 @@ struct FileFacts {
     files::NodeKind kind = files::NodeKind::other;
     QString name;
     QString folder;  ///< full path of the folder that holds it
-    QString type;    ///< what kind of file it is by its name, as "PNG image"; for a link where it points
+    QString type;    ///< of a plain file, what its name says that it is, as "PNG image"
+    QString linkTarget;
     QDateTime modified;
     QDateTime accessed;
     std::optional<QDateTime> created;

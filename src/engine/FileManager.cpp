@@ -1,7 +1,5 @@
 #include "engine/FileManager.h"
 
-#include <chrono>
-
 #include "files/ExtendedAttributes.h"
 #include "files/Measure.h"
 #include "files/NodeStatus.h"
@@ -76,14 +74,14 @@ std::int64_t FileManager::numberOfFilesInFolder(const std::filesystem::path& pat
     return count;
 }
 
+QDateTime FileManager::dateOf(std::chrono::system_clock::time_point time) {
+    return QDateTime::fromMSecsSinceEpoch(
+        std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
+}
+
 std::optional<QDateTime> FileManager::modificationDateOfFilePath(const std::filesystem::path& path) {
     const auto status = files::statusOf(path);
-    if (!status) {
-        return std::nullopt;
-    }
-    const auto sinceEpoch =
-        std::chrono::duration_cast<std::chrono::milliseconds>(status->modified.time_since_epoch()).count();
-    return QDateTime::fromMSecsSinceEpoch(sinceEpoch);
+    return status ? std::optional(dateOf(status->modified)) : std::nullopt;
 }
 
 std::optional<QString> FileManager::stringmodificationDateOfFilePath(const std::filesystem::path& path,

@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QString>
 #include <QStringList>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -42,6 +43,7 @@ public:
     [[nodiscard]] static std::int64_t numberOfFilesInFolder(const std::filesystem::path& path,
                                                             files::HiddenEntries countHiddenFiles);
 
+    [[nodiscard]] static QDateTime dateOf(std::chrono::system_clock::time_point time);
     [[nodiscard]] static std::optional<QDateTime> modificationDateOfFilePath(const std::filesystem::path& path);
     [[nodiscard]] static std::optional<QString> stringmodificationDateOfFilePath(const std::filesystem::path& path,
                                                                                  QLocale::FormatType style);

@@ -26,11 +26,15 @@ void removeRecordOf(const std::filesystem::path& item) {
 }  // namespace
 
 ItemRemoval removeItemAt(const std::filesystem::path& path) {
+    const ItemRemoval refused{false, QCoreApplication::translate("Clean", "Can't remove file")};
+    if (!path.is_absolute()) {
+        return refused;  // where the program was started is no place that a list speaks of
+    }
     if (!files::mayExist(path)) {
         return {true, {}};
     }
     if (isProtectedFolder(path)) {
-        return {false, QCoreApplication::translate("Clean", "Can't remove file")};
+        return refused;
     }
     const auto outcome = files::remove(path);  // without a stop: an item that was begun is finished
     if (outcome.end != files::RemovalEnd::gone) {

@@ -5,13 +5,13 @@
 
 namespace brimvault::platform {
 
-/// What the trash folders of a system look like. Answers are found from the path alone, so they hold for items that are
-/// gone as well. Any thread.
+/// What the trash folders of a system look like. Answers are found from the paths, whether there is anything at them or
+/// not. Any thread.
 class TrashFolders {
 public:
-    /// Whether the path lies directly in one of the user's trash folders: the home folder's ".Trash", the desktop's
-    /// own, or that of a volume.
-    [[nodiscard]] static bool isItemInTrash(const std::filesystem::path& path);
+    /// Whether a folder is one whose entries are items of the user's trash: the home folder's ".Trash", or the one for
+    /// items in the desktop's own trash folder or in that of a volume.
+    [[nodiscard]] static bool holdsItems(const std::filesystem::path& folder);
 
     /// The file in which the desktop remembers where an item of the trash came from; none for items that have none.
     /// The file itself may be missing.

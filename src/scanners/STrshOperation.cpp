@@ -22,6 +22,13 @@ quint64 sizeFrom(const std::string& text) {
     return code == std::errc() && stopped == end && size > 0 ? static_cast<quint64>(size) : 0;
 }
 
+// A sticky folder is a volume's, with a trash folder in it for each user: they are no items.
+bool isSharedByUsers(const fs::path& folder) {
+    constexpr std::uint32_t sticky = 01000;
+    const auto status = files::statusOf(folder);
+    return status && (status->permissions & sticky) != 0;
+}
+
 bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
 
 }  // namespace
@@ -49,9 +56,15 @@ void STrshOperation::initCollectionByFinder() {
 
 std::vector<fs::path> STrshOperation::readPairs(const std::vector<std::string>& answer) {
     std::vector<fs::path> paths;
-    for (std::size_t at = 0; at + 1 < answer.size(); at += 2) {
+    std::map<fs::path, bool> isTrashFolder;  // asked once for each folder: the answer takes some looking up
+    for (std::size_t at = 0; at + 1 < answer.size() && !isCancelled(); at += 2) {
         const fs::path path = answer[at];
-        if (platform::TrashFolders::isItemInTrash(path)) {
+        auto known = isTrashFolder.find(path.parent_path());
+        if (known == isTrashFolder.end()) {
+            known =
+                isTrashFolder.emplace(path.parent_path(), platform::TrashFolders::holdsItems(path.parent_path())).first;
+        }
+        if (known->second && path.has_filename() && path == path.lexically_normal()) {
             pathSizeDictionary_[path] = sizeFrom(answer[at + 1]);
             paths.push_back(path);
         }
@@ -72,9 +85,12 @@ void STrshOperation::fixPathsWithSameFileNames(const std::vector<fs::path>& path
         folders.insert(path.parent_path());
     }
     for (const auto& [path, count] : occurrences) {
+        if (count < 2) {
+            continue;
+        }
         for (const auto& folder : folders) {
             const auto other = folder / path.filename();
-            if (count > 1 && !pathSizeDictionary_.contains(other) && files::statusOf(other)) {
+            if (!pathSizeDictionary_.contains(other) && files::statusOf(other)) {
                 pathSizeDictionary_[other] = 0;
             }
         }
@@ -102,7 +118,7 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
 void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
     const auto hidden =
         sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
-    if (const auto root = getOperationRootFolderURL()) {
+    if (const auto root = getOperationRootFolderURL(); root && !isSharedByUsers(*root)) {
         iterateFiles(*root, hidden, [&](const fs::path& child) {
             collectFile({.path = child, .name = child.filename(), .addressed = Addressed::byName}, batches);
         });

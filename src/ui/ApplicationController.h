@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QScopedValueRollback>
+
 class QWidget;
 
 namespace brimvault::ui {
@@ -20,6 +22,18 @@ public:
     [[nodiscard]] bool sectionControllerIsScanOrRemoveProcessPerforming() const {
         return pbScanning() || pbCleanning() || pbRemoving();
     }
+    /// Operations of a scan have not returned yet, be it one that was stopped: they still bring results.
+    [[nodiscard]] virtual bool isScanReturning() const = 0;
+    /// A question to the user is open; nothing begins meanwhile, however it is asked for.
+    [[nodiscard]] bool isQuestionOpen() const { return questionOpen_; }
+    /// Keeps a question open for as long as it lives.
+    class OpenQuestion {
+    public:
+        explicit OpenQuestion(ApplicationController& controller) : rollback_(controller.questionOpen_, true) {}
+
+    private:
+        QScopedValueRollback<bool> rollback_;
+    };
     /// A scan has been started at least once in this run.
     [[nodiscard]] virtual bool bScanStarted() const = 0;
 
@@ -28,6 +42,9 @@ public:
     virtual void updateSelectAllCheck() = 0;
     virtual void UpdateTextsAboutFreeUpSize() = 0;
     [[nodiscard]] virtual QWidget* window() const = 0;
+
+private:
+    bool questionOpen_ = false;
 };
 
 }  // namespace brimvault::ui

@@ -130,11 +130,17 @@ void FAppDelegate::showSelPanel() {
 // A scan that was stopped tells of its end when its operations have returned; by then the next may be running, and its
 // own end is still to come.
 void FAppDelegate::mainThreadScanFinished() {
-    if (!psectController_->performer().pscaner().isScanning()) {
-        setPbScanning(false);
+    if (!isScanReturning()) {
+        if (!closing_ && psectController_->isWaitingToScan()) {
+            psectController_->startScan();
+        } else {
+            setPbScanning(false);
+        }
     }
     closeWhenIdle();
 }
+
+bool FAppDelegate::isScanReturning() const { return psectController_->performer().pscaner().isScanning(); }
 
 void FAppDelegate::scanFinished() {
     refreshLists();  // a scan that was stopped before it began has told nothing
@@ -206,6 +212,16 @@ void FAppDelegate::updateCleaningStateForControllers() {
     }
 }
 
+// While an item is being removed nothing else begins, and nothing stops it.
+void FAppDelegate::setPbRemoving(bool removing) {
+    removing_ = removing;
+    psectController_->updateChecksEnabled();
+    window_->sidebar()->pbtnScan()->setEnabled(!removing);
+    updateCleaningStateForControllers();
+    updateSelectAllCheck();
+    closeWhenIdle();
+}
+
 // --- Controls ---------------------------------------------------------------------------------------------------
 
 void FAppDelegate::enableControlsScan(bool idle) {
@@ -226,16 +242,6 @@ void FAppDelegate::enableListControls(bool idle) {
                              static_cast<QWidget*>(lists->pbtnSelectAll())}) {
         control->setEnabled(idle && bScanStarted_);
     }
-}
-
-// While an item is being removed nothing else begins, and nothing stops it.
-void FAppDelegate::setPbRemoving(bool removing) {
-    removing_ = removing;
-    psectController_->updateChecksEnabled();
-    window_->sidebar()->pbtnScan()->setEnabled(!removing);
-    updateCleaningStateForControllers();
-    updateSelectAllCheck();
-    closeWhenIdle();
 }
 
 void FAppDelegate::setImgs4Scan(bool idle) {
@@ -391,7 +397,7 @@ void FAppDelegate::setPlashkaToSelectedState(bool selected) {
 // recorded.
 bool FAppDelegate::mayClose() {
     auto& performer = psectController_->performer();
-    const bool busy = sectionControllerIsScanOrRemoveProcessPerforming() || performer.pscaner().isScanning();
+    const bool busy = sectionControllerIsScanOrRemoveProcessPerforming() || isScanReturning();
     if (busy) {
         closing_ = true;
         window_->setEnabled(false);
@@ -402,8 +408,7 @@ bool FAppDelegate::mayClose() {
 }
 
 void FAppDelegate::closeWhenIdle() {
-    if (closing_ && !sectionControllerIsScanOrRemoveProcessPerforming() &&
-        !psectController_->performer().pscaner().isScanning()) {
+    if (closing_ && !sectionControllerIsScanOrRemoveProcessPerforming() && !isScanReturning()) {
         window_->close();
     }
 }

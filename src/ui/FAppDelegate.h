@@ -48,6 +48,7 @@ public:
     [[nodiscard]] bool bScanStarted() const override { return bScanStarted_; }
     [[nodiscard]] bool pbRemoving() const override { return removing_; }
     void setPbRemoving(bool removing) override;
+    [[nodiscard]] bool isScanReturning() const override;
 
     void activatePanel(int row) override;
     void updateSelectAllCheck() override;

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "engine/FileSize.h"
+#include "ui/FilePicture.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
 
@@ -21,23 +22,12 @@ constexpr int leastWidth = 420;
 constexpr qreal titleSize = 15;
 constexpr qreal textSize = 12.5;
 
-QLatin1String picture(files::NodeKind kind) {
-    switch (kind) {
-        case files::NodeKind::directory:
-            return QLatin1String("icFolder");
-        case files::NodeKind::link:
-            return QLatin1String("icLink");
-        default:
-            return QLatin1String("icFile");
-    }
-}
-
 QString kindText(const engine::FileFacts& facts) {
     switch (facts.kind) {
         case files::NodeKind::directory:
             return InfoWindow::tr("Folder");
         case files::NodeKind::link:
-            return InfoWindow::tr("Link to %1").arg(facts.type);
+            return InfoWindow::tr("Link to %1").arg(facts.linkTarget);
         case files::NodeKind::regular:
             return facts.type;
         case files::NodeKind::other:
@@ -70,15 +60,31 @@ InfoWindow::InfoWindow(const engine::FileFacts& facts, QWidget* parent) : QDialo
     setWindowTitle(tr("Information: %1").arg(facts.name));
     setMinimumWidth(look::scaled(leastWidth));
 
+    addFacts(facts);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    buttons->button(QDialogButtonBox::Close)->setIcon({});
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
+    auto* content = new QVBoxLayout(this);
+    content->setContentsMargins(margin, margin, margin, margin);
+    content->setSpacing(margin * 3 / 4);
+    content->addLayout(makeTitle(facts));
+    content->addLayout(rows_);
+    content->addWidget(buttons);
+}
+
+QLayout* InfoWindow::makeTitle(const engine::FileFacts& facts) const {
     auto* icon = new QLabel;
     icon->setPixmap(
-        ImageLoad::LoadPNGImage(picture(facts.kind), devicePixelRatioF())
+        ImageLoad::LoadPNGImage(filePicture(facts.kind, false), devicePixelRatioF())
             .scaled(QSize(iconSize, iconSize) * devicePixelRatioF(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
     auto* title = new QHBoxLayout;
     title->setSpacing(margin / 2);
     title->addWidget(icon, 0, Qt::AlignTop);
     title->addWidget(makeLabel(facts.name, look::font(titleSize, QFont::DemiBold), look::textPrimary), 1);
+    return title;
+}
 
+void InfoWindow::addFacts(const engine::FileFacts& facts) {
     rows_->setLabelAlignment(Qt::AlignTrailing | Qt::AlignTop);
     rows_->setHorizontalSpacing(margin / 2 + 2);
     rows_->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
@@ -93,16 +99,6 @@ InfoWindow::InfoWindow(const engine::FileFacts& facts, QWidget* parent) : QDialo
     addRow(tr("Owner"), tr("%1, group %2").arg(facts.owner, facts.group));
     addRow(tr("Permissions"),
            QStringLiteral("%1 (%2)").arg(facts.permissionText()).arg(facts.permissions, 4, 8, QLatin1Char('0')));
-
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    buttons->button(QDialogButtonBox::Close)->setIcon({});
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
-    auto* content = new QVBoxLayout(this);
-    content->setContentsMargins(margin, margin, margin, margin);
-    content->setSpacing(margin * 3 / 4);
-    content->addLayout(title);
-    content->addLayout(rows_);
-    content->addWidget(buttons);
 }
 
 InfoWindow::~InfoWindow() { closed_.request_stop(); }

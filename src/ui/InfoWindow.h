@@ -7,6 +7,7 @@
 #include "engine/FileFacts.h"
 
 class QFormLayout;
+class QLayout;
 
 namespace brimvault::ui {
 
@@ -25,6 +26,8 @@ public:
     [[nodiscard]] std::stop_token closed() const { return closed_.get_token(); }
 
 private:
+    [[nodiscard]] QLayout* makeTitle(const engine::FileFacts& facts) const;
+    void addFacts(const engine::FileFacts& facts);
     QLabel* addRow(const QString& name, const QString& value);
     void addDate(const QString& name, const QDateTime& date);
 

@@ -179,32 +179,55 @@ void ItemListController::onClickedGetInfo() {
 }
 
 bool ItemListController::isRemoveEnabled() const {
-    return hasSelectedItem() && !dataSource_.sectionControllerIsScanOrRemoveProcessPerforming();
+    return hasSelectedItem() && !dataSource_.sectionControllerIsScanOrRemoveProcessPerforming() &&
+           !dataSource_.isScanReturning() && !dataSource_.isQuestionOpen();
 }
 
 void ItemListController::onClickedRemove() {
-    const auto item = getSelectedItem();
-    if (!isRemoveEnabled() || !util_.isRemovalConfirmed(item->ppdisplayName())) {
+    if (!isRemoveEnabled()) {
         return;
     }
-    // While the question was open, a scan may have begun or the item may have gone.
-    if (dataSource_.sectionControllerIsScanOrRemoveProcessPerforming() || !isListed(item.get())) {
+    const auto item = getSelectedItem();
+    const auto path = getPathByItem(*item);
+    if (!path.is_absolute()) {
+        util_.alertFileNotExists(path);  // the section's folder is gone
         return;
+    }
+    const auto going = engine::ItemArray{item} + itemsIn(path);
+    {
+        const ApplicationController::OpenQuestion question(dataSource_);
+        if (!util_.isRemovalConfirmed(path, going.size() - 1)) {
+            return;
+        }
+    }
+    if (!isRemoveEnabled() || model_->rowOf(item.get()) < 0) {
+        return;  // while the question was open, the window went on
     }
     dataSource_.setPbRemoving(true);
-    util_.doRemoveFile(getPathByItem(*item), [list = QPointer(this), item](bool success) {
+    util_.doRemoveFile(path, [list = QPointer(this), going](bool success) {
         if (list) {
-            list->removeFinished(item, success);
+            list->removeFinished(going, success);
         }
     });
 }
 
-void ItemListController::removeFinished(const std::shared_ptr<engine::FFItem>& item, bool success) {
+// What is listed singly and lies in a folder that is listed as well.
+engine::ItemArray ItemListController::itemsIn(const std::filesystem::path& folder) const {
+    engine::ItemArray inside;
+    const auto beginning = folder.native() + "/";
+    for (const auto& item : model_->items()) {
+        if (file(*item).pfpath().native().starts_with(beginning)) {
+            inside.append(std::static_pointer_cast<engine::FFItem>(item));
+        }
+    }
+    return inside;
+}
+
+void ItemListController::removeFinished(const engine::ItemArray& items, bool success) {
     dataSource_.setPbRemoving(false);
     if (success) {
         const auto words = engine::vocabulary(section_);
-        engine::NotificationCenter::defaultCenter().post(words.cleanFinished,
-                                                         {{words.arrayKey, engine::ItemArray{item}}});
+        engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
     }
 }
 

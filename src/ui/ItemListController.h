@@ -82,9 +82,9 @@ private:
     void observe(const QString& name);
     void setItemChecked(int row, bool checked);
     void didClickTableColumn(int column);
-    void removeFinished(const std::shared_ptr<engine::FFItem>& item, bool success);
+    [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
+    void removeFinished(const engine::ItemArray& items, bool success);
     void showMenu(const QPoint& globalPosition);
-    [[nodiscard]] bool isListed(const engine::FFItem* item) const { return model_->rowOf(item) >= 0; }
     [[nodiscard]] int rowsThatStay(const QList<ItemListModel::Item>& items, int above) const;
     void replaceCurrent(int row, bool selected);
 

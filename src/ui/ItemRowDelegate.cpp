@@ -2,8 +2,8 @@
 
 #include <QPainter>
 
-#include "files/NodeStatus.h"
 #include "ui/CheckPicture.h"
+#include "ui/FilePicture.h"
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/ItemListModel.h"
@@ -32,17 +32,6 @@ QRgb background(const QStyleOptionViewItem& option, int row) {
 QPoint placed(const QStyleOptionViewItem& option, int size) {
     const QRect place(option.rect.left() + margin, option.rect.top() + (option.rect.height() - size) / 2, size, size);
     return QStyle::visualRect(option.direction, option.rect, place).topLeft();
-}
-
-QLatin1String iconPicture(files::NodeKind kind, bool selected) {
-    switch (kind) {
-        case files::NodeKind::directory:
-            return QLatin1String(selected ? "icFolderInv" : "icFolder");
-        case files::NodeKind::link:
-            return QLatin1String(selected ? "icLinkInv" : "icLink");
-        default:
-            return QLatin1String(selected ? "icFileInv" : "icFile");
-    }
 }
 
 }  // namespace
@@ -76,7 +65,7 @@ void ItemRowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& o
 
 void ItemRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) {
     const auto kind = static_cast<files::NodeKind>(index.data(ItemListModel::iconRole).toInt());
-    ImageLoad::draw(painter, placed(option, iconSize), iconPicture(kind, isSelected(option)));
+    ImageLoad::draw(painter, placed(option, iconSize), filePicture(kind, isSelected(option)));
 }
 
 void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) {

@@ -1,6 +1,5 @@
 #include "ui/TSectionViewController.h"
 
-#include <QScopedValueRollback>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
@@ -132,10 +131,11 @@ quint64 TSectionViewController::getSize2CleanALLSel() const {
 }
 
 void TSectionViewController::doStartScan() {
-    if (pAppDelegate_.pbCleanning() || pAppDelegate_.pbRemoving() || questionOpen_) {
+    if (pAppDelegate_.pbCleanning() || pAppDelegate_.pbRemoving() || pAppDelegate_.isQuestionOpen()) {
         return;
     }
     if (pAppDelegate_.pbScanning()) {
+        waitingToScan_ = false;
         pAppDelegate_.setPbScanning(false);
         performer_.cancelScanAll();
         return;
@@ -153,13 +153,22 @@ void TSectionViewController::doStartScan() {
         return;
     }
     pAppDelegate_.setPbScanning(true);
+    // What still returns of a scan that was stopped would have to be waited for here.
+    waitingToScan_ = performer_.pscaner().isScanning();
+    if (!waitingToScan_) {
+        startScan();
+    }
+}
+
+void TSectionViewController::startScan() {
+    waitingToScan_ = false;
     performer_.Scan(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
                     checks_[Section::trash], checks_[Section::logs]);
     Q_EMIT resultsDropped();
 }
 
 void TSectionViewController::doStartClean() {
-    if (pAppDelegate_.pbScanning() || pAppDelegate_.pbRemoving() || questionOpen_) {
+    if (pAppDelegate_.pbScanning() || pAppDelegate_.pbRemoving() || pAppDelegate_.isQuestionOpen()) {
         return;
     }
     if (pAppDelegate_.pbCleanning()) {
@@ -192,14 +201,14 @@ bool TSectionViewController::isRemovalConfirmed() {
 
 // The window goes on while a question is open; neither button does anything then, however it is pressed.
 AlertAnswer TSectionViewController::ask(const Alert& alert) {
-    const QScopedValueRollback open(questionOpen_, true);
+    const ApplicationController::OpenQuestion open(pAppDelegate_);
     return alerts_.runModal(alert, pAppDelegate_.window());
 }
 
 // While the question was open, the end of a scan that had been stopped may have brought more items. The user agreed to
 // what was on show.
 bool TSectionViewController::isStillWhatWasAsked() const {
-    return !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming() && !performer_.pscaner().isScanning() &&
+    return !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming() && !pAppDelegate_.isScanReturning() &&
            static_cast<qint64>(getSize2CleanALLSel()) == lastCleanedSize_;
 }
 

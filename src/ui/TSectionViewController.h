@@ -42,6 +42,9 @@ public:
 
     /// The scan button: starts a scan, or stops the one that runs.
     void doStartScan();
+    /// A scan that was asked for begins with `startScan`, once the one before has returned.
+    [[nodiscard]] bool isWaitingToScan() const { return waitingToScan_; }
+    void startScan();
     /// The clean button: asks and starts a clean, or stops the one that runs.
     void doStartClean();
     /// Records what a clean has freed.
@@ -89,7 +92,7 @@ private:
     std::function<QStringList()> neededLanguages_;
     SectionListModel model_;
     engine::PerSection<bool> checks_;
-    bool questionOpen_ = false;
+    bool waitingToScan_ = false;  ///< the user asked for a scan while one that was stopped still returned
     qint64 lastCleanedSize_ = 0;  ///< bytes that were selected when the last clean started
     engine::CPerformer performer_;
     std::vector<engine::NotificationCenter::Observation> observations_;

@@ -3,7 +3,6 @@
 #include <QFutureWatcher>
 #include <QtConcurrentRun>
 
-#include "engine/FileFacts.h"
 #include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
@@ -18,7 +17,9 @@ namespace brimvault::ui {
 
 namespace {
 
-enum class Shown { shown, noSuchFile, nobodyAnswers };
+constexpr int concurrentRequests = 16;  // they wait more than they work
+
+enum class Request { taken, noSuchFile, nobodyAnswers };
 
 // A path without "~/", "." and ".."; one that is not absolute stays so, and names nothing: where the program was
 // started is no place that a list speaks of.
@@ -31,7 +32,10 @@ bool isThere(const std::filesystem::path& path) { return path.is_absolute() && f
 }  // namespace
 
 UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::FinderPreferences& finder)
-    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder) {}
+    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder) {
+    requests_.setMaxThreadCount(concurrentRequests);
+    removals_.setMaxThreadCount(1);
+}
 
 UtilMod::~UtilMod() = default;
 
@@ -42,14 +46,23 @@ UtilMod& UtilMod::sharedUtil() {
     return instance;
 }
 
+// A window of information that is open still has something counted, which nobody will see.
+void UtilMod::waitUntilIdle() {
+    if (window_) {
+        qDeleteAll(window_->findChildren<InfoWindow*>());
+    }
+    requests_.waitForDone();
+    removals_.waitForDone();
+}
+
 template <typename Answer>
-void UtilMod::inBackground(std::function<Answer()> work, std::function<void(const Answer&)> done) {
+void UtilMod::inBackground(QThreadPool& pool, std::function<Answer()> work, std::function<void(const Answer&)> done) {
     auto* watcher = new QFutureWatcher<Answer>(this);
     connect(watcher, &QFutureWatcherBase::finished, this, [watcher, done = std::move(done)] {
         watcher->deleteLater();
         done(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run(&pool_, std::move(work)));
+    watcher->setFuture(QtConcurrent::run(&pool, std::move(work)));
 }
 
 // --- The file browser -------------------------------------------------------------------------------------------
@@ -57,15 +70,15 @@ void UtilMod::inBackground(std::function<Answer()> work, std::function<void(cons
 void UtilMod::doRevealInFinder(const std::filesystem::path& path) {
     const auto reveal = [this, file = standardized(path)] {
         if (!isThere(file)) {
-            return Shown::noSuchFile;
+            return Request::noSuchFile;
         }
-        const bool shown = fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
-        return shown ? Shown::shown : Shown::nobodyAnswers;
+        const bool taken = fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
+        return taken ? Request::taken : Request::nobodyAnswers;
     };
-    inBackground<Shown>(reveal, [this, path](Shown shown) {
-        if (shown == Shown::noSuchFile) {
+    inBackground<Request>(requests_, reveal, [this, path](Request request) {
+        if (request == Request::noSuchFile) {
             alertFileNotExists(path);
-        } else if (shown == Shown::nobodyAnswers) {
+        } else if (request == Request::nobodyAnswers) {
             tell(tr("Can't show file"), tr("No file manager answers. The file is in the folder %1")
                                             .arg(platform::displayText(standardized(path).parent_path())));
         }
@@ -75,14 +88,14 @@ void UtilMod::doRevealInFinder(const std::filesystem::path& path) {
 void UtilMod::doGetInformation(const std::filesystem::path& path) {
     const auto ask = [this, file = standardized(path)] {
         if (!isThere(file)) {
-            return Shown::noSuchFile;
+            return Request::noSuchFile;
         }
-        return fileBrowser_.showItemProperties(file) ? Shown::shown : Shown::nobodyAnswers;
+        return fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
     };
-    inBackground<Shown>(ask, [this, path](Shown shown) {
-        if (shown == Shown::noSuchFile) {
+    inBackground<Request>(requests_, ask, [this, path](Request request) {
+        if (request == Request::noSuchFile) {
             alertFileNotExists(path);
-        } else if (shown == Shown::nobodyAnswers) {
+        } else if (request == Request::nobodyAnswers) {
             showInformation(standardized(path));
         }
     });
@@ -90,22 +103,27 @@ void UtilMod::doGetInformation(const std::filesystem::path& path) {
 
 void UtilMod::showInformation(const std::filesystem::path& path) {
     using Facts = std::optional<engine::FileFacts>;
-    inBackground<Facts>([path] { return engine::FileFacts::of(path); },
-                        [this, path](const Facts& facts) {
-                            if (!facts || !window_) {
-                                alertFileNotExists(path);
-                                return;
-                            }
-                            const QPointer<InfoWindow> information = new InfoWindow(*facts, window_);
-                            information->show();
-                            inBackground<quint64>(
-                                [path, stop = information->closed()] { return files::measureItem(path, stop); },
-                                [information](quint64 size) {
-                                    if (information) {
-                                        information->setSize(size);
-                                    }
-                                });
-                        });
+    inBackground<Facts>(
+        requests_, [path] { return engine::FileFacts::of(path); },
+        [this, path](const Facts& facts) {
+            if (facts && window_) {
+                openInfoWindow(path, *facts);
+            } else {
+                alertFileNotExists(path);
+            }
+        });
+}
+
+void UtilMod::openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts) {
+    const QPointer<InfoWindow> information = new InfoWindow(facts, window_);
+    information->show();
+    inBackground<quint64>(
+        requests_, [path, stop = information->closed()] { return files::measureItem(path, stop); },
+        [information](quint64 size) {
+            if (information) {
+                information->setSize(size);
+            }
+        });
 }
 
 void UtilMod::alertFileNotExists(const std::filesystem::path& path) {
@@ -124,15 +142,23 @@ void UtilMod::tell(const QString& message, const QString& informativeText) {
 
 // Always asked, also by those who want no question before a clean: one key is pressed more easily than all the steps of
 // a clean are taken.
-bool UtilMod::isRemovalConfirmed(const QString& name) {
-    const Alert alert{tr("Are you sure you want to completely delete “%1”?").arg(name),
-                      tr("Files will be  permanently removed from your Hard Drive.")};
+bool UtilMod::isRemovalConfirmed(const std::filesystem::path& path, qsizetype itemsInIt) {
+    QString where = platform::displayText(path);
+    if (itemsInIt > 0) {
+        const QString count = itemsInIt == 1
+                                  ? tr("It holds 1 other item of the list, which goes with it.")
+                                  : tr("It holds %1 other items of the list, which go with it.").arg(itemsInIt);
+        where += QStringLiteral("\n") + count;
+    }
+    const Alert alert{
+        tr("Are you sure you want to completely delete “%1”?").arg(platform::displayText(path.filename())),
+        where + QStringLiteral("\n\n") + tr("Files will be  permanently removed from your Hard Drive.")};
     return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
 }
 
 void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished) {
     inBackground<engine::ItemRemoval>(
-        [file = standardized(path)] { return engine::removeItemAt(file); },
+        removals_, [file = standardized(path)] { return engine::removeItemAt(file); },
         [this, path, finished](const engine::ItemRemoval& removal) { finishRemoval(path, removal, finished); });
 }
 

@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "engine/FFItem.h"
+#include "engine/FileFacts.h"
 #include "engine/ItemRemoval.h"
 #include "platform/FileBrowser.h"
 #include "platform/FinderPreferences.h"
@@ -32,7 +33,7 @@ public:
     /// The window over which alerts and information are shown.
     void setWindow(QWidget* window) { window_ = window; }
     /// Blocks until nothing is under way; what has ended since tells nobody any more once the application is gone.
-    void waitUntilIdle() { pool_.waitForDone(); }
+    void waitUntilIdle();
 
     /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.
     void doRevealInFinder(const std::filesystem::path& path);
@@ -40,8 +41,9 @@ public:
     void doGetInformation(const std::filesystem::path& path);
     void alertFileNotExists(const std::filesystem::path& path);
 
-    /// Whether the user, being asked, wants the item of that name to be removed for good.
-    [[nodiscard]] bool isRemovalConfirmed(const QString& name);
+    /// Whether the user, being asked, wants the item at the path to be removed for good; a number of other items that
+    /// are listed may lie in it, and go with it.
+    [[nodiscard]] bool isRemovalConfirmed(const std::filesystem::path& path, qsizetype itemsInIt);
     /// Removes the file for good and then, after an alert where it failed, posts "singleFileRemoveFinished" and tells
     /// whether it is gone. A file that was gone before counts as removed.
     void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished);
@@ -61,18 +63,21 @@ public:
 private:
     void tell(const QString& message, const QString& informativeText);
     void showInformation(const std::filesystem::path& path);
+    void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts);
     void finishRemoval(const std::filesystem::path& path, const engine::ItemRemoval& removal,
                        const std::function<void(bool success)>& finished);
 
-    /// Calls `work` on a thread of the pool and `done`, with what it answered, on the main thread.
+    /// Calls `work` on a thread of a pool and `done`, with what it answered, on the main thread.
     template <typename Answer>
-    void inBackground(std::function<Answer()> work, std::function<void(const Answer&)> done);
+    void inBackground(QThreadPool& pool, std::function<Answer()> work, std::function<void(const Answer&)> done);
 
     AlertPresenter& alerts_;
     platform::FileBrowser& fileBrowser_;
     platform::FinderPreferences& finder_;
     QPointer<QWidget> window_;
-    QThreadPool pool_;  ///< last, so that nothing of the above goes while a thread works with it
+    // Last, so that nothing of the above goes while a thread works with it.
+    QThreadPool requests_;  ///< what may wait for others: a removal does not wait for them
+    QThreadPool removals_;
 };
 
 }  // namespace brimvault::ui

@@ -244,15 +244,34 @@ TEST_F(ListJourney, AFailedRemovalIsToldAndChangesNothing) {
     EXPECT_EQ(engine::getNumberPropfromNotification(heard.all().back(), engine::key::success), 0);
 }
 
-TEST_F(ListJourney, NothingIsRemovedWhenAScanBeganUnderTheQuestion) {
+TEST_F(ListJourney, NothingBeginsWhileAQuestionIsOpenAndNothingElseIsRemovedThanWasAsked) {
     show(downloadsRow);
     select("photos.zip");
     alerts_.answers.push_back(tests::agree);
-    alerts_.whileOpen = [this] { application_->psectController().doStartScan(); };
+    alerts_.whileOpen = [this] {
+        application_->psectController().doStartScan();
+        application_->psectController().doStartClean();
+        EXPECT_FALSE(application_->pbScanning());
+        EXPECT_FALSE(application_->pbCleanning());
+        EXPECT_EQ(alerts_.asked.size(), 1U);
+        select("invoice.txt");
+    };
     QTest::keyClick(guide_->list(), Qt::Key_Delete);
-    EXPECT_FALSE(application_->pbRemoving());
-    EXPECT_TRUE(Guide::waitFor([&] { return !application_->pbScanning(); }));
-    EXPECT_TRUE(fs::exists(home_.downloads() / "photos.zip"));
+    ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(text("photos.zip")) < 0; }));
+    EXPECT_FALSE(fs::exists(home_.downloads() / "photos.zip"));
+    EXPECT_TRUE(fs::exists(home_.downloads() / "invoice.txt"));
+}
+
+TEST_F(ListJourney, WhatLiesInARemovedFolderLeavesTheListWithIt) {
+    show(logsRow);
+    guide_->clickCell(guide_->row(text("reader.log")), ui::ItemListModel::checkColumn);
+    select("com.vendor.reader");
+    alerts_.answers.push_back(tests::agree);
+    QTest::keyClick(guide_->list(), Qt::Key_Delete);
+    EXPECT_TRUE(alerts_.asked.back().informativeText.contains(text("It holds 1 other item")));
+    ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(text("com.vendor.reader")) < 0; }));
+    EXPECT_LT(guide_->row(text("reader.log")), 0);
+    EXPECT_GE(guide_->row(text("system.log")), 0);
 }
 
 TEST_F(ListJourney, KeysMoveBetweenRowsAndOpenTheMenu) {

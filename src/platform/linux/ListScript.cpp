@@ -6,6 +6,7 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
+#include <memory>
 
 #include "platform/System.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr qint64 longestList = 64LL * 1024 * 1024;  // bytes
 constexpr int lookInterval = 20;                    // milliseconds between looks at the stop and the limit
-constexpr int timeToDie = 1000;                     // milliseconds; a process that is being killed takes no longer
+constexpr int timeToDie = 1000;                     // milliseconds in which a process that is killed ends
 
 // The user's own environment, but for what the program knows better.
 QProcessEnvironment environmentOfScripts() {
@@ -28,12 +29,15 @@ QProcessEnvironment environmentOfScripts() {
     return environment;
 }
 
-// The script leads a process group, so that what it has started ends with it.
-void endGroup(QProcess& shell) {
-    if (shell.processId() > 0) {
-        ::kill(-static_cast<pid_t>(shell.processId()), SIGKILL);
+// The script leads a process group, so that what it has started ends with it. One that a dead volume holds inside the
+// system ends when the volume answers, and is not waited for: its object is given up, since it would wait.
+void endGroup(std::unique_ptr<QProcess> shell) {
+    if (shell->processId() > 0) {
+        ::kill(-static_cast<pid_t>(shell->processId()), SIGKILL);
     }
-    shell.waitForFinished(timeToDie);
+    if (shell->state() != QProcess::NotRunning && !shell->waitForFinished(timeToDie)) {
+        (void)shell.release();
+    }
 }
 
 std::vector<std::string> entriesOf(const QByteArray& printed) {
@@ -55,23 +59,27 @@ std::optional<std::vector<std::string>> runListScript(const QString& script, std
         return std::nullopt;
     }
     const QDeadlineTimer deadline(limit);
-    QProcess shell;
-    shell.setProcessEnvironment(environmentOfScripts());
-    shell.setStandardInputFile(QProcess::nullDevice());
-    shell.setStandardErrorFile(QProcess::nullDevice());
-    shell.setChildProcessModifier([] { ::setpgid(0, 0); });
-    shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QString::fromUtf8(source.readAll())});
-    while (shell.state() != QProcess::NotRunning && !shell.waitForFinished(lookInterval)) {
-        if (stop.stop_requested() || deadline.hasExpired() || shell.bytesAvailable() > longestList) {
-            endGroup(shell);
-            return std::nullopt;
+    auto shell = std::make_unique<QProcess>();
+    shell->setProcessEnvironment(environmentOfScripts());
+    shell->setStandardInputFile(QProcess::nullDevice());
+    shell->setStandardErrorFile(QProcess::nullDevice());
+    shell->setChildProcessModifier([] { ::setpgid(0, 0); });
+    shell->start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QString::fromUtf8(source.readAll())});
+    const auto isTooLong = [&] { return shell->bytesAvailable() > longestList; };
+    while (shell->state() != QProcess::NotRunning && !shell->waitForFinished(lookInterval)) {
+        if (deadline.hasExpired() || stop.stop_requested() || isTooLong()) {
+            break;
         }
     }
-    if (stop.stop_requested() || shell.error() == QProcess::FailedToStart ||
-        shell.exitStatus() != QProcess::NormalExit || shell.exitCode() != 0 || shell.bytesAvailable() > longestList) {
-        return std::nullopt;
+    const bool late = shell->state() != QProcess::NotRunning;
+    const bool well = late || (shell->error() != QProcess::FailedToStart &&
+                               shell->exitStatus() == QProcess::NormalExit && shell->exitCode() == 0);
+    std::optional<std::vector<std::string>> entries;
+    if (well && !stop.stop_requested() && !isTooLong()) {
+        entries = entriesOf(shell->readAllStandardOutput());
     }
-    return entriesOf(shell.readAllStandardOutput());
+    endGroup(std::move(shell));
+    return entries;
 }
 
 }  // namespace brimvault::platform

@@ -46,7 +46,7 @@ bool callFileManager(const QString& method, const std::filesystem::path& path) {
     return taken;
 }
 
-// The opener's own group, so that what it opens does not end with this program.
+// In a session of its own, so that what it opens does not end with this program.
 pid_t start(const std::string& program, const std::string& argument) {
     posix_spawnattr_t attributes;
     ::posix_spawnattr_init(&attributes);
@@ -66,8 +66,8 @@ bool hasOpened(pid_t opener) {
     constexpr std::chrono::milliseconds interval{20};
     while (std::chrono::steady_clock::now() < deadline) {
         int status = 0;
-        if (::waitpid(opener, &status, WNOHANG) != 0) {
-            return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        if (const pid_t ended = ::waitpid(opener, &status, WNOHANG); ended != 0) {
+            return ended == opener && WIFEXITED(status) && WEXITSTATUS(status) == 0;
         }
         std::this_thread::sleep_for(interval);
     }

@@ -21,27 +21,21 @@ bool isTrash(const fs::path& folder) {
            (folder.filename() == user && folder.parent_path().filename() == ".Trash");
 }
 
-bool isPlainItem(const fs::path& path) {
-    return path.is_absolute() && path.has_filename() && path == path.lexically_normal();
-}
-
-// The trash folder in whose "files" the item lies.
-std::optional<fs::path> trashOf(const fs::path& item) {
-    const auto files = item.parent_path();
-    if (!isPlainItem(item) || files.filename() != "files" || !isTrash(files.parent_path())) {
-        return std::nullopt;
-    }
-    return files.parent_path();
+// The trash folder whose items lie in the folder.
+std::optional<fs::path> trashOf(const fs::path& folder) {
+    const bool plain = folder.is_absolute() && folder == folder.lexically_normal();
+    return plain && folder.filename() == "files" && isTrash(folder.parent_path()) ? std::optional(folder.parent_path())
+                                                                                  : std::nullopt;
 }
 
 }  // namespace
 
-bool TrashFolders::isItemInTrash(const fs::path& path) {
-    return trashOf(path) || (isPlainItem(path) && path.parent_path() == LibraryURLs::getTrashFolderURL());
+bool TrashFolders::holdsItems(const fs::path& folder) {
+    return trashOf(folder) || folder == LibraryURLs::getTrashFolderURL();
 }
 
 std::optional<fs::path> TrashFolders::recordOfItem(const fs::path& item) {
-    const auto trash = trashOf(item);
+    const auto trash = item.has_filename() ? trashOf(item.parent_path()) : std::nullopt;
     return trash ? std::optional(*trash / "info" / (item.filename().native() + ".trashinfo")) : std::nullopt;
 }
 
