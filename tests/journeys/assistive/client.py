@@ -46,6 +46,13 @@ def find(node, role, name=None):
     return None
 
 
+def everything(node):
+    """All parts below, each before its own."""
+    for child in children(node):
+        yield child
+        yield from everything(child)
+
+
 def has_state(node, state):
     return node.get_state_set().contains(state)
 
@@ -59,12 +66,14 @@ def act(node, action):
     raise AssertionError(f"{node.get_role_name()} {node.get_name()!r} cannot {action}")
 
 
+def application(name):
+    """The application of that name; None where none runs."""
+    return next((child for child in children(Atspi.get_desktop(0)) if child.get_name() == name), None)
+
+
 class Window:
     def __init__(self):
-        desktop = Atspi.get_desktop(0)
-        self.application = wait_for(
-            "the program", lambda: next((c for c in children(desktop) if c.get_name() == "Brimvault"), None)
-        )
+        self.application = wait_for("the program", lambda: application("Brimvault"))
         self.frame = wait_for("the window", lambda: find(self.application, "frame", "Brimvault"))
 
     def button(self, name):
@@ -95,6 +104,17 @@ class Window:
                 raise Moved
             rows[name.get_name()] = (size.get_name(), has_state(check, Atspi.StateType.CHECKED), check)
         return rows
+
+    def select(self, title, name):
+        """Selects the row of that name, as the arrow keys would."""
+
+        def cell():
+            table = self.table(title)
+            cells = (table.get_accessible_at(row, 2) for row in range(table.get_n_rows()))
+            return next((cell for cell in cells if cell is not None and cell.get_name() == name), None)
+
+        act(wait_for(f"row {name!r}", cell), "SetFocus")
+        wait_for(f"the selection of {name!r}", lambda: has_state(cell(), Atspi.StateType.SELECTED))
 
     def answer(self, button):
         dialog = wait_for("a question", lambda: find(self.application, "alert") or find(self.application, "dialog"))

@@ -5,13 +5,12 @@ Every row and size is compared with a count of its own, one item is spared, and 
 """
 
 import os
-import signal
 import stat
-import subprocess
 import sys
 import tempfile
 
 from client import Window, act, wait_for
+from trial import make_home, running, size_text
 
 # What the user leaves or makes unticked, by section; the other sections' items come ticked.
 SPARED = {
@@ -29,14 +28,6 @@ def logical_size(path):
     if not stat.S_ISDIR(status.st_mode):
         return status.st_size
     return sum(logical_size(entry.path) for entry in os.scandir(path))
-
-
-def size_text(size):
-    value, units = float(size), ["B", "KB", "MB", "GB", "TB", "PB"]
-    while value >= 1000 and len(units) > 1:
-        value, units = value / 1000, units[1:]
-    text = f"{value:.{2 if value < 100 else 1}f}".rstrip("0").rstrip(".")
-    return f"{text} {units[0]}"
 
 
 def visible(folder):
@@ -142,15 +133,9 @@ def main():
     sample_home, program, trial_home = sys.argv[1:]
     with tempfile.TemporaryDirectory() as folder:
         home = os.path.join(folder, "home")
-        subprocess.run([sample_home, home], check=True, stdout=subprocess.DEVNULL)
-        # A group of its own, so that the wrapper and the program in it end together.
-        process = subprocess.Popen([trial_home, home, program], start_new_session=True)
-        try:
+        make_home(sample_home, home)
+        with running([trial_home, home, program]):
             journey(home)
-            assert process.poll() is None, "the program ended"
-        finally:
-            os.killpg(process.pid, signal.SIGTERM)
-            process.wait()
 
 
 main()
