@@ -69,7 +69,9 @@ InfoWindow::InfoWindow(const engine::FileFacts& facts, QWidget* parent) : QDialo
     content->setSpacing(margin * 3 / 4);
     content->addLayout(makeTitle(facts));
     content->addLayout(rows_);
+    content->addStretch(1);
     content->addWidget(buttons);
+    resize(minimumWidth(), content->totalHeightForWidth(minimumWidth()));
 }
 
 QLayout* InfoWindow::makeTitle(const engine::FileFacts& facts) const {
@@ -80,7 +82,8 @@ QLayout* InfoWindow::makeTitle(const engine::FileFacts& facts) const {
     auto* title = new QHBoxLayout;
     title->setSpacing(margin / 2);
     title->addWidget(icon, 0, Qt::AlignTop);
-    title->addWidget(makeLabel(facts.name, look::font(titleSize, QFont::DemiBold), look::textPrimary), 1);
+    title->addWidget(makeLabel(facts.name, look::font(titleSize, QFont::DemiBold), look::textPrimary), 1,
+                     Qt::AlignVCenter);
     return title;
 }
 

@@ -109,6 +109,19 @@ void scanScenes(ui::FAppDelegate& application, tests::Guide& guide, const Camera
     expect(tests::Guide::waitFor([&] { return !application.pbScanning(); }), "the scan ends");
 }
 
+// What the list's menu offers.
+void menuScene(tests::Guide& guide, const Camera& camera) {
+    guide.clickCell(0, ui::ItemListModel::nameColumn);
+    guide.list()->requestMenuOfCurrentRow();
+    auto* menu = QApplication::activePopupWidget();
+    expect(menu != nullptr, "the menu key opens a menu");
+    if (menu != nullptr) {
+        QTest::qWait(settling);
+        camera.take(menu, QStringLiteral("menu"));
+        menu->close();
+    }
+}
+
 void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
     guide.clickSectionCheck(downloadsRow);
     for (const auto& [section, scene] : {std::pair(logsRow, "logs"), std::pair(downloadsRow, "downloads"),
@@ -117,6 +130,9 @@ void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Ca
         QTest::qWait(settling);
         if (*scene != '\0') {
             camera.take(application.window(), QLatin1String(scene));
+        }
+        if (section == downloadsRow) {
+            menuScene(guide, camera);
         }
     }
     const int row = guide.row(QString::fromLatin1(spared));
