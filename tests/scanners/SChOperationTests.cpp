@@ -6,45 +6,22 @@
 #include <map>
 #include <random>
 
-#include "engine/Notifications.h"
-#include "engine/OperationQueue.h"
 #include "support/FixtureTrees.h"
-#include "support/HeardNotifications.h"
+#include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
 #include "support/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
 using engine::ItemArray;
-using engine::NotificationCenter;
 using scanners::ContainersFolderScannerManager;
 using scanners::SChOperation;
 namespace fs = std::filesystem;
 
 namespace {
 
-const auto words = engine::vocabulary(engine::Section::caches);
-
 /// Full path to name and size.
 using Listing = std::map<fs::path, std::pair<fs::path, std::uint64_t>>;
-
-// The rules once more, by other means: lengths of all that is no folder, links not followed.
-std::uint64_t sizeOf(const fs::path& path) {
-    const auto status = fs::symlink_status(path);
-    if (fs::is_symlink(status)) {
-        return fs::read_symlink(path).native().size();
-    }
-    if (fs::is_regular_file(status)) {
-        return fs::file_size(path);
-    }
-    std::uint64_t sum = 0;
-    if (fs::is_directory(status)) {
-        for (const auto& entry : fs::directory_iterator(path)) {
-            sum += sizeOf(entry.path());
-        }
-    }
-    return sum;
-}
 
 Listing expectedListing(const fs::path& home) {
     Listing listing;
@@ -72,17 +49,10 @@ protected:
     ItemArray scan(const std::function<void(SChOperation&)>& meanwhile = [](SChOperation&) {}) {
         const SubstituteHome home(home_);
         ContainersFolderScannerManager containers(home_ / "Library/Containers");
-        const HeardNotifications heard = {words.scanFinished};
         const auto operation = std::make_shared<SChOperation>(containers);
-        const auto observation = NotificationCenter::defaultCenter().addObserver(
-            words.scanProgress, [&](const auto&) { meanwhile(*operation); });
-        engine::OperationQueue queue;
-        queue.addOperation(operation);
-        operation->waitUntilFinished();
-        EXPECT_EQ(heard.names().size(), 1);
+        const auto result = runScan(operation, [&] { meanwhile(*operation); });
         expectedCount_ = operation->nTopLevelItemsCount();
-        return engine::getArrayPropfromNotification<ItemArray>(heard.last(words.scanFinished), words.arrayKey)
-            .value_or(ItemArray());
+        return result.items;
     }
 
     static Listing listed(const ItemArray& items) {
@@ -100,35 +70,6 @@ protected:
     const fs::path caches_ = home_ / "Library/Caches";
     qint64 expectedCount_ = -1;
 };
-
-// A tree of up to so many levels with files, sparse files, links, hidden and odd names, hard links.
-void growRandomly(std::mt19937& random, const fs::path& folder, int levels) {
-    const auto number = [&](int most) { return std::uniform_int_distribution(0, most)(random); };
-    fs::create_directories(folder);
-    for (int count = number(6); count > 0; --count) {
-        const auto odd = oddNames()[static_cast<std::size_t>(number(static_cast<int>(oddNames().size()) - 1))];
-        const auto path = folder / (number(3) == 0 ? odd : (number(4) == 0 ? "." : "n") + std::to_string(number(50)));
-        if (fs::exists(fs::symlink_status(path))) {
-            continue;
-        }
-        switch (number(5)) {
-            case 0:
-                fs::create_symlink(number(1) == 0 ? "/" : "../..", path);
-                break;
-            case 1:
-                writeSparseFile(path, static_cast<std::uint64_t>(number(1'000'000'000)));
-                fs::create_hard_link(path, path.parent_path() / ("again" + std::to_string(number(1'000'000))));
-                break;
-            case 2:
-                writeFile(path, std::string(static_cast<std::size_t>(number(500)), 'x'));
-                break;
-            default:
-                if (levels > 0) {
-                    growRandomly(random, path, levels - 1);
-                }
-        }
-    }
-}
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <map>
 #include <system_error>
 
 namespace brimvault::tests {
@@ -83,6 +84,65 @@ void makeWide(const fs::path& folder, int count) {
         }
         ::close(file);
     }
+}
+
+void growRandomly(std::mt19937& random, const fs::path& folder, int levels) {
+    const auto number = [&](int most) { return std::uniform_int_distribution(0, most)(random); };
+    fs::create_directories(folder);
+    for (int count = number(6); count > 0; --count) {
+        const auto odd = oddNames()[static_cast<std::size_t>(number(static_cast<int>(oddNames().size()) - 1))];
+        const auto path = folder / (number(3) == 0 ? odd : (number(4) == 0 ? "." : "n") + std::to_string(number(50)));
+        if (fs::exists(fs::symlink_status(path))) {
+            continue;
+        }
+        switch (number(5)) {
+            case 0:
+                fs::create_symlink(number(1) == 0 ? "/" : "../..", path);
+                break;
+            case 1:
+                writeSparseFile(path, static_cast<std::uint64_t>(number(1'000'000'000)));
+                fs::create_hard_link(path, path.parent_path() / ("again" + std::to_string(number(1'000'000))));
+                break;
+            case 2:
+                writeFile(path, std::string(static_cast<std::size_t>(number(500)), 'x'));
+                break;
+            default:
+                if (levels > 0) {
+                    growRandomly(random, path, levels - 1);
+                }
+        }
+    }
+}
+
+void writeMountTable(const fs::path& root, const std::vector<fs::path>& mountPoints) {
+    const std::map<char, std::string> escapes = {{' ', "\\040"}, {'\t', "\\011"}, {'\n', "\\012"}, {'\\', "\\134"}};
+    std::string table = "21 27 0:19 / /proc rw,nosuid shared:12 - proc proc rw\n";
+    for (const auto& mountPoint : mountPoints) {
+        table += "36 27 98:0 / ";
+        for (const char letter : mountPoint.native()) {
+            const auto escape = escapes.find(letter);
+            table += escape == escapes.end() ? std::string(1, letter) : escape->second;
+        }
+        table += " rw,noatime shared:1 master:2 - ext4 /dev/disk rw,errors=continue\n";
+    }
+    writeFile(root / "proc/self/mountinfo", table);
+}
+
+std::uint64_t sizeOf(const fs::path& path) {
+    const auto status = fs::symlink_status(path);
+    if (fs::is_symlink(status)) {
+        return fs::read_symlink(path).native().size();
+    }
+    if (fs::is_regular_file(status)) {
+        return fs::file_size(path);
+    }
+    std::uint64_t sum = 0;
+    if (fs::is_directory(status)) {
+        for (const auto& entry : fs::directory_iterator(path)) {
+            sum += sizeOf(entry.path());
+        }
+    }
+    return sum;
 }
 
 const std::vector<std::string>& oddNames() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,15 @@ std::uint64_t makeOddNames(const std::filesystem::path& folder);
 void makeDeep(const std::filesystem::path& folder, int depth);
 /// So many empty files side by side.
 void makeWide(const std::filesystem::path& folder, int count);
+
+/// Up to so many levels with files, sparse files, links, hidden and odd names, and files of two names.
+void growRandomly(std::mt19937& random, const std::filesystem::path& folder, int levels);
+
+/// "proc/self/mountinfo" below the root, as the kernel writes it for volumes mounted at these places.
+void writeMountTable(const std::filesystem::path& root, const std::vector<std::filesystem::path>& mountPoints);
+
+/// What a scan is to find, by other means than its own: the lengths of all that is no folder, links not followed.
+[[nodiscard]] std::uint64_t sizeOf(const std::filesystem::path& path);
 
 /// A line break, bytes that are no UTF-8, 255 bytes, leading spaces and dashes, what a shell would expand.
 [[nodiscard]] const std::vector<std::string>& oddNames();
