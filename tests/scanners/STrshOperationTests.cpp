@@ -74,7 +74,8 @@ protected:
     // A killed process needs a moment.
     [[nodiscard]] static bool isGoneSoon(pid_t process) {
         std::string text;
-        for (const auto deadline = std::chrono::steady_clock::now() + 5s; std::chrono::steady_clock::now() < deadline;) {
+        for (const auto deadline = std::chrono::steady_clock::now() + 5s;
+             std::chrono::steady_clock::now() < deadline;) {
             std::ifstream status("/proc/" + std::to_string(process) + "/stat");
             text.assign(std::istreambuf_iterator<char>(status), {});
             if (text.empty() || text.find(") Z") != std::string::npos) {

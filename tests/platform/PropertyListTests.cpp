@@ -1,0 +1,143 @@
+#include "platform/PropertyList.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QByteArray>
+
+#include "platform/FinderPreferences.h"
+#include "support/SampleHome.h"
+#include "support/SubstituteHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using platform::FinderPreferences;
+using platform::PropertyList;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string inXml(const std::string& inside) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+           "<plist version=\"1.0\"><dict>" +
+           inside + "</dict></plist>\n";
+}
+
+// {"AppleShowAllFiles": true, "a": [1], "n": 0, "r": 0.5, "t": "YES"}
+std::string inBinary() {
+    const auto bytes = QByteArray::fromHex(
+        "62706c6973743030d501020304050607090a0b5f10114170706c6553686f77416c6c46696c657351"
+        "61516e5172517409a10810011000233fe000000000000053594553081327292b2d2f303234363f00"
+        "00000000000101000000000000000c00000000000000000000000000000043");
+    return bytes.toStdString();
+}
+
+class PropertyLists : public testing::Test {
+protected:
+    [[nodiscard]] std::optional<PropertyList> read(const std::string& contents) const {
+        writeFile(folder_ / "list", contents);
+        return PropertyList::read(folder_ / "list");
+    }
+
+    TemporaryFolder folder_;
+};
+
+}  // namespace
+
+TEST_F(PropertyLists, AnswersBooleansNumbersAndTexts) {
+    const std::pair<const char*, std::optional<bool>> values[] = {
+        {"<true/>", true},
+        {"<false/>", false},
+        {"<integer>1</integer>", true},
+        {"<integer>0</integer>", false},
+        {"<integer>-1</integer>", true},
+        {"<real>0.5</real>", true},
+        {"<real>0</real>", false},
+        {"<string>YES</string>", true},
+        {"<string>yes</string>", true},
+        {"<string>true</string>", true},
+        {"<string> 1</string>", true},
+        {"<string>-007</string>", true},
+        {"<string>NO</string>", false},
+        {"<string>0</string>", false},
+        {"<string>-0</string>", false},
+        {"<string>on</string>", false},
+        {"<string></string>", false},
+        {"<array><true/></array>", std::nullopt},
+        {"<dict><key>key</key><true/></dict>", std::nullopt},
+        {"<date>2024-05-01T12:00:00Z</date>", std::nullopt},
+    };
+    for (const auto& [value, answer] : values) {
+        const auto list = read(inXml(std::string("<key>other</key><true/><key>key</key>") + value));
+        ASSERT_TRUE(list) << value;
+        EXPECT_EQ(list->boolean("key"), answer) << value;
+        EXPECT_EQ(list->boolean("missing"), std::nullopt);
+    }
+}
+
+TEST_F(PropertyLists, ReadsTheBinaryForm) {
+    const auto list = read(inBinary());
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->boolean("AppleShowAllFiles"), true);
+    EXPECT_EQ(list->boolean("n"), false);
+    EXPECT_EQ(list->boolean("r"), true);
+    EXPECT_EQ(list->boolean("t"), true);
+    EXPECT_EQ(list->boolean("a"), std::nullopt);
+}
+
+TEST_F(PropertyLists, SurvivesEveryDamage) {
+    for (const auto& whole : {inBinary(), inXml("<key>AppleShowAllFiles</key><true/><key>a</key><string>x</string>")}) {
+        for (std::size_t length = 0; length + 9 < whole.size(); ++length) {
+            EXPECT_FALSE(read(whole.substr(0, length))) << length;
+        }
+        for (std::size_t place = 0; place < whole.size(); ++place) {
+            for (const char letter : {'\0', '\x01', '\x7f', '\x80', '\xff', '<'}) {
+                auto damaged = whole;
+                damaged[place] = letter;
+                const auto list = read(damaged);
+                (void)(list && list->boolean("AppleShowAllFiles"));
+            }
+        }
+    }
+    EXPECT_FALSE(read("garbage"));
+    EXPECT_FALSE(read("bplist00"));
+    EXPECT_FALSE(read("<plist><array><dict/></array></plist>"));
+}
+
+TEST_F(PropertyLists, TakesNoFileThatIsMissingNoPlainFileOrTooLarge) {
+    EXPECT_FALSE(PropertyList::read(folder_ / "missing"));
+    EXPECT_FALSE(PropertyList::read(folder_.path()));
+    ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), S_IRUSR | S_IWUSR), 0);
+    EXPECT_FALSE(PropertyList::read(folder_ / "pipe"));
+    EXPECT_FALSE(read(""));
+    constexpr std::size_t largest = 1024UL * 1024;
+    const auto list = inXml("<key>key</key><true/>");
+    EXPECT_TRUE(read(list + std::string(largest - list.size(), ' ')));
+    EXPECT_FALSE(read(list + std::string(largest + 1 - list.size(), ' ')));
+}
+
+TEST(FinderPreferences, AreLookedForUntilTheyAreFoundAndReadAnew) {
+    const TemporaryFolder folder;
+    const auto file = folder / "Library/Preferences/com.apple.finder.plist";
+    FinderPreferences finder;
+    {
+        const SubstituteHome home(folder.path());
+        EXPECT_EQ(finder.GetFinderPrefPath(), std::nullopt);
+        EXPECT_FALSE(finder.isHiddenFilesVisibleInFinder());
+        writeFile(file, inBinary());
+        EXPECT_TRUE(finder.isHiddenFilesVisibleInFinder());
+        EXPECT_EQ(finder.GetFinderPrefPath(), file);
+        writeFile(file, inXml("<key>AppleShowAllFiles</key><false/>"));
+        EXPECT_FALSE(finder.isHiddenFilesVisibleInFinder());
+        writeFile(file, "damaged");
+        EXPECT_FALSE(finder.isHiddenFilesVisibleInFinder());
+    }
+    const TemporaryFolder other;
+    const SubstituteHome home(other.path());
+    EXPECT_EQ(finder.GetFinderPrefPath(), file);
+}
+
+}  // namespace brimvault::tests
