@@ -1,6 +1,7 @@
 #include "scanners/STrshOperation.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -201,6 +202,7 @@ TEST_F(TrashScan, FindsTheTrashOfMountedVolumes) {
         if (const auto reason = keepMountsPrivate(); !reason.empty()) {
             return cannotTry(reason);
         }
+        const auto user = std::to_string(::getuid());  // another one where private mounts need a namespace of users
         std::vector<fs::path> expected;
         for (const auto& volume : volumes) {
             fs::create_directories(volume);
@@ -209,7 +211,7 @@ TEST_F(TrashScan, FindsTheTrashOfMountedVolumes) {
             }
             for (const auto& name : oddNames()) {
                 if (name.front() != '.') {
-                    for (const auto& trash : {volume / ".Trash" / user_, volume / (".Trash-" + user_)}) {
+                    for (const auto& trash : {volume / ".Trash" / user, volume / (".Trash-" + user)}) {
                         writeFile(trash / "files" / name, "12345");
                         expected.push_back(trash / "files" / name);
                     }
@@ -334,6 +336,16 @@ TEST_F(TrashScan, EndsAScriptThatTakesTooLongWithAllThatItHasStarted) {
         EXPECT_LT(std::chrono::steady_clock::now() - begin, neverInATest) << script;
         EXPECT_TRUE(isGoneSoon(processFrom(started))) << script;
     }
+}
+
+TEST_F(TrashScan, WaitsForNothingThatAScriptLeavesBehind) {
+    writeFile(trash_ / "item", "12345");
+    const auto started = folder_ / "started";
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_THAT(scan(printing({trash_ / "item", "7"}) + "sleep 1000 & echo $! >'" + started.native() + "'", 600s),
+                ElementsAre(trash_ / "item"));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, neverInATest);
+    (void)::kill(processFrom(started), SIGKILL);
 }
 
 TEST_F(TrashScan, EndsAScriptThatPrintsWithoutEnd) {
