@@ -103,6 +103,25 @@ TEST_F(LogsScan, BeginsThePercentAgainWithEachSource) {
     EXPECT_EQ(percents_, expected);
 }
 
+TEST_F(LogsScan, MovesThePercentOnWithWhatItPassesOver) {
+    for (int number = 0; number < 10; ++number) {
+        writeFile(logs_ / ("user.log." + std::to_string(number)), "12345");
+        writeFile(logs_ / ("talagent.log." + std::to_string(number)), "12345");
+    }
+    std::vector<qint64> expected;
+    qint64 place = 0;
+    bool hasBatch = false;
+    for (const auto& entry : fs::directory_iterator(logs_)) {
+        ++place;
+        if (hasBatch) {
+            expected.push_back(place * 5);  // of 20
+        }
+        hasBatch = entry.path().filename().native().starts_with("user");
+    }
+    EXPECT_EQ(scan().size(), 10);
+    EXPECT_EQ(percents_, expected);
+}
+
 TEST_F(LogsScan, SaysNoMoreThanAHundredPercentWhenMoreIsFoundThanWasCounted) {
     makeWide(logs_, 2);
     (void)scan([&](SLogsOperation&) { makeWide(reports_, 9); });

@@ -371,6 +371,13 @@ TEST_F(TrashScan, IsCancelledWhileTheScriptHangs) {
     EXPECT_TRUE(isGoneSoon(child));
 }
 
+TEST_F(TrashScan, MovesThePercentOnWithWhatIsHidden) {
+    for (const char* name : {".a", ".b", "c", "d", "e"}) {  // in the order of their names
+        writeFile(trash_ / name, "12345");
+    }
+    EXPECT_EQ(runScan(operation()).percents, (std::vector<qint64>{80, 100}));
+}
+
 TEST_F(TrashScan, StopsWhenItIsCancelledAndReportsWhatItHas) {
     makeWide(trash_, 50);
     const auto scan = operation();
