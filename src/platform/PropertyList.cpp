@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "platform/PropertyListCheck.h"
+
 namespace brimvault::platform {
 
 namespace {
@@ -58,9 +60,10 @@ std::optional<PropertyList> PropertyList::read(const std::filesystem::path& file
     }
     plist_t root = nullptr;
     const auto length = static_cast<std::uint32_t>(contents->size());
-    if (plist_is_binary(contents->data(), length) != 0) {
+    const bool binary = plist_is_binary(contents->data(), length) != 0;
+    if (binary && isHarmlessBinaryPropertyList(*contents)) {
         plist_from_bin(contents->data(), length, &root);
-    } else {
+    } else if (!binary && isHarmlessXmlPropertyList(*contents)) {
         plist_from_xml(contents->data(), length, &root);
     }
     PropertyList list(root);

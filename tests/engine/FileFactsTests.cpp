@@ -47,7 +47,7 @@ TEST(FileFacts, TellsOfFilesFoldersAndLinksThemselves) {
     const auto link = FileFacts::of(folder / "link.png");
     ASSERT_TRUE(link);
     EXPECT_EQ(link->kind, files::NodeKind::link);
-    EXPECT_EQ(link->type, QStringLiteral("picture.png"));
+    EXPECT_EQ(link->linkTarget, QStringLiteral("picture.png"));
     EXPECT_NE(link->modified, file->modified);
 
     const auto itself = FileFacts::of(folder.path());

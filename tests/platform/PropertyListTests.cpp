@@ -20,8 +20,6 @@ namespace {
 
 std::string inXml(const std::string& inside) {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
            "<plist version=\"1.0\"><dict>" +
            inside + "</dict></plist>\n";
 }
@@ -33,6 +31,34 @@ std::string inBinary() {
         "61516e5172517409a10810011000233fe000000000000053594553081327292b2d2f303234363f00"
         "00000000000101000000000000000c00000000000000000000000000000043");
     return bytes.toStdString();
+}
+
+std::string bigEndian(std::uint64_t value, int width) {
+    std::string bytes;
+    for (int byte = width - 1; byte >= 0; --byte) {
+        bytes.push_back(static_cast<char>(value >> (8 * byte) & 0xFFU));
+    }
+    return bytes;
+}
+
+// A dictionary whose one value is the first of a chain of arrays, each with so many references to the next.
+std::string chainOfArrays(int length, int references) {
+    std::vector<std::string> objects = {"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x51k"};
+    for (int array = 0; array < length; ++array) {
+        objects.push_back(static_cast<char>(0xA0 + references) + std::string());
+        for (int reference = 0; reference < references; ++reference) {
+            objects.back() += bigEndian(objects.size(), 2);
+        }
+    }
+    objects.emplace_back("\x09");
+    std::string file = "bplist00";
+    std::string offsets;
+    for (const auto& object : objects) {
+        offsets += bigEndian(file.size(), 4);
+        file += object;
+    }
+    return file + offsets + std::string(6, '\0') + "\x04\x02" + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
+           bigEndian(file.size(), 8);
 }
 
 class PropertyLists : public testing::Test {
@@ -105,6 +131,21 @@ TEST_F(PropertyLists, SurvivesEveryDamage) {
     EXPECT_FALSE(read("garbage"));
     EXPECT_FALSE(read("bplist00"));
     EXPECT_FALSE(read("<plist><array><dict/></array></plist>"));
+}
+
+TEST_F(PropertyLists, TakesNoFileThatNestsOrRepeatsWithoutEnd) {
+    EXPECT_TRUE(read(chainOfArrays(100, 1)));
+    EXPECT_TRUE(read(chainOfArrays(10, 2)));
+    EXPECT_FALSE(read(chainOfArrays(60'000, 1)));
+    EXPECT_FALSE(read(chainOfArrays(40, 2)));
+    std::string loop = chainOfArrays(3, 1);
+    loop[loop.find('\xa1') + 2] = '\x02';  // the first array refers to itself
+    EXPECT_FALSE(read(loop));
+    std::string deep;
+    for (int level = 0; level < 60'000; ++level) {
+        deep += "<array>";
+    }
+    EXPECT_FALSE(read(inXml("<key>k</key>" + deep)));
 }
 
 TEST_F(PropertyLists, TakesNoFileThatIsMissingNoPlainFileOrTooLarge) {

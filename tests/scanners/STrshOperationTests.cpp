@@ -338,6 +338,12 @@ TEST_F(TrashScan, EndsAScriptThatTakesTooLongWithAllThatItHasStarted) {
     }
 }
 
+TEST_F(TrashScan, KeepsWhatWasToldBeforeAVolumeStoppedAnswering) {
+    writeFile(trash_ / "item", "12345");
+    EXPECT_THAT(scan(printing({trash_ / "item", "5", trash_ / "half"}) + "sleep 1000", 500ms),
+                ElementsAre(trash_ / "item"));
+}
+
 TEST_F(TrashScan, WaitsForNothingThatAScriptLeavesBehind) {
     writeFile(trash_ / "item", "12345");
     const auto started = folder_ / "started";

@@ -1,0 +1,118 @@
+#include "platform/PropertyListCheck.h"
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace brimvault::platform {
+
+namespace {
+
+constexpr std::size_t mostXmlElements =
+    40'000;  // were each inside the one before, the library's stack still holds them
+
+// Looks over a binary list without building anything. The form: objects, then a table of their offsets, then a trailer
+// of 32 bytes with the widths of an offset and of a reference, the number of objects, the outermost one, and where the
+// table is. An object's first byte holds its kind and a count; all numbers have their highest byte first.
+class BinaryListCheck {
+public:
+    explicit BinaryListCheck(const std::string& contents) : contents_(contents) {}
+
+    [[nodiscard]] bool isHarmless() {
+        if (contents_.size() < trailerSize) {
+            return false;
+        }
+        const std::size_t trailer = contents_.size() - trailerSize;
+        offsetWidth_ = number(trailer + 6, 1);
+        referenceWidth_ = number(trailer + 7, 1);
+        count_ = number(trailer + 8, 8);
+        table_ = number(trailer + 24, 8);
+        if (offsetWidth_ == 0 || offsetWidth_ > 8 || referenceWidth_ == 0 || referenceWidth_ > 8) {
+            return false;
+        }
+        std::vector<Place> open = {{number(trailer + 16, 8), 0}};
+        for (std::size_t seen = 0; !open.empty(); ++seen) {
+            const Place place = open.back();
+            open.pop_back();
+            if (seen > mostObjects || place.depth > deepest || !openObject(place, open)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    struct Place {
+        std::uint64_t object;
+        int depth;
+    };
+    static constexpr std::size_t trailerSize = 32;
+    static constexpr std::size_t mostObjects = 100'000;  // as often as they are referred to
+    static constexpr int deepest = 200;
+
+    // Beyond the end everything is as large as can be, and nothing that large is in the file.
+    [[nodiscard]] std::uint64_t number(std::uint64_t at, std::uint64_t width) const {
+        if (at > contents_.size() || width > contents_.size() - at) {
+            return std::numeric_limits<std::uint64_t>::max();
+        }
+        std::uint64_t value = 0;
+        for (std::uint64_t byte = 0; byte < width; ++byte) {
+            value = value << 8U | static_cast<unsigned char>(contents_[at + byte]);
+        }
+        return value;
+    }
+
+    // Adds what the object refers to.
+    bool openObject(const Place& place, std::vector<Place>& open) const {
+        if (place.object >= count_ || place.object > contents_.size()) {
+            return false;
+        }
+        const std::uint64_t at = number(table_ + place.object * offsetWidth_, offsetWidth_);
+        if (at >= contents_.size()) {
+            return false;
+        }
+        const std::uint64_t marker = number(at, 1);
+        const std::uint64_t kind = marker >> 4U;
+        constexpr std::uint64_t array = 0xA;
+        constexpr std::uint64_t set = 0xC;
+        constexpr std::uint64_t dictionary = 0xD;
+        if (kind != array && kind != set && kind != dictionary) {
+            return true;
+        }
+        std::uint64_t references = marker & 0xFU;
+        std::uint64_t first = at + 1;
+        if (references == 0xFU) {  // the count stands in a number of its own
+            const std::uint64_t width = std::uint64_t{1} << (number(at + 1, 1) & 0xFU);
+            references = width > 8 ? contents_.size() : number(at + 2, width);
+            first = at + 2 + width;
+        }
+        references = references > contents_.size() ? references : references * (kind == dictionary ? 2 : 1);
+        if (references > mostObjects || open.size() + references > mostObjects) {
+            return false;
+        }
+        for (std::uint64_t index = 0; index < references; ++index) {
+            open.push_back({number(first + index * referenceWidth_, referenceWidth_), place.depth + 1});
+        }
+        return true;
+    }
+
+    const std::string& contents_;
+    std::uint64_t offsetWidth_ = 0;
+    std::uint64_t referenceWidth_ = 0;
+    std::uint64_t count_ = 0;
+    std::uint64_t table_ = 0;
+};
+
+}  // namespace
+
+bool isHarmlessXmlPropertyList(const std::string& contents) {
+    std::size_t elements = 0;
+    for (std::size_t at = contents.find('<'); at != std::string::npos; at = contents.find('<', at + 1)) {
+        elements += contents.compare(at, 2, "</") == 0 ? 0 : 1;
+    }
+    return elements <= mostXmlElements;
+}
+
+bool isHarmlessBinaryPropertyList(const std::string& contents) { return BinaryListCheck(contents).isHarmless(); }
+
+}  // namespace brimvault::platform
