@@ -2,8 +2,8 @@
 """Items shown outside the window: file-manager.py with|without SAMPLE-HOME PROGRAM TRIAL-HOME.
 
 With a file manager, Thunar comes when it is called over the session bus, and its windows are read as those of the
-program are; 77 and the reason where it is missing. Without one, on a session bus that starts nothing, the program has to
-help itself.
+program are; 77 and the reason where it is missing. Without one, on a session bus that starts nothing, the program has
+to help itself.
 """
 
 import grp
