@@ -18,6 +18,9 @@ public:
     /// Opens a folder with the desktop's default program for folders.
     virtual bool openFolder(const std::filesystem::path& folder) = 0;
 
+    /// Ends the calls under way, which then answer NO, and lets no other begin.
+    virtual void giveUp() = 0;
+
     /// That of the session which the process belongs to.
     [[nodiscard]] static std::unique_ptr<FileBrowser> ofSession();
 };

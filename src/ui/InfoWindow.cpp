@@ -55,7 +55,8 @@ void setValue(QLabel* label, const QString& name, const QString& value) {
 
 }  // namespace
 
-InfoWindow::InfoWindow(const engine::FileFacts& facts, QWidget* parent) : QDialog(parent), rows_(new QFormLayout) {
+InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, QWidget* parent)
+    : QDialog(parent), path_(path), rows_(new QFormLayout) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Information: %1").arg(facts.name));
     setMinimumWidth(look::scaled(leastWidth));

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QLabel>
+#include <filesystem>
 #include <stop_token>
 
 #include "engine/FileFacts.h"
@@ -17,9 +18,10 @@ class InfoWindow final : public QDialog {
     Q_OBJECT
 
 public:
-    InfoWindow(const engine::FileFacts& facts, QWidget* parent);
+    InfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, QWidget* parent);
     ~InfoWindow() override;
 
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
     /// Bytes; until it is told, the window says that they are being counted.
     void setSize(quint64 bytes);
     /// Stops what still counts for this window once it is closed.
@@ -31,6 +33,7 @@ private:
     QLabel* addRow(const QString& name, const QString& value);
     void addDate(const QString& name, const QDateTime& date);
 
+    const std::filesystem::path path_;
     QFormLayout* rows_;
     QLabel* size_ = nullptr;
     std::stop_source closed_;

@@ -119,6 +119,8 @@ QWidget* ListPanel::makeBottomBar() {
 void ListPanel::addList(QWidget* list) {
     list->hide();
     lists_->insertWidget(0, list, 1);
+    setTabOrder(pbtnFinder_, list);
+    setTabOrder(list, pbtnSelectAll_);
 }
 
 void ListPanel::setTitle(const QString& title, const QString& count) {

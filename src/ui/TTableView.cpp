@@ -94,7 +94,8 @@ void TTableView::mouseReleaseEvent(QMouseEvent* event) {
 void TTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
         toggleCheck(this, currentIndex().siblingAtColumn(ItemListModel::checkColumn));
-    } else if (event->key() == Qt::Key_Delete) {
+    } else if (event->key() == Qt::Key_Delete && currentIndex().isValid()) {
+        selectCurrentRow();
         Q_EMIT removeRequested();
     } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
         requestMenuOfCurrentRow();  // the menu key of keyboards without one
@@ -123,12 +124,25 @@ void TTableView::contextMenuEvent(QContextMenuEvent* event) {
     }
 }
 
+// What a key does is done to the row that the keyboard is at, which need not have been selected before.
+void TTableView::selectCurrentRow() {
+    selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+// Until the user has chosen a row, the keyboard begins at the first, whatever came before it since.
+void TTableView::focusInEvent(QFocusEvent* event) {
+    if (selectionModel()->selectedRows().isEmpty() && event->reason() != Qt::MouseFocusReason) {
+        selectionModel()->setCurrentIndex(model()->index(0, ItemListModel::nameColumn), QItemSelectionModel::NoUpdate);
+    }
+    QTableView::focusInEvent(event);
+}
+
 void TTableView::requestMenuOfCurrentRow() {
     const QModelIndex index = currentIndex();
     if (!index.isValid()) {
         return;
     }
-    selectionModel()->select(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    selectCurrentRow();
     scrollTo(index);
     const QRect name = visualRect(index.siblingAtColumn(ItemListModel::nameColumn));
     Q_EMIT menuRequested(viewport()->mapToGlobal(isRightToLeft() ? name.bottomRight() : name.bottomLeft()));

@@ -27,6 +27,7 @@ public Q_SLOTS:
     void requestMenuOfCurrentRow();
 
 protected:
+    void focusInEvent(QFocusEvent* event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -35,6 +36,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void selectCurrentRow();
     /// Some assistive bridges crash on a table without a current cell.
     void keepCurrentRow();
     /// Assistive clients remember what stood in a place; after a sort they are to ask anew.

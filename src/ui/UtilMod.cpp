@@ -51,6 +51,7 @@ void UtilMod::waitUntilIdle() {
     if (window_) {
         qDeleteAll(window_->findChildren<InfoWindow*>());
     }
+    fileBrowser_.giveUp();
     requests_.waitForDone();
     removals_.waitForDone();
 }
@@ -115,7 +116,14 @@ void UtilMod::showInformation(const std::filesystem::path& path) {
 }
 
 void UtilMod::openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts) {
-    const QPointer<InfoWindow> information = new InfoWindow(facts, window_);
+    for (auto* open : window_->findChildren<InfoWindow*>()) {
+        if (open->path() == path) {
+            open->raise();
+            open->activateWindow();
+            return;
+        }
+    }
+    const QPointer<InfoWindow> information = new InfoWindow(path, facts, window_);
     information->show();
     inBackground<quint64>(
         requests_, [path, stop = information->closed()] { return files::measureItem(path, stop); },

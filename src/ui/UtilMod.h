@@ -32,7 +32,7 @@ public:
 
     /// The window over which alerts and information are shown.
     void setWindow(QWidget* window) { window_ = window; }
-    /// Blocks until nothing is under way; what has ended since tells nobody any more once the application is gone.
+    /// Before the window goes: gives up what is asked of the file browser, and blocks until nothing is under way.
     void waitUntilIdle();
 
     /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.

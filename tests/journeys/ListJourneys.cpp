@@ -274,6 +274,19 @@ TEST_F(ListJourney, WhatLiesInARemovedFolderLeavesTheListWithIt) {
     EXPECT_GE(guide_->row(text("system.log")), 0);
 }
 
+TEST_F(ListJourney, TheKeyboardGoesThroughTheListAndBeginsAtItsFirstRow) {
+    auto* list = show(logsRow);
+    lists()->pbtnFinder()->setFocus();
+    QTest::keyClick(lists()->pbtnFinder(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), list);
+    EXPECT_EQ(list->currentIndex().row(), 0);
+    QTest::keyClick(list, Qt::Key_Delete);  // asks for the row that the keyboard is at
+    ASSERT_EQ(alerts_.asked.size(), 1U);
+    EXPECT_TRUE(alerts_.asked.back().message.contains(text("backup 2.log")));
+    QTest::keyClick(list, Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), lists()->pbtnSelectAll());
+}
+
 TEST_F(ListJourney, KeysMoveBetweenRowsAndOpenTheMenu) {
     auto* list = show(logsRow);
     select("com.vendor.browser");

@@ -54,6 +54,8 @@ public:
     bool showItemProperties(const std::filesystem::path& path) override { return note("properties ", path, answers); }
     bool openFolder(const std::filesystem::path& folder) override { return note("folder ", folder, opens); }
 
+    void giveUp() override {}
+
     [[nodiscard]] std::vector<std::string> asked() const {
         const std::lock_guard guard(mutex_);
         return asked_;
