@@ -28,14 +28,14 @@ std::set<std::string> sparedPaths(const ItemArray& items) {
     std::set<std::string> paths;
     for (const auto& item : items) {
         if (!item->ppbChecked() && !item->pfpath().empty()) {
-            paths.insert(item->pfpath().native());
+            paths.insert(item->pfpath().lexically_normal().native());
         }
     }
     return paths;
 }
 
-bool holdsAnyOf(const std::string& folder, const std::set<std::string>& paths) {
-    const auto inside = folder + "/";
+bool holdsAnyOf(const std::filesystem::path& folder, const std::set<std::string>& paths) {
+    const auto inside = folder.lexically_normal().native() + "/";
     const auto first = paths.lower_bound(inside);
     return first != paths.end() && first->starts_with(inside);
 }
@@ -53,7 +53,7 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
             continue;
         }
         const bool hasPath = !item->pfpath().empty();
-        if (hasPath && holdsAnyOf(item->pfpath().native(), spared)) {
+        if (hasPath && holdsAnyOf(item->pfpath(), spared)) {
             notRemoved.insert(item->ppdisplayName(), holdsSparedText());
         } else if (hasPath) {
             removeItem(item, item->pfpath(), removed, notRemoved);

@@ -23,7 +23,7 @@ struct FileFacts {
     QString group;
     std::uint32_t permissions = 0;  ///< the twelve permission bits
 
-    /// None where there is nothing at the path. Blocks; any thread but the main one.
+    /// None where there is nothing at the path, or it cannot be looked at. Blocks; any thread but the main one.
     [[nodiscard]] static std::optional<FileFacts> of(const std::filesystem::path& path);
 
     /// As "rwxr-xr-x", with s and t where the special bits are set.

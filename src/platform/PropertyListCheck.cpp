@@ -1,5 +1,6 @@
 #include "platform/PropertyListCheck.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -49,6 +50,8 @@ private:
     static constexpr std::size_t trailerSize = 32;
     static constexpr std::size_t mostObjects = 100'000;  // as often as they are referred to
     static constexpr int deepest = 200;
+    static constexpr std::uint64_t mostValueBytes =
+        8ULL * 1024 * 1024;  // several times what a whole file can hold once
 
     // Beyond the end everything is as large as can be, and nothing that large is in the file.
     [[nodiscard]] std::uint64_t number(std::uint64_t at, std::uint64_t width) const {
@@ -62,8 +65,18 @@ private:
         return value;
     }
 
+    // What is no container is copied as often as it is referred to.
+    bool takeValue(std::uint64_t kind, std::uint64_t length) {
+        constexpr std::uint64_t bytes = 0x4;
+        constexpr std::uint64_t wideText = 0x6;
+        if (kind >= bytes && kind <= wideText) {
+            valueBytes_ += length * (kind == wideText ? 2 : 1);
+        }
+        return valueBytes_ <= mostValueBytes;
+    }
+
     // Adds what the object refers to.
-    bool openObject(const Place& place, std::vector<Place>& open) const {
+    bool openObject(const Place& place, std::vector<Place>& open) {
         if (place.object >= count_ || place.object > contents_.size()) {
             return false;
         }
@@ -76,17 +89,18 @@ private:
         constexpr std::uint64_t array = 0xA;
         constexpr std::uint64_t set = 0xC;
         constexpr std::uint64_t dictionary = 0xD;
-        if (kind != array && kind != set && kind != dictionary) {
-            return true;
-        }
-        std::uint64_t references = marker & 0xFU;
+        std::uint64_t length = marker & 0xFU;
         std::uint64_t first = at + 1;
-        if (references == 0xFU) {  // the count stands in a number of its own
+        if (length == 0xFU) {  // the count stands in a number of its own
             const std::uint64_t width = std::uint64_t{1} << (number(at + 1, 1) & 0xFU);
-            references = width > 8 ? contents_.size() : number(at + 2, width);
+            length = width > 8 ? contents_.size() : number(at + 2, width);
             first = at + 2 + width;
         }
-        references = references > contents_.size() ? references : references * (kind == dictionary ? 2 : 1);
+        length = std::min<std::uint64_t>(length, contents_.size());
+        if (kind != array && kind != set && kind != dictionary) {
+            return takeValue(kind, length);
+        }
+        const std::uint64_t references = length * (kind == dictionary ? 2 : 1);
         if (references > mostObjects || open.size() + references > mostObjects) {
             return false;
         }
@@ -101,6 +115,7 @@ private:
     std::uint64_t referenceWidth_ = 0;
     std::uint64_t count_ = 0;
     std::uint64_t table_ = 0;
+    std::uint64_t valueBytes_ = 0;
 };
 
 }  // namespace

@@ -19,7 +19,8 @@ std::filesystem::path SystemPathsGenerator::urlForPath(const std::filesystem::pa
     if (!text.starts_with(home)) {
         return path;
     }
-    return std::filesystem::path(homeFolder_.native() + "/" + text.substr(home.size()));
+    const bool endsInSlash = !homeFolder_.has_filename();  // "/" itself
+    return std::filesystem::path(homeFolder_.native() + (endsInSlash ? "" : "/") + text.substr(home.size()));
 }
 
 }  // namespace brimvault::scanners

@@ -73,9 +73,10 @@ void FAppDelegate::registerObservers() {
     for (const Section section : engine::allSections) {
         const auto words = engine::vocabulary(section);
         observe(words.cleanFinished, [this, section, words](const engine::Notification& heard) {
-            notCleaned_[section] =
-                engine::getDictionaryPropfromNotification<engine::NotRemovedDictionary>(heard, words.notCleanedKey)
-                    .value_or(engine::NotRemovedDictionary());
+            using Reasons = engine::NotRemovedDictionary;
+            if (const auto reasons = engine::getDictionaryPropfromNotification<Reasons>(heard, words.notCleanedKey)) {
+                notCleaned_[section] = *reasons;  // a single removal tells none
+            }
         });
     }
     auto& center = engine::NotificationCenter::defaultCenter();

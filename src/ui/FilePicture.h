@@ -6,7 +6,7 @@
 
 namespace brimvault::ui {
 
-/// The picture of a file, a folder or a link; on the ground of a selected row another one.
+/// The picture of a file, a folder or a link; on the ground of a selected row another one. Any thread.
 [[nodiscard]] inline QLatin1String filePicture(files::NodeKind kind, bool onSelection) {
     switch (kind) {
         case files::NodeKind::directory:

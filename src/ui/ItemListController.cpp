@@ -223,9 +223,9 @@ void ItemListController::onClickedRemove() {
 // What is listed singly and lies in a folder that is listed as well.
 engine::ItemArray ItemListController::itemsIn(const std::filesystem::path& folder) const {
     engine::ItemArray inside;
-    const auto beginning = folder.native() + "/";
+    const auto beginning = folder.lexically_normal().native() + "/";
     for (const auto& item : model_->items()) {
-        if (file(*item).pfpath().native().starts_with(beginning)) {
+        if (file(*item).pfpath().lexically_normal().native().starts_with(beginning)) {
             inside.append(std::static_pointer_cast<engine::FFItem>(item));
         }
     }

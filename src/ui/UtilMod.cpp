@@ -15,8 +15,11 @@
 
 namespace brimvault::ui {
 
+using platform::LibraryURLs;
+
 namespace {
 
+constexpr int timeToGiveUp = 1000;      // milliseconds
 constexpr int concurrentRequests = 16;  // they wait more than they work
 
 enum class Request { taken, noSuchFile, nobodyAnswers };
@@ -29,15 +32,22 @@ std::filesystem::path standardized(const std::filesystem::path& path) {
 
 bool isThere(const std::filesystem::path& path) { return path.is_absolute() && files::statusOf(path); }
 
+// An item with a path of its own needs no folder, which would have to be looked up.
+bool hasPath(const engine::FFItem& item) { return !item.pfpath().empty(); }
+
 }  // namespace
 
 UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::FinderPreferences& finder)
-    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder) {
-    requests_.setMaxThreadCount(concurrentRequests);
+    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder), requests_(new QThreadPool) {
+    requests_->setMaxThreadCount(concurrentRequests);
     removals_.setMaxThreadCount(1);
 }
 
-UtilMod::~UtilMod() = default;
+UtilMod::~UtilMod() {
+    if (requests_->waitForDone(timeToGiveUp)) {
+        delete requests_;  // its own end would wait for what hangs
+    }
+}
 
 UtilMod& UtilMod::sharedUtil() {
     static MessageBoxAlerts alerts;
@@ -52,7 +62,7 @@ void UtilMod::waitUntilIdle() {
         qDeleteAll(window_->findChildren<InfoWindow*>());
     }
     fileBrowser_.giveUp();
-    requests_.waitForDone();
+    requests_->waitForDone(timeToGiveUp);
     removals_.waitForDone();
 }
 
@@ -76,7 +86,7 @@ void UtilMod::doRevealInFinder(const std::filesystem::path& path) {
         const bool taken = fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
         return taken ? Request::taken : Request::nobodyAnswers;
     };
-    inBackground<Request>(requests_, reveal, [this, path](Request request) {
+    inBackground<Request>(*requests_, reveal, [this, path](Request request) {
         if (request == Request::noSuchFile) {
             alertFileNotExists(path);
         } else if (request == Request::nobodyAnswers) {
@@ -93,7 +103,7 @@ void UtilMod::doGetInformation(const std::filesystem::path& path) {
         }
         return fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
     };
-    inBackground<Request>(requests_, ask, [this, path](Request request) {
+    inBackground<Request>(*requests_, ask, [this, path](Request request) {
         if (request == Request::noSuchFile) {
             alertFileNotExists(path);
         } else if (request == Request::nobodyAnswers) {
@@ -105,7 +115,7 @@ void UtilMod::doGetInformation(const std::filesystem::path& path) {
 void UtilMod::showInformation(const std::filesystem::path& path) {
     using Facts = std::optional<engine::FileFacts>;
     inBackground<Facts>(
-        requests_, [path] { return engine::FileFacts::of(path); },
+        *requests_, [path] { return engine::FileFacts::of(path); },
         [this, path](const Facts& facts) {
             if (facts && window_) {
                 openInfoWindow(path, *facts);
@@ -126,7 +136,7 @@ void UtilMod::openInfoWindow(const std::filesystem::path& path, const engine::Fi
     const QPointer<InfoWindow> information = new InfoWindow(path, facts, window_);
     information->show();
     inBackground<quint64>(
-        requests_, [path, stop = information->closed()] { return files::measureItem(path, stop); },
+        *requests_, [path, stop = information->closed()] { return files::measureItem(path, stop); },
         [information](quint64 size) {
             if (information) {
                 information->setSize(size);
@@ -184,22 +194,22 @@ void UtilMod::finishRemoval(const std::filesystem::path& path, const engine::Ite
 
 std::filesystem::path UtilMod::getFullPathToItem(const engine::FFItem& item,
                                                  const std::optional<std::filesystem::path>& folder) {
-    if (!item.pfpath().empty()) {
+    if (hasPath(item)) {
         return item.pfpath();
     }
     return folder ? *folder / item.pfname() : std::filesystem::path();
 }
 
 std::filesystem::path UtilMod::getFullDownloadPathToItem(const engine::FFItem& item) {
-    return getFullPathToItem(item, platform::LibraryURLs::getDownloadsFolderURL());
+    return hasPath(item) ? item.pfpath() : getFullPathToItem(item, LibraryURLs::getDownloadsFolderURL());
 }
 
 std::filesystem::path UtilMod::getFullCachePathToItem(const engine::FFItem& item) {
-    return getFullPathToItem(item, platform::LibraryURLs::getCachesFolderURL());
+    return hasPath(item) ? item.pfpath() : getFullPathToItem(item, LibraryURLs::getCachesFolderURL());
 }
 
 std::filesystem::path UtilMod::getFullTrashPathToItem(const engine::FFItem& item) {
-    return getFullPathToItem(item, platform::LibraryURLs::getTrashFolderURL());
+    return hasPath(item) ? item.pfpath() : getFullPathToItem(item, LibraryURLs::getTrashFolderURL());
 }
 
 std::filesystem::path UtilMod::getFullLogsPathToItem(const engine::FFItem& item) { return item.pfpath(); }

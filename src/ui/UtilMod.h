@@ -32,7 +32,8 @@ public:
 
     /// The window over which alerts and information are shown.
     void setWindow(QWidget* window) { window_ = window; }
-    /// Before the window goes: gives up what is asked of the file browser, and blocks until nothing is under way.
+    /// Before the window goes: gives up what is asked of the file browser, and blocks until no removal is under way.
+    /// What a dead volume holds is left behind after a moment.
     void waitUntilIdle();
 
     /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.
@@ -75,9 +76,8 @@ private:
     platform::FileBrowser& fileBrowser_;
     platform::FinderPreferences& finder_;
     QPointer<QWidget> window_;
-    // Last, so that nothing of the above goes while a thread works with it.
-    QThreadPool requests_;  ///< what may wait for others: a removal does not wait for them
-    QThreadPool removals_;
+    QThreadPool* requests_;  ///< what may wait for others: a removal does not wait for them. Left behind when it hangs
+    QThreadPool removals_;   ///< last, so that nothing of the above goes while a thread works with it
 };
 
 }  // namespace brimvault::ui

@@ -41,6 +41,28 @@ std::string bigEndian(std::uint64_t value, int width) {
     return bytes;
 }
 
+// The objects, the first of them outermost, with references of two bytes.
+std::string listOf(const std::vector<std::string>& objects) {
+    std::string file = "bplist00";
+    std::string offsets;
+    for (const auto& object : objects) {
+        offsets += bigEndian(file.size(), 4);
+        file += object;
+    }
+    return file + offsets + std::string(6, '\0') + "\x04\x02" + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
+           bigEndian(file.size(), 8);
+}
+
+// A dictionary whose one value is an array that holds one text again and again.
+std::string repeated(int times, const std::string& text) {
+    std::string array = "\xaf\x11" + bigEndian(static_cast<std::uint64_t>(times), 2);
+    for (int reference = 0; reference < times; ++reference) {
+        array += bigEndian(3, 2);
+    }
+    return listOf(
+        {"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x51k", array, "\x5f\x12" + bigEndian(text.size(), 4) + text});
+}
+
 // A dictionary whose one value is the first of a chain of arrays, each with so many references to the next.
 std::string chainOfArrays(int length, int references) {
     std::vector<std::string> objects = {"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x51k"};
@@ -51,14 +73,7 @@ std::string chainOfArrays(int length, int references) {
         }
     }
     objects.emplace_back("\x09");
-    std::string file = "bplist00";
-    std::string offsets;
-    for (const auto& object : objects) {
-        offsets += bigEndian(file.size(), 4);
-        file += object;
-    }
-    return file + offsets + std::string(6, '\0') + "\x04\x02" + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
-           bigEndian(file.size(), 8);
+    return listOf(objects);
 }
 
 class PropertyLists : public testing::Test {
@@ -138,6 +153,8 @@ TEST_F(PropertyLists, TakesNoFileThatNestsOrRepeatsWithoutEnd) {
     EXPECT_TRUE(read(chainOfArrays(10, 2)));
     EXPECT_FALSE(read(chainOfArrays(60'000, 1)));
     EXPECT_FALSE(read(chainOfArrays(40, 2)));
+    EXPECT_TRUE(read(repeated(10, std::string(10'000, 'x'))));
+    EXPECT_FALSE(read(repeated(60'000, std::string(500'000, 'x'))));
     std::string loop = chainOfArrays(3, 1);
     loop[loop.find('\xa1') + 2] = '\x02';  // the first array refers to itself
     EXPECT_FALSE(read(loop));

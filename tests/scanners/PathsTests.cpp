@@ -37,6 +37,8 @@ TEST(SystemPathsGenerator, PutsTheHomeFolderInThePlaceOfItsPrefixOnly) {
     EXPECT_EQ(paths.urlForPath("~anna/Library"), "~anna/Library");
     EXPECT_EQ(paths.urlForPath("/a/~/b"), "/a/~/b");
     EXPECT_EQ(paths.urlForPath("relative"), "relative");
+    const SubstituteHome root("/");
+    EXPECT_EQ(scanners::SystemPathsGenerator().urlForPath("~/Library").native(), "/Library");
 }
 
 TEST(SystemPathsGenerator, KeepsTheHomeFolderOfItsMaking) {

@@ -18,8 +18,8 @@
 #include "platform/System.h"
 
 // File browsers answer to one interface on the session bus, org.freedesktop.FileManager1, which the bus starts one for
-// when none is running. Each request has a connection of its own: a bus that has come, gone or hangs concerns nothing
-// but the request.
+// when none is running. Each request has a connection of its own: a bus that has come or gone concerns nothing but the
+// request.
 
 namespace brimvault::platform {
 
@@ -83,12 +83,12 @@ bool SessionFileBrowser::callFileManager(const QString& method, const std::files
     const QString service = QStringLiteral("org.freedesktop.FileManager1");
     const QString name = QUuid::createUuid().toString();
     bool taken = false;
-    {
+    if (!givenUp_) {
         auto bus = connectToSessionBus(name);
         auto request =
             QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/FileManager1"), service, method);
         request << QStringList{uriOf(path)} << QString();  // no start-up notification
-        if (bus.isConnected()) {
+        if (bus.isConnected() && !givenUp_) {
             const auto answer = bus.asyncCall(request, answerLimit);
             while (!answer.isFinished() && !givenUp_) {
                 std::this_thread::sleep_for(interval);
@@ -111,7 +111,7 @@ bool SessionFileBrowser::hasOpened(pid_t opener) const {
         std::this_thread::sleep_for(interval);
     }
     std::thread([opener] { ::waitpid(opener, nullptr, 0); }).detach();  // takes note of its end
-    return true;
+    return !givenUp_;
 }
 
 }  // namespace

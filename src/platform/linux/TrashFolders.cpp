@@ -6,7 +6,7 @@
 
 #include "platform/LibraryURLs.h"
 
-// The layout is that of the freedesktop.org Trash specification 1.0: items in "files", and for each a record
+// The layout is that of freedesktop.org's Trash, version 1.0: items in "files", and for each a record
 // "info/NAME.trashinfo". resources/TrashScan says where such folders lie.
 
 namespace brimvault::platform {
