@@ -26,7 +26,7 @@ void removeRecordOf(const std::filesystem::path& item) {
 }  // namespace
 
 ItemRemoval removeItemAt(const std::filesystem::path& path) {
-    const ItemRemoval refused{false, QCoreApplication::translate("Clean", "Can't remove file")};
+    ItemRemoval refused{false, QCoreApplication::translate("Clean", "Can't remove file")};
     if (!path.is_absolute()) {
         return refused;  // where the program was started is no place that a list speaks of
     }

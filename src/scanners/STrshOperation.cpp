@@ -22,13 +22,6 @@ quint64 sizeFrom(const std::string& text) {
     return code == std::errc() && stopped == end && size > 0 ? static_cast<quint64>(size) : 0;
 }
 
-// A sticky folder is a volume's, with a trash folder in it for each user: they are no items.
-bool isSharedByUsers(const fs::path& folder) {
-    constexpr std::uint32_t sticky = 01000;
-    const auto status = files::statusOf(folder);
-    return status && (status->permissions & sticky) != 0;
-}
-
 bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
 
 }  // namespace
@@ -118,7 +111,7 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
 void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
     const auto hidden =
         sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
-    if (const auto root = getOperationRootFolderURL(); root && !isSharedByUsers(*root)) {
+    if (const auto root = getOperationRootFolderURL(); root && !platform::TrashFolders::isSharedByUsers(*root)) {
         iterateFiles(*root, hidden, [&](const fs::path& child) {
             collectFile({.path = child, .name = child.filename(), .addressed = Addressed::byName}, batches);
         });

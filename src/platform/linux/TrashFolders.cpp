@@ -2,8 +2,10 @@
 
 #include <unistd.h>
 
+#include <cstdint>
 #include <string>
 
+#include "files/NodeStatus.h"
 #include "platform/LibraryURLs.h"
 
 // The layout is that of freedesktop.org's Trash, version 1.0: items in "files", and for each a record
@@ -32,6 +34,12 @@ std::optional<fs::path> trashOf(const fs::path& folder) {
 
 bool TrashFolders::holdsItems(const fs::path& folder) {
     return trashOf(folder) || folder == LibraryURLs::getTrashFolderURL();
+}
+
+bool TrashFolders::isSharedByUsers(const fs::path& folder) {
+    constexpr std::uint32_t sticky = 01000;
+    const auto status = files::statusOf(folder);
+    return status && (status->permissions & sticky) != 0;
 }
 
 std::optional<fs::path> TrashFolders::recordOfItem(const fs::path& item) {
