@@ -220,12 +220,13 @@ void ItemListController::onClickedRemove() {
     });
 }
 
-// What is listed singly and lies in a folder that is listed as well.
+// What is listed singly and lies in a folder that is listed as well. Scans spell paths in one way, so comparing bytes
+// is enough, and quick enough for the longest list.
 engine::ItemArray ItemListController::itemsIn(const std::filesystem::path& folder) const {
     engine::ItemArray inside;
-    const auto beginning = folder.lexically_normal().native() + "/";
+    const auto beginning = folder.native() + "/";
     for (const auto& item : model_->items()) {
-        if (file(*item).pfpath().lexically_normal().native().starts_with(beginning)) {
+        if (file(*item).pfpath().native().starts_with(beginning)) {
             inside.append(std::static_pointer_cast<engine::FFItem>(item));
         }
     }
