@@ -10,6 +10,8 @@ class TreeVisitor {
 public:
     virtual ~TreeVisitor() = default;
 
+    /// Whether a folder below the first is to be opened at all. Asked once for each, just before.
+    virtual bool wantsFolder(const char* /*name*/) { return true; }
     /// A folder has been opened; its entries follow.
     virtual void onFolderEntered(const NodeStatus& /*folder*/) {}
     /// An entry that is no folder.

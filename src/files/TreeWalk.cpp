@@ -12,10 +12,12 @@ bool TreeWalk::visit(const DirectoryHandle& parent, const char* name) {
             return false;
         }
         const std::string next = top->fsref.takePendingFolder();
-        if (!next.empty()) {
+        if (next.empty()) {
+            if (!leave(parent)) {
+                return true;
+            }
+        } else if (visitor_.wantsFolder(next.c_str())) {
             enter(top->fsref.handle, next);
-        } else if (!leave(parent)) {
-            return true;
         }
     }
     return !stop_.stop_requested();

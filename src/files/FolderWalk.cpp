@@ -1,0 +1,55 @@
+#include "files/FolderWalk.h"
+
+#include "files/TreeWalk.h"
+
+namespace brimvault::files {
+
+namespace {
+
+class FolderVisitor final : public TreeVisitor {
+public:
+    FolderVisitor(std::filesystem::path folder, HiddenEntries hidden,
+                  const std::function<Descend(const std::filesystem::path&)>& call)
+        : current_(std::move(folder)), hidden_(hidden), call_(call) {}
+
+    bool wantsFolder(const char* name) override {
+        if (hidden_ == HiddenEntries::skip && *name == '.') {
+            return false;
+        }
+        entering_ = current_ / name;
+        return call_(entering_) == Descend::yes;
+    }
+    void onFolderEntered(const NodeStatus& /*folder*/) override {
+        if (!entering_.empty()) {
+            current_ = std::move(entering_);
+            entering_.clear();
+        }
+    }
+    void onFile(const DirectoryHandle& /*folder*/, const char* /*name*/) override {}
+    void onFolderLeft(const DirectoryHandle& /*parent*/, const char* /*name*/) override {
+        current_ = current_.parent_path();
+    }
+    void onFolderClosed(const DirectoryHandle& /*parent*/, const char* /*name*/, int /*code*/) override {}
+    void onListingBroken(int /*code*/) override {}
+    void onWayLost(const char* /*name*/, int /*code*/) override {}
+
+private:
+    std::filesystem::path current_;   ///< the folder where the walk is
+    std::filesystem::path entering_;  ///< the one that is about to be opened; empty once it is
+    const HiddenEntries hidden_;
+    const std::function<Descend(const std::filesystem::path&)>& call_;
+};
+
+}  // namespace
+
+bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
+                   const std::function<Descend(const std::filesystem::path&)>& call) {
+    const auto parent = DirectoryHandle::open(folder.parent_path());
+    if (!parent) {
+        return !stop.stop_requested();
+    }
+    FolderVisitor visitor(folder, hidden, call);
+    return TreeWalk(visitor, stop).visit(*parent, folder.filename().c_str());
+}
+
+}  // namespace brimvault::files

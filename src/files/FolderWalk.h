@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <stop_token>
+
+#include "files/DirectoryHandle.h"
+
+namespace brimvault::files {
+
+enum class Descend { yes, no };
+
+/// Calls with the path of every folder below the one given, each before those inside it, and goes into it as the call
+/// answers. Hidden are the names that begin with a full stop; nothing in a hidden folder is visited either. No link is
+/// followed and no mount entered; a folder that cannot be read holds nothing. False when it was stopped before its end.
+/// Any thread.
+[[nodiscard]] bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
+                                 const std::function<Descend(const std::filesystem::path&)>& call);
+
+}  // namespace brimvault::files
