@@ -37,6 +37,13 @@ std::optional<std::string> contentsOf(const std::filesystem::path& file) {
     return good && length <= largestFile ? std::optional(std::move(contents)) : std::nullopt;
 }
 
+std::string textOf(plist_t value) {
+    char* text = nullptr;
+    plist_get_string_val(value, &text);
+    const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
+    return text == nullptr ? std::string() : std::string(text);
+}
+
 bool beginsAsYes(const char* text) {
     while (std::isspace(static_cast<unsigned char>(*text)) != 0) {
         ++text;
@@ -88,15 +95,16 @@ std::optional<bool> PropertyList::boolean(const std::string& key) const {
             plist_get_real_val(value, &answer);
             return answer != 0;
         }
-        case PLIST_STRING: {
-            char* text = nullptr;
-            plist_get_string_val(value, &text);
-            const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
-            return text != nullptr && beginsAsYes(text);
-        }
+        case PLIST_STRING:
+            return beginsAsYes(textOf(value).c_str());
         default:
             return std::nullopt;
     }
+}
+
+std::optional<std::string> PropertyList::text(const std::string& key) const {
+    plist_t value = plist_dict_get_item(dictionary_.get(), key.c_str());
+    return value != nullptr && plist_get_node_type(value) == PLIST_STRING ? std::optional(textOf(value)) : std::nullopt;
 }
 
 }  // namespace brimvault::platform

@@ -17,6 +17,8 @@ public:
     /// A boolean, a number (0 is NO), or a text that begins as a yes does: with Y, T, or a number other than 0, as the
     /// platform reads what users have set by hand. None without such a value.
     [[nodiscard]] std::optional<bool> boolean(const std::string& key) const;
+    /// A text, in UTF-8. None where the value is missing or of another kind.
+    [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
 
 private:
     struct Free {

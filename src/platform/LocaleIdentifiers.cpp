@@ -1,0 +1,161 @@
+#include "platform/LocaleIdentifiers.h"
+
+#include <unicode/locid.h>
+#include <unicode/uloc.h>
+#include <unicode/unistr.h>
+
+#include <QHash>
+#include <QLocale>
+#include <QRegularExpression>
+
+namespace brimvault::platform {
+
+namespace {
+
+QString fromIcu(const icu::UnicodeString& text) {
+    return QString(reinterpret_cast<const QChar*>(text.getBuffer()), text.length());
+}
+
+// "SimplifiedChinese" and "Simplified Chinese" are one name.
+QString nameKey(const QString& name) {
+    QString key;
+    for (const QChar character : name) {
+        if (character.isLetterOrNumber()) {
+            key.append(character.toLower());
+        }
+    }
+    return key;
+}
+
+// The English names of all languages, as the locale data has them, and names of the time before identifiers that it
+// does not have: those that applications ship.
+QHash<QString, QString> makeLanguageNames() {
+    QHash<QString, QString> names;
+    for (const char* const* code = uloc_getISOLanguages(); *code != nullptr; ++code) {
+        icu::UnicodeString name;
+        icu::Locale(*code).getDisplayLanguage(icu::Locale::getEnglish(), name);
+        names.insert(nameKey(fromIcu(name)), QString::fromLatin1(*code));
+    }
+    constexpr std::pair<const char*, const char*> others[] = {
+        {"simplifiedchinese", "zh-Hans"},
+        {"traditionalchinese", "zh-Hant"},
+        {"brazilianportuguese", "pt"},
+        {"europeanportuguese", "pt-PT"},
+        {"americanenglish", "en"},
+        {"britishenglish", "en-GB"},
+        {"britainenglish", "en-GB"},
+        {"norwegian", "nb"},
+        {"farsi", "fa"},
+        {"flemish", "nl-BE"},
+        {"byelorussian", "be"},
+        {"mexicanspanish", "es-MX"},
+        {"canadianfrench", "fr-CA"},
+    };
+    for (const auto& [name, identifier] : others) {
+        names.insert(QString::fromLatin1(name), QString::fromLatin1(identifier));
+    }
+    return names;
+}
+
+QString languageOfName(const QString& name) {
+    static const QHash<QString, QString> names = makeLanguageNames();
+    return names.value(nameKey(name));
+}
+
+// A language of two or three letters with, each after a line, a script and a region; POSIX adds an encoding and a
+// modifier.
+bool looksLikeIdentifier(const QString& text) {
+    static const QRegularExpression form(QStringLiteral(
+        "^[A-Za-z]{2,3}([-_][A-Za-z]{4})?([-_]([A-Za-z]{2}|[0-9]{3}))?(\\.[A-Za-z0-9-]+)?(@[A-Za-z]+)?$"));
+    return form.match(text).hasMatch();
+}
+
+QString joined(const char* language, const char* script, const char* region) {
+    QString identifier = QString::fromLatin1(language);
+    for (const char* part : {script, region}) {
+        if (*part != '\0') {
+            identifier += QLatin1Char('-') + QString::fromLatin1(part);
+        }
+    }
+    return identifier;
+}
+
+// Chinese is told apart by its script, whatever is likely of a region; other languages by what is unlikely of them.
+QString shortestForm(const icu::Locale& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale full = locale;
+    full.addLikelySubtags(status);
+    if (U_SUCCESS(status) && qstrcmp(full.getLanguage(), "zh") == 0) {
+        icu::Locale usual("zh", qstrcmp(full.getScript(), "Hant") == 0 ? "TW" : "CN");
+        const bool inUsualRegion = qstrcmp(full.getCountry(), usual.getCountry()) == 0;
+        return joined("zh", full.getScript(), inUsualRegion ? "" : full.getCountry());
+    }
+    icu::Locale least = locale;
+    least.minimizeSubtags(status);
+    const icu::Locale& answer = U_SUCCESS(status) ? least : locale;
+    return joined(answer.getLanguage(), answer.getScript(), answer.getCountry());
+}
+
+// The language that the user's own texts are in.
+QString ownLanguage() {
+    const QStringList languages = LocaleIdentifiers::preferredLanguages();
+    return languages.isEmpty() ? QStringLiteral("en") : languages.first();
+}
+
+}  // namespace
+
+QString LocaleIdentifiers::canonicalLocaleIdentifierFromString(const QString& text) {
+    if (!looksLikeIdentifier(text)) {
+        const QString known = languageOfName(text);
+        return known.isEmpty() ? text : canonicalLocaleIdentifierFromString(known);
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale locale = icu::Locale::createCanonical(text.section(QLatin1Char('.'), 0, 0).toLatin1().constData());
+    locale.canonicalize(status);
+    if (U_FAILURE(status) || *locale.getLanguage() == '\0') {
+        return text;
+    }
+    if (qstrcmp(locale.getLanguage(), "no") == 0) {
+        // The written form that nearly all mean by it, and that a list of languages offers.
+        locale = icu::Locale("nb", locale.getCountry());
+    }
+    return shortestForm(locale);
+}
+
+QStringList LocaleIdentifiers::preferredLanguages() { return preferredLanguagesFrom(QLocale::system().uiLanguages()); }
+
+QStringList LocaleIdentifiers::preferredLanguagesFrom(const QStringList& languages) {
+    QStringList preferred;
+    const auto add = [&](const QString& identifier) {
+        if (!identifier.isEmpty() && !preferred.contains(identifier)) {
+            preferred.append(identifier);
+        }
+    };
+    for (const QString& language : languages) {
+        if (language == QLatin1String("C") || language == QLatin1String("POSIX")) {
+            continue;  // no language: the programs' own texts, which are English
+        }
+        const QString identifier = canonicalLocaleIdentifierFromString(language);
+        add(identifier);
+        const QString family = identifier.section(QLatin1Char('-'), 0, 0);
+        add(family == QLatin1String("zh") ? identifier.section(QLatin1Char('-'), 0, 1) : family);
+    }
+    return preferred.isEmpty() ? QStringList{QStringLiteral("en")} : preferred;
+}
+
+QString LocaleIdentifiers::displayName(const QString& identifier) { return displayName(identifier, ownLanguage()); }
+
+QString LocaleIdentifiers::displayName(const QString& identifier, const QString& inLanguage) {
+    const icu::Locale asked(identifier.toLatin1().constData());
+    const icu::Locale reader(inLanguage.toLatin1().constData());
+    icu::UnicodeString language;
+    asked.getDisplayLanguage(reader, language);
+    if (fromIcu(language) == QLatin1String(asked.getLanguage())) {
+        return {};  // where the locale data has no name it answers with the code
+    }
+    icu::UnicodeString name;
+    asked.getDisplayName(reader, name);
+    return fromIcu(name);
+}
+
+}  // namespace brimvault::platform

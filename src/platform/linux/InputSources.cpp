@@ -1,0 +1,83 @@
+#include "platform/InputSources.h"
+
+#include <unicode/locid.h>
+#include <xkbcommon/xkbregistry.h>
+
+#include <memory>
+
+#include "platform/LocaleIdentifiers.h"
+#include "platform/linux/KeyboardSettings.h"
+
+namespace brimvault::platform {
+
+namespace {
+
+using Registry = std::unique_ptr<rxkb_context, decltype(&rxkb_context_unref)>;
+
+Registry loadRegistry() {
+    Registry registry(rxkb_context_new(RXKB_CONTEXT_NO_FLAGS), &rxkb_context_unref);
+    constexpr const char* rules = "evdev";  // those of every keyboard that Linux drives
+    if (registry && !rxkb_context_parse(registry.get(), rules)) {
+        registry.reset();
+    }
+    return registry;
+}
+
+rxkb_layout* find(rxkb_context* registry, const KeyboardLayout& wanted) {
+    for (auto* layout = rxkb_layout_first(registry); layout != nullptr; layout = rxkb_layout_next(layout)) {
+        const char* variant = rxkb_layout_get_variant(layout);
+        if (wanted.name == rxkb_layout_get_name(layout) && wanted.variant == (variant == nullptr ? "" : variant)) {
+            return layout;
+        }
+    }
+    return nullptr;
+}
+
+QString countryOf(rxkb_layout* layout) {
+    auto* country = rxkb_layout_get_iso3166_first(layout);
+    return country == nullptr ? QString() : QString::fromLatin1(rxkb_iso3166_code_get_code(country));
+}
+
+QString languageSpokenIn(const QString& country) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale spoken("und", country.toLatin1().constData());
+    spoken.addLikelySubtags(status);
+    return U_SUCCESS(status) ? QString::fromLatin1(spoken.getLanguage()) : QString();
+}
+
+// Registries name languages by three letters and in no order that says which is meant first.
+QString languageOf(rxkb_layout* layout) {
+    const QString country = countryOf(layout);
+    const QString spoken = languageSpokenIn(country);
+    QString language;
+    for (auto* code = rxkb_layout_get_iso639_first(layout); code != nullptr; code = rxkb_iso639_code_next(code)) {
+        const QString named =
+            LocaleIdentifiers::canonicalLocaleIdentifierFromString(QString::fromLatin1(rxkb_iso639_code_get_code(code)))
+                .section(QLatin1Char('-'), 0, 0);
+        if (language.isEmpty() || named == spoken) {
+            language = named;
+        }
+    }
+    // Countries tell Portuguese and Chinese of two kinds apart; those of other languages say no more than a keyboard.
+    const bool ofTwoKinds = language == QLatin1String("zh") || language == QLatin1String("pt");
+    return LocaleIdentifiers::canonicalLocaleIdentifierFromString(
+        ofTwoKinds && !country.isEmpty() ? language + QLatin1Char('-') + country : language);
+}
+
+}  // namespace
+
+QStringList currentInputSources() {
+    const auto layouts = enabledKeyboardLayouts();
+    const auto registry = layouts.empty() ? Registry(nullptr, &rxkb_context_unref) : loadRegistry();
+    QStringList languages;
+    for (const auto& wanted : layouts) {
+        auto* layout = registry ? find(registry.get(), wanted) : nullptr;
+        const QString language = layout == nullptr ? QString() : languageOf(layout);
+        if (!language.isEmpty() && !languages.contains(language)) {
+            languages.append(language);
+        }
+    }
+    return languages;
+}
+
+}  // namespace brimvault::platform

@@ -1,0 +1,206 @@
+#include "platform/linux/KeyboardSettings.h"
+
+#include <gio/gio.h>
+
+#include <QFile>
+#include <QHash>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStringList>
+#include <QXmlStreamReader>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "platform/LibraryURLs.h"
+#include "platform/System.h"
+
+// Every desktop keeps the layouts that its user has enabled in a place of its own; what the machine was installed with
+// stands below /etc. Asking the display would need a connection to it, and tells nothing on Wayland.
+namespace brimvault::platform {
+
+namespace {
+
+using Layouts = std::vector<KeyboardLayout>;
+
+template <auto release>
+struct Released {
+    template <typename Object>
+    void operator()(Object* object) const {
+        release(object);
+    }
+};
+template <typename Object, auto release>
+using Owned = std::unique_ptr<Object, Released<release>>;
+
+// Layouts and variants as two lists that belong together: "us,de" and ",nodeadkeys".
+Layouts fromLists(const QStringList& names, const QStringList& variants) {
+    Layouts layouts;
+    for (qsizetype index = 0; index < names.size(); ++index) {
+        if (const QString name = names[index].trimmed(); !name.isEmpty()) {
+            layouts.push_back({name.toStdString(), variants.value(index).trimmed().toStdString()});
+        }
+    }
+    return layouts;
+}
+
+Layouts fromLists(const QString& names, const QString& variants) {
+    return fromLists(names.split(QLatin1Char(',')), variants.split(QLatin1Char(',')));
+}
+
+// One name for layout and variant, with what stands between them: "de+nodeadkeys".
+KeyboardLayout fromName(const std::string& name, char separator) {
+    const auto at = name.find(separator);
+    return at == std::string::npos ? KeyboardLayout{name, {}} : KeyboardLayout{name.substr(0, at), name.substr(at + 1)};
+}
+
+// --- Desktops on GSettings ---------------------------------------------------------------------------------------
+
+struct SettingsPlace {
+    const char* desktop;
+    const char* schema;
+    const char* key;
+};
+
+constexpr SettingsPlace settingsPlaces[] = {
+    {"GNOME", "org.gnome.desktop.input-sources", "sources"},
+    {"Unity", "org.gnome.desktop.input-sources", "sources"},
+    {"Budgie", "org.gnome.desktop.input-sources", "sources"},
+    {"Pantheon", "org.gnome.desktop.input-sources", "sources"},
+    {"X-Cinnamon", "org.cinnamon.desktop.input-sources", "sources"},
+    {"X-Cinnamon", "org.gnome.libgnomekbd.keyboard", "layouts"},
+    {"MATE", "org.mate.peripherals-keyboard-xkb.kbd", "layouts"},
+};
+
+// Pairs of a kind and a name, of which the kind "xkb" is ours, or names alone.
+Layouts fromVariant(GVariant* value) {
+    Layouts layouts;
+    const std::string type = g_variant_get_type_string(value);
+    const bool pairs = type == "a(ss)";
+    if (!pairs && type != "as") {
+        return layouts;
+    }
+    for (gsize index = 0; index < g_variant_n_children(value); ++index) {
+        const char* kind = "xkb";
+        const char* name = nullptr;
+        if (pairs) {
+            g_variant_get_child(value, index, "(&s&s)", &kind, &name);
+        } else {
+            g_variant_get_child(value, index, "&s", &name);
+        }
+        if (std::string(kind) == "xkb" && *name != '\0') {
+            layouts.push_back(fromName(name, pairs ? '+' : '\t'));
+        }
+    }
+    return layouts;
+}
+
+// Asking for a schema or a key that is not installed would end the process.
+Layouts fromSettings(const SettingsPlace& place) {
+    auto* installed = g_settings_schema_source_get_default();
+    if (installed == nullptr) {
+        return {};
+    }
+    const Owned<GSettingsSchema, g_settings_schema_unref> schema(
+        g_settings_schema_source_lookup(installed, place.schema, TRUE));
+    if (!schema || g_settings_schema_has_key(schema.get(), place.key) == 0) {
+        return {};
+    }
+    const Owned<GSettings, g_object_unref> settings(g_settings_new_full(schema.get(), nullptr, nullptr));
+    const Owned<GVariant, g_variant_unref> value(g_settings_get_value(settings.get(), place.key));
+    return fromVariant(value.get());
+}
+
+// --- Desktops with files of their own ----------------------------------------------------------------------------
+
+QString fileBelow(const std::filesystem::path& folder, const char* name) {
+    return QFile::decodeName((folder / name).c_str());
+}
+
+std::filesystem::path configurationFolder() { return LibraryURLs::getPreferencesFolderURL().parent_path(); }
+
+Layouts fromPlasma() {
+    QSettings file(fileBelow(configurationFolder(), "kxkbrc"), QSettings::IniFormat);
+    file.beginGroup(QStringLiteral("Layout"));
+    if (!file.value(QStringLiteral("Use"), true).toBool()) {
+        return {};
+    }
+    return fromLists(file.value(QStringLiteral("LayoutList")).toStringList(),
+                     file.value(QStringLiteral("VariantList")).toStringList());
+}
+
+Layouts fromXfce() {
+    QFile file(fileBelow(configurationFolder(), "xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QXmlStreamReader reader(&file);
+    QHash<QString, QString> values;
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement) {
+            const auto attributes = reader.attributes();
+            values.insert(attributes.value(QLatin1String("name")).toString(),
+                          attributes.value(QLatin1String("value")).toString());
+        }
+    }
+    // "XkbDisable" leaves the keyboard as the machine has it.
+    return values.value(QStringLiteral("XkbDisable")) == QLatin1String("true")
+               ? Layouts()
+               : fromLists(values.value(QStringLiteral("XkbLayout")), values.value(QStringLiteral("XkbVariant")));
+}
+
+Layouts ofDesktop() {
+    const auto desktops = QString::fromStdString(system().environmentVariable("XDG_CURRENT_DESKTOP"))
+                              .split(QLatin1Char(':'), Qt::SkipEmptyParts);
+    for (const auto& place : settingsPlaces) {
+        if (desktops.contains(QLatin1String(place.desktop))) {
+            if (auto layouts = fromSettings(place); !layouts.empty()) {
+                return layouts;
+            }
+        }
+    }
+    if (desktops.contains(QLatin1String("KDE"))) {
+        return fromPlasma();
+    }
+    return desktops.contains(QLatin1String("XFCE")) ? fromXfce() : Layouts();
+}
+
+// --- The machine -------------------------------------------------------------------------------------------------
+
+// What stands in quotes or alone behind the key in a line of the file; empty without such a line.
+QString valueInLine(const std::filesystem::path& path, const QRegularExpression& line) {
+    QFile file(QFile::decodeName(path.c_str()));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        return {};
+    }
+    constexpr qint64 enough = 64 * 1024;  // what people write is a few lines
+    return line.match(QString::fromUtf8(file.read(enough))).captured(1);
+}
+
+Layouts ofMachine() {
+    const auto etc = systemRoot() / "etc";
+    const auto inDefaults = [&](const char* key) {
+        return valueInLine(etc / "default/keyboard",
+                           QRegularExpression(QStringLiteral("^\\s*%1=[\"']?([^\"'\\n#]*)").arg(QLatin1String(key)),
+                                              QRegularExpression::MultilineOption));
+    };
+    if (auto layouts = fromLists(inDefaults("XKBLAYOUT"), inDefaults("XKBVARIANT")); !layouts.empty()) {
+        return layouts;
+    }
+    const auto inDisplay = [&](const char* key) {
+        return valueInLine(
+            etc / "X11/xorg.conf.d/00-keyboard.conf",
+            QRegularExpression(QStringLiteral("^\\s*Option\\s+\"%1\"\\s+\"([^\"\\n]*)\"").arg(QLatin1String(key)),
+                               QRegularExpression::MultilineOption | QRegularExpression::CaseInsensitiveOption));
+    };
+    return fromLists(inDisplay("XkbLayout"), inDisplay("XkbVariant"));
+}
+
+}  // namespace
+
+std::vector<KeyboardLayout> enabledKeyboardLayouts() {
+    auto layouts = ofDesktop();
+    return layouts.empty() ? ofMachine() : layouts;
+}
+
+}  // namespace brimvault::platform
