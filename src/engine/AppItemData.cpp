@@ -1,15 +1,16 @@
 #include "engine/AppItemData.h"
 
 #include <QSet>
-#include <algorithm>
+#include <utility>
 
-#include "platform/DisplayText.h"
+#include "engine/FileManager.h"
 
 namespace brimvault::engine {
 
 std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::path& path) {
     auto item = std::make_shared<AppItemData>();
     item->pAppName_ = path;
+    item->displayName_ = FileManager::displayNameAtPath(path);
     return item;
 }
 
@@ -25,18 +26,18 @@ std::filesystem::path AppItemData::keyForLocalizationItem(const LocalizationItem
 }
 
 void AppItemData::addToGroup(const std::shared_ptr<LocalizationItem>& item) {
-    const auto key = keyForLocalizationItem(*item);
-    auto group = std::find_if(pmLocalizationsDict_.begin(), pmLocalizationsDict_.end(),
-                              [&](const Group& known) { return known.key == key; });
-    if (group == pmLocalizationsDict_.end()) {
-        group = pmLocalizationsDict_.insert(group, Group{key, {}});
+    const auto [place, isNew] =
+        groupOfKey_.try_emplace(keyForLocalizationItem(*item).native(), pmLocalizationsDict_.size());
+    if (isNew) {
+        pmLocalizationsDict_.emplace_back();
     }
-    group->items.append(item);
+    pmLocalizationsDict_[place->second].append(item);
 }
 
 void AppItemData::recalcLocalizationsDict() {
     pmLocalizationsDict_.clear();
-    for (const auto& item : pmLocalizations_) {
+    groupOfKey_.clear();
+    for (const auto& item : std::as_const(pmLocalizations_)) {
         addToGroup(item);
     }
 }
@@ -47,8 +48,8 @@ void AppItemData::forEachRemovable(const QStringList& needed,
         return;
     }
     for (const auto& group : pmLocalizationsDict_) {
-        auto remaining = group.items.size();
-        for (const auto& item : group.items) {
+        auto remaining = group.size();
+        for (const auto& item : group) {
             if (remaining < 2) {
                 break;
             }
@@ -84,15 +85,15 @@ LocalizationArray AppItemData::itemsToClean(const QStringList& needed) const {
 }
 
 void AppItemData::updCleanedLocalizations(const LocalizationArray& removed, const QStringList& needed) {
-    for (const auto& item : removed) {
-        pmLocalizations_.removeAll(item);
-    }
+    const QSet<std::shared_ptr<LocalizationItem>> gone(removed.cbegin(), removed.cend());
+    pmLocalizations_.removeIf([&](const auto& item) { return gone.contains(item); });
     recalcLocalizationsDict();
     recalcKeepSpaceForLocales(needed);
 }
 
-QString AppItemData::ppdisplayName() const { return platform::displayText(pAppName_.filename()); }
-
-QString AppItemData::ppdisplayKeyName() const { return platform::displayText(pAppName_.stem()); }
+QString AppItemData::ppdisplayKeyName() const {
+    const auto extension = displayName_.lastIndexOf(QLatin1Char('.'));
+    return extension > 0 ? displayName_.left(extension) : displayName_;
+}
 
 }  // namespace brimvault::engine

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "engine/CleanableItem.h"
@@ -43,7 +45,9 @@ public:
     /// Forgets what was removed, then recomputes.
     void updCleanedLocalizations(const LocalizationArray& removed, const QStringList& needed);
 
-    [[nodiscard]] QString ppdisplayName() const override;
+    /// The name under which the desktop presents the bundle.
+    [[nodiscard]] const QString& displayName() const { return displayName_; }
+    [[nodiscard]] QString ppdisplayName() const override { return displayName_; }
     [[nodiscard]] QString ppdisplayKeyName() const override;
     [[nodiscard]] quint64 getSpace2Save() const override { return ncanKeepSpace_; }
     [[nodiscard]] quint64 getSpace2SaveBySel() const override {
@@ -51,11 +55,6 @@ public:
     }
 
 private:
-    struct Group {
-        std::filesystem::path key;
-        LocalizationArray items;
-    };
-
     void recalcLocalizationsDict();
     void addToGroup(const std::shared_ptr<LocalizationItem>& item);
     /// Calls with every localization that is not to be kept and not the last one of its folder.
@@ -63,11 +62,13 @@ private:
                           const std::function<void(const std::shared_ptr<LocalizationItem>&)>& call) const;
 
     LocalizationArray pmLocalizations_;
-    std::vector<Group> pmLocalizationsDict_;
+    std::vector<LocalizationArray> pmLocalizationsDict_;
+    std::unordered_map<std::string, std::size_t> groupOfKey_;  ///< places in the above
     quint64 ncanKeepSpace_ = 0;
     quint64 ncanKeepSpaceSel_ = 0;
     quint64 ncanCleanLocs_ = 0;
     std::filesystem::path pAppName_;
+    QString displayName_;
 };
 
 using ApplicationArray = QList<std::shared_ptr<AppItemData>>;

@@ -102,12 +102,14 @@ void DataMan::mainThreadAppResClean(const Notification& notification) {
 
 void DataMan::setApplicationsArray(const std::optional<ApplicationArray>& items) {
     applications_ = items.value_or(ApplicationArray());
-    updateAppsItemsForSelfLangsforApps();
+    updateAppsItemsForSelfLangsforApps(applications_);
 }
 
+// Those that were there before keep what was computed when they came, or when the languages last changed.
 void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items) {
-    applications_ += items.value_or(ApplicationArray());
-    updateAppsItemsForSelfLangsforApps();
+    const auto added = items.value_or(ApplicationArray());
+    applications_ += added;
+    updateAppsItemsForSelfLangsforApps(added);
 }
 
 void DataMan::set(Section section, const std::optional<ItemArray>& items) {
@@ -120,11 +122,11 @@ void DataMan::add(Section section, const std::optional<ItemArray>& items) {
 
 void DataMan::updateResSizesForApps(const QStringList& neededLanguages) {
     platestNeededLangs_ = neededLanguages;
-    updateAppsItemsForSelfLangsforApps();
+    updateAppsItemsForSelfLangsforApps(applications_);
 }
 
-void DataMan::updateAppsItemsForSelfLangsforApps() {
-    for (const auto& application : std::as_const(applications_)) {
+void DataMan::updateAppsItemsForSelfLangsforApps(const ApplicationArray& applications) const {
+    for (const auto& application : applications) {
         application->recalcKeepSpaceForLocales(platestNeededLangs_);
     }
     sendNotification(vocabulary(Section::languageResources).interfaceProgress);

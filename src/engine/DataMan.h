@@ -119,7 +119,7 @@ private:
 
     void set(Section section, const std::optional<ItemArray>& items);
     void add(Section section, const std::optional<ItemArray>& items);
-    void updateAppsItemsForSelfLangsforApps();
+    void updateAppsItemsForSelfLangsforApps(const ApplicationArray& applications) const;
 
     [[nodiscard]] Sizes sizes(Section section) const;
     [[nodiscard]] QString subtitle(Section section) const;

@@ -91,7 +91,8 @@ std::optional<QString> FileManager::stringmodificationDateOfFilePath(const std::
 }
 
 QString FileManager::displayNameAtPath(const std::filesystem::path& path) {
-    return platform::displayText(path.has_filename() ? path.filename() : path.parent_path().filename());
+    const auto name = path.has_filename() ? path.filename() : path.parent_path().filename();
+    return platform::displayText(name.extension() == ".app" ? name.stem() : name);
 }
 
 QString FileManager::getLocalizedPath(const std::filesystem::path& path) { return platform::displayText(path); }

@@ -48,6 +48,7 @@ public:
     [[nodiscard]] static std::optional<QString> stringmodificationDateOfFilePath(const std::filesystem::path& path,
                                                                                  QLocale::FormatType style);
 
+    /// The item's name for people: of an application without its extension.
     [[nodiscard]] static QString displayNameAtPath(const std::filesystem::path& path);
     /// The path as its folders and its last name are presented to people.
     [[nodiscard]] static QString getLocalizedPath(const std::filesystem::path& path);

@@ -1,7 +1,9 @@
 #include "engine/ItemRemoval.h"
 
 #include <QCoreApplication>
+#include <cerrno>
 
+#include "engine/FileManager.h"
 #include "engine/ProtectedFolders.h"
 #include "files/NodeStatus.h"
 #include "files/Remove.h"
@@ -23,9 +25,11 @@ void removeRecordOf(const std::filesystem::path& item) {
     }
 }
 
+bool isRefusedForRights(const files::Failure& failure) { return failure.code == EACCES || failure.code == EPERM; }
+
 }  // namespace
 
-ItemRemoval removeItemAt(const std::filesystem::path& path) {
+ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover) {
     ItemRemoval refused{false, QCoreApplication::translate("Clean", "Can't remove file")};
     if (!path.is_absolute()) {
         return refused;  // where the program was started is no place that a list speaks of
@@ -37,7 +41,9 @@ ItemRemoval removeItemAt(const std::filesystem::path& path) {
         return refused;
     }
     const auto outcome = files::remove(path);  // without a stop: an item that was begun is finished
-    if (outcome.end != files::RemovalEnd::gone) {
+    if (outcome.end != files::RemovalEnd::gone &&
+        !(isRefusedForRights(*outcome.failure) && !FileManager::isFileLocked(path.parent_path()) &&
+          remover.removeFileAtPath(path))) {
         return {false, QString::fromLocal8Bit(outcome.failure->text().c_str())};
     }
     removeRecordOf(path);

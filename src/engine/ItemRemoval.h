@@ -3,6 +3,8 @@
 #include <QString>
 #include <filesystem>
 
+#include "engine/PrivilegedRemover.h"
+
 namespace brimvault::engine {
 
 struct [[nodiscard]] ItemRemoval {
@@ -12,7 +14,10 @@ struct [[nodiscard]] ItemRemoval {
 
 /// Removes one item for good: the way that every removal of a file goes, of a whole clean as of a single item. A folder
 /// that no list of items can rightly hold is refused. Once an item of the desktop's trash is gone, the record of where
-/// it came from goes as well. Blocks; any thread but the main one.
-ItemRemoval removeItemAt(const std::filesystem::path& path);
+/// it came from goes as well.
+///
+/// Where the user may not remove it, the remover is asked, once, unless the folder that holds the item is locked
+/// against change. Blocks; any thread but the main one.
+ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover = PrivilegedRemover::none());
 
 }  // namespace brimvault::engine

@@ -138,7 +138,7 @@ TEST(AppItemData, GroupsByTheFolderInsideTheBundle) {
     EXPECT_EQ(application->keyForLocalizationItem(*localization("/Some.app", languages[0], 1)), "");
     EXPECT_EQ(application->keyForLocalizationItem(*localization("/Some.app/Contents/R", languages[0], 1)),
               "/Contents/R");
-    EXPECT_EQ(application->ppdisplayName(), QStringLiteral("Some.app"));
+    EXPECT_EQ(application->ppdisplayName(), QStringLiteral("Some"));
     EXPECT_EQ(application->ppdisplayKeyName(), QStringLiteral("Some"));
 }
 
