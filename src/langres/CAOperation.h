@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+
+#include "engine/AppItemData.h"
+#include "engine/FCleanProps.h"
+#include "engine/Notification.h"
+#include "engine/PrivilegedRemover.h"
+#include "engine/SectionOperation.h"
+
+namespace brimvault::langres {
+
+/// The clean of the Language Resources section: of every application that is ticked, the localizations that none of the
+/// languages to keep asks for. Without languages to keep nothing is removed, and nothing posted.
+///
+/// Of the localizations of a folder one always stays. The records tell which; where it is gone meanwhile, the last one
+/// that is there stays in its place, and counts as not removed.
+class CAOperation final : public engine::SectionOperation {
+public:
+    /// The remover outlives it.
+    CAOperation(engine::ApplicationArray items, std::shared_ptr<engine::FCleanProps> pclprops,
+                engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none())
+        : SectionOperation(engine::Section::languageResources),
+          pCArray_(std::move(items)),
+          pclprops_(std::move(pclprops)),
+          remover_(remover) {}
+
+protected:
+    void main() override;
+
+private:
+    struct Results {
+        engine::CleanedApplications cleaned;
+        engine::NotCleanedApplications notCleaned;  ///< by language, in however many folders it failed
+    };
+
+    void clean(const engine::AppItemData& application, const QStringList& needed, Results& results);
+    [[nodiscard]] bool isGoneAfterRemoval(const std::filesystem::path& localization);
+
+    const engine::ApplicationArray pCArray_;
+    const std::shared_ptr<engine::FCleanProps> pclprops_;
+    engine::PrivilegedRemover& remover_;
+};
+
+}  // namespace brimvault::langres

@@ -1,0 +1,143 @@
+#include "langres/SAOperation.h"
+
+#include <exception>
+
+#include "engine/FileManager.h"
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
+#include "files/FolderWalk.h"
+#include "langres/LanguagesManager.h"
+#include "langres/LocalizationFolders.h"
+#include "platform/LibraryURLs.h"
+#include "platform/LocaleIdentifiers.h"
+#include "platform/Packages.h"
+
+namespace brimvault::langres {
+
+using engine::AppItemData;
+using engine::ApplicationArray;
+using engine::NotificationCenter;
+using files::Descend;
+
+namespace {
+
+constexpr qsizetype fewestLocalizations = 2;  // the last one of a folder always stays
+
+}  // namespace
+
+SAOperation::SAOperation()
+    : SAOperation(platform::LibraryURLs::getApplicationFolderURL(),
+                  platform::LibraryURLs::getUserApplicationFolderURL()) {}
+
+SAOperation::SAOperation(Folder applicationFolder, Folder userApplicationFolder)
+    : SBaseOperation(engine::Section::languageResources),
+      applicationFolder_(std::move(applicationFolder)),
+      userApplicationFolder_(std::move(userApplicationFolder)) {}
+
+void SAOperation::main() {
+    initApplicationsCount();
+    collectAppsInfo();
+    sendOperationCompleted();
+}
+
+void SAOperation::initApplicationsCount() {
+    pAppsPaths_.clear();
+    for (const auto& folder : {applicationFolder_, userApplicationFolder_}) {
+        if (folder) {
+            countPackagesBelow(*folder);
+        }
+    }
+    setTopLevelItemsCount(static_cast<qint64>(pAppsPaths_.size()));
+}
+
+// What lies in a package belongs to it.
+void SAOperation::countPackagesBelow(const std::filesystem::path& folder) {
+    (void)files::forEachFolder(folder, files::HiddenEntries::skip, stopToken(), [&](const auto& found) {
+        if (!platform::Packages::isPackage(found)) {
+            return Descend::yes;
+        }
+        pAppsPaths_.push_back(found);
+        setTopLevelItemsCount(nTopLevelItemsCount() + 1);
+        tryUpdateProgress({}, 0);
+        return Descend::no;
+    });
+}
+
+void SAOperation::collectAppsInfo() {
+    qint64 processed = 0;
+    for (const auto& path : pAppsPaths_) {
+        if (isCancelled()) {
+            return;
+        }
+        ++processed;
+        const auto application = readPackage(path);
+        if (isCancelled()) {
+            return;  // what was read is not whole
+        }
+        if (!application) {
+            continue;
+        }
+        const auto percent =
+            static_cast<qint64>(static_cast<double>(processed) * 100.0 / static_cast<double>(nTopLevelItemsCount()));
+        if (application->pLocalizations().size() < fewestLocalizations) {
+            tryUpdateProgress({}, percent);
+            continue;
+        }
+        application->setPpbDeletable(true);
+        pAppsArray_.append(application);
+        tryUpdateProgress({application}, percent);
+    }
+}
+
+std::shared_ptr<AppItemData> SAOperation::readPackage(const std::filesystem::path& path) const {
+    if (!isToBeScanned(path)) {
+        return nullptr;
+    }
+    auto application = AppItemData::initWithName(path);
+    collectLocalizations(*application);
+    return application;
+}
+
+// A package that cannot be judged is left alone.
+bool SAOperation::isToBeScanned(const std::filesystem::path& path) {
+    try {
+        const auto status = files::statusOf(path);
+        return status && status->kind == files::NodeKind::directory &&
+               LanguagesManager::isPossibleToRemoveLangsInBundleWithIdentifier(
+                   platform::Packages::bundleIdentifier(path)) &&
+               !engine::FileManager::isAppPathInQuarantine(path);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+void SAOperation::collectLocalizations(AppItemData& application) const {
+    const auto collect = [&](const std::filesystem::path& folder) {
+        if (isLocalizationName(folder.filename())) {
+            const auto identifier = platform::LocaleIdentifiers::canonicalLocaleIdentifierFromString(
+                QString::fromStdString(folder.stem().native()));
+            application.addLocalizationItem(std::make_shared<engine::LocalizationItem>(
+                engine::LocalizationItem{getFileFolderSize(folder), identifier, folder}));
+        }
+        return Descend::yes;
+    };
+    (void)files::forEachFolder(application.pAppName(), files::HiddenEntries::skip, stopToken(), collect);
+}
+
+// A batch that is all there is so far replaces what the model holds; that is so of the first application, and of every
+// report before it.
+void SAOperation::tryUpdateProgress(const ApplicationArray& delta, qint64 nprogr) const {
+    const auto words = engine::vocabulary(section());
+    const bool everything = delta.size() == pAppsArray_.size();
+    NotificationCenter::defaultCenter().post(
+        words.scanProgress, {{everything ? words.arrayKey : words.deltaKey, everything ? pAppsArray_ : delta},
+                             {engine::key::totalCount, nTopLevelItemsCount()},
+                             {engine::key::progressPercent, nprogr}});
+}
+
+void SAOperation::sendOperationCompleted() const {
+    const auto words = engine::vocabulary(section());
+    NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, pAppsArray_}});
+}
+
+}  // namespace brimvault::langres

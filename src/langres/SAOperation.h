@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "engine/AppItemData.h"
+#include "engine/SBaseOperation.h"
+
+namespace brimvault::langres {
+
+/// The scan of the Language Resources section: every package below the Applications folders that has at least two
+/// localizations, with what each of them holds. Which of them may go is decided later, by the languages to keep.
+class SAOperation final : public engine::SBaseOperation {
+public:
+    using Folder = std::optional<std::filesystem::path>;
+
+    SAOperation();
+    /// Of these folders, none for one that the system does not have.
+    SAOperation(Folder applicationFolder, Folder userApplicationFolder);
+
+    [[nodiscard]] Folder getOperationRootFolderURL() const override { return applicationFolder_; }
+
+protected:
+    void main() override;
+
+private:
+    void initApplicationsCount();
+    void countPackagesBelow(const std::filesystem::path& folder);
+    void collectAppsInfo();
+    /// None for a package that is left alone; at once, and not whole, when the operation is cancelled meanwhile.
+    [[nodiscard]] std::shared_ptr<engine::AppItemData> readPackage(const std::filesystem::path& path) const;
+    [[nodiscard]] static bool isToBeScanned(const std::filesystem::path& path);
+    void collectLocalizations(engine::AppItemData& application) const;
+    void tryUpdateProgress(const engine::ApplicationArray& delta, qint64 nprogr) const;
+    void sendOperationCompleted() const;
+
+    const Folder applicationFolder_;
+    const Folder userApplicationFolder_;
+    std::vector<std::filesystem::path> pAppsPaths_;
+    engine::ApplicationArray pAppsArray_;
+};
+
+}  // namespace brimvault::langres
