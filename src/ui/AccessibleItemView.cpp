@@ -6,15 +6,15 @@
 
 #include "ui/AccessibleCell.h"
 #include "ui/AccessibleHeaderCell.h"
+#include "ui/CheckTableView.h"
 #include "ui/SectionsTableView.h"
-#include "ui/TTableView.h"
 
 namespace brimvault::ui {
 
 namespace {
 
 QAccessibleInterface* present(const QString& /*className*/, QObject* object) {
-    if (qobject_cast<TTableView*>(object) != nullptr || qobject_cast<SectionsTableView*>(object) != nullptr) {
+    if (qobject_cast<CheckTableView*>(object) != nullptr || qobject_cast<SectionsTableView*>(object) != nullptr) {
         return new AccessibleItemView(static_cast<QAbstractItemView*>(object));
     }
     return nullptr;

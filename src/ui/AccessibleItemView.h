@@ -14,7 +14,7 @@ namespace brimvault::ui {
 /// the first row and a row header before each row. Main thread.
 class AccessibleItemView final : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
-    /// Has every SectionsTableView and TTableView presented so. Once, before the first window.
+    /// Has every SectionsTableView and CheckTableView presented so. Once, before the first window.
     static void install();
 
     explicit AccessibleItemView(QAbstractItemView* view);

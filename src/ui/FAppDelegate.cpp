@@ -2,22 +2,10 @@
 
 #include "engine/Notifications.h"
 #include "ui/DefaultsKeys.h"
-#include "ui/ListControllers.h"
 
 namespace brimvault::ui {
 
 using engine::Section;
-
-namespace {
-
-QString countText(qsizetype items, bool more) {
-    if (items == 1) {
-        return more ? FAppDelegate::tr("1 item so far") : FAppDelegate::tr("1 item");
-    }
-    return (more ? FAppDelegate::tr("%1 items so far") : FAppDelegate::tr("%1 items")).arg(QLocale().toString(items));
-}
-
-}  // namespace
 
 FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings)
     : defaults_(surroundings.defaults),
@@ -27,8 +15,14 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
                                                  *window_->startPage()->ptxtStartDescClean(), defaults_)) {
     psectController_ = std::make_unique<TSectionViewController>(
         TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, surroundings.defaults,
-                                             surroundings.alerts, [] { return QStringList(); }},
+                                             surroundings.alerts,
+                                             [this] { return pLangListController_->getNeededLangsArray(); }},
         std::move(scans), std::move(cleans));
+    pLangListController_ = std::make_unique<langres::LangListController>(
+        surroundings.languages, defaults_,
+        [this](const QStringList& languages) { psectController_->changedListOfLangs(languages); });
+    window_->pDrawer()->ptableView()->setModel(pLangListController_.get());
+    panels_ = std::make_unique<SectionPanels>(*window_->lists(), *psectController_, *this, util_);
     util_.setWindow(window_.get());
 }
 
@@ -57,6 +51,7 @@ void FAppDelegate::connectControls() {
     connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
+    connect(window_->pbtnLangs(), &QAbstractButton::clicked, this, &FAppDelegate::toggleDrawer);
     connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, this, &FAppDelegate::doSelGetInfo);
     connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, this, &FAppDelegate::doSelShowInFinder);
     window_->setMayClose([this] { return mayClose(); });
@@ -74,6 +69,10 @@ void FAppDelegate::registerObservers() {
         const auto words = engine::vocabulary(section);
         observe(words.cleanFinished, [this, section, words](const engine::Notification& heard) {
             using Reasons = engine::NotRemovedDictionary;
+            using Counts = engine::NotCleanedApplications;
+            if (const auto counts = engine::getDictionaryPropfromNotification<Counts>(heard, words.notCleanedKey)) {
+                pdNotCleanedApps_ = *counts;
+            }
             if (const auto reasons = engine::getDictionaryPropfromNotification<Reasons>(heard, words.notCleanedKey)) {
                 notCleaned_[section] = *reasons;  // a single removal tells none
             }
@@ -86,7 +85,10 @@ void FAppDelegate::registerObservers() {
         center.addObserver(engine::notification::plashkaPressed, [this](const auto&) { plashkaPressed(); }));
 }
 
-void FAppDelegate::resetNotCleanedDicts() { notCleaned_ = {}; }
+void FAppDelegate::resetNotCleanedDicts() {
+    notCleaned_ = {};
+    pdNotCleanedApps_ = {};
+}
 
 // --- Scanning ---------------------------------------------------------------------------------------------------
 
@@ -148,15 +150,11 @@ void FAppDelegate::scanFinished() {
     enableControlsScan(true);
     updateSelectAllCheck();
     window_->sidebar()->pbtnScan()->stopAnimation();
-    showTitle();
+    panels_->updateTitle();
 }
 
 void FAppDelegate::refreshLists() {
-    for (const auto& controller : pDynControllers_) {
-        if (controller) {
-            controller->updateTableKeepSelection();
-        }
-    }
+    panels_->refreshLists();
     UpdateTextsAboutFreeUpSize();
 }
 
@@ -177,6 +175,7 @@ void FAppDelegate::cleanStarted() {
     window_->lists()->pbtnClean()->startAnimation();
     UpdateTextsAboutFreeUpSize();
     resetNotCleanedDicts();
+    pLangListController_->updateCleaningState(true);
     updateCleaningStateForControllers();
     enableControlsClean(false);
 }
@@ -186,10 +185,11 @@ void FAppDelegate::cleanFinished() {
     psectController_->cleanFinished();
     updateCleaningStateForControllers();
     enableControlsClean(true);
+    pLangListController_->updateCleaningState(false);
     updateSelectAllCheck();
     window_->lists()->pbtnClean()->stopAnimation();
     setPlashkaToSelectedState(false);
-    showTitle();
+    panels_->updateTitle();
     if (focusGoes && !window_->lists()->pbtnClean()->isEnabled()) {
         focusWhatIsNext();
     }
@@ -197,7 +197,7 @@ void FAppDelegate::cleanFinished() {
 
 // To the list where there is one, as the button that had the focus can do nothing more.
 void FAppDelegate::focusWhatIsNext() {
-    auto* current = getCurrentSectionController();
+    auto* current = panels_->getCurrentSectionController();
     if (current != nullptr && current->hasItems()) {
         current->view()->setFocus();
     } else {
@@ -205,13 +205,7 @@ void FAppDelegate::focusWhatIsNext() {
     }
 }
 
-void FAppDelegate::updateCleaningStateForControllers() {
-    for (const auto& controller : pDynControllers_) {
-        if (controller) {
-            controller->updateCleaningState(bcleaningProcess_ || removing_);
-        }
-    }
-}
+void FAppDelegate::updateCleaningStateForControllers() { panels_->updateCleaningState(bcleaningProcess_ || removing_); }
 
 // While an item is being removed nothing else begins, and nothing stops it.
 void FAppDelegate::setPbRemoving(bool removing) {
@@ -266,96 +260,54 @@ void FAppDelegate::setImgs4Clean(bool idle) {
 // --- Panels -----------------------------------------------------------------------------------------------------
 
 void FAppDelegate::activatePanel(int row) {
-    if (row < 0 || row >= sectionRowCount || !bScanStarted_) {
-        return;
-    }
-    activeRow_ = row;
-    if (!pDynControllers_[static_cast<std::size_t>(row)]) {
-        createController(row);
-    }
-    showPanel(row);
-}
-
-void FAppDelegate::createController(int row) {
-    auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
-    slot = makeListController(sectionRows()[static_cast<std::size_t>(row)].section,
-                              {psectController_->getAppResDS(), *psectController_, *this, util_});
-    if (slot) {
-        window_->lists()->addList(slot->view());
-        connect(slot.get(), &ItemListController::tableUpdated, this, [this] {
-            showTitle();
-            updateSelectAllButton();
-        });
-        updateCleaningStateForControllers();
+    updateButtonsForPanel(row);
+    if (row >= 0 && row < sectionRowCount && bScanStarted_) {
+        panels_->show(row);
     }
 }
 
-void FAppDelegate::showPanel(int row) {
-    for (std::size_t slot = 0; slot < pDynControllers_.size(); ++slot) {
-        if (pDynControllers_[slot]) {
-            pDynControllers_[slot]->view()->setVisible(static_cast<int>(slot) == row);
-        }
-    }
-    showTitle();
-    updateSelectAllButton();
+// The languages belong to one section. Elsewhere their drawer is closed, and opens again where the user left it open.
+void FAppDelegate::updateButtonsForPanel(int row) {
+    const bool languages = row >= 0 && row < sectionRowCount &&
+                           sectionRows()[static_cast<std::size_t>(row)].section == Section::languageResources;
+    window_->pbtnLangs()->setVisible(languages);
+    setDrawerOpen(languages && bDrawerOpened_);
 }
 
-ItemListController* FAppDelegate::getCurrentSectionController() const {
-    return bScanStarted_ ? pDynControllers_[static_cast<std::size_t>(activeRow_)].get() : nullptr;
+void FAppDelegate::toggleDrawer() {
+    bDrawerOpened_ = !window_->pDrawer()->isOpen();
+    setDrawerOpen(bDrawerOpened_);
 }
 
-void FAppDelegate::showTitle() {
-    const auto* current = getCurrentSectionController();
-    QString count;
-    if (current != nullptr && current->hasItems()) {
-        count = countText(current->itemCount(), bscanningProcess_);
+// The focus does not go with the drawer.
+void FAppDelegate::setDrawerOpen(bool open) {
+    if (!open && window_->pDrawer()->isAncestorOf(window_->focusWidget())) {
+        window_->pbtnLangs()->setFocus();
     }
-    const auto& row = sectionRows()[static_cast<std::size_t>(activeRow_)];
-    window_->lists()->setTitle(sectionTitle(row), count);
-    const bool nothingToList = current == nullptr || !current->hasItems();
-    const bool nothingYet = current != nullptr && bscanningProcess_;
-    window_->lists()->setNote(!nothingToList ? QString()
-                              : nothingYet   ? tr("Scanning...")
-                                             : psectController_->subtitle(activeRow_));
-    if (current != nullptr) {
-        current->view()->setVisible(!nothingToList);
-    }
+    window_->pDrawer()->setOpen(open);
+    window_->pbtnLangs()->setOn(open);
 }
 
 void FAppDelegate::doSelShowInFinder() {
-    if (auto* current = getCurrentSectionController()) {
+    if (auto* current = panels_->getCurrentSectionController()) {
         current->onClickedRevealInFinder();
     }
 }
 
 void FAppDelegate::doSelGetInfo() {
-    if (auto* current = getCurrentSectionController()) {
+    if (auto* current = panels_->getCurrentSectionController()) {
         current->onClickedGetInfo();
     }
 }
 
 void FAppDelegate::toggleSelectAll() {
-    auto* current = getCurrentSectionController();
-    if (current == nullptr) {
-        return;
-    }
-    const bool checked = window_->lists()->pbtnSelectAll()->checkState() == Qt::Checked;
-    current->selectAllItems(checked ? 1 : 0);
-    psectController_->setSectionChecked(current->section(), checked);
+    panels_->toggleSelectAll();
     UpdateTextsAboutFreeUpSize();
 }
 
 void FAppDelegate::updateSelectAllCheck() {
-    updateSelectAllButton();
+    panels_->updateSelectAllButton();
     UpdateTextsAboutFreeUpSize();
-}
-
-void FAppDelegate::updateSelectAllButton() {
-    const auto* current = getCurrentSectionController();
-    auto* selectAll = window_->lists()->pbtnSelectAll();
-    selectAll->setSelAllChecked(current == nullptr ? 0 : current->getcheckstate());
-    selectAll->setEnabled(!sectionControllerIsScanOrRemoveProcessPerforming() && current != nullptr &&
-                          current->hasItems());
 }
 
 // --- Status panel -----------------------------------------------------------------------------------------------

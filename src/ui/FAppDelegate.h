@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <array>
 #include <memory>
 #include <vector>
 
@@ -9,11 +8,13 @@
 #include "engine/FScaner.h"
 #include "engine/Notification.h"
 #include "engine/NotificationCenter.h"
+#include "langres/LangListController.h"
+#include "langres/LanguagesManager.h"
 #include "platform/UserDefaults.h"
 #include "ui/AlertPresenter.h"
 #include "ui/ApplicationController.h"
-#include "ui/ItemListController.h"
 #include "ui/MainWindow.h"
+#include "ui/SectionPanels.h"
 #include "ui/StatusTexts.h"
 #include "ui/TSectionViewController.h"
 
@@ -27,9 +28,10 @@ class FAppDelegate final : public QObject, public ApplicationController {
 public:
     /// What the window gets from around it; all of it outlives the window.
     struct Surroundings {
-        platform::UserDefaults& defaults;  ///< settings and statistics
-        AlertPresenter& alerts;            ///< questions to the user
-        UtilMod& util;                     ///< the file browser, single removals
+        platform::UserDefaults& defaults;            ///< settings and statistics
+        AlertPresenter& alerts;                      ///< questions to the user
+        UtilMod& util;                               ///< the file browser, single removals
+        const langres::LanguagesManager& languages;  ///< what the system tells of the user's languages
     };
 
     FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings);
@@ -53,8 +55,9 @@ public:
     void activatePanel(int row) override;
     void updateSelectAllCheck() override;
     void UpdateTextsAboutFreeUpSize() override;
-    /// The reasons of the last clean, by section.
+    /// The reasons of the last clean, by section; of applications, how many languages were not removed.
     [[nodiscard]] const engine::PerSection<engine::NotRemovedDictionary>& notCleaned() const { return notCleaned_; }
+    [[nodiscard]] const engine::NotCleanedApplications& notCleanedApplications() const { return pdNotCleanedApps_; }
 
 private:
     void connectControls();
@@ -79,14 +82,12 @@ private:
     void updateCleaningStateForControllers();
     void focusWhatIsNext();
 
-    void createController(int row);
-    void showPanel(int row);
-    void showTitle();
-    [[nodiscard]] ItemListController* getCurrentSectionController() const;
+    void updateButtonsForPanel(int row);
+    void toggleDrawer();
+    void setDrawerOpen(bool open);
     void toggleSelectAll();
     void doSelShowInFinder();
     void doSelGetInfo();
-    void updateSelectAllButton();
 
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);
@@ -99,14 +100,16 @@ private:
     std::unique_ptr<MainWindow> window_;
     std::unique_ptr<StatusTexts> statusTexts_;
     std::unique_ptr<TSectionViewController> psectController_;
-    std::array<std::unique_ptr<ItemListController>, sectionRowCount> pDynControllers_;
+    std::unique_ptr<langres::LangListController> pLangListController_;
+    std::unique_ptr<SectionPanels> panels_;
     engine::PerSection<engine::NotRemovedDictionary> notCleaned_;
-    int activeRow_ = 0;
+    engine::NotCleanedApplications pdNotCleanedApps_;
     bool bscanningProcess_ = false;
     bool bcleaningProcess_ = false;
     bool removing_ = false;
     bool bScanStarted_ = false;               ///< never reset
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
+    bool bDrawerOpened_ = false;              ///< the user wants the languages' drawer open
     bool closing_ = false;                    ///< the user closed the window while something ran
     std::vector<engine::NotificationCenter::Observation> observations_;
 };

@@ -6,15 +6,15 @@
 
 namespace brimvault::ui {
 
-/// The picture of a file, a folder or a link; on the ground of a selected row another one. Any thread.
-[[nodiscard]] inline QLatin1String filePicture(files::NodeKind kind, bool onSelection) {
+/// The picture of a file, a folder or a link. Any thread.
+[[nodiscard]] inline QLatin1String filePicture(files::NodeKind kind) {
     switch (kind) {
         case files::NodeKind::directory:
-            return QLatin1String(onSelection ? "icFolderInv" : "icFolder");
+            return QLatin1String("icFolder");
         case files::NodeKind::link:
-            return QLatin1String(onSelection ? "icLinkInv" : "icLink");
+            return QLatin1String("icLink");
         default:
-            return QLatin1String(onSelection ? "icFileInv" : "icFile");
+            return QLatin1String("icFile");
     }
 }
 

@@ -16,7 +16,7 @@ constexpr int margin = 10;
 constexpr int arrowGap = 6;
 
 // The arrow of a column of numbers is drawn reversed: the largest first is its usual order.
-bool bReverceSort(int column) { return column == ItemListModel::sizeColumn; }
+bool bReverceSort(int column) { return ItemListModel::isNumber(column); }
 
 }  // namespace
 
@@ -49,7 +49,7 @@ void HTableHeaderView::paintSection(QPainter* painter, const QRect& rect, int lo
         const int taken = qRound(arrowSize.width()) + arrowGap;
         text.adjust(isRightToLeft() ? taken : 0, 0, isRightToLeft() ? 0 : -taken, 0);
     }
-    const bool number = logicalIndex == ItemListModel::sizeColumn;
+    const bool number = ItemListModel::isNumber(logicalIndex);
     painter->setPen(QColor(sorted ? look::accentDark : look::textHeader));
     drawTextLine(*painter, text, number ? trailingSide(layoutDirection()) : leadingSide(layoutDirection()), font(),
                  model()->headerData(logicalIndex, Qt::Horizontal).toString());

@@ -28,17 +28,27 @@ IconButton::IconButton(QLatin1String picture, const QString& name, QWidget* pare
 
 QSize IconButton::sizeHint() const { return buttonSize; }
 
+void IconButton::setOn(bool on) {
+    on_ = on;
+    setAccessibleDescription(on ? tr("Open") : QString());
+    update();
+}
+
 void IconButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF face = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     const bool lit = isEnabled() && underMouse();
-    painter.setPen(QColor(lit ? look::accentDark : look::separator));
-    painter.setBrush(QColor(isDown() ? look::sortedHeaderBottom : lit ? look::rowAlternate : look::row));
+    painter.setPen(QColor(lit || on_ ? look::accentDark : look::separator));
+    painter.setBrush(QColor(isDown() ? look::sortedHeaderBottom
+                            : on_    ? look::sortedHeaderTop
+                            : lit    ? look::rowAlternate
+                                     : look::row));
     painter.drawRoundedRect(face, cornerRadius, cornerRadius);
     painter.setOpacity(isEnabled() ? 1.0 : disabledOpacity);
-    const QSizeF size = ImageLoad::sizeOf(picture_);
-    ImageLoad::draw(painter, {(width() - size.width()) / 2, (height() - size.height()) / 2}, picture_);
+    const QLatin1String picture = on_ ? pictureOn_ : picture_;
+    const QSizeF size = ImageLoad::sizeOf(picture);
+    ImageLoad::draw(painter, {(width() - size.width()) / 2, (height() - size.height()) / 2}, picture);
     painter.setOpacity(1.0);
     if (isFocusShown(this)) {
         drawFocusRing(painter, face, cornerRadius);

@@ -12,6 +12,11 @@ class IconButton final : public QAbstractButton {
 public:
     IconButton(QLatin1String picture, const QString& name, QWidget* parent = nullptr);
 
+    /// Shows the button as that of something that is on, with another picture.
+    void setOn(bool on);
+    /// None for a button that is never on.
+    void setPictureOn(QLatin1String picture) { pictureOn_ = picture; }
+
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
@@ -19,6 +24,8 @@ protected:
 
 private:
     QLatin1String picture_;
+    QLatin1String pictureOn_;
+    bool on_ = false;
 };
 
 }  // namespace brimvault::ui

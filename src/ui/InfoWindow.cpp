@@ -78,7 +78,7 @@ InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFact
 QLayout* InfoWindow::makeTitle(const engine::FileFacts& facts) const {
     auto* icon = new QLabel;
     icon->setPixmap(
-        ImageLoad::LoadPNGImage(filePicture(facts.kind, false), devicePixelRatioF())
+        ImageLoad::LoadPNGImage(filePicture(facts.kind), devicePixelRatioF())
             .scaled(QSize(iconSize, iconSize) * devicePixelRatioF(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
     auto* title = new QHBoxLayout;
     title->setSpacing(margin / 2);

@@ -13,10 +13,12 @@
 #include "ui/TTableView.h"
 #include "ui/UtilMod.h"
 
+class QMenu;
+
 namespace brimvault::ui {
 
-/// The list of one section of files: it shows what the model holds, keeps the order, and passes on what the user does.
-/// Each section's own list names its items and finds their paths. Main thread.
+/// The list of one section: it shows what the model holds, keeps the order, and passes on what the user does. What its
+/// items are, and what else can be done to them, is each list's own. Main thread.
 class ItemListController : public QObject {
     Q_OBJECT
 
@@ -36,16 +38,14 @@ public:
 
     [[nodiscard]] bool hasItems() const { return model_->rowCount() > 0; }
     [[nodiscard]] qsizetype itemCount() const { return model_->rowCount(); }
-    [[nodiscard]] bool hasSelectedItem() const { return getSelectedItem() != nullptr; }
-    /// Null when no row is selected.
-    [[nodiscard]] std::shared_ptr<engine::FFItem> getSelectedItem() const;
+    [[nodiscard]] bool hasSelectedItem() const { return selectedItem() != nullptr; }
     /// -1 some, 0 none, 1 all; what cannot be removed counts only when it is ticked.
     [[nodiscard]] int getcheckstate() const;
     /// Ticks (1) or unticks (0) everything; what cannot be removed is never ticked.
     void selectAllItems(int state);
 
     /// Bytes of this section.
-    [[nodiscard]] quint64 getSize2CleanMyItems() const;
+    [[nodiscard]] virtual quint64 getSize2CleanMyItems() const = 0;
 
     /// Check boxes may be changed unless a clean runs.
     void updateCleaningState(bool cleaning);
@@ -54,45 +54,43 @@ public:
     /// What the menus and buttons offer for the selected item; nothing without one.
     void onClickedRevealInFinder();
     void onClickedGetInfo();
-    /// Asks, removes the item for good, and drops it from the list once it is gone.
-    void onClickedRemove();
-    /// Whether `onClickedRemove` would do anything.
-    [[nodiscard]] bool isRemoveEnabled() const;
-
-    /// Where the item lies, for what is done to it.
-    [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
 
 Q_SIGNALS:
     /// The rows, or what is ticked of them, are other than before.
     void tableUpdated();
 
 protected:
+    using Item = ItemListModel::Item;
+
     ItemListController(engine::Section section, const Surroundings& surroundings);
     /// To be called once, at the end of the constructor of a section's own list.
     void awake(const QString& accessibleName);
 
-    [[nodiscard]] virtual QString nameOf(const engine::FFItem& item) const { return item.ppdisplayName(); }
-    /// For the tooltip; empty for none.
-    [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const {
-        return getPathByItem(item);
-    }
+    /// Everything that the model holds for the section, as found.
+    [[nodiscard]] virtual QList<Item> items() const = 0;
+    [[nodiscard]] virtual ItemListModel::Texts texts() const = 0;
+    /// Where the item lies, for what is done to it.
+    [[nodiscard]] virtual std::filesystem::path pathOf(const engine::CleanableItem& item) const = 0;
+    /// The menu of a row offers to show the item; a list may offer more.
+    virtual void addActions(QMenu& /*menu*/) {}
+    /// Whether items that stay may have other sizes than when they were last shown.
+    [[nodiscard]] virtual bool haveSizesChanged() const { return false; }
+
+    /// Null when no row is selected.
+    [[nodiscard]] Item selectedItem() const;
+    [[nodiscard]] const Surroundings& surroundings() const { return surroundings_; }
+    [[nodiscard]] ItemListModel& model() const { return *model_; }
 
 private:
-    [[nodiscard]] ItemListModel::Texts texts() const;
     void observe(const QString& name);
     void setItemChecked(int row, bool checked);
     void didClickTableColumn(int column);
-    [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
-    void removeFinished(const engine::ItemArray& items, bool success);
     void showMenu(const QPoint& globalPosition);
-    [[nodiscard]] int rowsThatStay(const QList<ItemListModel::Item>& items, int above) const;
+    [[nodiscard]] int rowsThatStay(const QList<Item>& items, int above) const;
     void replaceCurrent(int row, bool selected);
 
     const engine::Section section_;
-    engine::DataMan& pDS_;
-    CheckListener& pCheckListener_;
-    ApplicationController& dataSource_;
-    UtilMod& util_;
+    const Surroundings surroundings_;
     ItemListModel* model_ = nullptr;
     TTableView* ptableView_ = nullptr;  ///< the window that shows it becomes its owner
     std::vector<engine::NotificationCenter::Observation> observations_;

@@ -118,6 +118,8 @@ bool ItemListModel::isBefore(const Row& left, const Row& right) const {
         result = compare(left.item->ppbChecked(), right.item->ppbChecked());
     } else if (sortColumn_ == sizeColumn) {
         result = compare(left.item->ppnSize(), right.item->ppnSize());
+    } else if (sortColumn_ == countColumn) {
+        result = compare(texts_.count(*left.item), texts_.count(*right.item));
     } else {
         result = left.nameKey.compare(right.nameKey);
     }
@@ -166,6 +168,13 @@ void ItemListModel::permute(const std::vector<int>& order) {
     Q_EMIT rowsReordered();
 }
 
+void ItemListModel::valuesChanged() {
+    if (!rows_.empty()) {
+        sortRows(0);
+        Q_EMIT dataChanged(index(0, nameColumn), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});
+    }
+}
+
 void ItemListModel::checksChanged(int firstRow, int lastRow) {
     if (firstRow <= lastRow) {
         Q_EMIT dataChanged(index(firstRow, checkColumn), index(lastRow, checkColumn), {Qt::CheckStateRole});
@@ -183,7 +192,9 @@ int ItemListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }
 
-int ItemListModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : columns; }
+int ItemListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : texts_.count ? countColumn + 1 : sizeColumn + 1;
+}
 
 QVariant ItemListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) {
@@ -198,9 +209,11 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
         case checkColumn:
             return checkData(shown, role);
         case iconColumn:
-            return role == iconRole ? QVariant::fromValue(static_cast<int>(texts_.icon(shown).kind)) : QVariant();
+            return role == iconRole ? QByteArray(texts_.icon(shown).latin1()) : QVariant();
         case nameColumn:
             return role == Qt::DisplayRole ? texts_.name(shown) : QVariant();
+        case countColumn:
+            return role == Qt::DisplayRole ? QString::number(texts_.count(shown)) : QVariant();
         default:
             return role == Qt::DisplayRole ? engine::FileSize::formatMemoryStringDot1(shown.ppnSize()) : QVariant();
     }
@@ -232,6 +245,8 @@ QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int
             return role == Qt::AccessibleTextRole ? tr("Icon") : QString();
         case nameColumn:
             return tr("Name");
+        case countColumn:
+            return tr("Count");
         default:
             return tr("Size");
     }

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "engine/CleanableItem.h"
-#include "engine/FFItem.h"
 
 namespace brimvault::ui {
 
@@ -19,15 +18,18 @@ class ItemListModel final : public QAbstractTableModel {
 
 public:
     using Item = std::shared_ptr<engine::CleanableItem>;
-    enum Column { checkColumn, iconColumn, nameColumn, sizeColumn };
-    static constexpr int columns = 4;
+    /// The count stands before the size where a list has one.
+    enum Column { checkColumn, iconColumn, nameColumn, sizeColumn, countColumn };
+    /// The name of an item's picture, as bytes.
     enum Role { iconRole = Qt::UserRole };
+    [[nodiscard]] static bool isNumber(int column) { return column == sizeColumn || column == countColumn; }
 
     /// What a list says of its items beyond what every item answers. Main thread.
     struct Texts {
         std::function<QString(const engine::CleanableItem&)> name;
         std::function<QString(const engine::CleanableItem&)> tooltip;  ///< empty for none
-        std::function<engine::IconSource(const engine::CleanableItem&)> icon;
+        std::function<QLatin1String(const engine::CleanableItem&)> icon;
+        std::function<quint64(const engine::CleanableItem&)> count;  ///< of its fifth column; none for four columns
     };
 
     explicit ItemListModel(Texts texts, QObject* parent = nullptr);
@@ -42,6 +44,8 @@ public:
 
     /// Sorts by a column, the icon column excepted; the rows of later `setItems` too.
     void sort(int column, Qt::SortOrder order) override;
+    /// Takes in that sizes and counts are others than before: sorts anew and tells views.
+    void valuesChanged();
     /// Tells views that the check states of rows changed.
     void checksChanged(int firstRow, int lastRow);
     /// Whether check boxes may be changed.

@@ -1,27 +1,21 @@
 #pragma once
 
-#include <QStyledItemDelegate>
+#include "ui/ItemListModel.h"
+#include "ui/Look.h"
+#include "ui/RowDelegate.h"
 
 namespace brimvault::ui {
 
-class TTableView;
-
-/// Draws the cells of an item list: check box, icon, name, size. Main thread.
-class ItemRowDelegate final : public QStyledItemDelegate {
+/// Draws the cells of an item list: check box, icon, name, numbers. Main thread.
+class ItemRowDelegate final : public RowDelegate {
     Q_OBJECT
 
 public:
-    explicit ItemRowDelegate(TTableView* view);
+    explicit ItemRowDelegate(CheckTableView* view) : RowDelegate(view, {look::rowAlternate, look::row}) {}
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-
-private:
-    void drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
-    static void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index);
-    static void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index);
-    void drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
-
-    const TTableView* view_;
+protected:
+    void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }
 };
 
 }  // namespace brimvault::ui

@@ -1,5 +1,6 @@
 #include "ui/ListControllers.h"
 
+#include "ui/TAppsViewController.h"
 #include "ui/TChViewController.h"
 #include "ui/TDwnViewController.h"
 #include "ui/TLogsViewController.h"
@@ -21,7 +22,7 @@ std::unique_ptr<ItemListController> makeListController(Section section,
         case Section::trash:
             return std::make_unique<TTrViewController>(surroundings);
         case Section::languageResources:
-            break;
+            return std::make_unique<TAppsViewController>(surroundings);
     }
     return nullptr;
 }

@@ -57,8 +57,10 @@ ListPanel::ListPanel(QWidget* parent)
     : QWidget(parent),
       title_(makeLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
       count_(makeLabel(look::font(countSize), look::textSecondary)),
+      buttons_(new QHBoxLayout),
       pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
       pbtnFinder_(new IconButton(QLatin1String("btnFinder"), tr("Show in File Manager"))),
+      middle_(new QHBoxLayout),
       pDestView_(new QWidget),
       lists_(new QVBoxLayout(pDestView_)),
       note_(makeLabel(look::font(noteSize), look::textSecondary)),
@@ -78,7 +80,9 @@ ListPanel::ListPanel(QWidget* parent)
     panel->setContentsMargins({});
     panel->setSpacing(0);
     panel->addWidget(makeTitleBar());
-    panel->addWidget(pDestView_, 1);
+    middle_->setSpacing(0);
+    middle_->addWidget(pDestView_, 1);
+    panel->addLayout(middle_, 1);
     panel->addWidget(makeBottomBar());
 }
 
@@ -91,11 +95,10 @@ QWidget* ListPanel::makeTitleBar() {
     layout->addWidget(title_);
     layout->addWidget(count_);
     layout->addStretch(1);
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(buttonGap);
-    buttons->addWidget(pbtnInf_);
-    buttons->addWidget(pbtnFinder_);
-    layout->addLayout(buttons);
+    buttons_->setSpacing(buttonGap);
+    buttons_->addWidget(pbtnInf_);
+    buttons_->addWidget(pbtnFinder_);
+    layout->addLayout(buttons_);
     return bar;
 }
 
@@ -120,7 +123,16 @@ void ListPanel::addList(QWidget* list) {
     list->hide();
     lists_->insertWidget(0, list, 1);
     setTabOrder(pbtnFinder_, list);
-    setTabOrder(list, pbtnSelectAll_);
+}
+
+// The keyboard comes from the button to the others, through the lists, and then to the drawer.
+void ListPanel::adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
+    buttons_->insertWidget(0, pbtnLangs);
+    middle_->addWidget(drawer);
+    setTabOrder(pbtnLangs, pbtnInf_);
+    setTabOrder(pbtnInf_, pbtnFinder_);
+    setTabOrder(pbtnFinder_, drawer);
+    setTabOrder(drawer, pbtnSelectAll_);
 }
 
 void ListPanel::setTitle(const QString& title, const QString& count) {

@@ -8,6 +8,7 @@
 #include "ui/PlashkaView.h"
 #include "ui/SelectAllButton.h"
 
+class QHBoxLayout;
 class QVBoxLayout;
 
 namespace brimvault::ui {
@@ -21,6 +22,8 @@ public:
 
     /// Adds a list to the container that all lists share; it is hidden until it is shown by its owner.
     void addList(QWidget* list);
+    /// Takes the drawer of the languages, which shrinks the lists, and its button.
+    void adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
     void setTitle(const QString& title, const QString& count);
     /// What is said in the place of a list; empty to say nothing.
     void setNote(const QString& note);
@@ -38,8 +41,10 @@ private:
 
     QLabel* title_;
     QLabel* count_;
+    QHBoxLayout* buttons_;
     IconButton* pbtnInf_;
     IconButton* pbtnFinder_;
+    QHBoxLayout* middle_;  ///< the lists, and the drawer beside them
     QWidget* pDestView_;
     QVBoxLayout* lists_;
     QLabel* note_;

@@ -29,6 +29,8 @@ inline constexpr QRgb sortedHeaderTop = 0xffeaf1fd;
 inline constexpr QRgb sortedHeaderBottom = 0xffdde8fa;
 inline constexpr QRgb row = 0xffffffff;
 inline constexpr QRgb rowAlternate = 0xfff7f9fc;
+inline constexpr QRgb drawer = 0xfff7f9fc;
+inline constexpr QRgb drawerAlternate = 0xffedf1f6;
 
 inline constexpr int sidebarWidth = 296;
 inline constexpr int sectionRowHeight = 60;

@@ -21,7 +21,9 @@ MainWindow::MainWindow(QWidget* parent)
       sidebar_(new SidebarPanel),
       right_(new QStackedWidget),
       startPage_(new StartPage),
-      lists_(new ListPanel) {
+      lists_(new ListPanel),
+      pDrawer_(new LanguagesDrawer),
+      pbtnLangs_(new IconButton(QLatin1String("btnLangs"), tr("Languages"))) {
     setWindowTitle(QStringLiteral("Brimvault"));
     setAccessibleName(QStringLiteral("Brimvault"));
     QIcon icon(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), 1));
@@ -30,6 +32,8 @@ MainWindow::MainWindow(QWidget* parent)
     const QSize available = screen()->availableSize();
     setMinimumSize(leastSize.boundedTo(available));
     resize((usualSize * look::textScale()).boundedTo(available));
+    pbtnLangs_->setPictureOn(QLatin1String("btnLangsOn"));
+    startPage_->lodgeDrawer(pDrawer_, pbtnLangs_);
     right_->addWidget(startPage_);
     right_->addWidget(lists_);
     auto* content = new QWidget;
@@ -39,6 +43,13 @@ MainWindow::MainWindow(QWidget* parent)
     layout->addWidget(sidebar_);
     layout->addWidget(right_, 1);
     setCentralWidget(content);
+}
+
+void MainWindow::showLists() {
+    if (right_->currentWidget() != lists_) {
+        lists_->adoptDrawer(pDrawer_, pbtnLangs_);
+        right_->setCurrentWidget(lists_);
+    }
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) { event->setAccepted(!mayClose_ || mayClose_()); }

@@ -4,6 +4,8 @@
 #include <QStackedWidget>
 #include <functional>
 
+#include "ui/IconButton.h"
+#include "ui/LanguagesDrawer.h"
 #include "ui/ListPanel.h"
 #include "ui/SidebarPanel.h"
 #include "ui/StartPage.h"
@@ -21,9 +23,12 @@ public:
     [[nodiscard]] SidebarPanel* sidebar() const { return sidebar_; }
     [[nodiscard]] StartPage* startPage() const { return startPage_; }
     [[nodiscard]] ListPanel* lists() const { return lists_; }
+    /// The languages to keep, and what opens and closes them: on the start page until the lists are shown.
+    [[nodiscard]] LanguagesDrawer* pDrawer() const { return pDrawer_; }
+    [[nodiscard]] IconButton* pbtnLangs() const { return pbtnLangs_; }
 
     /// In the place of the start page, which does not come back.
-    void showLists() { right_->setCurrentWidget(lists_); }
+    void showLists();
 
     /// Asked when the user closes the window; it stays open while the answer is false.
     void setMayClose(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
@@ -36,6 +41,8 @@ private:
     QStackedWidget* right_;
     StartPage* startPage_;
     ListPanel* lists_;
+    LanguagesDrawer* pDrawer_;
+    IconButton* pbtnLangs_;
     std::function<bool()> mayClose_;
 };
 

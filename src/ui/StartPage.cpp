@@ -1,5 +1,6 @@
 #include "ui/StartPage.h"
 
+#include <QGridLayout>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -11,6 +12,8 @@ namespace brimvault::ui {
 
 namespace {
 
+constexpr int pageMargin = 9;
+constexpr QMargins cornerMargins(18, 16, 18, 16);
 constexpr int iconSide = 104;
 constexpr int buttonWidth = 194;
 constexpr qreal headlineSize = 24;
@@ -30,7 +33,14 @@ QLabel* centred(const QString& text, const QFont& font, QRgb color) {
 
 }  // namespace
 
-StartPage::StartPage(QWidget* parent) : QWidget(parent), btnStartScanButton2_(new ActionButton) {
+StartPage::StartPage(QWidget* parent)
+    : QWidget(parent), layout_(new QGridLayout(this)), btnStartScanButton2_(new ActionButton) {
+    layout_->setContentsMargins({});
+    layout_->setSpacing(0);
+    layout_->addLayout(makePage(), 0, 0);
+}
+
+QVBoxLayout* StartPage::makePage() {
     btnStartScanButton2_->setLook(ActionButton::Look::scan, tr("Start Scan"), tr("Start Scan"));
     btnStartScanButton2_->setMinimumWidth(look::scaled(buttonWidth));
     btnStartScanButton2_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
@@ -42,7 +52,8 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), btnStartScanButton2_(ne
     ptxtStartDescClean_ =
         centred(tr("Select sections and press Scan button"), look::font(hintSize), look::textSecondary);
 
-    auto* page = new QVBoxLayout(this);
+    auto* page = new QVBoxLayout;
+    page->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
     page->setSpacing(0);
     page->addStretch(10);
     page->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide), 0, Qt::AlignHCenter);
@@ -55,6 +66,15 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), btnStartScanButton2_(ne
     page->addSpacing(14);
     page->addWidget(ptxtStartDescClean_);
     page->addStretch(11);
+    return page;
+}
+
+void StartPage::lodgeDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
+    auto* corner = new QHBoxLayout;
+    corner->setContentsMargins(cornerMargins);
+    corner->addWidget(pbtnLangs);
+    layout_->addLayout(corner, 0, 0, Qt::AlignTop | Qt::AlignRight);
+    layout_->addWidget(drawer, 0, 1);
 }
 
 void StartPage::paintEvent(QPaintEvent* /*event*/) {

@@ -5,6 +5,9 @@
 
 #include "ui/ActionButton.h"
 
+class QGridLayout;
+class QVBoxLayout;
+
 namespace brimvault::ui {
 
 /// What stands on the right before the first scan. Main thread.
@@ -16,11 +19,16 @@ public:
 
     [[nodiscard]] ActionButton* btnStartScanButton2() const { return btnStartScanButton2_; }
     [[nodiscard]] QLabel* ptxtStartDescClean() const { return ptxtStartDescClean_; }
+    /// Shows the drawer of the languages at its side, and its button in the corner, until another page takes them.
+    void lodgeDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QVBoxLayout* makePage();
+
+    QGridLayout* layout_;
     ActionButton* btnStartScanButton2_;
     QLabel* ptxtStartDescClean_;
 };

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "ui/ItemListController.h"
+#include "ui/FileListController.h"
 
 namespace brimvault::ui {
 
 /// The list of the Caches section. Main thread.
-class TChViewController final : public ItemListController {
+class TChViewController final : public FileListController {
 public:
     explicit TChViewController(const Surroundings& surroundings)
-        : ItemListController(engine::Section::caches, surroundings) {
+        : FileListController(engine::Section::caches, surroundings) {
         awake(tr("Caches"));
     }
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "ui/ItemListController.h"
+#include "ui/FileListController.h"
 
 namespace brimvault::ui {
 
 /// The list of the Downloads section. Main thread.
-class TDwnViewController final : public ItemListController {
+class TDwnViewController final : public FileListController {
 public:
     explicit TDwnViewController(const Surroundings& surroundings)
-        : ItemListController(engine::Section::downloads, surroundings) {
+        : FileListController(engine::Section::downloads, surroundings) {
         awake(tr("Downloads"));
     }
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "ui/ItemListController.h"
+#include "ui/FileListController.h"
 
 namespace brimvault::ui {
 
 /// The list of the Logs section. Main thread.
-class TLogsViewController final : public ItemListController {
+class TLogsViewController final : public FileListController {
 public:
     explicit TLogsViewController(const Surroundings& surroundings)
-        : ItemListController(engine::Section::logs, surroundings) {
+        : FileListController(engine::Section::logs, surroundings) {
         awake(tr("Logs"));
     }
 

@@ -68,7 +68,11 @@ void TSectionViewController::mainThreadUpdateData() {
 
 QString TSectionViewController::subtitle(int row) const { return (performer_.getAppResDS().*rowAt(row).subtitle)(); }
 
+// Until the first scan the rows say what they said at the start.
 void TSectionViewController::updateSubTitlesTexts() {
+    if (!pAppDelegate_.bScanStarted()) {
+        return;
+    }
     for (int row = 0; row < sectionRowCount; ++row) {
         model_.setSubtitle(row, subtitle(row));
     }

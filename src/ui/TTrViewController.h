@@ -1,14 +1,14 @@
 #pragma once
 
-#include "ui/ItemListController.h"
+#include "ui/FileListController.h"
 
 namespace brimvault::ui {
 
 /// The list of the Trash section. Main thread.
-class TTrViewController final : public ItemListController {
+class TTrViewController final : public FileListController {
 public:
     explicit TTrViewController(const Surroundings& surroundings)
-        : ItemListController(engine::Section::trash, surroundings) {
+        : FileListController(engine::Section::trash, surroundings) {
         awake(tr("Trash"));
     }
 

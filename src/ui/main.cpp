@@ -5,7 +5,7 @@
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
 #include "ui/MessageBoxAlerts.h"
-#include "ui/ScanOperations.h"
+#include "ui/SectionOperations.h"
 
 int main(int argc, char* argv[]) {
     using namespace brimvault;
@@ -16,11 +16,12 @@ int main(int argc, char* argv[]) {
     ui::look::apply();                  // light, in the window's own type
     ui::AccessibleItemView::install();  // the lists, as assistive clients see them
 
-    platform::UserDefaults defaults(platform::UserDefaults::standardFile());   // settings and statistics
-    ui::MessageBoxAlerts alerts;                                               // questions to the user
-    ui::FAppDelegate delegate(ui::scanOperations(),                            // what scans each section
-                              engine::CleanTable::fileSections(),              // what cleans each section
-                              {defaults, alerts, ui::UtilMod::sharedUtil()});  // and the window over them
+    platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
+    ui::MessageBoxAlerts alerts;                                              // questions to the user
+    ui::FAppDelegate delegate(ui::scanOperations(),                           // what scans each section
+                              ui::cleanOperations(),                          // what cleans each section
+                              {defaults, alerts, ui::UtilMod::sharedUtil(),   // the file browser
+                               langres::LanguagesManager::sharedManager()});  // the user's languages; and the window
     delegate.applicationDidFinishLaunching();
     return QApplication::exec();
 }

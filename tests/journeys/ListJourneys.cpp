@@ -26,7 +26,6 @@ class ListJourney : public tests::WindowFixture {
 protected:
     void SetUp() override {
         start(allScans());
-        clickSectionCheck(languagesRow);  // no scan of its own
         clickSectionCheck(downloadsRow);
         scan();
     }

@@ -18,7 +18,7 @@
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
 #include "ui/MessageBoxAlerts.h"
-#include "ui/ScanOperations.h"
+#include "ui/SectionOperations.h"
 
 namespace {
 
@@ -26,16 +26,18 @@ using namespace brimvault;
 namespace fs = std::filesystem;
 
 constexpr int cachesRow = 0;
+constexpr int languagesRow = 1;
 constexpr int logsRow = 2;
 constexpr int downloadsRow = 3;
 constexpr int trashRow = 4;
 constexpr int settling = 100;  // milliseconds; what was handed over to the main thread is on show by then
+constexpr int sliding = 400;   // milliseconds; a drawer is out by then
 constexpr const char* spared = "com.vendor.photos";
 
 // Where items lie, and what the program itself writes.
 const std::vector<fs::path> cleanedFolders = {
     "Library/Caches", "Library/Containers", "Library/Logs", "Library/Application Support/CrashReporter",
-    ".Trash",         ".local/share/Trash", ".config"};
+    ".Trash",         ".local/share/Trash", "Applications", ".config"};
 
 int failures = 0;
 
@@ -122,8 +124,20 @@ void menuScene(tests::Guide& guide, const Camera& camera) {
     }
 }
 
+// The languages of someone who reads German, and what applications hold beside them.
+void languagesScene(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
+    guide.clickSection(languagesRow);
+    guide.clickHeader(ui::ItemListModel::sizeColumn);
+    tests::Guide::click(application.window()->pbtnLangs());
+    guide.clickCell(1, ui::ItemListModel::nameColumn);
+    QTest::mouseMove(application.window());
+    QTest::qWait(sliding);
+    camera.take(application.window(), QStringLiteral("languages"));
+}
+
 void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
     guide.clickSectionCheck(downloadsRow);
+    languagesScene(application, guide, camera);
     for (const auto& [section, scene] : {std::pair(logsRow, "logs"), std::pair(downloadsRow, "downloads"),
                                          std::pair(trashRow, "trash"), std::pair(cachesRow, "")}) {
         guide.clickSection(section);
@@ -169,8 +183,12 @@ int main(int argc, char* argv[]) {
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::MessageBoxAlerts alerts;
-    ui::FAppDelegate application(ui::scanOperations(), engine::CleanTable::fileSections(),
-                                 {defaults, alerts, ui::UtilMod::sharedUtil()});
+    const langres::LanguagesManager languages({[] {
+                                                   return QStringList{QStringLiteral("de"), QStringLiteral("en")};
+                                               },
+                                               [] { return QStringList(); }});
+    ui::FAppDelegate application(ui::scanOperations(), ui::cleanOperations(),
+                                 {defaults, alerts, ui::UtilMod::sharedUtil(), languages});
     application.applicationDidFinishLaunching();
     application.window()->resize(1000, 660);  // as drawn, whatever the size of the screen
     tests::Guide guide(application);
@@ -185,6 +203,11 @@ int main(int argc, char* argv[]) {
     expect(names(home / ".Trash").empty() && names(home / ".local/share/Trash/files").empty() &&
                names(home / ".local/share/Trash/info").empty(),
            "the trash is empty, its records included");
+    for (const auto& bundle : fs::directory_iterator(home / "Applications")) {
+        expect(names(bundle.path() / "Contents/Resources") ==
+                   std::set<std::string>{"Assets.car", "Base.lproj", "German.lproj", "en.lproj"},
+               "of the languages of " + bundle.path().native() + " those to keep are left");
+    }
     expect(tests::fingerprint(home, cleanedFolders) == before, "nothing outside was touched");
     std::cout << (failures == 0 ? "The folders are as they should be.\n" : "The tour failed.\n");
     return failures == 0 ? 0 : 1;

@@ -1,6 +1,7 @@
 #include "support/SampleHome.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -33,6 +34,35 @@ const std::vector<SampleHome::Entry>& namedCaches() {
         {SampleHome::plainFileName, 1'200'000},
     };
     return entries;
+}
+
+// What applications are translated into, by how common it is; some by names of older days.
+constexpr std::array languages = {"en",    "German", "French", "zh_CN", "zh_TW", "ja", "es", "it", "nl", "ko", "pt_BR",
+                                  "pt_PT", "da",     "fi",     "nb",    "sv",    "ru", "pl", "tr", "ar", "th", "cs",
+                                  "hu",    "ca",     "hr",     "el",    "he",    "ro", "sk", "uk", "id", "ms", "vi"};
+constexpr std::size_t keptLanguages = 2;  // by someone who reads English and German
+
+struct Application {
+    std::string name;
+    std::size_t localizations;
+    std::uint64_t size;  ///< bytes in languages that are not kept
+};
+
+const std::vector<Application>& sampleApplications() {
+    static const std::vector<Application> applications = {
+        {"Office Writer", 33, 486'000'000}, {"Photo Studio", 24, 391'700'000}, {"Mail Reader", 16, 212'400'000},
+        {"Music", 30, 120'600'000},         {"Video Player", 33, 88'100'000},  {"Map Viewer", 19, 64'300'000},
+        {"Notes", 27, 22'900'000},          {"Chess", 14, 9'400'000},
+    };
+    return applications;
+}
+
+std::string informationOf(const std::string& application) {
+    std::string identifier = "com.vendor." + application;
+    std::replace(identifier.begin(), identifier.end(), ' ', '-');
+    return R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict><key>CFBundleIdentifier</key><string>)" +
+           identifier + "</string></dict></plist>\n";
 }
 
 // The size in a few files at several depths.
@@ -104,6 +134,7 @@ SampleHome::SampleHome(const fs::path& folder) {
     makeCaches();
     makeContainers();
     makeOtherSections();
+    makeApplications();
     makeUntouchables();
 }
 
@@ -161,11 +192,21 @@ void SampleHome::makeOtherSections() const {
         writeFile(desktopTrash() / "info" / (std::string(name) + ".trashinfo"),
                   std::string("[Trash Info]\nPath=") + name + "\nDeletionDate=2024-05-01T12:00:00\n");
     }
-    const auto resources = path_ / "Applications/Sketchpad.app/Contents/Resources";
-    for (const char* language : {"en", "de", "fr", "ja"}) {
-        writeSparseFile(resources / (std::string(language) + ".lproj") / "Localizable.strings", 350'000);
+}
+
+void SampleHome::makeApplications() const {
+    for (const auto& application : sampleApplications()) {
+        const auto contents = applications() / (application.name + ".app") / "Contents";
+        writeFile(contents / "Info.plist", informationOf(application.name));
+        writeSparseFile(contents / "Resources/Assets.car", 3'000'000);
+        writeSparseFile(contents / "Resources/Base.lproj/Main.nib", 90'000);
+        const std::uint64_t each = application.size / (application.localizations - keptLanguages);
+        for (std::size_t index = 0; index < application.localizations; ++index) {
+            const auto localization = contents / "Resources" / (std::string(languages[index]) + ".lproj");
+            writeSparseFile(localization / "Localizable.strings", each - each / 4);
+            writeSparseFile(localization / "Help/index.html", each / 4);
+        }
     }
-    writeFile(resources / "../Info.plist", "<plist/>\n");
 }
 
 void SampleHome::makeUntouchables() const {

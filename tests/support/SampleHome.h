@@ -32,6 +32,7 @@ public:
     [[nodiscard]] std::filesystem::path trash() const { return path_ / ".Trash"; }
     /// The desktop's own trash folder, with "files" and "info".
     [[nodiscard]] std::filesystem::path desktopTrash() const { return path_ / ".local" / "share" / "Trash"; }
+    [[nodiscard]] std::filesystem::path applications() const { return path_ / "Applications"; }
     [[nodiscard]] std::filesystem::path documents() const { return path_ / "Documents"; }
     /// What links in the caches folder and in a container point at.
     [[nodiscard]] std::filesystem::path precious() const { return path_ / "Precious"; }
@@ -59,6 +60,7 @@ private:
     void makeCaches() const;
     void makeContainers() const;
     void makeOtherSections() const;
+    void makeApplications() const;
     void makeUntouchables() const;
 
     std::filesystem::path path_;

@@ -6,6 +6,8 @@
 #include <QItemSelectionModel>
 #include <random>
 
+#include "engine/FFItem.h"
+
 using namespace brimvault;
 using testing::ElementsAre;
 using ui::ItemListModel;
@@ -30,7 +32,8 @@ protected:
 
     ItemListModel model_{{[](const engine::CleanableItem& item) { return item.ppdisplayName(); },
                           [](const engine::CleanableItem&) { return QString(); },
-                          [](const engine::CleanableItem&) { return engine::IconSource(); }}};
+                          [](const engine::CleanableItem&) { return QLatin1String("icFile"); },
+                          {}}};
     QAbstractItemModelTester tester_{&model_, QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 

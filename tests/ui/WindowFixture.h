@@ -12,6 +12,8 @@
 #include "engine/FFItem.h"
 #include "engine/SBaseOperation.h"
 #include "journeys/Guide.h"
+#include "langres/LanguagesManager.h"
+#include "langres/SAOperation.h"
 #include "platform/SubstituteSystem.h"
 #include "platform/UserDefaults.h"
 #include "scanners/ContainersFolderScannerManager.h"
@@ -23,6 +25,7 @@
 #include "support/TemporaryFolder.h"
 #include "ui/AlertPresenter.h"
 #include "ui/FAppDelegate.h"
+#include "ui/SectionOperations.h"
 
 namespace brimvault::tests {
 
@@ -84,8 +87,9 @@ protected:
 
     void start(engine::ScanTable table) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
-        application_ = std::make_unique<ui::FAppDelegate>(std::move(table), engine::CleanTable::fileSections(),
-                                                          ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_});
+        application_ =
+            std::make_unique<ui::FAppDelegate>(std::move(table), ui::cleanOperations(),
+                                               ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_, languages_});
         application_->applicationDidFinishLaunching();
         window()->resize(1000, 660);
         guide_ = std::make_unique<Guide>(*application_);
@@ -107,9 +111,12 @@ protected:
         return table;
     }
 
-    /// The scans of all sections of files.
+    /// The scans of all sections.
     engine::ScanTable allScans() {
         auto table = scans();
+        table.operations[engine::Section::languageResources] = [this] {
+            return std::make_shared<langres::SAOperation>(folder_ / "root/Applications", home_.path() / "Applications");
+        };
         table.operations[engine::Section::logs] = [this] {
             return std::make_shared<scanners::SLogsOperation>(containers_, paths_);
         };
@@ -169,6 +176,10 @@ protected:
     platform::FinderPreferences finder_;
     ToldAlerts alerts_;
     ToldFileBrowser fileBrowser_;
+    /// What the user reads and types; a test may say something else before it starts.
+    QStringList preferredLanguages_ = {QStringLiteral("de"), QStringLiteral("en")};
+    QStringList inputSources_;
+    langres::LanguagesManager languages_{{[this] { return preferredLanguages_; }, [this] { return inputSources_; }}};
     ui::UtilMod util_{alerts_, fileBrowser_, finder_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "engine/FCutter.h"
 #include "engine/FScaner.h"
 
 namespace brimvault::ui {
 
-/// The scan of each section, as the program offers them; a section without one is not scanned.
+/// What scans each section of the program, and what cleans it.
 [[nodiscard]] engine::ScanTable scanOperations();
+[[nodiscard]] engine::CleanTable cleanOperations();
 
 }  // namespace brimvault::ui

@@ -1,0 +1,123 @@
+#include "ui/CheckTableView.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <utility>
+
+#include "ui/AccessibleItemView.h"
+#include "ui/CheckToggle.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int checkColumnWidth = 38;
+constexpr int iconColumnWidth = 38;
+
+// A quiet handle on the ground of the list, without arrow buttons.
+const QString scrollBarLook = QStringLiteral(
+    "QScrollBar:vertical { background: transparent; width: 12px; border: none; margin: 0; }"
+    "QScrollBar::handle:vertical { background: #aebbcb; border-radius: 4px; min-height: 32px; margin: 2px; }"
+    "QScrollBar::handle:vertical:hover { background: #7a8798; }"
+    "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+    "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }");
+
+}  // namespace
+
+CheckTableView::CheckTableView(QWidget* parent) : QTableView(parent) {
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(0);
+    verticalHeader()->setDefaultSectionSize(look::scaled(look::itemRowHeight));
+    setFrameShape(QFrame::NoFrame);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setCornerButtonEnabled(false);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    verticalScrollBar()->setStyleSheet(scrollBarLook);
+    verticalScrollBar()->setSingleStep(look::scaled(look::itemRowHeight));
+}
+
+void CheckTableView::setModel(QAbstractItemModel* model) {
+    QTableView::setModel(model);
+    horizontalHeader()->setSectionResizeMode(textColumn, QHeaderView::Stretch);
+    fixWidth(checkColumn, checkColumnWidth);
+    fixWidth(iconColumn, iconColumnWidth);
+    connect(model, &QAbstractItemModel::rowsInserted, this, &CheckTableView::keepCurrentRow);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &CheckTableView::keepCurrentRow);
+    keepCurrentRow();
+    announceCheckChanges(this, checkColumn);
+}
+
+void CheckTableView::fixWidth(int column, int width) {
+    horizontalHeader()->setSectionResizeMode(column, QHeaderView::Fixed);
+    setColumnWidth(column, width);
+}
+
+void CheckTableView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const bool check = event->button() == Qt::LeftButton && index.isValid() && index.column() == checkColumn;
+    if (!check || checkSelects_) {
+        QTableView::mousePressEvent(event);
+    }
+    if (check) {
+        pressedCheck_ = index;
+        viewport()->update();
+    }
+}
+
+void CheckTableView::mouseMoveEvent(QMouseEvent* event) {
+    if (!pressedCheck_.isValid() || checkSelects_) {
+        QTableView::mouseMoveEvent(event);
+    }
+}
+
+void CheckTableView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const QModelIndex pressed = std::exchange(pressedCheck_, QPersistentModelIndex());
+    if (pressed.isValid()) {
+        viewport()->update();
+        if (indexAt(event->position().toPoint()) == pressed) {
+            toggleCheck(this, pressed);
+        }
+    }
+}
+
+void CheckTableView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
+        toggleCheck(this, currentIndex().siblingAtColumn(checkColumn));
+    } else {
+        QTableView::keyPressEvent(event);
+    }
+}
+
+QModelIndex CheckTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    if (action == MoveHome || action == MoveEnd) {
+        return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, currentIndex().column());
+    }
+    return QTableView::moveCursor(action, modifiers);
+}
+
+// Until the user has chosen a row, the keyboard begins at the first, whatever came before it since.
+void CheckTableView::focusInEvent(QFocusEvent* event) {
+    if (selectionModel()->selectedRows().isEmpty() && event->reason() != Qt::MouseFocusReason) {
+        selectionModel()->setCurrentIndex(model()->index(0, textColumn), QItemSelectionModel::NoUpdate);
+    }
+    QTableView::focusInEvent(event);
+}
+
+void CheckTableView::keepCurrentRow() {
+    if (!currentIndex().isValid() && model()->rowCount() > 0) {
+        selectionModel()->setCurrentIndex(model()->index(0, textColumn), QItemSelectionModel::NoUpdate);
+    }
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,97 @@
+#include "ui/LanguagesDrawer.h"
+
+#include <QLabel>
+#include <QPainter>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int drawerWidth = 252;
+constexpr int slideTime = 200;  // milliseconds; quick enough not to be waited for
+constexpr qreal titleSize = 14;
+constexpr qreal noteSize = 11.5;
+constexpr QMargins textMargins(15, 0, 6, 0);
+
+QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
+    auto* label = new QLabel(text);
+    label->setFont(font);
+    label->setWordWrap(true);
+    label->setContentsMargins(textMargins);
+    QPalette colors = label->palette();
+    colors.setColor(QPalette::WindowText, QColor(color));
+    label->setPalette(colors);
+    return label;
+}
+
+}  // namespace
+
+LanguagesDrawer::LanguagesDrawer(QWidget* parent)
+    : QWidget(parent), content_(new QWidget(this)), ptableView_(new LanguagesTableView) {
+    auto* layout = new QVBoxLayout(content_);
+    layout->setContentsMargins(1, 16, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(makeLabel(tr("Languages to keep"), look::font(titleSize, QFont::DemiBold), look::textPrimary));
+    layout->addSpacing(3);
+    layout->addWidget(makeLabel(tr("Localizations in unchecked languages can be removed. English always stays."),
+                                look::font(noteSize), look::textSecondary));
+    layout->addSpacing(10);
+    layout->addWidget(ptableView_, 1);
+    connect(&slide_, &QVariantAnimation::valueChanged, this, [this](const QVariant& width) { slideTo(width.toInt()); });
+    connect(&slide_, &QVariantAnimation::finished, this, &LanguagesDrawer::arrived);
+    slide_.setEasingCurve(QEasingCurve::OutCubic);
+    setFixedWidth(0);
+    hide();
+}
+
+int LanguagesDrawer::fullWidth() const { return look::scaled(drawerWidth); }
+
+// From where it is, so that one that is called back on its way turns around there.
+void LanguagesDrawer::setOpen(bool open) {
+    if (open == open_) {
+        return;
+    }
+    open_ = open;
+    slide_.stop();
+    const int goal = open ? fullWidth() : 0;
+    const bool seen = parentWidget() != nullptr && parentWidget()->isVisible();
+    const bool animated = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
+    if (!seen || !animated) {
+        slideTo(goal);
+        arrived();
+        return;
+    }
+    slide_.setDuration(slideTime);
+    slide_.setStartValue(width());
+    slide_.setEndValue(goal);
+    setVisible(true);
+    slide_.start();
+}
+
+void LanguagesDrawer::slideTo(int width) {
+    setFixedWidth(width);
+    setVisible(width > 0);
+}
+
+void LanguagesDrawer::arrived() {
+    if (!open_) {
+        Q_EMIT drawerDidClose();
+    }
+}
+
+void LanguagesDrawer::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    content_->setGeometry(isRightToLeft() ? width() - fullWidth() : 0, 0, fullWidth(), height());
+}
+
+void LanguagesDrawer::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(look::drawer));
+    painter.fillRect(QRect(isRightToLeft() ? width() - 1 : 0, 0, 1, height()), QColor(look::separator));
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,26 @@
+#include "ui/LanguagesTableView.h"
+
+#include <QHeaderView>
+
+#include "ui/LanguageRowDelegate.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+LanguagesTableView::LanguagesTableView(QWidget* parent) : CheckTableView(parent) {
+    setItemDelegate(new LanguageRowDelegate(this));
+    setAccessibleName(tr("Languages"));
+    horizontalHeader()->hide();
+    horizontalHeader()->setMinimumSectionSize(0);
+    QPalette ground = palette();
+    ground.setColor(QPalette::Base, QColor(look::drawer));
+    setPalette(ground);
+}
+
+void LanguagesTableView::setModel(QAbstractItemModel* model) {
+    CheckTableView::setModel(model);
+    fixWidth(checkColumn, LanguageRowDelegate::checkColumnWidth);
+    fixWidth(iconColumn, LanguageRowDelegate::iconColumnWidth);
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,85 @@
+#include "ui/RowDelegate.h"
+
+#include <QHeaderView>
+#include <QPainter>
+
+#include "ui/CheckPicture.h"
+#include "ui/FocusRing.h"
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+#include "ui/TextLine.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr qreal textSize = 13;
+
+}  // namespace
+
+void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    painter->save();
+    const QRgb striped = index.row() % 2 == 0 ? stripes_.first : stripes_.second;
+    painter->fillRect(option.rect, QColor(isSelected(option) ? look::selection : striped));
+    switch (index.column()) {
+        case CheckTableView::checkColumn:
+            drawCheck(*painter, option, index);
+            break;
+        case CheckTableView::iconColumn:
+            drawIcon(*painter, option, index);
+            break;
+        default:
+            drawText(*painter, option, index);
+    }
+    drawFocus(*painter, option, index);
+    painter->restore();
+}
+
+QRect RowDelegate::placed(const QStyleOptionViewItem& option, const QModelIndex& index, const QSize& size) const {
+    const QRect place(option.rect.left() + margin(index.column()),
+                      option.rect.top() + (option.rect.height() - size.height()) / 2, size.width(), size.height());
+    return QStyle::visualRect(option.direction, option.rect, place);
+}
+
+void RowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    painter.setOpacity(index.flags().testFlag(Qt::ItemIsUserCheckable) ? 1.0 : disabledCheckOpacity);
+    const auto state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
+    const auto ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
+    ImageLoad::draw(painter, placed(option, index, {checkSize, checkSize}).topLeft(),
+                    checkPicture(state, view_->pressedCheck() == index, ground));
+    painter.setOpacity(1.0);
+}
+
+void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    const QFont font = look::font(textSize);
+    const int space = margin(index.column());
+    const QRect place = option.rect.adjusted(space, 0, -space, 0);
+    painter.setPen(QColor(isSelected(option) ? look::textOnAccent : look::textPrimary));
+    drawTextLine(painter, place,
+                 isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction), font,
+                 index.data().toString(), Qt::ElideMiddle);
+}
+
+// The focus of the keyboard is on a row: a line above and below it, closed at both ends.
+void RowDelegate::drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    if (!isFocusShown(view_) || view_->currentIndex().row() != index.row()) {
+        return;
+    }
+    painter.setPen(QPen(QColor(isSelected(option) ? look::textOnAccent : look::accentDark), 1));
+    const QRect frame = option.rect.adjusted(0, 1, 0, -2);
+    painter.drawLine(frame.topLeft(), frame.topRight());
+    painter.drawLine(frame.bottomLeft(), frame.bottomRight());
+    const int place = view_->horizontalHeader()->visualIndex(index.column());
+    const bool first = place == 0;
+    const bool last = place == view_->model()->columnCount() - 1;
+    const bool leftEnd = option.direction == Qt::RightToLeft ? last : first;
+    const bool rightEnd = option.direction == Qt::RightToLeft ? first : last;
+    if (leftEnd) {
+        painter.drawLine(frame.left() + 1, frame.top(), frame.left() + 1, frame.bottom());
+    }
+    if (rightEnd) {
+        painter.drawLine(frame.right() - 1, frame.top(), frame.right() - 1, frame.bottom());
+    }
+}
+
+}  // namespace brimvault::ui

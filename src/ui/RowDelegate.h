@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+#include "ui/CheckTableView.h"
+
+namespace brimvault::ui {
+
+/// Draws the cells of a table of rows that can be ticked: the check box, the text, and the mark of the keyboard's focus
+/// around the current row. Each kind of table draws its own pictures. Main thread.
+class RowDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    /// The grounds of the first row and of the second, and so on in turn.
+    struct Stripes {
+        QRgb first;
+        QRgb second;
+    };
+
+    RowDelegate(CheckTableView* view, const Stripes& stripes)
+        : QStyledItemDelegate(view), view_(view), stripes_(stripes) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+protected:
+    virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
+    /// Between the edge of a column and what stands in it.
+    [[nodiscard]] virtual int margin(int /*column*/) const { return usualMargin; }
+    /// Numbers stand at the end of their column.
+    [[nodiscard]] virtual bool isNumber(int /*column*/) const { return false; }
+
+    [[nodiscard]] static bool isSelected(const QStyleOptionViewItem& option) {
+        return (option.state & QStyle::State_Selected) != 0;
+    }
+    /// Where a picture of that size stands in its cell.
+    [[nodiscard]] QRect placed(const QStyleOptionViewItem& option, const QModelIndex& index, const QSize& size) const;
+
+private:
+    void drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+    void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+    void drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+
+    static constexpr int usualMargin = 10;
+
+    const CheckTableView* view_;
+    const Stripes stripes_;
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,116 @@
+#include "ui/SectionPanels.h"
+
+#include <QLocale>
+
+#include "ui/ListControllers.h"
+
+namespace brimvault::ui {
+
+using engine::Section;
+
+namespace {
+
+QString countText(Section section, qsizetype items, bool more) {
+    const QString number = QLocale().toString(items);
+    if (section == Section::languageResources) {
+        if (items == 1) {
+            return more ? SectionPanels::tr("1 application so far") : SectionPanels::tr("1 application");
+        }
+        return (more ? SectionPanels::tr("%1 applications so far") : SectionPanels::tr("%1 applications")).arg(number);
+    }
+    if (items == 1) {
+        return more ? SectionPanels::tr("1 item so far") : SectionPanels::tr("1 item");
+    }
+    return (more ? SectionPanels::tr("%1 items so far") : SectionPanels::tr("%1 items")).arg(number);
+}
+
+}  // namespace
+
+SectionPanels::SectionPanels(ListPanel& panel, TSectionViewController& sections, ApplicationController& application,
+                             UtilMod& util)
+    : panel_(panel), sections_(sections), application_(application), util_(util) {}
+
+void SectionPanels::show(int row) {
+    activeRow_ = row;
+    if (!pDynControllers_[static_cast<std::size_t>(row)]) {
+        createController(row);
+    }
+    showPanel(row);
+}
+
+void SectionPanels::createController(int row) {
+    auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
+    slot = makeListController(sectionRows()[static_cast<std::size_t>(row)].section,
+                              {sections_.getAppResDS(), sections_, application_, util_});
+    panel_.addList(slot->view());
+    connect(slot.get(), &ItemListController::tableUpdated, this, [this] {
+        updateTitle();
+        updateSelectAllButton();
+    });
+    slot->updateCleaningState(cleaning_);
+}
+
+void SectionPanels::showPanel(int row) {
+    for (std::size_t slot = 0; slot < pDynControllers_.size(); ++slot) {
+        if (pDynControllers_[slot]) {
+            pDynControllers_[slot]->view()->setVisible(static_cast<int>(slot) == row);
+        }
+    }
+    updateTitle();
+    updateSelectAllButton();
+}
+
+ItemListController* SectionPanels::getCurrentSectionController() const {
+    return activeRow_ < 0 ? nullptr : pDynControllers_[static_cast<std::size_t>(activeRow_)].get();
+}
+
+void SectionPanels::refreshLists() {
+    for (const auto& controller : pDynControllers_) {
+        if (controller) {
+            controller->updateTableKeepSelection();
+        }
+    }
+}
+
+void SectionPanels::updateCleaningState(bool cleaning) {
+    cleaning_ = cleaning;
+    for (const auto& controller : pDynControllers_) {
+        if (controller) {
+            controller->updateCleaningState(cleaning);
+        }
+    }
+}
+
+// Where there is nothing to list, what stands in the place of the list says so.
+void SectionPanels::updateTitle() {
+    const auto* current = getCurrentSectionController();
+    if (current == nullptr) {
+        return;
+    }
+    const bool scanning = application_.pbScanning();
+    const bool listed = current->hasItems();
+    panel_.setTitle(sectionTitle(sectionRows()[static_cast<std::size_t>(activeRow_)]),
+                    listed ? countText(current->section(), current->itemCount(), scanning) : QString());
+    panel_.setNote(listed ? QString() : scanning ? tr("Scanning...") : sections_.subtitle(activeRow_));
+    current->view()->setVisible(listed);
+}
+
+void SectionPanels::updateSelectAllButton() {
+    const auto* current = getCurrentSectionController();
+    auto* selectAll = panel_.pbtnSelectAll();
+    selectAll->setSelAllChecked(current == nullptr ? 0 : current->getcheckstate());
+    selectAll->setEnabled(!application_.sectionControllerIsScanOrRemoveProcessPerforming() && current != nullptr &&
+                          current->hasItems());
+}
+
+void SectionPanels::toggleSelectAll() {
+    auto* current = getCurrentSectionController();
+    if (current == nullptr) {
+        return;
+    }
+    const bool checked = panel_.pbtnSelectAll()->checkState() == Qt::Checked;
+    current->selectAllItems(checked ? 1 : 0);
+    sections_.setSectionChecked(current->section(), checked);
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QObject>
+#include <array>
+#include <memory>
+
+#include "ui/ApplicationController.h"
+#include "ui/ItemListController.h"
+#include "ui/ListPanel.h"
+#include "ui/SectionRows.h"
+#include "ui/TSectionViewController.h"
+
+namespace brimvault::ui {
+
+/// The lists of the sections, of which one is shown at a time, each made when it is shown first; with the title above
+/// them and the check box that ticks all of one. Main thread.
+class SectionPanels final : public QObject {
+    Q_OBJECT
+
+public:
+    /// All of them outlive it.
+    SectionPanels(ListPanel& panel, TSectionViewController& sections, ApplicationController& application,
+                  UtilMod& util);
+
+    /// Shows the list of the section in a row of the section list.
+    void show(int row);
+    /// The list on show; null before the first.
+    [[nodiscard]] ItemListController* getCurrentSectionController() const;
+
+    /// Takes in everything that the model holds.
+    void refreshLists();
+    void updateCleaningState(bool cleaning);
+    void updateTitle();
+    void updateSelectAllButton();
+    /// What the check box was clicked for.
+    void toggleSelectAll();
+
+private:
+    void createController(int row);
+    void showPanel(int row);
+
+    ListPanel& panel_;
+    TSectionViewController& sections_;
+    ApplicationController& application_;
+    UtilMod& util_;
+    std::array<std::unique_ptr<ItemListController>, sectionRowCount> pDynControllers_;
+    int activeRow_ = -1;
+    bool cleaning_ = false;
+};
+
+}  // namespace brimvault::ui

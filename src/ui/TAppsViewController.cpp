@@ -1,0 +1,39 @@
+#include "ui/TAppsViewController.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+const engine::AppItemData& application(const engine::CleanableItem& item) {
+    return static_cast<const engine::AppItemData&>(item);
+}
+
+}  // namespace
+
+TAppsViewController::TAppsViewController(const Surroundings& surroundings)
+    : ItemListController(engine::Section::languageResources, surroundings) {
+    awake(tr("Language Resources"));
+    view()->setCheckSelects(false);
+}
+
+QList<ItemListController::Item> TAppsViewController::items() const {
+    const auto& found = surroundings().pDS.getAppsArray();
+    return {found.begin(), found.end()};
+}
+
+ItemListModel::Texts TAppsViewController::texts() const {
+    return {[](const engine::CleanableItem& item) { return application(item).displayName(); },
+            [](const engine::CleanableItem& /*item*/) { return QString(); },
+            [](const engine::CleanableItem& /*item*/) { return QLatin1String("icApp"); },
+            [](const engine::CleanableItem& item) { return application(item).cleanableLocsCount(); }};
+}
+
+std::filesystem::path TAppsViewController::pathOf(const engine::CleanableItem& item) const {
+    return application(item).pAppName();
+}
+
+std::shared_ptr<engine::AppItemData> TAppsViewController::getSelectedApp() const {
+    return std::static_pointer_cast<engine::AppItemData>(selectedItem());
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+
+#include "engine/AppItemData.h"
+#include "ui/ItemListController.h"
+
+namespace brimvault::ui {
+
+/// The list of the Language Resources section: the applications, with what their unneeded languages hold and how many
+/// these are. Nothing of it is removed singly. Main thread.
+class TAppsViewController final : public ItemListController {
+    Q_OBJECT
+
+public:
+    explicit TAppsViewController(const Surroundings& surroundings);
+
+    /// Null when no row is selected.
+    [[nodiscard]] std::shared_ptr<engine::AppItemData> getSelectedApp() const;
+    [[nodiscard]] quint64 getSize2CleanMyItems() const override { return surroundings().pDS.getSize2CleanApps(); }
+
+private:
+    [[nodiscard]] QList<Item> items() const override;
+    [[nodiscard]] ItemListModel::Texts texts() const override;
+    [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
+    /// They follow the languages to keep.
+    [[nodiscard]] bool haveSizesChanged() const override { return true; }
+};
+
+}  // namespace brimvault::ui
