@@ -9,15 +9,15 @@ namespace {
 class FolderVisitor final : public TreeVisitor {
 public:
     FolderVisitor(std::filesystem::path folder, HiddenEntries hidden,
-                  const std::function<Descend(const std::filesystem::path&)>& call)
+                  const std::function<Descend(const FoundFolder&)>& call)
         : current_(std::move(folder)), hidden_(hidden), call_(call) {}
 
-    bool wantsFolder(const char* name) override {
+    bool wantsFolder(const DirectoryHandle& parent, const char* name) override {
         if (hidden_ == HiddenEntries::skip && *name == '.') {
             return false;
         }
         entering_ = current_ / name;
-        return call_(entering_) == Descend::yes;
+        return call_({entering_, parent, name}) == Descend::yes;
     }
     void onFolderEntered(const NodeStatus& /*folder*/) override {
         if (!entering_.empty()) {
@@ -37,19 +37,24 @@ private:
     std::filesystem::path current_;   ///< the folder where the walk is
     std::filesystem::path entering_;  ///< the one that is about to be opened; empty once it is
     const HiddenEntries hidden_;
-    const std::function<Descend(const std::filesystem::path&)>& call_;
+    const std::function<Descend(const FoundFolder&)>& call_;
 };
 
 }  // namespace
 
+bool FoundFolder::isMountPoint() const {
+    const auto status = statusAt(parent.descriptor(), name);
+    return status && status->mount != 0 && status->mount != parent.status().mount;
+}
+
 bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
-                   const std::function<Descend(const std::filesystem::path&)>& call) {
-    const auto parent = DirectoryHandle::open(folder.parent_path());
-    if (!parent) {
+                   const std::function<Descend(const FoundFolder&)>& call) {
+    const auto opened = DirectoryHandle::open(folder);
+    if (!opened) {
         return !stop.stop_requested();
     }
     FolderVisitor visitor(folder, hidden, call);
-    return TreeWalk(visitor, stop).visit(*parent, folder.filename().c_str());
+    return TreeWalk(visitor, stop).visit(*opened, ".");  // it may be where a mount begins itself
 }
 
 }  // namespace brimvault::files

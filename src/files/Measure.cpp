@@ -43,7 +43,6 @@ private:
 struct HeldItem {
     DirectoryHandle folder;
     std::filesystem::path name;
-    NodeStatus status;
 };
 
 std::optional<HeldItem> hold(const std::filesystem::path& given) {
@@ -56,17 +55,18 @@ std::optional<HeldItem> hold(const std::filesystem::path& given) {
     if (!folder) {
         return std::nullopt;
     }
-    const std::filesystem::path name = path.has_filename() ? path.filename() : ".";
-    const auto status = statusAt(folder->descriptor(), name.c_str());
-    if (!status || !isOnMountOf(*folder, *status)) {  // a mount point belongs to another file system: empty
-        return std::nullopt;
-    }
-    return HeldItem{std::move(*folder), name, *status};
+    return HeldItem{std::move(*folder), path.has_filename() ? path.filename() : "."};
 }
 
-TreeSizes measureFolder(const HeldItem& item, const std::stop_token& stop) {
+// A mount point belongs to another file system: nothing of it counts.
+std::optional<NodeStatus> statusOnMountOf(const DirectoryHandle& folder, const char* name) {
+    const auto status = statusAt(folder.descriptor(), name);
+    return status && isOnMountOf(folder, *status) ? std::optional(*status) : std::nullopt;
+}
+
+TreeSizes measureFolder(const DirectoryHandle& parent, const char* name, const std::stop_token& stop) {
     SizeVisitor visitor;
-    (void)TreeWalk(visitor, stop).visit(item.folder, item.name.c_str());
+    (void)TreeWalk(visitor, stop).visit(parent, name);
     return visitor.sizes;
 }
 
@@ -74,15 +74,22 @@ TreeSizes measureFolder(const HeldItem& item, const std::stop_token& stop) {
 
 TreeSizes measureContents(const std::filesystem::path& folder, const std::stop_token& stop) {
     const auto item = hold(folder);
-    return item && item->status.kind == NodeKind::directory ? measureFolder(*item, stop) : TreeSizes{};
+    const auto status = item ? statusOnMountOf(item->folder, item->name.c_str()) : std::nullopt;
+    const bool isFolder = status && status->kind == NodeKind::directory;
+    return isFolder ? measureFolder(item->folder, item->name.c_str(), stop) : TreeSizes{};
 }
 
 std::uint64_t measureItem(const std::filesystem::path& path, const std::stop_token& stop) {
     const auto item = hold(path);
-    if (!item) {
+    return item ? measureItemAt(item->folder, item->name.c_str(), stop) : 0;
+}
+
+std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name, const std::stop_token& stop) {
+    const auto status = statusOnMountOf(folder, name);
+    if (!status) {
         return 0;
     }
-    return item->status.kind == NodeKind::directory ? measureFolder(*item, stop).logical : item->status.size;
+    return status->kind == NodeKind::directory ? measureFolder(folder, name, stop).logical : status->size;
 }
 
 }  // namespace brimvault::files

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <stop_token>
 
+#include "files/DirectoryHandle.h"
+
 namespace brimvault::files {
 
 /// Byte sums over a tree. A file with several names counts once for each name; a link counts as itself.
@@ -21,5 +23,9 @@ struct TreeSizes {
 
 /// The logical size in bytes of a file, a link or a folder's contents; 0 when there is nothing. Any thread.
 [[nodiscard]] std::uint64_t measureItem(const std::filesystem::path& path, const std::stop_token& stop = {});
+
+/// The same of a name in an open folder.
+[[nodiscard]] std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name,
+                                          const std::stop_token& stop = {});
 
 }  // namespace brimvault::files

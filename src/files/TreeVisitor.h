@@ -10,8 +10,9 @@ class TreeVisitor {
 public:
     virtual ~TreeVisitor() = default;
 
-    /// Whether a folder below the first is to be opened at all. Asked once for each, just before.
-    virtual bool wantsFolder(const char* /*name*/) { return true; }
+    /// Whether a folder below the first is to be opened at all. Asked once for each, just before; the folder that holds
+    /// it is given.
+    virtual bool wantsFolder(const DirectoryHandle& /*parent*/, const char* /*name*/) { return true; }
     /// A folder has been opened; its entries follow.
     virtual void onFolderEntered(const NodeStatus& /*folder*/) {}
     /// An entry that is no folder.

@@ -16,7 +16,7 @@ bool TreeWalk::visit(const DirectoryHandle& parent, const char* name) {
             if (!leave(parent)) {
                 return true;
             }
-        } else if (visitor_.wantsFolder(next.c_str())) {
+        } else if (visitor_.wantsFolder(top->fsref.handle, next.c_str())) {
             enter(top->fsref.handle, next);
         }
     }
