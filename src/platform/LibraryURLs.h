@@ -22,7 +22,8 @@ public:
     /// Asked once in the life of the process.
     static std::optional<std::filesystem::path> getUserApplicationFolderURL();
 
-    /// Where the program keeps its settings.
+    /// Where the programs of the user keep their settings, and where this one does.
+    static std::filesystem::path getConfigurationFolderURL();
     static std::filesystem::path getPreferencesFolderURL();
 };
 

@@ -1,6 +1,7 @@
 #include "platform/LocaleIdentifiers.h"
 
 #include <unicode/locid.h>
+#include <unicode/region.h>
 #include <unicode/uloc.h>
 #include <unicode/unistr.h>
 
@@ -36,6 +37,12 @@ QHash<QString, QString> makeLanguageNames() {
         icu::Locale(*code).getDisplayLanguage(icu::Locale::getEnglish(), name);
         names.insert(nameKey(fromIcu(name)), QString::fromLatin1(*code));
     }
+    for (const char* identifier : {"zh-Hans", "zh-Hant", "pt-BR", "pt-PT", "en-GB", "en-US", "fr-CA", "es-MX", "es-419",
+                                   "de-AT", "de-CH", "nl-BE", "sr-Latn", "sr-Cyrl"}) {
+        icu::UnicodeString name;
+        icu::Locale(identifier).getDisplayName(icu::Locale::getEnglish(), name);  // "Chinese (Simplified)"
+        names.insert(nameKey(fromIcu(name)), QString::fromLatin1(identifier));
+    }
     constexpr std::pair<const char*, const char*> others[] = {
         {"simplifiedchinese", "zh-Hans"},
         {"traditionalchinese", "zh-Hant"},
@@ -66,8 +73,22 @@ QString languageOfName(const QString& name) {
 // modifier.
 bool looksLikeIdentifier(const QString& text) {
     static const QRegularExpression form(QStringLiteral(
-        "^[A-Za-z]{2,3}([-_][A-Za-z]{4})?([-_]([A-Za-z]{2}|[0-9]{3}))?(\\.[A-Za-z0-9-]+)?(@[A-Za-z]+)?$"));
+        "^[A-Za-z]{2,3}([-_][A-Za-z]{4})?([-_]([A-Za-z]{2}|[0-9]{3}))?(\\.[A-Za-z0-9-]+)?(@[A-Za-z]+)?\\z"));
     return form.match(text).hasMatch();
+}
+
+// Encodings say nothing of the language; of modifiers, those that are scripts take their usual place.
+QString withoutPosixParts(const QString& text) {
+    const QString plain = text.section(QLatin1Char('@'), 0, 0).section(QLatin1Char('.'), 0, 0);
+    const QString modifier = text.section(QLatin1Char('@'), 1).toLower();
+    for (const auto& [name, script] : {std::pair("latin", "Latn"), std::pair("cyrillic", "Cyrl"),
+                                       std::pair("devanagari", "Deva"), std::pair("arabic", "Arab")}) {
+        if (modifier == QLatin1String(name)) {
+            const QString language = plain.section(QLatin1Char('_'), 0, 0);
+            return language + QLatin1Char('_') + QLatin1String(script) + plain.mid(language.size());
+        }
+    }
+    return plain;
 }
 
 QString joined(const char* language, const char* script, const char* region) {
@@ -96,6 +117,31 @@ QString shortestForm(const icu::Locale& locale) {
     return joined(answer.getLanguage(), answer.getScript(), answer.getCountry());
 }
 
+// "en-US" is the same as "en" to all who compare, but not to those who ask whether a region was named.
+QString withRegion(const QString& identifier) {
+    const icu::Locale locale(identifier.section(QLatin1Char('.'), 0, 0).toLatin1().constData());
+    return joined(locale.getLanguage(), "", locale.getCountry());
+}
+
+// What a language's regional form belongs to, the nearest first.
+QStringList familyOf(const QString& identifier) {
+    const QString language = identifier.section(QLatin1Char('-'), 0, 0);
+    if (language == QLatin1String("zh")) {
+        return {identifier.section(QLatin1Char('-'), 0, 1)};
+    }
+    if (language == QLatin1String("es") && identifier.size() > language.size()) {
+        // The Spanish of Latin America has an identifier of its own: that of the region of the United Nations.
+        UErrorCode status = U_ZERO_ERROR;
+        const auto* america = icu::Region::getInstance("419", status);
+        const auto* own =
+            icu::Region::getInstance(identifier.section(QLatin1Char('-'), -1).toLatin1().constData(), status);
+        if (U_SUCCESS(status) && america->contains(*own)) {
+            return {QStringLiteral("es-419"), language};
+        }
+    }
+    return {language};
+}
+
 // The language that the user's own texts are in.
 QString ownLanguage() {
     const QStringList languages = LocaleIdentifiers::preferredLanguages();
@@ -110,7 +156,7 @@ QString LocaleIdentifiers::canonicalLocaleIdentifierFromString(const QString& te
         return known.isEmpty() ? text : canonicalLocaleIdentifierFromString(known);
     }
     UErrorCode status = U_ZERO_ERROR;
-    icu::Locale locale = icu::Locale::createCanonical(text.section(QLatin1Char('.'), 0, 0).toLatin1().constData());
+    icu::Locale locale = icu::Locale::createCanonical(withoutPosixParts(text).toLatin1().constData());
     locale.canonicalize(status);
     if (U_FAILURE(status) || *locale.getLanguage() == '\0') {
         return text;
@@ -136,9 +182,14 @@ QStringList LocaleIdentifiers::preferredLanguagesFrom(const QStringList& languag
             continue;  // no language: the programs' own texts, which are English
         }
         const QString identifier = canonicalLocaleIdentifierFromString(language);
+        if (identifier.section(QLatin1Char('-'), 0, 0) == QLatin1String("en")) {
+            add(withRegion(language));
+            continue;
+        }
         add(identifier);
-        const QString family = identifier.section(QLatin1Char('-'), 0, 0);
-        add(family == QLatin1String("zh") ? identifier.section(QLatin1Char('-'), 0, 1) : family);
+        for (const QString& family : familyOf(identifier)) {
+            add(family);
+        }
     }
     return preferred.isEmpty() ? QStringList{QStringLiteral("en")} : preferred;
 }
@@ -150,7 +201,7 @@ QString LocaleIdentifiers::displayName(const QString& identifier, const QString&
     const icu::Locale reader(inLanguage.toLatin1().constData());
     icu::UnicodeString language;
     asked.getDisplayLanguage(reader, language);
-    if (fromIcu(language) == QLatin1String(asked.getLanguage())) {
+    if (*asked.getLanguage() == '\0' || fromIcu(language) == QLatin1String(asked.getLanguage())) {
         return {};  // where the locale data has no name it answers with the code
     }
     icu::UnicodeString name;

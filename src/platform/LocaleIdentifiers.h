@@ -16,7 +16,8 @@ public:
     [[nodiscard]] static QString canonicalLocaleIdentifierFromString(const QString& text);
 
     /// The languages in which the user wants to read, the best liked first: those of the desktop's settings, each
-    /// followed by the language that its regional form belongs to.
+    /// followed by those that its regional form belongs to. English is given with its region and without a follower:
+    /// all of it is kept in any case, and "en" alone says that the languages after it do not matter.
     [[nodiscard]] static QStringList preferredLanguages();
     /// The same, of identifiers given in any spelling.
     [[nodiscard]] static QStringList preferredLanguagesFrom(const QStringList& languages);

@@ -1,7 +1,7 @@
 #include "platform/Packages.h"
 
+#include <QByteArray>
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <string_view>
 
@@ -46,9 +46,7 @@ bool hasBundleMark(const std::filesystem::path& folder) {
 }  // namespace
 
 bool Packages::isPackageExtension(const std::string& extension) {
-    std::string lower(extension.size(), '\0');
-    std::transform(extension.begin(), extension.end(), lower.begin(),
-                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+    const auto lower = QByteArray::fromStdString(extension).toLower().toStdString();
     return std::find(std::begin(extensions), std::end(extensions), lower) != std::end(extensions);
 }
 
@@ -58,9 +56,15 @@ bool Packages::isPackage(const std::filesystem::path& folder) {
 }
 
 std::optional<std::string> Packages::bundleIdentifier(const std::filesystem::path& bundle) {
+    const auto opened = files::DirectoryHandle::open(bundle);
+    if (!opened) {
+        return std::nullopt;
+    }
     // In the order in which the platform looks for it: modern bundles, flat ones, those with a folder of resources.
-    for (const char* place : {"Contents/Info.plist", "Info.plist", "Resources/Info.plist"}) {
-        if (const auto list = PropertyList::read(bundle / place)) {
+    for (const char* folder : {"Contents", ".", "Resources"}) {
+        const auto holder = opened->openChild(folder);
+        const auto list = holder ? PropertyList::read(*holder, "Info.plist") : std::nullopt;
+        if (list) {
             return list->text("CFBundleIdentifier");
         }
     }

@@ -15,7 +15,8 @@ public:
     /// The extension is one of a package; without its full stop.
     [[nodiscard]] static bool isPackageExtension(const std::string& extension);
 
-    /// "CFBundleIdentifier" of the bundle's own "Info.plist"; none where that is missing, damaged or too large.
+    /// "CFBundleIdentifier" of the bundle's own "Info.plist"; none where that is missing, damaged, too large, or
+    /// reached through a link.
     [[nodiscard]] static std::optional<std::string> bundleIdentifier(const std::filesystem::path& bundle);
 };
 

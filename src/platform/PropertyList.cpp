@@ -17,9 +17,10 @@ namespace {
 
 constexpr std::size_t largestFile = 1024UL * 1024;  // what people and applications write is a few KiB
 
-// The contents of a plain file; a pipe is not waited for.
-std::optional<std::string> contentsOf(const std::filesystem::path& file) {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+constexpr int readOnly = O_RDONLY | O_NONBLOCK | O_CLOEXEC;  // a pipe is not waited for
+
+// The contents of a plain file, which is closed; none for a descriptor that could not be opened.
+std::optional<std::string> contentsOf(int descriptor) {
     if (descriptor < 0) {
         return std::nullopt;
     }
@@ -61,7 +62,15 @@ bool beginsAsYes(const char* text) {
 void PropertyList::Free::operator()(void* node) const { plist_free(node); }
 
 std::optional<PropertyList> PropertyList::read(const std::filesystem::path& file) {
-    const auto contents = contentsOf(file);
+    return readDescriptor(::open(file.c_str(), readOnly));
+}
+
+std::optional<PropertyList> PropertyList::read(const files::DirectoryHandle& folder, const char* name) {
+    return readDescriptor(::openat(folder.descriptor(), name, readOnly | O_NOFOLLOW));
+}
+
+std::optional<PropertyList> PropertyList::readDescriptor(int descriptor) {
+    const auto contents = contentsOf(descriptor);
     if (!contents || contents->empty()) {
         return std::nullopt;
     }

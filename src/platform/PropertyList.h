@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "files/DirectoryHandle.h"
+
 namespace brimvault::platform {
 
 /// A property list file in XML or binary form whose outermost value is a dictionary. Any thread; not to be used by two
@@ -13,6 +15,8 @@ class PropertyList {
 public:
     /// None for a file that is missing, no plain file, damaged, larger than 1 MiB, or no dictionary.
     [[nodiscard]] static std::optional<PropertyList> read(const std::filesystem::path& file);
+    /// The same of a name in an open folder; none where it is a link.
+    [[nodiscard]] static std::optional<PropertyList> read(const files::DirectoryHandle& folder, const char* name);
 
     /// A boolean, a number (0 is NO), or a text that begins as a yes does: with Y, T, or a number other than 0, as the
     /// platform reads what users have set by hand. None without such a value.
@@ -25,6 +29,7 @@ private:
         void operator()(void* node) const;
     };
     explicit PropertyList(void* dictionary) : dictionary_(dictionary) {}
+    static std::optional<PropertyList> readDescriptor(int descriptor);
 
     std::unique_ptr<void, Free> dictionary_;
 };

@@ -3,9 +3,14 @@
 #include <unicode/locid.h>
 #include <xkbcommon/xkbregistry.h>
 
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QXmlStreamReader>
 #include <memory>
 
 #include "platform/LocaleIdentifiers.h"
+#include "platform/System.h"
 #include "platform/linux/KeyboardSettings.h"
 
 namespace brimvault::platform {
@@ -49,7 +54,9 @@ QString languageSpokenIn(const QString& country) {
 QString languageOf(rxkb_layout* layout) {
     const QString country = countryOf(layout);
     const QString spoken = languageSpokenIn(country);
-    QString language;
+    // What a panel shows for the layout is its language's code where the list has only a smaller one (Taiwan's).
+    const char* brief = rxkb_layout_get_brief(layout);
+    QString language = !spoken.isEmpty() && spoken == QLatin1String(brief) ? spoken : QString();
     for (auto* code = rxkb_layout_get_iso639_first(layout); code != nullptr; code = rxkb_iso639_code_next(code)) {
         const QString named =
             LocaleIdentifiers::canonicalLocaleIdentifierFromString(QString::fromLatin1(rxkb_iso639_code_get_code(code)))
@@ -64,19 +71,61 @@ QString languageOf(rxkb_layout* layout) {
         ofTwoKinds && !country.isEmpty() ? language + QLatin1Char('-') + country : language);
 }
 
-}  // namespace
-
-QStringList currentInputSources() {
-    const auto layouts = enabledKeyboardLayouts();
+QStringList languagesOf(const std::vector<KeyboardLayout>& layouts) {
     const auto registry = layouts.empty() ? Registry(nullptr, &rxkb_context_unref) : loadRegistry();
     QStringList languages;
     for (const auto& wanted : layouts) {
         auto* layout = registry ? find(registry.get(), wanted) : nullptr;
-        const QString language = layout == nullptr ? QString() : languageOf(layout);
-        if (!language.isEmpty() && !languages.contains(language)) {
-            languages.append(language);
+        languages.append(layout == nullptr ? QString() : languageOf(layout));
+    }
+    return languages;
+}
+
+// An installed input method is described by a file with an element "engine" for each, its "name" and "language" in it.
+void readEngines(const QString& path, QHash<QString, QString>& languageOfEngine) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    QXmlStreamReader reader(&file);
+    QString name;
+    QString language;
+    while (!reader.atEnd()) {
+        const auto token = reader.readNext();
+        if (token == QXmlStreamReader::EndElement && reader.name() == QLatin1String("engine")) {
+            languageOfEngine.insert(name, language);
+        } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("name")) {
+            name = reader.readElementText(QXmlStreamReader::SkipChildElements);
+        } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("language")) {
+            language = reader.readElementText(QXmlStreamReader::SkipChildElements);
         }
     }
+}
+
+QStringList languagesOf(const std::vector<std::string>& engines) {
+    QHash<QString, QString> languageOfEngine;
+    if (!engines.empty()) {
+        const auto folder = systemRoot() / "usr/share/ibus/component";
+        const QDir components(QFile::decodeName(folder.c_str()), QStringLiteral("*.xml"));
+        for (const auto& file : components.entryInfoList(QDir::Files)) {
+            readEngines(file.filePath(), languageOfEngine);
+        }
+    }
+    QStringList languages;
+    for (const auto& engine : engines) {
+        languages.append(LocaleIdentifiers::canonicalLocaleIdentifierFromString(
+            languageOfEngine.value(QString::fromStdString(engine))));
+    }
+    return languages;
+}
+
+}  // namespace
+
+QStringList currentInputSources() {
+    const auto settings = enabledInputSettings();
+    QStringList languages = languagesOf(settings.layouts) + languagesOf(settings.engines);
+    languages.removeAll(QString());
+    languages.removeDuplicates();
     return languages;
 }
 

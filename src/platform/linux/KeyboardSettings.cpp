@@ -72,13 +72,13 @@ constexpr SettingsPlace settingsPlaces[] = {
     {"MATE", "org.mate.peripherals-keyboard-xkb.kbd", "layouts"},
 };
 
-// Pairs of a kind and a name, of which the kind "xkb" is ours, or names alone.
-Layouts fromVariant(GVariant* value) {
-    Layouts layouts;
+// Pairs of a kind and a name, which is that of a layout ("xkb") or of an input method ("ibus"); or layouts alone.
+InputSettings fromVariant(GVariant* value) {
+    InputSettings found;
     const std::string type = g_variant_get_type_string(value);
     const bool pairs = type == "a(ss)";
     if (!pairs && type != "as") {
-        return layouts;
+        return found;
     }
     for (gsize index = 0; index < g_variant_n_children(value); ++index) {
         const char* kind = "xkb";
@@ -89,14 +89,16 @@ Layouts fromVariant(GVariant* value) {
             g_variant_get_child(value, index, "&s", &name);
         }
         if (std::string(kind) == "xkb" && *name != '\0') {
-            layouts.push_back(fromName(name, pairs ? '+' : '\t'));
+            found.layouts.push_back(fromName(name, pairs ? '+' : '\t'));
+        } else if (std::string(kind) == "ibus") {
+            found.engines.emplace_back(name);
         }
     }
-    return layouts;
+    return found;
 }
 
 // Asking for a schema or a key that is not installed would end the process.
-Layouts fromSettings(const SettingsPlace& place) {
+InputSettings fromSettings(const SettingsPlace& place) {
     auto* installed = g_settings_schema_source_get_default();
     if (installed == nullptr) {
         return {};
@@ -117,10 +119,8 @@ QString fileBelow(const std::filesystem::path& folder, const char* name) {
     return QFile::decodeName((folder / name).c_str());
 }
 
-std::filesystem::path configurationFolder() { return LibraryURLs::getPreferencesFolderURL().parent_path(); }
-
 Layouts fromPlasma() {
-    QSettings file(fileBelow(configurationFolder(), "kxkbrc"), QSettings::IniFormat);
+    QSettings file(fileBelow(LibraryURLs::getConfigurationFolderURL(), "kxkbrc"), QSettings::IniFormat);
     file.beginGroup(QStringLiteral("Layout"));
     if (!file.value(QStringLiteral("Use"), true).toBool()) {
         return {};
@@ -130,7 +130,8 @@ Layouts fromPlasma() {
 }
 
 Layouts fromXfce() {
-    QFile file(fileBelow(configurationFolder(), "xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml"));
+    QFile file(
+        fileBelow(LibraryURLs::getConfigurationFolderURL(), "xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml"));
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }
@@ -149,20 +150,20 @@ Layouts fromXfce() {
                : fromLists(values.value(QStringLiteral("XkbLayout")), values.value(QStringLiteral("XkbVariant")));
 }
 
-Layouts ofDesktop() {
+InputSettings ofDesktop() {
     const auto desktops = QString::fromStdString(system().environmentVariable("XDG_CURRENT_DESKTOP"))
                               .split(QLatin1Char(':'), Qt::SkipEmptyParts);
     for (const auto& place : settingsPlaces) {
         if (desktops.contains(QLatin1String(place.desktop))) {
-            if (auto layouts = fromSettings(place); !layouts.empty()) {
-                return layouts;
+            if (auto found = fromSettings(place); !found.layouts.empty() || !found.engines.empty()) {
+                return found;
             }
         }
     }
     if (desktops.contains(QLatin1String("KDE"))) {
-        return fromPlasma();
+        return {fromPlasma(), {}};
     }
-    return desktops.contains(QLatin1String("XFCE")) ? fromXfce() : Layouts();
+    return desktops.contains(QLatin1String("XFCE")) ? InputSettings{fromXfce(), {}} : InputSettings();
 }
 
 // --- The machine -------------------------------------------------------------------------------------------------
@@ -198,9 +199,12 @@ Layouts ofMachine() {
 
 }  // namespace
 
-std::vector<KeyboardLayout> enabledKeyboardLayouts() {
-    auto layouts = ofDesktop();
-    return layouts.empty() ? ofMachine() : layouts;
+InputSettings enabledInputSettings() {
+    auto settings = ofDesktop();
+    if (settings.layouts.empty()) {
+        settings.layouts = ofMachine();
+    }
+    return settings;
 }
 
 }  // namespace brimvault::platform

@@ -12,8 +12,14 @@ struct KeyboardLayout {
     bool operator==(const KeyboardLayout&) const = default;
 };
 
-/// The layouts that the user has enabled in the settings of the desktop that runs; where it keeps none, those of the
-/// machine. Empty without either. Reads files; any thread.
-[[nodiscard]] std::vector<KeyboardLayout> enabledKeyboardLayouts();
+/// With what the user types.
+struct InputSettings {
+    std::vector<KeyboardLayout> layouts;
+    std::vector<std::string> engines;  ///< names of input methods, for languages that no keyboard holds
+};
+
+/// What the user has enabled in the settings of the desktop that runs; where it keeps no layouts, those of the machine.
+/// Empty without either. Reads files; any thread.
+[[nodiscard]] InputSettings enabledInputSettings();
 
 }  // namespace brimvault::platform

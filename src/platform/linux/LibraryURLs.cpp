@@ -82,7 +82,7 @@ std::optional<fs::path> LibraryURLs::getCachesFolderURL() {
 }
 
 std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() {
-    std::ifstream file(baseFolder("XDG_CONFIG_HOME", ".config") / "user-dirs.dirs");
+    std::ifstream file(getConfigurationFolderURL() / "user-dirs.dirs");
     fs::path downloads = homeFolder() / "Downloads";
     for (std::string line; std::getline(file, line);) {
         if (const auto named = userDirectory(line)) {
@@ -105,8 +105,8 @@ std::optional<fs::path> LibraryURLs::getUserApplicationFolderURL() {
     return folder;
 }
 
-fs::path LibraryURLs::getPreferencesFolderURL() {
-    return baseFolder("XDG_CONFIG_HOME", ".config") / "com.quorvel.brimvault";
-}
+fs::path LibraryURLs::getConfigurationFolderURL() { return baseFolder("XDG_CONFIG_HOME", ".config"); }
+
+fs::path LibraryURLs::getPreferencesFolderURL() { return getConfigurationFolderURL() / "com.quorvel.brimvault"; }
 
 }  // namespace brimvault::platform
