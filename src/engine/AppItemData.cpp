@@ -1,11 +1,35 @@
 #include "engine/AppItemData.h"
 
 #include <QSet>
+#include <algorithm>
 #include <utility>
 
 #include "engine/FileManager.h"
 
 namespace brimvault::engine {
+
+namespace {
+
+QString family(const QString& identifier) { return identifier.section(QLatin1Char('-'), 0, 0); }
+
+// Which one stays of a folder where none is to be kept: the nearest to what the user reads. That is a regional form of
+// a language to keep, English among them, else what was found last. Null where one is kept.
+std::shared_ptr<LocalizationItem> lastOne(const LocalizationArray& group, const QStringList& needed) {
+    const auto isKept = [&](const auto& item) { return !item->shouldBeRemovedWithNeedLangs(needed); };
+    if (std::any_of(group.begin(), group.end(), isKept)) {
+        return nullptr;
+    }
+    for (const QString& language : needed) {
+        const auto relative = std::find_if(
+            group.begin(), group.end(), [&](const auto& item) { return family(item->plocNameId) == family(language); });
+        if (relative != group.end()) {
+            return *relative;
+        }
+    }
+    return group.last();
+}
+
+}  // namespace
 
 std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::path& path) {
     auto item = std::make_shared<AppItemData>();
@@ -48,14 +72,10 @@ void AppItemData::forEachRemovable(const QStringList& needed,
         return;
     }
     for (const auto& group : pmLocalizationsDict_) {
-        auto remaining = group.size();
+        const auto spared = lastOne(group, needed);
         for (const auto& item : group) {
-            if (remaining < 2) {
-                break;
-            }
-            if (item->shouldBeRemovedWithNeedLangs(needed)) {
+            if (item != spared && item->shouldBeRemovedWithNeedLangs(needed)) {
                 call(item);
-                --remaining;
             }
         }
     }

@@ -19,7 +19,8 @@ namespace brimvault::engine {
 /// `recalcKeepSpaceForLocales`.
 ///
 /// Localizations are grouped by the folder that holds them, groups and members in the order of discovery; what is
-/// counted and what is removed come from one walk over them, so the one that always stays in each folder is the same.
+/// counted and what is removed come from one walk over them, so the one that always stays in each folder is the same:
+/// where none is to be kept, one that is near to what the user reads.
 ///
 /// The scan's thread until it is posted, then the main thread; a clean calls `itemsToClean` on its own thread, while
 /// nothing on the main thread changes the localizations: those change when its end is heard.

@@ -10,6 +10,9 @@ namespace brimvault::engine {
 
 /// One localization folder of one application, as the scan measured it. Not changed after it is posted.
 struct LocalizationItem {
+    /// The identifier is that of the folder's name; the size is in bytes.
+    static std::shared_ptr<LocalizationItem> initWithPath(const std::filesystem::path& path, quint64 size);
+
     quint64 nlocSize = 0;            ///< bytes
     QString plocNameId;              ///< canonical identifier of its language
     std::filesystem::path plocPath;  ///< full path of the folder

@@ -31,6 +31,8 @@ public:
     /// Logical size in bytes of a file, a link itself, or all that a folder holds; 0 when there is nothing. Returns
     /// early, with less, once the operation is cancelled.
     [[nodiscard]] virtual quint64 getFileFolderSize(const std::filesystem::path& path) const;
+    /// The same of a name in an open folder.
+    [[nodiscard]] quint64 getFileFolderSize(const files::DirectoryHandle& folder, const char* name) const;
 
 protected:
     void setTopLevelItemsCount(qint64 count) { nTopLevelItemsCount_ = count; }
