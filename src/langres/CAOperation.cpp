@@ -64,7 +64,7 @@ void CAOperation::clean(const engine::AppItemData& application, const QStringLis
         results.cleaned[application.pAppName()] = gone;
     }
     if (!failed.isEmpty()) {
-        results.notCleaned.insert(application.ppdisplayName(), static_cast<int>(failed.size()));
+        results.notCleaned[application.ppdisplayName()] += static_cast<int>(failed.size());  // two may share a name
     }
 }
 

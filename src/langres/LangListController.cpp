@@ -11,6 +11,9 @@ namespace {
 
 const QString english = QStringLiteral("en");
 
+// English and its variants are kept, and stand as one row at the top.
+bool isEnglish(const QString& language) { return language.startsWith(english); }
+
 QString translated(const char* text) { return QCoreApplication::translate("Languages", text); }
 
 // The first letter of each word in capitals.
@@ -19,7 +22,7 @@ QString capitalized(const QString& text) {
     bool inWord = false;
     for (QChar& character : result) {
         if (!inWord && character.isLetter()) {
-            character = character.toUpper();
+            character = character.toTitleCase();
         }
         inWord = character.isLetter() || character.isMark() || (inWord && character == QChar(u'\u2019')) ||
                  (inWord && character == QLatin1Char('\''));
@@ -31,33 +34,31 @@ QString capitalized(const QString& text) {
 
 LangListController::LangListController(const LanguagesManager& languages, platform::UserDefaults& defaults,
                                        ChangeListener changedListOfLangs)
-    : defaults_(defaults), pLangChangeListener_(std::move(changedListOfLangs)) {
+    : defaults_(defaults), pLangChangeListener_(std::move(changedListOfLangs)), offered_(languages.popularLanguages()) {
     const auto used = languages.safeUserLanguages();
-    for (const QString& language : languages.popularLanguages()) {
-        const bool needed = plangArray_.empty() || used.contains(language.toLower());
-        plangArray_.push_back(LangItem::initWithName(language, needed, defaults_));
-        names_.insert(language, capitalized(platform::LocaleIdentifiers::displayName(language)));
+    plangArray_.push_back(LangItem::initWithName(english, true, defaults_));
+    for (const QString& language : offered_) {
+        if (!isEnglish(language)) {
+            const bool needed = language == offered_.first() || used.contains(language.toLower());
+            plangArray_.push_back(LangItem::initWithName(language, needed, defaults_));
+        }
     }
-    names_.insert(english, capitalized(platform::LocaleIdentifiers::displayName(english)));
+    for (const auto& row : plangArray_) {
+        names_.insert(row.pName(), capitalized(platform::LocaleIdentifiers::displayName(row.pName())));
+    }
     reinitNeededArray();
 }
 
-// English and its variants are kept, and stand as one row at the top.
 void LangListController::reinitNeededArray() {
+    plangArray_.front().setBNeeded(true);  // whatever is stored or set
     pneededStrArray_ = {english};
-    std::vector<LangItem> rows;
-    rows.push_back(LangItem::initWithName(english, true, defaults_));
-    rows.front().setBNeeded(true);  // whatever is stored
-    for (const auto& item : plangArray_) {
-        const bool variant = item.pName().startsWith(english);
-        if ((variant || item.bNeeded()) && !pneededStrArray_.contains(item.pName())) {
-            pneededStrArray_.append(item.pName());
-        }
-        if (!variant) {
-            rows.push_back(item);
+    auto row = plangArray_.cbegin() + 1;
+    for (const QString& language : offered_) {
+        const bool needed = isEnglish(language) || (row++)->bNeeded();
+        if (needed && !pneededStrArray_.contains(language)) {
+            pneededStrArray_.append(language);
         }
     }
-    plangArray_ = std::move(rows);
     pLangChangeListener_(pneededStrArray_);
 }
 
@@ -115,7 +116,7 @@ QVariant LangListController::data(const QModelIndex& index, int role) const {
             }
             return role == Qt::AccessibleTextRole ? text(row) : QVariant();
         case iconColumn:
-            return role == iconRole ? getIconforRow(row) : QVariant();
+            return role == iconRole ? QVariant(getIconforRow(row).toLatin1()) : QVariant();
         case textColumn:
             return role == Qt::DisplayRole ? text(row) : QVariant();
         default:

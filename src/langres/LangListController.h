@@ -19,7 +19,7 @@ class LangListController final : public QAbstractTableModel {
 public:
     enum Column { checkColumn, iconColumn, textColumn };
     static constexpr int columns = 3;
-    /// The name of a row's flag.
+    /// The name of a row's flag, as bytes.
     enum Role { iconRole = Qt::UserRole };
 
     /// Hears the languages to keep, first in the constructor and then after every change.
@@ -62,7 +62,8 @@ private:
 
     platform::UserDefaults& defaults_;
     ChangeListener pLangChangeListener_;
-    std::vector<LangItem> plangArray_;
+    const QStringList offered_;         ///< in the order in which they are kept; English with its variants among them
+    std::vector<LangItem> plangArray_;  ///< the rows: English, then the others as offered
     QStringList pneededStrArray_;
     QHash<QString, QString> names_;  ///< identifier to name in the user's own language; empty for none
     bool bEnabled_ = true;

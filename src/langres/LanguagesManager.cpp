@@ -12,8 +12,7 @@ namespace {
 
 const std::string systemPrefix = "com.apple.";
 
-// What asks for more than a glance: applications with the prefix alone are looked up, so the last three are never
-// found. They are kept, as they say what the table is meant to hold.
+// Only identifiers with the prefix are looked up, so the last three are never found; they are kept on purpose.
 const std::unordered_set<std::string>& generateAppleSystemBundleIdentifiers() {
     static const std::unordered_set<std::string> identifiers = {
         "com.apple.ActivityMonitor",
@@ -98,31 +97,31 @@ void appendNew(QStringList& languages, const QStringList& more) {
 const LanguagesManager& LanguagesManager::sharedManager() {
     using platform::MacOSVersion;
     // On 10.9 the languages offered are those that the user uses.
-    static const LanguagesManager manager({&platform::LocaleIdentifiers::preferredLanguages,
-                                           &platform::currentInputSources,
+    static const LanguagesManager manager({platform::LocaleIdentifiers::preferredLanguages(),
+                                           platform::currentInputSources(),
                                            MacOSVersion::is_10_10_orHigher() || !MacOSVersion::is_10_9_orHigher()});
     return manager;
 }
 
 QStringList LanguagesManager::preferredLanguages() const {
-    QStringList languages = sources_.preferredLanguages();
+    const auto& languages = user_.preferredLanguages;
     const auto english = languages.indexOf(QLatin1String("en"));
     return english < 0 ? languages : languages.mid(0, english + 1);
 }
 
 QStringList LanguagesManager::popularLanguages() const {
-    QStringList languages = sources_.preferredLanguages();
-    if (sources_.offersCommonLanguages) {
+    QStringList languages = user_.preferredLanguages;
+    if (user_.offersCommonLanguages) {
         appendNew(languages, commonLanguages());
     }
-    appendNew(languages, sources_.currentInputSources());
+    appendNew(languages, user_.currentInputSources);
     return languages;
 }
 
 QSet<QString> LanguagesManager::safeUserLanguages() const {
     QSet<QString> languages = {QStringLiteral("en"), QStringLiteral("english"), QStringLiteral("base"),
                                QStringLiteral("en_us"), QStringLiteral("en_gb")};
-    for (const QString& language : preferredLanguages() + sources_.currentInputSources()) {
+    for (const QString& language : preferredLanguages() + user_.currentInputSources) {
         languages.insert(language.toLower());
     }
     return languages;

@@ -3,26 +3,24 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
-#include <functional>
 #include <optional>
 #include <string>
 
 namespace brimvault::langres {
 
-/// What the system tells of the user's languages, and which of its own applications are left alone.
-///
-/// The languages are asked for by the main thread; whether an application may be changed, by any.
+/// What the system has told of the user's languages, and which of its own applications are left alone. Any thread; it
+/// does not change.
 class LanguagesManager {
 public:
-    /// Where the answers come from; identifiers in the form of `platform::LocaleIdentifiers`.
-    struct Sources {
-        std::function<QStringList()> preferredLanguages;   ///< in the user's order
-        std::function<QStringList()> currentInputSources;  ///< of the enabled keyboard layouts, each once
-        bool offersCommonLanguages = true;                 ///< beside those that the user evidently uses
+    /// Identifiers in the form of `platform::LocaleIdentifiers`.
+    struct UserLanguages {
+        QStringList preferredLanguages;     ///< in the user's order
+        QStringList currentInputSources;    ///< of what the user types with, each once
+        bool offersCommonLanguages = true;  ///< beside those that the user evidently uses
     };
 
-    explicit LanguagesManager(Sources sources) : sources_(std::move(sources)) {}
-    /// The one of the process, of the system that it runs on.
+    explicit LanguagesManager(UserLanguages languages) : user_(std::move(languages)) {}
+    /// The one of the process. The first call reads settings and the registry of keyboards, and may block.
     static const LanguagesManager& sharedManager();
 
     /// The user's preferred languages, up to the first that is "en".
@@ -38,7 +36,7 @@ public:
         const std::optional<std::string>& identifier);
 
 private:
-    Sources sources_;
+    const UserLanguages user_;
 };
 
 }  // namespace brimvault::langres

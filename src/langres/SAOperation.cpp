@@ -9,7 +9,6 @@
 #include "langres/LanguagesManager.h"
 #include "langres/LocalizationFolders.h"
 #include "platform/LibraryURLs.h"
-#include "platform/LocaleIdentifiers.h"
 #include "platform/Packages.h"
 
 namespace brimvault::langres {
@@ -32,7 +31,8 @@ SAOperation::SAOperation()
 SAOperation::SAOperation(Folder applicationFolder, Folder userApplicationFolder)
     : SBaseOperation(engine::Section::languageResources),
       applicationFolder_(std::move(applicationFolder)),
-      userApplicationFolder_(std::move(userApplicationFolder)) {}
+      userApplicationFolder_(userApplicationFolder == applicationFolder_ ? Folder()
+                                                                         : std::move(userApplicationFolder)) {}
 
 void SAOperation::main() {
     initApplicationsCount();
@@ -53,10 +53,13 @@ void SAOperation::initApplicationsCount() {
 // What lies in a package belongs to it.
 void SAOperation::countPackagesBelow(const std::filesystem::path& folder) {
     (void)files::forEachFolder(folder, files::HiddenEntries::skip, stopToken(), [&](const auto& found) {
-        if (!platform::Packages::isPackage(found)) {
+        if (!platform::Packages::isPackage(found.path)) {
             return Descend::yes;
         }
-        pAppsPaths_.push_back(found);
+        if (found.isMountPoint()) {
+            return Descend::no;
+        }
+        pAppsPaths_.push_back(found.path);
         setTopLevelItemsCount(nTopLevelItemsCount() + 1);
         tryUpdateProgress({}, 0);
         return Descend::no;
@@ -112,12 +115,10 @@ bool SAOperation::isToBeScanned(const std::filesystem::path& path) {
 }
 
 void SAOperation::collectLocalizations(AppItemData& application) const {
-    const auto collect = [&](const std::filesystem::path& folder) {
-        if (isLocalizationName(folder.filename())) {
-            const auto identifier = platform::LocaleIdentifiers::canonicalLocaleIdentifierFromString(
-                QString::fromStdString(folder.stem().native()));
-            application.addLocalizationItem(std::make_shared<engine::LocalizationItem>(
-                engine::LocalizationItem{getFileFolderSize(folder), identifier, folder}));
+    const auto collect = [&](const files::FoundFolder& found) {
+        if (isLocalizationName(found.name)) {
+            const auto size = getFileFolderSize(found.parent, found.name);
+            application.addLocalizationItem(engine::LocalizationItem::initWithPath(found.path, size));
         }
         return Descend::yes;
     };

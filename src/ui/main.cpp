@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <future>
 
 #include "platform/UserDefaults.h"
 #include "ui/AccessibleItemView.h"
@@ -11,6 +12,8 @@ int main(int argc, char* argv[]) {
     using namespace brimvault;
 
     QApplication application(argc, argv);
+    // The user's languages are read from files; meanwhile the window is made.
+    const auto reading = std::async(std::launch::async, [] { (void)langres::LanguagesManager::sharedManager(); });
     QApplication::setApplicationName(QStringLiteral("Brimvault"));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
     ui::look::apply();                  // light, in the window's own type

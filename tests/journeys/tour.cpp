@@ -183,10 +183,7 @@ int main(int argc, char* argv[]) {
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::MessageBoxAlerts alerts;
-    const langres::LanguagesManager languages({[] {
-                                                   return QStringList{QStringLiteral("de"), QStringLiteral("en")};
-                                               },
-                                               [] { return QStringList(); }});
+    const langres::LanguagesManager languages({{QStringLiteral("de"), QStringLiteral("en")}, {}});
     ui::FAppDelegate application(ui::scanOperations(), ui::cleanOperations(),
                                  {defaults, alerts, ui::UtilMod::sharedUtil(), languages});
     application.applicationDidFinishLaunching();

@@ -176,10 +176,8 @@ protected:
     platform::FinderPreferences finder_;
     ToldAlerts alerts_;
     ToldFileBrowser fileBrowser_;
-    /// What the user reads and types; a test may say something else before it starts.
-    QStringList preferredLanguages_ = {QStringLiteral("de"), QStringLiteral("en")};
-    QStringList inputSources_;
-    langres::LanguagesManager languages_{{[this] { return preferredLanguages_; }, [this] { return inputSources_; }}};
+    /// The user reads German.
+    langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
     ui::UtilMod util_{alerts_, fileBrowser_, finder_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;
