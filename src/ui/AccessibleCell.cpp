@@ -49,11 +49,12 @@ QAccessible::State AccessibleCell::state() const {
     state.focusable = true;
     state.selected = isSelected();
     state.focused = view->hasFocus() && view->currentIndex() == place;
-    state.disabled = !view->isEnabled();
     state.invisible = !view->isVisible();
     state.offscreen = !view->viewport()->rect().intersects(view->visualRect(place));
     const QVariant check = place.data(Qt::CheckStateRole);
     state.checkable = check.isValid();
+    const bool locked = state.checkable && !place.flags().testFlag(Qt::ItemIsUserCheckable);
+    state.disabled = locked || !view->isEnabled();
     state.checked = check.toInt() == Qt::Checked;
     return state;
 }

@@ -68,7 +68,7 @@ void CheckTableView::mousePressEvent(QMouseEvent* event) {
     if (!check || checkSelects_) {
         QTableView::mousePressEvent(event);
     }
-    if (check) {
+    if (check && index.flags().testFlag(Qt::ItemIsUserCheckable)) {
         pressedCheck_ = index;
         viewport()->update();
     }
@@ -94,6 +94,8 @@ void CheckTableView::mouseReleaseEvent(QMouseEvent* event) {
 void CheckTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
         toggleCheck(this, currentIndex().siblingAtColumn(checkColumn));
+    } else if (event->key() == Qt::Key_Escape) {
+        event->ignore();  // it is no letter of a name to be looked for
     } else {
         QTableView::keyPressEvent(event);
     }

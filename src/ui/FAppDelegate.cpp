@@ -52,6 +52,7 @@ void FAppDelegate::connectControls() {
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
     connect(window_->pbtnLangs(), &QAbstractButton::clicked, this, &FAppDelegate::toggleDrawer);
+    connect(window_->pDrawer(), &LanguagesDrawer::closeRequested, this, &FAppDelegate::toggleDrawer);
     connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, this, &FAppDelegate::doSelGetInfo);
     connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, this, &FAppDelegate::doSelShowInFinder);
     window_->setMayClose([this] { return mayClose(); });

@@ -66,9 +66,6 @@ void ItemListController::updateTableKeepSelection() {
     const bool currentGoes = currentItem != nullptr && !shown.contains(currentItem);
     const int place = currentGoes ? rowsThatStay(shown, current.row()) : 0;
     model_->setItems(shown);
-    if (haveSizesChanged()) {
-        model_->valuesChanged();
-    }
     if (currentGoes && hasItems()) {
         replaceCurrent(place, selected != nullptr);
     }

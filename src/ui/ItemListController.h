@@ -73,8 +73,6 @@ protected:
     [[nodiscard]] virtual std::filesystem::path pathOf(const engine::CleanableItem& item) const = 0;
     /// The menu of a row offers to show the item; a list may offer more.
     virtual void addActions(QMenu& /*menu*/) {}
-    /// Whether items that stay may have other sizes than when they were last shown.
-    [[nodiscard]] virtual bool haveSizesChanged() const { return false; }
 
     /// Null when no row is selected.
     [[nodiscard]] Item selectedItem() const;

@@ -39,12 +39,28 @@ void ItemListModel::setItems(const QList<Item>& items) {
     if (!grown) {
         dropRowsNotIn(items);
     }
+    const bool otherValues = updateValues();
     const std::size_t before = rows_.size();
     if (!added.isEmpty()) {
         appendNewRows(added);
     }
-    // A change of a mark may have moved a row of a list that is sorted by marks.
-    sortRows(sortColumn_ == checkColumn ? 0 : before);
+    // A change of a mark may have moved a row of a list that is sorted by marks, and one of a value any row.
+    sortRows(sortColumn_ == checkColumn || otherValues ? 0 : before);
+    if (otherValues) {
+        Q_EMIT dataChanged(index(0, sizeColumn), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});
+    }
+}
+
+bool ItemListModel::updateValues() {
+    bool changed = false;
+    for (auto& row : rows_) {
+        const quint64 size = row.item->ppnSize();
+        const quint64 count = countOf(*row.item);
+        changed = changed || size != row.size || count != row.count;
+        row.size = size;
+        row.count = count;
+    }
+    return changed;
 }
 
 // Rows to go are moved to the end and dropped there at once: one change for the views, however they lay scattered.
@@ -86,7 +102,8 @@ void ItemListModel::appendNewRows(const QList<Item>& items) {
 }
 
 ItemListModel::Row ItemListModel::makeRow(const Item& item) const {
-    return {item, collator_.sortKey(item->ppdisplayKeyName()), collator_.sortKey(item->ppdisplayName())};
+    return {item, collator_.sortKey(item->ppdisplayKeyName()), collator_.sortKey(item->ppdisplayName()),
+            item->ppnSize(), countOf(*item)};
 }
 
 QList<ItemListModel::Item> ItemListModel::items() const {
@@ -117,9 +134,9 @@ bool ItemListModel::isBefore(const Row& left, const Row& right) const {
     if (sortColumn_ == checkColumn) {
         result = compare(left.item->ppbChecked(), right.item->ppbChecked());
     } else if (sortColumn_ == sizeColumn) {
-        result = compare(left.item->ppnSize(), right.item->ppnSize());
+        result = compare(left.size, right.size);
     } else if (sortColumn_ == countColumn) {
-        result = compare(texts_.count(*left.item), texts_.count(*right.item));
+        result = compare(left.count, right.count);
     } else {
         result = left.nameKey.compare(right.nameKey);
     }
@@ -166,13 +183,6 @@ void ItemListModel::permute(const std::vector<int>& order) {
     changePersistentIndexList(before, after);
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
     Q_EMIT rowsReordered();
-}
-
-void ItemListModel::valuesChanged() {
-    if (!rows_.empty()) {
-        sortRows(0);
-        Q_EMIT dataChanged(index(0, nameColumn), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});
-    }
 }
 
 void ItemListModel::checksChanged(int firstRow, int lastRow) {

@@ -34,7 +34,7 @@ public:
 
     explicit ItemListModel(Texts texts, QObject* parent = nullptr);
 
-    /// Shows exactly these items, each once.
+    /// Shows exactly these items, each once, with the sizes and counts that they have now.
     void setItems(const QList<Item>& items);
     [[nodiscard]] const Item& item(int row) const { return rows_[static_cast<std::size_t>(row)].item; }
     /// The items as shown, from the top.
@@ -44,8 +44,6 @@ public:
 
     /// Sorts by a column, the icon column excepted; the rows of later `setItems` too.
     void sort(int column, Qt::SortOrder order) override;
-    /// Takes in that sizes and counts are others than before: sorts anew and tells views.
-    void valuesChanged();
     /// Tells views that the check states of rows changed.
     void checksChanged(int firstRow, int lastRow);
     /// Whether check boxes may be changed.
@@ -69,11 +67,18 @@ private:
         Item item;
         QCollatorSortKey nameKey;
         QCollatorSortKey fullNameKey;
+        quint64 size;   ///< bytes, as shown
+        quint64 count;  ///< as shown; 0 where none is
     };
 
     [[nodiscard]] Row makeRow(const Item& item) const;
     [[nodiscard]] bool isBefore(const Row& left, const Row& right) const;
     [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;
+    [[nodiscard]] quint64 countOf(const engine::CleanableItem& item) const {
+        return texts_.count ? texts_.count(item) : 0;
+    }
+    /// Takes in the sizes and counts of the rows that are there; false when none has changed.
+    bool updateValues();
     void dropRowsNotIn(const QList<Item>& items);
     void appendNewRows(const QList<Item>& items);
     /// Sorts what stands behind the rows that are sorted already, and merges the two.

@@ -24,7 +24,7 @@ int LanguageRowDelegate::margin(int column) const {
 // A flag need not be there: then the place is left free.
 void LanguageRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem& option,
                                    const QModelIndex& index) const {
-    const QByteArray name = index.data(langres::LangListController::iconRole).toString().toLatin1();
+    const QByteArray name = index.data(langres::LangListController::iconRole).toByteArray();
     const QSize size = ImageLoad::sizeOf(QLatin1String(name)).toSize();
     if (size.isEmpty()) {
         return;

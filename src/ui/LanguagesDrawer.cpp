@@ -1,7 +1,9 @@
 #include "ui/LanguagesDrawer.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -15,13 +17,19 @@ constexpr int drawerWidth = 252;
 constexpr int slideTime = 200;  // milliseconds; quick enough not to be waited for
 constexpr qreal titleSize = 14;
 constexpr qreal noteSize = 11.5;
-constexpr QMargins textMargins(15, 0, 6, 0);
+constexpr int textMargin = 15;
+constexpr int textEndMargin = 6;  // as little as lets the note stand on two lines
+
+// Margins are not mirrored by themselves.
+QMargins margins(const QWidget* widget, int leading, int top, int trailing) {
+    return widget->isRightToLeft() ? QMargins(trailing, top, leading, 0) : QMargins(leading, top, trailing, 0);
+}
 
 QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
     auto* label = new QLabel(text);
     label->setFont(font);
     label->setWordWrap(true);
-    label->setContentsMargins(textMargins);
+    label->setContentsMargins(margins(label, textMargin, 0, textEndMargin));
     QPalette colors = label->palette();
     colors.setColor(QPalette::WindowText, QColor(color));
     label->setPalette(colors);
@@ -33,7 +41,7 @@ QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
 LanguagesDrawer::LanguagesDrawer(QWidget* parent)
     : QWidget(parent), content_(new QWidget(this)), ptableView_(new LanguagesTableView) {
     auto* layout = new QVBoxLayout(content_);
-    layout->setContentsMargins(1, 16, 0, 0);
+    layout->setContentsMargins(margins(this, 1, 16, 0));
     layout->setSpacing(0);
     layout->addWidget(makeLabel(tr("Languages to keep"), look::font(titleSize, QFont::DemiBold), look::textPrimary));
     layout->addSpacing(3);
@@ -65,9 +73,12 @@ void LanguagesDrawer::setOpen(bool open) {
         arrived();
         return;
     }
-    slide_.setDuration(slideTime);
-    slide_.setStartValue(width());
-    slide_.setEndValue(goal);
+    {
+        const QSignalBlocker untilItStarts(slide_);
+        slide_.setDuration(slideTime);
+        slide_.setStartValue(width());
+        slide_.setEndValue(goal);
+    }
     setVisible(true);
     slide_.start();
 }
@@ -80,6 +91,14 @@ void LanguagesDrawer::slideTo(int width) {
 void LanguagesDrawer::arrived() {
     if (!open_) {
         Q_EMIT drawerDidClose();
+    }
+}
+
+void LanguagesDrawer::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        Q_EMIT closeRequested();
+    } else {
+        QWidget::keyPressEvent(event);
     }
 }
 

@@ -22,8 +22,11 @@ public:
 
 Q_SIGNALS:
     void drawerDidClose();
+    /// The user pressed the escape key in it.
+    void closeRequested();
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 

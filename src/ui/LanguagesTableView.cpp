@@ -2,10 +2,13 @@
 
 #include <QHeaderView>
 
+#include "langres/LangListController.h"
 #include "ui/LanguageRowDelegate.h"
 #include "ui/Look.h"
 
 namespace brimvault::ui {
+
+static_assert(static_cast<int>(langres::LangListController::textColumn) == CheckTableView::textColumn);
 
 LanguagesTableView::LanguagesTableView(QWidget* parent) : CheckTableView(parent) {
     setItemDelegate(new LanguageRowDelegate(this));

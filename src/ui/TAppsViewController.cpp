@@ -1,11 +1,18 @@
 #include "ui/TAppsViewController.h"
 
+#include "ui/FilePicture.h"
+
 namespace brimvault::ui {
 
 namespace {
 
 const engine::AppItemData& application(const engine::CleanableItem& item) {
     return static_cast<const engine::AppItemData&>(item);
+}
+
+// Other packages, plug-ins and the like, look like folders.
+QLatin1String packagePicture(const std::filesystem::path& package) {
+    return package.extension() == ".app" ? QLatin1String("icApp") : filePicture(files::NodeKind::directory);
 }
 
 }  // namespace
@@ -24,7 +31,7 @@ QList<ItemListController::Item> TAppsViewController::items() const {
 ItemListModel::Texts TAppsViewController::texts() const {
     return {[](const engine::CleanableItem& item) { return application(item).displayName(); },
             [](const engine::CleanableItem& /*item*/) { return QString(); },
-            [](const engine::CleanableItem& /*item*/) { return QLatin1String("icApp"); },
+            [](const engine::CleanableItem& item) { return packagePicture(application(item).pAppName()); },
             [](const engine::CleanableItem& item) { return application(item).cleanableLocsCount(); }};
 }
 

@@ -23,8 +23,6 @@ private:
     [[nodiscard]] QList<Item> items() const override;
     [[nodiscard]] ItemListModel::Texts texts() const override;
     [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
-    /// They follow the languages to keep.
-    [[nodiscard]] bool haveSizesChanged() const override { return true; }
 };
 
 }  // namespace brimvault::ui

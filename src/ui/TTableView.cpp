@@ -14,10 +14,12 @@ namespace brimvault::ui {
 
 namespace {
 
+static_assert(static_cast<int>(ItemListModel::nameColumn) == CheckTableView::textColumn);
+
 constexpr int sizeColumnWidth = 120;
 // Where numbers stand in two columns.
-constexpr int countColumnWidth = 72;
-constexpr int narrowSizeColumnWidth = 98;
+constexpr int countColumnWidth = 66;
+constexpr int narrowSizeColumnWidth = 94;
 
 }  // namespace
 

@@ -134,7 +134,6 @@ SampleHome::SampleHome(const fs::path& folder) {
     makeCaches();
     makeContainers();
     makeOtherSections();
-    makeApplications();
     makeUntouchables();
 }
 

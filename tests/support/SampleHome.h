@@ -23,6 +23,9 @@ public:
     /// Fills a folder that is empty or does not exist yet; refuses any other.
     explicit SampleHome(const std::filesystem::path& folder);
 
+    /// Adds applications with many localizations; some hundred folders, so only where they are looked at.
+    void makeApplications() const;
+
     /// Absolute, with no link on the way.
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
     [[nodiscard]] std::filesystem::path library() const { return path_ / "Library"; }
@@ -60,7 +63,6 @@ private:
     void makeCaches() const;
     void makeContainers() const;
     void makeOtherSections() const;
-    void makeApplications() const;
     void makeUntouchables() const;
 
     std::filesystem::path path_;

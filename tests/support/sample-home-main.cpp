@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
     }
     try {
         const brimvault::tests::SampleHome home(argv[1]);
+        home.makeApplications();
         std::puts(home.path().c_str());
         return 0;
     } catch (const std::exception& problem) {
