@@ -5,27 +5,10 @@
 #include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
-#include "files/DirectoryHandle.h"
 #include "files/NodeStatus.h"
 #include "langres/LocalizationFolders.h"
 
 namespace brimvault::langres {
-
-namespace {
-
-// Another localization beside the one given. A folder that cannot be listed holds none that anyone could rely on.
-bool isNotTheLast(const std::filesystem::path& localization) {
-    bool found = false;
-    (void)files::forEachChild(localization.parent_path(), files::HiddenEntries::skip,
-                              [&](const files::DirectoryEntry& entry) {
-                                  found = entry.kind == files::NodeKind::directory && isLocalizationName(entry.name) &&
-                                          localization.filename() != entry.name;
-                                  return !found;
-                              });
-    return found;
-}
-
-}  // namespace
 
 void CAOperation::main() {
     const QStringList needed = pclprops_->mpstrArrayNeededLangs();
@@ -72,9 +55,8 @@ bool CAOperation::isGoneAfterRemoval(const std::filesystem::path& localization) 
     if (!files::mayExist(localization)) {
         return true;
     }
-    const auto status = files::statusOf(localization);
-    const bool asFound = status && status->kind == files::NodeKind::directory;
-    return asFound && isNotTheLast(localization) && engine::removeItemAt(localization, remover_).gone;
+    return isFolder(localization) && isAnotherLocalizationBeside(localization) &&
+           engine::removeItemAt(localization, remover_).gone;
 }
 
 }  // namespace brimvault::langres

@@ -104,8 +104,7 @@ std::shared_ptr<AppItemData> SAOperation::readPackage(const std::filesystem::pat
 // A package that cannot be judged is left alone.
 bool SAOperation::isToBeScanned(const std::filesystem::path& path) {
     try {
-        const auto status = files::statusOf(path);
-        return status && status->kind == files::NodeKind::directory &&
+        return isFolder(path) &&
                LanguagesManager::isPossibleToRemoveLangsInBundleWithIdentifier(
                    platform::Packages::bundleIdentifier(path)) &&
                !engine::FileManager::isAppPathInQuarantine(path);

@@ -79,7 +79,7 @@ bool looksLikeIdentifier(const QString& text) {
 
 // Encodings say nothing of the language; of modifiers, those that are scripts take their usual place.
 QString withoutPosixParts(const QString& text) {
-    const QString plain = text.section(QLatin1Char('@'), 0, 0).section(QLatin1Char('.'), 0, 0);
+    QString plain = text.section(QLatin1Char('@'), 0, 0).section(QLatin1Char('.'), 0, 0);
     const QString modifier = text.section(QLatin1Char('@'), 1).toLower();
     for (const auto& [name, script] : {std::pair("latin", "Latn"), std::pair("cyrillic", "Cyrl"),
                                        std::pair("devanagari", "Deva"), std::pair("arabic", "Arab")}) {

@@ -174,7 +174,7 @@ QString valueInLine(const std::filesystem::path& path, const QRegularExpression&
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         return {};
     }
-    constexpr qint64 enough = 64 * 1024;  // what people write is a few lines
+    constexpr qint64 enough = 65'536;  // what people write is a few lines
     return line.match(QString::fromUtf8(file.read(enough))).captured(1);
 }
 
