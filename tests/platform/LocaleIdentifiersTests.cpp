@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "langres/LanguagesManager.h"
+#include "support/ChildProcess.h"
 #include "support/TextPrinting.h"
 
 namespace brimvault::tests {
@@ -85,6 +88,17 @@ TEST(LocaleIdentifiers, OfPreferredLanguagesAreEachFollowedByTheirFamilyUnlessTh
     for (const auto& [given, preferred] : examples) {
         EXPECT_EQ(LocaleIdentifiers::preferredLanguagesFrom(words(given)), words(preferred)) << given;
     }
+}
+
+TEST(LocaleIdentifiers, OfTheDesktopNameNoBareEnglishBetweenThoseThatTheUserNamed) {
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        ::setenv("LANGUAGE", "en_US:fr", 1);
+        const auto languages = LocaleIdentifiers::preferredLanguages();
+        if (languages.first() != QLatin1String("en-US")) {
+            return cannotTry("the languages of this process have been read before");
+        }
+        return languages == words("en-US fr") ? "" : languages.join(QLatin1Char(' ')).toStdString();
+    });
 }
 
 TEST(LocaleIdentifiers, HaveNamesInTheReadersLanguage) {

@@ -94,6 +94,9 @@ void readEngines(const QString& path, QHash<QString, QString>& languageOfEngine)
         const auto token = reader.readNext();
         if (token == QXmlStreamReader::EndElement && reader.name() == QLatin1String("engine")) {
             languageOfEngine.insert(name, language);
+        } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("engine")) {
+            name.clear();  // that of what holds it
+            language.clear();
         } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("name")) {
             name = reader.readElementText(QXmlStreamReader::SkipChildElements);
         } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("language")) {
