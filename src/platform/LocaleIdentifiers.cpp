@@ -9,6 +9,8 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include "platform/System.h"
+
 namespace brimvault::platform {
 
 namespace {
@@ -168,10 +170,24 @@ QString LocaleIdentifiers::canonicalLocaleIdentifierFromString(const QString& te
     return shortestForm(locale);
 }
 
-QStringList LocaleIdentifiers::preferredLanguages() { return preferredLanguagesFrom(QLocale::system().uiLanguages()); }
+QStringList LocaleIdentifiers::preferredLanguages() {
+    QStringList languages = QLocale::system().uiLanguages();
+    // That list leaves out modifiers, of which some name the script.
+    QString locale;
+    for (const char* variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
+        if (locale.isEmpty()) {
+            locale = QString::fromStdString(system().environmentVariable(variable));
+        }
+    }
+    if (locale.contains(QLatin1Char('@'))) {
+        languages.prepend(locale.section(QLatin1Char(':'), 0, 0));
+    }
+    return preferredLanguagesFrom(languages);
+}
 
 QStringList LocaleIdentifiers::preferredLanguagesFrom(const QStringList& languages) {
     QStringList preferred;
+    bool hasRegionalEnglish = false;
     const auto add = [&](const QString& identifier) {
         if (!identifier.isEmpty() && !preferred.contains(identifier)) {
             preferred.append(identifier);
@@ -183,7 +199,10 @@ QStringList LocaleIdentifiers::preferredLanguagesFrom(const QStringList& languag
         }
         const QString identifier = canonicalLocaleIdentifierFromString(language);
         if (identifier.section(QLatin1Char('-'), 0, 0) == QLatin1String("en")) {
-            add(withRegion(language));
+            // The system's list follows a regional form by its family itself.
+            const QString english = withRegion(language);
+            add(hasRegionalEnglish && english == QLatin1String("en") ? QString() : english);
+            hasRegionalEnglish = hasRegionalEnglish || english != QLatin1String("en");
             continue;
         }
         add(identifier);

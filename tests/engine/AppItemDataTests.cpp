@@ -133,6 +133,26 @@ TEST(AppItemData, ComparesLanguagesLetterByLetter) {
     EXPECT_EQ(application->itemsToClean({QStringLiteral("en")}).size(), 2);
 }
 
+TEST(AppItemData, LeavesTheNearestToTheUsersWhereNoneIsKept) {
+    struct Case {
+        const char* found;
+        const char* kept;
+        const char* staying;
+    };
+    for (const auto& [found, kept, staying] : {Case{"en-GB de fr", "en", "en-GB"}, Case{"de fr pt", "en de-AT", "de"},
+                                               Case{"ja fr", "en de", "fr"}, Case{"de-AT en-GB", "en de", "en-GB"}}) {
+        const auto application = AppItemData::initWithName("/Some.app");
+        application->setPpbDeletable(true);
+        for (const QString& language : QString::fromLatin1(found).split(QLatin1Char(' '))) {
+            application->addLocalizationItem(localization("/Some.app/R", language, 1));
+        }
+        const auto needed = QString::fromLatin1(kept).split(QLatin1Char(' '));
+        application->updCleanedLocalizations(application->itemsToClean(needed), needed);
+        ASSERT_EQ(application->pLocalizations().size(), 1) << found;
+        EXPECT_EQ(application->pLocalizations().first()->plocNameId, QString::fromLatin1(staying)) << found;
+    }
+}
+
 TEST(AppItemData, GroupsByTheFolderInsideTheBundle) {
     const auto application = AppItemData::initWithName("/Some.app");
     EXPECT_EQ(application->keyForLocalizationItem(*localization("/Some.app", languages[0], 1)), "");

@@ -82,7 +82,7 @@ TEST(LocaleIdentifiers, OfPreferredLanguagesAreEachFollowedByTheirFamilyUnlessTh
         {"es_MX", "es-MX es-419 es"},
         {"es_ES", "es"},
         {"sr_Latn_RS", "sr-Latn sr"},
-        {"de_DE de en_US de_AT en", "de en-US de-AT en"},
+        {"de_DE de en_US de_AT en", "de en-US de-AT"},
         {"de_AT.UTF-8 German de-CH", "de-AT de de-CH"},
     };
     for (const auto& [given, preferred] : examples) {
