@@ -31,7 +31,8 @@ std::vector<std::filesystem::path> rootFolders() {
                                                   library / "Containers", platform::systemRoot() / "Library" / "Logs",
                                                   LibraryURLs::getPreferencesFolderURL()};
     for (const auto& folder :
-         {LibraryURLs::getCachesFolderURL(), LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL()}) {
+         {LibraryURLs::getCachesFolderURL(), LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL(),
+          LibraryURLs::getApplicationFolderURL(), LibraryURLs::getUserApplicationFolderURL()}) {
         if (folder) {
             folders.push_back(*folder);
         }

@@ -119,6 +119,7 @@ TEST_F(RemovalOfItems, RefusesTheFoldersOfTheSectionsAndWhatHoldsThem) {
                                            home_ / "Library/Application Support/CrashReporter",
                                            home_ / "Library/Containers",
                                            root / "Library/Logs",
+                                           root / "Applications",
                                            trash_,
                                            trash_ / "../info",
                                            home_ / ".Trash",

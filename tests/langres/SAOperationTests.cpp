@@ -64,11 +64,8 @@ std::string described(const Notification& progress) {
 
 class ApplicationsScan : public testing::Test {
 protected:
-    enum class Kind {
-        listed,
-        bare,
-        guarded
-    };  // with two localizations, with one and "Base", with two of the system's own
+    /// With two localizations; with one and "Base"; with two, of an application of the system's own.
+    enum class Kind { listed, bare, guarded };
 
     void make(const fs::path& folder, const std::vector<Kind>& kinds) const {
         for (std::size_t number = 0; number < kinds.size(); ++number) {
@@ -226,14 +223,16 @@ TEST_F(ApplicationsScan, ListsOnlyWholeApplicationsWheneverItIsCancelled) {
         const auto bundle = system_ / (std::to_string(number % applications) + ".app");
         writeFile(bundle / (std::to_string(number) + ".lproj") / "inner/file", "12345");
     }
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(scanApplications(system_).size(), applications);
+    const auto whole = std::chrono::steady_clock::now() - start;
     std::mt19937 random(1811);
-    constexpr unsigned longest = 20'000;  // microseconds, in which some scans end and others do not
     int cutShort = 0;
-    for (int round = 0; round < 5000 && cutShort < 10; ++round) {
+    for (int round = 0; round < 500 && cutShort < 10; ++round) {
         const auto operation = std::make_shared<SAOperation>(system_, std::nullopt);
         const HeardNotifications finished = {resources.scanFinished};
-        std::thread canceller([&, pause = random() % longest] {
-            std::this_thread::sleep_for(std::chrono::microseconds(pause));
+        std::thread canceller([&, pause = whole * (random() % 100) / 100] {
+            std::this_thread::sleep_for(pause);
             operation->cancel();
         });
         runToEnd(operation);
@@ -249,7 +248,7 @@ TEST_F(ApplicationsScan, ListsOnlyWholeApplicationsWheneverItIsCancelled) {
         }
         cutShort += !listed.isEmpty() && listed.size() < applications ? 1 : 0;
     }
-    EXPECT_EQ(cutShort, 10);
+    EXPECT_GT(cutShort, 0) << "no scan was stopped under way";
 }
 
 TEST_F(ApplicationsScan, FollowsNoLinkHoweverItLoops) {
