@@ -118,7 +118,7 @@ QVariant LangListController::data(const QModelIndex& index, int role) const {
         case iconColumn:
             return role == iconRole ? QVariant(getIconforRow(row).toLatin1()) : QVariant();
         case textColumn:
-            return role == Qt::DisplayRole ? text(row) : QVariant();
+            return role == Qt::DisplayRole || role == Qt::ToolTipRole ? text(row) : QVariant();
         default:
             return {};
     }

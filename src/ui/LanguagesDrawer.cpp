@@ -6,6 +6,7 @@
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/Look.h"
 
@@ -14,6 +15,7 @@ namespace brimvault::ui {
 namespace {
 
 constexpr int drawerWidth = 252;
+constexpr int usualWindowWidth = 1000;
 constexpr int slideTime = 200;  // milliseconds; quick enough not to be waited for
 constexpr qreal titleSize = 14;
 constexpr qreal noteSize = 11.5;
@@ -56,7 +58,15 @@ LanguagesDrawer::LanguagesDrawer(QWidget* parent)
     hide();
 }
 
-int LanguagesDrawer::fullWidth() const { return look::scaled(drawerWidth); }
+int LanguagesDrawer::fullWidth() const {
+    return std::min(look::scaled(drawerWidth), window()->width() * drawerWidth / usualWindowWidth);
+}
+
+void LanguagesDrawer::fitWindow() {
+    if (open_ && slide_.state() != QAbstractAnimation::Running) {
+        slideTo(fullWidth());
+    }
+}
 
 // From where it is, so that one that is called back on its way turns around there.
 void LanguagesDrawer::setOpen(bool open) {
@@ -89,7 +99,9 @@ void LanguagesDrawer::slideTo(int width) {
 }
 
 void LanguagesDrawer::arrived() {
-    if (!open_) {
+    if (open_) {
+        slideTo(fullWidth());  // the window may have changed on the way
+    } else {
         Q_EMIT drawerDidClose();
     }
 }

@@ -19,6 +19,8 @@ public:
     /// It is out, or on its way.
     [[nodiscard]] bool isOpen() const { return open_; }
     void setOpen(bool open);
+    /// Takes in that the window has another width: in a narrow one the drawer leaves the list its room.
+    void fitWindow();
 
 Q_SIGNALS:
     void drawerDidClose();

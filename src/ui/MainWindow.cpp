@@ -52,6 +52,11 @@ void MainWindow::showLists() {
     }
 }
 
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    pDrawer_->fitWindow();
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) { event->setAccepted(!mayClose_ || mayClose_()); }
 
 }  // namespace brimvault::ui

@@ -155,6 +155,9 @@ TEST_F(LanguageJourney, TheDrawerFollowsItsSectionAndTheUsersWish) {
     const int wide = lists()->width();
     const int narrow = wide - drawer()->width();
     ASSERT_TRUE(Guide::waitFor([&] { return guide_->list()->width() == narrow; }));
+    window()->resize(860, 560);
+    EXPECT_TRUE(Guide::waitFor([&] { return drawer()->width() < wide - narrow && isOut(); }));
+    window()->resize(1000, 660);
     clickSection(cachesRow);
     EXPECT_FALSE(window()->pbtnLangs()->isVisible());
     ASSERT_TRUE(Guide::waitFor([this] { return !drawer()->isVisible(); }));
