@@ -1,7 +1,6 @@
 #include "ui/LanguagesDrawer.h"
 
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QStyle>
@@ -9,6 +8,7 @@
 #include <algorithm>
 
 #include "ui/Look.h"
+#include "ui/TextLabel.h"
 
 namespace brimvault::ui {
 
@@ -27,14 +27,10 @@ QMargins margins(const QWidget* widget, int leading, int top, int trailing) {
     return widget->isRightToLeft() ? QMargins(trailing, top, leading, 0) : QMargins(leading, top, trailing, 0);
 }
 
-QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
-    auto* label = new QLabel(text);
-    label->setFont(font);
+QLabel* makeParagraph(const QString& text, const QFont& font, QRgb color) {
+    auto* label = makeLabel(text, font, color);
     label->setWordWrap(true);
     label->setContentsMargins(margins(label, textMargin, 0, textEndMargin));
-    QPalette colors = label->palette();
-    colors.setColor(QPalette::WindowText, QColor(color));
-    label->setPalette(colors);
     return label;
 }
 
@@ -45,10 +41,11 @@ LanguagesDrawer::LanguagesDrawer(QWidget* parent)
     auto* layout = new QVBoxLayout(content_);
     layout->setContentsMargins(margins(this, 1, 16, 0));
     layout->setSpacing(0);
-    layout->addWidget(makeLabel(tr("Languages to keep"), look::font(titleSize, QFont::DemiBold), look::textPrimary));
+    layout->addWidget(
+        makeParagraph(tr("Languages to keep"), look::font(titleSize, QFont::DemiBold), look::textPrimary));
     layout->addSpacing(3);
-    layout->addWidget(makeLabel(tr("Localizations in unchecked languages can be removed. English always stays."),
-                                look::font(noteSize), look::textSecondary));
+    layout->addWidget(makeParagraph(tr("Localizations in unchecked languages can be removed. English always stays."),
+                                    look::font(noteSize), look::textSecondary));
     layout->addSpacing(10);
     layout->addWidget(ptableView_, 1);
     connect(&slide_, &QVariantAnimation::valueChanged, this, [this](const QVariant& width) { slideTo(width.toInt()); });

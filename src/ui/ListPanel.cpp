@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "ui/Look.h"
+#include "ui/TextLabel.h"
 
 namespace brimvault::ui {
 
@@ -17,15 +18,6 @@ constexpr qreal titleSize = 18;
 constexpr qreal countSize = 12;
 constexpr qreal noteSize = 14;
 constexpr int cleanWidth = 160;
-
-QLabel* makeLabel(const QFont& font, QRgb color) {
-    auto* label = new QLabel;
-    label->setFont(font);
-    QPalette colors = label->palette();
-    colors.setColor(QPalette::WindowText, QColor(color));
-    label->setPalette(colors);
-    return label;
-}
 
 // A bar with a gradient and a line along one edge.
 class Bar final : public QWidget {
@@ -55,15 +47,15 @@ private:
 
 ListPanel::ListPanel(QWidget* parent)
     : QWidget(parent),
-      title_(makeLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
-      count_(makeLabel(look::font(countSize), look::textSecondary)),
+      title_(makeLabel({}, look::font(titleSize, QFont::Bold), look::textPrimary)),
+      count_(makeLabel({}, look::font(countSize), look::textSecondary)),
       buttons_(new QHBoxLayout),
       pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
       pbtnFinder_(new IconButton(QLatin1String("btnFinder"), tr("Show in File Manager"))),
       middle_(new QHBoxLayout),
       pDestView_(new QWidget),
       lists_(new QVBoxLayout(pDestView_)),
-      note_(makeLabel(look::font(noteSize), look::textSecondary)),
+      note_(makeLabel({}, look::font(noteSize), look::textSecondary)),
       pbtnSelectAll_(new SelectAllButton),
       plashka_(new PlashkaView),
       pbtnClean_(new ActionButton) {

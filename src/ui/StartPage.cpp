@@ -7,6 +7,7 @@
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
 #include "ui/PictureLabel.h"
+#include "ui/TextLabel.h"
 
 namespace brimvault::ui {
 
@@ -21,13 +22,9 @@ constexpr qreal descriptionSize = 14;
 constexpr qreal hintSize = 12.5;
 
 QLabel* centred(const QString& text, const QFont& font, QRgb color) {
-    auto* label = new QLabel(text);
-    label->setFont(font);
+    auto* label = makeLabel(text, font, color);
     label->setAlignment(Qt::AlignCenter);
     label->setWordWrap(true);
-    QPalette colors = label->palette();
-    colors.setColor(QPalette::WindowText, QColor(color));
-    label->setPalette(colors);
     return label;
 }
 
