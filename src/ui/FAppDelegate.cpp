@@ -177,14 +177,14 @@ void FAppDelegate::cleanStarted() {
     UpdateTextsAboutFreeUpSize();
     resetNotCleanedDicts();
     pLangListController_->updateCleaningState(true);
-    updateCleaningStateForControllers();
+    panels_->updateCleaningState();
     enableControlsClean(false);
 }
 
 void FAppDelegate::cleanFinished() {
     const bool focusGoes = window_->lists()->pbtnClean()->hasFocus();
     psectController_->cleanFinished();
-    updateCleaningStateForControllers();
+    panels_->updateCleaningState();
     enableControlsClean(true);
     pLangListController_->updateCleaningState(false);
     updateSelectAllCheck();
@@ -206,14 +206,12 @@ void FAppDelegate::focusWhatIsNext() {
     }
 }
 
-void FAppDelegate::updateCleaningStateForControllers() { panels_->updateCleaningState(bcleaningProcess_ || removing_); }
-
 // While an item is being removed nothing else begins, and nothing stops it.
 void FAppDelegate::setPbRemoving(bool removing) {
     removing_ = removing;
     psectController_->updateChecksEnabled();
     window_->sidebar()->pbtnScan()->setEnabled(!removing);
-    updateCleaningStateForControllers();
+    panels_->updateCleaningState();
     updateSelectAllCheck();
     closeWhenIdle();
 }

@@ -79,7 +79,6 @@ private:
     void enableListControls(bool idle);
     void setImgs4Scan(bool idle);
     void setImgs4Clean(bool idle);
-    void updateCleaningStateForControllers();
     void focusWhatIsNext();
 
     void updateButtonsForPanel(int row);

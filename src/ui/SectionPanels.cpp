@@ -47,7 +47,7 @@ void SectionPanels::createController(int row) {
         updateTitle();
         updateSelectAllButton();
     });
-    slot->updateCleaningState(cleaning_);
+    slot->updateCleaningState(isRemoving());
 }
 
 void SectionPanels::showPanel(int row) {
@@ -72,11 +72,10 @@ void SectionPanels::refreshLists() {
     }
 }
 
-void SectionPanels::updateCleaningState(bool cleaning) {
-    cleaning_ = cleaning;
+void SectionPanels::updateCleaningState() {
     for (const auto& controller : pDynControllers_) {
         if (controller) {
-            controller->updateCleaningState(cleaning);
+            controller->updateCleaningState(isRemoving());
         }
     }
 }

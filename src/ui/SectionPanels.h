@@ -29,7 +29,8 @@ public:
 
     /// Takes in everything that the model holds.
     void refreshLists();
-    void updateCleaningState(bool cleaning);
+    /// Check boxes follow whether a clean or a single removal runs.
+    void updateCleaningState();
     void updateTitle();
     void updateSelectAllButton();
     /// What the check box was clicked for.
@@ -38,6 +39,7 @@ public:
 private:
     void createController(int row);
     void showPanel(int row);
+    [[nodiscard]] bool isRemoving() const { return application_.pbCleanning() || application_.pbRemoving(); }
 
     ListPanel& panel_;
     TSectionViewController& sections_;
@@ -45,7 +47,6 @@ private:
     UtilMod& util_;
     std::array<std::unique_ptr<ItemListController>, sectionRowCount> pDynControllers_;
     int activeRow_ = -1;
-    bool cleaning_ = false;
 };
 
 }  // namespace brimvault::ui
