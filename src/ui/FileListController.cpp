@@ -24,15 +24,15 @@ void FileListController::awake(const QString& accessibleName) {
 }
 
 QList<ItemListController::Item> FileListController::items() const {
-    const auto& found = surroundings().pDS.itemsOf(section());
-    return {found.begin(), found.end()};
+    return notEmpty(surroundings().pDS.itemsOf(section()));
 }
 
 ItemListModel::Texts FileListController::texts() const {
     return {[this](const engine::CleanableItem& item) { return nameOf(file(item)); },
             [this](const engine::CleanableItem& item) { return platform::displayText(fullPathOf(file(item))); },
             [](const engine::CleanableItem& item) { return filePicture(file(item).getDisplayIcon().kind); },
-            {}};
+            {},
+            false};
 }
 
 std::filesystem::path FileListController::pathOf(const engine::CleanableItem& item) const {

@@ -57,12 +57,7 @@ void ItemListController::updateTableKeepSelection() {
     const QModelIndex current = ptableView_->currentIndex();
     const auto currentItem = current.isValid() ? model_->item(current.row()) : nullptr;
     const int scrolled = ptableView_->verticalScrollBar()->value();
-    QList<Item> shown;
-    for (const auto& item : items()) {
-        if (item->ppnSize() != 0) {  // what is empty frees nothing
-            shown.append(item);
-        }
-    }
+    const QList<Item> shown = items();
     const bool currentGoes = currentItem != nullptr && !shown.contains(currentItem);
     const int place = currentGoes ? rowsThatStay(shown, current.row()) : 0;
     model_->setItems(shown);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -66,8 +68,16 @@ protected:
     /// To be called once, at the end of the constructor of a section's own list.
     void awake(const QString& accessibleName);
 
-    /// Everything that the model holds for the section, as found.
+    /// What the model holds for the section and is not empty, as found.
     [[nodiscard]] virtual QList<Item> items() const = 0;
+    /// What is empty frees nothing, and is not listed.
+    template <typename Found>
+    [[nodiscard]] static QList<Item> notEmpty(const QList<std::shared_ptr<Found>>& found) {
+        QList<Item> items;
+        std::copy_if(found.begin(), found.end(), std::back_inserter(items),
+                     [](const auto& item) { return item->ppnSize() != 0; });
+        return items;
+    }
     [[nodiscard]] virtual ItemListModel::Texts texts() const = 0;
     /// Where the item lies, for what is done to it.
     [[nodiscard]] virtual std::filesystem::path pathOf(const engine::CleanableItem& item) const = 0;

@@ -39,7 +39,7 @@ void ItemListModel::setItems(const QList<Item>& items) {
     if (!grown) {
         dropRowsNotIn(items);
     }
-    const bool otherValues = updateValues();
+    const bool otherValues = texts_.valuesChange && updateValues();
     const std::size_t before = rows_.size();
     if (!added.isEmpty()) {
         appendNewRows(added);

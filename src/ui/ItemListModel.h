@@ -30,6 +30,7 @@ public:
         std::function<QString(const engine::CleanableItem&)> tooltip;  ///< empty for none
         std::function<QLatin1String(const engine::CleanableItem&)> icon;
         std::function<quint64(const engine::CleanableItem&)> count;  ///< of its fifth column; none for four columns
+        bool valuesChange = false;  ///< size and count of an item that stays may become others
     };
 
     explicit ItemListModel(Texts texts, QObject* parent = nullptr);

@@ -24,15 +24,14 @@ TAppsViewController::TAppsViewController(const Surroundings& surroundings)
 }
 
 QList<ItemListController::Item> TAppsViewController::items() const {
-    const auto& found = surroundings().pDS.getAppsArray();
-    return {found.begin(), found.end()};
+    return notEmpty(surroundings().pDS.getAppsArray());
 }
 
 ItemListModel::Texts TAppsViewController::texts() const {
     return {[](const engine::CleanableItem& item) { return application(item).displayName(); },
             [](const engine::CleanableItem& /*item*/) { return QString(); },
             [](const engine::CleanableItem& item) { return packagePicture(application(item).pAppName()); },
-            [](const engine::CleanableItem& item) { return application(item).cleanableLocsCount(); }};
+            [](const engine::CleanableItem& item) { return application(item).cleanableLocsCount(); }, true};
 }
 
 std::filesystem::path TAppsViewController::pathOf(const engine::CleanableItem& item) const {

@@ -33,7 +33,8 @@ protected:
     ItemListModel model_{{[](const engine::CleanableItem& item) { return item.ppdisplayName(); },
                           [](const engine::CleanableItem&) { return QString(); },
                           [](const engine::CleanableItem&) { return QLatin1String("icFile"); },
-                          {}}};
+                          {},
+                          false}};
     QAbstractItemModelTester tester_{&model_, QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
