@@ -55,11 +55,17 @@ Result<DirectoryHandle> DirectoryHandle::adopt(int descriptor) {
     return handle;
 }
 
-Result<DirectoryHandle> DirectoryHandle::open(const std::filesystem::path& path) {
+Result<DirectoryHandle> DirectoryHandle::open(const std::filesystem::path& path, const OnWay& onWay) {
     if (!path.is_absolute()) {
         return Result<DirectoryHandle>::failed(EINVAL);
     }
-    auto handle = adopt(::open("/", passThrough));
+    const auto entered = [&](Result<DirectoryHandle> folder) {
+        if (folder && onWay) {
+            onWay(folder->status_);
+        }
+        return folder;
+    };
+    auto handle = entered(adopt(::open("/", passThrough)));
     for (const auto& part : path.relative_path()) {
         if (!handle) {
             return handle;
@@ -70,7 +76,7 @@ Result<DirectoryHandle> DirectoryHandle::open(const std::filesystem::path& path)
         if (part == "..") {
             return Result<DirectoryHandle>::failed(EINVAL);
         }
-        handle = adopt(::openat(handle->descriptor_, part.c_str(), passThrough));
+        handle = entered(adopt(::openat(handle->descriptor_, part.c_str(), passThrough)));
     }
     return handle;
 }

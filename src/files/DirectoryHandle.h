@@ -22,8 +22,9 @@ class DirectoryHandle {
 public:
     /// Opens an absolute path from the root, one name at a time, following no link on the way: ENOTDIR where a name is
     /// a link or no directory, EINVAL for a relative path or one with "..". The handle serves to reach what is inside;
-    /// it cannot be listed itself.
-    static Result<DirectoryHandle> open(const std::filesystem::path& path);
+    /// it cannot be listed itself. `onWay` is told of every folder that is opened, from the root on.
+    using OnWay = std::function<void(const NodeStatus&)>;
+    static Result<DirectoryHandle> open(const std::filesystem::path& path, const OnWay& onWay = {});
 
     DirectoryHandle(DirectoryHandle&& other) noexcept
         : descriptor_(std::exchange(other.descriptor_, -1)), status_(other.status_) {}

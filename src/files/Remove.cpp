@@ -24,25 +24,48 @@ namespace brimvault::files {
 
 namespace {
 
+// A folder that is not there is gone.
+bool removeEmpty(const DirectoryHandle& parent, const char* name) {
+    return ::unlinkat(parent.descriptor(), name, AT_REMOVEDIR) == 0 || errno == ENOENT;
+}
+
 class RemovalVisitor final : public TreeVisitor {
 public:
+    explicit RemovalVisitor(RemovalGuard* guard) : guard_(guard) {}
+
+    bool entersFolder(const NodeStatus& folder, const char* name) override {
+        const bool enters = guard_ == nullptr || guard_->mayRemove(folder);
+        if (!enters) {
+            note(EPERM, name);
+        }
+        return enters;
+    }
+
     void onFile(const DirectoryHandle& folder, const char* name) override {
         if (::unlinkat(folder.descriptor(), name, 0) != 0 && errno != ENOENT) {
             note(errno, name);
         }
     }
 
+    // Asked once more, of what has the name by now: an empty folder that was put there would go.
     void onFolderLeft(const DirectoryHandle& parent, const char* name) override {
-        if (::unlinkat(parent.descriptor(), name, AT_REMOVEDIR) != 0 && errno != ENOENT) {
+        if (!mayStillRemove(parent, name)) {
+            note(EPERM, name);
+        } else if (!removeEmpty(parent, name)) {
             note(errno, name);
         }
     }
 
-    // A folder that may not be read can still be removed when it is empty; when not, the reason is the reading.
+    // A folder that may not be read can still be removed when it is empty; when not, the reason is the reading. Where
+    // there is a guard, it could not be asked.
     void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
         if (code == EXDEV) {
             note(EBUSY, name);  // what the system itself says of a mount point
-        } else if (code != ENOENT && ::unlinkat(parent.descriptor(), name, AT_REMOVEDIR) != 0 && errno != ENOENT) {
+            return;
+        }
+        const bool mayTry = guard_ == nullptr && code != ENOENT;
+        const bool isGone = code == ENOENT || (mayTry && removeEmpty(parent, name));
+        if (!isGone) {
             note(code, name);
         }
     }
@@ -58,20 +81,24 @@ public:
 
     std::optional<Failure> failure;
     const TreeWalk* walk = nullptr;
-};
 
-bool isPlainAbsolute(const std::filesystem::path& path) {
-    const auto names = path.relative_path();
-    return path.is_absolute() && path.has_filename() && std::none_of(names.begin(), names.end(), [](const auto& name) {
-               return name.empty() || name == "." || name == "..";
-           });
-}
+private:
+    [[nodiscard]] bool mayStillRemove(const DirectoryHandle& parent, const char* name) const {
+        if (guard_ == nullptr) {
+            return true;
+        }
+        const auto status = statusAt(parent.descriptor(), name);
+        return !status || guard_->mayRemove(*status);
+    }
+
+    RemovalGuard* guard_;
+};
 
 RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
 
 RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem::path& path,
-                            const std::stop_token& stop) {
-    RemovalVisitor visitor;
+                            const std::stop_token& stop, RemovalGuard* guard) {
+    RemovalVisitor visitor(guard);
     TreeWalk walk(visitor, stop);
     visitor.walk = &walk;
     const bool toItsEnd = walk.visit(parent, path.filename().c_str());
@@ -89,14 +116,26 @@ RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem
 
 }  // namespace
 
-RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop) {
+bool isPlainAbsolute(const std::filesystem::path& path) {
+    const auto names = path.relative_path();
+    const bool hasZeroByte = path.native().find('\0') != std::string::npos;  // the system would see another path
+    return path.is_absolute() && path.has_filename() && !hasZeroByte &&
+           std::none_of(names.begin(), names.end(),
+                        [](const auto& name) { return name.empty() || name == "." || name == ".."; });
+}
+
+RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
     if (!isPlainAbsolute(path)) {
         return kept(EINVAL, path);
     }
     if (stop.stop_requested()) {
         return {RemovalEnd::cancelled, std::nullopt};
     }
-    const auto parent = DirectoryHandle::open(path.parent_path());
+    const auto parent = DirectoryHandle::open(path.parent_path(), [guard](const NodeStatus& folder) {
+        if (guard != nullptr) {
+            guard->onWay(folder);
+        }
+    });
     if (!parent) {
         return parent.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(parent.code(), path);
     }
@@ -105,8 +144,12 @@ RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& 
     if (!status) {
         return status.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(status.code(), path);
     }
+    // Before the item is opened: whatever it is exchanged for, the folder that holds it stays the same.
+    if (guard != nullptr && !guard->mayRemove(*status)) {
+        return kept(EPERM, path);
+    }
     if (status->kind == NodeKind::directory) {
-        return removeFolder(*parent, path, stop);
+        return removeFolder(*parent, path, stop, guard);
     }
     if (::unlinkat(parent->descriptor(), name.c_str(), 0) != 0 && errno != ENOENT) {
         return kept(errno, path);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <stop_token>
 
+#include "files/NodeStatus.h"
 #include "files/Result.h"
 
 namespace brimvault::files {
@@ -19,13 +20,33 @@ struct [[nodiscard]] RemovalOutcome {
     std::optional<Failure> failure;  ///< the first one met; set exactly when `end` is `kept`
 };
 
+/// Says what a removal must keep away from. It is told what is held open, or about to be removed by its name in a
+/// folder that is held open, never a path: no exchange of names can show it one folder and empty another. A folder that
+/// is empty can still be exchanged for another empty one between the last question and its removal, by whoever may
+/// change both folders that hold them.
+class RemovalGuard {
+public:
+    virtual ~RemovalGuard() = default;
+    /// A folder on the way to the item, from the root on.
+    virtual void onWay(const NodeStatus& folder) = 0;
+    /// Asked of the item first, then of each folder, the item among them: once it is open, and of what has its name
+    /// once it is empty. Answered with false, that stays with all that is in it (EPERM).
+    [[nodiscard]] virtual bool mayRemove(const NodeStatus& node) = 0;
+};
+
+/// Whether the path is absolute and names something: without "." or "..", not "/", with no slash at its end and no zero
+/// byte.
+[[nodiscard]] bool isPlainAbsolute(const std::filesystem::path& path);
+
 /// Removes a file, a link or a folder with its contents, for good.
 ///
-/// The path is absolute, without "." or ".." and not "/"; anything else is refused with EINVAL. No link is followed, on
+/// A path that is not plain and absolute is refused with EINVAL. No link is followed, on
 /// the way to the item or inside it; a link is removed itself. Nothing on another mount than the item's folder is
 /// touched, nor is a mount point. It goes on after a failure, so that all that can go goes, and answers the first.
+/// A guard is asked before anything is removed that it could want to keep.
 ///
 /// Any thread. A stop is seen before each entry.
-RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop = {});
+RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop = {},
+                      RemovalGuard* guard = nullptr);
 
 }  // namespace brimvault::files

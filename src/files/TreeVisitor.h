@@ -13,6 +13,9 @@ public:
     /// Whether a folder below the first is to be opened at all. Asked once for each, just before; the folder that holds
     /// it is given.
     virtual bool wantsFolder(const DirectoryHandle& /*parent*/, const char* /*name*/) { return true; }
+    /// Whether a folder, opened by now, is to be visited: what is known of it here is known of the very folder.
+    /// Answered with false, it is closed again and nothing more is told of it.
+    virtual bool entersFolder(const NodeStatus& /*folder*/, const char* /*name*/) { return true; }
     /// A folder has been opened; its entries follow.
     virtual void onFolderEntered(const NodeStatus& /*folder*/) {}
     /// An entry that is no folder.

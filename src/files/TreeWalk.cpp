@@ -34,6 +34,9 @@ void TreeWalk::enter(const DirectoryHandle& parent, const std::string& name) {
         return;
     }
     const NodeStatus status = opened->status();
+    if (!visitor_.entersFolder(status, name.c_str())) {
+        return;
+    }
     visitor_.onFolderEntered(status);
     stack_.pushItem(std::make_unique<StackItem>(FolderReference{name, status, std::move(*opened), {}}));
     closeFarthest();
