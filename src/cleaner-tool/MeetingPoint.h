@@ -1,0 +1,30 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "cleaner-tool/ApplicationProcess.h"
+#include "cleaner-tool/Descriptor.h"
+
+namespace brimvault::cleaner {
+
+/// Who may speak with the tool.
+struct Client {
+    uid_t user;
+    const ApplicationProcess& application;
+};
+
+/// Makes the folder where the user's root removers are met. False unless it then is a folder of that user's that nobody
+/// else but the administrator may enter, in a folder of the administrator's. Needs to be allowed to give folders away.
+[[nodiscard]] bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user);
+
+/// Waits under the name in the folder for the client, turns everybody else away, and then is there for nobody any more.
+/// No descriptor where the name is taken, when the application ends, or when it has not come in time.
+[[nodiscard]] Descriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
+                                     std::chrono::milliseconds patience);
+
+}  // namespace brimvault::cleaner

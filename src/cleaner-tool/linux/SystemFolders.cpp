@@ -1,0 +1,26 @@
+#include <initializer_list>
+
+#include "cleaner-tool/KeptFolders.h"
+
+// The Filesystem Hierarchy Standard 3.0, and where current systems depart from it (/home in /var, volumes in /run).
+
+namespace brimvault::cleaner {
+
+std::vector<KeptPath> systemFolders() {
+    std::vector<KeptPath> folders;
+    const auto add = [&folders](Keep keep, std::initializer_list<const char*> paths) {
+        for (const char* path : paths) {
+            folders.push_back({path, keep});
+        }
+    };
+    // Where homes are, the user's own is added with more freedom.
+    add(Keep::everything,
+        {"/bin", "/boot",   "/dev",  "/efi",  "/etc", "/home", "/lib",  "/lib32", "/lib64",   "/libx32", "/lost+found",
+         "/nix", "/ostree", "/proc", "/root", "/run", "/sbin", "/snap", "/sys",   "/sysroot", "/usr",    "/var"});
+    // The folders of volumes, and "/" itself: nothing directly in them goes.
+    add(Keep::deeperMayGo, {"/", "/media", "/mnt", "/run/media", "/var/mnt", "/Library"});
+    add(Keep::contentsMayGo, {"/opt", "/srv", "/tmp", "/var/tmp", "/Applications", "/Library/Logs"});
+    return folders;
+}
+
+}  // namespace brimvault::cleaner
