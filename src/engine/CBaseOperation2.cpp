@@ -19,8 +19,6 @@ bool isOneName(const std::filesystem::path& name) {
     return !name.empty() && !name.has_parent_path() && name != "." && name != "..";
 }
 
-QString withoutSystemText() { return QCoreApplication::translate("Clean", "Can't remove file"); }
-
 QString holdsSparedText() { return QCoreApplication::translate("Clean", "It holds something that is not selected"); }
 
 // The paths of what the user has spared, in the order of their bytes.
@@ -62,14 +60,14 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         } else if (isOneName(item->pfname())) {
             removeItem(item, *folder / item->pfname(), removed, notRemoved);
         } else {
-            notRemoved.insert(item->ppdisplayName(), withoutSystemText());
+            notRemoved.insert(item->ppdisplayName(), ItemRemoval::withoutSystemText());
         }
     }
 }
 
 void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path,
                                  ItemArray& removed, NotRemovedDictionary& notRemoved) {
-    const auto removal = removeItemAt(path);
+    const auto removal = removeItemAt(path, remover_);
     if (removal.gone) {
         removed.append(item);
     } else {

@@ -5,6 +5,7 @@
 
 #include "engine/FFItem.h"
 #include "engine/Notification.h"
+#include "engine/PrivilegedRemover.h"
 #include "engine/SectionOperation.h"
 
 namespace brimvault::engine {
@@ -13,7 +14,9 @@ namespace brimvault::engine {
 /// their marks are not changed while a clean runs.
 class CBaseOperation2 : public SectionOperation {
 public:
-    CBaseOperation2(Section section, const ItemArray& items) : SectionOperation(section), pCArray_(items) {}
+    /// The remover is asked for what the user may not remove; it outlives the operation.
+    CBaseOperation2(Section section, const ItemArray& items, PrivilegedRemover& remover)
+        : SectionOperation(section), pCArray_(items), remover_(remover) {}
 
     /// Removes, for good, every item that is checked, deletable and not of size 0, and adds to one of the two results:
     /// to those that are gone, also when there was nothing at the path any more, or with the system's reason to the
@@ -34,6 +37,7 @@ private:
                     NotRemovedDictionary& notRemoved);
 
     const ItemArray pCArray_;
+    PrivilegedRemover& remover_;
 };
 
 }  // namespace brimvault::engine

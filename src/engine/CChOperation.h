@@ -8,7 +8,8 @@ namespace brimvault::engine {
 /// Cleans what is ticked of the user's caches folder and of containers. Queued once; works on the clean queue's thread.
 class CChOperation final : public CBaseOperation2 {
 public:
-    explicit CChOperation(const ItemArray& items) : CBaseOperation2(Section::caches, items) {}
+    CChOperation(const ItemArray& items, PrivilegedRemover& remover)
+        : CBaseOperation2(Section::caches, items, remover) {}
 
 protected:
     void main() override { cleanAndPost(platform::LibraryURLs::getCachesFolderURL()); }

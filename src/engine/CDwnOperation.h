@@ -8,7 +8,8 @@ namespace brimvault::engine {
 /// Cleans what is ticked of the Downloads folder. Queued once; works on the clean queue's thread.
 class CDwnOperation final : public CBaseOperation2 {
 public:
-    explicit CDwnOperation(const ItemArray& items) : CBaseOperation2(Section::downloads, items) {}
+    CDwnOperation(const ItemArray& items, PrivilegedRemover& remover)
+        : CBaseOperation2(Section::downloads, items, remover) {}
 
 protected:
     void main() override { cleanAndPost(platform::LibraryURLs::getDownloadsFolderURL()); }

@@ -8,7 +8,8 @@ namespace brimvault::engine {
 /// works on the clean queue's thread.
 class CLogsOperation final : public CBaseOperation2 {
 public:
-    explicit CLogsOperation(const ItemArray& items) : CBaseOperation2(Section::logs, items) {}
+    CLogsOperation(const ItemArray& items, PrivilegedRemover& remover)
+        : CBaseOperation2(Section::logs, items, remover) {}
 
 protected:
     void main() override { cleanAndPost(std::nullopt); }

@@ -8,7 +8,8 @@ namespace brimvault::engine {
 /// Cleans what is ticked of the Trash. Queued once; works on the clean queue's thread.
 class CTrOperation final : public CBaseOperation2 {
 public:
-    explicit CTrOperation(const ItemArray& items) : CBaseOperation2(Section::trash, items) {}
+    CTrOperation(const ItemArray& items, PrivilegedRemover& remover)
+        : CBaseOperation2(Section::trash, items, remover) {}
 
 protected:
     void main() override { cleanAndPost(platform::LibraryURLs::getTrashFolderURL()); }

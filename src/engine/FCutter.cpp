@@ -13,24 +13,26 @@ namespace brimvault::engine {
 namespace {
 
 template <typename FileOperation>
-std::shared_ptr<SectionOperation> make(const ItemArray& items) {
-    return std::make_shared<FileOperation>(items);
+CleanTable::FileOperation makerOf(PrivilegedRemover& remover) {
+    return [&remover](const ItemArray& items) { return std::make_shared<FileOperation>(items, remover); };
 }
 
 }  // namespace
 
-CleanTable CleanTable::fileSections() {
+CleanTable CleanTable::fileSections(PrivilegedRemover& remover) {
     CleanTable table;
-    table.files[Section::downloads] = make<CDwnOperation>;
-    table.files[Section::caches] = make<CChOperation>;
-    table.files[Section::trash] = make<CTrOperation>;
-    table.files[Section::logs] = make<CLogsOperation>;
+    table.remover = &remover;
+    table.files[Section::downloads] = makerOf<CDwnOperation>(remover);
+    table.files[Section::caches] = makerOf<CChOperation>(remover);
+    table.files[Section::trash] = makerOf<CTrOperation>(remover);
+    table.files[Section::logs] = makerOf<CLogsOperation>(remover);
     return table;
 }
 
 void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                     const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
                     const std::optional<ItemArray>& pLogs) {
+    table_.remover->letAskUser();
     const auto done = std::make_shared<CompletionOperation>(&FCutter::CleanDone);
     CleanAppsRes(pApps, done);
     CleanDownloads(pDwn, done);

@@ -7,6 +7,7 @@
 #include "engine/AppItemData.h"
 #include "engine/FCleanProps.h"
 #include "engine/FFItem.h"
+#include "engine/PrivilegedRemover.h"
 #include "engine/SectionOperation.h"
 
 namespace brimvault::engine {
@@ -17,10 +18,12 @@ struct CleanTable {
 
     std::function<std::shared_ptr<SectionOperation>(const ApplicationArray&, const std::shared_ptr<FCleanProps>&)>
         applications;
-    PerSection<FileOperation> files;  ///< none for Language Resources
+    PerSection<FileOperation> files;                          ///< none for Language Resources
+    PrivilegedRemover* remover = &PrivilegedRemover::none();  ///< may ask the user once in every clean
 
-    /// The engine's own operations for the four sections of files.
-    static CleanTable fileSections();
+    /// The engine's own operations for the four sections of files, which have the remover remove what the user may not.
+    /// It outlives them.
+    static CleanTable fileSections(PrivilegedRemover& remover = PrivilegedRemover::none());
 };
 
 /// The clean driver: one operation per section, one after the other, and "cleanFinished" when all have ended. One

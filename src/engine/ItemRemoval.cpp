@@ -29,8 +29,10 @@ bool isRefusedForRights(const files::Failure& failure) { return failure.code == 
 
 }  // namespace
 
+QString ItemRemoval::withoutSystemText() { return QCoreApplication::translate("Clean", "Can't remove file"); }
+
 ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover) {
-    ItemRemoval refused{false, QCoreApplication::translate("Clean", "Can't remove file")};
+    ItemRemoval refused{false, ItemRemoval::withoutSystemText()};
     if (!path.is_absolute()) {
         return refused;  // where the program was started is no place that a list speaks of
     }

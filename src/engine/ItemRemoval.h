@@ -10,6 +10,9 @@ namespace brimvault::engine {
 struct [[nodiscard]] ItemRemoval {
     bool gone = false;  ///< nothing is left under the path
     QString reason;     ///< why something is left, for people: in the system's words where it gives any
+
+    /// The reason where the system gives none.
+    static QString withoutSystemText();
 };
 
 /// Removes one item for good: the way that every removal of a file goes, of a whole clean as of a single item. A folder

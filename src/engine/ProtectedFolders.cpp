@@ -24,7 +24,9 @@ bool isOrHolds(const files::FileIdentity& item, std::filesystem::path folder) {
     }
 }
 
-std::vector<std::filesystem::path> rootFolders() {
+}  // namespace
+
+std::vector<std::filesystem::path> protectedFolders() {
     using platform::LibraryURLs;
     const auto library = platform::homeFolder() / "Library";
     std::vector<std::filesystem::path> folders = {library / "Logs", library / "Application Support" / "CrashReporter",
@@ -44,15 +46,13 @@ std::vector<std::filesystem::path> rootFolders() {
     return folders;
 }
 
-}  // namespace
-
 bool isProtectedFolder(const std::filesystem::path& path) {
     const auto item = files::statusOf(path);
     if (!item || item->kind != files::NodeKind::directory) {
         return false;
     }
-    const auto protectedFolders = rootFolders();
-    return std::any_of(protectedFolders.begin(), protectedFolders.end(),
+    const auto folders = protectedFolders();
+    return std::any_of(folders.begin(), folders.end(),
                        [&](const auto& folder) { return isOrHolds(item->identity, folder); });
 }
 

@@ -7,7 +7,6 @@
 
 #include <cctype>
 #include <cstdint>
-#include <cstdlib>
 
 #include "platform/PropertyListCheck.h"
 
@@ -38,10 +37,9 @@ std::optional<std::string> contentsOf(int descriptor) {
     return good && length <= largestFile ? std::optional(std::move(contents)) : std::nullopt;
 }
 
+// Up to a zero byte, where there is one: the library's call that copies a text ends the program over it.
 std::string textOf(plist_t value) {
-    char* text = nullptr;
-    plist_get_string_val(value, &text);
-    const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
+    const char* text = plist_get_string_ptr(value, nullptr);
     return text == nullptr ? std::string() : std::string(text);
 }
 

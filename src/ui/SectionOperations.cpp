@@ -22,10 +22,11 @@ engine::ScanTable scanOperations() {
     return table;
 }
 
-engine::CleanTable cleanOperations() {
-    auto table = engine::CleanTable::fileSections();
-    table.applications = [](const engine::ApplicationArray& items, const std::shared_ptr<engine::FCleanProps>& props) {
-        return std::make_shared<langres::CAOperation>(items, props);
+engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover) {
+    auto table = engine::CleanTable::fileSections(remover);
+    table.applications = [&remover](const engine::ApplicationArray& items,
+                                    const std::shared_ptr<engine::FCleanProps>& props) {
+        return std::make_shared<langres::CAOperation>(items, props, remover);
     };
     return table;
 }

@@ -5,8 +5,9 @@
 
 namespace brimvault::ui {
 
-/// What scans each section of the program, and what cleans it.
+/// What scans each section of the program.
 [[nodiscard]] engine::ScanTable scanOperations();
-[[nodiscard]] engine::CleanTable cleanOperations();
+/// What cleans each section; what the user may not remove, the remover is asked to. It outlives the table.
+[[nodiscard]] engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover);
 
 }  // namespace brimvault::ui

@@ -6,6 +6,7 @@
 #include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
+#include "engine/Remover.h"
 #include "files/Measure.h"
 #include "platform/DisplayText.h"
 #include "platform/LibraryURLs.h"
@@ -37,8 +38,9 @@ bool hasPath(const engine::FFItem& item) { return !item.pfpath().empty(); }
 
 }  // namespace
 
-UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::FinderPreferences& finder)
-    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder), requests_(new QThreadPool) {
+UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::FinderPreferences& finder,
+                 engine::PrivilegedRemover& remover)
+    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder), remover_(remover), requests_(new QThreadPool) {
     requests_->setMaxThreadCount(concurrentRequests);
     removals_.setMaxThreadCount(1);
 }
@@ -52,7 +54,8 @@ UtilMod::~UtilMod() {
 UtilMod& UtilMod::sharedUtil() {
     static MessageBoxAlerts alerts;
     static const auto fileBrowser = platform::FileBrowser::ofSession();
-    static UtilMod instance(alerts, *fileBrowser);
+    static UtilMod instance(alerts, *fileBrowser, platform::FinderPreferences::shared(),
+                            engine::Remover::GetInstance());
     return instance;
 }
 
@@ -175,8 +178,9 @@ bool UtilMod::isRemovalConfirmed(const std::filesystem::path& path, qsizetype it
 }
 
 void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished) {
+    remover_.letAskUser();
     inBackground<engine::ItemRemoval>(
-        removals_, [file = standardized(path)] { return engine::removeItemAt(file); },
+        removals_, [this, file = standardized(path)] { return engine::removeItemAt(file, remover_); },
         [this, path, finished](const engine::ItemRemoval& removal) { finishRemoval(path, removal, finished); });
 }
 

@@ -25,7 +25,8 @@ class UtilMod final : public QObject {
 public:
     /// All of them outlive it.
     UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser,
-            platform::FinderPreferences& finder = platform::FinderPreferences::shared());
+            platform::FinderPreferences& finder = platform::FinderPreferences::shared(),
+            engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none());
     ~UtilMod() override;
     /// The one of the process, for the desktop that it runs on.
     static UtilMod& sharedUtil();
@@ -75,6 +76,7 @@ private:
     AlertPresenter& alerts_;
     platform::FileBrowser& fileBrowser_;
     platform::FinderPreferences& finder_;
+    engine::PrivilegedRemover& remover_;
     QPointer<QWidget> window_;
     QThreadPool* requests_;  ///< what may wait for others: a removal does not wait for them. Left behind when it hangs
     QThreadPool removals_;   ///< last, so that nothing of the above goes while a thread works with it

@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <future>
 
+#include "engine/Remover.h"
 #include "platform/UserDefaults.h"
 #include "ui/AccessibleItemView.h"
 #include "ui/FAppDelegate.h"
@@ -21,10 +22,13 @@ int main(int argc, char* argv[]) {
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
     ui::MessageBoxAlerts alerts;                                              // questions to the user
+    auto& remover = engine::Remover::GetInstance();                           // what the user may not remove
     ui::FAppDelegate delegate(ui::scanOperations(),                           // what scans each section
-                              ui::cleanOperations(),                          // what cleans each section
+                              ui::cleanOperations(remover),                   // what cleans each section
                               {defaults, alerts, ui::UtilMod::sharedUtil(),   // the file browser
                                langres::LanguagesManager::sharedManager()});  // the user's languages; and the window
     delegate.applicationDidFinishLaunching();
-    return QApplication::exec();
+    const int result = QApplication::exec();
+    remover.giveUp();  // the rights that the user has granted
+    return result;
 }

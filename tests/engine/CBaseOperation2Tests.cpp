@@ -51,7 +51,7 @@ protected:
     void clean(const ItemArray& items) {
         removed_.clear();
         notRemoved_.clear();
-        CChOperation(items).removeItems(items, caches_, removed_, notRemoved_);
+        CChOperation(items, engine::PrivilegedRemover::none()).removeItems(items, caches_, removed_, notRemoved_);
     }
 
     TemporaryFolder folder_;
@@ -181,7 +181,7 @@ TEST_F(CleanOfFiles, ReportsEachFailureWithTheSystemsReasonAndGoesOn) {
 TEST_F(CleanOfFiles, TouchesNothingMoreOnceItIsCancelled) {
     writeFile(caches_ / "item", "12345");
     const ItemArray items = {named("item"), named("vanished")};
-    CChOperation operation(items);
+    CChOperation operation(items, engine::PrivilegedRemover::none());
     operation.cancel();
     operation.removeItems(items, caches_, removed_, notRemoved_);
     EXPECT_TRUE(removed_.isEmpty());
@@ -191,7 +191,8 @@ TEST_F(CleanOfFiles, TouchesNothingMoreOnceItIsCancelled) {
 
 TEST_F(CleanOfFiles, CountsALogWithoutAPathAsRemoved) {
     ItemArray removed;
-    engine::CLogsOperation({}).removeItems({named("letter")}, std::nullopt, removed, notRemoved_);
+    engine::CLogsOperation({}, engine::PrivilegedRemover::none())
+        .removeItems({named("letter")}, std::nullopt, removed, notRemoved_);
     EXPECT_EQ(removed.size(), 1);
     EXPECT_TRUE(notRemoved_.isEmpty());
 }

@@ -168,7 +168,8 @@ TEST_F(RemovalOfItems, KeepsATickedFolderAroundAnUntickedItemOfTheSameClean) {
     const auto clean = [](const engine::ItemArray& items) {
         engine::ItemArray removed;
         engine::NotRemovedDictionary notRemoved;
-        engine::CLogsOperation(items).removeItems(items, std::nullopt, removed, notRemoved);
+        engine::CLogsOperation(items, engine::PrivilegedRemover::none())
+            .removeItems(items, std::nullopt, removed, notRemoved);
         return std::pair(removed, notRemoved);
     };
     const auto [removed, notRemoved] =

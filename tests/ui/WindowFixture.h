@@ -88,7 +88,7 @@ protected:
     void start(engine::ScanTable table) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ =
-            std::make_unique<ui::FAppDelegate>(std::move(table), ui::cleanOperations(),
+            std::make_unique<ui::FAppDelegate>(std::move(table), ui::cleanOperations(engine::PrivilegedRemover::none()),
                                                ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_, languages_});
         application_->applicationDidFinishLaunching();
         window()->resize(1000, 660);

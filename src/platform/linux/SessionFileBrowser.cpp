@@ -3,11 +3,8 @@
 #include <unistd.h>
 
 #include <QByteArray>
-#include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QStandardPaths>
-#include <QUuid>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -15,31 +12,23 @@
 #include <thread>
 
 #include "platform/FileBrowser.h"
-#include "platform/System.h"
+#include "platform/linux/BusCall.h"
 
 // File browsers answer to one interface on the session bus, org.freedesktop.FileManager1, which the bus starts one for
-// when none is running. Each request has a connection of its own: a bus that has come or gone concerns nothing but the
-// request.
+// when none is running.
 
 namespace brimvault::platform {
 
 namespace {
 
-constexpr int answerLimit = 15'000;  // milliseconds; a file browser that starts from a cold disk takes some seconds
-constexpr std::chrono::milliseconds interval{20};        // between looks whether there is an answer
+constexpr std::chrono::seconds answerLimit{15};    // a file browser that starts from a cold disk takes some seconds
+constexpr std::chrono::milliseconds interval{20};  // between looks whether it has ended
 constexpr std::chrono::milliseconds openerLimit{3'000};  // what has not failed by then has opened the folder
 
 // The bytes of the path, escaped: a name need not be text.
 QString uriOf(const std::filesystem::path& path) {
     const QByteArray bytes = QByteArray::fromStdString(path.native());
     return QStringLiteral("file://") + QString::fromLatin1(bytes.toPercentEncoding("/"));
-}
-
-// Where the environment names the bus, that one: the library would keep to the first that it was told of.
-QDBusConnection connectToSessionBus(const QString& name) {
-    const auto address = system().environmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    return address.empty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
-                           : QDBusConnection::connectToBus(QString::fromStdString(address), name);
 }
 
 // In a session of its own, so that what it opens does not end with this program.
@@ -81,23 +70,10 @@ private:
 
 bool SessionFileBrowser::callFileManager(const QString& method, const std::filesystem::path& path) {
     const QString service = QStringLiteral("org.freedesktop.FileManager1");
-    const QString name = QUuid::createUuid().toString();
-    bool taken = false;
-    if (!givenUp_) {
-        auto bus = connectToSessionBus(name);
-        auto request =
-            QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/FileManager1"), service, method);
-        request << QStringList{uriOf(path)} << QString();  // no start-up notification
-        if (bus.isConnected() && !givenUp_) {
-            const auto answer = bus.asyncCall(request, answerLimit);
-            while (!answer.isFinished() && !givenUp_) {
-                std::this_thread::sleep_for(interval);
-            }
-            taken = answer.isFinished() && !answer.isError();
-        }
-    }
-    QDBusConnection::disconnectFromBus(name);
-    return taken;
+    auto request =
+        QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/FileManager1"), service, method);
+    request << QStringList{uriOf(path)} << QString();  // no start-up notification
+    return callOnBus(Bus::session, request, answerLimit, [this] { return givenUp_.load(); }).has_value();
 }
 
 // Some openers end when the folder is open, others when it is closed.

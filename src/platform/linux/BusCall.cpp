@@ -1,0 +1,49 @@
+#include "platform/linux/BusCall.h"
+
+#include <QDBusConnection>
+#include <QDBusPendingCall>
+#include <QUuid>
+#include <thread>
+
+#include "platform/System.h"
+
+namespace brimvault::platform {
+
+namespace {
+
+constexpr std::chrono::milliseconds interval{20};  // between looks whether there is an answer
+
+// Where the environment names the bus, that one: the library would keep to the first that it was told of.
+QDBusConnection connectTo(Bus bus, const QString& name) {
+    const bool isSession = bus == Bus::session;
+    const auto address =
+        system().environmentVariable(isSession ? "DBUS_SESSION_BUS_ADDRESS" : "DBUS_SYSTEM_BUS_ADDRESS");
+    return address.empty() ? QDBusConnection::connectToBus(
+                                 isSession ? QDBusConnection::SessionBus : QDBusConnection::SystemBus, name)
+                           : QDBusConnection::connectToBus(QString::fromStdString(address), name);
+}
+
+std::optional<QDBusMessage> call(const QDBusConnection& bus, const QDBusMessage& request,
+                                 std::chrono::milliseconds limit, const std::function<bool()>& givesUp) {
+    if (!bus.isConnected() || givesUp()) {
+        return std::nullopt;
+    }
+    const auto answer = bus.asyncCall(request, static_cast<int>(limit.count()));
+    while (!answer.isFinished() && !givesUp()) {
+        std::this_thread::sleep_for(interval);
+    }
+    return answer.isFinished() && !answer.isError() ? std::optional(answer.reply()) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<QDBusMessage> callOnBus(Bus bus, const QDBusMessage& request, std::chrono::milliseconds limit,
+                                      const std::function<bool()>& givesUp) {
+    const QString name = QUuid::createUuid().toString();
+    const auto answer = call(
+        connectTo(bus, name), request, limit, givesUp ? givesUp : [] { return false; });
+    QDBusConnection::disconnectFromBus(name);
+    return answer;
+}
+
+}  // namespace brimvault::platform

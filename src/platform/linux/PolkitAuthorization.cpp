@@ -1,0 +1,211 @@
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QMap>
+#include <QString>
+#include <QVariant>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <sstream>
+
+#include "platform/Authorization.h"
+#include "platform/System.h"
+#include "platform/linux/BusCall.h"
+
+// How rights are had of polkit
+//
+// The right to run the root remover is an action of its own, com.quorvel.brimvault.remove, which is bound to the path
+// of that program. Polkit is asked whether this very process, told by its number and the time of its start, may do
+// that, first without and then with a question to the user. What the user grants is kept for some minutes, and for this
+// process alone. Within them pkexec, which starts the program, asks for its parent, which is this process, and finds
+// the right there: the user is not asked a second time.
+
+namespace brimvault::platform {
+
+struct PolkitSubject {
+    QString kind;
+    QVariantMap details;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const PolkitSubject& subject) {
+    argument.beginStructure();
+    argument << subject.kind << subject.details;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, PolkitSubject& subject) {
+    argument.beginStructure();
+    argument >> subject.kind >> subject.details;
+    argument.endStructure();
+    return argument;
+}
+
+}  // namespace brimvault::platform
+
+Q_DECLARE_METATYPE(brimvault::platform::PolkitSubject)
+
+namespace brimvault::platform {
+
+namespace {
+
+using Details = QMap<QString, QString>;
+
+constexpr const char* launcher = "/usr/bin/pkexec";
+constexpr std::chrono::seconds answerLimit{5};  // for what asks nobody
+constexpr std::chrono::milliseconds withoutLimit{std::numeric_limits<int>::max()};
+
+QString actionName() { return QStringLiteral("com.quorvel.brimvault.remove"); }
+
+std::filesystem::path toolPath() { return resourcesFolder() / "BrimvaultCleaner"; }
+
+bool isProgram(const std::filesystem::path& path) { return ::access(path.c_str(), X_OK) == 0; }
+
+// The 22nd field of the record, in the system's ticks; the second is a name in parentheses and may hold anything.
+quint64 startOfThisProcess() {
+    constexpr int fieldsBetween = 20;  // from the third to the one that is wanted
+    std::ifstream file("/proc/self/stat");
+    const std::string record{std::istreambuf_iterator<char>(file), {}};
+    std::istringstream fields(record.substr(std::min(record.rfind(')') + 1, record.size())));
+    std::string field;
+    for (int number = 0; number < fieldsBetween && fields >> field; ++number) {
+    }
+    return QString::fromStdString(field).toULongLong();
+}
+
+PolkitSubject thisProcess() {
+    return {QStringLiteral("unix-process"),
+            {{QStringLiteral("pid"), QVariant::fromValue(static_cast<quint32>(::getpid()))},
+             {QStringLiteral("start-time"), QVariant::fromValue(startOfThisProcess())},
+             {QStringLiteral("uid"), QVariant::fromValue(static_cast<qint32>(::getuid()))}}};
+}
+
+QDBusMessage requestTo(const QString& method) {
+    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.PolicyKit1"),
+                                          QStringLiteral("/org/freedesktop/PolicyKit1/Authority"),
+                                          QStringLiteral("org.freedesktop.PolicyKit1.Authority"), method);
+}
+
+struct Standing {
+    bool isAuthorized = false;
+    QString keptAs;  ///< the name of what was granted for some minutes; empty for a right that is always held
+};
+
+std::optional<Standing> standingIn(const QDBusMessage& answer) {
+    if (answer.signature() != QLatin1String("(bba{ss})")) {
+        return std::nullopt;
+    }
+    const auto argument = answer.arguments().constFirst().value<QDBusArgument>();
+    Standing standing;
+    bool isChallenge = false;
+    Details details;
+    argument.beginStructure();
+    argument >> standing.isAuthorized >> isChallenge >> details;
+    argument.endStructure();
+    standing.keptAs = details.value(QStringLiteral("polkit.temporary_authorization_id"));
+    return standing;
+}
+
+// A few words of environment and no open files: the launcher refuses to work in an environment that it finds odd.
+std::optional<pid_t> spawn(std::vector<std::string> words) {
+    std::vector<char*> arguments;
+    std::transform(words.begin(), words.end(), std::back_inserter(arguments), [](auto& word) { return word.data(); });
+    arguments.push_back(nullptr);
+    std::string path = "PATH=/usr/sbin:/usr/bin:/sbin:/bin";
+    const std::array<char*, 2> environment = {path.data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        ::posix_spawn_file_actions_addopen(&actions, standard, "/dev/null", O_RDWR, 0);
+    }
+    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+    pid_t child = -1;
+    const int code = ::posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environment.data());
+    ::posix_spawn_file_actions_destroy(&actions);
+    return code == 0 ? std::optional(child) : std::nullopt;
+}
+
+class PolkitAuthorization final : public Authorization {
+public:
+    PolkitAuthorization() {
+        qDBusRegisterMetaType<PolkitSubject>();
+        qDBusRegisterMetaType<Details>();
+    }
+
+    bool copyRights(const std::vector<RightItem>& rights, Interaction interaction) override {
+        return std::all_of(rights.begin(), rights.end(), isKnown) && isActionAuthorized(interaction);
+    }
+
+    bool executeWithPrivileges(const std::filesystem::path& tool, const std::vector<std::string>& arguments) override {
+        std::vector<std::string> words = {launcher, "--disable-internal-agent", tool};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        const auto child = spawn(std::move(words));
+        tool_ = child.value_or(-1);
+        return child.has_value();
+    }
+
+    bool isToolRunning() override {
+        if (tool_ < 0) {
+            return false;
+        }
+        const pid_t ended = ::waitpid(tool_, nullptr, WNOHANG);
+        const bool isNoMoreWaitedFor = ended < 0 && errno == ECHILD;  // the ends of children are being ignored
+        const bool runs = ended == 0 || (isNoMoreWaitedFor && (::kill(tool_, 0) == 0 || errno == EPERM));
+        tool_ = runs ? tool_ : -1;
+        return runs;
+    }
+
+    void destroyRights() override {
+        if (!keptAs_.isEmpty()) {
+            auto request = requestTo(QStringLiteral("RevokeTemporaryAuthorizationById"));
+            request << keptAs_;
+            keptAs_.clear();
+            (void)callOnBus(Bus::system, request, answerLimit);
+        }
+    }
+
+private:
+    static bool isKnown(const RightItem& right) {
+        return right.name == "system.privilege.admin" && right.value == toolPath().native();
+    }
+
+    bool isActionAuthorized(Interaction interaction) {
+        const bool mayAsk = interaction == Interaction::allowed;
+        auto request = requestTo(QStringLiteral("CheckAuthorization"));
+        request << QVariant::fromValue(thisProcess()) << actionName() << QVariant::fromValue(Details())
+                << static_cast<quint32>(mayAsk ? 1 : 0) << QString();
+        const auto answer = callOnBus(Bus::system, request, mayAsk ? withoutLimit : answerLimit);
+        const auto standing = answer ? standingIn(*answer) : std::nullopt;
+        if (!standing) {
+            return false;
+        }
+        keptAs_ = standing->keptAs.isEmpty() ? keptAs_ : standing->keptAs;
+        return standing->isAuthorized;
+    }
+
+    QString keptAs_;
+    pid_t tool_ = -1;
+};
+
+}  // namespace
+
+std::unique_ptr<Authorization> Authorization::create() {
+    const bool isTrial = systemRoot() != "/";
+    return !isTrial && isProgram(launcher) && isProgram(toolPath()) ? std::make_unique<PolkitAuthorization>() : nullptr;
+}
+
+std::filesystem::path resourcesFolder() { return BRIMVAULT_RESOURCES_FOLDER; }
+
+}  // namespace brimvault::platform

@@ -1,0 +1,230 @@
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+
+#include "privileges/Trial.h"
+#include "support/ChildProcess.h"
+#include "support/SampleHome.h"
+#include "support/TemporaryFolder.h"
+
+// The real parts: the system bus, polkitd with rules, pkexec, the installed root remover, and users without rights.
+
+namespace brimvault::tests {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string expected(const Trial::Result& result, std::size_t removed, const std::vector<std::string>& notRemoved) {
+    std::map<std::string, std::string> reasons;
+    for (const auto& name : notRemoved) {
+        reasons[name] = std::strerror(EACCES);
+    }
+    return result.removed == removed && result.notRemoved == reasons
+               ? ""
+               : "removed " + std::to_string(result.removed) +
+                     ", not removed: " + testing::PrintToString(result.notRemoved);
+}
+
+std::string expectQuestions(const Trial& trial, int count) {
+    return trial.questions() == count ? std::string() : "asked " + std::to_string(trial.questions()) + " times";
+}
+
+std::string firstOf(std::initializer_list<std::string> problems) {
+    for (const auto& problem : problems) {
+        if (!problem.empty()) {
+            return problem;
+        }
+    }
+    return {};
+}
+
+fs::path cachesOf(const User& user) { return user.home() / "Library" / "Caches"; }
+
+// Folders of the administrator's in the user's caches, and one of the user's own.
+void makeThreeItems(const User& user) {
+    makeHome(user);
+    makeLockedFolder(user, "first");
+    makeLockedFolder(user, "second");
+    writeFile(cachesOf(user) / "third/file", "the user's");
+    for (const auto& path : {cachesOf(user) / "third", cachesOf(user) / "third/file"}) {
+        ASSERT_EQ(::chown(path.c_str(), user.number, user.number), 0);
+    }
+}
+
+const std::vector<std::string> threeItems = {"first", "second", "third"};
+
+}  // namespace
+
+TEST(PrivilegedClean, RemovesWhatARuleAllowsWithOneToolAndWithoutAQuestion) {
+    makeThreeItems(mayRemove);
+    writeFile(mayRemove.home() / "Documents/letter", "precious");
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(mayRemove, Agent::grants);
+        const auto clean = expected(trial.clean({"first"}), 1, {});
+        const auto tool = trial.tool();
+        return firstOf({clean, expected(trial.clean({"second", "third"}), 2, {}), expectQuestions(trial, 0),
+                        tool != 0 && trial.tool() == tool ? "" : "the tool is not used again"});
+    });
+    EXPECT_TRUE(fs::is_empty(cachesOf(mayRemove)));
+    EXPECT_TRUE(fs::exists(mayRemove.home() / "Documents/letter"));
+}
+
+TEST(PrivilegedClean, ReportsWhatIsDenied) {
+    makeThreeItems(deniedUser);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(deniedUser, Agent::grants);
+        return firstOf({expected(trial.clean(threeItems), 1, {"first", "second"}), expectQuestions(trial, 0),
+                        trial.tool() == 0 ? "" : "a tool was started"});
+    });
+    EXPECT_TRUE(fs::exists(cachesOf(deniedUser) / "first/0/0"));
+}
+
+TEST(PrivilegedClean, ReportsWhatNobodyCanBeAskedFor) {
+    makeThreeItems(askedUser);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(askedUser, Agent::none);
+        return expected(trial.clean(threeItems), 1, {"first", "second"});
+    });
+}
+
+TEST(PrivilegedClean, DoesWithoutASystemBus) {
+    makeThreeItems(mayRemove);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(mayRemove, Agent::none);
+        trial.loseSystemBus();
+        return expected(trial.clean(threeItems), 1, {"first", "second"});
+    });
+}
+
+TEST(PrivilegedClean, AsksOnceAlsoWhenTheToolIsKilledBetweenTwoRemovals) {
+    makeThreeItems(askedUser);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(askedUser, Agent::grants);
+        const auto before = expected(trial.clean({"first"}), 1, {});
+        const auto tool = trial.tool();
+        trial.sendAsAdministrator(SIGKILL, tool);
+        const bool ended = comes([&] { return !isAlive(tool); });
+        return firstOf({before, ended ? "" : "the tool lives", expected(trial.clean({"second", "third"}), 2, {}),
+                        trial.tool() != 0 ? "" : "there is no new tool", expectQuestions(trial, 1)});
+    });
+}
+
+TEST(PrivilegedClean, AsksOnceWhenRefusedAndAgainInTheNextClean) {
+    makeThreeItems(askedUser);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(askedUser, Agent::refuses);
+        return firstOf({expected(trial.clean(threeItems), 1, {"first", "second"}), expectQuestions(trial, 1),
+                        expected(trial.clean({"first", "second"}), 0, {"first", "second"}), expectQuestions(trial, 2)});
+    });
+}
+
+TEST(PrivilegedClean, IsGrantedToTheProcessThatHasAskedAndToNoOtherOfTheUser) {
+    makeThreeItems(askedUser);
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        const pid_t other = startIdler(askedUser);
+        const fs::path questionsToOther = "/run/questions-other";
+        startAgent(other, Agent::refuses, questionsToOther);
+        Trial trial(askedUser, Agent::grants);
+        const auto clean = expected(trial.clean({"first"}), 1, {});
+        const auto check = [](const std::string& how, pid_t process) {
+            return std::system(("pkcheck --action-id com.quorvel.brimvault.remove " + how + " --process " +
+                                std::to_string(process) + " >/dev/null 2>&1")
+                                   .c_str()) == 0;
+        };
+        const bool isHeld = check("", ::getpid());
+        const bool isHeldByOther = check("", other);
+        const bool isGrantedToOther = check("--allow-user-interaction", other);
+        std::ifstream file(questionsToOther);
+        const std::string asked{std::istreambuf_iterator<char>(file), {}};
+        return firstOf({clean, isHeld ? "" : "the right is not kept", isHeldByOther ? "another process holds it" : "",
+                        isGrantedToOther ? "another process was granted it" : "",
+                        asked == "ready\ncom.quorvel.brimvault.remove\n" ? "" : "the other was not asked: " + asked});
+    });
+}
+
+TEST(PrivilegedClean, ReportsAnItemWhoseToolIsKilledAndFinishesItInTheNextClean) {
+    makeHome(askedUser);
+    makeLockedFolder(askedUser, "large", 60'000);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(askedUser, Agent::grants);
+        trial.beginClean({"large"});
+        const bool begun = comes([&] { return !fs::exists(trial.caches() / "large/0/0"); });
+        trial.sendAsAdministrator(SIGKILL, trial.tool());
+        const auto result = trial.finishClean();
+        return firstOf({begun ? "" : "nothing goes", expected(result, 0, {"large"}),
+                        fs::exists(trial.caches() / "large") ? "" : "it was too fast to be killed",
+                        expected(trial.clean({"large"}), 1, {}), expectQuestions(trial, 1)});
+    });
+}
+
+TEST(PrivilegedClean, GivesUpAToolThatDoesNotAnswerAndThatToolRemovesNothingAfterwards) {
+    makeThreeItems(mayRemove);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(mayRemove, Agent::none);
+        const auto before = expected(trial.clean({"first"}), 1, {});
+        const auto tool = trial.tool();
+        trial.sendAsAdministrator(SIGSTOP, tool);
+        const auto result = expected(trial.clean({"second"}), 0, {"second"});
+        trial.sendAsAdministrator(SIGCONT, tool);
+        const bool ended = comes([&] { return !isAlive(tool); });
+        return firstOf({before, result, ended ? "" : "the tool lives",
+                        fs::exists(trial.caches() / "second/2/2") ? "" : "the item went after all",
+                        expected(trial.clean({"second"}), 1, {})});
+    });
+}
+
+TEST(PrivilegedClean, EndsWithTheProgramAlsoInTheMiddleOfARemoval) {
+    makeHome(mayRemove);
+    makeLockedFolder(mayRemove, "large", 200'000);
+    const pid_t program = ::fork();
+    if (program == 0) {
+        Trial trial(mayRemove, Agent::none);
+        trial.beginClean({"large"});
+        ::pause();
+        ::_exit(0);
+    }
+    const bool begun = comes([] { return !fs::exists(cachesOf(mayRemove) / "large/0/0"); });
+    const auto tool = toolOf(program);
+    ::kill(program, SIGKILL);
+    ::waitpid(program, nullptr, 0);
+    const auto killed = std::chrono::steady_clock::now();
+    const bool ended = comes([&] { return !isAlive(tool); });
+    const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - killed);
+    std::cout << "The tool ended " << took.count() << " ms after the program.\n";
+    EXPECT_TRUE(begun);
+    EXPECT_NE(tool, 0);
+    EXPECT_TRUE(ended);
+    EXPECT_TRUE(fs::exists(cachesOf(mayRemove) / "large"));
+}
+
+TEST(PrivilegedClean, MovesIntoTheUsersTrash) {
+    makeHome(mayRemove);
+    makeLockedFolder(mayRemove, "some folder");
+    for (const char* folder :
+         {".local", ".local/share", ".local/share/Trash", ".local/share/Trash/files", ".local/share/Trash/info"}) {
+        fs::create_directory(mayRemove.home() / folder);
+        ASSERT_EQ(::chown((mayRemove.home() / folder).c_str(), mayRemove.number, mayRemove.number), 0);
+    }
+    const auto trash = mayRemove.home() / ".local/share/Trash";
+    EXPECT_WELL_IN_CHILD([&] {
+        Trial trial(mayRemove, Agent::none);
+        const auto place = trial.remover().recycleFileAtPath(trial.caches() / "some folder");
+        std::ifstream record(trash / "info/some folder.trashinfo");  // as the user reads it
+        std::string text{std::istreambuf_iterator<char>(record), {}};
+        return firstOf({place == trash / "files/some folder" ? "" : "it is elsewhere",
+                        text.find("Path=/run/home/may/Library/Caches/some%20folder\n") != std::string::npos
+                            ? ""
+                            : "the record is: " + text});
+    });
+    EXPECT_TRUE(fs::exists(trash / "files/some folder/0/0"));
+    EXPECT_FALSE(fs::exists(cachesOf(mayRemove) / "some folder"));
+}
+
+}  // namespace brimvault::tests

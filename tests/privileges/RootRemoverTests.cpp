@@ -1,0 +1,384 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <map>
+
+#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "cleaner-tool/protocol/Protocol.h"
+#include "platform/ToolConnection.h"
+#include "privileges/Trial.h"
+#include "support/ChildProcess.h"
+#include "support/SampleHome.h"
+
+// The root remover as it is installed, started as pkexec starts it, and clients that speak with it byte by byte.
+
+namespace brimvault::tests {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using cleaner::Operation;
+
+const User& user = mayRemove;
+const std::string name = "com.quorvel.brimvault.BrimvaultCleaner.123456";
+
+fs::path place() { return cleaner::meetingFolder(user.number) / name; }
+fs::path caches() { return user.home() / "Library/Caches"; }
+
+[[noreturn]] void becomeTool(pid_t application) {
+    const auto number = std::to_string(application);
+    const auto userNumber = std::to_string(user.number);
+    ::setenv("PKEXEC_UID", userNumber.c_str(), 1);
+    constexpr const char* program = "/usr/local/libexec/brimvault/BrimvaultCleaner";
+    ::execl(program, program, name.c_str(), number.c_str(), nullptr);
+    ::_exit(126);
+}
+
+// As a child of the calling process, which it is told to serve, or another one.
+pid_t startTool(pid_t application = ::getpid()) {
+    const pid_t tool = ::fork();
+    if (tool == 0) {
+        becomeTool(application);
+    }
+    return tool;
+}
+
+// How the tool ended by itself: its status, or a text.
+std::string endOf(pid_t tool) {
+    int status = 0;
+    if (!comes([&] { return ::waitpid(tool, &status, WNOHANG) == tool; })) {
+        ::kill(tool, SIGKILL);
+        return "it does not end";
+    }
+    return WIFEXITED(status) ? std::to_string(WEXITSTATUS(status)) : "it was killed";
+}
+
+class Client {
+public:
+    /// Waits until somebody is there.
+    bool connect() {
+        return comes([this] {
+            connection_ = platform::ToolConnection::connect(place());
+            return connection_ != nullptr;
+        });
+    }
+    bool send(std::string_view bytes) { return connection_->send(bytes); }
+    /// The operation of the next message that is no sign of life; none when the other side has closed.
+    std::optional<Operation> next() {
+        while (true) {
+            const auto message = reader_.take();
+            if (message && message->operation != Operation::working) {
+                return message->operation;
+            }
+            const auto bytes = message ? std::string() : connection_->receive(std::chrono::seconds(60)).value_or("");
+            if (!message && bytes.empty()) {
+                return std::nullopt;
+            }
+            reader_.feed(bytes);
+        }
+    }
+    bool isGreeted() { return connect() && next() == Operation::ready; }
+    std::optional<Operation> ask(Operation operation, const std::string& path) {
+        return send(*cleaner::encode(operation, path)) ? next() : std::nullopt;
+    }
+
+private:
+    std::unique_ptr<platform::ToolConnection> connection_;
+    cleaner::MessageReader reader_;
+};
+
+// Whether a process of the user's own that is not the application is turned away.
+std::string asOtherProcess() {
+    const pid_t other = ::fork();
+    if (other == 0) {
+        Client client;
+        ::_exit(client.connect() && !client.next() ? 0 : 1);
+    }
+    return endOf(other) == "0" ? "" : "another process was served";
+}
+
+// A process that gets the number of one that has ended; waits to be killed.
+pid_t startWithNumber(pid_t number) {
+    for (int tries = 0; tries < 1000; ++tries) {
+        std::ofstream("/proc/sys/kernel/ns_last_pid") << number - 1;
+        const pid_t process = ::fork();
+        if (process == 0) {
+            ::pause();
+            ::_exit(0);
+        }
+        if (process == number) {
+            return process;
+        }
+        ::kill(process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+    }
+    return 0;
+}
+
+void makeMeetingFolder(unsigned permissions) {
+    const auto folder = cleaner::meetingFolder(user.number);
+    fs::create_directories(folder);
+    (void)!::chown(folder.c_str(), user.number, 0);
+    fs::permissions(folder, static_cast<fs::perms>(permissions));
+}
+
+class RootRemover : public testing::Test {
+protected:
+    void SetUp() override {
+        makeHome(user);
+        makeLockedFolder(user, "item");
+        makeLockedFolder(user, "other");
+    }
+};
+
+}  // namespace
+
+TEST_F(RootRemover, ServesTheProcessThatHasStartedItAndOnlyOnce) {
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        const pid_t tool = startTool();
+        become(user);
+        const auto turnedAway = asOtherProcess();
+        Client client;
+        if (!turnedAway.empty() || !client.isGreeted()) {
+            return turnedAway + " the application is not served";
+        }
+        if (platform::ToolConnection::connect(place())) {
+            return "a second connection is possible";
+        }
+        if (client.ask(Operation::removeFileAtPath, caches() / "item") != Operation::done ||
+            fs::exists(caches() / "item")) {
+            return "the item is not removed";
+        }
+        client = Client();
+        return endOf(tool) == "0" ? "" : "it does not end with its client";
+    });
+}
+
+TEST_F(RootRemover, ServesNoOtherUserAndNotTheAdministrator) {
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        const pid_t tool = startTool();
+        const pid_t other = ::fork();
+        if (other == 0) {
+            become(deniedUser);
+            const bool cannotEnter = ::access(place().c_str(), F_OK) != 0 && errno == EACCES;
+            ::_exit(cannotEnter && !platform::ToolConnection::connect(place()) ? 0 : 1);
+        }
+        Client administrator;
+        if (!administrator.connect() || administrator.next() || endOf(other) != "0") {
+            return "another user is served";
+        }
+        become(user);
+        const bool isServed = Client().isGreeted();
+        return isServed && endOf(tool) == "0" ? "" : "its own user is not";
+    });
+}
+
+TEST_F(RootRemover, RefusesANumberThatIsNotThatOfItsParent) {
+    EXPECT_WELL_IN_CHILD([] {
+        const auto other = startIdler(user);
+        return endOf(startTool(other)) == "1" && endOf(startTool(1)) == "1" ? "" : "it starts";
+    });
+}
+
+// The application ends before the tool has looked at it, and another process of its user gets its number.
+TEST_F(RootRemover, RefusesAProcessThatHasTakenOverTheNumber) {
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        int go[2];
+        int told[2];
+        if (::pipe(go) != 0 || ::pipe(told) != 0 || ::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) {
+            return "no pipes";
+        }
+        const pid_t application = ::fork();
+        if (application == 0) {
+            const pid_t self = ::getpid();
+            const pid_t tool = ::fork();
+            char byte = 0;
+            if (tool == 0 && ::read(go[0], &byte, 1) == 1) {
+                becomeTool(self);
+            }
+            (void)!::write(told[1], &tool, sizeof tool);
+            ::_exit(0);
+        }
+        pid_t tool = 0;
+        ::waitpid(application, nullptr, 0);
+        const pid_t next = ::read(told[0], &tool, sizeof tool) > 0 ? startWithNumber(application) : 0;
+        (void)!::write(go[1], "g", 1);
+        const auto end = endOf(tool);
+        if (next == 0) {
+            return cannotTry("a process cannot be given a number");
+        }
+        ::kill(next, SIGKILL);
+        return end == "1" ? "" : "it starts: " + end;
+    });
+}
+
+TEST_F(RootRemover, EndsWhenTheApplicationEndsBeforeItHasConnected) {
+    const pid_t application = ::fork();
+    if (application == 0) {
+        startTool();
+        become(user);
+        (void)comes([] { return fs::exists(place()); });
+        ::_exit(0);
+    }
+    ASSERT_TRUE(comes([] { return fs::exists(place()); }));
+    const auto tool = toolOf(application);
+    ASSERT_EQ(::waitpid(application, nullptr, 0), application);
+    const pid_t next = startWithNumber(application);
+    EXPECT_NE(tool, 0);
+    EXPECT_TRUE(comes([&] { return !isAlive(tool); }));
+    EXPECT_FALSE(fs::exists(place()));
+    if (next != 0) {
+        ::kill(next, SIGKILL);
+        ::waitpid(next, nullptr, 0);
+    }
+}
+
+TEST_F(RootRemover, LeavesANameThatIsTaken) {
+    makeMeetingFolder(0500);
+    writeFile(user.home() / "letter", "precious");
+    fs::permissions(user.home() / "letter", static_cast<fs::perms>(0640));
+    for (const bool isLink : {false, true}) {
+        if (isLink) {
+            fs::create_symlink(user.home() / "letter", place());
+        } else {
+            writeFile(place(), "taken");
+        }
+        EXPECT_WELL_IN_CHILD([] { return endOf(startTool()) == "1" ? "" : "it starts"; });
+        EXPECT_TRUE(fs::exists(place()));
+        fs::remove(place());
+    }
+    EXPECT_EQ(fs::status(user.home() / "letter").permissions(), static_cast<fs::perms>(0640));
+}
+
+TEST_F(RootRemover, RefusesAMeetingFolderThatOthersMayEnter) {
+    makeMeetingFolder(0755);
+    EXPECT_WELL_IN_CHILD([] { return endOf(startTool()) == "1" ? "" : "it starts"; });
+    fs::remove(cleaner::meetingFolder(user.number));
+}
+
+TEST_F(RootRemover, EndsAtWhatIsNoRequest) {
+    const auto request = *cleaner::encode(Operation::removeFileAtPath, (caches() / "item").native());
+    std::vector<std::string> streams = {std::string(4, '\0'),
+                                        std::string("\xff\xff\xff\xff", 4),
+                                        std::string("\x00\x00\x20\x01", 4),
+                                        "GET / HTTP/1.1\r\n\r\n",
+                                        *cleaner::encode(Operation::done),
+                                        *cleaner::encode(Operation::ready, "1"),
+                                        std::string("\x00\x00\x00\x01\x63", 5),
+                                        *cleaner::encode(Operation::keepFolderAtPath, "relative")};
+    for (auto& stream : streams) {
+        stream += request;  // is not reached
+    }
+    for (const auto& stream : streams) {
+        EXPECT_WELL_IN_CHILD([&]() -> std::string {
+            const pid_t tool = startTool();
+            become(user);
+            Client client;
+            if (!client.isGreeted() || !client.send(stream)) {
+                return "it is not there";
+            }
+            return !client.next() && endOf(tool) == "0" ? "" : "it goes on";
+        });
+    }
+    EXPECT_TRUE(fs::exists(caches() / "item/2/2"));
+}
+
+TEST_F(RootRemover, RefusesWhatIsToBeKept) {
+    const std::vector<std::string> kept = {"",
+                                           "item",
+                                           "./item",
+                                           "/",
+                                           "//",
+                                           caches() / "other/.." / "item",
+                                           caches() / "./item",
+                                           caches() / "item/",
+                                           user.home(),
+                                           user.home() / "Library",
+                                           caches(),
+                                           "/run/home",
+                                           "/etc/polkit-1/rules.d/10-brimvault.rules",
+                                           "/usr/local/libexec/brimvault/BrimvaultCleaner",
+                                           "/run/passwd",
+                                           caches() / "link/item",
+                                           caches() / "mounted",
+                                           caches() / "extra",
+                                           (caches() / "item").native() + std::string("\0", 1) + "x"};
+    makeLockedFolder(user, "extra");
+    makeLockedFolder(user, "mounted");
+    ASSERT_EQ(::mount("none", (caches() / "mounted").c_str(), "tmpfs", 0, nullptr), 0);
+    writeFile(caches() / "mounted/file", "elsewhere");
+    fs::create_directory_symlink(caches(), caches() / "link");
+    const auto before = fingerprint(user.home());
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        startTool();
+        become(user);
+        Client client;
+        if (!client.isGreeted()) {
+            return "it is not there";
+        }
+        client.send(*cleaner::encode(Operation::keepFolderAtPath, (caches() / "extra").native()));
+        for (const auto& path : kept) {
+            for (const auto operation : {Operation::removeFileAtPath, Operation::removeToTrashFileAtPath}) {
+                if (client.ask(operation, path) != Operation::failed) {
+                    return "it does not refuse " + path;
+                }
+            }
+        }
+        return "";
+    });
+    EXPECT_EQ(fingerprint(user.home()), before);
+    EXPECT_TRUE(fs::exists("/run/passwd"));
+    EXPECT_TRUE(fs::exists("/etc/polkit-1/rules.d/10-brimvault.rules"));
+    EXPECT_TRUE(fs::exists("/usr/local/libexec/brimvault/BrimvaultCleaner"));
+    ASSERT_EQ(::umount((caches() / "mounted").c_str()), 0);
+}
+
+TEST_F(RootRemover, HasGivenUpWhatItDoesNotNeed) {
+    int done[2];
+    ASSERT_EQ(::pipe(done), 0);  // which is not to be inherited
+    const pid_t application = ::fork();
+    if (application == 0) {
+        startTool();
+        become(user);
+        Client client;
+        (void)!::write(done[1], client.isGreeted() ? "g" : "n", 1);
+        ::pause();
+    }
+    char greeted = 0;
+    ASSERT_EQ(::read(done[0], &greeted, 1), 1);
+    const auto tool = fs::path("/proc") / std::to_string(std::max(1, toolOf(application)));
+    std::map<std::string, std::string> status;
+    std::ifstream file(tool / "status");
+    for (std::string line; std::getline(file, line);) {
+        status[line.substr(0, line.find(':'))] = line.substr(line.find('\t') + 1);
+    }
+    std::vector<std::string> open;
+    for (const auto& entry : fs::directory_iterator(tool / "fd")) {
+        open.push_back(fs::read_symlink(entry.path()).native().substr(0, 8));
+    }
+    std::sort(open.begin(), open.end());
+    EXPECT_EQ(greeted, 'g');
+    for (const char* set : {"CapEff", "CapPrm", "CapBnd"}) {
+        EXPECT_EQ(status[set], "000000000000000a") << set;  // to pass by permissions, and to act as an owner
+    }
+    EXPECT_EQ(status["CapInh"], "0000000000000000");
+    EXPECT_EQ(status["CapAmb"], "0000000000000000");
+    EXPECT_EQ(status["NoNewPrivs"], "1");
+    EXPECT_EQ(status["Umask"], "0077");
+    EXPECT_EQ(fs::read_symlink(tool / "cwd"), "/");
+    // The application's process, its connection, and nothing else.
+    EXPECT_EQ(open, (std::vector<std::string>{"/dev/nul", "/dev/nul", "/dev/nul", "anon_ino", "socket:["}));
+    ::kill(application, SIGKILL);
+    ::waitpid(application, nullptr, 0);
+}
+
+}  // namespace brimvault::tests
