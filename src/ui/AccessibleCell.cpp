@@ -33,7 +33,11 @@ QRect AccessibleCell::rect() const {
     return view->visualRect(index()).translated(view->viewport()->mapToGlobal(QPoint()));
 }
 
+// A row that cannot be chosen says what those below it are.
 QAccessible::Role AccessibleCell::role() const {
+    if (index().isValid() && !index().flags().testFlag(Qt::ItemIsSelectable)) {
+        return QAccessible::Heading;
+    }
     return list()->headers() == 0 ? QAccessible::ListItem : QAccessible::Cell;
 }
 
@@ -45,8 +49,8 @@ QAccessible::State AccessibleCell::state() const {
         return state;
     }
     const auto* view = list()->view();
-    state.selectable = true;
-    state.focusable = true;
+    state.selectable = place.flags().testFlag(Qt::ItemIsSelectable);
+    state.focusable = place.flags().testFlag(Qt::ItemIsEnabled);
     state.selected = isSelected();
     state.focused = view->hasFocus() && view->currentIndex() == place;
     state.invisible = !view->isVisible();

@@ -6,7 +6,9 @@
 
 #include "ui/AccessibleCell.h"
 #include "ui/AccessibleHeaderCell.h"
+#include "ui/AccessibleSheet.h"
 #include "ui/CheckTableView.h"
+#include "ui/NotCleanedListView.h"
 #include "ui/SectionsTableView.h"
 
 namespace brimvault::ui {
@@ -14,8 +16,12 @@ namespace brimvault::ui {
 namespace {
 
 QAccessibleInterface* present(const QString& /*className*/, QObject* object) {
-    if (qobject_cast<CheckTableView*>(object) != nullptr || qobject_cast<SectionsTableView*>(object) != nullptr) {
+    if (qobject_cast<CheckTableView*>(object) != nullptr || qobject_cast<SectionsTableView*>(object) != nullptr ||
+        qobject_cast<NotCleanedListView*>(object) != nullptr) {
         return new AccessibleItemView(static_cast<QAbstractItemView*>(object));
+    }
+    if (auto* sheet = qobject_cast<Sheet*>(object)) {
+        return new AccessibleSheet(sheet);
     }
     return nullptr;
 }
@@ -53,6 +59,12 @@ AccessibleItemView::~AccessibleItemView() {
     for (const QAccessible::Id id : std::as_const(children_)) {
         QAccessible::deleteAccessibleInterface(id);
     }
+}
+
+QAccessible::State AccessibleItemView::state() const {
+    auto state = QAccessibleWidget::state();
+    state.multiSelectable = view_->selectionMode() != QAbstractItemView::SingleSelection;
+    return state;
 }
 
 void* AccessibleItemView::interface_cast(QAccessible::InterfaceType type) {
@@ -132,15 +144,19 @@ QString AccessibleItemView::columnDescription(int column) const {
     return view_->model()->headerData(column, Qt::Horizontal, Qt::AccessibleTextRole).toString();
 }
 
-bool AccessibleItemView::isRowSelected(int row) const { return selectedRows().contains(row); }
+bool AccessibleItemView::isRowSelected(int row) const { return view_->selectionModel()->isRowSelected(row); }
 
 bool AccessibleItemView::selectRow(int row) {
     const QModelIndex index =
         view_->model()->index(row, view_->currentIndex().isValid() ? view_->currentIndex().column() : 0);
-    if (!index.isValid()) {
+    if (!index.flags().testFlag(Qt::ItemIsSelectable)) {
         return false;
     }
-    view_->setCurrentIndex(index);
+    if (state().multiSelectable) {
+        view_->selectionModel()->select(index, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    } else {
+        view_->setCurrentIndex(index);
+    }
     return true;
 }
 

@@ -14,12 +14,13 @@ namespace brimvault::ui {
 /// the first row and a row header before each row. Main thread.
 class AccessibleItemView final : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
-    /// Has every SectionsTableView and CheckTableView presented so. Once, before the first window.
+    /// Has the lists presented so, and sheets as dialogs. Once, before the first window.
     static void install();
 
     explicit AccessibleItemView(QAbstractItemView* view);
     Q_DISABLE_COPY_MOVE(AccessibleItemView)
 
+    [[nodiscard]] QAccessible::State state() const override;
     void* interface_cast(QAccessible::InterfaceType type) override;
     [[nodiscard]] int childCount() const override;
     [[nodiscard]] QAccessibleInterface* child(int index) const override;
@@ -30,7 +31,7 @@ public:
     [[nodiscard]] QAccessibleInterface* caption() const override { return nullptr; }
     [[nodiscard]] QAccessibleInterface* summary() const override { return nullptr; }
     [[nodiscard]] QAccessibleInterface* cellAt(int row, int column) const override;
-    [[nodiscard]] int selectedCellCount() const override { return static_cast<int>(selectedCells().size()); }
+    [[nodiscard]] int selectedCellCount() const override { return selectedRowCount() * columnCount(); }
     [[nodiscard]] QList<QAccessibleInterface*> selectedCells() const override;
     [[nodiscard]] QString columnDescription(int column) const override;
     [[nodiscard]] QString rowDescription(int /*row*/) const override { return {}; }

@@ -9,6 +9,7 @@
 #include "ui/AccessibleItemView.h"
 #include "ui/CheckToggle.h"
 #include "ui/Look.h"
+#include "ui/StyleSheets.h"
 
 namespace brimvault::ui {
 
@@ -16,14 +17,6 @@ namespace {
 
 constexpr int checkColumnWidth = 38;
 constexpr int iconColumnWidth = 38;
-
-// A quiet handle on the ground of the list, without arrow buttons.
-const QString scrollBarLook = QStringLiteral(
-    "QScrollBar:vertical { background: transparent; width: 12px; border: none; margin: 0; }"
-    "QScrollBar::handle:vertical { background: #aebbcb; border-radius: 4px; min-height: 32px; margin: 2px; }"
-    "QScrollBar::handle:vertical:hover { background: #7a8798; }"
-    "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
-    "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }");
 
 }  // namespace
 
@@ -42,7 +35,7 @@ CheckTableView::CheckTableView(QWidget* parent) : QTableView(parent) {
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    verticalScrollBar()->setStyleSheet(scrollBarLook);
+    verticalScrollBar()->setStyleSheet(styleSheets::scrollBar());
     verticalScrollBar()->setSingleStep(look::scaled(look::itemRowHeight));
 }
 

@@ -23,6 +23,7 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
         [this](const QStringList& languages) { psectController_->changedListOfLangs(languages); });
     window_->pDrawer()->ptableView()->setModel(pLangListController_.get());
     panels_ = std::make_unique<SectionPanels>(*window_->lists(), *psectController_, *this, util_);
+    pNotCleanedController_ = std::make_unique<NotCleanedController>(window_.get());
     util_.setWindow(window_.get());
 }
 
@@ -53,6 +54,7 @@ void FAppDelegate::connectControls() {
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
     connect(window_->pbtnLangs(), &QAbstractButton::clicked, this, &FAppDelegate::toggleDrawer);
     connect(window_->pDrawer(), &LanguagesDrawer::closeRequested, this, &FAppDelegate::toggleDrawer);
+    connect(window_->pDrawer(), &LanguagesDrawer::drawerDidClose, this, &FAppDelegate::drawerDidClose);
     connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, this, &FAppDelegate::doSelGetInfo);
     connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, this, &FAppDelegate::doSelShowInFinder);
     window_->setMayClose([this] { return mayClose(); });
@@ -65,30 +67,16 @@ void FAppDelegate::observe(const QString& name, engine::NotificationCenter::Hand
 
 void FAppDelegate::registerObservers() {
     observe(engine::notification::scanFinished, [this](const auto&) { mainThreadScanFinished(); });
-    observe(engine::notification::cleanFinished, [this](const auto&) { setPbCleanning(false); });
+    observe(engine::notification::cleanFinished, [this](const auto&) { mainThreadCleanFinished(); });
     for (const Section section : engine::allSections) {
-        const auto words = engine::vocabulary(section);
-        observe(words.cleanFinished, [this, section, words](const engine::Notification& heard) {
-            using Reasons = engine::NotRemovedDictionary;
-            using Counts = engine::NotCleanedApplications;
-            if (const auto counts = engine::getDictionaryPropfromNotification<Counts>(heard, words.notCleanedKey)) {
-                pdNotCleanedApps_ = *counts;
-            }
-            if (const auto reasons = engine::getDictionaryPropfromNotification<Reasons>(heard, words.notCleanedKey)) {
-                notCleaned_[section] = *reasons;  // a single removal tells none
-            }
-        });
+        observe(engine::vocabulary(section).cleanFinished,
+                [this, section](const auto& heard) { notCleaned_.take(section, heard); });
     }
     auto& center = engine::NotificationCenter::defaultCenter();
     observations_.push_back(center.addObserver(engine::notification::updateCleanableSizes,
                                                [this](const auto&) { UpdateTextsAboutFreeUpSize(); }));
     observations_.push_back(
         center.addObserver(engine::notification::plashkaPressed, [this](const auto&) { plashkaPressed(); }));
-}
-
-void FAppDelegate::resetNotCleanedDicts() {
-    notCleaned_ = {};
-    pdNotCleanedApps_ = {};
 }
 
 // --- Scanning ---------------------------------------------------------------------------------------------------
@@ -196,6 +184,19 @@ void FAppDelegate::cleanFinished() {
     }
 }
 
+// The user who has closed the window waits for it to go, not for a report.
+void FAppDelegate::mainThreadCleanFinished() {
+    setPbCleanning(false);
+    if (closing_) {
+        return;
+    }
+    const auto& files = notCleaned_.files;
+    pNotCleanedController_->setCleanStopped(psectController_->isCleanStopped());
+    pNotCleanedController_->updateNotCleanedRusultsApps(notCleaned_.applications, files[Section::downloads],
+                                                        files[Section::caches], files[Section::trash],
+                                                        files[Section::logs], this);
+}
+
 // To the list where there is one, as the button that had the focus can do nothing more.
 void FAppDelegate::focusWhatIsNext() {
     auto* current = panels_->getCurrentSectionController();
@@ -285,6 +286,32 @@ void FAppDelegate::setDrawerOpen(bool open) {
     }
     window_->pDrawer()->setOpen(open);
     window_->pbtnLangs()->setOn(open);
+}
+
+void FAppDelegate::willModalSheetBegin(const QObject* sender) {
+    if (window_->pDrawer()->isOpen()) {
+        modalSheetSender_ = sender;
+        focusWasInDrawer_ = window_->pDrawer()->isAncestorOf(window_->focusWidget());
+        setDrawerOpen(false);
+    } else if (sender == pNotCleanedController_.get()) {
+        pNotCleanedController_->showNotCleanedInfoPanelModalFor(window_.get());
+    }
+}
+
+void FAppDelegate::drawerDidClose() {
+    if (modalSheetSender_ != nullptr && modalSheetSender_ == pNotCleanedController_.get()) {
+        pNotCleanedController_->showNotCleanedInfoPanelModalFor(window_.get());
+    }
+}
+
+// By now another section may have been chosen, one without a drawer.
+void FAppDelegate::didModalSheetEnd(const QObject* /*sender*/) {
+    if (std::exchange(modalSheetSender_, nullptr) != nullptr) {
+        updateButtonsForPanel(psectController_->selectedRow());
+        if (focusWasInDrawer_ && window_->pDrawer()->isOpen() && window_->pbtnLangs()->hasFocus()) {
+            window_->pDrawer()->ptableView()->setFocus();
+        }
+    }
 }
 
 void FAppDelegate::doSelShowInFinder() {

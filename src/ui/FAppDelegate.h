@@ -14,7 +14,10 @@
 #include "ui/AlertPresenter.h"
 #include "ui/ApplicationController.h"
 #include "ui/MainWindow.h"
+#include "ui/NotCleanedController.h"
+#include "ui/NotCleanedDictionaries.h"
 #include "ui/SectionPanels.h"
+#include "ui/SheetCoordinator.h"
 #include "ui/StatusTexts.h"
 #include "ui/TSectionViewController.h"
 
@@ -22,7 +25,7 @@ namespace brimvault::ui {
 
 /// The controller of the window: it makes the parts, shows the list of the chosen section, and turns what the engine
 /// tells into what the controls show. Main thread; what the engine posts from other threads is handed over.
-class FAppDelegate final : public QObject, public ApplicationController {
+class FAppDelegate final : public QObject, public ApplicationController, public SheetCoordinator {
     Q_OBJECT
 
 public:
@@ -55,16 +58,19 @@ public:
     void activatePanel(int row) override;
     void updateSelectAllCheck() override;
     void UpdateTextsAboutFreeUpSize() override;
+    /// A sheet does not come while the drawer is out: the drawer goes first, and comes again after the sheet.
+    void willModalSheetBegin(const QObject* sender) override;
+    void didModalSheetEnd(const QObject* sender) override;
     /// The reasons of the last clean, by section; of applications, how many languages were not removed.
-    [[nodiscard]] const engine::PerSection<engine::NotRemovedDictionary>& notCleaned() const { return notCleaned_; }
-    [[nodiscard]] const engine::NotCleanedApplications& notCleanedApplications() const { return pdNotCleanedApps_; }
+    [[nodiscard]] const NotCleanedDictionaries& notCleaned() const { return notCleaned_; }
+    [[nodiscard]] NotCleanedController& pNotCleanedController() { return *pNotCleanedController_; }
 
 private:
     void connectControls();
     void registerObservers();
     /// Observes on any thread, handles on this one.
     void observe(const QString& name, engine::NotificationCenter::Handler handler);
-    void resetNotCleanedDicts();
+    void resetNotCleanedDicts() { notCleaned_ = {}; }
 
     void scanStarted();
     void scanFinished();
@@ -72,6 +78,7 @@ private:
     void refreshLists();
     void cleanStarted();
     void cleanFinished();
+    void mainThreadCleanFinished();
     void initStateAsScanStarted();
     void showSelPanel();
     void enableControlsScan(bool idle);
@@ -84,6 +91,7 @@ private:
     void updateButtonsForPanel(int row);
     void toggleDrawer();
     void setDrawerOpen(bool open);
+    void drawerDidClose();
     void toggleSelectAll();
     void doSelShowInFinder();
     void doSelGetInfo();
@@ -101,8 +109,10 @@ private:
     std::unique_ptr<TSectionViewController> psectController_;
     std::unique_ptr<langres::LangListController> pLangListController_;
     std::unique_ptr<SectionPanels> panels_;
-    engine::PerSection<engine::NotRemovedDictionary> notCleaned_;
-    engine::NotCleanedApplications pdNotCleanedApps_;
+    std::unique_ptr<NotCleanedController> pNotCleanedController_;
+    NotCleanedDictionaries notCleaned_;
+    const QObject* modalSheetSender_ = nullptr;  ///< asked for a sheet while the drawer was out
+    bool focusWasInDrawer_ = false;              ///< when the drawer went for the sheet
     bool bscanningProcess_ = false;
     bool bcleaningProcess_ = false;
     bool removing_ = false;

@@ -7,20 +7,9 @@
 #include <algorithm>
 
 #include "engine/Notifications.h"
+#include "ui/StyleSheets.h"
 
 namespace brimvault::ui {
-
-namespace {
-
-// As roomy as the rest of the window.
-const QString menuLook = QStringLiteral(
-    "QMenu { background: #ffffff; border: 1px solid #d5dde8; padding: 5px; }"
-    "QMenu::item { padding: 6px 32px 6px 14px; border-radius: 6px; color: #1b2430; }"
-    "QMenu::item:selected { background: #2a6ae4; color: #ffffff; }"
-    "QMenu::item:disabled { background: transparent; color: #6b7889; }"
-    "QMenu::separator { height: 1px; background: #dde4ec; margin: 5px 8px; }");
-
-}  // namespace
 
 ItemListController::ItemListController(engine::Section section, const Surroundings& surroundings)
     : section_(section), surroundings_(surroundings) {}
@@ -136,7 +125,7 @@ void ItemListController::didClickTableColumn(int column) {
 void ItemListController::showMenu(const QPoint& globalPosition) {
     auto* menu = new QMenu(ptableView_);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setStyleSheet(menuLook);
+    menu->setStyleSheet(styleSheets::menu());
     const bool selected = hasSelectedItem();
     menu->addAction(tr("Show in File Manager"), this, &ItemListController::onClickedRevealInFinder)
         ->setEnabled(selected);

@@ -176,6 +176,7 @@ void TSectionViewController::doStartClean() {
         return;
     }
     if (pAppDelegate_.pbCleanning()) {
+        cleanStopped_ = true;
         performer_.cancelCleanAll();
         return;
     }
@@ -183,6 +184,7 @@ void TSectionViewController::doStartClean() {
     if (!isRemovalConfirmed() || !isStillWhatWasAsked()) {
         return;
     }
+    cleanStopped_ = false;
     pAppDelegate_.setPbCleanning(true);
     performer_.setNeedLangs(neededLanguages_());
     performer_.Clean(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],

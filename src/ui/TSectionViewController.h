@@ -47,6 +47,8 @@ public:
     void startScan();
     /// The clean button: asks and starts a clean, or stops the one that runs.
     void doStartClean();
+    /// The user has stopped the last clean: it need not have come to every item.
+    [[nodiscard]] bool isCleanStopped() const { return cleanStopped_; }
     /// Records what a clean has freed.
     void cleanFinished();
     /// Check boxes follow whether a scan or a clean runs.
@@ -93,6 +95,7 @@ private:
     SectionListModel model_;
     engine::PerSection<bool> checks_;
     bool waitingToScan_ = false;  ///< the user asked for a scan while one that was stopped still returned
+    bool cleanStopped_ = false;
     qint64 lastCleanedSize_ = 0;  ///< bytes that were selected when the last clean started
     engine::CPerformer performer_;
     std::vector<engine::NotificationCenter::Observation> observations_;

@@ -193,7 +193,7 @@ TEST_F(LanguageJourney, CleaningLeavesTheLanguagesToKeepAndTheApplicationsThatAr
     EXPECT_TRUE(fs::exists(resources(writer) / "Base.lproj/Main.nib"));
     EXPECT_TRUE(fs::exists(resources(writer) / "../Info.plist"));
     EXPECT_EQ(home_.everythingOutside({"Applications"}), outside);
-    EXPECT_TRUE(application_->notCleanedApplications().isEmpty());
+    EXPECT_TRUE(application_->notCleaned().applications.isEmpty());
     EXPECT_TRUE(language("French").flags().testFlag(Qt::ItemIsUserCheckable)) << "the languages can be chosen again";
 }
 

@@ -272,7 +272,7 @@ TEST_F(WindowJourney, WhatCannotBeRemovedStaysListedWithItsReason) {
     clean();
     EXPECT_TRUE(fs::exists(moved / photos.toStdString())) << "nothing is removed through a link";
     EXPECT_GE(guide_->row(photos), 0);
-    const auto& reasons = application_->notCleaned()[engine::Section::caches];
+    const auto& reasons = application_->notCleaned().files[engine::Section::caches];
     EXPECT_EQ(reasons.value(photos), QStringLiteral("Not a directory"));
     EXPECT_FALSE(defaults_->number(ui::defaults_key::totalCleanedSize).value_or(0) > total() / 2);
 }

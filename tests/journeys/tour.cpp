@@ -164,6 +164,23 @@ void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Ca
     camera.take(application.window(), QStringLiteral("cleaned"));
 }
 
+// What it looks like when not everything goes.
+void notCleanedScene(ui::FAppDelegate& application, const Camera& camera) {
+    application.pNotCleanedController().updateNotCleanedRusultsApps(
+        engine::NotCleanedApplications{{QStringLiteral("Chess"), 1}, {QStringLiteral("Office Writer"), 3}}, {}, {},
+        engine::NotRemovedDictionary{{QStringLiteral("old-disk-image"), QStringLiteral("Permission denied")}},
+        engine::NotRemovedDictionary{{QStringLiteral("install.log"), QStringLiteral("Read-only file system")}},
+        &application);
+    auto* sheet = application.pNotCleanedController().pNotCleanedInfoPanel();
+    expect(sheet != nullptr, "what could not be removed is shown");
+    if (sheet != nullptr) {
+        QTest::qWait(sliding);
+        camera.take(application.window(), QStringLiteral("not-cleaned"));
+        tests::Guide::click(sheet->closeButton());
+        expect(!sheet->isVisible(), "the sheet closes");
+    }
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -184,7 +201,7 @@ int main(int argc, char* argv[]) {
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::MessageBoxAlerts alerts;
     const langres::LanguagesManager languages({{QStringLiteral("de"), QStringLiteral("en")}, {}});
-    ui::FAppDelegate application(ui::scanOperations(), ui::cleanOperations(),
+    ui::FAppDelegate application(ui::scanOperations(), ui::cleanOperations(engine::PrivilegedRemover::none()),
                                  {defaults, alerts, ui::UtilMod::sharedUtil(), languages});
     application.applicationDidFinishLaunching();
     application.window()->resize(1000, 660);  // as drawn, whatever the size of the screen
@@ -192,6 +209,7 @@ int main(int argc, char* argv[]) {
     const Camera camera(QString::fromLocal8Bit(argv[1]));
     scanScenes(application, guide, camera);
     reviewAndClean(application, guide, camera);
+    notCleanedScene(application, camera);
 
     expect(names(caches) == std::set<std::string>{spared, tests::SampleHome::hiddenName},
            "only what was unticked, and what is hidden, is left in the caches folder");
