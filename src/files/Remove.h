@@ -40,9 +40,9 @@ public:
 
 /// Removes a file, a link or a folder with its contents, for good.
 ///
-/// A path that is not plain and absolute is refused with EINVAL. No link is followed, on
-/// the way to the item or inside it; a link is removed itself. Nothing on another mount than the item's folder is
-/// touched, nor is a mount point. It goes on after a failure, so that all that can go goes, and answers the first.
+/// A path that is not plain and absolute is refused with EINVAL. No link is followed, on the way to the item or inside
+/// it; a link is removed itself. Nothing on another mount than the item's folder is touched, nor is a mount point. It
+/// goes on after a failure, so that all that can go goes, and answers the first.
 /// A guard is asked before anything is removed that it could want to keep.
 ///
 /// Any thread. A stop is seen before each entry.

@@ -1,18 +1,12 @@
 // Removal while another thread exchanges what it works on for links to what must not be lost.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/fs.h>
-#include <stdio.h>
-#include <unistd.h>
 
-#include <atomic>
-#include <cerrno>
 #include <functional>
-#include <thread>
 
 #include "files/Measure.h"
 #include "files/Remove.h"
+#include "support/NameExchange.h"
 #include "support/SampleHome.h"
 #include "support/TemporaryFolder.h"
 
@@ -23,42 +17,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int wantedExchanges = 4000;
-
-// Exchanges two names with each other, again and again, for as long as it lives.
-class Exchanger {
-public:
-    Exchanger(const fs::path& one, const fs::path& other)
-        : thread_([this, one, other](const std::stop_token& stop) {
-              while (!stop.stop_requested()) {
-                  if (::renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0) {
-                      ++exchanges_;
-                  }
-                  std::this_thread::yield();
-              }
-          }) {}
-
-    [[nodiscard]] int exchanges() const { return exchanges_; }
-
-private:
-    std::atomic<int> exchanges_ = 0;
-    std::jthread thread_;
-};
-
-// A folder that is filled through its descriptor, wherever its name is at the time.
-class HeldFolder {
-public:
-    explicit HeldFolder(const fs::path& folder) {
-        fs::create_directories(folder);
-        descriptor_ = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    }
-    HeldFolder(const HeldFolder&) = delete;
-    HeldFolder& operator=(const HeldFolder&) = delete;
-    ~HeldFolder() { ::close(descriptor_); }
-    [[nodiscard]] fs::path path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
-private:
-    int descriptor_ = -1;
-};
 
 void fill(const fs::path& item) {
     for (const char* name : {"one", "inner/two", "inner/more/three", "other/four"}) {
@@ -73,10 +31,7 @@ protected:
         fill(folder_ / "outside/item");
         fill(folder_ / "outside");
         before_ = fingerprint(folder_ / "outside");
-        writeFile(folder_ / "probe/a", "");
-        writeFile(folder_ / "probe/b", "");
-        if (::renameat2(AT_FDCWD, (folder_ / "probe/a").c_str(), AT_FDCWD, (folder_ / "probe/b").c_str(),
-                        RENAME_EXCHANGE) != 0) {
+        if (!exchangesNames(folder_.path())) {
             GTEST_SKIP() << "the file system exchanges no names";
         }
     }

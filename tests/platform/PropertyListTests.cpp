@@ -148,6 +148,20 @@ TEST_F(PropertyLists, SurvivesEveryDamage) {
     EXPECT_FALSE(read("<plist><array><dict/></array></plist>"));
 }
 
+TEST_F(PropertyLists, ReadsATextUpToAZeroByte) {
+    const std::string zero(1, '\0');
+    const std::string wide("\x66\0y\0e\0s\0\0\0n\0o", 13);
+    for (const auto& text : {"\x56yes" + zero + "no", wide}) {
+        const auto list = read(listOf({"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x51k", text}));
+        ASSERT_TRUE(list);
+        EXPECT_EQ(list->text("k"), "yes");
+        EXPECT_EQ(list->boolean("k"), true);
+    }
+    const auto key = read(listOf({"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x53k" + zero + "x", "\x09"}));
+    ASSERT_TRUE(key);
+    EXPECT_EQ(key->boolean("k"), true);
+}
+
 TEST_F(PropertyLists, TakesNoFileThatNestsOrRepeatsWithoutEnd) {
     EXPECT_TRUE(read(chainOfArrays(100, 1)));
     EXPECT_TRUE(read(chainOfArrays(10, 2)));

@@ -1,0 +1,263 @@
+#include "cleaner-tool/KeptFolders.h"
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include <cerrno>
+
+#include "files/DirectoryHandle.h"
+#include "support/ChildProcess.h"
+#include "support/SampleHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using namespace cleaner;
+using files::RemovalEnd;
+namespace fs = std::filesystem;
+
+namespace {
+
+class KeptFolderTree : public testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* file :
+             {"free/item/file", "section/item/file", "section/file", "holder/section/file", "holder/other/file",
+              "volumes/volume/item/file", "volumes/file", "volumes/user/item/file", "system/tool", "system/inner/tool",
+              "system/open/item/file", "system/open/inner/item/file", "system/named/item/file"}) {
+            writeFile(folder_ / file, "1");
+        }
+        keep("", Keep::contentsMayGo);
+        keep("section", Keep::itself);
+        keep("holder/section", Keep::itself);
+        keep("volumes", Keep::deeperMayGo);
+        keep("volumes/user", Keep::itself);
+        keep("system", Keep::everything);
+        keep("system/open", Keep::contentsMayGo);
+        keep("system/named", Keep::itself);
+    }
+
+    void keep(const fs::path& path, Keep how) { EXPECT_TRUE(kept_.add({folder_ / path, how})); }
+
+    [[nodiscard]] files::RemovalOutcome remove(const fs::path& path) const {
+        KeptFoldersGuard guard(kept_);
+        return files::remove(path, {}, &guard);
+    }
+
+    // Nothing when the removal left everything as it was, with this error, else what it did instead.
+    [[nodiscard]] std::string refuses(const fs::path& path, int code = EPERM) const {
+        const auto before = fingerprint(folder_.path());
+        const auto outcome = remove(path);
+        if (outcome.end != RemovalEnd::kept || fingerprint(folder_.path()) != before) {
+            return "not refused: " + path.native();
+        }
+        return outcome.failure->code == code ? "" : outcome.failure->text() + ": " + path.native();
+    }
+
+    // Takes away the item, and nothing but the item.
+    void expectGoes(const fs::path& path) const {
+        auto before = fingerprint(folder_.path());
+        EXPECT_EQ(remove(folder_ / path).end, RemovalEnd::gone) << path;
+        std::erase_if(before,
+                      [&](const auto& entry) { return (entry.first / "").native().starts_with((path / "").native()); });
+        EXPECT_EQ(fingerprint(folder_.path()), before) << path;
+    }
+
+    TemporaryFolder folder_;
+    KeptFolders kept_;
+};
+
+// What the guard says of a name in a folder of the machine's own; nothing is removed.
+bool mayGo(const fs::path& folder) {
+    static const KeptFolders kept = [] {
+        KeptFolders system;
+        for (const auto& path : systemFolders()) {
+            EXPECT_TRUE(system.add(path)) << path.path;
+        }
+        return system;
+    }();
+    KeptFoldersGuard guard(kept);
+    const auto parent = files::DirectoryHandle::open(fs::canonical(folder).parent_path(),
+                                                     [&](const files::NodeStatus& status) { guard.onWay(status); });
+    return parent && guard.mayRemove(*files::statusOf(fs::canonical(folder)));
+}
+
+}  // namespace
+
+TEST_F(KeptFolderTree, StaysAsFarAsItIsKept) {
+    for (const char* path : {"section", "holder", "holder/section", "volumes", "volumes/volume", "volumes/file",
+                             "volumes/user", "system", "system/tool", "system/inner", "system/inner/tool",
+                             "system/open", "system/named", "system/named/item", "system/named/item/file"}) {
+        EXPECT_EQ(refuses(folder_ / path), "");
+    }
+    EXPECT_EQ(refuses(folder_.path()), "");
+}
+
+TEST_F(KeptFolderTree, LetsGoWhatTheNearestFolderSays) {
+    for (const char* path : {"free/item", "free", "section/item/file", "section/item", "section/file", "holder/other",
+                             "holder/section/file", "volumes/volume/item", "volumes/user/item", "system/open/item/file",
+                             "system/open/item", "system/open/inner"}) {
+        expectGoes(path);
+    }
+}
+
+TEST_F(KeptFolderTree, StaysWhereNothingOnTheWaySaysAnything) {
+    kept_ = {};
+    keep("section", Keep::itself);
+    EXPECT_EQ(refuses(folder_ / "section/item"), "");
+    EXPECT_EQ(refuses(folder_ / "free"), "");
+}
+
+TEST_F(KeptFolderTree, KeepsTheMostThatIsSaidOfAFolder) {
+    keep("free", Keep::everything);
+    keep("free", Keep::itself);
+    keep("free", Keep::contentsMayGo);
+    EXPECT_EQ(refuses(folder_ / "free/item"), "");
+    keep("system/open", Keep::itself);
+    expectGoes("system/open/item");
+}
+
+TEST_F(KeptFolderTree, RefusesPathsThatAreNotPlain) {
+    const auto item = (folder_ / "free/item").native();
+    const std::string zero(1, '\0');
+    const std::string inside[] = {item + "/",
+                                  item + "/.",
+                                  item + "/..",
+                                  folder_ / "free/./item",
+                                  folder_ / "section/../free/item",
+                                  item + zero,
+                                  item + zero + "/x",
+                                  (folder_ / "free").native() + zero + "/item"};
+    for (const auto& path : inside) {
+        EXPECT_EQ(refuses(path, EINVAL), "");
+    }
+    for (const char* path : {"", "item", "free/item", ".", "..", "./item", "/", "//", "/.", "/.."}) {
+        EXPECT_FALSE(files::isPlainAbsolute(path)) << path;  // not tried: they lead out of the tree
+    }
+}
+
+TEST_F(KeptFolderTree, IsNotReachedThroughALink) {
+    fs::create_directory_symlink(folder_ / "system", folder_ / "free/way");
+    fs::create_directory_symlink(folder_ / "free", folder_ / "system/way");
+    EXPECT_EQ(refuses(folder_ / "free/way/tool", ENOTDIR), "");
+    EXPECT_EQ(refuses(folder_ / "free/way/inner/tool", ENOTDIR), "");
+    EXPECT_EQ(refuses(folder_ / "system/way/item", ENOTDIR), "");
+    EXPECT_EQ(refuses(folder_ / "system/way"), "");
+    expectGoes("free/way");
+    fs::create_directory_symlink(folder_ / "section", folder_ / "free/item/way");
+    fs::create_symlink(folder_ / "section/file", folder_ / "free/item/link");
+    expectGoes("free/item");
+}
+
+TEST_F(KeptFolderTree, IsKnownHoweverItIsSpelled) {
+    fs::create_directory_symlink("free/item", folder_ / "link");
+    keep("system/../link", Keep::itself);
+    EXPECT_EQ(refuses(folder_ / "free/item"), "");
+    EXPECT_EQ(refuses(folder_ / "free"), "");
+    expectGoes("free/item/file");
+    EXPECT_EQ(refuses(folder_ / "free///item"), "");
+    EXPECT_EQ(refuses("//" + (folder_ / "section").native()), "");
+    EXPECT_EQ(refuses("/" + (folder_ / "system//tool").native()), "");
+}
+
+TEST_F(KeptFolderTree, IsKnownWhereItIsMountedOnceMore) {
+    fs::create_directories(folder_ / "free/alias");
+    fs::create_directories(folder_ / "free/again");
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        if (const auto reason = keepMountsPrivate(); !reason.empty()) {
+            return cannotTry(reason);
+        }
+        const auto alias = folder_ / "free/alias";
+        if (::mount((folder_ / "system").c_str(), alias.c_str(), nullptr, MS_BIND, nullptr) != 0 ||
+            ::mount(folder_.path().c_str(), (folder_ / "free/again").c_str(), nullptr, MS_BIND, nullptr) != 0) {
+            return cannotTry("no bind mounts");
+        }
+        const auto again = folder_ / "free/again";
+        std::string wrong = refuses(alias) + refuses(alias / "tool") + refuses(alias / "inner");
+        wrong += refuses(again / "section") + refuses(again / "holder") + refuses(again / "system/inner/tool");
+        wrong += refuses(again / "system");
+        // All around the mounts goes, and nothing on them.
+        const auto outcome = remove(folder_ / "free");
+        if (outcome.end != RemovalEnd::kept || outcome.failure->code != EBUSY) {
+            wrong += "a folder with mounts went ";
+        }
+        return wrong + (fs::exists(folder_ / "free/item") ? "what is beside the mounts stayed" : "");
+    });
+    EXPECT_TRUE(fs::exists(folder_ / "system/inner/tool") && fs::exists(folder_ / "section/item/file"));
+}
+
+TEST_F(KeptFolderTree, HasNoMoreFoldersThanItSays) {
+    EXPECT_TRUE(kept_.add({folder_ / "missing", Keep::everything}));
+    std::size_t added = 0;
+    bool room = true;
+    for (auto folder = fs::recursive_directory_iterator("/usr/share"); room && folder != fs::end(folder); ++folder) {
+        room = !folder->is_directory() || folder->is_symlink() || kept_.add({folder->path(), Keep::itself});
+        added += folder->is_directory() && !folder->is_symlink() ? 1 : 0;
+    }
+    EXPECT_FALSE(room);
+    EXPECT_GT(added, KeptFolders::mostFolders - 50);
+    EXPECT_LE(added, KeptFolders::mostFolders);
+}
+
+TEST(HomeFolders, StayWithWhatHoldsThemAndWhatIsInThemGoes) {
+    const TemporaryFolder holder;
+    const auto folders = homeFolders(holder / "home");
+    KeptFolders kept;
+    for (const auto& folder : folders) {
+        fs::create_directories(folder.path / "item");
+    }
+    for (const auto& folder : folders) {
+        ASSERT_TRUE(kept.add(folder));
+    }
+    for (const auto& folder : folders) {
+        KeptFoldersGuard first(kept);
+        EXPECT_EQ(files::remove(folder.path, {}, &first).end, RemovalEnd::kept) << folder.path;
+        KeptFoldersGuard holding(kept);
+        EXPECT_EQ(files::remove(folder.path.parent_path(), {}, &holding).end, RemovalEnd::kept) << folder.path;
+        KeptFoldersGuard second(kept);
+        EXPECT_EQ(files::remove(folder.path / "item", {}, &second).end, RemovalEnd::gone) << folder.path;
+    }
+}
+
+TEST(SystemFolders, AreKeptWithWhatIsBelowThem) {
+    for (const char* path :
+         {"/",           "/usr", "/usr/bin", "/usr/lib",      "/usr/bin/env", "/bin/sh",   "/etc",
+          "/etc/passwd", "/var", "/var/lib", "/var/lib/dpkg", "/var/tmp",     "/dev/null", "/proc/self/status",
+          "/sys",        "/run", "/root",    "/home",         "/boot",        "/tmp",      "/opt",
+          "/srv",        "/mnt", "/media"}) {
+        EXPECT_TRUE(!fs::exists(path) || !mayGo(path)) << path;
+    }
+    const TemporaryFolder folder;  // in a folder for temporary files, whose contents may go
+    EXPECT_TRUE(mayGo(folder.path()));
+}
+
+// Which of the machine's folders a name is in that is not there: told the ways, without looking for them.
+TEST(SystemFolders, SayOfTheirContentsWhatIsCustomary) {
+    KeptFolders kept;
+    for (const auto& folder : systemFolders()) {
+        ASSERT_TRUE(kept.add(folder));
+    }
+    const auto contentsMayGo = [&](const fs::path& folder, bool deeper) {
+        KeptFoldersGuard guard(kept);
+        fs::path way;
+        for (const auto& part : fs::canonical(folder)) {
+            guard.onWay(*files::statusOf(way /= part));
+        }
+        if (deeper) {
+            guard.onWay({});
+        }
+        return guard.mayRemove({});
+    };
+    for (const char* folder : {"/", "/media", "/mnt"}) {
+        EXPECT_FALSE(contentsMayGo(folder, false)) << folder;
+        EXPECT_TRUE(contentsMayGo(folder, true)) << folder;
+    }
+    for (const char* folder : {"/usr", "/usr/share", "/etc", "/home", "/root", "/var", "/var/lib", "/dev", "/run"}) {
+        EXPECT_FALSE(contentsMayGo(folder, false) || contentsMayGo(folder, true)) << folder;
+    }
+    for (const char* folder : {"/opt", "/srv", "/tmp", "/var/tmp"}) {
+        EXPECT_TRUE(contentsMayGo(folder, false) && contentsMayGo(folder, true)) << folder;
+    }
+}
+
+}  // namespace brimvault::tests

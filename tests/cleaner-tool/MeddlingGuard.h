@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+
+#include "cleaner-tool/KeptFolders.h"
+
+namespace brimvault::tests {
+
+/// Asks the guard of the root remover, and lets something happen before it answers: what was asked about need not be
+/// what has the name by then.
+class MeddlingGuard final : public files::RemovalGuard {
+public:
+    MeddlingGuard(const cleaner::KeptFolders& kept, std::function<void(const files::NodeStatus&)> meddle)
+        : guard_(kept), meddle_(std::move(meddle)) {}
+
+    void onWay(const files::NodeStatus& folder) override { guard_.onWay(folder); }
+    bool mayRemove(const files::NodeStatus& node) override {
+        const bool answer = guard_.mayRemove(node);
+        meddle_(node);
+        return answer;
+    }
+
+private:
+    cleaner::KeptFoldersGuard guard_;
+    std::function<void(const files::NodeStatus&)> meddle_;
+};
+
+}  // namespace brimvault::tests

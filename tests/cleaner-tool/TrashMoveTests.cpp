@@ -1,0 +1,209 @@
+#include "cleaner-tool/TrashMove.h"
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <fstream>
+
+#include "cleaner-tool/MeddlingGuard.h"
+#include "support/ChildProcess.h"
+#include "support/FixtureTrees.h"
+#include "support/NameExchange.h"
+#include "support/SampleHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using namespace cleaner;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string contentOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string localTime() {
+    const std::time_t now = std::time(nullptr);
+    std::string text(19, '\0');
+    EXPECT_EQ(std::strftime(text.data(), text.size() + 1, "%Y-%m-%dT%H:%M:%S", std::localtime(&now)), text.size());
+    return text;
+}
+
+class TrashMove : public testing::Test {
+protected:
+    void SetUp() override {
+        fs::create_directories(trash_ / "files");
+        fs::create_directories(trash_ / "info");
+        writeFile(folder_ / "item/file", "1");
+        writeFile(folder_ / "system/tool", "1");
+        EXPECT_TRUE(kept_.add({folder_.path(), Keep::contentsMayGo}));
+        EXPECT_TRUE(kept_.add({folder_ / "system", Keep::everything}));
+        modeMask_ = ::umask(077);  // as the root remover sets it
+    }
+    void TearDown() override { ::umask(modeMask_); }
+
+    std::optional<fs::path> move(const fs::path& path, uid_t user = ::geteuid()) {
+        KeptFoldersGuard guard(kept_);
+        return moveToTrash(path, trash_, user, guard);
+    }
+
+    // Nothing when it is refused and everything is as before.
+    std::string refuses(const fs::path& path, uid_t user = ::geteuid()) {
+        const auto before = fingerprint(folder_.path());
+        const bool moved = move(path, user).has_value();
+        return !moved && fingerprint(folder_.path()) == before ? "" : "not refused: " + path.native();
+    }
+
+    TemporaryFolder folder_;
+    fs::path trash_ = trashOfHome(folder_ / "home");
+    KeptFolders kept_;
+    mode_t modeMask_ = 0;
+};
+
+}  // namespace
+
+TEST_F(TrashMove, TakesFilesFoldersAndLinksWithARecord) {
+    writeFile(folder_ / "file.txt", "12345");
+    fs::create_directory_symlink(folder_ / "system", folder_ / "link");
+    for (const char* name : {"item", "file.txt", "link"}) {
+        const auto content = fs::is_directory(folder_ / name) ? fingerprint(folder_ / name) : SampleHome::Fingerprint();
+        const auto before = localTime();
+        EXPECT_EQ(move(folder_ / name), trash_ / "files" / name);
+        const auto after = localTime();
+        EXPECT_FALSE(fs::exists(fs::symlink_status(folder_ / name)));
+        const auto record = contentOf(trash_ / "info" / (std::string(name) + ".trashinfo"));
+        const auto head = "[Trash Info]\nPath=" + (folder_ / name).native() + "\nDeletionDate=";
+        ASSERT_EQ(record.substr(0, head.size()), head);
+        ASSERT_EQ(record.size(), head.size() + before.size() + 1);
+        EXPECT_LE(before + "\n", record.substr(head.size()));
+        EXPECT_GE(after + "\n", record.substr(head.size()));
+        if (!content.empty()) {
+            EXPECT_EQ(fingerprint(trash_ / "files" / name), content);
+        }
+    }
+    EXPECT_EQ(contentOf(trash_ / "files/file.txt"), "12345");
+    EXPECT_EQ(fs::read_symlink(trash_ / "files/link"), folder_ / "system");
+    EXPECT_TRUE(fs::exists(folder_ / "system/tool"));
+    EXPECT_EQ(fs::status(trash_ / "info/item.trashinfo").permissions(), static_cast<fs::perms>(0644));
+}
+
+TEST_F(TrashMove, RecordsPathsOfAnyBytes) {
+    auto names = oddNames();
+    names.emplace_back("100% [a=b];\r\t?#");
+    for (const auto& name : names) {
+        writeFile(folder_ / "odd" / name, name);
+        const auto place = move(folder_ / "odd" / name);
+        ASSERT_TRUE(place) << name;
+        EXPECT_EQ(contentOf(*place), name);
+        const auto record = contentOf(trash_ / "info" / (place->filename().native() + ".trashinfo"));
+        const auto start = record.find("Path=") + 5;
+        const auto encoded = record.substr(start, record.find("\nDeletionDate=") - start);
+        std::string decoded;
+        for (std::size_t at = 0; at < encoded.size(); ++at) {
+            const bool code = encoded[at] == '%';
+            EXPECT_TRUE(code || std::isalnum(static_cast<unsigned char>(encoded[at])) != 0 ||
+                        std::string("/-_.~").find(encoded[at]) != std::string::npos)
+                << encoded;
+            decoded.push_back(code ? static_cast<char>(std::stoi(encoded.substr(at + 1, 2), nullptr, 16))
+                                   : encoded[at]);
+            at += code ? 2 : 0;
+        }
+        EXPECT_EQ(decoded, (folder_ / "odd" / name).native());
+    }
+}
+
+TEST_F(TrashMove, FindsANameThatIsFreeForItemAndRecord) {
+    fs::create_symlink("nowhere", trash_ / "files/a.txt");
+    writeFile(trash_ / "files/a.2.txt", "mine");
+    writeFile(trash_ / "info/a.3.txt.trashinfo", "mine");
+    fs::create_symlink(folder_ / "made", trash_ / "info/a.4.txt.trashinfo");
+    fs::create_directories(trash_ / "files/a.5.txt");
+    writeFile(folder_ / "a.txt", "12345");
+    const auto before = fingerprint(trash_);
+    EXPECT_EQ(move(folder_ / "a.txt"), trash_ / "files/a.6.txt");
+    auto after = fingerprint(trash_);
+    EXPECT_EQ(after.erase("files/a.6.txt") + after.erase("info/a.6.txt.trashinfo"), 2U);
+    EXPECT_EQ(after, before);
+    EXPECT_FALSE(fs::exists(folder_ / "made"));
+}
+
+TEST_F(TrashMove, ShortensNamesThatLeaveNoRoomForTheRecords) {
+    for (const auto& name : {std::string(255, 'n'), std::string(251, 'n') + ".txt", "a." + std::string(253, 'n'),
+                             "." + std::string(254, 'n'), std::string(120, 'n') + "." + std::string(134, 'e'),
+                             std::string(246, 'n'), std::string(245, 'n'), std::string(255, '.')}) {
+        for (int round = 0; round < 2; ++round) {
+            writeFile(folder_ / "long" / name, name);
+            const auto place = move(folder_ / "long" / name);
+            ASSERT_TRUE(place) << name;
+            EXPECT_EQ(contentOf(*place), name);
+            EXPECT_TRUE(fs::exists(trash_ / "info" / (place->filename().native() + ".trashinfo"))) << *place;
+        }
+    }
+}
+
+TEST_F(TrashMove, LeavesWhatIsKeptOrNoItem) {
+    const auto item = (folder_ / "item").native();
+    for (const auto& path : {folder_ / "system", folder_ / "system/tool", folder_.path(), folder_ / "missing",
+                             folder_ / "missing/file", fs::path(item + "/"), fs::path(item + "/."), fs::path("item"),
+                             fs::path(), fs::path("/"), fs::path(item + std::string("\0", 1)), trash_ / "../Trash"}) {
+        EXPECT_EQ(refuses(path), "");
+    }
+    EXPECT_TRUE(kept_.add({folder_ / "item/../item", Keep::itself}));
+    EXPECT_EQ(refuses(folder_ / "item"), "");
+    fs::create_directory_symlink(folder_ / "item", folder_ / "way");
+    EXPECT_EQ(refuses(folder_ / "way/file"), "");
+}
+
+TEST_F(TrashMove, LeavesNoRecordWhereTheItemCannotBeMoved) {
+    EXPECT_EQ(refuses(folder_ / "home"), "");  // holds the trash
+    writeFile(folder_ / "other/file", "2");
+    const auto before = fingerprint(folder_.path());
+    MeddlingGuard exchange(kept_,
+                           [&](const auto&) { EXPECT_TRUE(exchangeNames(folder_ / "item", folder_ / "other")); });
+    EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, ::geteuid(), exchange));
+    EXPECT_TRUE(exchangeNames(folder_ / "item", folder_ / "other"));
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+    MeddlingGuard take(kept_, [&](const auto&) { fs::rename(folder_ / "item", folder_ / "elsewhere"); });
+    EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, ::geteuid(), take));
+    EXPECT_TRUE(fs::exists(folder_ / "elsewhere/file") && fs::is_empty(trash_ / "info"));
+}
+
+TEST_F(TrashMove, TakesNothingIntoATrashThatIsMissingAnothersOrALink) {
+    EXPECT_EQ(refuses(folder_ / "item", ::geteuid() + 1), "");
+    for (const auto& part : {fs::path("files"), fs::path("info"), fs::path()}) {
+        const auto name = part.empty() ? trash_ : trash_ / part;
+        fs::rename(name, folder_ / "real");
+        EXPECT_EQ(refuses(folder_ / "item"), "") << "without " << name;
+        fs::create_directory_symlink(folder_ / "real", name);
+        EXPECT_EQ(refuses(folder_ / "item"), "") << "with a link for " << name;
+        fs::remove(name);
+        fs::rename(folder_ / "real", name);
+    }
+    EXPECT_TRUE(move(folder_ / "item"));
+}
+
+TEST_F(TrashMove, TakesNothingOfAnotherFileSystemNorAMountPoint) {
+    fs::create_directories(folder_ / "volume");
+    fs::create_directories(folder_ / "point");
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        if (const auto reason = keepMountsPrivate(); !reason.empty()) {
+            return cannotTry(reason);
+        }
+        const auto point = folder_ / "point";
+        if (::mount("none", (folder_ / "volume").c_str(), "tmpfs", 0, "size=1m") != 0 ||
+            ::mount((folder_ / "item").c_str(), point.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+            return cannotTry("no mounts");
+        }
+        writeFile(folder_ / "volume/item", "1");
+        std::string wrong = refuses(folder_ / "volume/item") + refuses(folder_ / "volume") + refuses(point);
+        wrong += refuses(point / "file");  // the same file system by another mount: cannot be renamed either
+        return wrong;
+    });
+}
+
+}  // namespace brimvault::tests
