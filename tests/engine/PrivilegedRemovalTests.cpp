@@ -80,7 +80,7 @@ protected:
 // A root remover in memory.
 struct ToldTool {
     std::size_t start = 1;  ///< the first after which it can be met
-    bool answers = true;  ///< or its connection breaks off at a request
+    bool answers = true;    ///< or its connection breaks off at a request
     std::string greeting = *cleaner::encode(Operation::ready, {&cleaner::version, 1});
     int met = 0;
     std::vector<Operation> asked;
