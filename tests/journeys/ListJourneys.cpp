@@ -207,11 +207,13 @@ TEST_F(ListJourney, DeleteAsksAndRemovesOneItem) {
     ASSERT_EQ(alerts_.asked.size(), 1U);
     EXPECT_TRUE(alerts_.asked.back().message.contains(text("old project")));
     EXPECT_FALSE(application_->pbRemoving());  // the answer was no
+    EXPECT_EQ(remover_.timesLet, 0);
     const auto others = tests::fingerprint(home_.path(), {".local/share/Trash"});
 
     alerts_.answers.push_back(tests::agree);
     QTest::keyClick(guide_->list(), Qt::Key_Delete);
     EXPECT_TRUE(application_->pbRemoving());
+    EXPECT_EQ(remover_.timesLet, 1);  // a password may be asked for
     EXPECT_FALSE(scanButton()->isEnabled());
     EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
     ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(text("old project")) < 0; }));

@@ -78,6 +78,15 @@ private:
     std::vector<std::string> asked_;
 };
 
+/// One without rights, which notes how often it was let ask for them.
+class ToldRemover final : public engine::PrivilegedRemover {
+public:
+    void letAskUser() override { ++timesLet; }
+    bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
+
+    std::atomic<int> timesLet = 0;
+};
+
 inline constexpr ui::AlertAnswer agree{ui::AlertAnswer::firstButton, false};
 
 /// The real window over a made-up home folder, with settings of its own.
@@ -88,7 +97,7 @@ protected:
     void start(engine::ScanTable table) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ =
-            std::make_unique<ui::FAppDelegate>(std::move(table), ui::cleanOperations(engine::PrivilegedRemover::none()),
+            std::make_unique<ui::FAppDelegate>(std::move(table), ui::cleanOperations(remover_),
                                                ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_, languages_});
         application_->applicationDidFinishLaunching();
         window()->resize(1000, 660);
@@ -178,7 +187,8 @@ protected:
     ToldFileBrowser fileBrowser_;
     /// The user reads German.
     langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
-    ui::UtilMod util_{alerts_, fileBrowser_, finder_};
+    ToldRemover remover_;
+    ui::UtilMod util_{alerts_, fileBrowser_, finder_, remover_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;
     std::unique_ptr<Guide> guide_;

@@ -9,7 +9,7 @@ import stat
 import sys
 import tempfile
 
-from client import Window, act, wait_for
+from client import Window, act, children, find, wait_for
 from trial import make_home, running, size_text
 
 # What the user leaves or makes unticked, by section; the other sections' items come ticked.
@@ -130,6 +130,29 @@ def journey(home):
     assert after == right, set(after.items()) ^ set(right.items())
 
 
+def report(home):
+    """A folder that holds an item which is to stay stays as well, and is told of when the clean has ended."""
+    container = "com.vendor.reader"
+    kept = os.path.join(home, "Library/Containers", container, "Data/Library/Logs/kept.log")
+    os.makedirs(os.path.dirname(kept), exist_ok=True)
+    with open(kept, "w", encoding="ascii") as file:
+        file.write("to be kept")
+    window = Window()
+    window.press("Scan")
+    wait_for("the second scan", lambda: window.is_enabled("Clean") and window.is_enabled("Scan"))
+    window.show_section("Logs")
+    act(wait_for("the log", lambda: window.rows("Logs")["kept.log"])[2], "Toggle")
+    wait_for("the spared log", lambda: not window.rows("Logs")["kept.log"][1])
+    window.press("Clean")
+    window.answer("OK")
+    sheet = wait_for("the report", lambda: find(window.frame, "dialog", "Some items were not removed"))
+    lines = [line.get_name() for line in children(find(sheet, "list", "Items that were not removed"))]
+    assert lines == ["Logs", f"{container} - It holds something that is not selected"], lines
+    act(find(sheet, "push button", "Close"), "Press")
+    wait_for("the end of the report", lambda: find(window.frame, "dialog") is None)
+    assert os.path.exists(kept)
+
+
 def main():
     sample_home, program, trial_home = sys.argv[1:]
     with tempfile.TemporaryDirectory() as folder:
@@ -137,6 +160,7 @@ def main():
         make_home(sample_home, home)
         with running([trial_home, home, program]):
             journey(home)
+            report(home)
 
 
 main()
