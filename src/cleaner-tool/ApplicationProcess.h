@@ -24,6 +24,9 @@ public:
     /// To be waited for: becomes readable when the process ends.
     [[nodiscard]] int descriptor() const { return descriptor_; }
     [[nodiscard]] bool hasEnded() const;
+    /// From now on this process ends within a second of the application, whatever it is doing or waiting for; it may
+    /// end in order before. Once, after privileges have been given up: threads have their own.
+    void endWithIt() const;
 
 private:
     ApplicationProcess(pid_t number, int descriptor) : number_(number), descriptor_(descriptor) {}

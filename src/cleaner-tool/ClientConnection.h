@@ -19,7 +19,7 @@ public:
     /// Waits for bytes, and answers how many have come; 0 at the end.
     [[nodiscard]] std::size_t receive(std::span<char> bytes) const;
 
-    enum class Sent { whole, noRoom, not_ };
+    enum class Sent { whole, noRoom, broken };
     /// At once or not at all, as is right for a few bytes to somebody who is waiting for them.
     [[nodiscard]] Sent send(std::string_view bytes) const;
 

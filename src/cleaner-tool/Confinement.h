@@ -2,8 +2,8 @@
 
 namespace brimvault::cleaner {
 
-/// Gives up what the process was started with: environment, open files, working folder, mode mask, memory dumps. First
-/// of all, while there is one thread. False when something could not be given up.
+/// Gives up what the process was started with: environment, open files, working folder, mode mask, memory dumps,
+/// terminal and timers. First of all, while there is one thread. False when something could not be given up.
 [[nodiscard]] bool giveUpSurroundings();
 
 /// Gives up, for good, every privilege but those that removing takes: to enter and change any folder, and to remove

@@ -18,8 +18,8 @@ struct Client {
     const ApplicationProcess& application;
 };
 
-/// Makes the folder where the user's root removers are met. False unless it then is a folder of that user's that nobody
-/// else but the administrator may enter, in a folder of the administrator's. Needs to be allowed to give folders away.
+/// Makes the folder where the user's root removers are met: it belongs to the administrator, and the user may enter it,
+/// and nobody else. False where it cannot be that.
 [[nodiscard]] bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user);
 
 /// Waits under the name in the folder for the client, turns everybody else away, and then is there for nobody any more.

@@ -14,7 +14,8 @@ namespace brimvault::cleaner {
 /// Moves a file, a link or a folder into the trash of a user, with a record of where it came from and when, so that the
 /// desktop can put it back. Answers where it is now.
 ///
-/// Done only within one file system, and only where the trash's folders are there and are that user's. None where it
+/// Done only within one file system, only where the trash's folders are there and are that user's, and only with what
+/// that user can reach. None where it
 /// was not moved; then it is where it was and there is no record. The path, its folders, mounts and the guard are
 /// treated as by files::remove.
 [[nodiscard]] std::optional<std::filesystem::path> moveToTrash(const std::filesystem::path& path,

@@ -34,6 +34,16 @@ AuthorizationManager& AuthorizationManager::GetInstance() {
     return instance;
 }
 
+void AuthorizationManager::setIsNeedAskAuthentication(bool isNeeded) {
+    isAskingGivenUp_ = false;
+    m_bIsNeedAskAuthentication_ = isNeeded;
+}
+
+void AuthorizationManager::giveUpAsking() {
+    m_bIsNeedAskAuthentication_ = false;
+    isAskingGivenUp_ = true;
+}
+
 platform::Authorization* AuthorizationManager::authorizationRef() {
     if (!m_pAuthorizationRef_) {
         m_pAuthorizationRef_ = factory_();
@@ -44,7 +54,7 @@ platform::Authorization* AuthorizationManager::authorizationRef() {
 bool AuthorizationManager::isAuthenticated(const ToolPaths& tools) {
     auto* reference = authorizationRef();
     const auto rights = rightsFor(tools);
-    return reference != nullptr && !rights.empty() && reference->copyRights(rights, platform::Interaction::none);
+    return reference != nullptr && !rights.empty() && reference->copyRights(rights, platform::Interaction::none, {});
 }
 
 bool AuthorizationManager::authenticate(const ToolPaths& tools) {
@@ -68,7 +78,8 @@ bool AuthorizationManager::fetchPassword(const ToolPaths& tools) {
     auto* reference = authorizationRef();
     const auto rights = rightsFor(tools);
     const bool granted =
-        reference != nullptr && !rights.empty() && reference->copyRights(rights, platform::Interaction::allowed);
+        reference != nullptr && !rights.empty() &&
+        reference->copyRights(rights, platform::Interaction::allowed, [this] { return isAskingGivenUp_.load(); });
     tell(granted ? &AuthorizationListener::onAuthorizationComplete : &AuthorizationListener::onAuthorizationFailed);
     return true;
 }

@@ -14,8 +14,8 @@ namespace brimvault::engine {
 
 /// Obtains the administrator's rights from the user, and starts programs with them.
 ///
-/// `setIsNeedAskAuthentication` may be called by any thread; all else by one at a time, and not by the main thread,
-/// since it blocks: the Remover sees to that.
+/// `setIsNeedAskAuthentication` and `giveUpAsking` may be called by any thread; all else by one at a time, and not by
+/// the main thread, since it blocks: the Remover sees to that.
 class AuthorizationManager {
 public:
     using ToolPaths = std::vector<std::filesystem::path>;
@@ -32,7 +32,10 @@ public:
 
     /// Whether the next that needs rights may ask the user. NO at first, and again once the user has been asked, so
     /// that nobody is asked twice for one clean.
-    void setIsNeedAskAuthentication(bool isNeeded) { m_bIsNeedAskAuthentication_ = isNeeded; }
+    void setIsNeedAskAuthentication(bool isNeeded);
+    /// Withdraws a question that is open, which then counts as refused, and lets none be asked until it is needed
+    /// again.
+    void giveUpAsking();
 
     /// Whether the rights for the tools are held already; asks nobody. NO for no tools.
     [[nodiscard]] bool isAuthenticated(const ToolPaths& tools);
@@ -66,6 +69,7 @@ private:
     const platform::AuthorizationFactory factory_;
     std::unique_ptr<platform::Authorization> m_pAuthorizationRef_;  ///< made when it is first needed
     std::atomic<bool> m_bIsNeedAskAuthentication_ = false;
+    std::atomic<bool> isAskingGivenUp_ = false;
     AuthorizationListener* m_pListener_ = nullptr;
     std::int32_t m_nSignalsIgnoreCountActivated_ = 0;
     struct sigaction m_saOldAction_ {};  ///< of the end of a child, before the first start

@@ -72,6 +72,11 @@ void FCutter::cleanFiles(Section section, const std::optional<ItemArray>& items,
     }
 }
 
+void FCutter::cancelCleanAll() {
+    pCutQue_.cancelAllOperations();
+    table_.remover->stopAskingUser();
+}
+
 void FCutter::enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper) {
     oper->addDependency(operation);
     pCutQue_.addOperation(operation);

@@ -48,8 +48,8 @@ public:
     /// Posts "cleanFinished".
     static void CleanDone();
 
-    /// Cancels everything and returns at once.
-    void cancelCleanAll() { pCutQue_.cancelAllOperations(); }
+    /// Cancels everything and returns at once. A question for a password is withdrawn, also that of a single removal.
+    void cancelCleanAll();
     /// Cancel one section's clean and wait until it has returned. Block the caller.
     void cancelOperationByClass(Section section) { cancelSectionAndWait(pCutQue_, section); }
     void cancelCleanAppsRes() { cancelOperationByClass(Section::languageResources); }

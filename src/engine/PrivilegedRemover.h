@@ -10,8 +10,11 @@ class PrivilegedRemover {
 public:
     virtual ~PrivilegedRemover() = default;
 
-    /// The next removal may ask the user for an administrator's password, once; until then none does. Any thread.
+    /// From now on the user may be asked for an administrator's password, and once that has been done, no more. Any
+    /// thread.
     virtual void letAskUser() {}
+    /// Withdraws the question if it is open, and allows none from now on. Any thread.
+    virtual void stopAskingUser() {}
 
     /// YES only when nothing is left under the path.
     [[nodiscard]] virtual bool removeFileAtPath(const std::filesystem::path& path) = 0;

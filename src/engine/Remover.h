@@ -34,6 +34,7 @@ public:
     static Remover& GetInstance();
 
     void letAskUser() override { surroundings_.authorization.setIsNeedAskAuthentication(true); }
+    void stopAskingUser() override { surroundings_.authorization.giveUpAsking(); }
     bool removeFileAtPath(const std::filesystem::path& path) override { return removeAsRootFileAtPath(path); }
     [[nodiscard]] bool removeAsRootFileAtPath(const std::filesystem::path& path);
     /// Moves the item into the user's trash and answers where it is now; none when it was not moved.

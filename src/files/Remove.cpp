@@ -136,13 +136,18 @@ RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& 
             guard->onWay(folder);
         }
     });
+    const auto missing = [&]() -> RemovalOutcome {
+        // What a guard keeps may not even be asked for.
+        const bool mayTell = guard == nullptr || guard->mayRemove({});
+        return mayTell ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(EPERM, path);
+    };
     if (!parent) {
-        return parent.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(parent.code(), path);
+        return parent.code() == ENOENT ? missing() : kept(parent.code(), path);
     }
     const auto name = path.filename();
     const auto status = statusAt(parent->descriptor(), name.c_str());
     if (!status) {
-        return status.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(status.code(), path);
+        return status.code() == ENOENT ? missing() : kept(status.code(), path);
     }
     // Before the item is opened: whatever it is exchanged for, the folder that holds it stays the same.
     if (guard != nullptr && !guard->mayRemove(*status)) {

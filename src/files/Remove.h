@@ -30,7 +30,8 @@ public:
     /// A folder on the way to the item, from the root on.
     virtual void onWay(const NodeStatus& folder) = 0;
     /// Asked of the item first, then of each folder, the item among them: once it is open, and of what has its name
-    /// once it is empty. Answered with false, that stays with all that is in it (EPERM).
+    /// once it is empty. Answered with false, that stays with all that is in it (EPERM). Of an item that is missing it
+    /// is asked as well, with no identity.
     [[nodiscard]] virtual bool mayRemove(const NodeStatus& node) = 0;
 };
 

@@ -23,12 +23,13 @@ public:
     virtual ~Authorization() = default;
 
     /// YES when all of the rights are held now. With interaction, the user may be asked for an administrator's
-    /// password.
-    [[nodiscard]] virtual bool copyRights(const std::vector<RightItem>& rights, Interaction interaction) = 0;
+    /// password; once `givesUp` answers true, the question is withdrawn and the answer is NO.
+    [[nodiscard]] virtual bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
+                                          const std::function<bool()>& givesUp) = 0;
     /// Starts the program with the administrator's rights and does not wait for it. YES when it was started.
     [[nodiscard]] virtual bool executeWithPrivileges(const std::filesystem::path& tool,
                                                      const std::vector<std::string>& arguments) = 0;
-    /// Whether the program that was started last has not ended yet; takes note of its end for the system.
+    /// Whether the program that was started last has not ended yet. Takes note, for the system, of all that have.
     [[nodiscard]] virtual bool isToolRunning() = 0;
     /// Gives all rights back.
     virtual void destroyRights() = 0;

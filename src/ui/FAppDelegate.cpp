@@ -275,6 +275,9 @@ void FAppDelegate::updateButtonsForPanel(int row) {
 }
 
 void FAppDelegate::toggleDrawer() {
+    if (modalSheetSender_ != nullptr) {
+        return;  // it makes room for a sheet
+    }
     bDrawerOpened_ = !window_->pDrawer()->isOpen();
     setDrawerOpen(bDrawerOpened_);
 }

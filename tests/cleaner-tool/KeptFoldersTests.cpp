@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -64,13 +65,13 @@ protected:
     }
 
     TemporaryFolder folder_;
-    KeptFolders kept_;
+    mutable KeptFolders kept_{::getuid()};  ///< is looked up anew for each removal
 };
 
 // What the guard says of a name in a folder of the machine's own; nothing is removed.
 bool mayGo(const fs::path& folder) {
-    static const KeptFolders kept = [] {
-        KeptFolders system;
+    static KeptFolders kept = [] {
+        KeptFolders system(::getuid());
         for (const auto& path : systemFolders()) {
             EXPECT_TRUE(system.add(path)) << path.path;
         }
@@ -102,7 +103,7 @@ TEST_F(KeptFolderTree, LetsGoWhatTheNearestFolderSays) {
 }
 
 TEST_F(KeptFolderTree, StaysWhereNothingOnTheWaySaysAnything) {
-    kept_ = {};
+    kept_ = KeptFolders(::getuid());
     keep("section", Keep::itself);
     EXPECT_EQ(refuses(folder_ / "section/item"), "");
     EXPECT_EQ(refuses(folder_ / "free"), "");
@@ -186,23 +187,47 @@ TEST_F(KeptFolderTree, IsKnownWhereItIsMountedOnceMore) {
     EXPECT_TRUE(fs::exists(folder_ / "system/inner/tool") && fs::exists(folder_ / "section/item/file"));
 }
 
+TEST_F(KeptFolderTree, KnowsAFolderThatIsMadeAnew) {
+    ASSERT_TRUE(kept_.lookUp());
+    fs::rename(folder_ / "section", folder_ / "free/section");
+    EXPECT_EQ(remove(folder_ / "section").end, RemovalEnd::gone);  // there is none now
+    EXPECT_EQ(refuses(folder_ / "free/section"), "");              // and this is what it was
+    fs::create_directories(folder_ / "section/item");
+    EXPECT_EQ(refuses(folder_ / "section"), "");
+    expectGoes("section/item");
+}
+
 TEST_F(KeptFolderTree, HasNoMoreFoldersThanItSays) {
-    EXPECT_TRUE(kept_.add({folder_ / "missing", Keep::everything}));
-    std::size_t added = 0;
-    bool room = true;
-    for (auto folder = fs::recursive_directory_iterator("/usr/share"); room && folder != fs::end(folder); ++folder) {
-        room = !folder->is_directory() || folder->is_symlink() || kept_.add({folder->path(), Keep::itself});
-        added += folder->is_directory() && !folder->is_symlink() ? 1 : 0;
+    KeptFolders kept(::getuid());
+    for (std::size_t count = 1; count <= KeptFolders::mostFolders; ++count) {
+        ASSERT_TRUE(kept.add({folder_ / "missing", Keep::itself}));
     }
-    EXPECT_FALSE(room);
-    EXPECT_GT(added, KeptFolders::mostFolders - 50);
-    EXPECT_LE(added, KeptFolders::mostFolders);
+    EXPECT_FALSE(kept.add({folder_ / "missing", Keep::itself}));
+}
+
+// What another user owns, or nobody but the administrator, goes only where it lies in a folder of the user's.
+TEST_F(KeptFolderTree, LetsGoWhatLiesInAFolderOfTheUsers) {
+    constexpr uid_t other = 4711;
+    KeptFolders kept(other);
+    ASSERT_TRUE(kept.add({folder_ / "volumes", Keep::deeperMayGo}));
+    const auto ends = [&](const char* path) {
+        KeptFoldersGuard guard(kept);
+        return files::remove(folder_ / path, {}, &guard).end;
+    };
+    EXPECT_EQ(ends("volumes/volume/item"), RemovalEnd::kept);
+    EXPECT_EQ(ends("volumes/volume/missing"), RemovalEnd::kept) << "it tells what is not there";
+    if (::chown((folder_ / "volumes/volume").c_str(), other, other) != 0) {
+        GTEST_SKIP() << "a folder can be given to nobody";
+    }
+    EXPECT_EQ(ends("volumes/volume"), RemovalEnd::kept);
+    EXPECT_EQ(ends("volumes/volume/missing"), RemovalEnd::gone);
+    EXPECT_EQ(ends("volumes/volume/item"), RemovalEnd::gone);
 }
 
 TEST(HomeFolders, StayWithWhatHoldsThemAndWhatIsInThemGoes) {
     const TemporaryFolder holder;
     const auto folders = homeFolders(holder / "home");
-    KeptFolders kept;
+    KeptFolders kept(::getuid());
     for (const auto& folder : folders) {
         fs::create_directories(folder.path / "item");
     }
@@ -227,13 +252,15 @@ TEST(SystemFolders, AreKeptWithWhatIsBelowThem) {
           "/srv",        "/mnt", "/media"}) {
         EXPECT_TRUE(!fs::exists(path) || !mayGo(path)) << path;
     }
-    const TemporaryFolder folder;  // in a folder for temporary files, whose contents may go
-    EXPECT_TRUE(mayGo(folder.path()));
+    const TemporaryFolder folder;  // in a folder for temporary files of all
+    fs::create_directory(folder / "item");
+    EXPECT_FALSE(mayGo(folder.path()));
+    EXPECT_TRUE(mayGo(folder / "item"));
 }
 
 // Which of the machine's folders a name is in that is not there: told the ways, without looking for them.
 TEST(SystemFolders, SayOfTheirContentsWhatIsCustomary) {
-    KeptFolders kept;
+    KeptFolders kept(::getuid());
     for (const auto& folder : systemFolders()) {
         ASSERT_TRUE(kept.add(folder));
     }
@@ -244,19 +271,18 @@ TEST(SystemFolders, SayOfTheirContentsWhatIsCustomary) {
             guard.onWay(*files::statusOf(way /= part));
         }
         if (deeper) {
-            guard.onWay({});
+            files::NodeStatus ofUser;
+            ofUser.owner = ::getuid();
+            guard.onWay(ofUser);
         }
         return guard.mayRemove({});
     };
-    for (const char* folder : {"/", "/media", "/mnt"}) {
+    for (const char* folder : {"/", "/media", "/mnt", "/opt", "/srv", "/tmp", "/var/tmp"}) {
         EXPECT_FALSE(contentsMayGo(folder, false)) << folder;
         EXPECT_TRUE(contentsMayGo(folder, true)) << folder;
     }
     for (const char* folder : {"/usr", "/usr/share", "/etc", "/home", "/root", "/var", "/var/lib", "/dev", "/run"}) {
         EXPECT_FALSE(contentsMayGo(folder, false) || contentsMayGo(folder, true)) << folder;
-    }
-    for (const char* folder : {"/opt", "/srv", "/tmp", "/var/tmp"}) {
-        EXPECT_TRUE(contentsMayGo(folder, false) && contentsMayGo(folder, true)) << folder;
     }
 }
 

@@ -10,7 +10,7 @@ namespace brimvault::tests {
 /// what has the name by then.
 class MeddlingGuard final : public files::RemovalGuard {
 public:
-    MeddlingGuard(const cleaner::KeptFolders& kept, std::function<void(const files::NodeStatus&)> meddle)
+    MeddlingGuard(cleaner::KeptFolders& kept, std::function<void(const files::NodeStatus&)> meddle)
         : guard_(kept), meddle_(std::move(meddle)) {}
 
     void onWay(const files::NodeStatus& folder) override { guard_.onWay(folder); }

@@ -1,6 +1,7 @@
 // Removals with a guard, while another thread exchanges what they work on for what is kept.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <functional>
 #include <random>
@@ -89,7 +90,7 @@ protected:
     }
 
     TemporaryFolder folder_;
-    KeptFolders kept_;
+    KeptFolders kept_{::getuid()};
     std::mt19937 random_{20240501};
     int rounds_ = 0;
     int overtaken_ = 0;  ///< removals in which names were exchanged after the first question

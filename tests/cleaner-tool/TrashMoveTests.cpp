@@ -61,7 +61,7 @@ protected:
 
     TemporaryFolder folder_;
     fs::path trash_ = trashOfHome(folder_ / "home");
-    KeptFolders kept_;
+    KeptFolders kept_{::getuid()};
     mode_t modeMask_ = 0;
 };
 

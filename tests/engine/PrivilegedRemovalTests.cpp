@@ -28,6 +28,7 @@ struct System {
     bool starts = true;
     bool toolRuns = true;
     int questions = 0;
+    std::function<void()> whileAsked;  ///< what happens while the question is open
     int made = 0;
     int given = 0;  ///< back
     std::vector<platform::RightItem> rights;
@@ -37,10 +38,15 @@ struct System {
 class ToldAuthorization final : public platform::Authorization {
 public:
     explicit ToldAuthorization(System& system) : system_(system) { ++system_.made; }
-    bool copyRights(const std::vector<platform::RightItem>& rights, Interaction interaction) override {
+    bool copyRights(const std::vector<platform::RightItem>& rights, Interaction interaction,
+                    const std::function<bool()>& givesUp) override {
         system_.rights = rights;
         if (interaction == Interaction::allowed) {
             ++system_.questions;
+            if (system_.whileAsked) {
+                system_.whileAsked();
+                return !givesUp();
+            }
             system_.isHeld = system_.grants;
         }
         return system_.isHeld;
@@ -139,8 +145,10 @@ protected:
 class CountingRemover final : public engine::PrivilegedRemover {
 public:
     void letAskUser() override { ++letAsk; }
+    void stopAskingUser() override { ++stopped; }
     bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
     int letAsk = 0;
+    int stopped = 0;
 };
 
 }  // namespace
@@ -176,6 +184,19 @@ TEST_F(Authorizing, AsksOnceWhenGrantedAlsoAfterTheRightHasRunOut) {
     EXPECT_FALSE(manager_.authenticate(tool_));
     EXPECT_EQ(system_.questions, 1);
     EXPECT_THAT(messages_.heard, ElementsAre("complete"));
+}
+
+TEST_F(Authorizing, WithdrawsAnOpenQuestionAndAsksAgainOnlyWhenLet) {
+    manager_.setIsNeedAskAuthentication(true);
+    system_.whileAsked = [this] { manager_.giveUpAsking(); };
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 1);
+    EXPECT_THAT(messages_.heard, ElementsAre("failed"));
+    manager_.setIsNeedAskAuthentication(true);
+    manager_.giveUpAsking();
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 1);
 }
 
 TEST_F(Authorizing, AsksForTheFirstTwentyToolsAndForNoneThatWouldBeCutOff) {
@@ -306,6 +327,9 @@ TEST(CleanDriver, LetsTheUserBeAskedOnceForEachClean) {
     engine::FCutter cutter(engine::CleanTable::fileSections(remover));
     cutter.Clean({}, {}, {}, {}, {});
     EXPECT_EQ(remover.letAsk, 1);
+    EXPECT_EQ(remover.stopped, 0);
+    cutter.cancelCleanAll();
+    EXPECT_EQ(remover.stopped, 1);
 }
 
 }  // namespace brimvault::tests

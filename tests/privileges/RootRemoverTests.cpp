@@ -3,6 +3,8 @@
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -124,11 +126,10 @@ pid_t startWithNumber(pid_t number) {
     return 0;
 }
 
-void makeMeetingFolder(unsigned permissions) {
+void makeMeetingFolder(uid_t owner) {
     const auto folder = cleaner::meetingFolder(user.number);
     fs::create_directories(folder);
-    (void)!::chown(folder.c_str(), user.number, 0);
-    fs::permissions(folder, static_cast<fs::perms>(permissions));
+    (void)!::chown(folder.c_str(), owner, 0);
 }
 
 class RootRemover : public testing::Test {
@@ -243,7 +244,7 @@ TEST_F(RootRemover, EndsWhenTheApplicationEndsBeforeItHasConnected) {
 }
 
 TEST_F(RootRemover, LeavesANameThatIsTaken) {
-    makeMeetingFolder(0500);
+    makeMeetingFolder(0);
     writeFile(user.home() / "letter", "precious");
     fs::permissions(user.home() / "letter", static_cast<fs::perms>(0640));
     for (const bool isLink : {false, true}) {
@@ -259,10 +260,44 @@ TEST_F(RootRemover, LeavesANameThatIsTaken) {
     EXPECT_EQ(fs::status(user.home() / "letter").permissions(), static_cast<fs::perms>(0640));
 }
 
-TEST_F(RootRemover, RefusesAMeetingFolderThatOthersMayEnter) {
-    makeMeetingFolder(0755);
+TEST_F(RootRemover, RefusesAMeetingFolderThatIsNotTheAdministrators) {
+    makeMeetingFolder(user.number);
     EXPECT_WELL_IN_CHILD([] { return endOf(startTool()) == "1" ? "" : "it starts"; });
     fs::remove(cleaner::meetingFolder(user.number));
+}
+
+TEST_F(RootRemover, LeavesTheMeetingFolderToTheAdministrator) {
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        startTool();
+        become(user);
+        const bool isServed = Client().isGreeted();
+        const auto folder = cleaner::meetingFolder(user.number);
+        const bool mayWrite = ::access(folder.c_str(), W_OK) == 0 || ::chmod(folder.c_str(), 0777) == 0;
+        return isServed && !mayWrite ? "" : "the user may change it";
+    });
+}
+
+// Whoever waits under the name without the administrator's rights is not taken for the tool.
+TEST_F(RootRemover, IsNotMistakenForAProgramOfTheUsers) {
+    const auto elsewhere = user.home() / "socket";
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        elsewhere.native().copy(address.sun_path, sizeof address.sun_path - 1);
+        const auto* generic = reinterpret_cast<const sockaddr*>(&address);
+        if (::bind(listener, generic, sizeof address) != 0 || ::listen(listener, 1) != 0) {
+            return "it cannot listen";
+        }
+        const bool isMet = platform::ToolConnection::connect(elsewhere) != nullptr;
+        const int other = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        ::unlink(elsewhere.c_str());
+        become(user);
+        if (::bind(other, generic, sizeof address) != 0 || ::listen(other, 1) != 0) {
+            return "it cannot listen as the user";
+        }
+        return isMet && !platform::ToolConnection::connect(elsewhere) ? "" : "it is taken for the tool";
+    });
 }
 
 TEST_F(RootRemover, EndsAtWhatIsNoRequest) {

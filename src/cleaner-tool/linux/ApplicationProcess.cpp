@@ -4,7 +4,18 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
 namespace brimvault::cleaner {
+
+namespace {
+
+constexpr std::chrono::milliseconds timeToEndInOrder{500};
+
+}  // namespace
 
 // What gives the tool its rights becomes the tool, so that the application is its parent. A process keeps its parent
 // until that ends, and is then given to another one: if the parent still has the number after the descriptor was
@@ -25,6 +36,17 @@ ApplicationProcess::~ApplicationProcess() {
     if (descriptor_ >= 0) {
         ::close(descriptor_);
     }
+}
+
+void ApplicationProcess::endWithIt() const {
+    std::thread([descriptor = descriptor_] {
+        constexpr int withoutEnd = -1;
+        pollfd ended{descriptor, POLLIN, 0};
+        while (::poll(&ended, 1, withoutEnd) < 0 && errno == EINTR) {
+        }
+        std::this_thread::sleep_for(timeToEndInOrder);
+        ::_exit(EXIT_FAILURE);
+    }).detach();
 }
 
 bool ApplicationProcess::hasEnded() const {

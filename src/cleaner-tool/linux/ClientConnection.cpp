@@ -35,7 +35,7 @@ ClientConnection::Sent ClientConnection::send(std::string_view bytes) const {
     if (sent == static_cast<ssize_t>(bytes.size())) {
         return Sent::whole;
     }
-    return sent < 0 && maySucceedLater() ? Sent::noRoom : Sent::not_;
+    return sent < 0 && maySucceedLater() ? Sent::noRoom : Sent::broken;
 }
 
 ClientConnection::Event ClientConnection::waitFor(int work, std::chrono::milliseconds patience) const {

@@ -2,14 +2,17 @@
 
 #include <fcntl.h>
 #include <linux/capability.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 namespace brimvault::cleaner {
@@ -31,6 +34,31 @@ bool closeEverything() {
     }
     constexpr unsigned firstOther = 3;
     return ::syscall(SYS_close_range, firstOther, ~0U, 0U) == 0 && done;
+}
+
+// A terminal would let whoever sits at it stop and end the process in the middle of anything.
+bool leaveTerminal() {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTSTP, SIGTTIN, SIGTTOU, SIGPIPE}) {
+        (void)::signal(signal, SIG_IGN);
+    }
+    if (::setsid() >= 0) {
+        return true;
+    }
+    const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC);  // the first of its group cannot begin a session
+    const bool hasLeft = terminal < 0 || ::ioctl(terminal, TIOCNOTTY) == 0;
+    if (terminal >= 0) {
+        ::close(terminal);
+    }
+    return hasLeft;
+}
+
+bool giveUpTimers() {
+    for (const int signal : {SIGALRM, SIGVTALRM, SIGPROF, SIGXCPU, SIGXFSZ}) {
+        (void)::signal(signal, SIG_IGN);
+    }
+    constexpr itimerval never{};
+    return ::setitimer(ITIMER_REAL, &never, nullptr) == 0 && ::setitimer(ITIMER_VIRTUAL, &never, nullptr) == 0 &&
+           ::setitimer(ITIMER_PROF, &never, nullptr) == 0;
 }
 
 // So that no program that it could ever be made to start gets one of them back.
@@ -64,7 +92,8 @@ bool giveUpSurroundings() {
     constexpr mode_t ownerOnly = 077;
     constexpr rlimit none{0, 0};
     ::umask(ownerOnly);
-    return ::clearenv() == 0 && ::chdir("/") == 0 && ::setrlimit(RLIMIT_CORE, &none) == 0 && closeEverything();
+    return leaveTerminal() && giveUpTimers() && ::clearenv() == 0 && ::chdir("/") == 0 &&
+           ::setrlimit(RLIMIT_CORE, &none) == 0 && closeEverything();
 }
 
 bool giveUpPrivileges() {

@@ -5,30 +5,49 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdint>
 #include <cstring>
-
-#include "files/DirectoryHandle.h"
 
 namespace brimvault::cleaner {
 
 namespace {
 
-constexpr mode_t enteredByAll = 0755;
-constexpr mode_t enteredByOwner = 0500;
+// An access list as the kernel takes it, version 2: <linux/posix_acl_xattr.h>, <linux/posix_acl.h>.
+struct AccessEntry {
+    std::uint16_t tag;
+    std::uint16_t permissions;
+    std::uint32_t number;
+};
+struct AccessList {
+    std::uint32_t version;
+    std::array<AccessEntry, 5> entries;
+};
 
-// The folder of the folder, which belongs to the administrator.
-std::optional<files::DirectoryHandle> openCommonFolder(const std::filesystem::path& common) {
-    if (::mkdir(common.c_str(), enteredByAll) == 0) {
-        (void)::chmod(common.c_str(), enteredByAll);  // whatever the mode mask is
-    }
-    auto handle = files::DirectoryHandle::open(common);
-    constexpr std::uint32_t writtenByOthers = 022;
-    if (!handle || handle->status().owner != 0 || (handle->status().permissions & writtenByOthers) != 0) {
-        return std::nullopt;
-    }
-    return std::move(*handle);
+AccessList ownerAndEntryBy(uid_t user) {
+    constexpr std::uint16_t all = 7;
+    constexpr std::uint16_t enter = 1;
+    constexpr std::uint32_t nobody = 0xFFFFFFFF;
+    return {2,
+            {{{0x01, all, nobody},    // the owner
+              {0x02, enter, user},    // the user
+              {0x04, 0, nobody},      // the group
+              {0x10, enter, nobody},  // at most, of these two
+              {0x20, 0, nobody}}}};   // everybody else
+}
+
+// A folder of the administrator's under the name; made where it is missing. No descriptor where there is something
+// else.
+Descriptor administratorsFolder(int parent, const std::filesystem::path& name, mode_t permissions) {
+    (void)::mkdirat(parent, name.c_str(), permissions);
+    Descriptor folder(::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status {};
+    const bool isTheirs = folder.isOpen() && ::fstat(folder.number(), &status) == 0 && status.st_uid == 0;
+    // Whatever the mode mask is, and whatever was there before.
+    return isTheirs && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : Descriptor();
 }
 
 // The place under the name, for as long as it is needed. What is there already is left alone.
@@ -43,10 +62,8 @@ public:
         address_.sun_family = AF_UNIX;
         std::memcpy(address_.sun_path, path.data(), path.size());
         constexpr int waitingClients = 8;
-        // Whoever enters the folder may connect. Not changed after the fact: the folder's owner could put a link to
-        // another file under the name meanwhile, and that would be changed.
-        constexpr mode_t readAndWritten = 0111;
-        const mode_t before = ::umask(readAndWritten);
+        constexpr mode_t nothingExecutable = 0111;  // whoever enters the folder may connect
+        const mode_t before = ::umask(nothingExecutable);
         isBound_ = ::bind(listener_.number(), generic(), sizeof address_) == 0;
         ::umask(before);
         isOpen_ = isBound_ && ::listen(listener_.number(), waitingClients) == 0;
@@ -82,19 +99,15 @@ bool isClient(int connection, const Client& client) {
 }  // namespace
 
 bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user) {
-    const auto common = openCommonFolder(folder.parent_path());
-    if (!common) {
+    constexpr mode_t enteredByAll = 0711;
+    constexpr mode_t enteredByOwner = 0700;
+    const auto common = administratorsFolder(AT_FDCWD, folder.parent_path(), enteredByAll);
+    if (!common.isOpen()) {
         return false;
     }
-    const auto name = folder.filename();
-    if (::mkdirat(common->descriptor(), name.c_str(), enteredByOwner) == 0 &&
-        ::fchownat(common->descriptor(), name.c_str(), user, 0, AT_SYMLINK_NOFOLLOW) != 0) {
-        return false;
-    }
-    const auto status = files::statusAt(common->descriptor(), name.c_str());
-    constexpr std::uint32_t notOwner = 077;
-    return status && status->kind == files::NodeKind::directory && status->owner == user &&
-           (status->permissions & notOwner) == 0;
+    const auto own = administratorsFolder(common.number(), folder.filename(), enteredByOwner);
+    const auto list = ownerAndEntryBy(user);
+    return own.isOpen() && ::fsetxattr(own.number(), "system.posix_acl_access", &list, sizeof list, 0) == 0;
 }
 
 Descriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,

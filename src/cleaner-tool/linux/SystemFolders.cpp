@@ -17,9 +17,11 @@ std::vector<KeptPath> systemFolders() {
     add(Keep::everything,
         {"/bin", "/boot",   "/dev",  "/efi",  "/etc", "/home", "/lib",  "/lib32", "/lib64",   "/libx32", "/lost+found",
          "/nix", "/ostree", "/proc", "/root", "/run", "/sbin", "/snap", "/sys",   "/sysroot", "/usr",    "/var"});
-    // The folders of volumes, and "/" itself: nothing directly in them goes.
-    add(Keep::deeperMayGo, {"/", "/media", "/mnt", "/run/media", "/var/mnt", "/Library"});
-    add(Keep::contentsMayGo, {"/opt", "/srv", "/tmp", "/var/tmp", "/Applications", "/Library/Logs"});
+    // The folders of volumes, those that all users share, and "/" itself.
+    add(Keep::deeperMayGo,
+        {"/", "/media", "/mnt", "/opt", "/run/media", "/srv", "/tmp", "/var/home", "/var/mnt", "/var/tmp", "/Library"});
+    // What sections hold that is no user's.
+    add(Keep::contentsMayGo, {"/Applications", "/Library/Logs"});
     return folders;
 }
 

@@ -34,6 +34,13 @@ std::optional<DirectoryHandle> openFolderOf(uid_t user, const std::filesystem::p
     return handle && handle->status().owner == user ? std::optional(std::move(*handle)) : std::nullopt;
 }
 
+// What a closed folder hides must not be opened by moving it into one of the user's.
+bool isPassedBy(uid_t user, const files::NodeStatus& folder) {
+    constexpr std::uint32_t byAll = 01;
+    constexpr std::uint32_t byOwner = 0100;
+    return (folder.permissions & (folder.owner == user ? byOwner : byAll)) != 0;
+}
+
 std::string percentEncoded(const std::string& path) {
     constexpr const char* plain = "/-_.~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     std::string encoded;
@@ -147,8 +154,12 @@ std::optional<std::filesystem::path> moveToTrash(const std::filesystem::path& pa
     }
     auto items = openFolderOf(user, trash / "files");
     auto records = openFolderOf(user, trash / "info");
-    const auto parent = DirectoryHandle::open(path.parent_path(), [&](const auto& folder) { guard.onWay(folder); });
-    if (!items || !records || !parent) {
+    bool mayUserPass = true;
+    const auto parent = DirectoryHandle::open(path.parent_path(), [&](const auto& folder) {
+        guard.onWay(folder);
+        mayUserPass = mayUserPass && isPassedBy(user, folder);
+    });
+    if (!items || !records || !parent || !mayUserPass) {
         return std::nullopt;
     }
     const auto status = files::statusAt(parent->descriptor(), path.filename().c_str());

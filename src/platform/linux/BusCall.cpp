@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusPendingCall>
 #include <QUuid>
+#include <algorithm>
 #include <thread>
 
 #include "platform/System.h"
@@ -11,7 +12,9 @@ namespace brimvault::platform {
 
 namespace {
 
-constexpr std::chrono::milliseconds interval{20};  // between looks whether there is an answer
+// Between looks whether there is an answer: most come at once, and some when the user has decided.
+constexpr std::chrono::milliseconds shortestInterval{1};
+constexpr std::chrono::milliseconds longestInterval{20};
 
 // Where the environment names the bus, that one: the library would keep to the first that it was told of.
 QDBusConnection connectTo(Bus bus, const QString& name) {
@@ -29,8 +32,9 @@ std::optional<QDBusMessage> call(const QDBusConnection& bus, const QDBusMessage&
         return std::nullopt;
     }
     const auto answer = bus.asyncCall(request, static_cast<int>(limit.count()));
-    while (!answer.isFinished() && !givesUp()) {
+    for (auto interval = shortestInterval; !answer.isFinished() && !givesUp();) {
         std::this_thread::sleep_for(interval);
+        interval = std::min(interval * 2, longestInterval);
     }
     return answer.isFinished() && !answer.isError() ? std::optional(answer.reply()) : std::nullopt;
 }

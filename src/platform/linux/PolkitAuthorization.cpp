@@ -31,6 +31,9 @@
 // that, first without and then with a question to the user. What the user grants is kept for some minutes, and for this
 // process alone. Within them pkexec, which starts the program, asks for its parent, which is this process, and finds
 // the right there: the user is not asked a second time.
+//
+// Where an administrator's own rule asks for the password without keeping what it grants (auth_admin), there is nothing
+// for the second check to find, and the answer is NO.
 
 namespace brimvault::platform {
 
@@ -144,27 +147,25 @@ public:
         qDBusRegisterMetaType<Details>();
     }
 
-    bool copyRights(const std::vector<RightItem>& rights, Interaction interaction) override {
-        return std::all_of(rights.begin(), rights.end(), isKnown) && isActionAuthorized(interaction);
+    bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
+                    const std::function<bool()>& givesUp) override {
+        return std::all_of(rights.begin(), rights.end(), isKnown) && isActionAuthorized(interaction, givesUp);
     }
 
     bool executeWithPrivileges(const std::filesystem::path& tool, const std::vector<std::string>& arguments) override {
         std::vector<std::string> words = {launcher, "--disable-internal-agent", tool};
         words.insert(words.end(), arguments.begin(), arguments.end());
         const auto child = spawn(std::move(words));
-        tool_ = child.value_or(-1);
+        if (child) {
+            tools_.push_back(*child);
+        }
         return child.has_value();
     }
 
     bool isToolRunning() override {
-        if (tool_ < 0) {
-            return false;
-        }
-        const pid_t ended = ::waitpid(tool_, nullptr, WNOHANG);
-        const bool isNoMoreWaitedFor = ended < 0 && errno == ECHILD;  // the ends of children are being ignored
-        const bool runs = ended == 0 || (isNoMoreWaitedFor && (::kill(tool_, 0) == 0 || errno == EPERM));
-        tool_ = runs ? tool_ : -1;
-        return runs;
+        const auto last = tools_.empty() ? -1 : tools_.back();
+        tools_.erase(std::remove_if(tools_.begin(), tools_.end(), hasEnded), tools_.end());
+        return !tools_.empty() && tools_.back() == last;
     }
 
     void destroyRights() override {
@@ -181,12 +182,23 @@ private:
         return right.name == "system.privilege.admin" && right.value == toolPath().native();
     }
 
-    bool isActionAuthorized(Interaction interaction) {
+    static bool hasEnded(pid_t tool) {
+        const pid_t ended = ::waitpid(tool, nullptr, WNOHANG);
+        const bool isNoMoreWaitedFor = ended < 0 && errno == ECHILD;  // the ends of children are being ignored
+        return isNoMoreWaitedFor ? ::kill(tool, 0) != 0 && errno != EPERM : ended != 0;
+    }
+
+    bool isActionAuthorized(Interaction interaction, const std::function<bool()>& givesUp) {
         const bool mayAsk = interaction == Interaction::allowed;
+        if (mayAsk && !answers_) {
+            return false;  // a question would be waited for without end
+        }
         auto request = requestTo(QStringLiteral("CheckAuthorization"));
         request << QVariant::fromValue(thisProcess()) << actionName() << QVariant::fromValue(Details())
                 << static_cast<quint32>(mayAsk ? 1 : 0) << QString();
-        const auto answer = callOnBus(Bus::system, request, mayAsk ? withoutLimit : answerLimit);
+        // Polkit withdraws a question when the connection that it came by is closed.
+        const auto answer = callOnBus(Bus::system, request, mayAsk ? withoutLimit : answerLimit, givesUp);
+        answers_ = answer.has_value();
         const auto standing = answer ? standingIn(*answer) : std::nullopt;
         if (!standing) {
             return false;
@@ -196,7 +208,8 @@ private:
     }
 
     QString keptAs_;
-    pid_t tool_ = -1;
+    std::vector<pid_t> tools_;  ///< that have been started, and whose end has not been seen yet
+    bool answers_ = true;       ///< polkit did, when it was asked last
 };
 
 }  // namespace
