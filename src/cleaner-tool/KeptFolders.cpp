@@ -9,8 +9,7 @@ namespace brimvault::cleaner {
 
 namespace {
 
-constexpr std::ptrdiff_t mostNames = 64;   // in a path
-constexpr std::size_t mostEntries = 4096;  // that a folder has been, over time, all of them together
+constexpr std::ptrdiff_t mostNames = 64;  // in a path
 
 bool isMissing(const std::error_code& problem) {
     return problem == std::errc::no_such_file_or_directory || problem == std::errc::not_a_directory;
@@ -32,53 +31,63 @@ std::vector<KeptPath> homeFolders(const std::filesystem::path& home) {
 }
 
 bool KeptFolders::add(const KeptPath& folder) {
-    folders_.push_back(folder);
+    folders_.push_back({folder, false});
     return folders_.size() <= mostFolders && std::distance(folder.path.begin(), folder.path.end()) <= mostNames;
 }
 
 bool KeptFolders::lookUp() {
     bool looked = true;
-    holders_.clear();
-    for (const auto& [folder, keep] : folders_) {
-        std::error_code problem;
-        auto path = std::filesystem::canonical(folder, problem);
-        if (problem) {
-            looked = looked && isMissing(problem);
-            continue;
+    Entries now;
+    for (auto& folder : folders_) {
+        Entries found;
+        looked = lookUp(folder.kept, found) && looked;
+        for (const auto& entry : found) {
+            set(now, entry);
+            if (!folder.wasFound) {
+                set(first_, entry);
+            }
         }
-        looked = looked && set(entries_, path, keep);
-        while (path.has_relative_path()) {
-            path = path.parent_path();
-            looked = looked && set(holders_, path, Keep::itself);
-        }
+        folder.wasFound = folder.wasFound || !found.empty();
     }
-    return looked && entries_.size() <= mostEntries;
+    entries_ = first_;
+    for (const auto& entry : now) {
+        set(entries_, entry);
+    }
+    return looked;
 }
 
-bool KeptFolders::set(Entries& entries, const std::filesystem::path& folder, Keep keep) {
-    const auto status = files::statusOf(folder);
-    if (!status) {
-        return status.code() == ENOENT || status.code() == ENOTDIR;
+bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) {
+    std::error_code problem;
+    auto path = std::filesystem::canonical(folder.path, problem);
+    if (problem) {
+        return isMissing(problem);
     }
+    for (auto keep = folder.keep;; keep = Keep::itself, path = path.parent_path()) {
+        const auto status = files::statusOf(path);
+        if (!status) {
+            return status.code() == ENOENT || status.code() == ENOTDIR;
+        }
+        found.push_back({status->identity, keep});
+        if (!path.has_relative_path()) {
+            return true;
+        }
+    }
+}
+
+void KeptFolders::set(Entries& entries, const Entry& entry) {
     const auto known = std::find_if(entries.begin(), entries.end(),
-                                    [&](const Entry& entry) { return entry.identity == status->identity; });
+                                    [&](const Entry& other) { return other.identity == entry.identity; });
     if (known == entries.end()) {
-        entries.push_back({status->identity, keep});
+        entries.push_back(entry);
     } else {
-        known->keep = std::max(known->keep, keep);
+        known->keep = std::max(known->keep, entry.keep);
     }
-    return true;
 }
 
 const Keep* KeptFolders::find(const files::FileIdentity& identity) const {
-    for (const auto* entries : {&entries_, &holders_}) {
-        const auto known = std::find_if(entries->begin(), entries->end(),
-                                        [&](const Entry& entry) { return entry.identity == identity; });
-        if (known != entries->end()) {
-            return &known->keep;
-        }
-    }
-    return nullptr;
+    const auto entry =
+        std::find_if(entries_.begin(), entries_.end(), [&](const Entry& other) { return other.identity == identity; });
+    return entry == entries_.end() ? nullptr : &entry->keep;
 }
 
 void KeptFoldersGuard::onWay(const files::NodeStatus& folder) {

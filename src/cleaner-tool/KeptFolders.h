@@ -30,8 +30,8 @@ struct KeptPath {
 [[nodiscard]] std::vector<KeptPath> homeFolders(const std::filesystem::path& home);
 
 /// The folders that are never removed. They are named by their paths, and known by what is found there: each removal
-/// looks anew, as a folder may have been made, replaced or mounted since. What was found once stays kept, wherever it
-/// is by then. One thread at a time.
+/// looks anew, as a folder may have been made, replaced or mounted since. What was found first stays kept as well,
+/// wherever it is by then. One thread at a time.
 class KeptFolders {
 public:
     /// As many as a home with every section elsewhere has, many times over.
@@ -55,13 +55,19 @@ private:
         files::FileIdentity identity;
         Keep keep;
     };
+    struct Folder {
+        KeptPath kept;
+        bool wasFound;
+    };
     using Entries = std::vector<Entry>;
-    [[nodiscard]] static bool set(Entries& entries, const std::filesystem::path& folder, Keep keep);
+    /// What the path leads to and what holds that.
+    [[nodiscard]] static bool lookUp(const KeptPath& folder, Entries& found);
+    static void set(Entries& entries, const Entry& entry);
 
     uid_t user_;
-    std::vector<KeptPath> folders_;
-    Entries entries_;
-    Entries holders_;  ///< of the folders, when last looked up
+    std::vector<Folder> folders_;
+    Entries first_;    ///< as each folder was found first
+    Entries entries_;  ///< as last looked up, and those
 };
 
 /// Keeps a removal away from them, and to what is the user's: the way to the item must lead through a folder that the

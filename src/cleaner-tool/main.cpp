@@ -56,7 +56,7 @@ std::optional<KeptFolders> keptFolders(uid_t user, const std::filesystem::path& 
         folders.insert(folders.end(), ofHome.begin(), ofHome.end());
     }
     const bool all = std::all_of(folders.begin(), folders.end(), [&](const auto& folder) { return kept.add(folder); });
-    return all ? std::optional(std::move(kept)) : std::nullopt;
+    return all && kept.lookUp() ? std::optional(std::move(kept)) : std::nullopt;
 }
 
 int run(const Invocation& invocation) {

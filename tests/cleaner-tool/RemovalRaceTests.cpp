@@ -41,7 +41,7 @@ protected:
             fill(folder_ / name);
         }
         ASSERT_TRUE(kept_.add({folder_.path(), Keep::contentsMayGo}));
-        ASSERT_TRUE(kept_.add({folder_ / "kept", Keep::everything}));
+        ASSERT_TRUE(kept_.add({folder_ / "kept", Keep::everything}) && kept_.lookUp());
     }
 
     // Each answer of the guard comes after the names were exchanged a few times, or not at all.
@@ -133,7 +133,7 @@ TEST_F(RemovalRace, OfAnInnerFolderWithALink) {
 
 TEST_F(RemovalRace, OfTheItemWithAFolderThatHoldsAKeptOne) {
     fill(folder_ / "holder/section");
-    ASSERT_TRUE(kept_.add({folder_ / "holder/section", Keep::itself}));
+    ASSERT_TRUE(kept_.add({folder_ / "holder/section", Keep::itself}) && kept_.lookUp());
     const HeldFolder holder(folder_ / "holder");
     const Exchanger exchanger(folder_ / "item", folder_ / "holder");
     race(exchanger, folder_ / "item", holder, [&] {
