@@ -15,7 +15,17 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int mostRowsThatWrap = 500;  // laid out within a few milliseconds
+// What is wrapped is laid out at once; so many characters take a few milliseconds, and each row its own part.
+constexpr int mostRowsThatWrap = 500;
+constexpr qsizetype mostCharactersThatWrap = 10'000;
+
+bool isSoonLaidOut(const QAbstractItemModel& rows) {
+    qsizetype characters = 0;
+    for (int row = 0; row < rows.rowCount() && row <= mostRowsThatWrap && characters <= mostCharactersThatWrap; ++row) {
+        characters += rows.index(row, 0).data().toString().size();
+    }
+    return rows.rowCount() <= mostRowsThatWrap && characters <= mostCharactersThatWrap;
+}
 
 }  // namespace
 
@@ -33,7 +43,7 @@ NotCleanedListView::NotCleanedListView(QWidget* parent) : QListView(parent) {
 }
 
 void NotCleanedListView::reset() {
-    setUniformItemSizes(model() != nullptr && model()->rowCount() > mostRowsThatWrap);
+    setUniformItemSizes(model() != nullptr && !isSoonLaidOut(*model()));
     QListView::reset();
 }
 

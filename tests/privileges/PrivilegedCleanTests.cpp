@@ -125,6 +125,33 @@ TEST(PrivilegedClean, AsksOnceWhenRefusedAndAgainInTheNextClean) {
     });
 }
 
+TEST(PrivilegedClean, WithdrawsTheQuestionWhenItIsStopped) {
+    makeThreeItems(askedUser);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(askedUser, Agent::hesitates);
+        trial.beginClean({"first", "second"});
+        const bool asked = comes([&] { return trial.questions() == 1; });
+        trial.stopClean();
+        const auto result = trial.finishClean();
+        return firstOf({asked ? "" : "nobody is asked", expected(result, 0, {"first"}),
+                        comes([&] { return trial.questions() == 2; }) ? "" : "the question stays"});
+    });
+}
+
+TEST(PrivilegedClean, DoesWithoutAPolkitThatAnswers) {
+    makeThreeItems(askedUser);
+    const auto* number = std::getenv("BRIMVAULT_TEST_POLKIT");
+    ASSERT_NE(number, nullptr);
+    const auto polkit = static_cast<pid_t>(std::stol(number));
+    EXPECT_WELL_IN_CHILD([&] {
+        Trial trial(askedUser, Agent::grants);
+        trial.sendAsAdministrator(SIGSTOP, polkit);
+        const auto result = trial.clean({"first", "third"});
+        trial.sendAsAdministrator(SIGCONT, polkit);
+        return expected(result, 1, {"first"});
+    });
+}
+
 TEST(PrivilegedClean, IsGrantedToTheProcessThatHasAskedAndToNoOtherOfTheUser) {
     makeThreeItems(askedUser);
     EXPECT_WELL_IN_CHILD([]() -> std::string {
@@ -176,7 +203,8 @@ TEST(PrivilegedClean, GivesUpAToolThatDoesNotAnswerAndThatToolRemovesNothingAfte
         const bool ended = comes([&] { return !isAlive(tool); });
         return firstOf({before, result, ended ? "" : "the tool lives",
                         fs::exists(trial.caches() / "second/2/2") ? "" : "the item went after all",
-                        expected(trial.clean({"second"}), 1, {})});
+                        expected(trial.clean({"second"}), 1, {}),
+                        fs::exists("/proc/" + std::to_string(tool)) ? "its end is not taken note of" : ""});
     });
 }
 
@@ -195,7 +223,7 @@ TEST(PrivilegedClean, EndsWithTheProgramAlsoInTheMiddleOfARemoval) {
     ::kill(program, SIGKILL);
     ::waitpid(program, nullptr, 0);
     const auto killed = std::chrono::steady_clock::now();
-    const bool ended = comes([&] { return !isAlive(tool); });
+    const bool ended = comes([&] { return !isAlive(tool); }, std::chrono::seconds(5));
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - killed);
     std::cout << "The tool ended " << took.count() << " ms after the program.\n";
     EXPECT_TRUE(begun);
@@ -222,6 +250,13 @@ TEST(PrivilegedClean, MovesIntoTheUsersTrash) {
                         text.find("Path=/run/home/may/Library/Caches/some%20folder\n") != std::string::npos
                             ? ""
                             : "the record is: " + text});
+    });
+    // What a closed folder hides is not opened by moving it.
+    makeLockedFolder(mayRemove, "closed");
+    fs::permissions(cachesOf(mayRemove) / "closed", static_cast<fs::perms>(0700));
+    EXPECT_WELL_IN_CHILD([&] {
+        Trial trial(mayRemove, Agent::none);
+        return trial.remover().recycleFileAtPath(trial.caches() / "closed/0") ? "it is opened" : "";
     });
     EXPECT_TRUE(fs::exists(trash / "files/some folder/0/0"));
     EXPECT_FALSE(fs::exists(cachesOf(mayRemove) / "some folder"));

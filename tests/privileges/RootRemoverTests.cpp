@@ -18,6 +18,7 @@
 #include "platform/ToolConnection.h"
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
+#include "support/NameExchange.h"
 #include "support/SampleHome.h"
 
 // The root remover as it is installed, started as pkexec starts it, and clients that speak with it byte by byte.
@@ -375,6 +376,46 @@ TEST_F(RootRemover, RefusesWhatIsToBeKept) {
     EXPECT_TRUE(fs::exists("/etc/polkit-1/rules.d/10-brimvault.rules"));
     EXPECT_TRUE(fs::exists("/usr/local/libexec/brimvault/BrimvaultCleaner"));
     ASSERT_EQ(::umount((caches() / "mounted").c_str()), 0);
+}
+
+// The user exchanges the item, its parent or an inner folder for a link to what only the administrator may change,
+// while the tool removes it again and again.
+TEST_F(RootRemover, LosesNothingToAUserWhoExchangesNames) {
+    constexpr int wanted = 20'000;
+    const fs::path precious = "/srv/precious";
+    if (::mount("none", "/srv", "tmpfs", 0, nullptr) != 0) {
+        GTEST_SKIP() << "there can be no folder of the system for it";
+    }
+    for (const char* file : {"file", "item/file", "item/inner/file"}) {
+        writeFile(precious / file, "precious");
+    }
+    const auto before = fingerprint(precious);
+    for (const std::string exchanged : {"tree", "tree/item", "tree/item/inner"}) {
+        EXPECT_WELL_IN_CHILD([&]() -> std::string {
+            startTool();
+            become(user);
+            Client client;
+            const auto item = user.home() / "tree/item";
+            const auto link = user.home() / "link";
+            int exchanges = client.isGreeted() ? 0 : wanted;
+            int removals = 0;
+            while (exchanges < wanted) {
+                fs::remove_all(user.home() / "tree");
+                fs::remove_all(link);
+                writeFile(item / "inner/file", "the user's");
+                fs::create_directory_symlink(precious / fs::path(exchanged).lexically_relative("tree"), link);
+                const Exchanger exchanger(user.home() / exchanged, link);
+                (void)comes([&] { return exchanger.exchanges() > 20; });
+                for (int requests = 0; requests < 10; ++requests) {
+                    removals += client.ask(Operation::removeFileAtPath, item) == Operation::done ? 1 : 0;
+                }
+                exchanges += exchanger.exchanges();
+            }
+            return removals > 0 ? "" : "nothing was removed";
+        });
+        EXPECT_EQ(fingerprint(precious), before) << exchanged;
+    }
+    EXPECT_EQ(::umount("/srv"), 0);
 }
 
 TEST_F(RootRemover, HasGivenUpWhatItDoesNotNeed) {

@@ -105,8 +105,9 @@ void startAgent(pid_t process, Agent agent, const fs::path& questions) {
     if (::fork() == 0) {
         ::dup2(lifeline, STDIN_FILENO);
         const auto number = std::to_string(process);
-        ::execl("/usr/bin/python3", "python3", BRIMVAULT_TEST_AGENT, number.c_str(),
-                agent == Agent::grants ? "grant" : "refuse", questions.c_str(), nullptr);
+        const char* decision = agent == Agent::grants ? "grant" : agent == Agent::refuses ? "refuse" : "hesitate";
+        ::execl("/usr/bin/python3", "python3", BRIMVAULT_TEST_AGENT, number.c_str(), decision, questions.c_str(),
+                nullptr);
         ::_exit(1);
     }
     if (!comes([&] { return linesOf(questions) > 0; })) {
@@ -187,6 +188,8 @@ Trial::Result Trial::clean(const std::vector<std::string>& names) {
     return finishClean();
 }
 
+void Trial::stopClean() { running_->cutter.cancelCleanAll(); }
+
 int Trial::questions() const { return std::max(0, linesOf(questions_) - 1); }
 
 pid_t Trial::tool() const { return toolOf(::getpid()); }
@@ -239,8 +242,8 @@ pid_t toolOf(pid_t application) {
     return 0;
 }
 
-bool comes(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+bool comes(const std::function<bool()>& condition, std::chrono::seconds patience) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

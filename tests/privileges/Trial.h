@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -25,7 +26,7 @@ inline constexpr User mayRemove{"may", 60001};      ///< without being asked
 inline constexpr User deniedUser{"denied", 60002};  ///< without being asked
 inline constexpr User askedUser{"asked", 60003};
 
-enum class Agent { none, grants, refuses };
+enum class Agent { none, grants, refuses, hesitates };
 
 /// Gives up all rights but those of the user, for good.
 void become(const User& user);
@@ -65,6 +66,8 @@ public:
     /// The same, without waiting.
     void beginClean(const std::vector<std::string>& names);
     [[nodiscard]] Result finishClean();
+    /// As the user does who presses "Stop".
+    void stopClean();
 
     [[nodiscard]] std::filesystem::path caches() const { return user_.home() / "Library" / "Caches"; }
     /// How often the user was asked.
@@ -94,7 +97,8 @@ void makeLockedFolder(const User& user, const std::string& name, int files = 3);
 [[nodiscard]] bool isAlive(pid_t process);
 /// The root remover that has been started by a process; 0 for none.
 [[nodiscard]] pid_t toolOf(pid_t application);
-/// Whether the condition came to hold within a time in which everything does that works.
-[[nodiscard]] bool comes(const std::function<bool()>& condition);
+/// Whether the condition came to hold within a time in which everything does that works, or within the time given.
+[[nodiscard]] bool comes(const std::function<bool()>& condition,
+                         std::chrono::seconds patience = std::chrono::seconds(60));
 
 }  // namespace brimvault::tests

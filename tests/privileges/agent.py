@@ -1,7 +1,8 @@
-"""An authentication agent for one process: agent.py PROCESS grant|refuse QUESTIONS
+"""An authentication agent for one process: agent.py PROCESS grant|refuse|hesitate QUESTIONS
 
-Runs as the administrator, until its standard input is closed. Grants or refuses whatever is asked, and writes a line to the file QUESTIONS each time; the
-first line says that it is ready.
+Runs as the administrator, until its standard input is closed. Grants or refuses whatever is asked, and writes a line
+to the file QUESTIONS each time; the first line says that it is ready. One that hesitates answers when the question is
+withdrawn, and writes "withdrawn".
 """
 import sys
 
@@ -19,6 +20,7 @@ INTERFACE = """<node><interface name="org.freedesktop.PolicyKit1.AuthenticationA
 </interface></node>"""
 
 process, decision, questions = int(sys.argv[1]), sys.argv[2], sys.argv[3]
+pending = []
 bus = Gio.bus_get_sync(Gio.BusType.SYSTEM)
 
 
@@ -35,12 +37,19 @@ def called(_bus, _sender, _path, _interface, method, parameters, invocation):
     if method == "BeginAuthentication":
         action, _message, _icon, _details, cookie, identities = parameters
         tell(action)
+        if decision == "hesitate":
+            pending.append(invocation)
+            return
         if decision == "refuse":
             invocation.return_dbus_error("org.freedesktop.PolicyKit1.Error.Cancelled", "not now")
             return
         kind, details = identities[0]
         identity = (kind, {name: GLib.Variant("u", number) for name, number in details.items()})
         ask("AuthenticationAgentResponse2", GLib.Variant("(us(sa{sv}))", (0, cookie, identity)))
+    if method == "CancelAuthentication":
+        tell("withdrawn")
+        for waiting in pending:
+            waiting.return_value(None)
     invocation.return_value(None)
 
 
