@@ -24,9 +24,8 @@
 //
 // It runs with the administrator's rights and removes what the application, which runs without, asks it to. Whoever
 // started it may be hostile, and so may whatever reaches it: it finds out by itself who speaks with it, what it must
-// keep and whether the item is what it was a moment ago. It starts no program, is told nothing but its two
-// arguments and who started it, asks the system for that user's home folder and the time, and ends with the
-// application.
+// keep and whether the item is what it was a moment ago. It starts no program, is told nothing but its two arguments and
+// who started it, asks the system for that user's home folder and the time, and ends with the application.
 
 namespace {
 
@@ -68,8 +67,9 @@ int run(const Invocation& invocation) {
     application->endWithIt();
     const auto home = homeOf(invocation.user);
     auto kept = keptFolders(invocation.user, home);
-    auto connection = awaitClient(folder, invocation.name, {invocation.user, *application}, patience);
-    if (!kept || !connection.isOpen()) {
+    auto connection = kept ? awaitClient(folder, invocation.name, {invocation.user, *application}, patience)
+                           : Descriptor();  // what cannot be kept is not put at risk
+    if (!connection.isOpen()) {
         return EXIT_FAILURE;
     }
     const ClientConnection client(std::move(connection), *application);

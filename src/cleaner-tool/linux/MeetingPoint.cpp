@@ -27,6 +27,8 @@ struct AccessList {
     std::array<AccessEntry, 5> entries;
 };
 
+static_assert(sizeof(AccessList) == 44);  // without gaps
+
 AccessList ownerAndEntryBy(uid_t user) {
     constexpr std::uint16_t all = 7;
     constexpr std::uint16_t enter = 1;
