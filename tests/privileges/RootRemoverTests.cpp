@@ -224,24 +224,23 @@ TEST_F(RootRemover, RefusesAProcessThatHasTakenOverTheNumber) {
 }
 
 TEST_F(RootRemover, EndsWhenTheApplicationEndsBeforeItHasConnected) {
+    int told[2];
+    ASSERT_EQ(::pipe(told), 0);
     const pid_t application = ::fork();
     if (application == 0) {
-        startTool();
+        const pid_t tool = startTool();
         become(user);
-        (void)comes([] { return fs::exists(place()); });
+        const bool isThere = comes([] { return fs::exists(place()); });
+        (void)!::write(told[1], &tool, isThere ? sizeof tool : 0);
         ::_exit(0);
     }
-    ASSERT_TRUE(comes([] { return fs::exists(place()); }));
-    const auto tool = toolOf(application);
+    ::close(told[1]);
+    pid_t tool = 0;
+    ASSERT_EQ(::read(told[0], &tool, sizeof tool), static_cast<ssize_t>(sizeof tool));
+    ::close(told[0]);
     ASSERT_EQ(::waitpid(application, nullptr, 0), application);
-    const pid_t next = startWithNumber(application);
-    EXPECT_NE(tool, 0);
-    EXPECT_TRUE(comes([&] { return !isAlive(tool); }));
+    EXPECT_TRUE(comes([&] { return !isAlive(tool); }, std::chrono::seconds(5)));
     EXPECT_FALSE(fs::exists(place()));
-    if (next != 0) {
-        ::kill(next, SIGKILL);
-        ::waitpid(next, nullptr, 0);
-    }
 }
 
 TEST_F(RootRemover, LeavesANameThatIsTaken) {

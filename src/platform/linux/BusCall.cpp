@@ -15,6 +15,7 @@ namespace {
 // Between looks whether there is an answer: most come at once, and some when the user has decided.
 constexpr std::chrono::milliseconds shortestInterval{1};
 constexpr std::chrono::milliseconds longestInterval{20};
+constexpr std::chrono::milliseconds withdrawalLimit{1000};
 
 // Where the environment names the bus, that one: the library would keep to the first that it was told of.
 QDBusConnection connectTo(Bus bus, const QString& name) {
@@ -27,25 +28,32 @@ QDBusConnection connectTo(Bus bus, const QString& name) {
 }
 
 std::optional<QDBusMessage> call(const QDBusConnection& bus, const QDBusMessage& request,
-                                 std::chrono::milliseconds limit, const std::function<bool()>& givesUp) {
-    if (!bus.isConnected() || givesUp()) {
+                                 std::chrono::milliseconds limit, const GivingUp& givingUp) {
+    const auto isGivenUp = [&] { return givingUp.isWanted && givingUp.isWanted(); };
+    if (!bus.isConnected() || isGivenUp()) {
         return std::nullopt;
     }
     const auto answer = bus.asyncCall(request, static_cast<int>(limit.count()));
-    for (auto interval = shortestInterval; !answer.isFinished() && !givesUp();) {
+    auto interval = shortestInterval;
+    while (!answer.isFinished() && !isGivenUp()) {
         std::this_thread::sleep_for(interval);
         interval = std::min(interval * 2, longestInterval);
     }
-    return answer.isFinished() && !answer.isError() ? std::optional(answer.reply()) : std::nullopt;
+    if (answer.isFinished()) {
+        return answer.isError() ? std::nullopt : std::optional(answer.reply());
+    }
+    if (givingUp.withdrawal) {
+        (void)bus.call(*givingUp.withdrawal, QDBus::Block, static_cast<int>(withdrawalLimit.count()));
+    }
+    return std::nullopt;
 }
 
 }  // namespace
 
 std::optional<QDBusMessage> callOnBus(Bus bus, const QDBusMessage& request, std::chrono::milliseconds limit,
-                                      const std::function<bool()>& givesUp) {
+                                      const GivingUp& givingUp) {
     const QString name = QUuid::createUuid().toString();
-    const auto answer = call(
-        connectTo(bus, name), request, limit, givesUp ? givesUp : [] { return false; });
+    auto answer = call(connectTo(bus, name), request, limit, givingUp);
     QDBusConnection::disconnectFromBus(name);
     return answer;
 }

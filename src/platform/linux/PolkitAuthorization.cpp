@@ -193,11 +193,14 @@ private:
         if (mayAsk && !answers_) {
             return false;  // a question would be waited for without end
         }
+        const QString question = mayAsk ? QStringLiteral("question") : QString();  // told from others by the connection
         auto request = requestTo(QStringLiteral("CheckAuthorization"));
         request << QVariant::fromValue(thisProcess()) << actionName() << QVariant::fromValue(Details())
-                << static_cast<quint32>(mayAsk ? 1 : 0) << QString();
-        // Polkit withdraws a question when the connection that it came by is closed.
-        const auto answer = callOnBus(Bus::system, request, mayAsk ? withoutLimit : answerLimit, givesUp);
+                << static_cast<quint32>(mayAsk ? 1 : 0) << question;
+        auto withdrawal = requestTo(QStringLiteral("CancelCheckAuthorization"));
+        withdrawal << question;
+        const auto answer = mayAsk ? callOnBus(Bus::system, request, withoutLimit, {givesUp, withdrawal})
+                                   : callOnBus(Bus::system, request, answerLimit);
         answers_ = answer.has_value();
         const auto standing = answer ? standingIn(*answer) : std::nullopt;
         if (!standing) {

@@ -73,7 +73,7 @@ bool SessionFileBrowser::callFileManager(const QString& method, const std::files
     auto request =
         QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/FileManager1"), service, method);
     request << QStringList{uriOf(path)} << QString();  // no start-up notification
-    return callOnBus(Bus::session, request, answerLimit, [this] { return givenUp_.load(); }).has_value();
+    return callOnBus(Bus::session, request, answerLimit, {[this] { return givenUp_.load(); }, {}}).has_value();
 }
 
 // Some openers end when the folder is open, others when it is closed.
