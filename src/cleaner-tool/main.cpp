@@ -24,8 +24,8 @@
 //
 // It runs with the administrator's rights and removes what the application, which runs without, asks it to. Whoever
 // started it may be hostile, and so may whatever reaches it: it finds out by itself who speaks with it, what it must
-// keep and whether the item is what it was a moment ago. It starts no program, is told nothing but its two arguments and
-// who started it, asks the system for that user's home folder and the time, and ends with the application.
+// keep and whether the item is what it was a moment ago. It starts no program, is told nothing but its two arguments
+// and who started it, asks the system for that user's home folder and the time, and ends with the application.
 
 namespace {
 
