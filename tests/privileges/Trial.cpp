@@ -219,12 +219,19 @@ void makeLockedFolder(const User& user, const std::string& name, int files) {
     }
 }
 
+// The first thread can have ended while another still holds what is open.
 bool isAlive(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/stat");
+    const auto folder = fs::path("/proc") / std::to_string(process);
+    std::ifstream status(folder / "stat");
     std::string record;
     std::getline(status, record);
     const auto end = record.rfind(')');
-    return end != std::string::npos && end + 2 < record.size() && record[end + 2] != 'Z' && record[end + 2] != 'X';
+    if (end == std::string::npos || end + 2 >= record.size()) {
+        return false;
+    }
+    std::error_code gone;
+    const auto threads = std::distance(fs::directory_iterator(folder / "task", gone), fs::directory_iterator());
+    return threads > 1 || (record[end + 2] != 'Z' && record[end + 2] != 'X');
 }
 
 pid_t toolOf(pid_t application) {
