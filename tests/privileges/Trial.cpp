@@ -230,7 +230,11 @@ bool isAlive(pid_t process) {
         return false;
     }
     std::error_code gone;
-    const auto threads = std::distance(fs::directory_iterator(folder / "task", gone), fs::directory_iterator());
+    int threads = 0;
+    for (fs::directory_iterator thread(folder / "task", gone); !gone && thread != fs::end(thread);
+         thread.increment(gone)) {
+        ++threads;
+    }
     return threads > 1 || (record[end + 2] != 'Z' && record[end + 2] != 'X');
 }
 
