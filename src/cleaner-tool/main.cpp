@@ -83,10 +83,14 @@ int run(const Invocation& invocation) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    const char* user = std::getenv("PKEXEC_UID");
-    const auto invocation = Invocation::of(count, arguments, user);
-    if (::geteuid() != 0 || !invocation || !giveUpSurroundings()) {
-        return EXIT_FAILURE;
+    try {
+        const char* user = std::getenv("PKEXEC_UID");
+        const auto invocation = Invocation::of(count, arguments, user);
+        if (::geteuid() != 0 || !invocation || !giveUpSurroundings()) {
+            return EXIT_FAILURE;
+        }
+        return run(*invocation);
+    } catch (...) {
+        return EXIT_FAILURE;  // there is nobody to tell
     }
-    return run(*invocation);
 }

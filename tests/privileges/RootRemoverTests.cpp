@@ -280,6 +280,7 @@ TEST_F(RootRemover, LeavesTheMeetingFolderToTheAdministrator) {
 // Whoever waits under the name without the administrator's rights is not taken for the tool.
 TEST_F(RootRemover, IsNotMistakenForAProgramOfTheUsers) {
     const auto elsewhere = user.home() / "socket";
+    fs::remove(elsewhere);  // of a run before
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
         const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
         sockaddr_un address{};
