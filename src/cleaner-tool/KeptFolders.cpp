@@ -5,6 +5,8 @@
 #include <iterator>
 #include <system_error>
 
+#include "cleaner-tool/TrashMove.h"
+
 namespace brimvault::cleaner {
 
 namespace {
@@ -19,7 +21,7 @@ bool isMissing(const std::error_code& problem) {
 
 std::vector<KeptPath> homeFolders(const std::filesystem::path& home) {
     const auto library = home / "Library";
-    const auto trash = home / ".local" / "share" / "Trash";
+    const auto trash = trashOfHome(home);
     std::vector<KeptPath> folders = {{home, Keep::contentsMayGo}};
     for (const auto& path :
          {library / "Caches", library / "Logs", library / "Containers",

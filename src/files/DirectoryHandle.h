@@ -20,10 +20,10 @@ struct DirectoryEntry {
 /// points by then. Movable, one owner; not to be used by two threads at once.
 class DirectoryHandle {
 public:
+    using OnWay = std::function<void(const NodeStatus&)>;
     /// Opens an absolute path from the root, one name at a time, following no link on the way: ENOTDIR where a name is
     /// a link or no directory, EINVAL for a relative path or one with "..". The handle serves to reach what is inside;
     /// it cannot be listed itself. `onWay` is told of every folder that is opened, from the root on.
-    using OnWay = std::function<void(const NodeStatus&)>;
     static Result<DirectoryHandle> open(const std::filesystem::path& path, const OnWay& onWay = {});
 
     DirectoryHandle(DirectoryHandle&& other) noexcept
