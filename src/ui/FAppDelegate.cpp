@@ -11,8 +11,11 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
     : defaults_(surroundings.defaults),
       util_(surroundings.util),
       window_(std::make_unique<MainWindow>()),
+      controls_(*window_, *this),
       statusTexts_(std::make_unique<StatusTexts>(*window_->lists()->plashka(),
                                                  *window_->startPage()->ptxtStartDescClean(), defaults_)) {
+    pNotCleanedController_ = std::make_unique<NotCleanedController>(window_.get());
+    drawerAndSheets_ = std::make_unique<DrawerAndSheets>(*window_, *pNotCleanedController_);
     psectController_ = std::make_unique<TSectionViewController>(
         TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, surroundings.defaults,
                                              surroundings.alerts,
@@ -23,7 +26,6 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
         [this](const QStringList& languages) { psectController_->changedListOfLangs(languages); });
     window_->pDrawer()->ptableView()->setModel(pLangListController_.get());
     panels_ = std::make_unique<SectionPanels>(*window_->lists(), *psectController_, *this, util_);
-    pNotCleanedController_ = std::make_unique<NotCleanedController>(window_.get());
     util_.setWindow(window_.get());
 }
 
@@ -36,8 +38,8 @@ void FAppDelegate::applicationDidFinishLaunching() {
     activatePanel(0);  // before the first scan there is no list to show
     registerObservers();
     defaults_.setNumber(defaults_key::lastCleanedSize, 0);
-    setImgs4Scan(true);
-    setImgs4Clean(true);
+    controls_.setImgs4Scan(true);
+    controls_.setImgs4Clean(true);
     window_->show();
     window_->activateWindow();
     window_->startPage()->btnStartScanButton2()->setFocus();
@@ -52,9 +54,6 @@ void FAppDelegate::connectControls() {
     connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
-    connect(window_->pbtnLangs(), &QAbstractButton::clicked, this, &FAppDelegate::toggleDrawer);
-    connect(window_->pDrawer(), &LanguagesDrawer::closeRequested, this, &FAppDelegate::toggleDrawer);
-    connect(window_->pDrawer(), &LanguagesDrawer::drawerDidClose, this, &FAppDelegate::drawerDidClose);
     connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, this, &FAppDelegate::doSelGetInfo);
     connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, this, &FAppDelegate::doSelShowInFinder);
     window_->setMayClose([this] { return mayClose(); });
@@ -92,9 +91,9 @@ void FAppDelegate::setPbScanning(bool scanning) {
 }
 
 void FAppDelegate::scanStarted() {
-    window_->sidebar()->pbtnScan()->startAnimation();
+    window_->sidebar()->pProgressScan()->startAnimation();
     bScanStarted_ = true;
-    enableControlsScan(false);
+    controls_.enableControlsScan(false);
     initStateAsScanStarted();
 }
 
@@ -136,9 +135,9 @@ bool FAppDelegate::isScanReturning() const { return psectController_->performer(
 
 void FAppDelegate::scanFinished() {
     refreshLists();  // a scan that was stopped before it began has told nothing
-    enableControlsScan(true);
+    controls_.enableControlsScan(true);
     updateSelectAllCheck();
-    window_->sidebar()->pbtnScan()->stopAnimation();
+    window_->sidebar()->pProgressScan()->stopAnimation();
     panels_->updateTitle();
 }
 
@@ -161,22 +160,22 @@ void FAppDelegate::setPbCleanning(bool cleaning) {
 }
 
 void FAppDelegate::cleanStarted() {
-    window_->lists()->pbtnClean()->startAnimation();
+    window_->lists()->pProgressClean()->startAnimation();
     UpdateTextsAboutFreeUpSize();
     resetNotCleanedDicts();
     pLangListController_->updateCleaningState(true);
     panels_->updateCleaningState();
-    enableControlsClean(false);
+    controls_.enableControlsClean(false);
 }
 
 void FAppDelegate::cleanFinished() {
     const bool focusGoes = window_->lists()->pbtnClean()->hasFocus();
     psectController_->cleanFinished();
     panels_->updateCleaningState();
-    enableControlsClean(true);
+    controls_.enableControlsClean(true);
     pLangListController_->updateCleaningState(false);
     updateSelectAllCheck();
-    window_->lists()->pbtnClean()->stopAnimation();
+    window_->lists()->pProgressClean()->stopAnimation();
     setPlashkaToSelectedState(false);
     panels_->updateTitle();
     if (focusGoes && !window_->lists()->pbtnClean()->isEnabled()) {
@@ -217,103 +216,12 @@ void FAppDelegate::setPbRemoving(bool removing) {
     closeWhenIdle();
 }
 
-// --- Controls ---------------------------------------------------------------------------------------------------
-
-void FAppDelegate::enableControlsScan(bool idle) {
-    setImgs4Scan(idle);
-    window_->lists()->pbtnClean()->setEnabled(idle && bScanStarted_);
-    enableListControls(idle);
-}
-
-void FAppDelegate::enableControlsClean(bool idle) {
-    setImgs4Clean(idle);
-    window_->sidebar()->pbtnScan()->setEnabled(idle);
-    enableListControls(idle);
-}
-
-void FAppDelegate::enableListControls(bool idle) {
-    auto* lists = window_->lists();
-    for (QWidget* control : {static_cast<QWidget*>(lists->pbtnInf()), static_cast<QWidget*>(lists->pbtnFinder()),
-                             static_cast<QWidget*>(lists->pbtnSelectAll())}) {
-        control->setEnabled(idle && bScanStarted_);
-    }
-}
-
-void FAppDelegate::setImgs4Scan(bool idle) {
-    // Once there is something to clean, that is the main thing to do, and scanning steps back.
-    const auto atRest = bScanStarted_ ? ActionButton::Look::quiet : ActionButton::Look::scan;
-    if (idle) {
-        window_->sidebar()->pbtnScan()->setLook(atRest, tr("Scan"), tr("Scan"));
-    } else {
-        window_->sidebar()->pbtnScan()->setLook(ActionButton::Look::stop, tr("Stop"), tr("Stop Scanning"));
-    }
-}
-
-void FAppDelegate::setImgs4Clean(bool idle) {
-    if (idle) {
-        window_->lists()->pbtnClean()->setLook(ActionButton::Look::clean, tr("Clean"), tr("Clean"));
-    } else {
-        window_->lists()->pbtnClean()->setLook(ActionButton::Look::stop, tr("Stop"), tr("Stop Cleaning"));
-    }
-}
-
 // --- Panels -----------------------------------------------------------------------------------------------------
 
 void FAppDelegate::activatePanel(int row) {
-    updateButtonsForPanel(row);
+    drawerAndSheets_->updateButtonsForPanel(row);
     if (row >= 0 && row < sectionRowCount && bScanStarted_) {
         panels_->show(row);
-    }
-}
-
-// The languages belong to one section. Elsewhere their drawer is closed, and opens again where the user left it open.
-void FAppDelegate::updateButtonsForPanel(int row) {
-    const bool languages = row >= 0 && row < sectionRowCount &&
-                           sectionRows()[static_cast<std::size_t>(row)].section == Section::languageResources;
-    window_->pbtnLangs()->setVisible(languages);
-    setDrawerOpen(languages && bDrawerOpened_);
-}
-
-void FAppDelegate::toggleDrawer() {
-    if (modalSheetSender_ != nullptr) {
-        return;  // it makes room for a sheet
-    }
-    bDrawerOpened_ = !window_->pDrawer()->isOpen();
-    setDrawerOpen(bDrawerOpened_);
-}
-
-// The focus does not go with the drawer.
-void FAppDelegate::setDrawerOpen(bool open) {
-    if (!open && window_->pDrawer()->isAncestorOf(window_->focusWidget())) {
-        window_->pbtnLangs()->setFocus();
-    }
-    window_->pDrawer()->setOpen(open);
-    window_->pbtnLangs()->setOn(open);
-}
-
-void FAppDelegate::willModalSheetBegin(const QObject* sender) {
-    if (window_->pDrawer()->isOpen()) {
-        modalSheetSender_ = sender;
-        focusWasInDrawer_ = window_->pDrawer()->isAncestorOf(window_->focusWidget());
-        setDrawerOpen(false);
-    } else if (sender == pNotCleanedController_.get()) {
-        pNotCleanedController_->showNotCleanedInfoPanelModalFor(window_.get());
-    }
-}
-
-void FAppDelegate::drawerDidClose() {
-    if (modalSheetSender_ != nullptr && modalSheetSender_ == pNotCleanedController_.get()) {
-        pNotCleanedController_->showNotCleanedInfoPanelModalFor(window_.get());
-    }
-}
-
-// By now another section may have been chosen, one without a drawer.
-void FAppDelegate::didModalSheetEnd(const QObject* /*sender*/) {
-    if (std::exchange(modalSheetSender_, nullptr) != nullptr) {
-        updateButtonsForPanel(psectController_->selectedRow());
-        if (focusWasInDrawer_ && window_->pDrawer()->isOpen() && window_->pbtnLangs()->hasFocus()) {
-            window_->pDrawer()->ptableView()->setFocus();
-        }
     }
 }
 

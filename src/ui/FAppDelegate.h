@@ -13,6 +13,7 @@
 #include "platform/UserDefaults.h"
 #include "ui/AlertPresenter.h"
 #include "ui/ApplicationController.h"
+#include "ui/DrawerAndSheets.h"
 #include "ui/MainWindow.h"
 #include "ui/NotCleanedController.h"
 #include "ui/NotCleanedDictionaries.h"
@@ -20,6 +21,7 @@
 #include "ui/SheetCoordinator.h"
 #include "ui/StatusTexts.h"
 #include "ui/TSectionViewController.h"
+#include "ui/WindowControls.h"
 
 namespace brimvault::ui {
 
@@ -59,8 +61,10 @@ public:
     void updateSelectAllCheck() override;
     void UpdateTextsAboutFreeUpSize() override;
     /// A sheet does not come while the drawer is out: the drawer goes first, and comes again after the sheet.
-    void willModalSheetBegin(const QObject* sender) override;
-    void didModalSheetEnd(const QObject* sender) override;
+    void willModalSheetBegin(const QObject* sender) override { drawerAndSheets_->willModalSheetBegin(sender); }
+    void didModalSheetEnd(const QObject* /*sender*/) override {
+        drawerAndSheets_->didModalSheetEnd(psectController_->selectedRow());
+    }
     /// The reasons of the last clean, by section; of applications, how many languages were not removed.
     [[nodiscard]] const NotCleanedDictionaries& notCleaned() const { return notCleaned_; }
     [[nodiscard]] NotCleanedController& pNotCleanedController() { return *pNotCleanedController_; }
@@ -81,17 +85,8 @@ private:
     void mainThreadCleanFinished();
     void initStateAsScanStarted();
     void showSelPanel();
-    void enableControlsScan(bool idle);
-    void enableControlsClean(bool idle);
-    void enableListControls(bool idle);
-    void setImgs4Scan(bool idle);
-    void setImgs4Clean(bool idle);
     void focusWhatIsNext();
 
-    void updateButtonsForPanel(int row);
-    void toggleDrawer();
-    void setDrawerOpen(bool open);
-    void drawerDidClose();
     void toggleSelectAll();
     void doSelShowInFinder();
     void doSelGetInfo();
@@ -105,20 +100,19 @@ private:
     platform::UserDefaults& defaults_;
     UtilMod& util_;
     std::unique_ptr<MainWindow> window_;
+    WindowControls controls_;
     std::unique_ptr<StatusTexts> statusTexts_;
     std::unique_ptr<TSectionViewController> psectController_;
     std::unique_ptr<langres::LangListController> pLangListController_;
     std::unique_ptr<SectionPanels> panels_;
     std::unique_ptr<NotCleanedController> pNotCleanedController_;
+    std::unique_ptr<DrawerAndSheets> drawerAndSheets_;
     NotCleanedDictionaries notCleaned_;
-    const QObject* modalSheetSender_ = nullptr;  ///< asked for a sheet while the drawer was out
-    bool focusWasInDrawer_ = false;              ///< when the drawer went for the sheet
     bool bscanningProcess_ = false;
     bool bcleaningProcess_ = false;
     bool removing_ = false;
     bool bScanStarted_ = false;               ///< never reset
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
-    bool bDrawerOpened_ = false;              ///< the user wants the languages' drawer open
     bool closing_ = false;                    ///< the user closed the window while something ran
     std::vector<engine::NotificationCenter::Observation> observations_;
 };

@@ -1,8 +1,8 @@
 #include "ui/HTableHeaderView.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 
-#include "ui/ImageLoad.h"
 #include "ui/ItemListModel.h"
 #include "ui/Look.h"
 #include "ui/TextLine.h"
@@ -12,11 +12,6 @@ namespace brimvault::ui {
 namespace {
 
 constexpr qreal textSize = 11.5;
-constexpr int margin = 10;
-constexpr int arrowGap = 6;
-
-// The arrow of a column of numbers is drawn reversed: the largest first is its usual order.
-bool bReverceSort(int column) { return ItemListModel::isNumber(column); }
 
 }  // namespace
 
@@ -25,34 +20,54 @@ HTableHeaderView::HTableHeaderView(QWidget* parent) : QHeaderView(Qt::Horizontal
     setHighlightSections(false);
     setFont(look::font(textSize, QFont::DemiBold));
     setMinimumSectionSize(0);
+    viewport()->setAttribute(Qt::WA_Hover);
 }
 
 QSize HTableHeaderView::sizeHint() const { return {QHeaderView::sizeHint().width(), look::scaled(look::headerHeight)}; }
 
-void HTableHeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
-    const bool sorted = logicalIndex == sortIndicatorSection();
-    QLinearGradient ground(rect.topLeft(), rect.bottomLeft());
-    ground.setColorAt(0, QColor(sorted ? look::sortedHeaderTop : look::headerTop));
-    ground.setColorAt(1, QColor(sorted ? look::sortedHeaderBottom : look::headerBottom));
-    painter->fillRect(rect, ground);
-    painter->setPen(QColor(look::headerLine));
-    painter->drawLine(rect.bottomLeft(), rect.bottomRight());
-
-    const QSizeF arrowSize = ImageLoad::sizeOf(QLatin1String("sortTrAsc"));
-    QRect text = rect.adjusted(margin, 0, -margin, 0);
-    if (sorted) {
-        const bool ascending = sortIndicatorOrder() == Qt::AscendingOrder;
-        const qreal left = isRightToLeft() ? text.left() : text.right() + 1 - arrowSize.width();
-        const qreal top = rect.center().y() - arrowSize.height() / 2 + 1;
-        ImageLoad::draw(*painter, {left, top},
-                        QLatin1String(ascending != bReverceSort(logicalIndex) ? "sortTrAsc" : "sortTrDesc"));
-        const int taken = qRound(arrowSize.width()) + arrowGap;
-        text.adjust(isRightToLeft() ? taken : 0, 0, isRightToLeft() ? 0 : -taken, 0);
+HTableHeaderCell::Pointer HTableHeaderView::pointerOn(int logicalIndex) const {
+    using Pointer = HTableHeaderCell::Pointer;
+    if (logicalIndex == ItemListModel::iconColumn) {
+        return Pointer::elsewhere;  // a click there does nothing
     }
+    if (pressed_ == logicalIndex) {
+        return Pointer::down;
+    }
+    const bool over =
+        viewport()->underMouse() && logicalIndexAt(viewport()->mapFromGlobal(QCursor::pos())) == logicalIndex;
+    return over ? Pointer::over : Pointer::elsewhere;
+}
+
+HTableHeaderCell HTableHeaderView::cell(int logicalIndex) const {
     const bool number = ItemListModel::isNumber(logicalIndex);
-    painter->setPen(QColor(sorted ? look::accentDark : look::textHeader));
-    drawTextLine(*painter, text, number ? trailingSide(layoutDirection()) : leadingSide(layoutDirection()), font(),
-                 model()->headerData(logicalIndex, Qt::Horizontal).toString());
+    const int place = visualIndex(logicalIndex);
+    HTableHeaderCell cell;
+    cell.title = model()->headerData(logicalIndex, Qt::Horizontal).toString();
+    cell.side = number ? trailingSide(layoutDirection()) : leadingSide(layoutDirection());
+    if (logicalIndex == sortIndicatorSection()) {
+        cell.order = sortIndicatorOrder();
+    }
+    cell.bReverceSort = number;  // the largest first is the usual order of numbers
+    cell.first = place == 0;
+    cell.last = place == count() - 1;
+    cell.pointer = pointerOn(logicalIndex);
+    return cell;
+}
+
+void HTableHeaderView::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
+    cell(logicalIndex).draw(*painter, rect, layoutDirection(), font());
+}
+
+void HTableHeaderView::mousePressEvent(QMouseEvent* event) {
+    pressed_ = event->button() == Qt::LeftButton ? logicalIndexAt(event->position().toPoint()) : -1;
+    viewport()->update();
+    QHeaderView::mousePressEvent(event);
+}
+
+void HTableHeaderView::mouseReleaseEvent(QMouseEvent* event) {
+    pressed_ = -1;
+    viewport()->update();
+    QHeaderView::mouseReleaseEvent(event);
 }
 
 }  // namespace brimvault::ui

@@ -95,4 +95,8 @@ void ImageLoad::drawStretched(QPainter& painter, const QRectF& target, QLatin1St
     painter.drawPixmap(target.topLeft(), picture);
 }
 
+void ImageLoad::drawFilled(QPainter& painter, const QRect& target, QLatin1String name) {
+    painter.drawPixmap(target, LoadPNGImage(name, painter.device()->devicePixelRatioF()));
+}
+
 }  // namespace brimvault::ui

@@ -21,6 +21,8 @@ public:
     static void draw(QPainter& painter, const QPointF& topLeft, QLatin1String name);
     /// Draws the picture over a rectangle with its corners kept as drawn and what is between them stretched.
     static void drawStretched(QPainter& painter, const QRectF& target, QLatin1String name);
+    /// Draws the picture over a rectangle, all of it stretched.
+    static void drawFilled(QPainter& painter, const QRect& target, QLatin1String name);
 };
 
 }  // namespace brimvault::ui

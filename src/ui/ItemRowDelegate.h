@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ui/ItemListModel.h"
-#include "ui/Look.h"
 #include "ui/RowDelegate.h"
 
 namespace brimvault::ui {
@@ -11,9 +10,10 @@ class ItemRowDelegate final : public RowDelegate {
     Q_OBJECT
 
 public:
-    explicit ItemRowDelegate(CheckTableView* view) : RowDelegate(view, {look::rowAlternate, look::row}) {}
+    explicit ItemRowDelegate(CheckTableView* view) : RowDelegate(view) {}
 
 protected:
+    void drawGround(QPainter& painter, const QRect& cell, int row) const override;
     void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }
 };

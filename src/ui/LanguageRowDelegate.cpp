@@ -5,6 +5,7 @@
 
 #include "langres/LangListController.h"
 #include "ui/ImageLoad.h"
+#include "ui/Look.h"
 
 namespace brimvault::ui {
 
@@ -19,6 +20,10 @@ const QColor edge(0, 0, 0, 46);  // flags with a white edge stand on white rows
 
 int LanguageRowDelegate::margin(int column) const {
     return column == CheckTableView::checkColumn ? firstMargin : nextMargin;
+}
+
+void LanguageRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) const {
+    painter.fillRect(cell, QColor(row % 2 == 0 ? look::drawer : look::drawerAlternate));
 }
 
 // A flag need not be there: then the place is left free.

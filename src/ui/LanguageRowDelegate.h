@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ui/Look.h"
 #include "ui/RowDelegate.h"
 
 namespace brimvault::ui {
@@ -10,13 +9,14 @@ class LanguageRowDelegate final : public RowDelegate {
     Q_OBJECT
 
 public:
-    explicit LanguageRowDelegate(CheckTableView* view) : RowDelegate(view, {look::drawer, look::drawerAlternate}) {}
+    explicit LanguageRowDelegate(CheckTableView* view) : RowDelegate(view) {}
 
     /// Points; as wide as a check box and a flag need with their margins.
     static constexpr int checkColumnWidth = 36;
     static constexpr int iconColumnWidth = 33;
 
 protected:
+    void drawGround(QPainter& painter, const QRect& cell, int row) const override;
     void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] int margin(int column) const override;
 };

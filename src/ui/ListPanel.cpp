@@ -58,7 +58,8 @@ ListPanel::ListPanel(QWidget* parent)
       note_(makeLabel({}, look::font(noteSize), look::textSecondary)),
       pbtnSelectAll_(new SelectAllButton),
       plashka_(new PlashkaView),
-      pbtnClean_(new ActionButton) {
+      pbtnClean_(new WhiteTitleButton),
+      pProgressClean_(pbtnClean_->addIndicator(tr("Clean progress"))) {
     QPalette white = palette();
     white.setColor(QPalette::Window, QColor(look::row));
     pDestView_->setPalette(white);
@@ -97,7 +98,6 @@ QWidget* ListPanel::makeTitleBar() {
 QWidget* ListPanel::makeBottomBar() {
     auto* bar = new Bar(look::bottomBarTop, look::bottomBarBottom, Bar::Line::above);
     bar->setFixedHeight(look::scaled(look::bottomBarHeight));
-    pbtnClean_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
     pbtnClean_->setMinimumWidth(look::scaled(cleanWidth));
     plashka_->setMaximumWidth(look::scaled(520));
     auto* layout = new QHBoxLayout(bar);

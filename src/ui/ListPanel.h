@@ -3,10 +3,10 @@
 #include <QLabel>
 #include <QWidget>
 
-#include "ui/ActionButton.h"
 #include "ui/IconButton.h"
 #include "ui/PlashkaView.h"
 #include "ui/SelectAllButton.h"
+#include "ui/WhiteTitleButton.h"
 
 class QHBoxLayout;
 class QVBoxLayout;
@@ -28,7 +28,8 @@ public:
     /// What is said in the place of a list; empty to say nothing.
     void setNote(const QString& note);
 
-    [[nodiscard]] ActionButton* pbtnClean() const { return pbtnClean_; }
+    [[nodiscard]] WhiteTitleButton* pbtnClean() const { return pbtnClean_; }
+    [[nodiscard]] ProgressIndicator* pProgressClean() const { return pProgressClean_; }
     /// What is known of the selected item, and where it lies.
     [[nodiscard]] IconButton* pbtnInf() const { return pbtnInf_; }
     [[nodiscard]] IconButton* pbtnFinder() const { return pbtnFinder_; }
@@ -50,7 +51,8 @@ private:
     QLabel* note_;
     SelectAllButton* pbtnSelectAll_;
     PlashkaView* plashka_;
-    ActionButton* pbtnClean_;
+    WhiteTitleButton* pbtnClean_;
+    ProgressIndicator* pProgressClean_;
 };
 
 }  // namespace brimvault::ui

@@ -18,6 +18,7 @@ inline constexpr QRgb textOnAccent = 0xffffffff;
 inline constexpr QRgb textOnAccentSecondary = 0xffe6efff;
 inline constexpr QRgb textDisabled = 0xff6b7889;
 inline constexpr QRgb separator = 0xffd5dde8;
+inline constexpr QRgb hoverLine = 0xffa9c6f7;
 inline constexpr QRgb headerLine = 0xffdde4ec;
 inline constexpr QRgb sidebarTop = 0xfff3f6fa;
 inline constexpr QRgb sidebarBottom = 0xffe6ecf4;

@@ -5,10 +5,10 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
-#include "ui/ActionButton.h"
 #include "ui/Look.h"
 #include "ui/TextLabel.h"
 #include "ui/TextLine.h"
+#include "ui/WhiteTitleButton.h"
 
 namespace brimvault::ui {
 
@@ -61,10 +61,11 @@ QWidget* framed(QWidget* content) {
 }
 
 QAbstractButton* makeCloseButton() {
-    auto* button = new ActionButton;
+    auto* button = new WhiteTitleButton;
     const QString text = NotCleanedSheet::tr("Close");
-    button->setLook(ActionButton::Look::scan, text, text);
-    button->setFont(look::font(buttonTextSize, QFont::DemiBold));
+    button->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
+    button->setTitle(text, text);
+    button->setTitleSize(buttonTextSize);
     button->setFixedHeight(look::scaled(buttonHeight));
     button->setMinimumWidth(look::scaled(buttonWidth));
     return button;

@@ -3,24 +3,21 @@
 #include <QHeaderView>
 #include <QPainter>
 
-#include "ui/CheckPicture.h"
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
-#include "ui/TextLine.h"
+#include "ui/MCheckCell.h"
+#include "ui/TextCellSmall.h"
 
 namespace brimvault::ui {
 
-namespace {
-
-constexpr qreal textSize = 13;
-
-}  // namespace
-
 void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     painter->save();
-    const QRgb striped = index.row() % 2 == 0 ? stripes_.first : stripes_.second;
-    painter->fillRect(option.rect, QColor(isSelected(option) ? look::selection : striped));
+    if (isSelected(option)) {
+        ImageLoad::drawFilled(*painter, option.rect, QLatin1String("table_row_select"));
+    } else {
+        drawGround(*painter, option.rect, index.row());
+    }
     switch (index.column()) {
         case CheckTableView::checkColumn:
             drawCheck(*painter, option, index);
@@ -42,22 +39,20 @@ QRect RowDelegate::placed(const QStyleOptionViewItem& option, const QModelIndex&
 }
 
 void RowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    painter.setOpacity(index.flags().testFlag(Qt::ItemIsUserCheckable) ? 1.0 : disabledCheckOpacity);
-    const auto state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
-    const auto ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
-    ImageLoad::draw(painter, placed(option, index, {checkSize, checkSize}).topLeft(),
-                    checkPicture(state, view_->pressedCheck() == index, ground));
-    painter.setOpacity(1.0);
+    MCheckCell check;
+    check.state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
+    check.highlighted = view_->pressedCheck() == index;
+    check.hovered = (option.state & QStyle::State_MouseOver) != 0;
+    check.enabled = index.flags().testFlag(Qt::ItemIsUserCheckable);
+    check.ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
+    check.draw(painter, placed(option, index, {MCheckCell::side, MCheckCell::side}).topLeft());
 }
 
 void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    const QFont font = look::font(textSize);
     const int space = margin(index.column());
-    const QRect place = option.rect.adjusted(space, 0, -space, 0);
-    painter.setPen(QColor(isSelected(option) ? look::textOnAccent : look::textPrimary));
-    drawTextLine(painter, place,
-                 isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction), font,
-                 index.data().toString(), Qt::ElideMiddle);
+    const auto side = isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction);
+    TextCellSmall::draw(painter, option.rect.adjusted(space, 0, -space, 0), side,
+                        {index.data().toString(), {}, isSelected(option)});
 }
 
 // The focus of the keyboard is on a row: a line above and below it, closed at both ends.

@@ -12,18 +12,13 @@ class RowDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
-    /// The grounds of the first row and of the second, and so on in turn.
-    struct Stripes {
-        QRgb first;
-        QRgb second;
-    };
-
-    RowDelegate(CheckTableView* view, const Stripes& stripes)
-        : QStyledItemDelegate(view), view_(view), stripes_(stripes) {}
+    explicit RowDelegate(CheckTableView* view) : QStyledItemDelegate(view), view_(view) {}
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
 protected:
+    /// What a cell of an unselected row stands on.
+    virtual void drawGround(QPainter& painter, const QRect& cell, int row) const = 0;
     virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
     /// Between the edge of a column and what stands in it.
     [[nodiscard]] virtual int margin(int /*column*/) const { return usualMargin; }
@@ -44,7 +39,6 @@ private:
     static constexpr int usualMargin = 10;
 
     const CheckTableView* view_;
-    const Stripes stripes_;
 };
 
 }  // namespace brimvault::ui

@@ -6,7 +6,7 @@ namespace brimvault::ui {
 
 SectionListModel::SectionListModel(QObject* parent) : QAbstractListModel(parent) {
     for (std::size_t row = 0; row < rows_.size(); ++row) {
-        rows_[row].text = {sectionTitle(sectionRows()[row]), tr("Not scanned")};
+        rows_[row].text = {sectionTitle(sectionRows()[row]), tr("Not scanned"), false};
     }
 }
 
@@ -43,8 +43,6 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const {
         case subtitleRole:
         case Qt::AccessibleDescriptionRole:
             return row.text.subtitle;
-        case iconRole:
-            return QString(sectionRows()[static_cast<std::size_t>(index.row())].icon);
         case Qt::CheckStateRole:
             return row.checked ? Qt::Checked : Qt::Unchecked;
         default:

@@ -4,21 +4,16 @@
 #include <array>
 
 #include "ui/SectionRows.h"
+#include "ui/TextData.h"
 
 namespace brimvault::ui {
-
-/// Title and subtitle of one row.
-struct TextData {
-    QString title;
-    QString subtitle;
-};
 
 /// The rows of the section list. A row's check state can be changed while its owner allows it. Main thread.
 class SectionListModel final : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    enum Role { subtitleRole = Qt::UserRole, iconRole };
+    enum Role { subtitleRole = Qt::UserRole };
 
     explicit SectionListModel(QObject* parent = nullptr);
 

@@ -2,20 +2,18 @@
 
 #include <QPainter>
 #include <QSignalBlocker>
-#include <QStyle>
+#include <algorithm>
 
-#include "ui/CheckPicture.h"
 #include "ui/FocusRing.h"
-#include "ui/ImageLoad.h"
 #include "ui/Look.h"
-#include "ui/TextLine.h"
+#include "ui/MCheckCellT.h"
 
 namespace brimvault::ui {
 
 namespace {
 
-constexpr int textGap = 8;
-constexpr int margin = 6;
+constexpr int verticalMargin = 7;
+constexpr int cornerRadius = 7;
 constexpr qreal textSize = 12;
 
 }  // namespace
@@ -51,22 +49,32 @@ QSize SelectAllButton::sizeHint() const {
     const int text = std::max(fontMetrics().horizontalAdvance(tr("Unselect All")),
                               fontMetrics().horizontalAdvance(tr("Select All")));
     constexpr int slack = 4;  // for fractions of the letters' widths
-    return {2 * margin + checkSize + textGap + text + slack, std::max(checkSize, fontMetrics().height()) + 2 * margin};
+    return {MCheckCellT::widthBesideTitle() + text + slack,
+            std::max(MCheckCell::side, fontMetrics().height()) + 2 * verticalMargin};
+}
+
+// At rest there is none to be seen: the check box and its title stand on the bar itself.
+QLatin1String SelectAllButton::plate() const {
+    const bool all = checkState() == Qt::Checked;
+    if (isDown()) {
+        return QLatin1String(all ? "btnUnSelectAll" : "btnSelectAll");
+    }
+    return QLatin1String(all ? "btnUnSelectAllDes" : "btnSelectAllDes");
 }
 
 void SelectAllButton::paintEvent(QPaintEvent* /*event*/) {
+    MCheckCellT cell;
+    cell.state = checkState();
+    cell.highlighted = isDown();
+    cell.hovered = underMouse();
+    cell.enabled = isEnabled();
+    cell.title = text();
+    cell.bezel = plate();
+    cell.direction = layoutDirection();
     QPainter painter(this);
-    painter.setOpacity(isEnabled() ? 1.0 : disabledCheckOpacity);
-    const QRect place =
-        style()->visualRect(layoutDirection(), rect(), QRect(margin, (height() - checkSize) / 2, checkSize, checkSize));
-    ImageLoad::draw(painter, place.topLeft(), checkPicture(checkState(), isDown(), CheckGround::plain));
-    const QRect words =
-        style()->visualRect(layoutDirection(), rect(), rect().adjusted(margin + checkSize + textGap, 0, -margin, 0));
-    painter.setPen(QColor(underMouse() && isEnabled() ? look::textPrimary : look::textControl));
-    drawTextLine(painter, words, leadingSide(layoutDirection()), font(), text());
+    cell.draw(painter, rect(), font());
     if (isFocusShown(this)) {
-        painter.setOpacity(1.0);
-        drawFocusRing(painter, rect(), margin);
+        drawFocusRing(painter, rect(), cornerRadius);
     }
 }
 

@@ -25,6 +25,7 @@ protected:
 
 private:
     void updateBtnSelectAllLook();
+    [[nodiscard]] QLatin1String plate() const;
 };
 
 }  // namespace brimvault::ui

@@ -22,7 +22,10 @@ constexpr QMargins panelMargins(10, 0, 11, 12);
 }  // namespace
 
 SidebarPanel::SidebarPanel(QWidget* parent)
-    : QWidget(parent), sections_(new SectionsTableView), pbtnScan_(new ActionButton) {
+    : QWidget(parent),
+      sections_(new SectionsTableView),
+      pbtnScan_(new WhiteTitleButton),
+      pProgressScan_(pbtnScan_->addIndicator(tr("Scan progress"))) {
     setFixedWidth(look::scaled(look::sidebarWidth));
     auto* name = new QLabel(QStringLiteral("Brimvault"));
     name->setFont(look::font(nameSize, QFont::Bold));
@@ -34,7 +37,6 @@ SidebarPanel::SidebarPanel(QWidget* parent)
     title->addWidget(name);
     title->addStretch(1);
 
-    pbtnScan_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
     auto* panel = new QVBoxLayout(this);
     panel->setContentsMargins(panelMargins);
     panel->setSpacing(0);

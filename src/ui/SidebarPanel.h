@@ -2,8 +2,8 @@
 
 #include <QWidget>
 
-#include "ui/ActionButton.h"
 #include "ui/SectionsTableView.h"
+#include "ui/WhiteTitleButton.h"
 
 namespace brimvault::ui {
 
@@ -15,14 +15,16 @@ public:
     explicit SidebarPanel(QWidget* parent = nullptr);
 
     [[nodiscard]] SectionsTableView* sections() const { return sections_; }
-    [[nodiscard]] ActionButton* pbtnScan() const { return pbtnScan_; }
+    [[nodiscard]] WhiteTitleButton* pbtnScan() const { return pbtnScan_; }
+    [[nodiscard]] ProgressIndicator* pProgressScan() const { return pProgressScan_; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     SectionsTableView* sections_;
-    ActionButton* pbtnScan_;
+    WhiteTitleButton* pbtnScan_;
+    ProgressIndicator* pProgressScan_;
 };
 
 }  // namespace brimvault::ui

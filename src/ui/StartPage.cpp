@@ -31,16 +31,16 @@ QLabel* centred(const QString& text, const QFont& font, QRgb color) {
 }  // namespace
 
 StartPage::StartPage(QWidget* parent)
-    : QWidget(parent), layout_(new QGridLayout(this)), btnStartScanButton2_(new ActionButton) {
+    : QWidget(parent), layout_(new QGridLayout(this)), btnStartScanButton2_(new WhiteTitleButton) {
     layout_->setContentsMargins({});
     layout_->setSpacing(0);
     layout_->addLayout(makePage(), 0, 0);
 }
 
 QVBoxLayout* StartPage::makePage() {
-    btnStartScanButton2_->setLook(ActionButton::Look::scan, tr("Start Scan"), tr("Start Scan"));
+    btnStartScanButton2_->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
+    btnStartScanButton2_->setTitle(tr("Start Scan"), tr("Start Scan"));
     btnStartScanButton2_->setMinimumWidth(look::scaled(buttonWidth));
-    btnStartScanButton2_->setFixedHeight(look::scaled(look::buttonHeight) + 6);
 
     auto* headline = centred(tr("Free up disk space"), look::font(headlineSize, QFont::Bold), look::textPrimary);
     auto* description = centred(tr("Caches, unneeded languages, logs, downloads and the trash:\n"

@@ -3,7 +3,7 @@
 #include <QLabel>
 #include <QWidget>
 
-#include "ui/ActionButton.h"
+#include "ui/WhiteTitleButton.h"
 
 class QGridLayout;
 class QVBoxLayout;
@@ -17,7 +17,7 @@ class StartPage final : public QWidget {
 public:
     explicit StartPage(QWidget* parent = nullptr);
 
-    [[nodiscard]] ActionButton* btnStartScanButton2() const { return btnStartScanButton2_; }
+    [[nodiscard]] WhiteTitleButton* btnStartScanButton2() const { return btnStartScanButton2_; }
     [[nodiscard]] QLabel* ptxtStartDescClean() const { return ptxtStartDescClean_; }
     /// Shows the drawer of the languages at its side, and its button in the corner, until another page takes them.
     void lodgeDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
@@ -29,7 +29,7 @@ private:
     QVBoxLayout* makePage();
 
     QGridLayout* layout_;
-    ActionButton* btnStartScanButton2_;
+    WhiteTitleButton* btnStartScanButton2_;
     QLabel* ptxtStartDescClean_;
 };
 

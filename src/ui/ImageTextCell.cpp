@@ -1,0 +1,55 @@
+#include "ui/ImageTextCell.h"
+
+#include <QStyle>
+
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+#include "ui/TextLine.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int pictureSide = 32;
+constexpr int textLeft = 43;
+constexpr qreal titleSize = 14;
+constexpr qreal subtitleSize = 11.5;
+
+QFont titleFont() { return look::font(titleSize, QFont::DemiBold); }
+QFont subtitleFont() { return look::font(subtitleSize); }
+
+QRect placed(const QRect& cell, Qt::LayoutDirection direction, int left, int width, int height) {
+    const QRect place(cell.left() + left, cell.center().y() - height / 2, width, height);
+    return QStyle::visualRect(direction, cell, place);
+}
+
+}  // namespace
+
+// A row ends with a spacer.
+int ImageTextCell::textWidth(const QRect& cell) {
+    return cell.width() - textLeft - qRound(ImageLoad::sizeOf(QLatin1String("emptyImg")).width());
+}
+
+void ImageTextCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction) const {
+    const QByteArray picture = QByteArray(value_.picture.data()) + (value_.selected ? "Sel" : "");
+    ImageLoad::draw(painter, placed(cell, direction, 0, pictureSide, pictureSide).topLeft(), QLatin1String(picture));
+
+    const int titleHeight = QFontMetrics(titleFont()).height();
+    const int subtitleHeight = QFontMetrics(subtitleFont()).height();
+    const QRect both = placed(cell, direction, textLeft, textWidth(cell), titleHeight + subtitleHeight);
+    const Qt::Alignment side = leadingSide(direction);
+    painter.setPen(QColor(value_.selected ? look::textOnAccent : look::textPrimary));
+    drawTextLine(painter, QRect(both.left(), both.top(), both.width(), titleHeight), side, titleFont(), value_.title);
+    painter.setPen(QColor(value_.selected ? look::textOnAccentSecondary : look::textSecondary));
+    drawTextLine(painter, QRect(both.left(), both.top() + titleHeight, both.width(), subtitleHeight), side,
+                 subtitleFont(), value_.subtitle);
+}
+
+QString ImageTextCell::expansionText(const QRect& cell) const {
+    const int room = textWidth(cell);
+    const bool cut = QFontMetrics(titleFont()).horizontalAdvance(value_.title) > room ||
+                     QFontMetrics(subtitleFont()).horizontalAdvance(value_.subtitle) > room;
+    return cut ? value_.title + QLatin1Char('\n') + value_.subtitle : QString();
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,43 @@
+#include "ui/MCheckCell.h"
+
+#include "ui/ImageLoad.h"
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr qreal disabledOpacity = 0.45;
+constexpr qreal cornerRadius = 4.5;
+
+}  // namespace
+
+QLatin1String MCheckCell::picture() const {
+    const bool selected = ground == CheckGround::selected;
+    switch (state) {
+        case Qt::PartiallyChecked:
+            return QLatin1String(highlighted ? "rcheck1Sel" : selected ? "rcheck1Inv" : "rcheck1");
+        case Qt::Checked:
+            return QLatin1String(highlighted ? "rcheck2Sel" : selected ? "rcheck2Inv" : "rcheck2");
+        case Qt::Unchecked:
+            break;
+    }
+    return QLatin1String(highlighted ? "rcheck0Sel" : selected ? "rcheck0Inv" : "rcheck0");
+}
+
+void MCheckCell::draw(QPainter& painter, const QPoint& topLeft) const {
+    painter.save();
+    painter.setOpacity(enabled ? 1.0 : disabledOpacity);
+    ImageLoad::draw(painter, topLeft, picture());
+    if (hovered && enabled && !highlighted && ground == CheckGround::plain) {
+        constexpr qreal edge = 0.5;
+        const QRectF box(topLeft.x() + edge, topLeft.y() + edge, side - 2, side - 2);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(QColor(look::accentDark), 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(box, cornerRadius, cornerRadius);
+    }
+    painter.restore();
+}
+
+}  // namespace brimvault::ui

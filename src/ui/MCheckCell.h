@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QLatin1String>
+#include <QPainter>
+
+namespace brimvault::ui {
+
+/// On what a check box is drawn.
+enum class CheckGround { plain, selected };
+
+/// A check box as it is drawn. Main thread.
+struct MCheckCell {
+    Qt::CheckState state = Qt::Unchecked;
+    bool highlighted = false;  ///< held down
+    bool hovered = false;
+    bool enabled = true;
+    CheckGround ground = CheckGround::plain;
+
+    /// Side of the pictures, in points.
+    static constexpr int side = 18;
+
+    /// "rcheck0", "rcheck1" (mixed) or "rcheck2"; held down the "Sel" form of each, on a selected row "Inv".
+    [[nodiscard]] QLatin1String picture() const;
+    /// In the place given, which is as large as the picture.
+    void draw(QPainter& painter, const QPoint& topLeft) const;
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,57 @@
+#include "ui/ProgressIndicator.h"
+
+#include <QPainter>
+
+#include "ui/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int steps = 12;
+constexpr int interval = 80;  // milliseconds; slow enough to cost nothing
+constexpr int side = 19;
+constexpr qreal stroke = 2;
+constexpr float faint = 0.35F;
+
+}  // namespace
+
+ProgressIndicator::ProgressIndicator(const QString& accessibleName, QWidget* parent) : QWidget(parent) {
+    setAccessibleName(accessibleName);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();
+    turning_.setInterval(interval);
+    connect(&turning_, &QTimer::timeout, this, [this] {
+        step_ = (step_ + 1) % steps;
+        update();
+    });
+}
+
+void ProgressIndicator::startAnimation() {
+    turning_.start();
+    show();
+    Q_EMIT animationChanged();
+}
+
+void ProgressIndicator::stopAnimation() {
+    turning_.stop();
+    hide();
+    Q_EMIT animationChanged();
+}
+
+QSize ProgressIndicator::sizeHint() const { return QSize(side, side) * look::textScale(); }
+
+void ProgressIndicator::paintEvent(QPaintEvent* /*event*/) {
+    constexpr int turn = 360 * 16;  // angles are counted in sixteenths of a degree
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF ring = QRectF(rect()).adjusted(1, 1, -1, -1);
+    QColor ground = color_;
+    ground.setAlphaF(faint);
+    painter.setPen(QPen(ground, stroke));
+    painter.drawEllipse(ring);
+    painter.setPen(QPen(color_, stroke, Qt::SolidLine, Qt::RoundCap));
+    painter.drawArc(ring, -turn * step_ / steps, turn / 4);
+}
+
+}  // namespace brimvault::ui
