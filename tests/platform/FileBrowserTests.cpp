@@ -5,15 +5,19 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QEventLoop>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTimer>
 #include <future>
 
+#include "platform/Workspace.h"
 #include "support/EventLoop.h"
 
 namespace brimvault::tests {
 
 using platform::FileBrowser;
+using platform::Workspace;
 using namespace std::chrono_literals;
 
 namespace {
@@ -106,6 +110,16 @@ TEST_F(OnASessionBus, GivesUpOnAFileBrowserThatNeverAnswers) {
     EXPECT_FALSE(answer.get());
     EXPECT_FALSE(answerTo([&] { return browser_->showItem("/item"); }));
     EXPECT_FALSE(answerTo([&] { return browser_->openFolder("/"); }));
+}
+
+TEST_F(OnASessionBus, TheStartIsAnnouncedToWhoeverListens) {
+    QEventLoop listening;
+    ASSERT_TRUE(QDBusConnection(busName).connect(
+        {}, QStringLiteral("/com/quorvel/applications"), QStringLiteral("com.quorvel.Applications"),
+        QStringLiteral("ApplicationStarted"), {QStringLiteral("com.quorvel.brimvault")}, {}, &listening, SLOT(quit())));
+    QTimer::singleShot(10s, &listening, [&] { listening.exit(1); });
+    const auto announced = std::async(std::launch::async, [] { Workspace::ofSession()->announceStart(); });
+    EXPECT_EQ(listening.exec(), 0);
 }
 
 }  // namespace brimvault::tests

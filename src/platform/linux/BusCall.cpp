@@ -58,4 +58,11 @@ std::optional<QDBusMessage> callOnBus(Bus bus, const QDBusMessage& request, std:
     return answer;
 }
 
+// The connection hands over what it was given before it goes.
+void sendOnBus(Bus bus, const QDBusMessage& signal) {
+    const QString name = QUuid::createUuid().toString();
+    (void)connectTo(bus, name).send(signal);
+    QDBusConnection::disconnectFromBus(name);
+}
+
 }  // namespace brimvault::platform

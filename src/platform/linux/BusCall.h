@@ -21,4 +21,7 @@ struct GivingUp {
 [[nodiscard]] std::optional<QDBusMessage> callOnBus(Bus bus, const QDBusMessage& request,
                                                     std::chrono::milliseconds limit, const GivingUp& givingUp = {});
 
+/// Sends a signal likewise; nothing comes back. Any thread but the main one.
+void sendOnBus(Bus bus, const QDBusMessage& signal);
+
 }  // namespace brimvault::platform
