@@ -1,6 +1,10 @@
 #include "ui/FAppDelegate.h"
 
+#include <QCoreApplication>
+#include <QFile>
+
 #include "engine/Notifications.h"
+#include "platform/QuorvelFallManager.h"
 #include "ui/DefaultsKeys.h"
 
 namespace brimvault::ui {
@@ -26,12 +30,15 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
         [this](const QStringList& languages) { psectController_->changedListOfLangs(languages); });
     window_->pDrawer()->ptableView()->setModel(pLangListController_.get());
     panels_ = std::make_unique<SectionPanels>(*window_->lists(), *psectController_, *this, util_);
+    commands_ = std::make_unique<MenuCommands>(*window_, *psectController_, *panels_, *drawerAndSheets_, util_);
     util_.setWindow(window_.get());
 }
 
 FAppDelegate::~FAppDelegate() { util_.waitUntilIdle(); }
 
 void FAppDelegate::applicationDidFinishLaunching() {
+    window_->pbtnLangs()->hide();
+    platform::QuorvelFallManager::start(QFile::encodeName(QCoreApplication::applicationDirPath()).toStdString());
     defaults_.increase(defaults_key::launchNumber);
     resetNotCleanedDicts();
     connectControls();
@@ -40,9 +47,12 @@ void FAppDelegate::applicationDidFinishLaunching() {
     defaults_.setNumber(defaults_key::lastCleanedSize, 0);
     controls_.setImgs4Scan(true);
     controls_.setImgs4Clean(true);
+    menu_ = std::make_unique<MainMenu>(window_.get(), window_->sidebar()->pbtnMenu(), *commands_);
     window_->show();
     window_->activateWindow();
     window_->startPage()->btnStartScanButton2()->setFocus();
+    QMetaObject::invokeMethod(
+        this, [this] { util_.announceStart(); }, Qt::QueuedConnection);
 }
 
 void FAppDelegate::connectControls() {
@@ -54,8 +64,10 @@ void FAppDelegate::connectControls() {
     connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
-    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, this, &FAppDelegate::doSelGetInfo);
-    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, this, &FAppDelegate::doSelShowInFinder);
+    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, commands_.get(), &MenuCommands::doSelGetInfo);
+    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, commands_.get(),
+            &MenuCommands::doSelShowInFinder);
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, &FAppDelegate::applicationDidBecomeActive);
     window_->setMayClose([this] { return mayClose(); });
 }
 
@@ -225,18 +237,6 @@ void FAppDelegate::activatePanel(int row) {
     }
 }
 
-void FAppDelegate::doSelShowInFinder() {
-    if (auto* current = panels_->getCurrentSectionController()) {
-        current->onClickedRevealInFinder();
-    }
-}
-
-void FAppDelegate::doSelGetInfo() {
-    if (auto* current = panels_->getCurrentSectionController()) {
-        current->onClickedGetInfo();
-    }
-}
-
 void FAppDelegate::toggleSelectAll() {
     panels_->toggleSelectAll();
     UpdateTextsAboutFreeUpSize();
@@ -281,7 +281,15 @@ void FAppDelegate::setPlashkaToSelectedState(bool selected) {
     bPlashkaStateSelectedFiles_ = selected;
 }
 
-// --- Closing ----------------------------------------------------------------------------------------------------
+// --- Coming and going -------------------------------------------------------------------------------------------
+
+// The desktop has given the program the user's attention, and there is nothing to be seen of it.
+void FAppDelegate::applicationDidBecomeActive() {
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive && !window_->isVisible() && !closed_) {
+        window_->show();
+        window_->raise();
+    }
+}
 
 // What runs is asked to end and the window goes once it has, so that nothing is cut off half-way and what was freed is
 // recorded.
@@ -294,7 +302,8 @@ bool FAppDelegate::mayClose() {
         performer.cancelScanAll();
         performer.cancelCleanAll();
     }
-    return !busy;
+    closed_ = !busy;
+    return closed_;
 }
 
 void FAppDelegate::closeWhenIdle() {

@@ -14,7 +14,9 @@
 #include "ui/AlertPresenter.h"
 #include "ui/ApplicationController.h"
 #include "ui/DrawerAndSheets.h"
+#include "ui/MainMenu.h"
 #include "ui/MainWindow.h"
+#include "ui/MenuCommands.h"
 #include "ui/NotCleanedController.h"
 #include "ui/NotCleanedDictionaries.h"
 #include "ui/SectionPanels.h"
@@ -67,6 +69,7 @@ public:
     }
     /// The reasons of the last clean, by section; of applications, how many languages were not removed.
     [[nodiscard]] const NotCleanedDictionaries& notCleaned() const { return notCleaned_; }
+    [[nodiscard]] MainMenu& menu() { return *menu_; }
     [[nodiscard]] NotCleanedController& pNotCleanedController() { return *pNotCleanedController_; }
 
 private:
@@ -88,12 +91,11 @@ private:
     void focusWhatIsNext();
 
     void toggleSelectAll();
-    void doSelShowInFinder();
-    void doSelGetInfo();
 
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);
 
+    void applicationDidBecomeActive();
     [[nodiscard]] bool mayClose();
     void closeWhenIdle();
 
@@ -114,6 +116,9 @@ private:
     bool bScanStarted_ = false;               ///< never reset
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
     bool closing_ = false;                    ///< the user closed the window while something ran
+    bool closed_ = false;                     ///< the window has gone for good
+    std::unique_ptr<MenuCommands> commands_;
+    std::unique_ptr<MainMenu> menu_;
     std::vector<engine::NotificationCenter::Observation> observations_;
 };
 

@@ -102,10 +102,12 @@ QWidget* ListPanel::makeBottomBar() {
     plashka_->setMaximumWidth(look::scaled(520));
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(sideMargin - 6, 0, sideMargin - 2, 0);
-    layout->setSpacing(14);
+    layout->setSpacing(11);
     layout->addWidget(pbtnSelectAll_);
+    layout->addSpacing(9);
+    constexpr int most = 1000;  // what room there is, it takes first
     layout->addStretch(1);
-    layout->addWidget(plashka_, 20);
+    layout->addWidget(plashka_, most);
     layout->addStretch(1);
     layout->addWidget(pbtnClean_);
     return bar;

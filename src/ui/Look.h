@@ -41,6 +41,7 @@ inline constexpr int headerHeight = 29;
 inline constexpr int titleBarHeight = 62;
 inline constexpr int bottomBarHeight = 84;
 inline constexpr int buttonHeight = 44;
+inline constexpr int smallButtonHeight = 40;  ///< with the shadow; in alerts and sheets
 
 /// How much larger than usual the user's own text is: 1 and up. Lengths that hold text grow with it.
 [[nodiscard]] qreal textScale();

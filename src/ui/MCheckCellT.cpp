@@ -10,7 +10,6 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int margin = 6;
 constexpr int titleGap = 8;
 
 }  // namespace

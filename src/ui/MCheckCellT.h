@@ -13,6 +13,9 @@ struct MCheckCellT : MCheckCell {
     QLatin1String bezel;  ///< the picture of the plate
     Qt::LayoutDirection direction = Qt::LeftToRight;
 
+    /// Between the edge of the plate and what stands on it, in points.
+    static constexpr int margin = 6;
+
     [[nodiscard]] static QRect bezelRect(const QRect& cell) { return cell; }
     [[nodiscard]] QRect imageRect(const QRect& cell) const;
     [[nodiscard]] QRect titleRect(const QRect& cell) const;

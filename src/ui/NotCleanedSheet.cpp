@@ -21,7 +21,6 @@ constexpr int bottomMargin = 14;  // with the shadow of the button
 constexpr int headingGap = 3;
 constexpr int listGap = 10;
 constexpr int buttonGap = 12;
-constexpr int buttonHeight = 40;  // with its shadow
 constexpr int buttonWidth = 114;
 constexpr int cornerRadius = 8;
 constexpr int shadowWidth = 2;
@@ -66,7 +65,7 @@ QAbstractButton* makeCloseButton() {
     button->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
     button->setTitle(text, text);
     button->setTitleSize(buttonTextSize);
-    button->setFixedHeight(look::scaled(buttonHeight));
+    button->setFixedHeight(look::scaled(look::smallButtonHeight));
     button->setMinimumWidth(look::scaled(buttonWidth));
     return button;
 }

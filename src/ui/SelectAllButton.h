@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QCheckBox>
+#include "ui/TitledCheckBox.h"
 
 namespace brimvault::ui {
 
 /// The check box of all items of a list: none, some (mixed) or all. A click on a mixed one selects all. Its accessible
 /// name is always "Select All", its text says what a click does. Main thread.
-class SelectAllButton final : public QCheckBox {
+class SelectAllButton final : public TitledCheckBox {
     Q_OBJECT
 
 public:
@@ -16,16 +16,12 @@ public:
     void setSelAllChecked(int state);
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void nextCheckState() override;
-    [[nodiscard]] bool hitButton(const QPoint& position) const override { return rect().contains(position); }
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     void updateBtnSelectAllLook();
-    [[nodiscard]] QLatin1String plate() const;
 };
 
 }  // namespace brimvault::ui

@@ -15,7 +15,7 @@ namespace {
 constexpr int iconSide = 34;
 constexpr int nameGap = 10;
 constexpr qreal nameSize = 17;
-constexpr QMargins nameMargins(8, 18, 8, 14);
+constexpr QMargins nameMargins(8, 18, 2, 14);
 // The cards of the section list and the button keep room for their shadows.
 constexpr QMargins panelMargins(10, 0, 11, 12);
 
@@ -23,6 +23,7 @@ constexpr QMargins panelMargins(10, 0, 11, 12);
 
 SidebarPanel::SidebarPanel(QWidget* parent)
     : QWidget(parent),
+      pbtnMenu_(new IconButton(QLatin1String("btnMenu"), tr("Menu"))),
       sections_(new SectionsTableView),
       pbtnScan_(new WhiteTitleButton),
       pProgressScan_(pbtnScan_->addIndicator(tr("Scan progress"))) {
@@ -36,6 +37,7 @@ SidebarPanel::SidebarPanel(QWidget* parent)
     title->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide));
     title->addWidget(name);
     title->addStretch(1);
+    title->addWidget(pbtnMenu_);
 
     auto* panel = new QVBoxLayout(this);
     panel->setContentsMargins(panelMargins);

@@ -2,18 +2,20 @@
 
 #include <QWidget>
 
+#include "ui/IconButton.h"
 #include "ui/SectionsTableView.h"
 #include "ui/WhiteTitleButton.h"
 
 namespace brimvault::ui {
 
-/// The left of the window: the program's name, the section list, the scan button. Main thread.
+/// The left of the window: the program's name and its menu, the section list, the scan button. Main thread.
 class SidebarPanel final : public QWidget {
     Q_OBJECT
 
 public:
     explicit SidebarPanel(QWidget* parent = nullptr);
 
+    [[nodiscard]] IconButton* pbtnMenu() const { return pbtnMenu_; }
     [[nodiscard]] SectionsTableView* sections() const { return sections_; }
     [[nodiscard]] WhiteTitleButton* pbtnScan() const { return pbtnScan_; }
     [[nodiscard]] ProgressIndicator* pProgressScan() const { return pProgressScan_; }
@@ -22,6 +24,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    IconButton* pbtnMenu_;
     SectionsTableView* sections_;
     WhiteTitleButton* pbtnScan_;
     ProgressIndicator* pProgressScan_;

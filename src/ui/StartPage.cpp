@@ -19,6 +19,7 @@ constexpr int iconSide = 104;
 constexpr int buttonWidth = 194;
 constexpr qreal headlineSize = 24;
 constexpr qreal descriptionSize = 14;
+constexpr int descriptionLineHeight = 122;  // per cent
 constexpr qreal hintSize = 12.5;
 
 QLabel* centred(const QString& text, const QFont& font, QRgb color) {
@@ -26,6 +27,13 @@ QLabel* centred(const QString& text, const QFont& font, QRgb color) {
     label->setAlignment(Qt::AlignCenter);
     label->setWordWrap(true);
     return label;
+}
+
+// Plain text with its lines further apart than the type sets them.
+QString withLineHeight(const QString& text, int percent) {
+    QString lines = text.toHtmlEscaped();
+    lines.replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+    return QStringLiteral("<p style=\"line-height: %1%\">%2</p>").arg(percent).arg(lines);
 }
 
 }  // namespace
@@ -43,8 +51,9 @@ QVBoxLayout* StartPage::makePage() {
     btnStartScanButton2_->setMinimumWidth(look::scaled(buttonWidth));
 
     auto* headline = centred(tr("Free up disk space"), look::font(headlineSize, QFont::Bold), look::textPrimary);
-    auto* description = centred(tr("Caches, unneeded languages, logs, downloads and the trash:\n"
-                                   "see what each one holds, tick what may go, and clean."),
+    auto* description = centred(withLineHeight(tr("Caches, unneeded languages, logs, downloads and the trash:\n"
+                                                  "see what each one holds, tick what may go, and clean."),
+                                               descriptionLineHeight),
                                 look::font(descriptionSize), look::textSecondary);
     ptxtStartDescClean_ =
         centred(tr("Select sections and press Scan button"), look::font(hintSize), look::textSecondary);

@@ -15,7 +15,7 @@ namespace brimvault::ui::styleSheets {
         "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }");
 }
 
-/// A menu as roomy as the rest of the window.
+/// A menu as roomy as the rest of the window. One with shortcuts is wider, so that these keep apart from the titles.
 [[nodiscard]] inline QString menu() {
     return QStringLiteral(
         "QMenu { background: #ffffff; border: 1px solid #d5dde8; padding: 5px; }"

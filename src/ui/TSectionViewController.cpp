@@ -218,6 +218,17 @@ bool TSectionViewController::isStillWhatWasAsked() const {
            static_cast<qint64>(getSize2CleanALLSel()) == lastCleanedSize_;
 }
 
+MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
+    const bool scanning = pAppDelegate_.pbScanning();
+    const bool cleaning = pAppDelegate_.pbCleanning();
+    const bool free = !pAppDelegate_.pbRemoving() && !pAppDelegate_.isQuestionOpen();
+    if (what == MenuAction::doStartScan) {
+        return {scanning ? tr("Stop Scanning") : tr("Scan"), !cleaning && free};
+    }
+    const bool something = pAppDelegate_.bScanStarted() && isAnyChecked() && getSize2CleanALLSel() > 0;
+    return {cleaning ? tr("Stop Cleaning") : tr("Clean"), !scanning && free && something};
+}
+
 void TSectionViewController::cleanFinished() {
     const auto remaining = static_cast<qint64>(getSize2CleanALLSel());
     if (lastCleanedSize_ > remaining) {

@@ -11,6 +11,7 @@
 #include "ui/AlertPresenter.h"
 #include "ui/ApplicationController.h"
 #include "ui/CheckListener.h"
+#include "ui/MenuAction.h"
 #include "ui/SectionListModel.h"
 #include "ui/SectionsTableView.h"
 
@@ -51,6 +52,8 @@ public:
     [[nodiscard]] bool isCleanStopped() const { return cleanStopped_; }
     /// Records what a clean has freed.
     void cleanFinished();
+    /// How a menu is to show the two main buttons' actions, as things stand.
+    [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
     /// Check boxes follow whether a scan or a clean runs.
     void updateChecksEnabled();
 

@@ -12,7 +12,7 @@
 #include "platform/LibraryURLs.h"
 #include "scanners/SystemPathsGenerator.h"
 #include "ui/InfoWindow.h"
-#include "ui/MessageBoxAlerts.h"
+#include "ui/WindowAlerts.h"
 
 namespace brimvault::ui {
 
@@ -38,9 +38,14 @@ bool hasPath(const engine::FFItem& item) { return !item.pfpath().empty(); }
 
 }  // namespace
 
-UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::FinderPreferences& finder,
-                 engine::PrivilegedRemover& remover)
-    : alerts_(alerts), fileBrowser_(fileBrowser), finder_(finder), remover_(remover), requests_(new QThreadPool) {
+UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::Workspace& workspace,
+                 platform::FinderPreferences& finder, engine::PrivilegedRemover& remover)
+    : alerts_(alerts),
+      fileBrowser_(fileBrowser),
+      workspace_(workspace),
+      finder_(finder),
+      remover_(remover),
+      requests_(new QThreadPool) {
     requests_->setMaxThreadCount(concurrentRequests);
     removals_.setMaxThreadCount(1);
 }
@@ -52,9 +57,10 @@ UtilMod::~UtilMod() {
 }
 
 UtilMod& UtilMod::sharedUtil() {
-    static MessageBoxAlerts alerts;
+    static WindowAlerts alerts;
     static const auto fileBrowser = platform::FileBrowser::ofSession();
-    static UtilMod instance(alerts, *fileBrowser, platform::FinderPreferences::shared(),
+    static const auto workspace = platform::Workspace::ofSession();
+    static UtilMod instance(alerts, *fileBrowser, *workspace, platform::FinderPreferences::shared(),
                             engine::Remover::GetInstance());
     return instance;
 }
@@ -65,6 +71,7 @@ void UtilMod::waitUntilIdle() {
         qDeleteAll(window_->findChildren<InfoWindow*>());
     }
     fileBrowser_.giveUp();
+    workspace_.giveUp();
     requests_->waitForDone(timeToGiveUp);
     removals_.waitForDone();
 }
@@ -157,6 +164,24 @@ void UtilMod::tell(const QString& message, const QString& informativeText) {
     if (window_) {
         alerts_.runModal({message, informativeText, Alert::Suppression::notOffered, Alert::Buttons::takeNote}, window_);
     }
+}
+
+// --- The workspace ----------------------------------------------------------------------------------------------
+
+void UtilMod::composeMail(const MailMessage& mail) {
+    inBackground<bool>(
+        *requests_, [this, url = mail.url()] { return workspace_.openURL(url); },
+        [this, recipient = mail.recipient](bool opened) {
+            if (!opened) {
+                tell(tr("Can't open a mail program"),
+                     recipient.isEmpty() ? tr("No program for mail answers.")
+                                         : tr("No program for mail answers. The address is %1").arg(recipient));
+            }
+        });
+}
+
+void UtilMod::announceStart() {
+    requests_->start([this] { workspace_.announceStart(); });
 }
 
 // --- Single removal ---------------------------------------------------------------------------------------------

@@ -12,19 +12,21 @@
 #include "engine/ItemRemoval.h"
 #include "platform/FileBrowser.h"
 #include "platform/FinderPreferences.h"
+#include "platform/Workspace.h"
 #include "ui/AlertPresenter.h"
+#include "ui/MailMessage.h"
 
 namespace brimvault::ui {
 
-/// What the lists have done outside the window: items are shown in the file browser, with what is known of them, and
-/// single items are removed. Main thread; what may block is done on threads of its own, and answers come later on the
-/// main thread.
+/// What the window has done outside of it: items are shown in the file browser, with what is known of them, single
+/// items are removed, mails are begun. Main thread; what may block is done on threads of its own, and answers come
+/// later on the main thread.
 class UtilMod final : public QObject {
     Q_OBJECT
 
 public:
     /// All of them outlive it.
-    UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser,
+    UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::Workspace& workspace,
             platform::FinderPreferences& finder = platform::FinderPreferences::shared(),
             engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none());
     ~UtilMod() override;
@@ -42,6 +44,10 @@ public:
     /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
     void doGetInformation(const std::filesystem::path& path);
     void alertFileNotExists(const std::filesystem::path& path);
+    /// Opens a new mail in the user's mail program; where there is none, says so.
+    void composeMail(const MailMessage& mail);
+    /// Tells the maker's other applications that this one has started.
+    void announceStart();
 
     /// Whether the user, being asked, wants the item at the path to be removed for good; a number of other items that
     /// are listed may lie in it, and go with it.
@@ -75,6 +81,7 @@ private:
 
     AlertPresenter& alerts_;
     platform::FileBrowser& fileBrowser_;
+    platform::Workspace& workspace_;
     platform::FinderPreferences& finder_;
     engine::PrivilegedRemover& remover_;
     QPointer<QWidget> window_;

@@ -6,8 +6,8 @@
 #include "ui/AccessibleItemView.h"
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
-#include "ui/MessageBoxAlerts.h"
 #include "ui/SectionOperations.h"
+#include "ui/WindowAlerts.h"
 
 int main(int argc, char* argv[]) {
     using namespace brimvault;
@@ -21,7 +21,7 @@ int main(int argc, char* argv[]) {
     ui::AccessibleItemView::install();  // the lists, as assistive clients see them
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
-    ui::MessageBoxAlerts alerts;                                              // questions to the user
+    ui::WindowAlerts alerts;                                                  // questions to the user
     auto& remover = engine::Remover::GetInstance();                           // what the user may not remove
     ui::FAppDelegate delegate(ui::scanOperations(),                           // what scans each section
                               ui::cleanOperations(remover),                   // what cleans each section

@@ -4,11 +4,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QHeaderView>
-#include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 #include <functional>
 
+#include "ui/AlertWindow.h"
 #include "ui/FAppDelegate.h"
 
 namespace brimvault::tests {
@@ -34,27 +34,26 @@ public:
         });
     }
 
-    /// Presses "Clean", answers the question, and waits until the clean has ended.
-    bool clean(QMessageBox::StandardButton answer, const std::function<void(QMessageBox&)>& before = {}) {
-        answerNextQuestion(answer, before);
+    /// Presses "Clean", confirms the question, and waits until the clean has ended.
+    bool clean(const std::function<void(ui::AlertWindow&)>& before = {}) {
+        confirmNextQuestion(before);
         click(application_.window()->lists()->pbtnClean());
         return waitFor([this] { return !application_.pbCleanning(); });
     }
 
-    /// Answers the next message box as soon as it is there.
-    static void answerNextQuestion(QMessageBox::StandardButton answer,
-                                   const std::function<void(QMessageBox&)>& before = {}) {
+    /// Confirms the next question as soon as it is there.
+    static void confirmNextQuestion(const std::function<void(ui::AlertWindow&)>& before = {}) {
         constexpr int pause = 20;
-        QTimer::singleShot(pause, qApp, [answer, before] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (box == nullptr) {
-                answerNextQuestion(answer, before);
+        QTimer::singleShot(pause, qApp, [before] {
+            auto* alert = qobject_cast<ui::AlertWindow*>(QApplication::activeModalWidget());
+            if (alert == nullptr) {
+                confirmNextQuestion(before);
                 return;
             }
             if (before) {
-                before(*box);
+                before(*alert);
             }
-            click(box->button(answer));
+            click(alert->firstButton());
         });
     }
 

@@ -17,8 +17,8 @@
 #include "support/SampleHome.h"
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
-#include "ui/MessageBoxAlerts.h"
 #include "ui/SectionOperations.h"
+#include "ui/WindowAlerts.h"
 
 namespace {
 
@@ -27,9 +27,7 @@ namespace fs = std::filesystem;
 
 constexpr int cachesRow = 0;
 constexpr int languagesRow = 1;
-constexpr int logsRow = 2;
 constexpr int downloadsRow = 3;
-constexpr int trashRow = 4;
 constexpr int settling = 100;  // milliseconds; what was handed over to the main thread is on show by then
 constexpr int sliding = 400;   // milliseconds; a drawer is out by then
 constexpr const char* spared = "com.vendor.photos";
@@ -60,8 +58,10 @@ class Camera {
 public:
     explicit Camera(QString folder) : folder_(std::move(folder)) { QDir().mkpath(folder_); }
 
+    // Of a screen with two pixels to the point the picture is named so.
     void take(QWidget* window, const QString& scene) const {
-        const QString file = QDir(folder_).filePath(scene + QStringLiteral(".png"));
+        const QString density = window->devicePixelRatio() > 1 ? QStringLiteral("@2x") : QString();
+        const QString file = QDir(folder_).filePath(scene + density + QStringLiteral(".png"));
         expect(window->grab().save(file), "the picture " + file.toStdString() + " can be written");
         std::cout << file.toStdString() << '\n';
     }
@@ -111,16 +111,25 @@ void scanScenes(ui::FAppDelegate& application, tests::Guide& guide, const Camera
     expect(tests::Guide::waitFor([&] { return !application.pbScanning(); }), "the scan ends");
 }
 
-// What the list's menu offers.
-void menuScene(tests::Guide& guide, const Camera& camera) {
-    guide.clickCell(0, ui::ItemListModel::nameColumn);
-    guide.list()->requestMenuOfCurrentRow();
-    auto* menu = QApplication::activePopupWidget();
-    expect(menu != nullptr, "the menu key opens a menu");
-    if (menu != nullptr) {
+// What the program's menu offers, and what it says of itself.
+void menuScenes(ui::FAppDelegate& application, const Camera& camera) {
+    auto* window = application.window();
+    tests::Guide::click(window->sidebar()->pbtnMenu());
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    expect(menu != nullptr, "the menu opens");
+    if (menu == nullptr) {
+        return;
+    }
+    QTest::qWait(settling);
+    camera.take(menu, QStringLiteral("menu"));
+    menu->close();
+    application.menu().perform(ui::MenuAction::showAboutScreen);
+    auto* about = window->findChild<ui::AboutWC*>();
+    expect(about != nullptr, "the about window opens");
+    if (about != nullptr) {
         QTest::qWait(settling);
-        camera.take(menu, QStringLiteral("menu"));
-        menu->close();
+        camera.take(about, QStringLiteral("about"));
+        about->close();
     }
 }
 
@@ -138,25 +147,17 @@ void languagesScene(ui::FAppDelegate& application, tests::Guide& guide, const Ca
 void reviewAndClean(ui::FAppDelegate& application, tests::Guide& guide, const Camera& camera) {
     guide.clickSectionCheck(downloadsRow);
     languagesScene(application, guide, camera);
-    for (const auto& [section, scene] : {std::pair(logsRow, "logs"), std::pair(downloadsRow, "downloads"),
-                                         std::pair(trashRow, "trash"), std::pair(cachesRow, "")}) {
-        guide.clickSection(section);
-        QTest::qWait(settling);
-        if (*scene != '\0') {
-            camera.take(application.window(), QLatin1String(scene));
-        }
-        if (section == downloadsRow) {
-            menuScene(guide, camera);
-        }
-    }
+    guide.clickSection(cachesRow);
+    QTest::qWait(settling);
+    menuScenes(application, camera);
     const int row = guide.row(QString::fromLatin1(spared));
     expect(row >= 0, std::string("the list shows ") + spared);
     guide.clickCell(row, ui::ItemListModel::checkColumn);
     QTest::qWait(settling);
     camera.take(application.window(), QStringLiteral("after-scan"));
-    const bool ended = guide.clean(QMessageBox::Ok, [&](QMessageBox& box) {
+    const bool ended = guide.clean([&](ui::AlertWindow& alert) {
         QTest::qWait(settling);
-        camera.take(&box, QStringLiteral("confirm"));
+        camera.take(&alert, QStringLiteral("confirm"));
     });
     expect(ended, "the clean ends");
     QTest::mouseMove(application.window());
@@ -199,7 +200,7 @@ int main(int argc, char* argv[]) {
     const auto before = tests::fingerprint(home, cleanedFolders);
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
-    ui::MessageBoxAlerts alerts;
+    ui::WindowAlerts alerts;
     const langres::LanguagesManager languages({{QStringLiteral("de"), QStringLiteral("en")}, {}});
     ui::FAppDelegate application(ui::scanOperations(), ui::cleanOperations(engine::PrivilegedRemover::none()),
                                  {defaults, alerts, ui::UtilMod::sharedUtil(), languages});

@@ -78,6 +78,30 @@ private:
     std::vector<std::string> asked_;
 };
 
+/// Remembers what it was asked to open, and takes it or not, as it was told to.
+class ToldWorkspace final : public platform::Workspace {
+public:
+    bool openURL(const std::string& url) override {
+        const std::lock_guard guard(mutex_);
+        opened_.push_back(url);
+        return opens;
+    }
+    void announceStart() override { ++announced; }
+    void giveUp() override {}
+
+    [[nodiscard]] std::vector<std::string> opened() const {
+        const std::lock_guard guard(mutex_);
+        return opened_;
+    }
+
+    std::atomic<bool> opens = true;
+    std::atomic<int> announced = 0;
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<std::string> opened_;
+};
+
 /// One without rights, which notes how often it was let ask for them.
 class ToldRemover final : public engine::PrivilegedRemover {
 public:
@@ -185,10 +209,11 @@ protected:
     platform::FinderPreferences finder_;
     ToldAlerts alerts_;
     ToldFileBrowser fileBrowser_;
+    ToldWorkspace workspace_;
     /// The user reads German.
     langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
     ToldRemover remover_;
-    ui::UtilMod util_{alerts_, fileBrowser_, finder_, remover_};
+    ui::UtilMod util_{alerts_, fileBrowser_, workspace_, finder_, remover_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;
     std::unique_ptr<Guide> guide_;

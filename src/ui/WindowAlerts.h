@@ -4,8 +4,8 @@
 
 namespace brimvault::ui {
 
-/// Asks with a message box over the window.
-class MessageBoxAlerts final : public AlertPresenter {
+/// Asks with an AlertWindow over the window.
+class WindowAlerts final : public AlertPresenter {
 public:
     AlertAnswer runModal(const Alert& alert, QWidget* window) override;
 };

@@ -1,0 +1,117 @@
+#include "ui/AlertWindow.h"
+
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "ui/Look.h"
+#include "ui/MCheckCellT.h"
+#include "ui/PictureLabel.h"
+#include "ui/TextLabel.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr QMargins margins(22, 22, 22, 16);
+constexpr int iconSide = 64;
+constexpr int iconGap = 12;
+constexpr int textWidth = 344;
+constexpr int buttonWidth = 104;
+constexpr qreal messageSize = 14;
+constexpr qreal informativeSize = 12.5;
+constexpr qreal buttonTextSize = 13;
+constexpr qsizetype longestRun = 32;  // characters
+
+// Names of files can be longer than a line, without a place to break it: they get places that are not to be seen.
+QString breakable(const QString& text) {
+    QString result;
+    qsizetype run = 0;
+    for (const QChar letter : text) {
+        run = letter.isSpace() ? 0 : run + 1;
+        result += letter;
+        if (run >= longestRun && !letter.isHighSurrogate()) {
+            result += QChar(0x200B);
+            run = 0;
+        }
+    }
+    return result;
+}
+
+// A name may look like markup, and is shown as it is.
+QLabel* paragraph(const QString& text, const QFont& font, QRgb color) {
+    auto* label = makeLabel({}, font, color);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(breakable(text));
+    label->setAccessibleName(text);
+    label->setWordWrap(true);
+    label->setContentsMargins(MCheckCellT::margin, 0, MCheckCellT::margin, 0);  // a check box stands below it
+    label->setFixedWidth(look::scaled(textWidth));
+    return label;
+}
+
+WhiteTitleButton* makeButton(const QString& title, const WhiteTitleButton::Pictures& pictures, QRgb color) {
+    auto* button = new WhiteTitleButton;
+    button->setPictures(pictures);
+    button->setTitleColor(QColor(color));
+    button->setTitleSize(buttonTextSize);
+    button->setTitle(title, title);
+    button->setMinimumWidth(look::scaled(buttonWidth));
+    button->setFixedHeight(look::scaled(look::smallButtonHeight));
+    return button;
+}
+
+}  // namespace
+
+AlertWindow::AlertWindow(const Alert& alert, QWidget* window) : QDialog(window) {
+    setWindowTitle(QStringLiteral("Brimvault"));
+    setAccessibleName(alert.message);
+    setAccessibleDescription(alert.informativeText);
+    auto* content = new QHBoxLayout;
+    content->setSpacing(look::scaled(iconGap));
+    content->addWidget(new PictureLabel(QLatin1String("AppIcon"), look::scaled(iconSide)), 0, Qt::AlignTop);
+    content->addLayout(makeTexts(alert));
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(margins);
+    rows->setSpacing(look::scaled(iconGap));
+    rows->setSizeConstraint(QLayout::SetFixedSize);
+    rows->addLayout(content);
+    rows->addLayout(makeButtons(alert));
+    firstButton_->setDefault(true);
+    firstButton_->setFocus();
+}
+
+QVBoxLayout* AlertWindow::makeTexts(const Alert& alert) {
+    constexpr int gap = 8;
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(gap);
+    texts->addWidget(paragraph(alert.message, look::font(messageSize, QFont::Bold), look::textPrimary));
+    texts->addWidget(paragraph(alert.informativeText, look::font(informativeSize), look::textPrimary));
+    if (alert.suppression == Alert::Suppression::offered) {
+        suppressionBox_ = new TitledCheckBox(tr("Do not show this message again"));
+        texts->addWidget(suppressionBox_, 0, Qt::AlignLeading);
+    }
+    texts->addStretch(1);
+    return texts;
+}
+
+QLayout* AlertWindow::makeButtons(const Alert& alert) {
+    firstButton_ = makeButton(tr("OK"), {QLatin1String("btnScanDes"), QLatin1String("btnScan")}, look::textOnAccent);
+    connect(firstButton_, &QAbstractButton::clicked, this, &QDialog::accept);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    if (alert.buttons == Alert::Buttons::confirmAndCancel) {
+        secondButton_ =
+            makeButton(tr("Cancel"), {QLatin1String("btnQuietDes"), QLatin1String("btnQuiet")}, look::accentDark);
+        connect(secondButton_, &QAbstractButton::clicked, this, &QDialog::reject);
+        buttons->addWidget(secondButton_);
+    }
+    buttons->addWidget(firstButton_);
+    return buttons;
+}
+
+void AlertWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(look::row));
+}
+
+}  // namespace brimvault::ui

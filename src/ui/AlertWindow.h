@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDialog>
+
+#include "ui/AlertPresenter.h"
+#include "ui/TitledCheckBox.h"
+#include "ui/WhiteTitleButton.h"
+
+class QVBoxLayout;
+
+namespace brimvault::ui {
+
+/// A question to the user, or something to be told, in a window of its own over the main one. Accepted by the first
+/// button, which the return key presses; the second, the escape key and closing it are the other answer. Main thread.
+class AlertWindow final : public QDialog {
+    Q_OBJECT
+
+public:
+    AlertWindow(const Alert& alert, QWidget* window);
+
+    [[nodiscard]] WhiteTitleButton* firstButton() const { return firstButton_; }
+    /// Null where there is nothing to be cancelled.
+    [[nodiscard]] WhiteTitleButton* secondButton() const { return secondButton_; }
+    /// The box "do not show again"; null where it is not offered.
+    [[nodiscard]] TitledCheckBox* suppressionBox() const { return suppressionBox_; }
+    [[nodiscard]] bool isSuppressionTicked() const {
+        return suppressionBox_ != nullptr && suppressionBox_->isChecked();
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] QVBoxLayout* makeTexts(const Alert& alert);
+    [[nodiscard]] QLayout* makeButtons(const Alert& alert);
+
+    WhiteTitleButton* firstButton_ = nullptr;
+    WhiteTitleButton* secondButton_ = nullptr;
+    TitledCheckBox* suppressionBox_ = nullptr;
+};
+
+}  // namespace brimvault::ui

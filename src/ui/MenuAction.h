@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+namespace brimvault::ui {
+
+/// What a menu offers, by the name of the action that it sends.
+enum class MenuAction {
+    doStartScan,
+    doStartClean,
+    toggleSelectAll,
+    toggleDrawer,
+    doSelShowInFinder,
+    doSelGetInfo,
+    doSelRemove,
+    shareByMail,
+    sendFeedbackPressed,
+    showAboutScreen,
+    quit
+};
+
+/// How a menu shows one of its items at the moment.
+struct MenuItem {
+    QString title;
+    bool enabled = true;
+};
+
+}  // namespace brimvault::ui

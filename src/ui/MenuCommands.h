@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QObject>
+
+#include "ui/DrawerAndSheets.h"
+#include "ui/HelpActions.h"
+#include "ui/MainWindow.h"
+#include "ui/MenuAction.h"
+#include "ui/SectionPanels.h"
+#include "ui/TSectionViewController.h"
+
+namespace brimvault::ui {
+
+/// What the menus offer: when each action may be sent, and to whom it goes. Main thread.
+class MenuCommands final : public QObject {
+    Q_OBJECT
+
+public:
+    /// All of them outlive it.
+    MenuCommands(MainWindow& window, TSectionViewController& sections, SectionPanels& panels,
+                 DrawerAndSheets& drawerAndSheets, UtilMod& util)
+        : window_(window),
+          sections_(sections),
+          panels_(panels),
+          drawerAndSheets_(drawerAndSheets),
+          help_(&window, util) {}
+
+    /// How a menu is to show the action, as things stand.
+    [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
+    void perform(MenuAction what);
+
+    /// What is done to the selected item of the list on show.
+    void doSelShowInFinder();
+    void doSelGetInfo();
+    void doSelRemove();
+
+private:
+    MainWindow& window_;
+    TSectionViewController& sections_;
+    SectionPanels& panels_;
+    DrawerAndSheets& drawerAndSheets_;
+    HelpActions help_;
+};
+
+}  // namespace brimvault::ui
