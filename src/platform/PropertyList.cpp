@@ -1,14 +1,13 @@
 #include "platform/PropertyList.h"
 
-#include <fcntl.h>
 #include <plist/plist.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cctype>
 #include <cstdint>
 
+#include "platform/FileContents.h"
 #include "platform/PropertyListCheck.h"
+#include "platform/PropertyListText.h"
 
 namespace brimvault::platform {
 
@@ -16,31 +15,21 @@ namespace {
 
 constexpr std::size_t largestFile = 1024UL * 1024;  // what people and applications write is a few KiB
 
-constexpr int readOnly = O_RDONLY | O_NONBLOCK | O_CLOEXEC;  // a pipe is not waited for
-
-// The contents of a plain file, which is closed; none for a descriptor that could not be opened.
-std::optional<std::string> contentsOf(int descriptor) {
-    if (descriptor < 0) {
-        return std::nullopt;
-    }
-    std::string contents(largestFile + 1, '\0');
-    std::size_t length = 0;
-    struct stat status {};
-    bool good = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    for (ssize_t got = 1; good && got > 0 && length < contents.size();) {
-        got = ::read(descriptor, contents.data() + length, contents.size() - length);
-        good = got >= 0;
-        length += good ? static_cast<std::size_t>(got) : 0;
-    }
-    ::close(descriptor);
-    contents.resize(length);
-    return good && length <= largestFile ? std::optional(std::move(contents)) : std::nullopt;
-}
-
 // Up to a zero byte, where there is one: the library's call that copies a text ends the program over it.
 std::string textOf(plist_t value) {
     const char* text = plist_get_string_ptr(value, nullptr);
     return text == nullptr ? std::string() : std::string(text);
+}
+
+// Null where the contents are not of the oldest form, of which the library knows nothing.
+plist_t dictionaryOfTexts(const std::string& contents) {
+    const auto texts = textsOfPropertyListText(contents);
+    plist_t dictionary = texts ? plist_new_dict() : nullptr;
+    for (std::size_t index = 0; dictionary != nullptr && index < texts->size(); ++index) {
+        const auto& [key, value] = (*texts)[index];
+        plist_dict_set_item(dictionary, key.c_str(), plist_new_string(value.c_str()));
+    }
+    return dictionary;
 }
 
 bool beginsAsYes(const char* text) {
@@ -60,15 +49,14 @@ bool beginsAsYes(const char* text) {
 void PropertyList::Free::operator()(void* node) const { plist_free(node); }
 
 std::optional<PropertyList> PropertyList::read(const std::filesystem::path& file) {
-    return readDescriptor(::open(file.c_str(), readOnly));
+    return of(FileContents::read(file, largestFile));
 }
 
 std::optional<PropertyList> PropertyList::read(const files::DirectoryHandle& folder, const char* name) {
-    return readDescriptor(::openat(folder.descriptor(), name, readOnly | O_NOFOLLOW));
+    return of(FileContents::read(folder, name, largestFile));
 }
 
-std::optional<PropertyList> PropertyList::readDescriptor(int descriptor) {
-    const auto contents = contentsOf(descriptor);
+std::optional<PropertyList> PropertyList::of(const std::optional<std::string>& contents) {
     if (!contents || contents->empty()) {
         return std::nullopt;
     }
@@ -77,7 +65,10 @@ std::optional<PropertyList> PropertyList::readDescriptor(int descriptor) {
     const bool binary = plist_is_binary(contents->data(), length) != 0;
     if (binary && isHarmlessBinaryPropertyList(*contents)) {
         plist_from_bin(contents->data(), length, &root);
-    } else if (!binary && isHarmlessXmlPropertyList(*contents)) {
+    } else if (!binary) {
+        root = dictionaryOfTexts(*contents);
+    }
+    if (!binary && root == nullptr && isHarmlessXmlPropertyList(*contents)) {
         plist_from_xml(contents->data(), length, &root);
     }
     PropertyList list(root);

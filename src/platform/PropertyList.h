@@ -9,8 +9,8 @@
 
 namespace brimvault::platform {
 
-/// A property list file in XML or binary form whose outermost value is a dictionary. Any thread; not to be used by two
-/// at once.
+/// A property list file in XML or binary form whose outermost value is a dictionary, or, of its texts alone, one in the
+/// oldest form (`{ key = value; }`). Any thread; not to be used by two at once.
 class PropertyList {
 public:
     /// None for a file that is missing, no plain file, damaged, larger than 1 MiB, or no dictionary.
@@ -29,7 +29,7 @@ private:
         void operator()(void* node) const;
     };
     explicit PropertyList(void* dictionary) : dictionary_(dictionary) {}
-    static std::optional<PropertyList> readDescriptor(int descriptor);
+    static std::optional<PropertyList> of(const std::optional<std::string>& contents);
 
     std::unique_ptr<void, Free> dictionary_;
 };

@@ -129,6 +129,36 @@ TEST_F(PropertyLists, ReadsTheBinaryForm) {
     EXPECT_EQ(list->boolean("a"), std::nullopt);
 }
 
+TEST_F(PropertyLists, ReadsTheTextsOfTheOldestForm) {
+    const auto list = read(R"(// remark
+/* another; = */ {
+    Plain = some_text/1.0-a;
+    "Quoted key" = "a \"b\" \\ \U00F6 \101 ; }";
+    Inner = { NSIcon = inner; Array = ( "(", { x = "}"; }, a//b ); }; Data = <0fbd 77>;
+    NSIcon="own.tiff";
+    yes = YES
+})");
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->text("Plain"), "some_text/1.0-a");
+    EXPECT_EQ(list->text("Quoted key"), "a \"b\" \\ ö A ; }");
+    EXPECT_EQ(list->text("NSIcon"), "own.tiff");
+    EXPECT_EQ(list->boolean("yes"), true);
+    for (const char* other : {"Inner", "Array", "Data", "x", "remark"}) {
+        EXPECT_EQ(list->text(other), std::nullopt) << other;
+    }
+    std::string many = "{";
+    for (int key = 0; key <= 1000; ++key) {
+        many += "k" + std::to_string(key) + "=v;";
+    }
+    for (const std::string& wrong :
+         {std::string("{"), std::string("{ a = b; } c"), std::string("{ a b; }"), std::string("{ a = ; }"),
+          std::string("{ a = \"b; }"), std::string("{ a = (b; }"), std::string("{ a = b c = d; }"),
+          std::string("{ a = /* b; }"), std::string("( a )"), many + "}", "{a=" + std::string(900'000, '(')}) {
+        EXPECT_FALSE(read(wrong)) << wrong.substr(0, 40);
+    }
+    EXPECT_TRUE(read("{a=" + std::string(400'000, '(') + std::string(400'000, ')') + "}")) << "depth costs nothing";
+}
+
 TEST_F(PropertyLists, SurvivesEveryDamage) {
     for (const auto& whole : {inBinary(), inXml("<key>AppleShowAllFiles</key><true/><key>a</key><string>x</string>")}) {
         for (std::size_t length = 0; length + 9 < whole.size(); ++length) {
