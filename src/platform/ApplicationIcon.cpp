@@ -1,0 +1,71 @@
+#include "platform/ApplicationIcon.h"
+
+#include "files/DirectoryHandle.h"
+#include "platform/FileContents.h"
+#include "platform/PropertyList.h"
+
+namespace brimvault::platform {
+
+namespace {
+
+using files::DirectoryHandle;
+
+// Where a kind of bundle keeps its list and its pictures, and what the list calls the application's own picture.
+struct Layout {
+    const char* folder;
+    const char* list;       ///< in the folder
+    const char* resources;  ///< in the folder
+    const char* key;
+};
+
+constexpr Layout layouts[] = {
+    {"Contents", "Info.plist", "Resources", "CFBundleIconFile"},
+    {"Resources", "Info-gnustep.plist", ".", "NSIcon"},
+    {"Resources", "Info-gnustep.plist", ".", "ApplicationIcon"},
+    {".", "Info-gnustep.plist", ".", "NSIcon"},  // the resources alone, as some systems keep them
+    {".", "Info-gnustep.plist", ".", "ApplicationIcon"},
+};
+
+// In the place of what a list leaves away.
+constexpr const char* extensions[] = {"", ".icns", ".tiff", ".png"};
+
+// The list is data of others: what it names must not lead out of the folder.
+bool isNameOfOneFile(const std::string& name) {
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
+}
+
+std::optional<std::string> pictureNamed(const DirectoryHandle& resources, const std::string& name) {
+    for (const char* extension : extensions) {
+        auto contents = FileContents::read(resources, (name + extension).c_str(), ApplicationIcon::mostBytes);
+        if (contents) {
+            return contents;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> picture(const DirectoryHandle& application, const Layout& layout) {
+    const auto folder = application.openChild(layout.folder);
+    const auto list = folder ? PropertyList::read(*folder, layout.list) : std::nullopt;
+    const auto name = list ? list->text(layout.key) : std::nullopt;
+    if (!name || !isNameOfOneFile(*name)) {
+        return std::nullopt;
+    }
+    const auto resources = folder->openChild(layout.resources);
+    return resources ? pictureNamed(*resources, *name) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> ApplicationIcon::read(const std::filesystem::path& application) {
+    const auto opened = DirectoryHandle::open(application);
+    for (const auto& layout : layouts) {
+        auto found = opened ? picture(*opened, layout) : std::nullopt;
+        if (found) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace brimvault::platform

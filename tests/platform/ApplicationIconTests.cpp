@@ -1,0 +1,124 @@
+#include "platform/ApplicationIcon.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "support/SampleHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using platform::ApplicationIcon;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string listNaming(const std::string& icon) {
+    return R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict><key>CFBundleIconFile</key><string>)" +
+           icon + "</string></dict></plist>\n";
+}
+
+class ApplicationIcons : public testing::Test {
+protected:
+    ApplicationIcons() { fs::create_directories(resources_); }
+
+    void name(const std::string& icon) const { writeFile(bundle_ / "Contents/Info.plist", listNaming(icon)); }
+    [[nodiscard]] std::string icon() const { return ApplicationIcon::read(bundle_).value_or("none"); }
+
+    TemporaryFolder folder_;
+    fs::path bundle_ = folder_ / "Some.app";
+    fs::path resources_ = bundle_ / "Contents/Resources";
+};
+
+}  // namespace
+
+TEST_F(ApplicationIcons, AreNamedByTheListWithOrWithoutAnExtension) {
+    writeFile(resources_ / "Some.icns", "pictures");
+    EXPECT_EQ(icon(), "none") << "no list";
+    for (const char* named : {"Some.icns", "Some"}) {
+        name(named);
+        EXPECT_EQ(icon(), "pictures") << named;
+    }
+    name("Other");
+    EXPECT_EQ(icon(), "none");
+    writeFile(bundle_ / "Contents/Info.plist", "damaged");
+    EXPECT_EQ(icon(), "none");
+}
+
+TEST_F(ApplicationIcons, OfFlatBundlesStandBesideTheirList) {
+    for (const char* place : {"Resources", "."}) {
+        const auto flat = folder_ / "Flat.app";
+        writeFile(flat / place / "Info-gnustep.plist",
+                  "{ NSTypes = ({ NSIcon = \"type\"; }); ApplicationIcon = own; }");
+        writeFile(flat / place / "type", "the picture of a type");
+        writeFile(flat / place / "own.tiff", "its own picture");
+        EXPECT_EQ(ApplicationIcon::read(flat), "its own picture") << place;
+        fs::remove_all(flat);
+    }
+}
+
+TEST_F(ApplicationIcons, NeverLieOutsideTheResources) {
+    writeFile(folder_ / "secret", "secret");
+    writeFile(bundle_ / "Contents/secret", "secret");
+    writeFile(resources_ / "inner/secret", "secret");
+    fs::create_symlink("../../../secret", resources_ / "link");
+    fs::create_symlink("real", resources_ / "neighbour");
+    writeFile(resources_ / "real", "picture");
+    for (const std::string& named :
+         {std::string("../secret"), std::string("../../../secret"), (folder_ / "secret").native(),
+          std::string("inner/secret"), std::string("./real"), std::string("link"), std::string("neighbour"),
+          std::string("inner"), std::string(".."), std::string("."), std::string(), std::string(5000, 'x')}) {
+        name(named);
+        EXPECT_EQ(icon(), "none") << named;
+    }
+    name("real");
+    EXPECT_EQ(icon(), "picture");
+}
+
+TEST_F(ApplicationIcons, AreNotReachedThroughLinkedFolders) {
+    name("real");
+    fs::remove(resources_);
+    writeFile(folder_ / "elsewhere/real", "secret");
+    fs::create_directory_symlink(folder_ / "elsewhere", resources_);
+    EXPECT_EQ(icon(), "none");
+    fs::rename(bundle_ / "Contents", folder_ / "Contents");
+    fs::remove(folder_ / "Contents/Resources");
+    writeFile(folder_ / "Contents/Resources/real", "secret");
+    fs::create_directory_symlink("../Contents", bundle_ / "Contents");
+    EXPECT_EQ(icon(), "none");
+    fs::create_directory_symlink("Some.app", folder_ / "Link.app");
+    EXPECT_EQ(ApplicationIcon::read(folder_ / "Link.app"), std::nullopt);
+}
+
+TEST_F(ApplicationIcons, ArePlainFilesOfABoundedLength) {
+    name("icon");
+    const auto file = resources_ / "icon";
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);  // not waited for
+    EXPECT_EQ(icon(), "none");
+    fs::remove(file);
+    writeSparseFile(file, ApplicationIcon::mostBytes + 1);
+    EXPECT_EQ(icon(), "none");
+    writeSparseFile(file, ApplicationIcon::mostBytes);
+    EXPECT_EQ(icon().size(), ApplicationIcon::mostBytes);
+    writeFile(bundle_ / "Contents/Info.plist", listNaming("icon") + std::string(1024UL * 1024, ' '));
+    EXPECT_EQ(icon(), "none") << "a list without end";
+}
+
+TEST_F(ApplicationIcons, OfRealApplicationsAreFound) {
+    const fs::path real = "/usr/share/GNUstep";
+    if (!fs::exists(real / "Terminal.app")) {
+        GTEST_SKIP() << "terminal.app, addressmanager.app and cynthiune.app are not installed";
+    }
+    for (const auto& [application, picture] :
+         {std::pair("Terminal.app", "Terminal.tiff"), std::pair("AddressManager.app", "AddressManager.tiff"),
+          std::pair("Cynthiune.app", "Cynthiune.tiff")}) {
+        const auto found = ApplicationIcon::read(real / application);
+        std::ifstream file(real / application / picture, std::ios::binary);
+        EXPECT_EQ(found, std::string(std::istreambuf_iterator<char>(file), {})) << application;
+    }
+}
+
+}  // namespace brimvault::tests
