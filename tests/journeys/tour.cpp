@@ -220,8 +220,9 @@ int main(int argc, char* argv[]) {
                names(home / ".local/share/Trash/info").empty(),
            "the trash is empty, its records included");
     for (const auto& bundle : fs::directory_iterator(home / "Applications")) {
-        expect(names(bundle.path() / "Contents/Resources") ==
-                   std::set<std::string>{"Assets.car", "Base.lproj", "German.lproj", "en.lproj"},
+        expect(names(bundle.path() / "Contents/Resources") == std::set<std::string>{tests::SampleHome::iconName,
+                                                                                    "Assets.car", "Base.lproj",
+                                                                                    "German.lproj", "en.lproj"},
                "of the languages of " + bundle.path().native() + " those to keep are left");
     }
     expect(tests::fingerprint(home, cleanedFolders) == before, "nothing outside was touched");

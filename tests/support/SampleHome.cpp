@@ -6,6 +6,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "support/SampleIcon.h"
+
 namespace brimvault::tests {
 
 namespace fs = std::filesystem;
@@ -46,13 +48,15 @@ struct Application {
     std::string name;
     std::size_t localizations;
     std::uint64_t size;  ///< bytes in languages that are not kept
+    SampleIcon::Colour colour;
 };
 
 const std::vector<Application>& sampleApplications() {
     static const std::vector<Application> applications = {
-        {"Office Writer", 33, 486'000'000}, {"Photo Studio", 24, 391'700'000}, {"Mail Reader", 16, 212'400'000},
-        {"Music", 30, 120'600'000},         {"Video Player", 33, 88'100'000},  {"Map Viewer", 19, 64'300'000},
-        {"Notes", 27, 22'900'000},          {"Chess", 14, 9'400'000},
+        {"Office Writer", 33, 486'000'000, {0x5B, 0x8D, 0xEF}}, {"Photo Studio", 24, 391'700'000, {0x2B, 0xA5, 0xC9}},
+        {"Mail Reader", 16, 212'400'000, {0x8A, 0x6F, 0xE8}},   {"Music", 30, 120'600'000, {0xE2, 0x96, 0x3A}},
+        {"Video Player", 33, 88'100'000, {0xE5, 0x60, 0x4F}},   {"Map Viewer", 19, 64'300'000, {0x0E, 0xA3, 0x90}},
+        {"Notes", 27, 22'900'000, {0xF2, 0xB9, 0x3B}},          {"Chess", 14, 9'400'000, {0x7A, 0x87, 0x98}},
     };
     return applications;
 }
@@ -62,7 +66,7 @@ std::string informationOf(const std::string& application) {
     std::replace(identifier.begin(), identifier.end(), ' ', '-');
     return R"(<?xml version="1.0" encoding="UTF-8"?>
 <plist version="1.0"><dict><key>CFBundleIdentifier</key><string>)" +
-           identifier + "</string></dict></plist>\n";
+           identifier + "</string><key>CFBundleIconFile</key><string>AppIcon</string></dict></plist>\n";
 }
 
 // The size in a few files at several depths.
@@ -197,6 +201,7 @@ void SampleHome::makeApplications() const {
     for (const auto& application : sampleApplications()) {
         const auto contents = applications() / (application.name + ".app") / "Contents";
         writeFile(contents / "Info.plist", informationOf(application.name));
+        writeFile(contents / "Resources" / SampleHome::iconName, SampleIcon::inColour(application.colour));
         writeSparseFile(contents / "Resources/Assets.car", 3'000'000);
         writeSparseFile(contents / "Resources/Base.lproj/Main.nib", 90'000);
         const std::uint64_t each = application.size / (application.localizations - keptLanguages);

@@ -46,6 +46,7 @@ public:
 
     /// A file at the top that tells a sample home from a real one.
     static constexpr const char* marker = ".brimvault-sample-home";
+    static constexpr const char* iconName = "AppIcon.icns";  ///< among each application's resources
     static constexpr const char* plainFileName = "com.vendor.maps";
     static constexpr const char* linkName = "com.vendor.archive";
     static constexpr const char* hiddenName = ".com.vendor.hidden";
