@@ -13,6 +13,14 @@ namespace {
 
 const engine::FFItem& file(const engine::CleanableItem& item) { return static_cast<const engine::FFItem&>(item); }
 
+// Folders and links look the same on every desktop.
+RowPicture pictureOf(const engine::FFItem& item) {
+    const auto kind = item.getDisplayIcon().kind;
+    return kind == files::NodeKind::regular
+               ? RowPicture(filePicture(kind), RowPicture::Better::ofFileType, item.pfname().native())
+               : filePicture(kind);
+}
+
 }  // namespace
 
 FileListController::FileListController(engine::Section section, const Surroundings& surroundings)
@@ -30,7 +38,7 @@ QList<ItemListController::Item> FileListController::items() const {
 ItemListModel::Texts FileListController::texts() const {
     return {[this](const engine::CleanableItem& item) { return nameOf(file(item)); },
             [this](const engine::CleanableItem& item) { return platform::displayText(fullPathOf(file(item))); },
-            [](const engine::CleanableItem& item) { return filePicture(file(item).getDisplayIcon().kind); },
+            [](const engine::CleanableItem& item) { return pictureOf(file(item)); },
             {},
             false};
 }

@@ -219,7 +219,7 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
         case checkColumn:
             return checkData(shown, role);
         case iconColumn:
-            return role == iconRole ? QByteArray(texts_.icon(shown).latin1()) : QVariant();
+            return role == iconRole ? QVariant::fromValue(texts_.icon(shown)) : QVariant();
         case nameColumn:
             return role == Qt::DisplayRole ? texts_.name(shown) : QVariant();
         case countColumn:

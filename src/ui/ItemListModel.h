@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/CleanableItem.h"
+#include "ui/RowPicture.h"
 
 namespace brimvault::ui {
 
@@ -20,7 +21,7 @@ public:
     using Item = std::shared_ptr<engine::CleanableItem>;
     /// The count stands before the size where a list has one.
     enum Column { checkColumn, iconColumn, nameColumn, sizeColumn, countColumn };
-    /// The name of an item's picture, as bytes.
+    /// An item's RowPicture.
     enum Role { iconRole = Qt::UserRole };
     [[nodiscard]] static bool isNumber(int column) { return column == sizeColumn || column == countColumn; }
 
@@ -28,7 +29,7 @@ public:
     struct Texts {
         std::function<QString(const engine::CleanableItem&)> name;
         std::function<QString(const engine::CleanableItem&)> tooltip;  ///< empty for none
-        std::function<QLatin1String(const engine::CleanableItem&)> icon;
+        std::function<RowPicture(const engine::CleanableItem&)> icon;
         std::function<quint64(const engine::CleanableItem&)> count;  ///< of its fifth column; none for four columns
         bool valuesChange = false;  ///< size and count of an item that stays may become others
     };

@@ -6,20 +6,24 @@
 
 namespace brimvault::ui {
 
-namespace {
-
-constexpr QSize iconSize(20, 20);
-
-}  // namespace
-
 void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) const {
     ImageLoad::drawFilled(painter, cell, QLatin1String(row % 2 == 0 ? "table_row1" : "table_row2"));
 }
 
-// On the ground of a selected row a picture has another form, of the same name with "Inv".
+// On the ground of a selected row a picture of the window's own has another form, of the same name with "Inv".
 void ItemRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    const QByteArray name = index.data(ItemListModel::iconRole).toByteArray() + (isSelected(option) ? "Inv" : "");
-    ImageLoad::draw(painter, placed(option, index, iconSize).topLeft(), QLatin1String(name));
+    const auto picture = index.data(ItemListModel::iconRole).value<RowPicture>();
+    const QRect place = placed(option, index, {RowIcons::side, RowIcons::side});
+    const QPixmap icon = icons_->of(picture, painter.device()->devicePixelRatioF());
+    if (icon.isNull()) {
+        const QByteArray name = QByteArray(picture.general.latin1()) + (isSelected(option) ? "Inv" : "");
+        ImageLoad::draw(painter, place.topLeft(), QLatin1String(name));
+        return;
+    }
+    const QSizeF size = icon.deviceIndependentSize();
+    painter.drawPixmap(
+        QPointF(place.x() + (place.width() - size.width()) / 2, place.y() + (place.height() - size.height()) / 2),
+        icon);
 }
 
 }  // namespace brimvault::ui

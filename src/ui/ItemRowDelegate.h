@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+
 #include "ui/ItemListModel.h"
 #include "ui/RowDelegate.h"
+#include "ui/RowIcons.h"
 
 namespace brimvault::ui {
 
@@ -10,12 +13,16 @@ class ItemRowDelegate final : public RowDelegate {
     Q_OBJECT
 
 public:
-    explicit ItemRowDelegate(CheckTableView* view) : RowDelegate(view) {}
+    explicit ItemRowDelegate(CheckTableView* view, RowIcons::Load icons = RowIcons::installed())
+        : RowDelegate(view), icons_(std::make_unique<RowIcons>(view, std::move(icons))) {}
 
 protected:
     void drawGround(QPainter& painter, const QRect& cell, int row) const override;
     void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }
+
+private:
+    std::unique_ptr<RowIcons> icons_;
 };
 
 }  // namespace brimvault::ui

@@ -11,8 +11,10 @@ const engine::AppItemData& application(const engine::CleanableItem& item) {
 }
 
 // Other packages, plug-ins and the like, look like folders.
-QLatin1String packagePicture(const std::filesystem::path& package) {
-    return package.extension() == ".app" ? QLatin1String("icApp") : filePicture(files::NodeKind::directory);
+RowPicture packagePicture(const std::filesystem::path& package) {
+    return package.extension() == ".app"
+               ? RowPicture(QLatin1String("icApp"), RowPicture::Better::ofApplication, package.native())
+               : filePicture(files::NodeKind::directory);
 }
 
 }  // namespace

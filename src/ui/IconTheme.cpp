@@ -1,0 +1,102 @@
+#include "ui/IconTheme.h"
+
+#include <QFileInfo>
+#include <QSettings>
+#include <algorithm>
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int deepest = 8;  // themes that build upon one another
+const QString lastTheme = QStringLiteral("hicolor");
+
+// How far pictures are from what is wanted: too large is better than too small.
+int distance(int smallest, int largest, int pixels) {
+    constexpr int tooSmall = 10000;
+    return largest < pixels ? tooSmall + pixels - largest : std::max(0, smallest - pixels);
+}
+
+}  // namespace
+
+QString IconTheme::fileOf(const QStringList& icons, int pixels) {
+    if (name_.isEmpty()) {
+        return {};
+    }
+    readOnce();
+    for (const QString& icon : icons) {
+        for (const auto& folders : themes_) {
+            const QString file = icon.isEmpty() ? QString() : find(folders, icon, pixels);
+            if (!file.isEmpty()) {
+                return file;
+            }
+        }
+    }
+    return {};
+}
+
+void IconTheme::readOnce() {
+    if (!read_) {
+        read_ = true;
+        readTheme(name_, 0);
+        readTheme(lastTheme, 0);
+    }
+}
+
+void IconTheme::readTheme(const QString& name, int depth) {
+    if (depth > deepest || seen_.contains(name)) {
+        return;
+    }
+    seen_.append(name);
+    std::vector<Folder> found;
+    QStringList inherited;
+    for (const QString& folder : folders_) {
+        const QString theme = folder + QLatin1Char('/') + name;
+        const QString list = theme + QStringLiteral("/index.theme");
+        if (QFileInfo(list).isFile()) {
+            const QSettings index(list, QSettings::IniFormat);
+            inherited += index.value(QStringLiteral("Icon Theme/Inherits")).toStringList();
+            appendTypeFolders(index, theme, found);
+        }
+    }
+    themes_.push_back(std::move(found));
+    for (const QString& next : inherited) {
+        readTheme(next.trimmed(), depth + 1);
+    }
+}
+
+void IconTheme::appendTypeFolders(const QSettings& index, const QString& theme, std::vector<Folder>& found) {
+    const QLatin1String context("/Context");
+    for (const QString& name : index.allKeys()) {  // a group's own name may have slashes
+        if (!name.endsWith(context) ||
+            index.value(name).toString().compare(QLatin1String("MimeTypes"), Qt::CaseInsensitive) != 0) {
+            continue;
+        }
+        const QString group = name.chopped(context.size());
+        const auto value = [&](const char* key) { return index.value(group + QLatin1String(key)); };
+        const bool scalable = value("/Type").toString() == QLatin1String("Scalable");
+        const int size = value("/Size").toInt();
+        const auto limit = [&](const char* key) {
+            const int given = scalable ? value(key).toInt() : 0;
+            return (given > 0 ? given : size) * std::max(1, value("/Scale").toInt());
+        };
+        found.push_back({theme + QLatin1Char('/') + group, limit("/MinSize"), limit("/MaxSize")});
+    }
+}
+
+QString IconTheme::find(std::vector<Folder> folders, const QString& icon, int pixels) {
+    std::stable_sort(folders.begin(), folders.end(), [&](const Folder& left, const Folder& right) {
+        return distance(left.smallest, left.largest, pixels) < distance(right.smallest, right.largest, pixels);
+    });
+    for (const Folder& folder : folders) {
+        for (const char* extension : {".png", ".svg", ".xpm"}) {
+            const QString file = folder.path + QLatin1Char('/') + icon + QLatin1String(extension);
+            if (QFileInfo::exists(file)) {
+                return file;
+            }
+        }
+    }
+    return {};
+}
+
+}  // namespace brimvault::ui
