@@ -26,7 +26,7 @@ QString IconTheme::fileOf(const QStringList& icons, int pixels) {
     readOnce();
     for (const QString& icon : icons) {
         for (const auto& folders : themes_) {
-            const QString file = icon.isEmpty() ? QString() : find(folders, icon, pixels);
+            QString file = icon.isEmpty() ? QString() : find(folders, icon, pixels);
             if (!file.isEmpty()) {
                 return file;
             }
@@ -90,7 +90,7 @@ QString IconTheme::find(std::vector<Folder> folders, const QString& icon, int pi
     });
     for (const Folder& folder : folders) {
         for (const char* extension : {".png", ".svg", ".xpm"}) {
-            const QString file = folder.path + QLatin1Char('/') + icon + QLatin1String(extension);
+            QString file = folder.path + QLatin1Char('/') + icon + QLatin1String(extension);
             if (QFileInfo::exists(file)) {
                 return file;
             }
