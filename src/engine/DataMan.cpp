@@ -8,12 +8,6 @@
 
 namespace brimvault::engine {
 
-namespace {
-
-QString translated(const char* text) { return QCoreApplication::translate("Subtitle", text); }
-
-}  // namespace
-
 DataMan::DataMan() {
     for (const Section section : allSections) {
         observe(section);
@@ -164,24 +158,25 @@ quint64 DataMan::getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, 
 QString DataMan::subtitle(Section section) const {
     const auto& progress = progress_[section];
     if (!progress.scanned) {
-        return translated("Not Scanned");
+        return QCoreApplication::translate("Subtitle", "Not Scanned");
     }
     const bool applications = section == Section::languageResources;
     const Sizes found = sizes(section);
     if (progress.percent) {
         if (applications && *progress.percent == 0 && progress.count.value_or(0) != 0) {
-            return translated("%1 applications found").arg(*progress.count);
+            return QCoreApplication::translate("Subtitle", "%1 applications found").arg(*progress.count);
         }
-        return translated("%1%2. %3 found")
+        return QCoreApplication::translate("Subtitle", "%1%2. %3 found")
             .arg(*progress.percent)
             .arg(QLatin1Char('%'))
             .arg(FileSize::formatMemoryStringDot1(found.all));
     }
     if (found.all > 0) {
-        return translated("%1 of %2 Selected")
+        return QCoreApplication::translate("Subtitle", "%1 of %2 Selected")
             .arg(FileSize::formatMemoryStringDot1(found.selected), FileSize::formatMemoryStringDot1(found.all));
     }
-    return applications ? translated("No extra resources found") : translated("No files found");
+    return applications ? QCoreApplication::translate("Subtitle", "No extra resources found")
+                        : QCoreApplication::translate("Subtitle", "No files found");
 }
 
 }  // namespace brimvault::engine

@@ -14,8 +14,6 @@ const QString english = QStringLiteral("en");
 // English and its variants are kept, and stand as one row at the top.
 bool isEnglish(const QString& language) { return language.startsWith(english); }
 
-QString translated(const char* text) { return QCoreApplication::translate("Languages", text); }
-
 // The first letter of each word in capitals.
 QString capitalized(const QString& text) {
     QString result = text;
@@ -140,7 +138,14 @@ QVariant LangListController::headerData(int section, Qt::Orientation orientation
     if (orientation != Qt::Horizontal || role != Qt::AccessibleTextRole) {
         return {};
     }
-    return translated(section == checkColumn ? "Kept" : section == iconColumn ? "Flag" : "Language");
+    switch (section) {
+        case checkColumn:
+            return QCoreApplication::translate("Languages", "Kept");
+        case iconColumn:
+            return QCoreApplication::translate("Languages", "Flag");
+        default:
+            return QCoreApplication::translate("Languages", "Language");
+    }
 }
 
 Qt::ItemFlags LangListController::flags(const QModelIndex& index) const {

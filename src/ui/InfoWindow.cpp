@@ -63,6 +63,7 @@ InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFact
 
     addFacts(facts);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    buttons->button(QDialogButtonBox::Close)->setText(tr("Close"));
     buttons->button(QDialogButtonBox::Close)->setIcon({});
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     auto* content = new QVBoxLayout(this);

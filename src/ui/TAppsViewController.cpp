@@ -21,7 +21,7 @@ RowPicture packagePicture(const std::filesystem::path& package) {
 
 TAppsViewController::TAppsViewController(const Surroundings& surroundings)
     : ItemListController(engine::Section::languageResources, surroundings) {
-    awake(tr("Language Resources"));
+    awake(QCoreApplication::translate("Section", "Language Resources"));
     view()->setCheckSelects(false);
 }
 

@@ -9,7 +9,7 @@ class TChViewController final : public FileListController {
 public:
     explicit TChViewController(const Surroundings& surroundings)
         : FileListController(engine::Section::caches, surroundings) {
-        awake(tr("Caches"));
+        awake(QCoreApplication::translate("Section", "Caches"));
     }
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override {

@@ -9,7 +9,7 @@ class TDwnViewController final : public FileListController {
 public:
     explicit TDwnViewController(const Surroundings& surroundings)
         : FileListController(engine::Section::downloads, surroundings) {
-        awake(tr("Downloads"));
+        awake(QCoreApplication::translate("Section", "Downloads"));
     }
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override {

@@ -9,7 +9,7 @@ class TLogsViewController final : public FileListController {
 public:
     explicit TLogsViewController(const Surroundings& surroundings)
         : FileListController(engine::Section::logs, surroundings) {
-        awake(tr("Logs"));
+        awake(QCoreApplication::translate("Section", "Logs"));
     }
 
     /// An item without a path is known by its name alone.

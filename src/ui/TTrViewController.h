@@ -9,7 +9,7 @@ class TTrViewController final : public FileListController {
 public:
     explicit TTrViewController(const Surroundings& surroundings)
         : FileListController(engine::Section::trash, surroundings) {
-        awake(tr("Trash"));
+        awake(QCoreApplication::translate("Section", "Trash"));
     }
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override {
