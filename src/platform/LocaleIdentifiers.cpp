@@ -5,6 +5,7 @@
 #include <unicode/uloc.h>
 #include <unicode/unistr.h>
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QLocale>
 #include <QRegularExpression>
@@ -144,10 +145,10 @@ QStringList familyOf(const QString& identifier) {
     return {language};
 }
 
-// The language that the user's own texts are in.
+// The language that the program speaks: each translation names its own.
 QString ownLanguage() {
-    const QStringList languages = LocaleIdentifiers::preferredLanguages();
-    return languages.isEmpty() ? QStringLiteral("en") : languages.first();
+    //: Not a text: the identifier of the language of this translation, as "de" or "pt-BR".
+    return QCoreApplication::translate("Languages", "en");
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ public:
     /// The same, of identifiers given in any spelling.
     [[nodiscard]] static QStringList preferredLanguagesFrom(const QStringList& languages);
 
-    /// The name of the language in the user's own; empty when there is none.
+    /// The name of the language in the program's own; empty when there is none.
     [[nodiscard]] static QString displayName(const QString& identifier);
     /// The same in another language.
     [[nodiscard]] static QString displayName(const QString& identifier, const QString& inLanguage);

@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QLocale>
 #include <future>
 
 #include "engine/Remover.h"
@@ -7,6 +8,7 @@
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
 #include "ui/SectionOperations.h"
+#include "ui/Translations.h"
 #include "ui/WindowAlerts.h"
 
 int main(int argc, char* argv[]) {
@@ -17,8 +19,9 @@ int main(int argc, char* argv[]) {
     const auto reading = std::async(std::launch::async, [] { (void)langres::LanguagesManager::sharedManager(); });
     QApplication::setApplicationName(QStringLiteral("Brimvault"));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
-    ui::look::apply();                  // light, in the window's own type
-    ui::AccessibleItemView::install();  // the lists, as assistive clients see them
+    const ui::Translations translations(QLocale::system().uiLanguages());  // the program's language
+    ui::look::apply();                                                     // light, in the window's own type
+    ui::AccessibleItemView::install();                                     // the lists, as assistive clients see them
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
     ui::WindowAlerts alerts;                                                  // questions to the user

@@ -14,6 +14,7 @@
 #include "journeys/Guide.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
+#include "support/EnglishEnvironment.h"
 #include "support/SampleHome.h"
 #include "ui/FAppDelegate.h"
 #include "ui/Look.h"
@@ -185,6 +186,7 @@ void notCleanedScene(ui::FAppDelegate& application, const Camera& camera) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    tests::speakEnglish();
     QApplication qt(argc, argv);
     if (argc != 2) {
         std::cerr << "usage: brimvault-tour PICTURES\n";

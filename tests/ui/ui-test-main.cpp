@@ -2,10 +2,12 @@
 
 #include <QApplication>
 
+#include "support/EnglishEnvironment.h"
 #include "ui/AccessibleItemView.h"
 #include "ui/Look.h"
 
 int main(int argc, char** argv) {
+    brimvault::tests::speakEnglish();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");  // windows without a display
     }

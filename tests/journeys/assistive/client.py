@@ -72,7 +72,10 @@ def application(name):
 
 
 class Window:
-    def __init__(self):
+    """The program's window; where it does not speak English, `sections` is the name of its list of sections."""
+
+    def __init__(self, sections="Sections"):
+        self.sections = sections
         self.application = wait_for("the program", lambda: application("Brimvault"))
         self.frame = wait_for("the window", lambda: find(self.application, "frame", "Brimvault"))
 
@@ -86,7 +89,7 @@ class Window:
         return has_state(self.button(name), Atspi.StateType.ENABLED)
 
     def section(self, title):
-        return wait_for(f"section {title!r}", lambda: find(find(self.frame, "list", "Sections"), "list item", title))
+        return wait_for(f"section {title!r}", lambda: find(find(self.frame, "list", self.sections), "list item", title))
 
     def show_section(self, title):
         act(self.section(title), "SetFocus")

@@ -3,6 +3,7 @@
 
 Applications of another desktop, which Debian packages as bundles with localizations inside, are put into the user's
 own Applications folder. What the program shows of them is compared with what du counts, whatever languages are kept.
+The user reads German, and so do all texts of the program.
 77 and the reason where they are missing.
 """
 
@@ -18,9 +19,9 @@ from trial import make_home, running, size_text
 
 BUNDLES = "/usr/share/GNUstep"
 NAMES = ("AddressManager.app", "Cynthiune.app", "Terminal.app")
-SECTION = "Language Resources"
+SECTION = "Sprachressourcen"
 GERMAN_USER = {"LANG": "de_DE.UTF-8", "LC_ALL": "de_DE.UTF-8", "LANGUAGE": "de:en"}
-# What the names that stand in the bundles mean; the drawer shows them to a German user in German.
+# What the names that stand in the bundles mean.
 IDENTIFIERS = {"English": "en", "German": "de", "French": "fr", "pt_BR": "pt", "pt_PT": "pt-PT", "zh_CN": "zh-Hans"}
 FRENCH, PORTUGUESE = "Französisch", "Portugiesisch (Portugal)"
 
@@ -83,7 +84,7 @@ def expect_rows(window, home, kept):
 
 def languages(window):
     """Name to check cell of every row of the drawer, in order."""
-    table = wait_for("the drawer", lambda: find(window.frame, "table", "Languages")).get_table_iface()
+    table = wait_for("the drawer", lambda: find(window.frame, "table", "Sprachen")).get_table_iface()
     cells = [(table.get_accessible_at(row, 2), table.get_accessible_at(row, 0)) for row in range(table.get_n_rows())]
     return {name.get_name(): check for name, check in cells}
 
@@ -97,15 +98,15 @@ def paths_below(folder):
 
 
 def journey(home):
-    window = Window()
-    for section in ("Caches", "Logs", "Trash"):
+    window = Window(sections="Bereiche")
+    for section in ("Caches", "Protokolle", "Papierkorb"):
         act(window.section(section), "Toggle")
-    window.press("Start Scan")
-    wait_for("the end of the scan", lambda: window.is_enabled("Scan"))
+    window.press("Scan starten")
+    wait_for("the end of the scan", lambda: window.is_enabled("Scannen"))
     window.show_section(SECTION)
     expect_rows(window, home, {"en", "de"})
 
-    window.press("Languages")
+    window.press("Sprachen")
     names = list(languages(window))
     assert names[:2] == ["Englisch", "Deutsch"], names
     assert [name for name in names if is_checked(window, name)] == ["Englisch", "Deutsch"], names
@@ -120,10 +121,10 @@ def journey(home):
     folder = os.path.join(home, "Applications")
     before = paths_below(folder)
     going = [path for name in os.listdir(folder) for path in unneeded(os.path.join(folder, name), kept)]
-    window.press("Clean")
+    window.press("Bereinigen")
     window.answer("OK")
-    wait_for("the end of the clean", lambda: window.is_enabled("Scan") and window.section(SECTION).get_description())
-    wait_for("an empty list", lambda: window.section(SECTION).get_description() == "No extra resources found")
+    wait_for("the end of the clean", lambda: window.is_enabled("Scannen") and window.section(SECTION).get_description())
+    wait_for("an empty list", lambda: window.section(SECTION).get_description() == "Nichts Überflüssiges gefunden")
     right = {path for path in before if not any(path == gone or path.startswith(gone + "/") for gone in going)}
     assert paths_below(folder) == right, paths_below(folder) ^ right
 

@@ -1,0 +1,510 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>Alert</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Do not show this message again</source>
+        <translation>Diese Meldung nicht mehr anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>Clean</name>
+    <message>
+        <source>It holds something that is not selected</source>
+        <translation>Enthält etwas, das nicht ausgewählt ist</translation>
+    </message>
+    <message>
+        <source>Can&apos;t remove file</source>
+        <translation>Die Datei kann nicht entfernt werden</translation>
+    </message>
+</context>
+<context>
+    <name>Languages</name>
+    <message>
+        <source>Kept</source>
+        <translation>Behalten</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Flagge</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Sprache</translation>
+    </message>
+    <message>
+        <source>en</source>
+        <extracomment>Not a text: the identifier of the language of this translation, as &quot;de&quot; or &quot;pt-BR&quot;.</extracomment>
+        <translation>de</translation>
+    </message>
+</context>
+<context>
+    <name>NotCleaned</name>
+    <message>
+        <source>%1 - %2 language resources were not removed</source>
+        <translation>%1 - %2 Sprachressourcen wurden nicht entfernt</translation>
+    </message>
+    <message>
+        <source>%1 - 1 language resource was not removed</source>
+        <translation>%1 - 1 Sprachressource wurde nicht entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>Section</name>
+    <message>
+        <source>Downloads</source>
+        <translation>Downloads</translation>
+    </message>
+    <message>
+        <source>Caches</source>
+        <translation>Caches</translation>
+    </message>
+    <message>
+        <source>Trash</source>
+        <translation>Papierkorb</translation>
+    </message>
+    <message>
+        <source>Logs</source>
+        <translation>Protokolle</translation>
+    </message>
+    <message>
+        <source>Language Resources</source>
+        <translation>Sprachressourcen</translation>
+    </message>
+</context>
+<context>
+    <name>StatusTexts</name>
+    <message>
+        <source>Zero Bytes</source>
+        <translation>0 Byte</translation>
+    </message>
+    <message>
+        <source>Selected of %1</source>
+        <translation>von %1 ausgewählt</translation>
+    </message>
+    <message>
+        <source>Cleaning...</source>
+        <translation>Wird bereinigt …</translation>
+    </message>
+    <message>
+        <source>Removing...</source>
+        <translation>Wird entfernt …</translation>
+    </message>
+    <message>
+        <source>Select sections and press Scan button</source>
+        <translation>Bereiche auswählen und auf „Scannen“ klicken</translation>
+    </message>
+    <message>
+        <source>Select files and press Clean button</source>
+        <translation>Dateien auswählen und auf „Bereinigen“ klicken</translation>
+    </message>
+    <message>
+        <source>Select files to clean</source>
+        <translation>Zu Bereinigendes auswählen</translation>
+    </message>
+    <message>
+        <source>%1 cleaned before</source>
+        <translation>Bisher %1 entfernt</translation>
+    </message>
+    <message>
+        <source>%1 cleaned</source>
+        <translation>%1 entfernt</translation>
+    </message>
+    <message>
+        <source>%1 cleaned in total</source>
+        <translation>Insgesamt %1 entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>Subtitle</name>
+    <message>
+        <source>Not Scanned</source>
+        <translation>Nicht gescannt</translation>
+    </message>
+    <message>
+        <source>%1 applications found</source>
+        <translation>%1 Programme gefunden</translation>
+    </message>
+    <message>
+        <source>%1%2. %3 found</source>
+        <translation>%1&#xa0;%2. %3 gefunden</translation>
+    </message>
+    <message>
+        <source>%1 of %2 Selected</source>
+        <translation>%1 von %2 gewählt</translation>
+    </message>
+    <message>
+        <source>No extra resources found</source>
+        <translation>Nichts Überflüssiges gefunden</translation>
+    </message>
+    <message>
+        <source>No files found</source>
+        <translation>Keine Dateien gefunden</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::FAppDelegate</name>
+    <message>
+        <source>Scan</source>
+        <translation>Scannen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Stop Scanning</source>
+        <translation>Scan stoppen</translation>
+    </message>
+    <message>
+        <source>Clean</source>
+        <translation>Bereinigen</translation>
+    </message>
+    <message>
+        <source>Stop Cleaning</source>
+        <translation>Bereinigung stoppen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::FileListController</name>
+    <message>
+        <source>Remove...</source>
+        <translation>Entfernen …</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::IconButton</name>
+    <message>
+        <source>Open</source>
+        <translation>Geöffnet</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::InfoWindow</name>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Link to %1</source>
+        <translation>Verknüpfung mit %1</translation>
+    </message>
+    <message>
+        <source>Special file</source>
+        <translation>Spezialdatei</translation>
+    </message>
+    <message>
+        <source>Information: %1</source>
+        <translation>Informationen: %1</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Calculating...</source>
+        <translation>Wird berechnet …</translation>
+    </message>
+    <message>
+        <source>Where</source>
+        <translation>Ort</translation>
+    </message>
+    <message>
+        <source>Created</source>
+        <translation>Erstellt</translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation>Geändert</translation>
+    </message>
+    <message>
+        <source>Last opened</source>
+        <translation>Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>Owner</source>
+        <translation>Besitzer</translation>
+    </message>
+    <message>
+        <source>%1, group %2</source>
+        <translation>%1, Gruppe %2</translation>
+    </message>
+    <message>
+        <source>Permissions</source>
+        <translation>Zugriffsrechte</translation>
+    </message>
+    <message>
+        <source>%1 (%2 bytes)</source>
+        <translation>%1 (%2 Byte)</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::ItemListController</name>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>Im Dateimanager anzeigen</translation>
+    </message>
+    <message>
+        <source>Show Information</source>
+        <translation>Informationen anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::ItemListModel</name>
+    <message>
+        <source>Selected</source>
+        <translation>Ausgewählt</translation>
+    </message>
+    <message>
+        <source>Icon</source>
+        <translation>Symbol</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>Anzahl</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::LanguagesDrawer</name>
+    <message>
+        <source>Languages to keep</source>
+        <translation>Sprachen behalten</translation>
+    </message>
+    <message>
+        <source>Localizations in unchecked languages can be removed. English always stays.</source>
+        <translation>Lokalisierungen ohne Häkchen können entfernt werden. Englisch bleibt immer.</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::LanguagesTableView</name>
+    <message>
+        <source>Languages</source>
+        <translation>Sprachen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::ListPanel</name>
+    <message>
+        <source>Show Information</source>
+        <translation>Informationen anzeigen</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>Im Dateimanager anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::MainWindow</name>
+    <message>
+        <source>Languages</source>
+        <translation>Sprachen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::NotCleanedController</name>
+    <message>
+        <source>The clean was stopped, so other items may be left as well.</source>
+        <translation>Die Bereinigung wurde gestoppt; weitere Objekte können übrig sein.</translation>
+    </message>
+    <message>
+        <source>Everything else was cleaned.</source>
+        <translation>Alles Übrige wurde bereinigt.</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::NotCleanedListView</name>
+    <message>
+        <source>Items that were not removed</source>
+        <translation>Nicht entfernte Objekte</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy All</source>
+        <translation>Alle kopieren</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::NotCleanedSheet</name>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Some items were not removed</source>
+        <translation>Einige Objekte wurden nicht entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::SectionListModel</name>
+    <message>
+        <source>Not scanned</source>
+        <translation>Nicht gescannt</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::SectionPanels</name>
+    <message>
+        <source>1 application so far</source>
+        <translation>Bisher 1 Programm</translation>
+    </message>
+    <message>
+        <source>1 application</source>
+        <translation>1 Programm</translation>
+    </message>
+    <message>
+        <source>%1 applications so far</source>
+        <translation>Bisher %1 Programme</translation>
+    </message>
+    <message>
+        <source>%1 applications</source>
+        <translation>%1 Programme</translation>
+    </message>
+    <message>
+        <source>1 item so far</source>
+        <translation>Bisher 1 Objekt</translation>
+    </message>
+    <message>
+        <source>1 item</source>
+        <translation>1 Objekt</translation>
+    </message>
+    <message>
+        <source>%1 items so far</source>
+        <translation>Bisher %1 Objekte</translation>
+    </message>
+    <message>
+        <source>%1 items</source>
+        <translation>%1 Objekte</translation>
+    </message>
+    <message>
+        <source>Scanning...</source>
+        <translation>Wird gescannt …</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::SectionsTableView</name>
+    <message>
+        <source>Sections</source>
+        <translation>Bereiche</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::SelectAllButton</name>
+    <message>
+        <source>Select All</source>
+        <translation>Alle auswählen</translation>
+    </message>
+    <message>
+        <source>Unselect All</source>
+        <translation>Alle abwählen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::StartPage</name>
+    <message>
+        <source>Start Scan</source>
+        <translation>Scan starten</translation>
+    </message>
+    <message>
+        <source>Free up disk space</source>
+        <translation>Speicherplatz freigeben</translation>
+    </message>
+    <message>
+        <source>Caches, unneeded languages, logs, downloads and the trash:
+see what each one holds, tick what may go, and clean.</source>
+        <translation>Caches, nicht benötigte Sprachen, Protokolle, Downloads und der Papierkorb:
+ansehen, was sie enthalten, auswählen, was weg kann, und bereinigen.</translation>
+    </message>
+    <message>
+        <source>Select sections and press Scan button</source>
+        <translation>Bereiche auswählen und auf „Scannen“ klicken</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::TSectionViewController</name>
+    <message>
+        <source>No category selected</source>
+        <translation>Kein Bereich ausgewählt</translation>
+    </message>
+    <message>
+        <source>You should select category to scan.
+Select all and scan?</source>
+        <translation>Zum Scannen muss mindestens ein Bereich ausgewählt sein.
+Alle auswählen und scannen?</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to  completely delete the selected items?</source>
+        <translation>Möchten Sie die ausgewählten Objekte wirklich vollständig löschen?</translation>
+    </message>
+    <message>
+        <source>Files will be  permanently removed from your Hard Drive.</source>
+        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::UtilMod</name>
+    <message>
+        <source>Can&apos;t show file</source>
+        <translation>Die Datei kann nicht angezeigt werden</translation>
+    </message>
+    <message>
+        <source>No file manager answers. The file is in the folder %1</source>
+        <translation>Kein Dateimanager antwortet. Die Datei liegt im Ordner %1</translation>
+    </message>
+    <message>
+        <source>Can&apos;t find file</source>
+        <translation>Die Datei wurde nicht gefunden</translation>
+    </message>
+    <message>
+        <source>The file’s %1%2%1 does not exist or its existence could not be determined</source>
+        <translation>Die Datei %1%2%1 ist nicht vorhanden, oder es ließ sich nicht feststellen, ob sie vorhanden ist</translation>
+    </message>
+    <message>
+        <source>It holds 1 other item of the list, which goes with it.</source>
+        <translation>Enthält 1 weiteres Objekt der Liste, das ebenfalls entfernt wird.</translation>
+    </message>
+    <message>
+        <source>It holds %1 other items of the list, which go with it.</source>
+        <translation>Enthält %1 weitere Objekte der Liste, die ebenfalls entfernt werden.</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to completely delete “%1”?</source>
+        <translation>Möchten Sie „%1“ wirklich vollständig löschen?</translation>
+    </message>
+    <message>
+        <source>Files will be  permanently removed from your Hard Drive.</source>
+        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
+    </message>
+    <message>
+        <source>“%1” could not be removed</source>
+        <translation>„%1“ konnte nicht entfernt werden</translation>
+    </message>
+</context>
+</TS>
