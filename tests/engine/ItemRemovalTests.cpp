@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <clocale>
 #include <system_error>
 
 #include "engine/CLogsOperation.h"
@@ -41,6 +42,23 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(RemovalOfItems, TellsTheSystemsReasonInTheUsersLanguage) {
+    constexpr std::size_t tooLong = 300;
+    const auto item = home_ / std::string(tooLong, 'x');
+    const QString inEnglish = removeItemAt(item).reason;
+    EXPECT_EQ(inEnglish, QStringLiteral("File name too long"));
+    if (!fs::exists("/usr/share/locale/de/LC_MESSAGES/libc.mo")) {
+        GTEST_SKIP() << "the system does not speak German: libc-l10n is not installed";
+    }
+    const std::string locale = std::setlocale(LC_ALL, nullptr);
+    const QByteArray languages = qgetenv("LANGUAGE");
+    qputenv("LANGUAGE", "de");
+    std::setlocale(LC_ALL, "C.UTF-8");
+    EXPECT_EQ(removeItemAt(item).reason, QStringLiteral("Der Dateiname ist zu lang"));
+    qputenv("LANGUAGE", languages);
+    std::setlocale(LC_ALL, locale.c_str());
+}
 
 TEST_F(RemovalOfItems, TakesTheRecordOfATrashedItemAlong) {
     const auto user = std::to_string(::getuid());
