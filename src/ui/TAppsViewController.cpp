@@ -1,5 +1,7 @@
 #include "ui/TAppsViewController.h"
 
+#include <QCoreApplication>
+
 #include "ui/FilePicture.h"
 
 namespace brimvault::ui {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include "ui/FileListController.h"
 
 namespace brimvault::ui {
