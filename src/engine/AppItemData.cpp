@@ -35,6 +35,7 @@ std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::pa
     auto item = std::make_shared<AppItemData>();
     item->pAppName_ = path;
     item->displayName_ = FileManager::displayNameAtPath(path);
+    (void)item->nameKey();  // made here, not where the item is shown
     return item;
 }
 

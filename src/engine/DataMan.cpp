@@ -1,10 +1,12 @@
 #include "engine/DataMan.h"
 
 #include <QCoreApplication>
-#include <QSet>
+#include <QTimer>
 #include <array>
+#include <chrono>
 
 #include "engine/FileSize.h"
+#include "engine/LetGo.h"
 
 namespace brimvault::engine {
 
@@ -34,6 +36,7 @@ void DataMan::mainThreadFin(Section section, const Notification& notification) {
     replaceFrom(section, notification);
     progress.scanned = true;  // before the twin, whose observers ask for the subtitle
     sendNotification(vocabulary(section).interfaceFinished);
+    letGoLater(section, notification);
 }
 
 void DataMan::mainThreadProgr(Section section, const Notification& notification) {
@@ -76,10 +79,20 @@ void DataMan::mainThreadClean(Section section, const Notification& notification)
     if (section == Section::languageResources) {
         mainThreadAppResClean(notification);
     } else if (const auto gone = getArrayPropfromNotification<ItemArray>(notification, words.arrayKey)) {
-        const QSet<std::shared_ptr<FFItem>> removed(gone->cbegin(), gone->cend());
-        items_[section].removeIf([&](const auto& item) { return removed.contains(item); });
+        items_[section].remove(*gone);
     }
     sendNotification(words.interfaceFinished);
+    items_[section].forgetRemoved();
+    letGoLater(section, notification);
+}
+
+// What a notification carries may hold the last of very many items, and whoever forgets it last frees them. By then
+// the other observers have forgotten it, and perhaps the model has gone.
+void DataMan::letGoLater(Section section, const Notification& notification) {
+    constexpr std::chrono::seconds others{1};
+    if (const auto items = getArrayPropfromNotification<ItemArray>(notification, vocabulary(section).arrayKey)) {
+        QTimer::singleShot(others, qApp, [held = *items]() mutable { letGo(std::move(held)); });
+    }
 }
 
 void DataMan::mainThreadAppResClean(const Notification& notification) {
@@ -107,11 +120,11 @@ void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items
 }
 
 void DataMan::set(Section section, const std::optional<ItemArray>& items) {
-    items_[section] = items.value_or(ItemArray());
+    items_[section].replace(items.value_or(ItemArray()));
 }
 
 void DataMan::add(Section section, const std::optional<ItemArray>& items) {
-    items_[section] += items.value_or(ItemArray());
+    items_[section].append(items.value_or(ItemArray()));
 }
 
 void DataMan::updateResSizesForApps(const QStringList& neededLanguages) {
@@ -128,20 +141,21 @@ void DataMan::updateAppsItemsForSelfLangsforApps(const ApplicationArray& applica
 
 void DataMan::sendNotification(const QString& name) { NotificationCenter::defaultCenter().post(name); }
 
-DataMan::Sizes DataMan::sizes(Section section) const {
-    Sizes sums;
-    if (section == Section::languageResources) {
-        getsizeAndSelSize(applications_, &sums.all, &sums.selected);
-    } else {
-        getsizeAndSelSize(items_[section], &sums.all, &sums.selected);
+ItemSums DataMan::sums(Section section) const {
+    if (section != Section::languageResources) {
+        return items_[section].sums();
     }
-    return sums;
+    ItemSums found;
+    for (const auto& application : applications_) {
+        found.add(*application);
+    }
+    return found;
 }
 
 quint64 DataMan::getSize2CleanALL() const {
     quint64 sum = 0;
     for (const Section section : allSections) {
-        sum += sizes(section).all;
+        sum += sums(section).all;
     }
     return sum;
 }
@@ -150,7 +164,7 @@ quint64 DataMan::getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, 
     const std::array<bool, allSections.size()> wanted = {bApps, bDwn, bCh, bTr, bLogs};
     quint64 sum = 0;
     for (const Section section : allSections) {
-        sum += wanted[static_cast<std::size_t>(section)] ? sizes(section).selected : 0;
+        sum += wanted[static_cast<std::size_t>(section)] ? sums(section).selected : 0;
     }
     return sum;
 }
@@ -161,7 +175,7 @@ QString DataMan::subtitle(Section section) const {
         return QCoreApplication::translate("Subtitle", "Not Scanned");
     }
     const bool applications = section == Section::languageResources;
-    const Sizes found = sizes(section);
+    const ItemSums found = sums(section);
     if (progress.percent) {
         if (applications && *progress.percent == 0 && progress.count.value_or(0) != 0) {
             return QCoreApplication::translate("Subtitle", "%1 applications found").arg(*progress.count);

@@ -6,8 +6,10 @@
 #include <optional>
 #include <vector>
 
+#include "engine/ItemSums.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
+#include "engine/SectionItems.h"
 
 namespace brimvault::engine {
 
@@ -61,20 +63,24 @@ public:
     [[nodiscard]] const ItemArray& getTrashArray() const { return itemsOf(Section::trash); }
     [[nodiscard]] const ItemArray& getLogsArray() const { return itemsOf(Section::logs); }
     /// The array of a section of files; empty for Language Resources.
-    [[nodiscard]] const ItemArray& itemsOf(Section section) const { return items_[section]; }
+    [[nodiscard]] const ItemArray& itemsOf(Section section) const { return items_[section].items(); }
+    /// The same with what became of it; what was removed is known while the notification of it is posted.
+    [[nodiscard]] const SectionItems& sectionItems(Section section) const { return items_[section]; }
+    /// Of a section's items, with the marks that they have now.
+    [[nodiscard]] ItemSums sums(Section section) const;
 
     /// Bytes: of all items of a section, and of those selected.
-    [[nodiscard]] quint64 getSize2CleanApps() const { return sizes(Section::languageResources).all; }
-    [[nodiscard]] quint64 getSize2CleanDwns() const { return sizes(Section::downloads).all; }
-    [[nodiscard]] quint64 getSize2CleanCaches() const { return sizes(Section::caches).all; }
-    [[nodiscard]] quint64 getSize2CleanTrash() const { return sizes(Section::trash).all; }
-    [[nodiscard]] quint64 getSize2CleanLogs() const { return sizes(Section::logs).all; }
+    [[nodiscard]] quint64 getSize2CleanApps() const { return sums(Section::languageResources).all; }
+    [[nodiscard]] quint64 getSize2CleanDwns() const { return sums(Section::downloads).all; }
+    [[nodiscard]] quint64 getSize2CleanCaches() const { return sums(Section::caches).all; }
+    [[nodiscard]] quint64 getSize2CleanTrash() const { return sums(Section::trash).all; }
+    [[nodiscard]] quint64 getSize2CleanLogs() const { return sums(Section::logs).all; }
     [[nodiscard]] quint64 getSize2CleanALL() const;
-    [[nodiscard]] quint64 getSize2CleanAppsSel() const { return sizes(Section::languageResources).selected; }
-    [[nodiscard]] quint64 getSize2CleanDwnsSel() const { return sizes(Section::downloads).selected; }
-    [[nodiscard]] quint64 getSize2CleanCachesSel() const { return sizes(Section::caches).selected; }
-    [[nodiscard]] quint64 getSize2CleanTrashSel() const { return sizes(Section::trash).selected; }
-    [[nodiscard]] quint64 getSize2CleanLogsSel() const { return sizes(Section::logs).selected; }
+    [[nodiscard]] quint64 getSize2CleanAppsSel() const { return sums(Section::languageResources).selected; }
+    [[nodiscard]] quint64 getSize2CleanDwnsSel() const { return sums(Section::downloads).selected; }
+    [[nodiscard]] quint64 getSize2CleanCachesSel() const { return sums(Section::caches).selected; }
+    [[nodiscard]] quint64 getSize2CleanTrashSel() const { return sums(Section::trash).selected; }
+    [[nodiscard]] quint64 getSize2CleanLogsSel() const { return sums(Section::logs).selected; }
     [[nodiscard]] quint64 getSize2CleanALLSel() const { return getSize2CleanALLSel(true, true, true, true, true); }
     /// Of the sections whose flag is set.
     [[nodiscard]] quint64 getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const;
@@ -96,10 +102,6 @@ public:
     static void sendNotification(const QString& name);
 
 private:
-    struct Sizes {
-        quint64 all = 0;
-        quint64 selected = 0;
-    };
     struct Progress {
         std::optional<Number> count;
         std::optional<Number> percent;  ///< set exactly while a scan of the section reports progress
@@ -119,13 +121,13 @@ private:
 
     void set(Section section, const std::optional<ItemArray>& items);
     void add(Section section, const std::optional<ItemArray>& items);
+    void letGoLater(Section section, const Notification& notification);
     void updateAppsItemsForSelfLangsforApps(const ApplicationArray& applications) const;
 
-    [[nodiscard]] Sizes sizes(Section section) const;
     [[nodiscard]] QString subtitle(Section section) const;
 
     ApplicationArray applications_;
-    PerSection<ItemArray> items_;
+    PerSection<SectionItems> items_;
     PerSection<Progress> progress_;
     QStringList platestNeededLangs_;
 

@@ -8,6 +8,7 @@ std::shared_ptr<FFItem> FFItem::initWithName(const std::filesystem::path& name, 
     auto item = std::make_shared<FFItem>();
     item->pfname_ = name;
     item->pfSize_ = nsz;
+    (void)item->nameKey();  // made here, not where the item is shown
     return item;
 }
 

@@ -28,7 +28,10 @@ public:
     void setIcon(IconSource icon) { pIcon_ = icon; }
     /// Bytes, to be used as a file name again; `ppdisplayName` is for people.
     [[nodiscard]] const std::filesystem::path& pfname() const { return pfname_; }
-    void setPfname(const std::filesystem::path& name) { pfname_ = name; }
+    void setPfname(const std::filesystem::path& name) {
+        pfname_ = name;
+        nameChanged();
+    }
     [[nodiscard]] quint64 pfSize() const { return pfSize_; }
     /// Empty when the item is addressed by its name.
     [[nodiscard]] const std::filesystem::path& pfpath() const { return pfpath_; }

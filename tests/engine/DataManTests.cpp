@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <QThread>
+#include <algorithm>
+#include <random>
 #include <thread>
 
 #include "support/EventLoop.h"
@@ -134,6 +136,58 @@ TEST_P(FileSectionOfModel, LosesExactlyWhatACleanRemoved) {
     post(words.cleanFinished);
     EXPECT_EQ(items().size(), 3);
     EXPECT_EQ(heard.names().size(), 3);
+}
+
+// Sums are kept as items come; whatever happens, they are those of the items that are there, with their marks.
+TEST_P(FileSectionOfModel, SumsUpWhatIsThereWhateverComesGoesAndIsTicked) {
+    std::mt19937 random(5);
+    ItemArray expected;
+    for (int round = 0; round < 300; ++round) {
+        ItemArray found;
+        for (auto count = random() % 20; count > 0; --count) {
+            found.append(item("found", random() % 3 * 100, random() % 4 != 0));
+        }
+        switch (random() % 6) {
+            case 0:
+            case 1:
+                progress({{words.deltaKey, found}}, 50);
+                expected += found;
+                break;
+            case 2:
+                expected = random() % 2 == 0 ? expected + found : found;
+                post(words.scanFinished, {{words.arrayKey, expected}});
+                break;
+            case 3:
+            case 4: {
+                ItemArray gone = {item("never there", 1)};
+                const auto share = random() % 4 + 1;
+                expected.removeIf([&](const auto& there) {
+                    const bool goes = random() % 4 < share;
+                    if (goes) {
+                        gone.append(there);
+                    }
+                    return goes;
+                });
+                if (random() % 2 == 0) {
+                    std::shuffle(gone.begin(), gone.end(), random);
+                }
+                post(words.cleanFinished, {{words.arrayKey, gone}});
+                break;
+            }
+            default:
+                for (const auto& there : std::as_const(expected)) {
+                    there->setPpbChecked(random() % 3 == 0);
+                }
+        }
+        ASSERT_EQ(items(), expected) << round;
+        engine::ItemSums sums;
+        for (const auto& there : std::as_const(expected)) {
+            sums.add(*there);
+        }
+        ASSERT_EQ(model.getSize2CleanALL(), sums.all) << round;
+        ASSERT_EQ(model.getSize2CleanALLSel(), sums.selected) << round;
+        ASSERT_EQ(model.sums(GetParam()).checkstate(), sums.checkstate()) << round;
+    }
 }
 
 TEST_P(FileSectionOfModel, TakesNothingFromAnotherSectionsNotifications) {
