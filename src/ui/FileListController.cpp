@@ -26,13 +26,31 @@ RowPicture pictureOf(const engine::FFItem& item) {
 FileListController::FileListController(engine::Section section, const Surroundings& surroundings)
     : ItemListController(section, surroundings) {}
 
-void FileListController::awake(const QString& accessibleName) {
-    ItemListController::awake(accessibleName);
+void FileListController::viewDidLoad() {
     connect(view(), &TTableView::removeRequested, this, &FileListController::onClickedRemove);
 }
 
-QList<ItemListController::Item> FileListController::items() const {
-    return notEmpty(surroundings().pDS.itemsOf(section()));
+// While a scan goes on a very long list is told again and again that it has grown a little, and a clean tells it what
+// has gone; what stays is not looked at.
+int FileListController::updateRows(int row) {
+    const auto& found = surroundings().pDS.sectionItems(section());
+    const auto generation = found.generation();
+    int place = row;
+    if (generation == generation_ + 1 && !found.removed().isEmpty() && found.removed().size() < found.items().size()) {
+        QList<const engine::CleanableItem*> gone;
+        for (const auto& item : found.removed()) {
+            gone.append(item.get());
+        }
+        place = model().removeItems(gone, row);
+    } else if (generation != generation_) {
+        place = model().setItems(notEmpty(found.items()), row);
+    } else {
+        model().appendItems(notEmpty(found.items(), takenCount_));
+    }
+    generation_ = generation;
+    takenCount_ = found.items().size();
+    model().followMarks();
+    return place;
 }
 
 ItemListModel::Texts FileListController::texts() const {
@@ -49,12 +67,6 @@ std::filesystem::path FileListController::pathOf(const engine::CleanableItem& it
 
 std::shared_ptr<engine::FFItem> FileListController::getSelectedItem() const {
     return std::static_pointer_cast<engine::FFItem>(selectedItem());
-}
-
-quint64 FileListController::getSize2CleanMyItems() const {
-    quint64 size = 0;
-    engine::DataMan::getsizeAndSelSize(surroundings().pDS.itemsOf(section()), &size, nullptr);
-    return size;
 }
 
 void FileListController::addActions(QMenu& menu) {
@@ -100,7 +112,8 @@ void FileListController::onClickedRemove() {
 engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folder) const {
     engine::ItemArray inside;
     const auto beginning = folder.native() + "/";
-    for (const auto& item : model().items()) {
+    for (int row = 0; row < model().rowCount(); ++row) {
+        const auto& item = model().item(row);
         if (file(*item).pfpath().native().starts_with(beginning)) {
             inside.append(std::static_pointer_cast<engine::FFItem>(item));
         }

@@ -16,7 +16,6 @@ class FileListController : public ItemListController {
 public:
     /// Null when no row is selected.
     [[nodiscard]] std::shared_ptr<engine::FFItem> getSelectedItem() const;
-    [[nodiscard]] quint64 getSize2CleanMyItems() const override;
 
     /// Asks, removes the item for good, and drops it from the list once it is gone.
     void onClickedRemove();
@@ -28,9 +27,6 @@ public:
 
 protected:
     FileListController(engine::Section section, const Surroundings& surroundings);
-    /// To be called once, at the end of the constructor of a section's own list.
-    void awake(const QString& accessibleName);
-
     [[nodiscard]] virtual QString nameOf(const engine::FFItem& item) const { return item.ppdisplayName(); }
     /// For the tooltip; empty for none.
     [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const {
@@ -38,12 +34,16 @@ protected:
     }
 
 private:
-    [[nodiscard]] QList<Item> items() const override;
+    void viewDidLoad() override;
+    int updateRows(int row) override;
     [[nodiscard]] ItemListModel::Texts texts() const override;
     [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
     void addActions(QMenu& menu) override;
     [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
     void removeFinished(const engine::ItemArray& items, bool success);
+
+    quint64 generation_ = 0;    ///< of the section's items, as far as the rows hold them
+    qsizetype takenCount_ = 0;  ///< how many of them the rows have taken in
 };
 
 }  // namespace brimvault::ui

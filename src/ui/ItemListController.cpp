@@ -3,7 +3,6 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QScrollBar>
-#include <QSet>
 #include <algorithm>
 
 #include "engine/Notifications.h"
@@ -17,22 +16,26 @@ ItemListController::ItemListController(engine::Section section, const Surroundin
 ItemListController::~ItemListController() = default;
 
 void ItemListController::awake(const QString& accessibleName) {
+    accessibleName_ = accessibleName;
     model_ = new ItemListModel(texts(), this);
-    ptableView_ = new TTableView;
-    ptableView_->setAccessibleName(accessibleName);
-    ptableView_->setModel(model_);
-    ptableView_->horizontalHeader()->setSortIndicator(ItemListModel::nameColumn, Qt::AscendingOrder);
     connect(model_, &ItemListModel::checkRequested, this, &ItemListController::setItemChecked);
-    connect(ptableView_->horizontalHeader(), &QHeaderView::sectionClicked, this,
-            &ItemListController::didClickTableColumn);
-    // The second of two quick clicks counts as one too.
-    connect(ptableView_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
-            &ItemListController::didClickTableColumn);
-    connect(ptableView_, &TTableView::menuRequested, this, &ItemListController::showMenu);
     const auto words = engine::vocabulary(section_);
     observe(words.interfaceFinished);
     observe(words.interfaceProgress);
     updateTableKeepSelection();
+}
+
+void ItemListController::loadView() {
+    ptableView_ = new TTableView;
+    ptableView_->setAccessibleName(accessibleName_);
+    ptableView_->setModel(model_);
+    auto* header = ptableView_->horizontalHeader();
+    header->setSortIndicator(model_->sortColumn(), model_->sortOrder());
+    connect(header, &QHeaderView::sectionClicked, this, &ItemListController::didClickTableColumn);
+    // The second of two quick clicks counts as one too.
+    connect(header, &QHeaderView::sectionDoubleClicked, this, &ItemListController::didClickTableColumn);
+    connect(ptableView_, &TTableView::menuRequested, this, &ItemListController::showMenu);
+    viewDidLoad();
 }
 
 // The twins are posted on the main thread, so the list refreshes before they return.
@@ -42,29 +45,20 @@ void ItemListController::observe(const QString& name) {
 }
 
 void ItemListController::updateTableKeepSelection() {
-    const auto selected = selectedItem();
+    if (ptableView_ == nullptr) {
+        updateRows(0);
+        return;
+    }
+    const bool selected = hasSelectedItem();
     const QModelIndex current = ptableView_->currentIndex();
     const auto currentItem = current.isValid() ? model_->item(current.row()) : nullptr;
     const int scrolled = ptableView_->verticalScrollBar()->value();
-    const QList<Item> shown = items();
-    const bool currentGoes = currentItem != nullptr && !shown.contains(currentItem);
-    const int place = currentGoes ? rowsThatStay(shown, current.row()) : 0;
-    model_->setItems(shown);
-    if (currentGoes && hasItems()) {
-        replaceCurrent(place, selected != nullptr);
+    const int place = updateRows(current.isValid() ? current.row() : 0);
+    if (currentItem != nullptr && !model_->contains(currentItem.get()) && hasItems()) {
+        replaceCurrent(place, selected);
     }
     ptableView_->verticalScrollBar()->setValue(scrolled);
     Q_EMIT tableUpdated();
-}
-
-// How many of the rows above one stay: the place of what follows it.
-int ItemListController::rowsThatStay(const QList<Item>& items, int above) const {
-    const QSet<Item> staying(items.cbegin(), items.cend());
-    int count = 0;
-    for (int row = 0; row < above; ++row) {
-        count += staying.contains(model_->item(row)) ? 1 : 0;
-    }
-    return count;
 }
 
 // Rows take the selection with them. Only where the current item is gone, the one that now stands in its place follows
@@ -76,28 +70,15 @@ void ItemListController::replaceCurrent(int row, bool selected) {
 }
 
 ItemListController::Item ItemListController::selectedItem() const {
+    if (ptableView_ == nullptr) {
+        return nullptr;
+    }
     const auto rows = ptableView_->selectionModel()->selectedRows();
     return rows.isEmpty() ? nullptr : model_->item(rows.first().row());
 }
 
-int ItemListController::getcheckstate() const {
-    bool checked = false;
-    bool unchecked = false;
-    for (const auto& item : model_->items()) {
-        checked = checked || item->ppbChecked();
-        unchecked = unchecked || (!item->ppbChecked() && item->ppbDeletable());
-        if (checked && unchecked) {
-            return -1;
-        }
-    }
-    return checked ? 1 : 0;
-}
-
 void ItemListController::selectAllItems(int state) {
-    for (const auto& item : model_->items()) {
-        item->setPpbChecked(state != 0 && item->ppbDeletable());
-    }
-    model_->checksChanged(0, model_->rowCount() - 1);
+    model_->setAllChecked(state != 0);
     updateTableKeepSelection();
 }
 
@@ -148,7 +129,7 @@ void ItemListController::onClickedGetInfo() {
 
 void ItemListController::updateCleaningState(bool cleaning) {
     model_->setEnabled(!cleaning);
-    if (ptableView_->isVisible()) {
+    if (ptableView_ != nullptr && ptableView_->isVisible()) {
         updateTableKeepSelection();
     }
 }

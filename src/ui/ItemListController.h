@@ -20,7 +20,8 @@ class QMenu;
 namespace brimvault::ui {
 
 /// The list of one section: it shows what the model holds, keeps the order, and passes on what the user does. What its
-/// items are, and what else can be done to them, is each list's own. Main thread.
+/// items are, and what else can be done to them, is each list's own. The rows follow the model from the start, so that
+/// they need not be made when the list is shown first; the view is made then. Main thread.
 class ItemListController : public QObject {
     Q_OBJECT
 
@@ -36,18 +37,21 @@ public:
     ~ItemListController() override;
 
     [[nodiscard]] engine::Section section() const { return section_; }
+    /// Null until `loadView`.
     [[nodiscard]] TTableView* view() const { return ptableView_; }
+    /// Makes the view, once.
+    void loadView();
 
     [[nodiscard]] bool hasItems() const { return model_->rowCount() > 0; }
     [[nodiscard]] qsizetype itemCount() const { return model_->rowCount(); }
     [[nodiscard]] bool hasSelectedItem() const { return selectedItem() != nullptr; }
     /// -1 some, 0 none, 1 all; what cannot be removed counts only when it is ticked.
-    [[nodiscard]] int getcheckstate() const;
+    [[nodiscard]] int getcheckstate() const { return surroundings_.pDS.sums(section_).checkstate(); }
     /// Ticks (1) or unticks (0) everything; what cannot be removed is never ticked.
     void selectAllItems(int state);
 
     /// Bytes of this section.
-    [[nodiscard]] virtual quint64 getSize2CleanMyItems() const = 0;
+    [[nodiscard]] quint64 getSize2CleanMyItems() const { return surroundings_.pDS.sums(section_).all; }
 
     /// Check boxes may be changed unless a clean runs.
     void updateCleaningState(bool cleaning);
@@ -67,14 +71,17 @@ protected:
     ItemListController(engine::Section section, const Surroundings& surroundings);
     /// To be called once, at the end of the constructor of a section's own list.
     void awake(const QString& accessibleName);
+    /// The view is there, and not yet shown.
+    virtual void viewDidLoad() {}
 
-    /// What the model holds for the section and is not empty, as found.
-    [[nodiscard]] virtual QList<Item> items() const = 0;
-    /// What is empty frees nothing, and is not listed.
+    /// Has the rows be what the model holds for the section and is not empty. Answers how many rows above the one given
+    /// have stayed.
+    virtual int updateRows(int row) = 0;
+    /// What is empty frees nothing, and is not listed. Of what was found, from the index on.
     template <typename Found>
-    [[nodiscard]] static QList<Item> notEmpty(const QList<std::shared_ptr<Found>>& found) {
+    [[nodiscard]] static QList<Item> notEmpty(const QList<std::shared_ptr<Found>>& found, qsizetype first = 0) {
         QList<Item> items;
-        std::copy_if(found.begin(), found.end(), std::back_inserter(items),
+        std::copy_if(found.begin() + first, found.end(), std::back_inserter(items),
                      [](const auto& item) { return item->ppnSize() != 0; });
         return items;
     }
@@ -94,11 +101,11 @@ private:
     void setItemChecked(int row, bool checked);
     void didClickTableColumn(int column);
     void showMenu(const QPoint& globalPosition);
-    [[nodiscard]] int rowsThatStay(const QList<Item>& items, int above) const;
     void replaceCurrent(int row, bool selected);
 
     const engine::Section section_;
     const Surroundings surroundings_;
+    QString accessibleName_;
     ItemListModel* model_ = nullptr;
     TTableView* ptableView_ = nullptr;  ///< the window that shows it becomes its owner
     std::vector<engine::NotificationCenter::Observation> observations_;

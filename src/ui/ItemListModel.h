@@ -1,8 +1,9 @@
 #pragma once
 
 #include <QAbstractTableModel>
-#include <QCollator>
-#include <QSet>
+#include <QHash>
+
+#include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -13,7 +14,8 @@
 namespace brimvault::ui {
 
 /// The rows of an item list, sorted. Rows come and go and change places as such, so that the selection and the current
-/// row of a view stay with their items. Main thread.
+/// row of a view stay with their items. What comes is merged into what is there, and the order of names is always kept,
+/// so that no look at a very long list begins from the start. Main thread.
 class ItemListModel final : public QAbstractTableModel {
     Q_OBJECT
 
@@ -35,17 +37,29 @@ public:
     };
 
     explicit ItemListModel(Texts texts, QObject* parent = nullptr);
+    ~ItemListModel() override;
 
-    /// Shows exactly these items, each once, with the sizes and counts that they have now.
-    void setItems(const QList<Item>& items);
-    [[nodiscard]] const Item& item(int row) const { return rows_[static_cast<std::size_t>(row)].item; }
-    /// The items as shown, from the top.
-    [[nodiscard]] QList<Item> items() const;
+    /// Shows exactly these items, each once, with the sizes and counts that they have now. Answers how many rows above
+    /// the one given have stayed: the place of what followed it, where it has gone itself.
+    int setItems(const QList<Item>& items, int row = 0);
+    /// Shows these as well; those that are shown already stay as they are.
+    void appendItems(const QList<Item>& items);
+    /// Shows these no more; answers as `setItems` does.
+    int removeItems(const QList<const engine::CleanableItem*>& items, int row = 0);
+    /// Puts the rows in order where marks have changed that they are sorted by.
+    void followMarks();
+
+    [[nodiscard]] const Item& item(int row) const { return rows_[static_cast<std::size_t>(row)]->item; }
+    [[nodiscard]] bool contains(const engine::CleanableItem* item) const { return known_.contains(item); }
     /// -1 when the item is not shown.
     [[nodiscard]] int rowOf(const engine::CleanableItem* item) const;
+    /// Ticks or unticks everything; what cannot be removed is never ticked.
+    void setAllChecked(bool checked);
 
-    /// Sorts by a column, the icon column excepted; the rows of later `setItems` too.
+    /// Sorts by a column, the icon column excepted; the rows that come later too.
     void sort(int column, Qt::SortOrder order) override;
+    [[nodiscard]] int sortColumn() const { return sortColumn_; }
+    [[nodiscard]] Qt::SortOrder sortOrder() const { return sortOrder_; }
     /// Tells views that the check states of rows changed.
     void checksChanged(int firstRow, int lastRow);
     /// Whether check boxes may be changed.
@@ -67,34 +81,45 @@ Q_SIGNALS:
 private:
     struct Row {
         Item item;
-        QCollatorSortKey nameKey;
-        QCollatorSortKey fullNameKey;
-        quint64 size;   ///< bytes, as shown
-        quint64 count;  ///< as shown; 0 where none is
+        const engine::NameKey* nameKey;  ///< the item's
+        quint64 size;                    ///< bytes, as shown
+        quint64 count;                   ///< as shown; 0 where none is
+        int number;                      ///< in the order in which rows came
+        bool gone = false;
     };
+    using Rows = std::vector<Row*>;
 
-    [[nodiscard]] Row makeRow(const Item& item) const;
-    [[nodiscard]] bool isBefore(const Row& left, const Row& right) const;
     [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;
     [[nodiscard]] quint64 countOf(const engine::CleanableItem& item) const {
         return texts_.count ? texts_.count(item) : 0;
     }
+
+    [[nodiscard]] static bool isNameBefore(const Row* left, const Row* right);
+    /// What the rows are sorted by, as a number that grows from the top; not for names.
+    [[nodiscard]] quint64 rankOf(const Row& row) const;
+    [[nodiscard]] bool isBefore(const Row* left, const Row* right) const;
+    [[nodiscard]] Rows sortedRows() const;
+
     /// Takes in the sizes and counts of the rows that are there; false when none has changed.
     bool updateValues();
-    void dropRowsNotIn(const QList<Item>& items);
-    void appendNewRows(const QList<Item>& items);
-    /// Sorts what stands behind the rows that are sorted already, and merges the two.
-    void sortRows(std::size_t alreadySorted);
-    /// Puts the row that is at `order[n]` to place n.
-    void permute(const std::vector<int>& order);
+    void removeAll();
+    /// Those marked as gone; answers as `removeItems` does.
+    int removeMarked(int row);
+    void forget(const Rows& gone);
+    /// Leaves behind what the store holds of rows that have gone.
+    void renewStore();
+    /// Has the views follow the rows to the places that they take there; the same rows.
+    void reorder(Rows rows);
 
     Texts texts_;
-    QCollator collator_;
-    std::vector<Row> rows_;
-    QSet<const engine::CleanableItem*> known_;  ///< the items of the rows
-    QList<Item> shown_;                         ///< as last given
+    std::deque<Row> store_;  ///< in which rows stay where they are, in the order in which they came; some have gone
+    int nextNumber_ = 0;
+    Rows rows_;    ///< as shown, from the top
+    Rows byName_;  ///< the same, in the order of names
+    QHash<const engine::CleanableItem*, Row*> known_;
     int sortColumn_ = nameColumn;
     Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
+    quint64 marksSorted_ = 0;  ///< the revision of the marks by which the rows are in order
     bool enabled_ = true;
 };
 

@@ -28,32 +28,43 @@ QString countText(Section section, qsizetype items, bool more) {
 
 SectionPanels::SectionPanels(ListPanel& panel, TSectionViewController& sections, ApplicationController& application,
                              UtilMod& util)
-    : panel_(panel), sections_(sections), application_(application), util_(util) {}
-
-void SectionPanels::show(int row) {
-    activeRow_ = row;
-    if (!pDynControllers_[static_cast<std::size_t>(row)]) {
+    : panel_(panel), sections_(sections), application_(application), util_(util) {
+    for (int row = 0; row < sectionRowCount; ++row) {
         createController(row);
     }
-    showPanel(row);
 }
 
 void SectionPanels::createController(int row) {
     auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
     slot = makeListController(sectionRows()[static_cast<std::size_t>(row)].section,
                               {sections_.getAppResDS(), sections_, application_, util_});
-    panel_.addList(slot->view());
-    connect(slot.get(), &ItemListController::tableUpdated, this, [this] {
-        updateTitle();
-        updateSelectAllButton();
+    connect(slot.get(), &ItemListController::tableUpdated, this, [this, row] {
+        if (row == activeRow_) {
+            updateTitle();
+            updateSelectAllButton();
+        }
     });
-    slot->updateCleaningState(isRemoving());
+}
+
+void SectionPanels::show(int row) {
+    activeRow_ = row;
+    auto& shown = controller(row);
+    if (shown.view() == nullptr) {
+        loadView(shown);
+    }
+    showPanel(row);
+}
+
+void SectionPanels::loadView(ItemListController& controller) {
+    controller.loadView();
+    panel_.addList(controller.view());
+    controller.updateCleaningState(isRemoving());
 }
 
 void SectionPanels::showPanel(int row) {
-    for (std::size_t slot = 0; slot < pDynControllers_.size(); ++slot) {
-        if (pDynControllers_[slot]) {
-            pDynControllers_[slot]->view()->setVisible(static_cast<int>(slot) == row);
+    for (const auto& slot : pDynControllers_) {
+        if (slot->view() != nullptr) {
+            slot->view()->setVisible(slot.get() == &controller(row));
         }
     }
     updateTitle();
@@ -61,22 +72,18 @@ void SectionPanels::showPanel(int row) {
 }
 
 ItemListController* SectionPanels::getCurrentSectionController() const {
-    return activeRow_ < 0 ? nullptr : pDynControllers_[static_cast<std::size_t>(activeRow_)].get();
+    return activeRow_ < 0 ? nullptr : &controller(activeRow_);
 }
 
 void SectionPanels::refreshLists() {
     for (const auto& controller : pDynControllers_) {
-        if (controller) {
-            controller->updateTableKeepSelection();
-        }
+        controller->updateTableKeepSelection();
     }
 }
 
 void SectionPanels::updateCleaningState() {
     for (const auto& controller : pDynControllers_) {
-        if (controller) {
-            controller->updateCleaningState(isRemoving());
-        }
+        controller->updateCleaningState(isRemoving());
     }
 }
 

@@ -12,8 +12,8 @@
 
 namespace brimvault::ui {
 
-/// The lists of the sections, of which one is shown at a time, each made when it is shown first; with the title above
-/// them and the check box that ticks all of one. Main thread.
+/// The lists of the sections, of which one is shown at a time, its view made when it is shown first; with the title
+/// above them and the check box that ticks all of one. Main thread.
 class SectionPanels final : public QObject {
     Q_OBJECT
 
@@ -38,6 +38,10 @@ public:
 
 private:
     void createController(int row);
+    [[nodiscard]] ItemListController& controller(int row) const {
+        return *pDynControllers_[static_cast<std::size_t>(row)];
+    }
+    void loadView(ItemListController& controller);
     void showPanel(int row);
     [[nodiscard]] bool isRemoving() const { return application_.pbCleanning() || application_.pbRemoving(); }
 

@@ -24,11 +24,6 @@ RowPicture packagePicture(const std::filesystem::path& package) {
 TAppsViewController::TAppsViewController(const Surroundings& surroundings)
     : ItemListController(engine::Section::languageResources, surroundings) {
     awake(QCoreApplication::translate("Section", "Language Resources"));
-    view()->setCheckSelects(false);
-}
-
-QList<ItemListController::Item> TAppsViewController::items() const {
-    return notEmpty(surroundings().pDS.getAppsArray());
 }
 
 ItemListModel::Texts TAppsViewController::texts() const {

@@ -17,10 +17,10 @@ public:
 
     /// Null when no row is selected.
     [[nodiscard]] std::shared_ptr<engine::AppItemData> getSelectedApp() const;
-    [[nodiscard]] quint64 getSize2CleanMyItems() const override { return surroundings().pDS.getSize2CleanApps(); }
 
 private:
-    [[nodiscard]] QList<Item> items() const override;
+    void viewDidLoad() override { view()->setCheckSelects(false); }
+    int updateRows(int row) override { return model().setItems(notEmpty(surroundings().pDS.getAppsArray()), row); }
     [[nodiscard]] ItemListModel::Texts texts() const override;
     [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
 };

@@ -24,8 +24,8 @@ class ItemListModelTest : public testing::Test {
 protected:
     std::vector<std::string> names() const {
         std::vector<std::string> found;
-        for (const auto& item : model_.items()) {
-            found.push_back(item->ppdisplayName().toStdString());
+        for (int row = 0; row < model_.rowCount(); ++row) {
+            found.push_back(model_.item(row)->ppdisplayName().toStdString());
         }
         return found;
     }
@@ -93,6 +93,80 @@ TEST_F(ItemListModelTest, RowsKeepTheirSelectionWhateverComesGoesAndMoves) {
         ASSERT_EQ(selection.selectedRows().size(), 1);
         ASSERT_EQ(model_.item(selection.selectedRows().first().row()), followed);
         ASSERT_EQ(model_.item(selection.currentIndex().row()), followed);
+    }
+}
+
+// Every way in which rows change, against the plain rule of their order.
+TEST_F(ItemListModelTest, RowsStandInOrderWhateverComesGoesAndIsTicked) {
+    std::mt19937 random(11);
+    QList<ItemListModel::Item> shown;
+    int column = ItemListModel::nameColumn;
+    bool ascending = true;
+    const auto isBefore = [&](const ItemListModel::Item& left, const ItemListModel::Item& right) {
+        const auto number = [&](const ItemListModel::Item& item) {
+            return column == ItemListModel::checkColumn ? quint64{item->ppbChecked()} : item->ppnSize();
+        };
+        const int byName = left->nameKey().compare(right->nameKey());
+        if (column == ItemListModel::nameColumn) {
+            return ascending ? byName < 0 : byName > 0;
+        }
+        if (number(left) != number(right)) {
+            return ascending == (number(left) < number(right));
+        }
+        return byName < 0;
+    };
+    for (int round = 0; round < 400; ++round) {
+        const auto grow = [&](std::mt19937::result_type count) {
+            QList<ItemListModel::Item> added;
+            for (; count > 0; --count) {
+                added.append(makeItem("item " + std::to_string(random()) + ".log", random() % 5 + 1));
+            }
+            shown += added;
+            return added;
+        };
+        switch (random() % 6) {
+            case 0:
+            case 1:
+                model_.appendItems(grow(random() % 40));
+                break;
+            case 2: {
+                QList<const engine::CleanableItem*> gone;
+                const auto share = random() % 3 + 1;
+                shown.removeIf([&](const auto& item) {
+                    const bool goes = random() % 4 < share;
+                    if (goes) {
+                        gone.append(item.get());
+                    }
+                    return goes;
+                });
+                model_.removeItems(gone);
+                break;
+            }
+            case 3:
+                shown = shown.mid(static_cast<qsizetype>(random()) % (shown.size() + 1));
+                grow(random() % 10);
+                model_.setItems(shown);
+                break;
+            case 4:
+                for (const auto& item : std::as_const(shown)) {
+                    item->setPpbChecked(random() % 3 != 0);
+                }
+                model_.followMarks();
+                break;
+            default: {
+                const int columns[] = {ItemListModel::checkColumn, ItemListModel::nameColumn,
+                                       ItemListModel::sizeColumn};
+                column = columns[random() % 3];
+                ascending = random() % 2 == 0;
+                model_.sort(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+            }
+        }
+        auto expected = shown;
+        std::sort(expected.begin(), expected.end(), isBefore);
+        ASSERT_EQ(model_.rowCount(), expected.size()) << round;
+        for (int row = 0; row < model_.rowCount(); ++row) {
+            ASSERT_EQ(model_.item(row), expected[row]) << "round " << round << ", row " << row;
+        }
     }
 }
 

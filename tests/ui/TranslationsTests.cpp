@@ -10,7 +10,7 @@
 
 #include "support/TextPrinting.h"
 #include "ui/InfoWindow.h"
-#include "ui/MessageBoxAlerts.h"
+#include "ui/WindowAlerts.h"
 #include "ui/WindowFixture.h"
 
 namespace brimvault::tests {
@@ -214,7 +214,7 @@ TEST_F(SpeakingWindow, SpeaksGerman) {
         }
         buttons.append(box.checkBox()->text());
     });
-    ui::MessageBoxAlerts().runModal(alerts_.asked[0], window());
+    ui::WindowAlerts().runModal(alerts_.asked[0], window());
     EXPECT_THAT(buttons, testing::UnorderedElementsAre(QStringLiteral("OK"), QStringLiteral("Abbrechen"),
                                                        QStringLiteral("Diese Meldung nicht mehr anzeigen")));
 }
