@@ -89,18 +89,15 @@ void ItemListController::setItemChecked(int row, bool checked) {
     surroundings_.pCheckListener.setSectionChecked(section_, checked);
 }
 
+// A first click shows names from A, what is ticked and what is large from the top; each further one turns the order
+// round. By then the header has turned its arrow as it sees fit, whichever column it was.
 void ItemListController::didClickTableColumn(int column) {
-    auto* header = ptableView_->horizontalHeader();
-    if (column == ItemListModel::iconColumn) {
-        return;
+    if (column != ItemListModel::iconColumn) {
+        const bool again = column == model_->sortColumn();
+        const bool ascending = again ? model_->sortOrder() == Qt::DescendingOrder : column == ItemListModel::nameColumn;
+        model_->sort(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
     }
-    // A first click shows names from A, what is ticked and what is large from the top.
-    auto order = column == ItemListModel::nameColumn ? Qt::AscendingOrder : Qt::DescendingOrder;
-    if (column == header->sortIndicatorSection()) {
-        order = header->sortIndicatorOrder() == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
-    }
-    header->setSortIndicator(column, order);
-    model_->sort(column, order);
+    ptableView_->horizontalHeader()->setSortIndicator(model_->sortColumn(), model_->sortOrder());
 }
 
 void ItemListController::showMenu(const QPoint& globalPosition) {

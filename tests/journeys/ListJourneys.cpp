@@ -107,6 +107,25 @@ TEST_F(ListJourney, ShowsEverySectionAndCleansWhatIsTicked) {
     EXPECT_EQ(guide_->list(), nullptr);  // an empty list gives way to words
 }
 
+TEST_F(ListJourney, EachClickOnAHeaderTurnsTheOrderRound) {
+    show(trashRow);
+    const QStringList fromA({text("draft.doc"), text("holiday.jpg"), text("old project")});
+    const QStringList fromZ(fromA.rbegin(), fromA.rend());
+    const auto* header = guide_->list()->horizontalHeader();
+    guide_->clickHeader(ui::ItemListModel::nameColumn);
+    EXPECT_EQ(names(), fromZ);
+    EXPECT_EQ(header->sortIndicatorOrder(), Qt::DescendingOrder);
+    guide_->clickHeader(ui::ItemListModel::iconColumn);
+    EXPECT_EQ(header->sortIndicatorSection(), ui::ItemListModel::nameColumn) << "pictures have no order";
+    guide_->clickHeader(ui::ItemListModel::nameColumn);
+    EXPECT_EQ(names(), fromA);
+    guide_->clickHeader(ui::ItemListModel::sizeColumn);
+    const QStringList largestFirst = names();
+    guide_->clickHeader(ui::ItemListModel::sizeColumn);
+    EXPECT_EQ(names(), QStringList(largestFirst.rbegin(), largestFirst.rend()));
+    EXPECT_EQ(header->sortIndicatorOrder(), Qt::AscendingOrder);
+}
+
 TEST_F(ListJourney, SpeaksOfFilesByTheirPathsInEverySection) {
     struct Case {
         Row row;
