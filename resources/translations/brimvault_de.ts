@@ -2,21 +2,6 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
-    <name>Alert</name>
-    <message>
-        <source>OK</source>
-        <translation>OK</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
-    </message>
-    <message>
-        <source>Do not show this message again</source>
-        <translation>Diese Meldung nicht mehr anzeigen</translation>
-    </message>
-</context>
-<context>
     <name>Clean</name>
     <message>
         <source>It holds something that is not selected</source>
@@ -136,7 +121,7 @@
     </message>
     <message>
         <source>%1%2. %3 found</source>
-        <translation>%1&#xa0;%2. %3 gefunden</translation>
+        <translation>%1 %2. %3 gefunden</translation>
     </message>
     <message>
         <source>%1 of %2 Selected</source>
@@ -152,11 +137,7 @@
     </message>
 </context>
 <context>
-    <name>brimvault::ui::FAppDelegate</name>
-    <message>
-        <source>Scan</source>
-        <translation>Scannen</translation>
-    </message>
+    <name>WindowControls</name>
     <message>
         <source>Stop</source>
         <translation>Stoppen</translation>
@@ -164,6 +145,10 @@
     <message>
         <source>Stop Scanning</source>
         <translation>Scan stoppen</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Scannen</translation>
     </message>
     <message>
         <source>Clean</source>
@@ -175,10 +160,73 @@
     </message>
 </context>
 <context>
+    <name>brimvault::ui::AboutWC</name>
+    <message>
+        <source>About Brimvault</source>
+        <translation>Über Brimvault</translation>
+    </message>
+    <message>
+        <source>Version %1</source>
+        <translation>Version %1</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Frees disk space: it shows what your caches, unneeded languages, logs, downloads and trash hold, and removes what you tick.</source>
+        <translation>Gibt Speicherplatz frei: zeigt, was Caches, nicht benötigte Sprachen, Protokolle, Downloads und Papierkorb enthalten, und entfernt, was Sie ankreuzen.</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::AlertWindow</name>
+    <message>
+        <source>Do not show this message again</source>
+        <translation>Diese Meldung nicht mehr anzeigen</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
     <name>brimvault::ui::FileListController</name>
     <message>
         <source>Remove...</source>
         <translation>Entfernen …</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::HelpActions</name>
+    <message>
+        <source>Send FeedBack. Brimvault</source>
+        <translation>Rückmeldung zu Brimvault</translation>
+    </message>
+    <message>
+        <source>Thank you for using Brimvault.
+
+What would make it better? Every idea is welcome:
+
+</source>
+        <translation>Vielen Dank, dass Sie Brimvault verwenden.
+
+Was würde es besser machen? Jede Idee ist willkommen:
+
+</translation>
+    </message>
+    <message>
+        <source>Brimvault frees disk space: it shows what caches, unneeded languages, logs, downloads and the trash hold, and removes what you tick.
+
+%1
+</source>
+        <translation>Brimvault gibt Speicherplatz frei: Es zeigt, was Caches, nicht benötigte Sprachen, Protokolle, Downloads und Papierkorb enthalten, und entfernt, was man ankreuzt.
+
+%1
+</translation>
     </message>
 </context>
 <context>
@@ -317,12 +365,58 @@
         <source>Show in File Manager</source>
         <translation>Im Dateimanager anzeigen</translation>
     </message>
+    <message>
+        <source>Clean progress</source>
+        <translation>Fortschritt der Bereinigung</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::MainMenu</name>
+    <message>
+        <source>Share</source>
+        <translation>Weiterempfehlen</translation>
+    </message>
 </context>
 <context>
     <name>brimvault::ui::MainWindow</name>
     <message>
         <source>Languages</source>
         <translation>Sprachen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::MenuCommands</name>
+    <message>
+        <source>Languages to Keep</source>
+        <translation>Behaltene Sprachen</translation>
+    </message>
+    <message>
+        <source>Show in File Manager</source>
+        <translation>Im Dateimanager anzeigen</translation>
+    </message>
+    <message>
+        <source>Show Information</source>
+        <translation>Informationen anzeigen</translation>
+    </message>
+    <message>
+        <source>Remove...</source>
+        <translation>Entfernen …</translation>
+    </message>
+    <message>
+        <source>By Mail...</source>
+        <translation>Per E-Mail …</translation>
+    </message>
+    <message>
+        <source>Send Feedback...</source>
+        <translation>Rückmeldung senden …</translation>
+    </message>
+    <message>
+        <source>About Brimvault</source>
+        <translation>Über Brimvault</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
     </message>
 </context>
 <context>
@@ -427,6 +521,17 @@
     </message>
 </context>
 <context>
+    <name>brimvault::ui::SidebarPanel</name>
+    <message>
+        <source>Menu</source>
+        <translation>Menü</translation>
+    </message>
+    <message>
+        <source>Scan progress</source>
+        <translation>Fortschritt des Scans</translation>
+    </message>
+</context>
+<context>
     <name>brimvault::ui::StartPage</name>
     <message>
         <source>Start Scan</source>
@@ -467,6 +572,22 @@ Alle auswählen und scannen?</translation>
         <source>Files will be  permanently removed from your Hard Drive.</source>
         <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
     </message>
+    <message>
+        <source>Stop Scanning</source>
+        <translation>Scan stoppen</translation>
+    </message>
+    <message>
+        <source>Scan</source>
+        <translation>Scannen</translation>
+    </message>
+    <message>
+        <source>Stop Cleaning</source>
+        <translation>Bereinigung stoppen</translation>
+    </message>
+    <message>
+        <source>Clean</source>
+        <translation>Bereinigen</translation>
+    </message>
 </context>
 <context>
     <name>brimvault::ui::UtilMod</name>
@@ -505,6 +626,18 @@ Alle auswählen und scannen?</translation>
     <message>
         <source>“%1” could not be removed</source>
         <translation>„%1“ konnte nicht entfernt werden</translation>
+    </message>
+    <message>
+        <source>Can&apos;t open a mail program</source>
+        <translation>Kein E-Mail-Programm gefunden</translation>
+    </message>
+    <message>
+        <source>No program for mail answers.</source>
+        <translation>Kein E-Mail-Programm antwortet.</translation>
+    </message>
+    <message>
+        <source>No program for mail answers. The address is %1</source>
+        <translation>Kein E-Mail-Programm antwortet. Die Adresse lautet %1</translation>
     </message>
 </context>
 </TS>

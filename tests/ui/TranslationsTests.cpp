@@ -126,9 +126,33 @@ protected:
         }
     }
 
+    void menuOfTheProgram(QStringList& heard) {
+        auto& menu = application_->menu();
+        Guide::click(window()->sidebar()->pbtnMenu());
+        listen(menu.menu(), heard);
+        for (auto* part : menu.menu()->findChildren<QMenu*>()) {
+            listen(part, heard);
+        }
+        menu.menu()->close();
+        menu.perform(ui::MenuAction::showAboutScreen);
+        auto* about = window()->findChild<ui::AboutWC*>();
+        listen(about, heard);
+        delete about;
+        for (const auto what : {ui::MenuAction::sendFeedbackPressed, ui::MenuAction::shareByMail}) {
+            const auto told = alerts_.asked.size();
+            menu.perform(what);
+            ASSERT_TRUE(Guide::waitFor([&] { return alerts_.asked.size() > told; }));
+        }
+        for (const auto& mail : workspace_.opened()) {
+            heard << QUrl::fromPercentEncoding(QByteArray::fromStdString(mail));
+        }
+    }
+
     QStringList story() {
         QStringList heard;
+        workspace_.opens = false;
         start(allScans());
+        menuOfTheProgram(heard);
         startPage(heard);
         lists(heard);
         menuAndInformation(heard);
@@ -208,15 +232,12 @@ TEST_F(SpeakingWindow, SpeaksGerman) {
               QStringLiteral("Möchten Sie die ausgewählten Objekte wirklich vollständig löschen?"));
 
     QStringList buttons;
-    Guide::answerNextQuestion(QMessageBox::Cancel, [&](const QMessageBox& box) {
-        for (const auto* button : box.buttons()) {
-            buttons.append(button->text());
-        }
-        buttons.append(box.checkBox()->text());
+    Guide::confirmNextQuestion([&](const ui::AlertWindow& alert) {
+        buttons = {alert.firstButton()->text(), alert.secondButton()->text(), alert.suppressionBox()->text()};
     });
     ui::WindowAlerts().runModal(alerts_.asked[0], window());
-    EXPECT_THAT(buttons, testing::UnorderedElementsAre(QStringLiteral("OK"), QStringLiteral("Abbrechen"),
-                                                       QStringLiteral("Diese Meldung nicht mehr anzeigen")));
+    EXPECT_THAT(buttons, testing::ElementsAre(QStringLiteral("OK"), QStringLiteral("Abbrechen"),
+                                              QStringLiteral("Diese Meldung nicht mehr anzeigen")));
 }
 
 TEST_F(SpeakingWindow, SaysNothingInEnglishThatIsNotSaidSoInGerman) {
