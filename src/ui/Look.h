@@ -10,13 +10,14 @@ namespace brimvault::ui::look {
 inline constexpr QRgb accentDark = 0xff1f5fd8;
 /// A selected row; dark enough for white text on it to keep a contrast of 4.5 to 1.
 inline constexpr QRgb selection = 0xff2a6ae4;
+// Every text has a contrast of 4.5 to 1 at least with the ground that it stands on, what is disabled too.
 inline constexpr QRgb textPrimary = 0xff1b2430;
 inline constexpr QRgb textSecondary = 0xff5d6b80;
 inline constexpr QRgb textHeader = 0xff56647a;
 inline constexpr QRgb textControl = 0xff44536a;
 inline constexpr QRgb textOnAccent = 0xffffffff;
-inline constexpr QRgb textOnAccentSecondary = 0xffe6efff;
-inline constexpr QRgb textDisabled = 0xff6b7889;
+inline constexpr QRgb textOnAccentSecondary = 0xfff3f7ff;
+inline constexpr QRgb textDisabled = 0xff586678;
 inline constexpr QRgb separator = 0xffd5dde8;
 inline constexpr QRgb hoverLine = 0xffa9c6f7;
 inline constexpr QRgb headerLine = 0xffdde4ec;

@@ -21,7 +21,7 @@ namespace brimvault::ui::styleSheets {
         "QMenu { background: #ffffff; border: 1px solid #d5dde8; padding: 5px; }"
         "QMenu::item { padding: 6px 32px 6px 14px; border-radius: 6px; color: #1b2430; }"
         "QMenu::item:selected { background: #2a6ae4; color: #ffffff; }"
-        "QMenu::item:disabled { background: transparent; color: #6b7889; }"
+        "QMenu::item:disabled { background: transparent; color: #586678; }"
         "QMenu::separator { height: 1px; background: #dde4ec; margin: 5px 8px; }");
 }
 
