@@ -96,6 +96,9 @@ public:
     [[nodiscard]] QString getSubTitleTrash() const { return subtitle(Section::trash); }
     [[nodiscard]] QString getSubTitleLogs() const { return subtitle(Section::logs); }
 
+    /// Whole per cents of the scan of a section that is under way, as it reported them; none otherwise.
+    [[nodiscard]] std::optional<Number> progressPercent(Section section) const { return progress_[section].percent; }
+
     /// Takes the languages to keep and recomputes what every application would free.
     void updateResSizesForApps(const QStringList& neededLanguages);
     /// Posts the name without user info.

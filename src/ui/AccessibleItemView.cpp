@@ -3,9 +3,11 @@
 #include <QAccessible>
 #include <QHeaderView>
 #include <QTableView>
+#include <algorithm>
 
 #include "ui/AccessibleCell.h"
 #include "ui/AccessibleHeaderCell.h"
+#include "ui/AccessibleProgress.h"
 #include "ui/AccessibleSheet.h"
 #include "ui/CheckTableView.h"
 #include "ui/NotCleanedListView.h"
@@ -23,25 +25,39 @@ QAccessibleInterface* present(const QString& /*className*/, QObject* object) {
     if (auto* sheet = qobject_cast<Sheet*>(object)) {
         return new AccessibleSheet(sheet);
     }
+    if (auto* indicator = qobject_cast<ProgressIndicator*>(object)) {
+        return new AccessibleProgress(indicator);
+    }
     return nullptr;
 }
 
 bool hasHeaders(const QAbstractItemView* view) { return qobject_cast<const QTableView*>(view) != nullptr; }
 
+// Null where no client listens.
+AccessibleItemView* listenedTo(QAbstractItemView* view) {
+    return QAccessible::isActive() ? dynamic_cast<AccessibleItemView*>(QAccessible::queryAccessibleInterface(view))
+                                   : nullptr;
+}
+
+void announceCheck(AccessibleItemView& list, int row, int column) {
+    QAccessible::State changed;
+    changed.checked = true;
+    QAccessibleStateChangeEvent event(list.cellAt(row, column), changed);
+    QAccessible::updateAccessibility(&event);
+}
+
 void announceRows(QAbstractItemView* view, int firstRow, int lastRow, int column) {
-    if (!QAccessible::isActive()) {
-        return;
-    }
-    auto* list = dynamic_cast<AccessibleItemView*>(QAccessible::queryAccessibleInterface(view));
+    auto* list = listenedTo(view);
     if (list == nullptr) {
         return;
     }
-    QAccessible::State changed;
-    changed.checked = true;
-    for (int row = firstRow; row <= lastRow; ++row) {
-        if (view->viewport()->rect().intersects(view->visualRect(view->model()->index(row, column)))) {
-            QAccessibleStateChangeEvent event(list->cellAt(row, column), changed);
-            QAccessible::updateAccessibility(&event);
+    const QRect shown = view->viewport()->rect();
+    const QModelIndex bottom = view->indexAt(shown.bottomLeft());  // none below a short list
+    const int last = bottom.isValid() ? std::min(lastRow, bottom.row()) : lastRow;
+    for (int row = std::max(firstRow, view->indexAt(shown.topLeft()).row()); row <= last; ++row) {
+        announceCheck(*list, row, column);
+        if (list->headers() != 0) {
+            announceCheck(*list, row, CheckTableView::textColumn);
         }
     }
 }
@@ -187,6 +203,13 @@ void announceCheckChanges(QAbstractItemView* view, int column) {
                              announceRows(view, first.row(), last.row(), column);
                          }
                      });
+}
+
+void announceDescription(QAbstractItemView* view, int row) {
+    if (auto* list = listenedTo(view)) {
+        QAccessibleEvent event(list->cellAt(row, 0), QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 }  // namespace brimvault::ui

@@ -69,5 +69,7 @@ private:
 /// From now on, tells assistive clients of changed check boxes among the rows on show; they stand in the column given
 /// of the view's model. Main thread.
 void announceCheckChanges(QAbstractItemView* view, int column);
+/// Tells assistive clients that a row of a list without columns has another description. Main thread.
+void announceDescription(QAbstractItemView* view, int row);
 
 }  // namespace brimvault::ui

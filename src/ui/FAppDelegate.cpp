@@ -25,6 +25,10 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
                                              surroundings.alerts,
                                              [this] { return pLangListController_->getNeededLangsArray(); }},
         std::move(scans), std::move(cleans));
+    const auto ticked = [this] { return psectController_->checks(); };
+    auto& model = psectController_->getAppResDS();
+    scanProgress_ = std::make_unique<SectionProgress>(model, *window_->sidebar()->pProgressScan(), ticked);
+    cleanProgress_ = std::make_unique<SectionProgress>(model, *window_->lists()->pProgressClean(), ticked);
     pLangListController_ = std::make_unique<langres::LangListController>(
         surroundings.languages, defaults_,
         [this](const QStringList& languages) { psectController_->changedListOfLangs(languages); });
@@ -57,6 +61,8 @@ void FAppDelegate::applicationDidFinishLaunching() {
 
 void FAppDelegate::connectControls() {
     connect(psectController_.get(), &TSectionViewController::resultsDropped, this, &FAppDelegate::refreshLists);
+    connect(psectController_.get(), &TSectionViewController::resultsDropped, scanProgress_.get(),
+            &SectionProgress::begin);
     connect(window_->sidebar()->pbtnScan(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartScan);
     connect(window_->startPage()->btnStartScanButton2(), &QAbstractButton::clicked, psectController_.get(),

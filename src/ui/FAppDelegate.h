@@ -20,6 +20,7 @@
 #include "ui/NotCleanedController.h"
 #include "ui/NotCleanedDictionaries.h"
 #include "ui/SectionPanels.h"
+#include "ui/SectionProgress.h"
 #include "ui/SheetCoordinator.h"
 #include "ui/StatusTexts.h"
 #include "ui/TSectionViewController.h"
@@ -105,6 +106,8 @@ private:
     WindowControls controls_;
     std::unique_ptr<StatusTexts> statusTexts_;
     std::unique_ptr<TSectionViewController> psectController_;
+    std::unique_ptr<SectionProgress> scanProgress_;
+    std::unique_ptr<SectionProgress> cleanProgress_;
     std::unique_ptr<langres::LangListController> pLangListController_;
     std::unique_ptr<SectionPanels> panels_;
     std::unique_ptr<NotCleanedController> pNotCleanedController_;

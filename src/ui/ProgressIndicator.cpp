@@ -1,6 +1,8 @@
 #include "ui/ProgressIndicator.h"
 
+#include <QAccessible>
 #include <QPainter>
+#include <utility>
 
 #include "ui/Look.h"
 
@@ -16,7 +18,11 @@ constexpr float faint = 0.35F;
 
 }  // namespace
 
-ProgressIndicator::ProgressIndicator(const QString& accessibleName, QWidget* parent) : QWidget(parent) {
+ProgressIndicator::ProgressIndicator(const QString& accessibleName, QWidget* parent)
+    : QWidget(parent), percentNews_([this] {
+          QAccessibleValueChangeEvent event(this, percent_);
+          QAccessible::updateAccessibility(&event);
+      }) {
     setAccessibleName(accessibleName);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
@@ -28,6 +34,7 @@ ProgressIndicator::ProgressIndicator(const QString& accessibleName, QWidget* par
 }
 
 void ProgressIndicator::startAnimation() {
+    setPercent(0);
     turning_.start();
     show();
     Q_EMIT animationChanged();
@@ -37,6 +44,12 @@ void ProgressIndicator::stopAnimation() {
     turning_.stop();
     hide();
     Q_EMIT animationChanged();
+}
+
+void ProgressIndicator::setPercent(int percent) {
+    if (std::exchange(percent_, percent) != percent && QAccessible::isActive()) {
+        percentNews_.changed();
+    }
 }
 
 QSize ProgressIndicator::sizeHint() const { return QSize(side, side) * look::textScale(); }

@@ -1,5 +1,6 @@
 #include "ui/SectionsTableView.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <utility>
@@ -10,7 +11,8 @@
 
 namespace brimvault::ui {
 
-SectionsTableView::SectionsTableView(QWidget* parent) : QListView(parent) {
+SectionsTableView::SectionsTableView(QWidget* parent)
+    : QListView(parent), subtitleNews_([this] { announceSubtitles(); }) {
     setItemDelegate(new SectionRowDelegate(this));
     viewport()->setAttribute(Qt::WA_Hover);
     setAccessibleName(tr("Sections"));
@@ -29,6 +31,21 @@ SectionsTableView::SectionsTableView(QWidget* parent) : QListView(parent) {
 void SectionsTableView::setModel(QAbstractItemModel* model) {
     QListView::setModel(model);
     announceCheckChanges(this, 0);
+    connect(model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+                if (QAccessible::isActive() && roles.contains(Qt::AccessibleDescriptionRole)) {
+                    for (int row = first.row(); row <= last.row(); ++row) {
+                        changedSubtitles_.insert(row);
+                    }
+                    subtitleNews_.changed();
+                }
+            });
+}
+
+void SectionsTableView::announceSubtitles() {
+    for (const int row : std::exchange(changedSubtitles_, {})) {
+        announceDescription(this, row);
+    }
 }
 
 QRect SectionsTableView::checkRect(const QModelIndex& index) const {

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QListView>
+#include <QSet>
+
+#include "ui/Announcer.h"
 
 namespace brimvault::ui {
 
@@ -25,7 +28,11 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void announceSubtitles();
+
     QPersistentModelIndex pressedCheck_;  ///< follows its row, which may move while the button is held
+    QSet<int> changedSubtitles_;          ///< rows that assistive clients are still to be told of
+    Announcer subtitleNews_;
 };
 
 }  // namespace brimvault::ui

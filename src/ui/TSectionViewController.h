@@ -66,6 +66,7 @@ public:
     void setSectionChecked(engine::Section section, bool checked) override;
     [[nodiscard]] bool isAppsChecked() const { return checks_[engine::Section::languageResources]; }
     [[nodiscard]] bool isAnyChecked() const;
+    [[nodiscard]] const engine::PerSection<bool>& checks() const { return checks_; }
     /// Bytes selected in the sections that are ticked.
     [[nodiscard]] quint64 getSize2CleanALLSel() const;
     /// What stands under the title of a row.
