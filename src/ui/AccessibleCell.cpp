@@ -1,14 +1,22 @@
 #include "ui/AccessibleCell.h"
 
-#include <QAbstractItemView>
+#include <QHeaderView>
 
 #include "ui/AccessibleItemView.h"
+#include "ui/CheckTableView.h"
 #include "ui/CheckToggle.h"
 #include "ui/TTableView.h"
 
 namespace brimvault::ui {
 
 QModelIndex AccessibleCell::index() const { return list()->view()->model()->index(row(), column()); }
+
+QModelIndex AccessibleCell::check() const {
+    const bool table = qobject_cast<const CheckTableView*>(list()->view()) != nullptr;
+    const bool tells = column() == CheckTableView::checkColumn || (table && column() == CheckTableView::textColumn);
+    const QModelIndex box = tells ? index().siblingAtColumn(CheckTableView::checkColumn) : QModelIndex();
+    return box.data(Qt::CheckStateRole).isValid() ? box : QModelIndex();
+}
 
 void* AccessibleCell::interface_cast(QAccessible::InterfaceType type) {
     if (type == QAccessible::TableCellInterface) {
@@ -19,13 +27,26 @@ void* AccessibleCell::interface_cast(QAccessible::InterfaceType type) {
 
 QString AccessibleCell::text(QAccessible::Text kind) const {
     if (kind == QAccessible::Description) {
-        return index().data(Qt::AccessibleDescriptionRole).toString();
+        const QString given = index().data(Qt::AccessibleDescriptionRole).toString();
+        return given.isEmpty() && check().isValid() ? furtherColumns() : given;
     }
     if (kind != QAccessible::Name) {
         return {};
     }
     const QVariant spoken = index().data(Qt::AccessibleTextRole);
     return spoken.isValid() ? spoken.toString() : index().data(Qt::DisplayRole).toString();
+}
+
+// As they stand: the count before the size.
+QString AccessibleCell::furtherColumns() const {
+    const auto* table = qobject_cast<const QTableView*>(list()->view());
+    QStringList said;
+    for (int place = CheckTableView::textColumn + 1; table != nullptr && place < list()->columnCount(); ++place) {
+        const int column = table->horizontalHeader()->logicalIndex(place);
+        said.append(QStringLiteral("%1: %2").arg(list()->columnDescription(column),
+                                                 index().siblingAtColumn(column).data().toString()));
+    }
+    return said.join(QStringLiteral(", "));
 }
 
 QRect AccessibleCell::rect() const {
@@ -55,11 +76,14 @@ QAccessible::State AccessibleCell::state() const {
     state.focused = view->hasFocus() && view->currentIndex() == place;
     state.invisible = !view->isVisible();
     state.offscreen = !view->viewport()->rect().intersects(view->visualRect(place));
-    const QVariant check = place.data(Qt::CheckStateRole);
-    state.checkable = check.isValid();
-    const bool locked = state.checkable && !place.flags().testFlag(Qt::ItemIsUserCheckable);
-    state.disabled = locked || !view->isEnabled();
-    state.checked = check.toInt() == Qt::Checked;
+    const QModelIndex box = check();
+    state.checkable = box.isValid();
+    state.checked = box.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    // Where the check box cannot be ticked, its row can still be chosen.
+    const bool locked = state.checkable && !isTickable();
+    const bool boxAlone = list()->headers() != 0 && column() == CheckTableView::checkColumn;
+    state.readOnly = locked;
+    state.disabled = (locked && boxAlone) || !list()->isUsable();
     return state;
 }
 
@@ -73,8 +97,11 @@ QList<QAccessibleInterface*> AccessibleCell::columnHeaderCells() const {
 }
 
 QStringList AccessibleCell::actionNames() const {
+    if (!list()->isUsable()) {
+        return {};
+    }
     QStringList names;
-    if (index().flags().testFlag(Qt::ItemIsUserCheckable)) {
+    if (isTickable()) {
         names.append(toggleAction());
     }
     names.append(setFocusAction());
@@ -87,8 +114,11 @@ QStringList AccessibleCell::actionNames() const {
 void AccessibleCell::doAction(const QString& action) {
     auto* view = list()->view();
     const QModelIndex place = index();
-    if (action == toggleAction() && place.flags().testFlag(Qt::ItemIsUserCheckable)) {
-        toggleCheck(view, place);
+    if (!list()->isUsable()) {
+        return;
+    }
+    if (action == toggleAction() && isTickable()) {
+        toggleCheck(view, check());
     } else if (action == setFocusAction() && place.isValid()) {
         view->setFocus();
         view->setCurrentIndex(place);

@@ -6,7 +6,8 @@
 
 namespace brimvault::ui {
 
-/// A cell of a row. It can be ticked where it has a check box, and chosen wherever it is.
+/// A cell of a row; it can be chosen. The check box of a row can be ticked in its own cell and in that of the text,
+/// where the keyboard is: this one tells everything of its row.
 class AccessibleCell final : public AccessiblePlace, public QAccessibleTableCellInterface {
 public:
     using AccessiblePlace::AccessiblePlace;
@@ -32,6 +33,11 @@ public:
 
 private:
     [[nodiscard]] QModelIndex index() const;
+    /// Where the check box is that is told of and ticked here; invalid where none is.
+    [[nodiscard]] QModelIndex check() const;
+    [[nodiscard]] bool isTickable() const { return check().flags().testFlag(Qt::ItemIsUserCheckable); }
+    /// What the columns behind the text say of the row.
+    [[nodiscard]] QString furtherColumns() const;
 };
 
 }  // namespace brimvault::ui

@@ -5,6 +5,7 @@
 #include <QTableView>
 #include <algorithm>
 
+#include "ui/AccessibleButton.h"
 #include "ui/AccessibleCell.h"
 #include "ui/AccessibleHeaderCell.h"
 #include "ui/AccessibleProgress.h"
@@ -17,7 +18,10 @@ namespace brimvault::ui {
 
 namespace {
 
-QAccessibleInterface* present(const QString& /*className*/, QObject* object) {
+// Buttons of message boxes and the like are Qt's.
+bool isOurs(const QString& className) { return className.startsWith(QLatin1String("brimvault::")); }
+
+QAccessibleInterface* present(const QString& className, QObject* object) {
     if (qobject_cast<CheckTableView*>(object) != nullptr || qobject_cast<SectionsTableView*>(object) != nullptr ||
         qobject_cast<NotCleanedListView*>(object) != nullptr) {
         return new AccessibleItemView(static_cast<QAbstractItemView*>(object));
@@ -27,6 +31,9 @@ QAccessibleInterface* present(const QString& /*className*/, QObject* object) {
     }
     if (auto* indicator = qobject_cast<ProgressIndicator*>(object)) {
         return new AccessibleProgress(indicator);
+    }
+    if (auto* button = qobject_cast<QAbstractButton*>(object); button != nullptr && isOurs(className)) {
+        return new AccessibleButton(button);
     }
     return nullptr;
 }
@@ -79,6 +86,7 @@ AccessibleItemView::~AccessibleItemView() {
 
 QAccessible::State AccessibleItemView::state() const {
     auto state = QAccessibleWidget::state();
+    state.disabled = !isUsable();
     state.multiSelectable = view_->selectionMode() != QAbstractItemView::SingleSelection;
     return state;
 }

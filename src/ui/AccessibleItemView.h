@@ -4,6 +4,8 @@
 #include <QAccessibleWidget>
 #include <QHash>
 
+#include "ui/Sheet.h"
+
 namespace brimvault::ui {
 
 /// What an assistive client sees of the window's lists. Qt's own presentation of a table can neither tick a check box
@@ -50,6 +52,8 @@ public:
     void modelChange(QAccessibleTableModelChangeEvent* event) override;
 
     [[nodiscard]] QAbstractItemView* view() const { return view_; }
+    /// Nothing else is to be answered first.
+    [[nodiscard]] bool isUsable() const { return view_->isEnabled() && !Sheet::covers(view_); }
     /// 1 where the view has headers, 0 for a plain list.
     [[nodiscard]] int headers() const { return headers_; }
     /// The child that stands for a place; -1 is the header's row or column.

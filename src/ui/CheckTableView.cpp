@@ -94,11 +94,13 @@ void CheckTableView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+// The keyboard goes from row to row; where it is, an assistive client hears everything of the row.
 QModelIndex CheckTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
     if (action == MoveHome || action == MoveEnd) {
-        return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, currentIndex().column());
+        return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, textColumn);
     }
-    return QTableView::moveCursor(action, modifiers);
+    const QModelIndex next = QTableView::moveCursor(action, modifiers);
+    return next.siblingAtColumn(textColumn);
 }
 
 // Until the user has chosen a row, the keyboard begins at the first, whatever came before it since.

@@ -1,6 +1,8 @@
 #include "ui/IconButton.h"
 
+#include <QAccessible>
 #include <QPainter>
+#include <utility>
 
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
@@ -28,9 +30,16 @@ IconButton::IconButton(QLatin1String picture, const QString& name, QWidget* pare
 
 QSize IconButton::sizeHint() const { return buttonSize; }
 
+// Not every client is told that something is expanded; what the button says of itself all of them hear.
 void IconButton::setOn(bool on) {
-    on_ = on;
+    if (std::exchange(on_, on) == on) {
+        return;
+    }
     setAccessibleDescription(on ? tr("Open") : QString());
+    QAccessible::State changed;
+    changed.expanded = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
     update();
 }
 

@@ -16,6 +16,8 @@ public:
     void setOn(bool on);
     /// None for a button that is never on.
     void setPictureOn(QLatin1String picture) { pictureOn_ = picture; }
+    [[nodiscard]] bool opensSomething() const { return !pictureOn_.isEmpty(); }
+    [[nodiscard]] bool isOn() const { return on_; }
 
     [[nodiscard]] QSize sizeHint() const override;
 

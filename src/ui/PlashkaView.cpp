@@ -1,5 +1,6 @@
 #include "ui/PlashkaView.h"
 
+#include <QAccessible>
 #include <QPainter>
 
 #include "engine/NotificationCenter.h"
@@ -26,7 +27,11 @@ QFont smallFont() { return look::font(smallSize); }
 
 }  // namespace
 
-PlashkaView::PlashkaView(QWidget* parent) : QAbstractButton(parent) {
+PlashkaView::PlashkaView(QWidget* parent)
+    : QAbstractButton(parent), textNews_([this] {
+          QAccessibleEvent event(this, QAccessible::NameChanged);
+          QAccessible::updateAccessibility(&event);
+      }) {
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -40,9 +45,13 @@ void PlashkaView::setTexts(const QString& large, const QString& small) {
     }
     large_ = large;
     small_ = small;
-    setAccessibleName(large.isEmpty() ? small : large + QStringLiteral(", ") + small);
+    if (QAccessible::isActive()) {
+        textNews_.changed();
+    }
     update();
 }
+
+QString PlashkaView::spokenText() const { return large_.isEmpty() ? small_ : large_ + QStringLiteral(", ") + small_; }
 
 QSize PlashkaView::sizeHint() const { return {look::scaled(usualWidth), look::scaled(usualHeight)}; }
 

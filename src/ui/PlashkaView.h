@@ -2,6 +2,8 @@
 
 #include <QAbstractButton>
 
+#include "ui/Announcer.h"
+
 namespace brimvault::ui {
 
 /// The status area under the lists: a large text over a small one, or the small one alone in the middle. A click posts
@@ -16,6 +18,9 @@ public:
     [[nodiscard]] const QString& largeText() const { return large_; }
     [[nodiscard]] const QString& smallText() const { return small_; }
 
+    /// Both, as an assistive client reads them.
+    [[nodiscard]] QString spokenText() const;
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -25,6 +30,7 @@ protected:
 private:
     QString large_;
     QString small_;
+    Announcer textNews_;  ///< a scan changes the texts all the time
 };
 
 }  // namespace brimvault::ui

@@ -1,9 +1,13 @@
 #include "ui/Sheet.h"
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
+#include <algorithm>
 
 #include "ui/Look.h"
 
@@ -63,13 +67,38 @@ void Sheet::beginSheet(QWidget* first) {
     show();
     lastInside_ = first;
     first->setFocus();
+    tellCoveringChanged();
 }
 
 void Sheet::endSheet() {
     slide_.stop();
     hide();
+    tellCoveringChanged();
     if (before_ && before_->isVisible() && before_->isEnabled()) {
         before_->setFocus();
+    }
+}
+
+bool Sheet::covers(const QWidget* widget) {
+    const auto sheets = widget->window()->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
+    return std::any_of(sheets.begin(), sheets.end(),
+                       [widget](const Sheet* sheet) { return !sheet->isHidden() && !sheet->isAncestorOf(widget); });
+}
+
+// Clients remember what can be used.
+void Sheet::tellCoveringChanged() const {
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    QAccessible::State changed;
+    changed.disabled = true;
+    for (auto* widget : parentWidget()->findChildren<QWidget*>()) {
+        const bool answers =
+            qobject_cast<QAbstractButton*>(widget) != nullptr || qobject_cast<QAbstractItemView*>(widget) != nullptr;
+        if (answers && !isAncestorOf(widget)) {
+            QAccessibleStateChangeEvent event(widget, changed);
+            QAccessible::updateAccessibility(&event);
+        }
     }
 }
 

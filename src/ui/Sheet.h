@@ -21,6 +21,8 @@ public:
     /// Goes, and the keyboard is again where it was.
     void endSheet();
     [[nodiscard]] QWidget* panel() const { return panel_; }
+    /// Whether a sheet lies over the widget, of which nothing can be used then.
+    [[nodiscard]] static bool covers(const QWidget* widget);
 
 Q_SIGNALS:
     /// The user wants it closed.
@@ -37,6 +39,7 @@ protected:
 private:
     void placePanel();
     void keepFocus(QWidget* now);
+    void tellCoveringChanged() const;
     [[nodiscard]] QRect panelWithShadow() const;
 
     const QSize usualSize_;

@@ -1,0 +1,66 @@
+#include "ui/AccessibleButton.h"
+
+#include <QCheckBox>
+
+#include "ui/IconButton.h"
+#include "ui/PlashkaView.h"
+#include "ui/Sheet.h"
+
+namespace brimvault::ui {
+
+AccessibleButton::AccessibleButton(QAbstractButton* button)
+    : QAccessibleWidget(button,
+                        qobject_cast<QCheckBox*>(button) == nullptr ? QAccessible::Button : QAccessible::CheckBox),
+      button_(button) {}
+
+QString AccessibleButton::text(QAccessible::Text kind) const {
+    if (const auto* status = qobject_cast<PlashkaView*>(button_); status != nullptr && kind == QAccessible::Name) {
+        return status->spokenText();
+    }
+    const QString given = QAccessibleWidget::text(kind);
+    return kind == QAccessible::Name && given.isEmpty() ? button_->text() : given;
+}
+
+bool AccessibleButton::isUsable() const { return button_->isEnabled() && !Sheet::covers(button_); }
+
+QAccessible::State AccessibleButton::state() const {
+    auto state = QAccessibleWidget::state();
+    state.disabled = !isUsable();
+    state.pressed = button_->isDown();
+    if (const auto* box = qobject_cast<QCheckBox*>(button_)) {
+        state.checkable = true;
+        state.checked = box->checkState() == Qt::Checked;
+        state.checkStateMixed = box->checkState() == Qt::PartiallyChecked;
+    } else {
+        state.checkable = button_->isCheckable();
+        state.checked = button_->isChecked();
+    }
+    if (const auto* icon = qobject_cast<IconButton*>(button_)) {
+        state.expandable = icon->opensSomething();
+        state.expanded = icon->isOn();
+        state.collapsed = icon->opensSomething() && !icon->isOn();
+    }
+    return state;
+}
+
+QString AccessibleButton::clickAction() const {
+    return role() == QAccessible::CheckBox || button_->isCheckable() ? toggleAction() : pressAction();
+}
+
+QStringList AccessibleButton::actionNames() const {
+    return isUsable() ? QStringList{clickAction()} + QAccessibleWidget::actionNames() : QStringList();
+}
+
+// The click comes later: what it opens may wait for the user, and the client waits for this.
+void AccessibleButton::doAction(const QString& action) {
+    if (!isUsable()) {
+        return;
+    }
+    if (action == clickAction()) {
+        button_->animateClick();
+    } else {
+        QAccessibleWidget::doAction(action);
+    }
+}
+
+}  // namespace brimvault::ui
