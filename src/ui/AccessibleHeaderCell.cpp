@@ -1,14 +1,31 @@
 #include "ui/AccessibleHeaderCell.h"
 
+#include <QAction>
+#include <QCoreApplication>
 #include <QHeaderView>
-#include <QTableView>
 
 #include "ui/AccessibleItemView.h"
+#include "ui/TTableView.h"
 
 namespace brimvault::ui {
 
 QString AccessibleHeaderCell::text(QAccessible::Text kind) const {
-    return kind == QAccessible::Name && row() < 0 && column() >= 0 ? list()->columnDescription(column()) : QString();
+    if (row() >= 0 || column() < 0) {
+        return {};
+    }
+    return kind == QAccessible::Name          ? list()->columnDescription(column())
+           : kind == QAccessible::Description ? sortedHow()
+                                              : QString();
+}
+
+QString AccessibleHeaderCell::sortedHow() const {
+    const auto* table = qobject_cast<const TTableView*>(list()->view());
+    if (table == nullptr || table->horizontalHeader()->sortIndicatorSection() != column()) {
+        return {};
+    }
+    return table->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder
+               ? QCoreApplication::translate("Sorting", "Sorted ascending")
+               : QCoreApplication::translate("Sorting", "Sorted descending");
 }
 
 QRect AccessibleHeaderCell::rect() const {
@@ -28,18 +45,28 @@ QAccessible::Role AccessibleHeaderCell::role() const {
 QAccessible::State AccessibleHeaderCell::state() const {
     QAccessible::State state;
     state.invisible = row() >= 0 || column() < 0 || !list()->view()->isVisible();
+    state.disabled = !list()->isUsable();
     return state;
 }
 
 QStringList AccessibleHeaderCell::actionNames() const {
-    return row() < 0 && column() >= 0 ? QStringList{pressAction()} : QStringList();
+    return sortAction() == nullptr || !list()->isUsable() ? QStringList() : QStringList{pressAction()};
 }
 
 void AccessibleHeaderCell::doAction(const QString& action) {
-    auto* table = qobject_cast<QTableView*>(list()->view());
-    if (action == pressAction() && row() < 0 && column() >= 0 && table != nullptr) {
-        Q_EMIT table->horizontalHeader()->sectionClicked(column());
+    if (auto* sort = sortAction(); action == pressAction() && sort != nullptr && list()->isUsable()) {
+        sort->trigger();
     }
+}
+
+QStringList AccessibleHeaderCell::keyBindingsForAction(const QString& action) const {
+    const auto* sort = sortAction();
+    return action == pressAction() && sort != nullptr ? QStringList{sort->shortcut().toString()} : QStringList();
+}
+
+QAction* AccessibleHeaderCell::sortAction() const {
+    const auto* table = qobject_cast<const TTableView*>(list()->view());
+    return row() < 0 && table != nullptr ? table->sortAction(column()) : nullptr;
 }
 
 }  // namespace brimvault::ui

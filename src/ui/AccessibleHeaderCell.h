@@ -2,9 +2,11 @@
 
 #include "ui/AccessiblePlace.h"
 
+class QAction;
+
 namespace brimvault::ui {
 
-/// The header of a column, which sorts by it when pressed; or the empty one of a row.
+/// The header of a column, which sorts by it when pressed and says so while it is the one; or the empty one of a row.
 class AccessibleHeaderCell final : public AccessiblePlace {
 public:
     using AccessiblePlace::AccessiblePlace;
@@ -17,6 +19,12 @@ public:
 
     [[nodiscard]] QStringList actionNames() const override;
     void doAction(const QString& action) override;
+    [[nodiscard]] QStringList keyBindingsForAction(const QString& action) const override;
+
+private:
+    [[nodiscard]] QString sortedHow() const;
+    /// Null where the rows cannot be sorted by the column.
+    [[nodiscard]] QAction* sortAction() const;
 };
 
 }  // namespace brimvault::ui

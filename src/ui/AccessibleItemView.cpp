@@ -213,6 +213,14 @@ void announceCheckChanges(QAbstractItemView* view, int column) {
                      });
 }
 
+void announceHeaders(QAbstractItemView* view) {
+    auto* list = listenedTo(view);
+    for (int column = 0; list != nullptr && column < list->columnCount(); ++column) {
+        QAccessibleEvent event(list->child(list->childIndex(-1, column)), QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
 void announceDescription(QAbstractItemView* view, int row) {
     if (auto* list = listenedTo(view)) {
         QAccessibleEvent event(list->cellAt(row, 0), QAccessible::DescriptionChanged);

@@ -75,5 +75,7 @@ private:
 void announceCheckChanges(QAbstractItemView* view, int column);
 /// Tells assistive clients that a row of a list without columns has another description. Main thread.
 void announceDescription(QAbstractItemView* view, int row);
+/// Tells assistive clients that the headers of a table have other descriptions. Main thread.
+void announceHeaders(QAbstractItemView* view);
 
 }  // namespace brimvault::ui

@@ -109,6 +109,8 @@ void ItemListController::showMenu(const QPoint& globalPosition) {
         ->setEnabled(selected);
     menu->addAction(tr("Show Information"), this, &ItemListController::onClickedGetInfo)->setEnabled(selected);
     addActions(*menu);
+    menu->addSeparator();
+    menu->addMenu(tr("Sort By"))->addActions(ptableView_->actions());
     menu->popup(globalPosition);
 }
 

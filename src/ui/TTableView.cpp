@@ -1,10 +1,12 @@
 #include "ui/TTableView.h"
 
 #include <QAccessible>
+#include <QAction>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 
+#include "ui/AccessibleItemView.h"
 #include "ui/HTableHeaderView.h"
 #include "ui/ItemListModel.h"
 #include "ui/ItemRowDelegate.h"
@@ -36,8 +38,37 @@ void TTableView::setModel(QAbstractItemModel* model) {
         fixWidth(ItemListModel::countColumn, look::scaled(countColumnWidth));
         horizontalHeader()->moveSection(ItemListModel::countColumn, ItemListModel::sizeColumn);
     }
+    addSortActions();
     connect(static_cast<ItemListModel*>(model), &ItemListModel::rowsReordered, this, &TTableView::tellRowsReordered,
             Qt::QueuedConnection);
+}
+
+void TTableView::addSortActions() {
+    auto* header = horizontalHeader();
+    int digit = 0;
+    for (int place = 0; place < header->count(); ++place) {
+        const int column = header->logicalIndex(place);
+        if (column == ItemListModel::iconColumn) {
+            continue;
+        }
+        auto* sort = new QAction(model()->headerData(column, Qt::Horizontal, Qt::AccessibleTextRole).toString(), this);
+        sort->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + digit++)));
+        sort->setShortcutContext(Qt::WidgetShortcut);
+        sort->setCheckable(true);
+        connect(sort, &QAction::triggered, header, [header, column] { Q_EMIT header->sectionClicked(column); });
+        addAction(sort);
+        sortActions_.insert(column, sort);
+    }
+    connect(header, &QHeaderView::sortIndicatorChanged, this, &TTableView::showSorting);
+    showSorting();
+}
+
+// An assistive client reads in the headers how the rows are sorted.
+void TTableView::showSorting() {
+    for (auto sort = sortActions_.cbegin(); sort != sortActions_.cend(); ++sort) {
+        (*sort)->setChecked(sort.key() == horizontalHeader()->sortIndicatorSection());
+    }
+    announceHeaders(this);
 }
 
 void TTableView::keyPressEvent(QKeyEvent* event) {

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <QHash>
+
 #include "ui/CheckTableView.h"
+
+class QAction;
 
 namespace brimvault::ui {
 
-/// The table of an item list: below a header that sorts it, striped rows with a menu of what can be done to each. Main
-/// thread.
+/// The table of an item list: below a header that sorts it, striped rows with a menu of what can be done to each. What
+/// a click in the header does, Ctrl with a digit does too: 1 for the first column that sorts, and so on. Main thread.
 class TTableView final : public CheckTableView {
     Q_OBJECT
 
@@ -14,6 +18,9 @@ public:
 
     /// An ItemListModel.
     void setModel(QAbstractItemModel* model) override;
+    /// Sorts by the column, the other way round when it is sorted by it already; null for the icons. They are also this
+    /// widget's `actions`, as the columns stand.
+    [[nodiscard]] QAction* sortAction(int column) const { return sortActions_.value(column); }
 
 Q_SIGNALS:
     /// The user asks, with the mouse or the keyboard, for what can be done to the selected row.
@@ -30,9 +37,13 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void addSortActions();
+    void showSorting();
     void selectCurrentRow();
     /// Assistive clients remember what stood in a place; after a sort they are to ask anew.
     void tellRowsReordered();
+
+    QHash<int, QAction*> sortActions_;  ///< by column
 };
 
 }  // namespace brimvault::ui

@@ -212,7 +212,9 @@ TEST_F(LanguageJourney, ARowIsShownInTheFileManagerAndNeverRemovedSingly) {
     guide_->list()->requestMenuOfCurrentRow();
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
-    EXPECT_EQ(menu->actions().size(), 2);
+    for (const QAction* entry : menu->actions()) {
+        EXPECT_NE(entry->text(), QStringLiteral("Remove..."));
+    }
     menu->close();
 }
 

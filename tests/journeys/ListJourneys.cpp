@@ -155,15 +155,16 @@ TEST_F(ListJourney, ARightClickSelectsItsRowAndOffersWhatCanBeDone) {
     auto* menu = menuOf("photos.zip");
     ASSERT_TRUE(menu);
     EXPECT_EQ(selected(), text("photos.zip"));
-    EXPECT_EQ(enabledEntries(*menu),
-              QStringList({text("Show in File Manager"), text("Show Information"), text("Remove...")}));
+    EXPECT_EQ(enabledEntries(*menu), QStringList({text("Show in File Manager"), text("Show Information"),
+                                                  text("Remove..."), text("Sort By")}));
     choose(menu, "Show in File Manager");
     EXPECT_TRUE(wasAsked("item " + (home_.downloads() / "photos.zip").native()));
 
     application_->setPbCleanning(true);
     menu = menuOf("photos.zip");
     ASSERT_TRUE(menu);
-    EXPECT_EQ(enabledEntries(*menu), QStringList({text("Show in File Manager"), text("Show Information")}));
+    EXPECT_EQ(enabledEntries(*menu),
+              QStringList({text("Show in File Manager"), text("Show Information"), text("Sort By")}));
     menu->close();
     QTest::keyClick(guide_->list(), Qt::Key_Delete);
     EXPECT_TRUE(alerts_.asked.empty());
