@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "engine/Notifications.h"
+#include "ui/PopUpMenu.h"
 #include "ui/StyleSheets.h"
 
 namespace brimvault::ui {
@@ -111,7 +112,7 @@ void ItemListController::showMenu(const QPoint& globalPosition) {
     addActions(*menu);
     menu->addSeparator();
     menu->addMenu(tr("Sort By"))->addActions(ptableView_->actions());
-    menu->popup(globalPosition);
+    popUp(*menu, globalPosition);
 }
 
 void ItemListController::onClickedRevealInFinder() {

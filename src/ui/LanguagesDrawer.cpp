@@ -9,6 +9,7 @@
 
 #include "ui/Look.h"
 #include "ui/TextLabel.h"
+#include "ui/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -30,6 +31,7 @@ QMargins margins(const QWidget* widget, int leading, int top, int trailing) {
 QLabel* makeParagraph(const QString& text, const QFont& font, QRgb color) {
     auto* label = makeLabel(text, font, color);
     label->setWordWrap(true);
+    label->setAlignment(leadingSide(label->layoutDirection()) | Qt::AlignAbsolute | Qt::AlignVCenter);
     label->setContentsMargins(margins(label, textMargin, 0, textEndMargin));
     return label;
 }

@@ -9,6 +9,7 @@
 
 #include "ui/Look.h"
 #include "ui/NotCleanedRowDelegate.h"
+#include "ui/PopUpMenu.h"
 #include "ui/StyleSheets.h"
 
 namespace brimvault::ui {
@@ -113,7 +114,7 @@ void NotCleanedListView::showMenu(const QPoint& globalPosition) {
     menu->addAction(tr("Copy"), this, [this] { Q_EMIT copyRequested(selectedRows()); })
         ->setEnabled(selectionModel()->hasSelection());
     menu->addAction(tr("Copy All"), this, [this] { Q_EMIT copyRequested(allRows()); });
-    menu->popup(globalPosition);
+    popUp(*menu, globalPosition);
 }
 
 }  // namespace brimvault::ui
