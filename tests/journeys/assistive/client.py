@@ -18,6 +18,8 @@ def wait_for(what, probe):
     """The first answer of the probe that is not false; fails, naming what was waited for, when none comes."""
     deadline = time.monotonic() + PATIENCE
     while time.monotonic() < deadline:
+        while gi.repository.GLib.MainContext.default().iteration(False):
+            pass  # what an Ear hears
         try:
             answer = probe()
         except (Moved, gi.repository.GLib.Error):
@@ -57,6 +59,15 @@ def has_state(node, state):
     return node.get_state_set().contains(state)
 
 
+def is_showing(node):
+    return has_state(node, Atspi.StateType.SHOWING)
+
+
+def actions(node):
+    interface = node.get_action_iface()
+    return [interface.get_action_name(index) for index in range(interface.get_n_actions())]
+
+
 def act(node, action):
     interface = node.get_action_iface()
     for index in range(interface.get_n_actions()):
@@ -69,6 +80,40 @@ def act(node, action):
 def application(name):
     """The application of that name; None where none runs."""
     return next((child for child in children(Atspi.get_desktop(0)) if child.get_name() == name), None)
+
+
+class Ear:
+    """Hears what the program tells its clients, as long as it is waited for something."""
+
+    KINDS = (
+        "object:property-change:accessible-name",
+        "object:property-change:accessible-description",
+        "object:property-change:accessible-value",
+        "object:state-changed",
+        "object:children-changed",
+    )
+
+    def __init__(self):
+        self.heard = []  # (time, kind, role, name)
+        self.listener = Atspi.EventListener.new(self.hear)
+        for kind in self.KINDS:
+            self.listener.register(kind)
+
+    def hear(self, event):
+        try:
+            if event.source.get_application().get_name() == "Brimvault":
+                name, role = event.source.get_name(), event.source.get_role_name()
+                self.heard.append((time.monotonic(), event.type, role, name))
+        except (AttributeError, gi.repository.GLib.Error):
+            pass  # it went before it was looked at
+
+    def names(self, kind, role):
+        """Of the parts of that role that told of such a change."""
+        return [name for _, heard, who, name in self.heard if heard.startswith(kind) and who == role]
+
+    def most_in_a_second(self):
+        times = [when for when, *_ in self.heard]
+        return max((sum(first <= when < first + 1 for when in times) for first in times), default=0)
 
 
 class Window:
@@ -119,6 +164,9 @@ class Window:
         act(wait_for(f"row {name!r}", cell), "SetFocus")
         wait_for(f"the selection of {name!r}", lambda: has_state(cell(), Atspi.StateType.SELECTED))
 
+    def question(self):
+        return find(self.application, "alert") or find(self.application, "dialog")
+
     def answer(self, button):
-        dialog = wait_for("a question", lambda: find(self.application, "alert") or find(self.application, "dialog"))
+        dialog = wait_for("a question", self.question)
         act(wait_for(f"button {button!r}", lambda: find(dialog, "push button", button)), "Press")

@@ -14,7 +14,7 @@ import subprocess
 import sys
 import tempfile
 
-from client import Atspi, Moved, Window, act, find, has_state, wait_for
+from client import Atspi, Moved, Window, act, actions, find, has_state, wait_for
 from trial import make_home, running, size_text
 
 BUNDLES = "/usr/share/GNUstep"
@@ -127,11 +127,6 @@ def journey(home):
     wait_for("an empty list", lambda: window.section(SECTION).get_description() == "Nichts Überflüssiges gefunden")
     right = {path for path in before if not any(path == gone or path.startswith(gone + "/") for gone in going)}
     assert paths_below(folder) == right, paths_below(folder) ^ right
-
-
-def actions(node):
-    interface = node.get_action_iface()
-    return [interface.get_action_name(index) for index in range(interface.get_n_actions())]
 
 
 def main():
