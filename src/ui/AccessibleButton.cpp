@@ -1,6 +1,7 @@
 #include "ui/AccessibleButton.h"
 
 #include <QCheckBox>
+#include <QTimer>
 
 #include "ui/IconButton.h"
 #include "ui/PlashkaView.h"
@@ -21,11 +22,13 @@ QString AccessibleButton::text(QAccessible::Text kind) const {
     return kind == QAccessible::Name && given.isEmpty() ? button_->text() : given;
 }
 
-bool AccessibleButton::isUsable() const { return button_->isEnabled() && !Sheet::covers(button_); }
+bool AccessibleButton::isUsable(const QAbstractButton* button) {
+    return button->isEnabled() && button->isVisible() && !Sheet::covers(button);
+}
 
 QAccessible::State AccessibleButton::state() const {
     auto state = QAccessibleWidget::state();
-    state.disabled = !isUsable();
+    state.disabled = !button_->isEnabled() || Sheet::covers(button_);
     state.pressed = button_->isDown();
     if (const auto* box = qobject_cast<QCheckBox*>(button_)) {
         state.checkable = true;
@@ -48,16 +51,21 @@ QString AccessibleButton::clickAction() const {
 }
 
 QStringList AccessibleButton::actionNames() const {
-    return isUsable() ? QStringList{clickAction()} + QAccessibleWidget::actionNames() : QStringList();
+    return isUsable(button_) ? QStringList{clickAction()} + QAccessibleWidget::actionNames() : QStringList();
 }
 
-// The click comes later: what it opens may wait for the user, and the client waits for this.
+// The click comes once the client has its answer, since what it opens may wait for the user; by then the button may be
+// gone from view.
 void AccessibleButton::doAction(const QString& action) {
-    if (!isUsable()) {
+    if (!isUsable(button_)) {
         return;
     }
     if (action == clickAction()) {
-        button_->animateClick();
+        QTimer::singleShot(0, button_, [button = button_] {
+            if (isUsable(button)) {
+                button->click();
+            }
+        });
     } else {
         QAccessibleWidget::doAction(action);
     }

@@ -18,7 +18,7 @@ public:
     void doAction(const QString& action) override;
 
 private:
-    [[nodiscard]] bool isUsable() const;
+    [[nodiscard]] static bool isUsable(const QAbstractButton* button);
     [[nodiscard]] QString clickAction() const;
 
     QAbstractButton* button_;
