@@ -18,6 +18,7 @@ SECTIONS = ("Caches", "Language Resources", "Logs", "Downloads", "Trash")
 LIST_CONTROLS = ("Show Information", "Show in File Manager")
 SURE = "Are you sure you want to  completely delete the selected items?"
 STAYS = "Library/Containers/com.vendor.reader/Data/Library/Logs/kept.log"
+NAME, DESCRIPTION, VALUE = (f"object:property-change:accessible-{what}" for what in ("name", "description", "value"))
 UNTIL_IT_WOULD_HAVE_COME = 1.0  # seconds
 
 
@@ -29,7 +30,8 @@ class Desk:
         self.frame = self.window.frame
 
     def labels(self):
-        return [part.get_name() for part in everything(self.frame) if part.get_role_name() == "label" and is_showing(part)]
+        labels = (part for part in everything(self.frame) if part.get_role_name() == "label")
+        return [label.get_name() for label in labels if is_showing(label)]
 
     def ticked(self):
         return [title for title in SECTIONS if has_state(self.window.section(title), Atspi.StateType.CHECKED)]
@@ -166,9 +168,9 @@ def stop(desk):
 def scan_again(desk, ear):
     ear.heard.clear()
     desk.scan()
-    wait_for("the last per cent", lambda: "Scan progress" in ear.names("object:property-change:accessible-value", "progress bar"))
-    wait_for("the last subtitle", lambda: "Trash" in ear.names("object:property-change:accessible-description", "list item"))
-    assert ear.names("object:property-change:accessible-name", "push button"), "the status and the button tell of the end"
+    wait_for("the last per cent", lambda: "Scan progress" in ear.names(VALUE, "progress bar"))
+    wait_for("the last subtitle", lambda: "Trash" in ear.names(DESCRIPTION, "list item"))
+    assert ear.names(NAME, "push button"), "the status and the button tell of the end"
     assert desk.subtitle("Trash").endswith(" Selected"), desk.subtitle("Trash")
     print(f"{ear.most_in_a_second()} events in a second at most")
     assert ear.most_in_a_second() < 100, ear.most_in_a_second()
@@ -178,7 +180,7 @@ def scan_again(desk, ear):
 
 
 def states_of_select_all(desk):
-    """A section whose items are all unticked stays ticked itself; with nothing else ticked there is nothing to clean."""
+    """A section with no item ticked stays ticked itself; when nothing else is ticked there is nothing to clean."""
     desk.window.show_section("Caches")
     rows = wait_for("the caches", lambda: desk.window.rows("Caches"))
     wait_for("the mark of all", lambda: desk.select_all_state() == "all")
@@ -252,7 +254,7 @@ def clean_with_a_report(desk, home, ear):
     sheet = wait_for("the report", lambda: find(desk.frame, "dialog", "Some items were not removed"))
     assert desk.window.question() == sheet, "a question that was to come no more"
     wait_for("a closed drawer", lambda: not desk.is_drawer_out())
-    wait_for("the progress", lambda: "Clean progress" in ear.names("object:property-change:accessible-value", "progress bar"))
+    wait_for("the progress", lambda: "Clean progress" in ear.names(VALUE, "progress bar"))
     behind(desk)
     act(find(sheet, "push button", "Close"), "Press")
     wait_for("the drawer again", desk.is_drawer_out)
