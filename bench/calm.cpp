@@ -51,6 +51,13 @@ public:
     void giveUp() override {}
 };
 
+class NoWorkspace final : public platform::Workspace {
+public:
+    bool openURL(const std::string& /*url*/) override { return false; }
+    void announceStart() override {}
+    void giveUp() override {}
+};
+
 // Names as caches have them, in no order; sizes of every magnitude. Only the folder changes on the disk: files have
 // lengths and no contents.
 void makeEntries(const fs::path& folder, int count, const std::string& suffix) {
@@ -99,7 +106,8 @@ private:
     platform::UserDefaults defaults_;
     Agreeing alerts_;
     NoFileBrowser fileBrowser_;
-    ui::UtilMod util_{alerts_, fileBrowser_};
+    NoWorkspace workspace_;
+    ui::UtilMod util_{alerts_, fileBrowser_, workspace_};
     langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
     ui::FAppDelegate application_{ui::scanOperations(),
                                   ui::cleanOperations(engine::PrivilegedRemover::none()),

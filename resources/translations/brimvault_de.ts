@@ -67,6 +67,17 @@
     </message>
 </context>
 <context>
+    <name>Sorting</name>
+    <message>
+        <source>Sorted ascending</source>
+        <translation>Aufsteigend sortiert</translation>
+    </message>
+    <message>
+        <source>Sorted descending</source>
+        <translation>Absteigend sortiert</translation>
+    </message>
+</context>
+<context>
     <name>StatusTexts</name>
     <message>
         <source>Zero Bytes</source>
@@ -312,6 +323,10 @@ Was würde es besser machen? Jede Idee ist willkommen:
     <message>
         <source>Show Information</source>
         <translation>Informationen anzeigen</translation>
+    </message>
+    <message>
+        <source>Sort By</source>
+        <translation>Sortieren nach</translation>
     </message>
 </context>
 <context>

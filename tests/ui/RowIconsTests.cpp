@@ -173,7 +173,10 @@ TEST_F(RowIcons, AreAskedForAnewWhenTheListBeginsAnew) {
     icons_.let.release(manyRows);
     ASSERT_TRUE(runUntil([&] { return shown(0) == colour; }));
     const auto before = icons_.asked();
-    const auto items = model_.items();
+    QList<ui::ItemListModel::Item> items;
+    for (int row = 0; row < model_.rowCount(); ++row) {
+        items.append(model_.item(row));
+    }
     model_.setItems({});
     model_.setItems(items);
     EXPECT_TRUE(runUntil([&] {
