@@ -48,7 +48,7 @@ AboutWC::AboutWC(QWidget* parent) : QDialog(parent) {
     content->setContentsMargins(margins);
     content->setSpacing(0);
     content->setSizeConstraint(QLayout::SetFixedSize);
-    content->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide), 0, Qt::AlignHCenter);
+    content->addWidget(new PictureLabel(QLatin1String("AppIcon"), look::scaled(iconSide)), 0, Qt::AlignHCenter);
     content->addSpacing(10);
     content->addWidget(centred(QStringLiteral("Brimvault"), look::font(nameSize, QFont::Bold), look::textPrimary));
     content->addSpacing(2);

@@ -42,8 +42,8 @@ CheckTableView::CheckTableView(QWidget* parent) : QTableView(parent) {
 void CheckTableView::setModel(QAbstractItemModel* model) {
     QTableView::setModel(model);
     horizontalHeader()->setSectionResizeMode(textColumn, QHeaderView::Stretch);
-    fixWidth(checkColumn, checkColumnWidth);
-    fixWidth(iconColumn, iconColumnWidth);
+    fixWidth(checkColumn, look::scaled(checkColumnWidth));
+    fixWidth(iconColumn, look::scaled(iconColumnWidth));
     connect(model, &QAbstractItemModel::rowsInserted, this, &CheckTableView::keepCurrentRow);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &CheckTableView::keepCurrentRow);
     keepCurrentRow();

@@ -28,7 +28,7 @@ IconButton::IconButton(QLatin1String picture, const QString& name, QWidget* pare
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
-QSize IconButton::sizeHint() const { return buttonSize; }
+QSize IconButton::sizeHint() const { return buttonSize * look::textScale(); }
 
 // Not every client is told that something is expanded; what the button says of itself all of them hear.
 void IconButton::setOn(bool on) {

@@ -7,6 +7,8 @@
 #include <QPixmapCache>
 #include <array>
 
+#include "ui/Look.h"
+
 namespace brimvault::ui {
 
 namespace {
@@ -75,11 +77,18 @@ const QPixmap& ImageLoad::LoadPNGImage(QLatin1String name, qreal density) {
     return *found;
 }
 
-QSizeF ImageLoad::sizeOf(QLatin1String name) { return LoadPNGImage(name, 1.0).deviceIndependentSize(); }
+QSizeF ImageLoad::sizeOf(QLatin1String name) {
+    return LoadPNGImage(name, 1.0).deviceIndependentSize() * look::textScale();
+}
 
 void ImageLoad::draw(QPainter& painter, const QPointF& topLeft, QLatin1String name) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(topLeft, LoadPNGImage(name, painter.device()->devicePixelRatioF()));
+    const QPixmap& picture = LoadPNGImage(name, painter.device()->devicePixelRatioF() * look::textScale());
+    if (look::textScale() == 1.0) {
+        painter.drawPixmap(topLeft, picture);
+    } else {
+        painter.drawPixmap(QRectF(topLeft, sizeOf(name)), picture, QRectF(picture.rect()));
+    }
 }
 
 void ImageLoad::drawStretched(QPainter& painter, const QRectF& target, QLatin1String name) {

@@ -14,7 +14,7 @@ class ImageLoad {
 public:
     /// The picture at the density given (device pixels to the point); null for an unknown name.
     [[nodiscard]] static const QPixmap& LoadPNGImage(QLatin1String name, qreal density);
-    /// Size in points; 0 x 0 for an unknown name.
+    /// Size in points, grown with the text that it stands beside; 0 x 0 for an unknown name.
     [[nodiscard]] static QSizeF sizeOf(QLatin1String name);
 
     /// Draws the picture at a place, in its own size.

@@ -27,16 +27,17 @@ QRect placed(const QRect& cell, Qt::LayoutDirection direction, int left, int wid
 
 // A row ends with a spacer.
 int ImageTextCell::textWidth(const QRect& cell) {
-    return cell.width() - textLeft - qRound(ImageLoad::sizeOf(QLatin1String("emptyImg")).width());
+    return cell.width() - look::scaled(textLeft) - qRound(ImageLoad::sizeOf(QLatin1String("emptyImg")).width());
 }
 
 void ImageTextCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction) const {
     const QByteArray picture = QByteArray(value_.picture.data()) + (value_.selected ? "Sel" : "");
-    ImageLoad::draw(painter, placed(cell, direction, 0, pictureSide, pictureSide).topLeft(), QLatin1String(picture));
+    ImageLoad::draw(painter, placed(cell, direction, 0, look::scaled(pictureSide), look::scaled(pictureSide)).topLeft(),
+                    QLatin1String(picture));
 
     const int titleHeight = QFontMetrics(titleFont()).height();
     const int subtitleHeight = QFontMetrics(subtitleFont()).height();
-    const QRect both = placed(cell, direction, textLeft, textWidth(cell), titleHeight + subtitleHeight);
+    const QRect both = placed(cell, direction, look::scaled(textLeft), textWidth(cell), titleHeight + subtitleHeight);
     const Qt::Alignment side = leadingSide(direction);
     painter.setPen(QColor(value_.selected ? look::textOnAccent : look::textPrimary));
     drawTextLine(painter, QRect(both.left(), both.top(), both.width(), titleHeight), side, titleFont(), value_.title);

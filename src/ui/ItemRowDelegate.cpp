@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "ui/ImageLoad.h"
+#include "ui/Look.h"
 
 namespace brimvault::ui {
 
@@ -13,17 +14,17 @@ void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) 
 // On the ground of a selected row a picture of the window's own has another form, of the same name with "Inv".
 void ItemRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const auto picture = index.data(ItemListModel::iconRole).value<RowPicture>();
-    const QRect place = placed(option, index, {RowIcons::side, RowIcons::side});
-    const QPixmap icon = icons_->of(picture, painter.device()->devicePixelRatioF());
+    const QRect place = placed(option, index, {look::scaled(RowIcons::side), look::scaled(RowIcons::side)});
+    const QPixmap icon = icons_->of(picture, painter.device()->devicePixelRatioF() * look::textScale());
     if (icon.isNull()) {
         const QByteArray name = QByteArray(picture.general.latin1()) + (isSelected(option) ? "Inv" : "");
         ImageLoad::draw(painter, place.topLeft(), QLatin1String(name));
         return;
     }
-    const QSizeF size = icon.deviceIndependentSize();
-    painter.drawPixmap(
-        QPointF(place.x() + (place.width() - size.width()) / 2, place.y() + (place.height() - size.height()) / 2),
-        icon);
+    QRectF shown(QPointF(), icon.deviceIndependentSize() * look::textScale());
+    shown.moveCenter(QRectF(place).center());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(shown, icon, QRectF(icon.rect()));
 }
 
 }  // namespace brimvault::ui

@@ -22,8 +22,8 @@ LanguagesTableView::LanguagesTableView(QWidget* parent) : CheckTableView(parent)
 
 void LanguagesTableView::setModel(QAbstractItemModel* model) {
     CheckTableView::setModel(model);
-    fixWidth(checkColumn, LanguageRowDelegate::checkColumnWidth);
-    fixWidth(iconColumn, LanguageRowDelegate::iconColumnWidth);
+    fixWidth(checkColumn, look::scaled(LanguageRowDelegate::checkColumnWidth));
+    fixWidth(iconColumn, look::scaled(LanguageRowDelegate::iconColumnWidth));
 }
 
 }  // namespace brimvault::ui

@@ -47,8 +47,8 @@ private:
 
 ListPanel::ListPanel(QWidget* parent)
     : QWidget(parent),
-      title_(makeLabel({}, look::font(titleSize, QFont::Bold), look::textPrimary)),
-      count_(makeLabel({}, look::font(countSize), look::textSecondary)),
+      title_(new ElidedLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
+      count_(new ElidedLabel(look::font(countSize), look::textSecondary)),
       buttons_(new QHBoxLayout),
       pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
       pbtnFinder_(new IconButton(QLatin1String("btnFinder"), tr("Show in File Manager"))),

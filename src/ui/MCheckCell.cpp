@@ -9,8 +9,11 @@ namespace {
 
 constexpr qreal disabledOpacity = 0.45;
 constexpr qreal cornerRadius = 4.5;
+constexpr int usualSide = 18;
 
 }  // namespace
+
+int MCheckCell::side() { return look::scaled(usualSide); }
 
 QLatin1String MCheckCell::picture() const {
     const bool selected = ground == CheckGround::selected;
@@ -31,7 +34,7 @@ void MCheckCell::draw(QPainter& painter, const QPoint& topLeft) const {
     ImageLoad::draw(painter, topLeft, picture());
     if (hovered && enabled && !highlighted && ground == CheckGround::plain) {
         constexpr qreal edge = 0.5;
-        const QRectF box(topLeft.x() + edge, topLeft.y() + edge, side - 2, side - 2);
+        const QRectF box(topLeft.x() + edge, topLeft.y() + edge, side() - 2, side() - 2);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(QColor(look::accentDark), 1));
         painter.setBrush(Qt::NoBrush);

@@ -16,8 +16,8 @@ struct MCheckCell {
     bool enabled = true;
     CheckGround ground = CheckGround::plain;
 
-    /// Side of the pictures, in points.
-    static constexpr int side = 18;
+    /// Side of the pictures, in points, grown with the text.
+    [[nodiscard]] static int side();
 
     /// "rcheck0", "rcheck1" (mixed) or "rcheck2"; held down the "Sel" form of each, on a selected row "Inv".
     [[nodiscard]] QLatin1String picture() const;

@@ -14,15 +14,15 @@ constexpr int titleGap = 8;
 
 }  // namespace
 
-int MCheckCellT::widthBesideTitle() { return 2 * margin + side + titleGap; }
+int MCheckCellT::widthBesideTitle() { return 2 * margin + side() + titleGap; }
 
 QRect MCheckCellT::imageRect(const QRect& cell) const {
-    const QRect place(cell.left() + margin, cell.top() + (cell.height() - side) / 2, side, side);
+    const QRect place(cell.left() + margin, cell.top() + (cell.height() - side()) / 2, side(), side());
     return QStyle::visualRect(direction, cell, place);
 }
 
 QRect MCheckCellT::titleRect(const QRect& cell) const {
-    return QStyle::visualRect(direction, cell, cell.adjusted(margin + side + titleGap, 0, -margin, 0));
+    return QStyle::visualRect(direction, cell, cell.adjusted(margin + side() + titleGap, 0, -margin, 0));
 }
 
 void MCheckCellT::draw(QPainter& painter, const QRect& cell, const QFont& font) const {

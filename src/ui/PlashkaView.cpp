@@ -20,9 +20,17 @@ constexpr int leastWidth = 200;
 constexpr int margin = 12;
 constexpr int cornerRadius = 10;
 constexpr qreal largeSize = 21;
+constexpr qreal leastLargeSize = 15;
 constexpr qreal smallSize = 12;
 
-QFont largeFont() { return look::font(largeSize, QFont::Bold); }
+// In a narrow window the large text becomes smaller before any of it is cut.
+QFont largeFont(const QString& text, int room) {
+    QFont font = look::font(largeSize, QFont::Bold);
+    for (qreal size = largeSize; size > leastLargeSize && QFontMetrics(font).horizontalAdvance(text) > room; --size) {
+        font = look::font(size - 1, QFont::Bold);
+    }
+    return font;
+}
 QFont smallFont() { return look::font(smallSize); }
 
 }  // namespace
@@ -65,10 +73,11 @@ void PlashkaView::paintEvent(QPaintEvent* /*event*/) {
         drawTextLine(painter, QRect(margin, top, width() - 2 * margin, QFontMetrics(font).height()), Qt::AlignHCenter,
                      font, text);
     };
-    const int largeHeight = large_.isEmpty() ? 0 : QFontMetrics(largeFont()).height();
+    const QFont large = largeFont(large_, width() - 2 * margin);
+    const int largeHeight = large_.isEmpty() ? 0 : QFontMetrics(large).height();
     const int smallHeight = QFontMetrics(smallFont()).height();
     const int top = (height() - largeHeight - smallHeight) / 2;
-    line(largeFont(), look::textPrimary, top, large_);
+    line(large, look::textPrimary, top, large_);
     line(smallFont(), look::textSecondary, top + largeHeight, small_);
     if (isFocusShown(this)) {
         drawFocusRing(painter, rect(), cornerRadius);

@@ -45,7 +45,7 @@ void RowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& optio
     check.hovered = (option.state & QStyle::State_MouseOver) != 0;
     check.enabled = index.flags().testFlag(Qt::ItemIsUserCheckable);
     check.ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
-    check.draw(painter, placed(option, index, {MCheckCell::side, MCheckCell::side}).topLeft());
+    check.draw(painter, placed(option, index, {MCheckCell::side(), MCheckCell::side()}).topLeft());
 }
 
 void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {

@@ -31,7 +31,7 @@ QRect card(const QRect& row) {
 
 QRect textCell(const QRect& row, Qt::LayoutDirection direction) {
     const QRect place = card(row);
-    return QStyle::visualRect(direction, place, place.adjusted(textLeft, 0, 0, 0));
+    return QStyle::visualRect(direction, place, place.adjusted(look::scaled(textLeft), 0, 0, 0));
 }
 
 void drawHover(QPainter& painter, const QRect& place) {
@@ -50,7 +50,8 @@ QSize SectionRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/, const
 
 QRect SectionRowDelegate::checkRect(const QRect& row, Qt::LayoutDirection direction) {
     const QRect place = card(row);
-    return QStyle::visualRect(direction, place, QRect(place.left(), place.top(), textLeft, place.height()));
+    return QStyle::visualRect(direction, place,
+                              QRect(place.left(), place.top(), look::scaled(textLeft), place.height()));
 }
 
 TextImgData SectionRowDelegate::valueOf(const QModelIndex& index, bool selected) {
@@ -80,8 +81,8 @@ void SectionRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
 void SectionRowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& option,
                                    const QModelIndex& index) const {
     const QRect row = card(option.rect);
-    const QRect place(row.left() + checkLeft, row.center().y() - MCheckCell::side / 2, MCheckCell::side,
-                      MCheckCell::side);
+    const int side = MCheckCell::side();
+    const QRect place(row.left() + look::scaled(checkLeft), row.center().y() - side / 2, side, side);
     MCheckCell check;
     check.state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
     check.highlighted = view_->pressedCheck() == index;

@@ -34,7 +34,7 @@ SidebarPanel::SidebarPanel(QWidget* parent)
     auto* title = new QHBoxLayout;
     title->setContentsMargins(nameMargins);
     title->setSpacing(nameGap);
-    title->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide));
+    title->addWidget(new PictureLabel(QLatin1String("AppIcon"), look::scaled(iconSide)));
     title->addWidget(name);
     title->addStretch(1);
     title->addWidget(pbtnMenu_);

@@ -62,7 +62,7 @@ QVBoxLayout* StartPage::makePage() {
     page->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
     page->setSpacing(0);
     page->addStretch(10);
-    page->addWidget(new PictureLabel(QLatin1String("AppIcon"), iconSide), 0, Qt::AlignHCenter);
+    page->addWidget(new PictureLabel(QLatin1String("AppIcon"), look::scaled(iconSide)), 0, Qt::AlignHCenter);
     page->addSpacing(18);
     page->addWidget(headline);
     page->addSpacing(8);

@@ -3,6 +3,8 @@
 #include <QFont>
 #include <QLabel>
 
+#include "ui/TextLine.h"
+
 namespace brimvault::ui {
 
 /// A label in the window's own type and colours. Main thread.
@@ -14,5 +16,23 @@ namespace brimvault::ui {
     label->setPalette(colors);
     return label;
 }
+
+/// A label of one line, in the same way, whose text is cut where it does not fit. Main thread.
+class ElidedLabel final : public QLabel {
+public:
+    ElidedLabel(const QFont& font, QRgb color) : color_(color) { setFont(font); }
+
+    [[nodiscard]] QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setPen(QColor(color_));
+        drawTextLine(painter, rect(), leadingSide(layoutDirection()), font(), text());
+    }
+
+private:
+    QRgb color_;
+};
 
 }  // namespace brimvault::ui
