@@ -41,6 +41,7 @@ QAccessible::State AccessibleButton::state() const {
     if (const auto* icon = qobject_cast<IconButton*>(button_)) {
         state.expandable = icon->opensSomething();
         state.expanded = icon->isOn();
+        state.hasPopup = icon->opensMenu();
         state.collapsed = icon->opensSomething() && !icon->isOn();
     }
     return state;

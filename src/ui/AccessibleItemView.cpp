@@ -10,6 +10,7 @@
 #include "ui/AccessibleHeaderCell.h"
 #include "ui/AccessibleProgress.h"
 #include "ui/AccessibleSheet.h"
+#include "ui/AlertWindow.h"
 #include "ui/CheckTableView.h"
 #include "ui/NotCleanedListView.h"
 #include "ui/SectionsTableView.h"
@@ -18,7 +19,7 @@ namespace brimvault::ui {
 
 namespace {
 
-// Buttons of message boxes and the like are Qt's.
+// Buttons of Qt's own dialogs are presented by Qt.
 bool isOurs(const QString& className) { return className.startsWith(QLatin1String("brimvault::")); }
 
 QAccessibleInterface* present(const QString& className, QObject* object) {
@@ -28,6 +29,9 @@ QAccessibleInterface* present(const QString& className, QObject* object) {
     }
     if (auto* sheet = qobject_cast<Sheet*>(object)) {
         return new AccessibleSheet(sheet);
+    }
+    if (auto* alert = qobject_cast<AlertWindow*>(object)) {
+        return new QAccessibleWidget(alert, QAccessible::AlertMessage);
     }
     if (auto* indicator = qobject_cast<ProgressIndicator*>(object)) {
         return new AccessibleProgress(indicator);

@@ -44,6 +44,7 @@ QLabel* paragraph(const QString& text, const QFont& font, QRgb color) {
     label->setText(breakable(text));
     label->setAccessibleName(text);
     label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setContentsMargins(MCheckCellT::margin, 0, MCheckCellT::margin, 0);  // a check box stands below it
     label->setFixedWidth(look::scaled(textWidth));
     return label;

@@ -16,7 +16,7 @@ void DrawerAndSheets::updateButtonsForPanel(int row) {
     const bool languages = row >= 0 && row < sectionRowCount &&
                            sectionRows()[static_cast<std::size_t>(row)].section == engine::Section::languageResources;
     window_.pbtnLangs()->setVisible(languages);
-    setDrawerOpen(languages && bDrawerOpened_);
+    setDrawerOpen(languages && bDrawerOpened_ && modalSheetSender_ == nullptr);
 }
 
 void DrawerAndSheets::toggleDrawer() {

@@ -1,6 +1,6 @@
 #include "ui/FAppDelegate.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFile>
 
 #include "engine/Notifications.h"
@@ -99,6 +99,7 @@ void FAppDelegate::registerObservers() {
 // --- Scanning ---------------------------------------------------------------------------------------------------
 
 void FAppDelegate::setPbScanning(bool scanning) {
+    dismissMenu();
     bscanningProcess_ = scanning;
     psectController_->updateChecksEnabled();
     if (scanning) {
@@ -167,6 +168,7 @@ void FAppDelegate::refreshLists() {
 // --- Cleaning ---------------------------------------------------------------------------------------------------
 
 void FAppDelegate::setPbCleanning(bool cleaning) {
+    dismissMenu();
     bcleaningProcess_ = cleaning;
     psectController_->updateChecksEnabled();
     if (cleaning) {
@@ -226,6 +228,7 @@ void FAppDelegate::focusWhatIsNext() {
 
 // While an item is being removed nothing else begins, and nothing stops it.
 void FAppDelegate::setPbRemoving(bool removing) {
+    dismissMenu();
     removing_ = removing;
     psectController_->updateChecksEnabled();
     window_->sidebar()->pbtnScan()->setEnabled(!removing);

@@ -64,7 +64,10 @@ public:
     void updateSelectAllCheck() override;
     void UpdateTextsAboutFreeUpSize() override;
     /// A sheet does not come while the drawer is out: the drawer goes first, and comes again after the sheet.
-    void willModalSheetBegin(const QObject* sender) override { drawerAndSheets_->willModalSheetBegin(sender); }
+    void willModalSheetBegin(const QObject* sender) override {
+        dismissMenu();
+        drawerAndSheets_->willModalSheetBegin(sender);
+    }
     void didModalSheetEnd(const QObject* /*sender*/) override {
         drawerAndSheets_->didModalSheetEnd(psectController_->selectedRow());
     }
@@ -96,6 +99,11 @@ private:
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);
 
+    void dismissMenu() {
+        if (menu_) {
+            menu_->dismiss();
+        }
+    }
     void applicationDidBecomeActive();
     [[nodiscard]] bool mayClose();
     void closeWhenIdle();

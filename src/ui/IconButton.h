@@ -18,6 +18,8 @@ public:
     void setPictureOn(QLatin1String picture) { pictureOn_ = picture; }
     [[nodiscard]] bool opensSomething() const { return !pictureOn_.isEmpty(); }
     [[nodiscard]] bool isOn() const { return on_; }
+    void setOpensMenu() { opensMenu_ = true; }
+    [[nodiscard]] bool opensMenu() const { return opensMenu_; }
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -28,6 +30,7 @@ private:
     QLatin1String picture_;
     QLatin1String pictureOn_;
     bool on_ = false;
+    bool opensMenu_ = false;
 };
 
 }  // namespace brimvault::ui

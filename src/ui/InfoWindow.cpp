@@ -1,16 +1,15 @@
 #include "ui/InfoWindow.h"
 
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLocale>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "engine/FileSize.h"
 #include "ui/FilePicture.h"
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
+#include "ui/WhiteTitleButton.h"
 
 namespace brimvault::ui {
 
@@ -62,17 +61,20 @@ InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFact
     setMinimumWidth(look::scaled(leastWidth));
 
     addFacts(facts);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    buttons->button(QDialogButtonBox::Close)->setText(tr("Close"));
-    buttons->button(QDialogButtonBox::Close)->setIcon({});
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
+    auto* close = new WhiteTitleButton;
+    close->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
+    close->setTitle(tr("Close"), tr("Close"));
+    close->setTitleSize(textSize);
+    close->setDefault(true);
+    connect(close, &QAbstractButton::clicked, this, &QDialog::close);
     auto* content = new QVBoxLayout(this);
     content->setContentsMargins(margin, margin, margin, margin);
     content->setSpacing(margin * 3 / 4);
     content->addLayout(makeTitle(facts));
     content->addLayout(rows_);
     content->addStretch(1);
-    content->addWidget(buttons);
+    content->addWidget(close, 0, Qt::AlignTrailing);
+    close->setFocus();
     resize(minimumWidth(), content->totalHeightForWidth(minimumWidth()));
 }
 

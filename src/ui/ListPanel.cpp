@@ -134,9 +134,16 @@ void ListPanel::setTitle(const QString& title, const QString& count) {
     count_->setText(count);
 }
 
-void ListPanel::setNote(const QString& note) {
-    note_->setText(note);
-    note_->setVisible(!note.isEmpty());
+void ListPanel::setNote(const QString& note) { note_->setText(note); }
+
+void ListPanel::setListShown(QWidget* list, bool shown) {
+    QWidget* const comes = shown ? list : note_;
+    QWidget* const goes = shown ? note_ : list;
+    comes->show();
+    if (goes->hasFocus()) {
+        comes->setFocus();
+    }
+    goes->hide();
 }
 
 }  // namespace brimvault::ui

@@ -25,8 +25,10 @@ public:
     /// Takes the drawer of the languages, which shrinks the lists, and its button.
     void adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
     void setTitle(const QString& title, const QString& count);
-    /// What is said in the place of a list; empty to say nothing.
+    /// What is said in the place of a list.
     void setNote(const QString& note);
+    /// Shows the list, or the note in its place, which keeps the keyboard's focus for it meanwhile.
+    void setListShown(QWidget* list, bool shown);
 
     [[nodiscard]] WhiteTitleButton* pbtnClean() const { return pbtnClean_; }
     [[nodiscard]] ProgressIndicator* pProgressClean() const { return pProgressClean_; }

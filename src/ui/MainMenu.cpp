@@ -15,6 +15,7 @@ constexpr int leastWidth = 250;  // points
 
 MainMenu::MainMenu(QWidget* window, IconButton* button, MenuCommands& commands)
     : menu_(new QMenu(window)), button_(button), commands_(commands) {
+    button_->setOpensMenu();
     menu_->setStyleSheet(styleSheets::menu() +
                          QStringLiteral("QMenu::item { min-width: %1px; }").arg(look::scaled(leastWidth)));
     add(menu_, MenuAction::doStartScan, {QKeySequence(Qt::CTRL | Qt::Key_R), QKeySequence(Qt::Key_F5)});
@@ -71,6 +72,13 @@ void MainMenu::perform(MenuAction what) {
     if (commands_.validateMenuItem(what).enabled) {
         commands_.perform(what);
     }
+}
+
+void MainMenu::dismiss() {
+    for (auto* part : menu_->findChildren<QMenu*>()) {
+        part->close();
+    }
+    menu_->close();
 }
 
 void MainMenu::popUp() {

@@ -21,6 +21,8 @@ public:
     /// Titles and states as they are now.
     void validateItems();
     void popUp();
+    /// Closes it where it is open: what it says does not hold any more, and the user must not choose it unawares.
+    void dismiss();
     /// Sends an action if it may be sent, as things stand.
     void perform(MenuAction what);
 

@@ -26,6 +26,9 @@ void NotCleanedController::updateNotCleanedRusultsApps(const std::optional<engin
     rows_ = engine::NotCleanedRows(apps, dwns, caches, trash, logs);
     endResetModel();
     if (rows_.count() == 0) {
+        if (!pNotCleanedInfoPanel_.isNull()) {
+            doCloseNotCleanedPanel();  // what it told of is gone
+        }
         return;
     }
     if (pAppDelegate_ != nullptr) {

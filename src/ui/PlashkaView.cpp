@@ -43,7 +43,7 @@ PlashkaView::PlashkaView(QWidget* parent)
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this,
+    connect(this, &QAbstractButton::pressed, this,
             [] { engine::NotificationCenter::defaultCenter().post(engine::notification::plashkaPressed); });
 }
 
@@ -67,7 +67,9 @@ QSize PlashkaView::minimumSizeHint() const { return {leastWidth, look::scaled(us
 
 void PlashkaView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    ImageLoad::drawStretched(painter, rect(), underMouse() ? QLatin1String("bg_selected") : QLatin1String("bg_status"));
+    // The window may have changed under the pointer.
+    const bool hovered = underMouse() && rect().contains(mapFromGlobal(QCursor::pos()));
+    ImageLoad::drawStretched(painter, rect(), hovered ? QLatin1String("bg_selected") : QLatin1String("bg_status"));
     const auto line = [&](const QFont& font, QRgb color, int top, const QString& text) {
         painter.setPen(QColor(color));
         drawTextLine(painter, QRect(margin, top, width() - 2 * margin, QFontMetrics(font).height()), Qt::AlignHCenter,

@@ -6,7 +6,7 @@
 
 namespace brimvault::ui {
 
-/// The status area under the lists: a large text over a small one, or the small one alone in the middle. A click posts
+/// The status area under the lists: a large text over a small one, or the small one alone in the middle. A press posts
 /// "PlashkaPressed". Main thread.
 class PlashkaView final : public QAbstractButton {
     Q_OBJECT

@@ -1,7 +1,10 @@
 #include "ui/RowDelegate.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include "ui/FocusRing.h"
 #include "ui/ImageLoad.h"
@@ -53,6 +56,18 @@ void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option
     const auto side = isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction);
     TextCellSmall::draw(painter, option.rect.adjusted(space, 0, -space, 0), side,
                         {index.data().toString(), {}, isSelected(option)});
+}
+
+bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                            const QModelIndex& index) {
+    const QString text = index.data().toString();
+    const int room = option.rect.width() - 2 * margin(index.column());
+    const bool cut = QFontMetrics(look::font(TextCellSmall::textSize)).horizontalAdvance(text) > room;
+    if (event->type() != QEvent::ToolTip || !cut || index.data(Qt::ToolTipRole).isValid()) {
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    }
+    QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
+    return true;
 }
 
 // The focus of the keyboard is on a row: a line above and below it, closed at both ends.

@@ -15,6 +15,9 @@ public:
     explicit RowDelegate(CheckTableView* view) : QStyledItemDelegate(view), view_(view) {}
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    /// The whole text of a cell in which it is cut, unless the row has more to tell.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
 
 protected:
     /// What a cell of an unselected row stands on.

@@ -97,8 +97,8 @@ void SectionPanels::updateTitle() {
     const bool listed = current->hasItems();
     panel_.setTitle(sectionTitle(sectionRows()[static_cast<std::size_t>(activeRow_)]),
                     listed ? countText(current->section(), current->itemCount(), scanning) : QString());
-    panel_.setNote(listed ? QString() : scanning ? tr("Scanning...") : sections_.subtitle(activeRow_));
-    current->view()->setVisible(listed);
+    panel_.setNote(scanning ? tr("Scanning...") : sections_.subtitle(activeRow_));
+    panel_.setListShown(current->view(), listed);
 }
 
 void SectionPanels::updateSelectAllButton() {

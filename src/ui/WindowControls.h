@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include "ui/ApplicationController.h"
 #include "ui/MainWindow.h"
 

@@ -35,6 +35,15 @@ protected:
     }
 };
 
+TEST_F(KeyboardJourney, TheListHasTheKeyboardAgainAfterAScanThatIsStartedFromIt) {
+    scan();
+    guide_->list()->setFocus();
+    QTest::keyClick(guide_->list(), Qt::Key_R, Qt::ControlModifier);
+    ASSERT_TRUE(application_->pbScanning());
+    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbScanning() && guide_->list() != nullptr; }));
+    EXPECT_EQ(QApplication::focusWidget(), guide_->list());
+}
+
 TEST_F(KeyboardJourney, FromTheStartToACleanWithOneItemSpared) {
     ASSERT_EQ(QApplication::focusWidget(), window()->startPage()->btnStartScanButton2());
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);

@@ -87,6 +87,20 @@ TEST_F(MenuJourney, ShortcutsDoWhatTheMenuOffersAndNothingElse) {
     application_->menu().menu()->close();
 }
 
+// Its title would not hold any more: what stopped a scan would start the next.
+TEST_F(MenuJourney, ClosesWhenWhatItOffersChanges) {
+    start();
+    const auto* menu = application_->menu().menu();
+    application_->setPbScanning(true);
+    application_->menu().popUp();
+    ASSERT_TRUE(menu->isVisible());
+    application_->setPbScanning(false);
+    EXPECT_FALSE(menu->isVisible());
+    application_->menu().popUp();
+    application_->willModalSheetBegin(nullptr);
+    EXPECT_FALSE(menu->isVisible());
+}
+
 TEST_F(MenuJourney, AMailIsBegunForTheMakersAndForFriends) {
     start();
     application_->menu().perform(MenuAction::sendFeedbackPressed);

@@ -173,6 +173,14 @@ TEST_F(NotCleanedJourney, TheDrawerGoesBeforeItAndComesAfterIt) {
     ASSERT_TRUE(Guide::waitFor([this] { return sheet() != nullptr; })) << "and again";
 }
 
+TEST_F(NotCleanedJourney, GoesWhenThereIsNothingToTellAnyMore) {
+    open();
+    scan();
+    report();
+    application_->pNotCleanedController().updateNotCleanedRusultsApps({}, {}, {}, {}, {}, application_.get());
+    EXPECT_EQ(sheet(), nullptr);
+}
+
 TEST_F(NotCleanedJourney, TheKeyboardStaysInIt) {
     open();
     scan();
