@@ -269,8 +269,10 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
                             bcleaningProcess_ ? Activity::cleaning
                             : removing_       ? Activity::removing
                                               : Activity::none);
+    // What a scan that was stopped still brings is to be seen before it is agreed to.
     if (!bcleaningProcess_) {
-        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_);
+        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_ &&
+                                                  !isScanReturning());
     }
     bPlashkaStateSelectedFiles_ = true;
 }

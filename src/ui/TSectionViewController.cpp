@@ -225,7 +225,8 @@ MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
     if (what == MenuAction::doStartScan) {
         return {scanning ? tr("Stop Scanning") : tr("Scan"), !cleaning && free};
     }
-    const bool something = pAppDelegate_.bScanStarted() && isAnyChecked() && getSize2CleanALLSel() > 0;
+    const bool something =
+        pAppDelegate_.bScanStarted() && !pAppDelegate_.isScanReturning() && isAnyChecked() && getSize2CleanALLSel() > 0;
     return {cleaning ? tr("Stop Cleaning") : tr("Clean"), !scanning && free && something};
 }
 
