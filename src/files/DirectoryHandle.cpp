@@ -1,91 +1,54 @@
 #include "files/DirectoryHandle.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <memory>
-#include <string_view>
+
+#include "files/OpenDirectory.h"
 
 namespace brimvault::files {
 
-namespace {
-
-constexpr int oneDirectory = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-// Passing through a folder asks for less than reading it: one that may be entered but not listed is passed.
-#ifdef O_PATH
-constexpr int passThrough = O_PATH | oneDirectory;
-#else
-constexpr int passThrough = O_SEARCH | oneDirectory;
-#endif
-constexpr int readable = O_RDONLY | O_NONBLOCK | oneDirectory;
-
-NodeKind kindOf(int directory, const dirent& entry) {
-    switch (entry.d_type) {
-        case DT_REG:
-            return NodeKind::regular;
-        case DT_DIR:
-            return NodeKind::directory;
-        case DT_LNK:
-            return NodeKind::link;
-        case DT_UNKNOWN: {  // some file systems keep no kinds in their listings
-            const auto status = statusAt(directory, entry.d_name);
-            return status ? status->kind : NodeKind::other;
-        }
-        default:
-            return NodeKind::other;
-    }
-}
-
-bool isSelfOrParent(std::string_view name) { return name == "." || name == ".."; }
-
-}  // namespace
-
 Result<DirectoryHandle> DirectoryHandle::adopt(int descriptor) {
-    if (descriptor < 0) {
-        return Result<DirectoryHandle>::failed(errno);
-    }
-    DirectoryHandle handle(descriptor, {});
-    const auto status = statusAt(descriptor, "");
-    if (!status) {
-        return Result<DirectoryHandle>::failed(status.code());
-    }
-    handle.status_ = *status;
-    return handle;
+    return descriptor < 0 ? Result<DirectoryHandle>::failed(errno) : DirectoryHandle(descriptor);
 }
 
 Result<DirectoryHandle> DirectoryHandle::open(const std::filesystem::path& path, const OnWay& onWay) {
-    if (!path.is_absolute()) {
+    const auto names = path.relative_path();
+    if (!path.is_absolute() || std::find(names.begin(), names.end(), "..") != names.end()) {
         return Result<DirectoryHandle>::failed(EINVAL);
     }
-    const auto entered = [&](Result<DirectoryHandle> folder) {
-        if (folder && onWay) {
-            onWay(folder->status_);
-        }
-        return folder;
-    };
-    auto handle = entered(adopt(::open("/", passThrough)));
-    for (const auto& part : path.relative_path()) {
+    return onWay ? openTold(path, onWay) : adopt(openWithoutLinks(path.c_str()));
+}
+
+// Name by name: what is told is known of the very folders that were passed.
+Result<DirectoryHandle> DirectoryHandle::openTold(const std::filesystem::path& path, const OnWay& onWay) {
+    auto handle = adopt(openWithoutLinks("/"));
+    auto name = path.relative_path();
+    for (auto part = name.begin();; ++part) {
         if (!handle) {
             return handle;
         }
-        if (part.empty() || part == ".") {
-            continue;
+        const auto status = handle->status();
+        if (!status) {
+            return Result<DirectoryHandle>::failed(status.code());
         }
-        if (part == "..") {
-            return Result<DirectoryHandle>::failed(EINVAL);
+        onWay(*status);
+        while (part != name.end() && (part->empty() || *part == ".")) {
+            ++part;
         }
-        handle = entered(adopt(::openat(handle->descriptor_, part.c_str(), passThrough)));
+        if (part == name.end()) {
+            return handle;
+        }
+        handle = adopt(openChildWithoutLinks(handle->descriptor_, part->c_str()));
     }
-    return handle;
 }
 
 DirectoryHandle& DirectoryHandle::operator=(DirectoryHandle&& other) noexcept {
     if (this != &other) {
         close();
         descriptor_ = std::exchange(other.descriptor_, -1);
-        status_ = other.status_;
     }
     return *this;
 }
@@ -97,47 +60,27 @@ void DirectoryHandle::close() {
 }
 
 Result<DirectoryHandle> DirectoryHandle::openChild(const char* name) const {
-    auto child = adopt(::openat(descriptor_, name, readable));
-    if (child && (child->status_.mount == 0 || child->status_.mount != status_.mount)) {
-        return Result<DirectoryHandle>::failed(EXDEV);
-    }
-    return child;
+    return adopt(openOnSameMount(descriptor_, name));
 }
 
-Result<DirectoryHandle> DirectoryHandle::reopenForReading() const {
-    return adopt(::openat(descriptor_, ".", readable));
-}
+Result<DirectoryHandle> DirectoryHandle::reopenForReading() const { return adopt(openOnSameMount(descriptor_, ".")); }
 
-Result<DirectoryHandle> DirectoryHandle::openParent(const NodeStatus& expected) const {
-    auto parent = adopt(::openat(descriptor_, "..", readable));
-    if (parent && (parent->status_.identity != expected.identity || parent->status_.mount != expected.mount)) {
-        return Result<DirectoryHandle>::failed(ESTALE);
+Result<DirectoryHandle> DirectoryHandle::duplicate() const { return adopt(::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0)); }
+
+Result<DirectoryHandle> DirectoryHandle::openParent(const NodePlace& expected) const {
+    auto parent = adopt(openOnSameMount(descriptor_, ".."));
+    const auto status = parent ? parent->status() : Result<NodeStatus>::failed(parent.code());
+    if (!status) {
+        return Result<DirectoryHandle>::failed(status.code() == EXDEV ? ESTALE : status.code());
     }
-    return parent;
+    return status->place() == expected ? std::move(parent) : Result<DirectoryHandle>::failed(ESTALE);
 }
 
 int DirectoryHandle::forEachEntry(const std::function<bool(const DirectoryEntry&)>& call) const {
-    const int copy = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);  // the stream closes what it is given
-    if (copy < 0) {
+    if (::lseek(descriptor_, 0, SEEK_SET) != 0) {  // an earlier reading may have gone on from here
         return errno;
     }
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(copy), [](DIR* open) { return ::closedir(open); });
-    if (!stream) {
-        const int code = errno;
-        ::close(copy);
-        return code;
-    }
-    ::rewinddir(stream.get());  // the copy shares its place in the listing with an earlier reading
-    for (;;) {
-        errno = 0;
-        const dirent* entry = ::readdir(stream.get());
-        if (entry == nullptr) {
-            return errno;
-        }
-        if (!isSelfOrParent(entry->d_name) && !call({entry->d_name, kindOf(descriptor_, *entry)})) {
-            return 0;
-        }
-    }
+    return DirectoryReader().forEachEntry(descriptor_, call);
 }
 
 int forEachChild(const std::filesystem::path& folder, HiddenEntries hidden,

@@ -19,13 +19,14 @@ public:
         entering_ = current_ / name;
         return call_({entering_, parent, name}) == Descend::yes;
     }
-    void onFolderEntered(const NodeStatus& /*folder*/) override {
+    void onFolderEntered(const DirectoryHandle& /*folder*/) override {
         if (!entering_.empty()) {
             current_ = std::move(entering_);
             entering_.clear();
         }
     }
-    void onFile(const DirectoryHandle& /*folder*/, const char* /*name*/) override {}
+    void onFile(const DirectoryHandle& /*folder*/, const char* /*name*/, NodeKind /*kind*/) override {}
+    [[nodiscard]] FilesTold filesTold() const override { return FilesTold::whileListing; }
     void onFolderLeft(const DirectoryHandle& /*parent*/, const char* /*name*/) override {
         current_ = current_.parent_path();
     }
@@ -44,7 +45,8 @@ private:
 
 bool FoundFolder::isMountPoint() const {
     const auto status = statusAt(parent.descriptor(), name);
-    return status && status->mount != 0 && status->mount != parent.status().mount;
+    const auto holder = parent.status();
+    return status && holder && status->mount != 0 && status->mount != holder->mount;
 }
 
 bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
@@ -54,7 +56,7 @@ bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, co
         return !stop.stop_requested();
     }
     FolderVisitor visitor(folder, hidden, call);
-    return TreeWalk(visitor, stop).visit(*opened, ".");  // it may be where a mount begins itself
+    return TreeWalk(visitor, *opened, stop).visit(".");  // it may be where a mount begins itself
 }
 
 }  // namespace brimvault::files

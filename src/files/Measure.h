@@ -16,9 +16,13 @@ struct TreeSizes {
     std::uint64_t folders = 0;       ///< what the file system states as the lengths of the folders below the top
 };
 
+/// A large tree is measured by the calling thread and by those of the pool that have nothing else to do, a small one
+/// where the caller stands. What is seen costs no memory but the names of the folders that are still to be visited.
+/// No measurement leaves the file system that the item itself is on, through no mount below it and not by being one. A
+/// stop ends it within milliseconds, with what was summed by then.
+
 /// Sums over the contents of a folder; all zero when the path is no folder, or is reached through a link. Folders that
-/// cannot be read add nothing, nor do other mounts below. Any thread; a stop ends it before the next entry
-/// with what was summed by then.
+/// cannot be read add nothing, nor do other mounts below. Any thread.
 [[nodiscard]] TreeSizes measureContents(const std::filesystem::path& folder, const std::stop_token& stop = {});
 
 /// The logical size in bytes of a file, a link or a folder's contents; 0 when there is nothing. Any thread.
@@ -27,5 +31,9 @@ struct TreeSizes {
 /// The same of a name in an open folder.
 [[nodiscard]] std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name,
                                           const std::stop_token& stop = {});
+
+/// The same of an entry as the listing of an open folder names it; `mount` is the one that the folder is on.
+[[nodiscard]] std::uint64_t measureEntry(const DirectoryHandle& folder, const DirectoryEntry& entry,
+                                         std::uint64_t mount, const std::stop_token& stop = {});
 
 }  // namespace brimvault::files

@@ -18,6 +18,13 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
+/// Which object, reached through which mount.
+struct NodePlace {
+    FileIdentity identity;
+    std::uint64_t mount = 0;  ///< 0 when the system does not tell
+    bool operator==(const NodePlace&) const = default;
+};
+
 /// What the system knows of one file, folder or link; a link is described itself, never what it points at.
 struct NodeStatus {
     FileIdentity identity;
@@ -35,10 +42,24 @@ struct NodeStatus {
     std::chrono::system_clock::time_point modified;
     std::chrono::system_clock::time_point accessed;
     std::optional<std::chrono::system_clock::time_point> created;  ///< none where the file system does not tell
+
+    [[nodiscard]] NodePlace place() const { return {identity, mount}; }
 };
+
+/// The sizes of one file or link, and no more: some file systems give these sooner than all they know.
+struct EntrySize {
+    std::uint64_t logical = 0;    ///< bytes
+    std::uint64_t allocated = 0;  ///< bytes on disk; 0 when they were not asked for
+    std::uint64_t mount = 0;      ///< 0 when the system does not tell
+};
+
+enum class SizesAsked { logical, logicalAndAllocated };
 
 /// The status of a name in an open directory; an empty name asks for the descriptor itself. Any thread.
 [[nodiscard]] Result<NodeStatus> statusAt(int directory, const char* name);
+
+/// The sizes of a name in an open directory; of a link, its own. Any thread.
+[[nodiscard]] Result<EntrySize> sizeAt(int directory, const char* name, SizesAsked asked);
 
 /// The status at a path; links in its folders are followed, a link at its end is not. Any thread.
 [[nodiscard]] Result<NodeStatus> statusOf(const std::filesystem::path& path);

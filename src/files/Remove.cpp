@@ -5,8 +5,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
+#include <mutex>
+#include <new>
 
-#include "files/TreeWalk.h"
+#include "files/SharedWalk.h"
+#include "files/SystemCall.h"
 
 // How a removal keeps to what was looked at
 //
@@ -24,35 +28,62 @@ namespace brimvault::files {
 
 namespace {
 
-// A folder that is not there is gone.
-bool removeEmpty(const DirectoryHandle& parent, const char* name) {
-    return ::unlinkat(parent.descriptor(), name, AT_REMOVEDIR) == 0 || errno == ENOENT;
+enum class Kind : int { file = 0, emptyFolder = AT_REMOVEDIR };
+
+// 0, or the errno value that kept it. What is not there is gone.
+int takeAway(const DirectoryHandle& parent, const char* name, Kind kind) {
+    const bool isGone =
+        uninterrupted([&] { return ::unlinkat(parent.descriptor(), name, static_cast<int>(kind)); }) == 0;
+    return isGone || errno == ENOENT ? 0 : errno;
 }
+
+// What all who work on one removal have met first.
+class FirstFailure {
+public:
+    void note(int code, const std::function<std::filesystem::path()>& path) {
+        const std::lock_guard lock(mutex_);
+        if (!failure_) {
+            failure_ = Failure{code, path()};
+        }
+    }
+    [[nodiscard]] const std::optional<Failure>& get() const { return failure_; }
+
+private:
+    std::mutex mutex_;
+    std::optional<Failure> failure_;
+};
 
 class RemovalVisitor final : public TreeVisitor {
 public:
-    explicit RemovalVisitor(RemovalGuard* guard) : guard_(guard) {}
+    RemovalVisitor(RemovalGuard* guard, FirstFailure& failure) : guard_(guard), failure_(failure) {}
 
-    bool entersFolder(const NodeStatus& folder, const char* name) override {
-        const bool enters = guard_ == nullptr || guard_->mayRemove(folder);
+    [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
+        return std::make_unique<RemovalVisitor>(guard_, failure_);
+    }
+
+    bool entersFolder(const DirectoryHandle& folder, const char* name) override {
+        if (guard_ == nullptr) {
+            return true;
+        }
+        const auto status = folder.status();
+        const bool enters = status && guard_->mayRemove(*status);
         if (!enters) {
-            note(EPERM, name);
+            note(status ? EPERM : status.code(), name);
         }
         return enters;
     }
 
-    void onFile(const DirectoryHandle& folder, const char* name) override {
-        if (::unlinkat(folder.descriptor(), name, 0) != 0 && errno != ENOENT) {
-            note(errno, name);
+    void onFile(const DirectoryHandle& folder, const char* name, NodeKind /*kind*/) override {
+        if (const int code = takeAway(folder, name, Kind::file); code != 0) {
+            note(code, name);
         }
     }
 
     // Asked once more, of what has the name by now: an empty folder that was put there would go.
     void onFolderLeft(const DirectoryHandle& parent, const char* name) override {
-        if (!mayStillRemove(parent, name)) {
-            note(EPERM, name);
-        } else if (!removeEmpty(parent, name)) {
-            note(errno, name);
+        const int code = mayStillRemove(parent, name) ? takeAway(parent, name, Kind::emptyFolder) : EPERM;
+        if (code != 0) {
+            note(code, name);
         }
     }
 
@@ -61,11 +92,7 @@ public:
     void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
         if (code == EXDEV) {
             note(EBUSY, name);  // what the system itself says of a mount point
-            return;
-        }
-        const bool mayTry = guard_ == nullptr && code != ENOENT;
-        const bool isGone = code == ENOENT || (mayTry && removeEmpty(parent, name));
-        if (!isGone) {
+        } else if (code != ENOENT && (guard_ != nullptr || takeAway(parent, name, Kind::emptyFolder) != 0)) {
             note(code, name);
         }
     }
@@ -73,69 +100,62 @@ public:
     void onListingBroken(int code) override { note(code, nullptr); }
     void onWayLost(const char* name, int code) override { note(code, name); }
 
+private:
     void note(int code, const char* name) {
-        if (!failure) {
-            failure = Failure{code, name == nullptr ? walk->position() : walk->position() / name};
-        }
+        failure_.note(code, [&] { return pathOf(name); });
     }
 
-    std::optional<Failure> failure;
-    const TreeWalk* walk = nullptr;
-
-private:
     [[nodiscard]] bool mayStillRemove(const DirectoryHandle& parent, const char* name) const {
         if (guard_ == nullptr) {
             return true;
         }
         const auto status = statusAt(parent.descriptor(), name);
-        return !status || guard_->mayRemove(*status);
+        return status ? guard_->mayRemove(*status) : status.code() == ENOENT;
     }
 
     RemovalGuard* guard_;
+    FirstFailure& failure_;
 };
 
 RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
 
+// With a guard, by one thread: it is asked in an order.
+bool visit(RemovalVisitor& visitor, const DirectoryHandle& parent, const char* name, const std::stop_token& stop,
+           bool isGuarded) {
+    return isGuarded ? TreeWalk(visitor, parent, stop).visit(name) : SharedWalk(visitor, stop).visit(parent, name);
+}
+
 RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem::path& path,
                             const std::stop_token& stop, RemovalGuard* guard) {
-    RemovalVisitor visitor(guard);
-    TreeWalk walk(visitor, stop);
-    visitor.walk = &walk;
-    const bool toItsEnd = walk.visit(parent, path.filename().c_str());
+    FirstFailure failure;
+    RemovalVisitor visitor(guard, failure);
+    const auto name = path.filename();
+    const bool toItsEnd = visit(visitor, parent, name.c_str(), stop, guard != nullptr);
     // Neither a stop nor a failure on the way matters when the item went all the same.
-    if (statusAt(parent.descriptor(), path.filename().c_str()).code() == ENOENT) {
+    const int code = statusAt(parent.descriptor(), name.c_str()).code();
+    if (code == ENOENT) {
         return {RemovalEnd::gone, std::nullopt};
     }
     if (!toItsEnd) {
         return {RemovalEnd::cancelled, std::nullopt};
     }
-    // Without a failure, someone has put something new under the name.
-    const auto first = visitor.failure.value_or(Failure{EEXIST, path.filename()});
+    // Without a failure, nobody knows what is there, or someone has put something new under the name.
+    const auto first = failure.get().value_or(Failure{code != 0 ? code : EEXIST, name});
     return kept(first.code, path.parent_path() / first.path);
 }
 
-}  // namespace
-
-bool isPlainAbsolute(const std::filesystem::path& path) {
-    const auto names = path.relative_path();
-    const bool hasZeroByte = path.native().find('\0') != std::string::npos;  // the system would see another path
-    return path.is_absolute() && path.has_filename() && !hasZeroByte &&
-           std::none_of(names.begin(), names.end(),
-                        [](const auto& name) { return name.empty() || name == "." || name == ".."; });
-}
-
-RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
+RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
     if (!isPlainAbsolute(path)) {
         return kept(EINVAL, path);
     }
     if (stop.stop_requested()) {
         return {RemovalEnd::cancelled, std::nullopt};
     }
-    const auto parent = DirectoryHandle::open(path.parent_path(), [guard](const NodeStatus& folder) {
-        if (guard != nullptr) {
-            guard->onWay(folder);
-        }
-    });
+    DirectoryHandle::OnWay onWay;
+    if (guard != nullptr) {
+        onWay = [guard](const NodeStatus& folder) { guard->onWay(folder); };
+    }
+    const auto parent = DirectoryHandle::open(path.parent_path(), onWay);
     const auto missing = [&]() -> RemovalOutcome {
         // What a guard keeps may not even be asked for.
         const bool mayTell = guard == nullptr || guard->mayRemove({});
@@ -156,10 +176,26 @@ RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& 
     if (status->kind == NodeKind::directory) {
         return removeFolder(*parent, path, stop, guard);
     }
-    if (::unlinkat(parent->descriptor(), name.c_str(), 0) != 0 && errno != ENOENT) {
-        return kept(errno, path);
+    const int code = takeAway(*parent, name.c_str(), Kind::file);
+    return code == 0 ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
+}
+
+}  // namespace
+
+bool isPlainAbsolute(const std::filesystem::path& path) {
+    const auto names = path.relative_path();
+    const bool hasZeroByte = path.native().find('\0') != std::string::npos;  // the system would see another path
+    return path.is_absolute() && path.has_filename() && !hasZeroByte &&
+           std::none_of(names.begin(), names.end(),
+                        [](const auto& name) { return name.empty() || name == "." || name == ".."; });
+}
+
+RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
+    try {
+        return removeNow(path, stop, guard);
+    } catch (const std::bad_alloc&) {
+        return kept(ENOMEM, path);
     }
-    return {RemovalEnd::gone, std::nullopt};
 }
 
 }  // namespace brimvault::files

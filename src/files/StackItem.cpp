@@ -14,4 +14,12 @@ std::string FolderReference::takePendingFolder() {
     return taken;
 }
 
+std::string FolderReference::takeHalfOfPending() {
+    const auto middle = pendingFolders.find('\0', pendingFolders.size() / 2);
+    const auto end = middle == std::string::npos ? pendingFolders.size() : middle + 1;
+    std::string taken = pendingFolders.substr(0, end);
+    pendingFolders.erase(0, end);
+    return taken;
+}
+
 }  // namespace brimvault::files

@@ -5,19 +5,21 @@
 #include <utility>
 
 #include "files/DirectoryHandle.h"
+#include "files/VisitedFolder.h"
 
 namespace brimvault::files {
 
-/// A folder whose contents are being visited: its name in the folder below it on the stack, what it was when opened,
-/// and the names of its subfolders still to be visited. Its handle may be closed while deeper folders are visited.
+/// What one worker has to do in a folder: the names of its subfolders that are still to be visited. Its handle may be
+/// closed while deeper folders are visited.
 struct FolderReference {
-    std::string name;
-    NodeStatus status;
+    std::shared_ptr<VisitedFolder> folder;
     DirectoryHandle handle;
     std::string pendingFolders;  ///< names, each ended by a zero byte; taken from the end
 
     /// The next subfolder to visit, taken off the list; empty when there is none.
     std::string takePendingFolder();
+    /// About half of the names, those that would come last; all when there is one.
+    std::string takeHalfOfPending();
 };
 
 /// One element of a StackCollection.

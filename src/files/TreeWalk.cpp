@@ -1,102 +1,248 @@
 #include "files/TreeWalk.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <string_view>
 #include <vector>
+
+// How several walks visit one tree
+//
+// Each walk keeps what it has to do to itself, on its stack: no lock, no queue and no count shared with others for each
+// folder. Only when somebody has nothing to do, a walk looks down its stack for the folder nearest to the top of the
+// tree that has subfolders waiting, and gives about half of them away, with a descriptor of the folder that holds them.
+//
+// Such a folder is then finished in parts. VisitedFolder::parts counts them; a walk that comes to the end of its own
+// part while others are not through leaves the folder to them and goes on above. Who finishes the last part leaves the
+// folder, and then, as that was a part of the folder above, perhaps that one too, on the way up.
 
 namespace brimvault::files {
 
-bool TreeWalk::visit(const DirectoryHandle& parent, const char* name) {
-    enter(parent, name);
+namespace {
+
+constexpr int entriesBetweenStops = 64;
+
+// Before somebody may have to come back to the folder without its handle.
+bool makeKnown(FolderReference& folder) {
+    if (!folder.folder->place) {
+        if (const auto status = folder.handle.status()) {
+            folder.folder->place = status->place();
+        }
+    }
+    return folder.folder->place.has_value();
+}
+
+// The folder and all that hold it; below a known one all are.
+bool makeKnownDownFrom(StackItem& from) {
+    for (auto* item = &from; item != nullptr && !item->fsref.folder->place; item = item->prevItem.get()) {
+        if (!makeKnown(item->fsref)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Whether the part of a folder that ends here was its last; if not, it is left to others, as a part of the one above.
+bool wasLastPart(VisitedFolder& folder, VisitedFolder& above) {
+    if (folder.parts.load(std::memory_order_acquire) == 1) {
+        return true;  // only who works in it could give a part away
+    }
+    above.parts.fetch_add(1, std::memory_order_relaxed);
+    const bool wasLast = folder.parts.fetch_sub(1, std::memory_order_acq_rel) == 1;
+    if (wasLast) {
+        above.parts.fetch_sub(1, std::memory_order_relaxed);
+    }
+    return wasLast;
+}
+
+bool isOutOfDescriptors(int code) { return code == EMFILE || code == ENFILE; }
+
+}  // namespace
+
+bool TreeWalk::visit(const char* name) {
+    if (stop_.stop_requested()) {
+        return false;
+    }
+    enter(outermost_, name, nullptr);
+    return visitPending();
+}
+
+bool TreeWalk::visitShare(FolderReference share) {
+    stack_.pushItem(std::make_unique<StackItem>(std::move(share)));
+    return visitPending();
+}
+
+bool TreeWalk::visitPending() {
     while (auto* top = stack_.topItem()) {
         if (stop_.stop_requested()) {
             return false;
         }
-        const std::string next = top->fsref.takePendingFolder();
+        if (fellows_ != nullptr && fellows_->wantShare()) {
+            giveShare();
+        }
+        visitor_.setPlace(top->fsref.folder.get());
+        std::string next = top->fsref.takePendingFolder();
         if (next.empty()) {
-            if (!leave(parent)) {
+            if (!leave()) {
                 return true;
             }
         } else if (visitor_.wantsFolder(top->fsref.handle, next.c_str())) {
-            enter(top->fsref.handle, next);
+            enter(top->fsref.handle, std::move(next), top->fsref.folder);
         }
     }
     return !stop_.stop_requested();
 }
 
-void TreeWalk::enter(const DirectoryHandle& parent, const std::string& name) {
-    auto opened = parent.openChild(name.c_str());
-    if (!opened && (opened.code() == ENOTDIR || opened.code() == ELOOP)) {
-        visitor_.onFile(parent, name.c_str());  // exchanged for something else since it was listed
-        return;
-    }
-    if (!opened) {
+void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std::shared_ptr<VisitedFolder>& holder) {
+    auto opened = open(parent, name.c_str());
+    if (!opened && opened.code() == ENOTDIR) {
+        visitor_.onFile(parent, name.c_str(), NodeKind::link);  // exchanged for something else since it was listed
+    } else if (!opened) {
         visitor_.onFolderClosed(parent, name.c_str(), opened.code());
-        return;
-    }
-    const NodeStatus status = opened->status();
-    if (!visitor_.entersFolder(status, name.c_str())) {
-        return;
-    }
-    visitor_.onFolderEntered(status);
-    stack_.pushItem(std::make_unique<StackItem>(FolderReference{name, status, std::move(*opened), {}}));
-    closeFarthest();
-    if (const int code = listEntries(stack_.topItem()->fsref); code != 0) {
-        visitor_.onListingBroken(code);
+    } else if (visitor_.entersFolder(*opened, name.c_str())) {
+        begin(std::move(*opened), std::make_shared<VisitedFolder>(std::move(name), holder));
     }
 }
 
-// The names are read to the end before anything is done to them: a directory that changes under its listing may show
-// an entry twice or not at all.
+// A process may have fewer descriptors to give than the walks would like to hold.
+Result<DirectoryHandle> TreeWalk::open(const DirectoryHandle& parent, const char* name) {
+    auto opened = parent.openChild(name);
+    if (!opened && isOutOfDescriptors(opened.code())) {
+        holdNoMoreThan(1);
+        opened = parent.openChild(name);
+    }
+    return opened;
+}
+
+void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> folder) {
+    stack_.pushItem(std::make_unique<StackItem>(FolderReference{std::move(folder), std::move(handle), {}}));
+    auto& entered = stack_.topItem()->fsref;
+    visitor_.setPlace(entered.folder.get());
+    visitor_.onFolderEntered(entered.handle);
+    holdNoMoreThan(heldFolders);
+    if (const int code = listEntries(entered); code != 0) {
+        visitor_.onListingBroken(code);
+    }
+    if (++seenFolders_ == largeTree && fellows_ != nullptr) {
+        fellows_->onLargeTree();
+    }
+}
+
 int TreeWalk::listEntries(FolderReference& folder) {
-    std::string files;
-    const int code = folder.handle.forEachEntry([&](const DirectoryEntry& entry) {
-        auto& names = entry.kind == NodeKind::directory ? folder.pendingFolders : files;
-        names.append(entry.name).push_back('\0');
-        return !stop_.stop_requested();
+    return visitor_.filesTold() == FilesTold::whileListing ? tellWhileListing(folder) : tellAfterListing(folder);
+}
+
+int TreeWalk::tellWhileListing(FolderReference& folder) {
+    int count = 0;
+    return reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
+        if (entry.kind == NodeKind::directory) {
+            folder.pendingFolders.append(entry.name).push_back('\0');
+        } else {
+            visitor_.onFile(folder.handle, entry.name, entry.kind);
+        }
+        return ++count % entriesBetweenStops != 0 || !stop_.stop_requested();
+    });
+}
+
+int TreeWalk::tellAfterListing(FolderReference& folder) {
+    std::string files;  // each a kind and a name
+    int count = 0;
+    const int code = reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
+        if (entry.kind == NodeKind::directory) {
+            folder.pendingFolders.append(entry.name).push_back('\0');
+        } else {
+            files.append(1, static_cast<char>(entry.kind)).append(entry.name).push_back('\0');
+        }
+        return ++count % entriesBetweenStops != 0 || !stop_.stop_requested();
     });
     for (std::size_t start = 0; start < files.size() && !stop_.stop_requested();) {
-        const char* name = files.c_str() + start;
-        visitor_.onFile(folder.handle, name);
-        start += std::char_traits<char>::length(name) + 1;
+        const std::string_view name(files.c_str() + start + 1);
+        visitor_.onFile(folder.handle, name.data(), static_cast<NodeKind>(files[start]));
+        start += name.size() + 2;
     }
     return code;
 }
 
-void TreeWalk::closeFarthest() {
+// Those nearest to the top stay open.
+void TreeWalk::holdNoMoreThan(int folders) {
     StackItem* item = stack_.topItem();
-    for (int step = 0; item != nullptr && step < heldFolders; ++step) {
+    for (int step = 0; item != nullptr && step < folders; ++step) {
         item = item->prevItem.get();
     }
-    if (item != nullptr) {
-        item->fsref.handle.close();
+    // Below the first closed one all are.
+    for (; item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
+        if (makeKnown(item->fsref)) {
+            item->fsref.handle.close();
+        }
     }
 }
 
-bool TreeWalk::leave(const DirectoryHandle& outermost) {
+// From the folder nearest to the tree's top among those held open.
+void TreeWalk::giveShare() {
+    StackItem* from = nullptr;
+    for (auto* item = stack_.topItem(); item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
+        from = item->fsref.pendingFolders.empty() ? from : item;
+    }
+    if (from == nullptr) {
+        return;
+    }
+    auto handle = from->fsref.handle.duplicate();
+    if (!handle || !makeKnownDownFrom(*from)) {
+        return;
+    }
+    from->fsref.folder->parts.fetch_add(1, std::memory_order_relaxed);
+    fellows_->give({from->fsref.folder, std::move(*handle), from->fsref.takeHalfOfPending()});
+}
+
+bool TreeWalk::leave() {
     const auto left = stack_.popItem();
     auto* below = stack_.topItem();
-    if (below != nullptr && !below->fsref.handle.isOpen()) {
-        auto reopened = left->fsref.handle.openParent(below->fsref.status);
-        if (!reopened) {
-            visitor_.onWayLost(left->fsref.name.c_str(), reopened.code());
-            return false;
-        }
-        below->fsref.handle = std::move(*reopened);
+    if (below == nullptr) {
+        return leaveLast(std::move(left->fsref));
     }
-    visitor_.onFolderLeft(below == nullptr ? outermost : below->fsref.handle, left->fsref.name.c_str());
+    auto& above = below->fsref;
+    visitor_.setPlace(above.folder.get());
+    if (!returnTo(above, left->fsref)) {
+        return false;
+    }
+    if (wasLastPart(*left->fsref.folder, *above.folder)) {
+        visitor_.onFolderLeft(above.handle, left->fsref.folder->name.c_str());
+    }
     return true;
 }
 
-std::filesystem::path TreeWalk::position() const {
-    std::vector<const std::string*> names;
-    for (const auto* item = stack_.topItem(); item != nullptr; item = item->prevItem.get()) {
-        names.push_back(&item->fsref.name);
+bool TreeWalk::returnTo(FolderReference& below, const FolderReference& left) {
+    if (below.handle.isOpen()) {
+        return true;
     }
-    std::filesystem::path path;
-    for (auto name = names.rbegin(); name != names.rend(); ++name) {
-        path /= **name;
+    auto reopened = left.handle.openParent(*below.folder->place);
+    if (!reopened) {
+        visitor_.onWayLost(left.folder->name.c_str(), reopened.code());
+        stack_.clearStack();
+        return false;
     }
-    return path;
+    below.handle = std::move(*reopened);
+    return true;
+}
+
+// The last of this walk, though perhaps not of the tree: as far up as nobody else is at work.
+bool TreeWalk::leaveLast(FolderReference left) {
+    while (left.folder->parts.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        const auto above = left.folder->holder;
+        visitor_.setPlace(above.get());
+        const char* name = left.folder->name.c_str();
+        if (above == nullptr) {
+            visitor_.onFolderLeft(outermost_, name);
+            return true;
+        }
+        auto handle = left.handle.openParent(*above->place);
+        if (!handle) {
+            visitor_.onWayLost(name, handle.code());
+            return false;
+        }
+        visitor_.onFolderLeft(*handle, name);
+        left = FolderReference{above, std::move(*handle), {}};
+    }
+    return true;
 }
 
 }  // namespace brimvault::files

@@ -9,6 +9,17 @@
 
 namespace brimvault::files {
 
+/// Who else visits the same tree. Called by the thread of the walk.
+class Fellows {
+public:
+    virtual ~Fellows() = default;
+    /// Whether somebody has nothing to do.
+    [[nodiscard]] virtual bool wantShare() const = 0;
+    virtual void give(FolderReference share) = 0;
+    /// The walk has seen so much that others are worth calling.
+    virtual void onLargeTree() = 0;
+};
+
 /// Visits a folder and everything in it, depth first, each folder's files before its subfolders.
 ///
 /// No name is followed through a link and no mount is entered: every folder is opened as one name of the open folder
@@ -16,28 +27,46 @@ namespace brimvault::files {
 /// kept open: those nearest to where the walk is. Coming back to one that was closed, the walk opens ".." and goes on
 /// only if that is the very folder it came from; a folder that was moved meanwhile ends the walk there.
 ///
-/// A walk is used once, by one thread. A stop ends it before the next entry.
+/// A walk is used by one thread. It can give shares of what it has to do to fellows, each with a walk of its own; who
+/// finishes the last of a folder leaves it. A stop ends it before the next entries.
 class TreeWalk {
 public:
-    /// One for the listing, one for the folder that holds the item and two in passing come on top: well below 16.
+    /// One for the folder that holds the item, one for a share and two in passing come on top: below 16.
     static constexpr int heldFolders = 10;
+    /// What a walk sees before it calls for others.
+    static constexpr int largeTree = 64;
 
-    TreeWalk(TreeVisitor& visitor, std::stop_token stop) : visitor_(visitor), stop_(std::move(stop)) {}
+    TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop, Fellows* fellows = nullptr)
+        : visitor_(visitor), outermost_(outermost), stop_(std::move(stop)), fellows_(fellows) {}
 
-    /// The folder is a name in an open folder. False when the walk was stopped before its end.
-    [[nodiscard]] bool visit(const DirectoryHandle& parent, const char* name);
-    /// Where the walk is, from the first folder's name on, for a report.
-    [[nodiscard]] std::filesystem::path position() const;
+    /// The folder is a name in the outermost one. False when the walk was stopped before its end.
+    [[nodiscard]] bool visit(const char* name);
+    /// What another walk of the same tree gave. False when the walk was stopped before its end.
+    [[nodiscard]] bool visitShare(FolderReference share);
 
 private:
-    void enter(const DirectoryHandle& parent, const std::string& name);
+    bool visitPending();
+    void enter(const DirectoryHandle& parent, std::string name, const std::shared_ptr<VisitedFolder>& holder);
+    Result<DirectoryHandle> open(const DirectoryHandle& parent, const char* name);
+    void begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> folder);
     int listEntries(FolderReference& folder);
-    void closeFarthest();
-    bool leave(const DirectoryHandle& outermost);
+    int tellWhileListing(FolderReference& folder);
+    int tellAfterListing(FolderReference& folder);
+
+    void holdNoMoreThan(int folders);
+    void giveShare();
+
+    bool leave();
+    bool returnTo(FolderReference& below, const FolderReference& left);
+    bool leaveLast(FolderReference left);
 
     TreeVisitor& visitor_;
+    const DirectoryHandle& outermost_;
     std::stop_token stop_;
+    Fellows* const fellows_;
     StackCollection stack_;
+    DirectoryReader reader_;
+    int seenFolders_ = 0;
 };
 
 }  // namespace brimvault::files

@@ -104,9 +104,9 @@ TEST(DirectoryHandle, KnowsThatItsParentIsAnotherNow) {
     fs::create_directory(folder / "elsewhere");
     const auto home = opened(folder / "home");
     const auto child = opened(folder / "home/child");
-    EXPECT_TRUE(child.openParent(home.status()));
+    EXPECT_TRUE(child.openParent(home.status()->place()));
     fs::rename(folder / "home/child", folder / "elsewhere/child");
-    EXPECT_EQ(child.openParent(home.status()).code(), ESTALE);
+    EXPECT_EQ(child.openParent(home.status()->place()).code(), ESTALE);
 }
 
 TEST(DirectoryHandle, ListsEveryNameOnceAndAgainWhenAsked) {

@@ -53,7 +53,7 @@ TEST(FolderWalk, CallsOnceForEveryFolderBeforeThoseInsideItAndGoesInAsAnswered) 
             EXPECT_TRUE(files::forEachFolder(top, hidden, {}, [&](const files::FoundFolder& found) {
                 const auto parent = found.path.parent_path();
                 EXPECT_TRUE(parent == top || std::find(folders.begin(), folders.end(), parent) != folders.end());
-                EXPECT_EQ(found.parent.status().identity, files::statusOf(parent)->identity);
+                EXPECT_EQ(found.parent.status()->identity, files::statusOf(parent)->identity);
                 EXPECT_EQ(found.path.filename(), found.name);
                 folders.push_back(found.path);
                 return answerFor(found.path);

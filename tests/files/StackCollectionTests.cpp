@@ -14,7 +14,8 @@ namespace {
 std::unique_ptr<StackItem> folderNamed(const std::string& name) {
     auto root = DirectoryHandle::open("/");
     root->close();
-    return std::make_unique<StackItem>(FolderReference{name, {}, std::move(*root), {}});
+    return std::make_unique<StackItem>(
+        FolderReference{std::make_shared<files::VisitedFolder>(name, nullptr), std::move(*root), {}});
 }
 
 }  // namespace
@@ -26,9 +27,9 @@ TEST(StackCollection, GivesTheLastItemFirst) {
     stack.pushItem(folderNamed("first"));
     stack.pushItem(folderNamed("second"));
     EXPECT_EQ(stack.nDepth(), 2);
-    EXPECT_EQ(stack.topItem()->prevItem->fsref.name, "first");
-    EXPECT_EQ(stack.popItem()->fsref.name, "second");
-    EXPECT_EQ(stack.popItem()->fsref.name, "first");
+    EXPECT_EQ(stack.topItem()->prevItem->fsref.folder->name, "first");
+    EXPECT_EQ(stack.popItem()->fsref.folder->name, "second");
+    EXPECT_EQ(stack.popItem()->fsref.folder->name, "first");
     EXPECT_EQ(stack.popItem(), nullptr);
     EXPECT_EQ(stack.nDepth(), 0);
 }

@@ -13,7 +13,6 @@
 namespace brimvault::tests {
 
 using files::DirectoryHandle;
-using files::NodeStatus;
 using files::TreeWalk;
 namespace fs = std::filesystem;
 
@@ -22,8 +21,10 @@ namespace {
 // Keeps a line for everything it is told, and does what a test has it do on the way.
 class Recorder final : public files::TreeVisitor {
 public:
-    void onFolderEntered(const NodeStatus&) override { tell("enter"); }
-    void onFile(const DirectoryHandle&, const char* name) override { tell(std::string("file ") + name); }
+    void onFolderEntered(const DirectoryHandle&) override { tell("enter"); }
+    void onFile(const DirectoryHandle&, const char* name, files::NodeKind) override {
+        tell(std::string("file ") + name);
+    }
     void onFolderLeft(const DirectoryHandle&, const char* name) override { tell(std::string("left ") + name); }
     void onFolderClosed(const DirectoryHandle&, const char* name, int code) override {
         tell(std::string("closed ") + name + " " + std::to_string(code));
@@ -46,7 +47,7 @@ private:
 bool walk(Recorder& recorder, const fs::path& folder, const std::stop_token& stop = {}) {
     const auto parent = DirectoryHandle::open(folder.parent_path());
     EXPECT_TRUE(parent);
-    return TreeWalk(recorder, stop).visit(*parent, folder.filename().c_str());
+    return TreeWalk(recorder, *parent, stop).visit(folder.filename().c_str());
 }
 
 }  // namespace

@@ -31,7 +31,13 @@ struct Trash {
 
 std::optional<DirectoryHandle> openFolderOf(uid_t user, const std::filesystem::path& folder) {
     auto handle = DirectoryHandle::open(folder);
-    return handle && handle->status().owner == user ? std::optional(std::move(*handle)) : std::nullopt;
+    const auto status = handle ? handle->status() : files::Result<files::NodeStatus>::failed(handle.code());
+    return status && status->owner == user ? std::optional(std::move(*handle)) : std::nullopt;
+}
+
+bool isOnMountOf(const DirectoryHandle& folder, const files::NodeStatus& node) {
+    const auto status = folder.status();
+    return status && status->mount == node.mount;
 }
 
 // What a closed folder hides must not be opened by moving it into one of the user's.
@@ -163,8 +169,7 @@ std::optional<std::filesystem::path> moveToTrash(const std::filesystem::path& pa
         return std::nullopt;
     }
     const auto status = files::statusAt(parent->descriptor(), path.filename().c_str());
-    if (!status || status->mount != parent->status().mount || status->mount != items->status().mount ||
-        !guard.mayRemove(*status)) {
+    if (!status || !isOnMountOf(*parent, *status) || !isOnMountOf(*items, *status) || !guard.mayRemove(*status)) {
         return std::nullopt;
     }
     const auto name = moveUnderFreeName(*parent, path, status->identity, {std::move(*items), std::move(*records)});

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <string>
 
+#include "files/SystemCall.h"
+
 namespace brimvault::files {
 
 namespace {
@@ -49,7 +51,8 @@ std::uint64_t mountFromDescriptor(int descriptor) {
 Result<NodeStatus> statusAt(int directory, const char* name) {
     struct statx raw {};
     const bool descriptorItself = *name == '\0';
-    if (::statx(directory, name, lookOnly | (descriptorItself ? AT_EMPTY_PATH : 0), wanted, &raw) != 0) {
+    const int flags = lookOnly | (descriptorItself ? AT_EMPTY_PATH : 0);
+    if (uninterrupted([&] { return ::statx(directory, name, flags, wanted, &raw); }) != 0) {
         return Result<NodeStatus>::failed(errno);
     }
     NodeStatus status;
@@ -75,6 +78,17 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
         status.created = timeOf(raw.stx_btime);
     }
     return status;
+}
+
+Result<EntrySize> sizeAt(int directory, const char* name, SizesAsked asked) {
+    struct statx raw {};
+    const unsigned mask = STATX_SIZE | STATX_MNT_ID | (asked == SizesAsked::logicalAndAllocated ? STATX_BLOCKS : 0);
+    if (uninterrupted([&] { return ::statx(directory, name, lookOnly, mask, &raw); }) != 0) {
+        return Result<EntrySize>::failed(errno);
+    }
+    const bool withBlocks = asked == SizesAsked::logicalAndAllocated;
+    return EntrySize{raw.stx_size, withBlocks ? raw.stx_blocks * blockSize : 0,
+                     (raw.stx_mask & STATX_MNT_ID) != 0 ? raw.stx_mnt_id : 0};
 }
 
 }  // namespace brimvault::files

@@ -1,0 +1,95 @@
+#include "files/WorkPool.h"
+
+#include <algorithm>
+#include <chrono>
+#include <system_error>
+#include <thread>
+
+namespace brimvault::files {
+
+namespace {
+
+// Work that has nothing to give just now is asked again after this.
+constexpr std::chrono::microseconds untilAskedAgain(500);
+
+}  // namespace
+
+WorkPool& WorkPool::shared() {
+    static auto* const pool = new WorkPool;  // never destroyed: its threads may outlive everything else
+    return *pool;
+}
+
+void WorkPool::offer(SharedWork& work) {
+    const std::lock_guard lock(mutex_);
+    startThreads();
+    offers_.push_back({&work});
+    offered_.notify_all();
+}
+
+void WorkPool::withdraw(SharedWork& work) {
+    std::unique_lock lock(mutex_);
+    const auto offer =
+        std::find_if(offers_.begin(), offers_.end(), [&](const Offer& known) { return known.work == &work; });
+    if (offer != offers_.end()) {
+        offer->withdrawn = true;
+        left_.wait(lock, [&] { return offer->helpers == 0; });
+        offers_.erase(offer);
+    }
+}
+
+bool WorkPool::helpFellowsOf(const SharedWork& work) {
+    std::unique_lock lock(mutex_);
+    return helpOne(
+        lock, [&](const Offer& offer) { return offer.work != &work && offer.work->stopToken() == work.stopToken(); });
+}
+
+// The work with the fewest helpers; of these, the one that was helped with the longest time ago.
+bool WorkPool::helpOne(std::unique_lock<std::mutex>& lock, const std::function<bool(const Offer&)>& chosen) {
+    auto fewest = offers_.end();
+    for (auto offer = offers_.begin(); offer != offers_.end(); ++offer) {
+        if (!offer->withdrawn && chosen(*offer) && (fewest == offers_.end() || offer->helpers < fewest->helpers)) {
+            fewest = offer;
+        }
+    }
+    if (fewest == offers_.end()) {
+        return false;
+    }
+    offers_.splice(offers_.end(), offers_, fewest);
+    ++fewest->helpers;
+    lock.unlock();
+    const bool hasHelped = fewest->work->help();
+    lock.lock();
+    if (--fewest->helpers == 0) {
+        left_.notify_all();
+    }
+    return hasHelped;
+}
+
+// Called with the lock held. Where the system gives no thread, there is one helper less.
+void WorkPool::startThreads() {
+    if (started_) {
+        return;
+    }
+    started_ = true;
+    const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
+    try {
+        for (unsigned count = 0; count < std::min(processors - 1, mostThreads); ++count) {
+            std::thread([this] { helpForEver(); }).detach();
+        }
+    } catch (const std::system_error&) {
+    }
+}
+
+void WorkPool::helpForEver() {
+    std::unique_lock lock(mutex_);
+    for (std::size_t inVain = 0;;) {
+        offered_.wait(lock, [this] { return !offers_.empty(); });
+        inVain = helpOne(lock, [](const Offer&) { return true; }) ? 0 : inVain + 1;
+        if (inVain >= offers_.size()) {  // nothing has anything to give just now
+            offered_.wait_for(lock, untilAskedAgain);
+            inVain = 0;
+        }
+    }
+}
+
+}  // namespace brimvault::files

@@ -1,0 +1,111 @@
+#include "files/OpenDirectory.h"
+
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+
+#include "files/NodeStatus.h"
+#include "files/SystemCall.h"
+
+namespace brimvault::files {
+
+namespace {
+
+constexpr unsigned oneDirectory = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr unsigned readable = O_RDONLY | O_NONBLOCK | oneDirectory;
+// Passing through a folder asks for less than reading it: one that may be entered but not listed is passed.
+constexpr unsigned passThrough = O_PATH | oneDirectory;
+
+// One call that looks at links and mounts itself. Kernels before 5.6 do not have it, and some sandboxes forbid it.
+int openAtOnce(int directory, const char* path, unsigned flags, std::uint64_t resolve) {
+    open_how how{};
+    how.flags = flags;
+    how.resolve = resolve;
+    return static_cast<int>(uninterrupted([&] { return ::syscall(SYS_openat2, directory, path, &how, sizeof how); }));
+}
+
+int open(int directory, const char* name, unsigned flags) {
+    return uninterrupted([&] { return ::openat(directory, name, static_cast<int>(flags)); });
+}
+
+bool canOpenAtOnce() {
+    static const bool can = [] {
+        const int root = openAtOnce(AT_FDCWD, "/", passThrough, RESOLVE_NO_SYMLINKS);
+        if (root >= 0) {
+            ::close(root);
+        }
+        return root >= 0;
+    }();
+    return can;
+}
+
+int closeAndFail(int descriptor, int code) {
+    ::close(descriptor);
+    errno = code;
+    return -1;
+}
+
+int openStepwiseOnSameMount(int directory, const char* name) {
+    const auto holder = statusAt(directory, "");
+    if (!holder) {
+        errno = holder.code();
+        return -1;
+    }
+    const int opened = open(directory, name, readable);
+    if (opened < 0) {
+        return -1;
+    }
+    const auto status = statusAt(opened, "");
+    if (!status || status->mount == 0 || status->mount != holder->mount) {
+        return closeAndFail(opened, status ? EXDEV : status.code());
+    }
+    return opened;
+}
+
+int openStepwiseWithoutLinks(const char* path) {
+    int opened = open(AT_FDCWD, "/", passThrough);
+    for (const auto& part : std::filesystem::path(path).relative_path()) {
+        if (opened < 0) {
+            return -1;
+        }
+        if (part.empty()) {
+            continue;  // a slash at the end
+        }
+        const int next = open(opened, part.c_str(), passThrough);
+        (void)closeAndFail(opened, errno);
+        opened = next;
+    }
+    return opened;
+}
+
+int withoutTellingLinks(int opened) {
+    if (opened < 0 && errno == ELOOP) {
+        errno = ENOTDIR;
+    }
+    return opened;
+}
+
+}  // namespace
+
+int openChildWithoutLinks(int directory, const char* name) {
+    return withoutTellingLinks(open(directory, name, passThrough));
+}
+
+int openOnSameMount(int directory, const char* name) {
+    return withoutTellingLinks(canOpenAtOnce()
+                                   ? openAtOnce(directory, name, readable, RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS)
+                                   : openStepwiseOnSameMount(directory, name));
+}
+
+int openWithoutLinks(const char* path) {
+    const int opened = canOpenAtOnce() ? openAtOnce(AT_FDCWD, path, passThrough, RESOLVE_NO_SYMLINKS) : -1;
+    const bool mustWalk = opened < 0 && (!canOpenAtOnce() || errno == ENAMETOOLONG);  // longer than one call takes
+    return withoutTellingLinks(mustWalk ? openStepwiseWithoutLinks(path) : opened);
+}
+
+}  // namespace brimvault::files
