@@ -5,6 +5,7 @@
 #include "engine/FileManager.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
+#include "files/AheadOf.h"
 #include "files/FolderWalk.h"
 #include "langres/LanguagesManager.h"
 #include "langres/LocalizationFolders.h"
@@ -68,12 +69,15 @@ void SAOperation::countPackagesBelow(const std::filesystem::path& folder) {
 
 void SAOperation::collectAppsInfo() {
     qint64 processed = 0;
-    for (const auto& path : pAppsPaths_) {
+    const auto stop = stopToken();
+    files::AheadOf<std::shared_ptr<AppItemData>> applications(
+        pAppsPaths_.size(), stop, [this](std::size_t number) { return readPackage(pAppsPaths_[number]); });
+    for (std::size_t number = 0; number < pAppsPaths_.size(); ++number) {
         if (isCancelled()) {
             return;
         }
         ++processed;
-        const auto application = readPackage(path);
+        const auto application = applications.take(number);
         if (isCancelled()) {
             return;  // what was read is not whole
         }

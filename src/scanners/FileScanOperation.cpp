@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "files/DirectoryHandle.h"
+#include "files/MeasuredFolder.h"
 #include "files/NodeStatus.h"
 
 namespace brimvault::scanners {
@@ -14,6 +15,21 @@ void FileScanOperation::iterateFiles(const std::filesystem::path& folder, files:
             return false;
         }
         call(folder / entry.name);
+        return true;
+    });
+}
+
+void FileScanOperation::collectFilesIn(const std::filesystem::path& folder, files::HiddenEntries hidden,
+                                       Addressed addressed, ScanBatches& batches, const Skipped& skipped) const {
+    (void)files::forEachMeasurable(folder, hidden, stopToken(), [&](const files::MeasurableEntry& entry) {
+        batches.step();
+        if (skipped && skipped(entry.name)) {
+            return true;
+        }
+        const quint64 size = entry.size();
+        if (!isCancelled()) {
+            addItem({folder / entry.name, entry.name, addressed, size, entry.kind}, batches);
+        }
         return true;
     });
 }
@@ -35,7 +51,9 @@ void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) co
     }
     item->setPpbDeletable(true);
     item->setPpbChecked(isTickedAtFirst());
-    if (const auto status = files::statusOf(found.path)) {
+    if (found.kind) {
+        item->setIcon({*found.kind});
+    } else if (const auto status = files::statusOf(found.path)) {
         item->setIcon({status->kind});
     }
     batches.add(item);

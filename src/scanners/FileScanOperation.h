@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "engine/SBaseOperation.h"
 #include "scanners/ScanBatches.h"
@@ -20,7 +21,8 @@ protected:
         std::filesystem::path path;
         std::filesystem::path name;  ///< under which it is listed
         Addressed addressed = Addressed::byPath;
-        quint64 size = 0;  ///< bytes; 0 when they are still to be measured
+        quint64 size = 0;                          ///< bytes; 0 when they are still to be measured
+        std::optional<files::NodeKind> kind = {};  ///< when it is known by now
     };
 
     explicit FileScanOperation(engine::Section section) : SBaseOperation(section) {}
@@ -30,6 +32,13 @@ protected:
     void iterateFiles(const std::filesystem::path& folder, files::HiddenEntries hidden,
                       const std::function<void(const std::filesystem::path&)>& call) const;
 
+    /// Which entries of a folder are counted and left alone.
+    using Skipped = std::function<bool(const std::filesystem::path& name)>;
+
+    /// Collects every direct child of the folder, in the listing's order, until the operation is cancelled; those that
+    /// come later are measured ahead.
+    void collectFilesIn(const std::filesystem::path& folder, files::HiddenEntries hidden, Addressed addressed,
+                        ScanBatches& batches, const Skipped& skipped = {}) const;
     /// Counts the file and, unless the operation is cancelled while it is measured, adds it as an item.
     void collectFile(FoundFile found, ScanBatches& batches) const;
     /// Makes the item, with the size found.

@@ -22,9 +22,7 @@ void SChOperation::main() {
 
 void SChOperation::collectCachesInfo(ScanBatches& batches) const {
     if (const auto root = getOperationRootFolderURL()) {
-        iterateFiles(*root, files::HiddenEntries::skip, [&](const std::filesystem::path& child) {
-            collectFile({.path = child, .name = child.filename()}, batches);
-        });
+        collectFilesIn(*root, files::HiddenEntries::skip, Addressed::byPath, batches);
     }
     for (const auto& caches : containers_.caches()) {
         if (isCancelled()) {

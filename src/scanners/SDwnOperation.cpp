@@ -17,9 +17,7 @@ void SDwnOperation::main() {
 
 void SDwnOperation::collectDownloadsInfo(ScanBatches& batches) const {
     if (const auto root = getOperationRootFolderURL()) {
-        iterateFiles(*root, files::HiddenEntries::skip, [&](const std::filesystem::path& child) {
-            collectFile({.path = child, .name = child.filename(), .addressed = Addressed::byName}, batches);
-        });
+        collectFilesIn(*root, files::HiddenEntries::skip, Addressed::byName, batches);
     }
 }
 

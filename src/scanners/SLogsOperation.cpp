@@ -58,20 +58,22 @@ bool SLogsOperation::isSourceNeedToSkipFile(LogSource source, const std::filesys
 }
 
 void SLogsOperation::iterateFilesFromSource(LogSource source, const FileBlock& block) const {
-    if (source == containerLogs) {
-        iterateFilesFromContainers(block);
-    } else if (const auto folder = urlOfSource(source)) {
-        iterateFiles(*folder, files::HiddenEntries::skip, block);
-    }
+    forEachFolderOfSource(
+        source, [&](const std::filesystem::path& folder) { iterateFiles(folder, files::HiddenEntries::skip, block); });
 }
 
-// Every visible child counts as a container here.
-void SLogsOperation::iterateFilesFromContainers(const FileBlock& block) const {
-    if (const auto containers = urlOfSource(containerLogs)) {
-        iterateFiles(*containers, files::HiddenEntries::skip, [&](const std::filesystem::path& container) {
-            iterateFiles(container / "Data" / "Library" / "Logs", files::HiddenEntries::skip, block);
-        });
+// Every visible child of the folder of containers counts as a container here.
+void SLogsOperation::forEachFolderOfSource(LogSource source, const FileBlock& block) const {
+    const auto folder = urlOfSource(source);
+    if (!folder) {
+        return;
     }
+    if (source != containerLogs) {
+        block(*folder);
+        return;
+    }
+    iterateFiles(*folder, files::HiddenEntries::skip,
+                 [&](const std::filesystem::path& container) { block(container / "Data" / "Library" / "Logs"); });
 }
 
 void SLogsOperation::calculateFilesInSource(LogSource source) {
@@ -84,13 +86,9 @@ void SLogsOperation::calculateFilesInContainers() {
 
 // What is skipped was counted, and moves the progress on.
 void SLogsOperation::collectFilesFromSource(LogSource source, ScanBatches& batches) const {
-    iterateFilesFromSource(source, [&](const std::filesystem::path& file) {
-        const auto name = file.filename();
-        if (isSourceNeedToSkipFile(source, name)) {
-            batches.step();
-        } else {
-            collectFile({.path = file, .name = name}, batches);
-        }
+    forEachFolderOfSource(source, [&](const std::filesystem::path& folder) {
+        collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byPath, batches,
+                       [&](const auto& name) { return isSourceNeedToSkipFile(source, name); });
     });
 }
 

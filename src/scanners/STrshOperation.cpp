@@ -112,9 +112,7 @@ void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
     const auto hidden =
         sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
     if (const auto root = getOperationRootFolderURL(); root && !platform::TrashFolders::isSharedByUsers(*root)) {
-        iterateFiles(*root, hidden, [&](const fs::path& child) {
-            collectFile({.path = child, .name = child.filename(), .addressed = Addressed::byName}, batches);
-        });
+        collectFilesIn(*root, hidden, Addressed::byName, batches);
     }
 }
 

@@ -183,7 +183,7 @@ TEST_F(CachesScan, CopesWithAFolderThatGrowsAndShrinksMeanwhile) {
         EXPECT_THAT(item.second, testing::AnyOf(0U, 5U)) << path;
         measured += item.second == 5 && !item.first.native().starts_with("new") ? 1 : 0;
     }
-    EXPECT_EQ(measured, 1);  // what was added before the first post; the rest had vanished
+    EXPECT_GE(measured, 1);  // what was added before the first post; of the rest, what was measured ahead of it
 }
 
 }  // namespace brimvault::tests

@@ -1,0 +1,99 @@
+#include "files/MeasuredFolder.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "files/AheadOf.h"
+#include "files/Measure.h"
+
+namespace brimvault::files {
+
+namespace {
+
+constexpr std::size_t mostAhead = 1024;  // entries listed, and perhaps measured, before their turn
+
+// Entries that were listed together. Folders are measured ahead; a file is sooner asked for its size than handed over.
+class Batch {
+public:
+    Batch(const DirectoryHandle& folder, std::uint64_t mount, const std::stop_token& stop)
+        : folder_(folder), mount_(mount), stop_(stop) {}
+
+    void add(const DirectoryEntry& entry) {
+        listed_.push_back({names_.size(), entry.kind});
+        names_.append(entry.name).push_back('\0');
+    }
+    [[nodiscard]] bool isFull() const { return listed_.size() >= mostAhead; }
+
+    // Whether all were told; empties the batch.
+    bool tell(const std::function<bool(const MeasurableEntry&)>& call) {
+        std::vector<std::size_t> folders;
+        for (std::size_t number = 0; number < listed_.size(); ++number) {
+            if (listed_[number].kind == NodeKind::directory) {
+                folders.push_back(number);
+            }
+        }
+        AheadOf<std::uint64_t> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
+        std::size_t nextFolder = 0;
+        for (std::size_t number = 0; number < listed_.size(); ++number) {
+            const bool isFolder = listed_[number].kind == NodeKind::directory;
+            const std::size_t place = isFolder ? nextFolder++ : 0;
+            const std::function<std::uint64_t()> size = [&] { return isFolder ? ahead.take(place) : measure(number); };
+            if (stop_.stop_requested() || !call({nameOf(number), listed_[number].kind, size})) {
+                return false;
+            }
+        }
+        listed_.clear();
+        names_.clear();
+        return true;
+    }
+
+private:
+    struct Listed {
+        std::size_t name;  ///< where it begins
+        NodeKind kind;
+    };
+
+    [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
+    [[nodiscard]] std::uint64_t measure(std::size_t number) const {
+        return measureEntry(folder_, {nameOf(number), listed_[number].kind}, mount_, stop_);
+    }
+
+    const DirectoryHandle& folder_;
+    const std::uint64_t mount_;
+    const std::stop_token& stop_;
+    std::string names_;
+    std::vector<Listed> listed_;
+};
+
+Result<DirectoryHandle> openForReading(const std::filesystem::path& folder) {
+    auto passed = DirectoryHandle::open(folder);
+    return passed ? passed->reopenForReading() : std::move(passed);
+}
+
+}  // namespace
+
+int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
+                      const std::function<bool(const MeasurableEntry&)>& call) {
+    const auto opened = openForReading(folder);
+    const auto status = opened ? opened->status() : Result<NodeStatus>::failed(opened.code());
+    if (!status) {
+        return status.code();
+    }
+    Batch batch(*opened, status->mount, stop);
+    bool goesOn = true;
+    const int code = opened->forEachEntry([&](const DirectoryEntry& entry) {
+        if (hidden == HiddenEntries::include || entry.name[0] != '.') {
+            batch.add(entry);
+        }
+        goesOn = !batch.isFull() || batch.tell(call);
+        return goesOn;
+    });
+    if (goesOn) {
+        (void)batch.tell(call);
+    }
+    return code;
+}
+
+}  // namespace brimvault::files

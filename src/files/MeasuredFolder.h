@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <stop_token>
+
+#include "files/DirectoryHandle.h"
+
+namespace brimvault::files {
+
+/// An entry of a folder that can be measured. Valid during the call.
+struct MeasurableEntry {
+    const char* name;
+    NodeKind kind;  ///< as it was listed
+    /// Its logical size in bytes as `measureItem` has it; asked at most once. May be less after a stop.
+    const std::function<std::uint64_t()>& size;
+};
+
+/// Calls with every direct child of the folder, in the listing's order, on the calling thread, until the call answers
+/// false or a stop is requested. While it is at one, those after it are measured by whoever of the pool has time: the
+/// calling thread is never ahead of itself, and many small folders keep all processors busy as one large one does.
+///
+/// Hidden are the names that begin with a full stop. 0, or the errno value that kept the folder from being read to its
+/// end; a folder reached through a link is not read. Any thread.
+[[nodiscard]] int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden,
+                                    const std::stop_token& stop,
+                                    const std::function<bool(const MeasurableEntry&)>& call);
+
+}  // namespace brimvault::files
