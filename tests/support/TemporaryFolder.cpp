@@ -79,8 +79,8 @@ void removeTree(const std::filesystem::path& folder) {
     ::rmdir(folder.c_str());
 }
 
-TemporaryFolder::TemporaryFolder() {
-    auto name = (std::filesystem::canonical(std::filesystem::temp_directory_path()) / "brimvault-XXXXXX").native();
+TemporaryFolder::TemporaryFolder(const std::filesystem::path& in) {
+    auto name = (std::filesystem::canonical(in) / "brimvault-XXXXXX").native();
     if (::mkdtemp(name.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), name);
     }

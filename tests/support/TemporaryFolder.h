@@ -11,7 +11,7 @@ void removeTree(const std::filesystem::path& folder);
 /// A new, empty folder of its own, with no link on the way to it; gone with everything in it at the end.
 class TemporaryFolder {
 public:
-    TemporaryFolder();
+    explicit TemporaryFolder(const std::filesystem::path& in = std::filesystem::temp_directory_path());
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder() { removeTree(path_); }
