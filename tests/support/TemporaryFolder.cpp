@@ -79,6 +79,11 @@ void removeTree(const std::filesystem::path& folder) {
     ::rmdir(folder.c_str());
 }
 
+std::filesystem::path folderInMemory() {
+    const std::filesystem::path folder = "/dev/shm";
+    return ::access(folder.c_str(), R_OK | W_OK | X_OK) == 0 ? folder : std::filesystem::temp_directory_path();
+}
+
 TemporaryFolder::TemporaryFolder(const std::filesystem::path& in) {
     auto name = (std::filesystem::canonical(in) / "brimvault-XXXXXX").native();
     if (::mkdtemp(name.data()) == nullptr) {

@@ -8,6 +8,10 @@ namespace brimvault::tests {
 /// Missing folders are fine; what cannot go stays.
 void removeTree(const std::filesystem::path& folder);
 
+/// A folder that is kept in memory, where the system has one, else the folder for temporary files: for tests that make
+/// tens of thousands of files.
+[[nodiscard]] std::filesystem::path folderInMemory();
+
 /// A new, empty folder of its own, with no link on the way to it; gone with everything in it at the end.
 class TemporaryFolder {
 public:

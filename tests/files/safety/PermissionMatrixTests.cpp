@@ -205,12 +205,6 @@ std::string inWords(const std::map<fs::path, int>& reasons) {
     return words.empty() ? "gone" : words;
 }
 
-// In memory where there is such a folder: tens of thousands of files and folders are made, and none needs a disk.
-std::string folderInMemory() {
-    const char* folder = "/dev/shm";
-    return ::access(folder, R_OK | W_OK | X_OK) == 0 ? folder : fs::temp_directory_path().native();
-}
-
 class PermissionMatrix : public testing::TestWithParam<Place> {
 protected:
     void SetUp() override {
