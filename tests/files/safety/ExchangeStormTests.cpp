@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <random>
 #include <stop_token>
 #include <string>
@@ -26,7 +27,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int width = 14;  // of the tree: folders in each of the first two levels
+constexpr int width = 10;   // of the tree: folders in each of the first two levels
+constexpr int levels = 16;  // of a chain in it: more folders inside each other than a removal holds open
 constexpr auto duration = std::chrono::seconds(3);
 constexpr int wantedExchanges = 500;
 
@@ -52,6 +54,14 @@ void fill(const fs::path& folder) {
             writeFile(folder / std::to_string(outer) / std::to_string(inner) / "file", "12345");
         }
         writeFile(folder / std::to_string(outer) / "file", "12345");
+    }
+    for (int chain = 0; chain < width; chain += 3) {
+        auto place = folder / std::to_string(chain);
+        for (int level = 0; level < levels; ++level, place /= "1") {
+            for (const char* name : {"0/file", "1/file", "2/file"}) {
+                writeFile(place / name, "12345");
+            }
+        }
     }
 }
 
@@ -82,16 +92,28 @@ private:
         const OpenFolder one(top.descriptor, anyName());
         const OpenFolder other(top.descriptor, anyName());
         const int place = oneIn(4) ? top.descriptor : one.descriptor;
-        switch (std::uniform_int_distribution(0, 2)(random_)) {
+        switch (std::uniform_int_distribution(0, 3)(random_)) {
             case 0:
-                exchange(place, anyName(), beside.descriptor, "link" + anyName());
+                exchangeInChain(one.descriptor, beside.descriptor);
                 break;
             case 1:
+                exchange(place, anyName(), beside.descriptor, "link" + anyName());
+                break;
+            case 2:
                 exchange(place, anyName(), other.descriptor, anyName());
                 break;
             default:  // one of the first level with one of the second
                 exchange(top.descriptor, anyName(), other.descriptor, anyName());
         }
+    }
+
+    // One of the folders inside each other, with a removal perhaps at work further in.
+    void exchangeInChain(int start, int beside) {
+        auto place = std::make_unique<OpenFolder>(start, "1");
+        for (int level = std::uniform_int_distribution(0, levels - 2)(random_); level > 0; --level) {
+            place = std::make_unique<OpenFolder>(place->descriptor, "1");
+        }
+        exchange(place->descriptor, "1", beside, "link" + anyName());
     }
 
     void exchange(int place, const std::string& name, int otherPlace, const std::string& otherName) {
