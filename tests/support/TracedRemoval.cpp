@@ -141,7 +141,7 @@ std::string contentsOf(const std::filesystem::path& file) {
 
 TracedRemoval TracedRemoval::run(const std::filesystem::path& item, const std::vector<std::string>& options) {
     TracedRemoval result;
-    const TemporaryFolder folder;
+    const TemporaryFolder folder(folderInMemory());  // for the trace
     Pipe input;
     Pipe output;
     Pipe notices;

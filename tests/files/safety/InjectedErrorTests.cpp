@@ -186,7 +186,7 @@ protected:
         }
     }
 
-    const TemporaryFolder folder_;
+    const TemporaryFolder folder_{folderInMemory()};
     const fs::path outside_ = folder_ / "outside";
     const fs::path tree_ = folder_ / "tree";
     SampleHome::Fingerprint before_;

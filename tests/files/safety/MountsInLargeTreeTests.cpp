@@ -128,7 +128,7 @@ private:
 // More than once, as threads never meet in the same order.
 TEST(MountsInLargeTree, KeepWhatTheyHoldWhileAllElseGoes) {
     for (int round = 0; round < rounds; ++round) {
-        const TemporaryFolder folder;
+        const TemporaryFolder folder(folderInMemory());
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
             if (auto reason = keepMountsPrivate(); !reason.empty()) {
                 return cannotTry(reason);
