@@ -177,7 +177,7 @@ TracedRemoval TracedRemoval::run(const std::filesystem::path& item, const std::v
     result.trace = contentsOf(folder / "trace");
     result.outcome = outcomeOf(said);
     if (!inTime || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        result.trouble = inTime ? "ended with status " + std::to_string(status) : "did not end";
+        result.trouble = inTime ? "ended with status " + std::to_string(status) : notEnded;
     } else if (!result.outcome) {
         result.trouble = "said \"" + said + "\"";
     }

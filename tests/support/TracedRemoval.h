@@ -16,6 +16,8 @@ struct TracedRemoval {
     /// traces and injects. Nothing in the process that calls is shared with the removal.
     static TracedRemoval run(const std::filesystem::path& item, const std::vector<std::string>& options);
 
+    static constexpr const char* notEnded = "did not end";  ///< the trouble of one that had to be ended
+
     std::string untried;                           ///< why nothing was tried: strace is missing, or may not trace
     std::string trouble;                           ///< how the process ended, or what it said, when that was no outcome
     std::optional<files::RemovalOutcome> outcome;  ///< unless there was trouble

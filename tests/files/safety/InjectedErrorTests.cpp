@@ -6,11 +6,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <sstream>
 #include <string_view>
 
+#include "support/FixtureTrees.h"
 #include "support/SampleHome.h"
 #include "support/TemporaryFolder.h"
 #include "support/TracedRemoval.h"
@@ -25,13 +27,17 @@ namespace {
 struct InjectedError {
     const char* name;
     int code;
+    bool lasts;  ///< given at every call from each on, too: is it tried again for ever, is it passed over
 };
-constexpr InjectedError errors[] = {{"EIO", EIO},     {"EACCES", EACCES}, {"EPERM", EPERM},
-                                    {"EROFS", EROFS}, {"ENOSPC", ENOSPC}, {"EMFILE", EMFILE},
-                                    {"EBUSY", EBUSY}, {"EINTR", EINTR},   {"ESTALE", ESTALE}};
+constexpr InjectedError errors[] = {
+    {"EIO", EIO, false},     {"EACCES", EACCES, true},  {"EPERM", EPERM, false},
+    {"EROFS", EROFS, false}, {"ENOSPC", ENOSPC, false}, {"EMFILE", EMFILE, false},
+    {"EBUSY", EBUSY, false}, {"EINTR", EINTR, true},    {"ESTALE", ESTALE, false},
+};
 
-// Not the removal's work on files: its memory, and the program's own waiting and answer.
-const std::set<std::string, std::less<>> notInjected = {"mmap", "poll", "restart_syscall", "write"};
+// Not the removal's work on files: its memory, the program's own waiting and answer, and the pipes with which
+// sanitizers look at memory.
+const std::set<std::string, std::less<>> notInjected = {"mmap", "pipe2", "poll", "restart_syscall", "write"};
 
 bool isThere(const fs::path& path) { return fs::exists(fs::symlink_status(path)); }
 
@@ -70,8 +76,11 @@ std::size_t errorsIn(const std::string& trace) {
 // The last of them, to tell.
 std::string struckIn(const std::string& trace) {
     const auto mark = trace.rfind("(INJECTED)");
-    const auto start = mark == std::string::npos ? mark : trace.rfind('\n', mark);
-    return start == std::string::npos ? "" : trace.substr(start, mark - start);
+    if (mark == std::string::npos) {
+        return "";
+    }
+    const auto start = trace.rfind('\n', mark);
+    return "\n" + trace.substr(start == std::string::npos ? 0 : start + 1, mark - start - 1);
 }
 
 using Making = std::function<void()>;
@@ -118,6 +127,7 @@ protected:
         for (int level = 0; level < 30; ++level) {
             deep /= "inner";
         }
+        writeFile(deep / "file", "");
         makeLinksIn(tree_ / "7");
     }
 
@@ -176,6 +186,7 @@ protected:
         make();
         const auto traced = TracedRemoval::run(
             tree_, {"--trace=" + call, "--inject=" + call + ":error=" + error.name + ":when=" + when});
+        ASSERT_NE(traced.trouble, TracedRemoval::notEnded) << call << " number " << when << " answers " << error.name;
         struck_ += errorsIn(traced.trace) == 0 ? 0 : 1;
         ++tried_;
         const auto wrong = judge(traced, error.code);
@@ -203,9 +214,23 @@ TEST_F(InjectedErrors, AtEveryCallOfASmallRemovalLoseNothing) {
     for (const auto& [call, count] : callsOfRemoval(tree)) {
         for (const auto& error : errors) {
             for (int number = 1; number <= count; ++number) {
-                tryWith(tree, call, error, std::to_string(number));
+                ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, error, std::to_string(number)));
+                if (error.lasts || number == 1) {
+                    ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, error, std::to_string(number) + "+"));
+                }
             }
-            tryWith(tree, call, error, "1+");
+        }
+    }
+}
+
+// So many folders inside each other that not all can be held open, and the way back is to be found again.
+TEST_F(InjectedErrors, OnTheWayBackFromDeepInsideLoseNothing) {
+    constexpr int levels = 14;
+    std::size_t turn = 0;
+    const auto tree = [this] { makeDeep(tree_, levels); };
+    for (const auto& [call, count] : callsOfRemoval(tree)) {
+        for (int number = 1; number <= count; ++number) {
+            ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, errors[turn++ % std::size(errors)], std::to_string(number)));
         }
     }
 }
@@ -217,7 +242,7 @@ TEST_F(InjectedErrors, InALargeRemovalLoseNothing) {
     for (const auto& [call, count] : callsOfRemoval(tree)) {
         const auto middle = std::to_string(count / 2 + 1);
         for (const auto& when : {std::string("1"), middle, middle + "+3", std::string("1+")}) {
-            tryWith(tree, call, errors[turn++ % std::size(errors)], when);
+            ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, errors[turn++ % std::size(errors)], when));
         }
     }
 }
