@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -132,12 +131,16 @@ std::string removeWithSystem(const fs::path& folder, const std::vector<std::stri
 
 Reasons reasonsOfSystem(const std::string& lines) {
     Reasons reasons;
-    const std::regex form("rm: cannot remove '(.*)': (.*)");
+    const std::string start = "rm: cannot remove '";
+    const std::string middle = "': ";
     std::istringstream stream(lines);
     for (std::string line; std::getline(stream, line);) {
-        std::smatch parts;
-        EXPECT_TRUE(std::regex_match(line, parts, form)) << line;
-        reasons[parts[1]] = parts[2];
+        const auto end = line.find(middle);
+        if (!line.starts_with(start) || end == std::string::npos) {
+            ADD_FAILURE() << "rm says " << line;
+            continue;
+        }
+        reasons[line.substr(start.size(), end - start.size())] = line.substr(end + middle.size());
     }
     return reasons;
 }
