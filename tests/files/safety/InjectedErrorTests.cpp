@@ -257,7 +257,9 @@ TEST_F(InjectedErrors, DISABLED_AreBlamedForWhatIsLeftAlone) {
     }
     const auto large = [this] { makeLargeTree(); };
     for (const auto& [call, count] : callsOfRemoval(large)) {
-        tryWith(large, call, errors[0], std::to_string(count / 2 + 1) + "+3");
+        for (const int first : {count / 2, count / 2 + 1}) {  // of a listing, one call of two is its end
+            tryWith(large, call, errors[0], std::to_string(first) + "+3");
+        }
     }
 }
 
