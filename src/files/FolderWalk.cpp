@@ -27,11 +27,10 @@ public:
     }
     void onFile(const DirectoryHandle& /*folder*/, const char* /*name*/, NodeKind /*kind*/) override {}
     [[nodiscard]] FilesTold filesTold() const override { return FilesTold::whileListing; }
-    void onFolderLeft(const DirectoryHandle& /*parent*/, const char* /*name*/) override {
+    void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/) override {
         current_ = current_.parent_path();
     }
     void onFolderClosed(const DirectoryHandle& /*parent*/, const char* /*name*/, int /*code*/) override {}
-    void onListingBroken(int /*code*/) override {}
     void onWayLost(const char* /*name*/, int /*code*/) override {}
 
 private:

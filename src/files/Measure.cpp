@@ -72,7 +72,6 @@ public:
         }
     }
     void onFolderClosed(const DirectoryHandle&, const char*, int) override {}
-    void onListingBroken(int) override {}
     void onWayLost(const char*, int) override {}
 
 private:

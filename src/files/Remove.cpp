@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <functional>
 #include <mutex>
@@ -37,28 +38,33 @@ int takeAway(const DirectoryHandle& parent, const char* name, Kind kind) {
     return isGone || errno == ENOENT ? 0 : errno;
 }
 
-// What all who work on one removal have met first.
-class FirstFailure {
+// What those have to tell who work on one removal.
+class Report {
 public:
-    void note(int code, const std::function<std::filesystem::path()>& path) {
+    void noteFailure(int code, const std::function<std::filesystem::path()>& path) {
         const std::lock_guard lock(mutex_);
-        if (!failure_) {
-            failure_ = Failure{code, path()};
+        if (!firstFailure_) {
+            firstFailure_ = Failure{code, path()};
         }
     }
-    [[nodiscard]] const std::optional<Failure>& get() const { return failure_; }
+    void noteItemTaken() { isItemTaken_ = true; }
+
+    // Once nobody works on it any more.
+    [[nodiscard]] const std::optional<Failure>& firstFailure() const { return firstFailure_; }
+    [[nodiscard]] bool isItemTaken() const { return isItemTaken_; }
 
 private:
     std::mutex mutex_;
-    std::optional<Failure> failure_;
+    std::optional<Failure> firstFailure_;
+    std::atomic<bool> isItemTaken_ = false;
 };
 
 class RemovalVisitor final : public TreeVisitor {
 public:
-    RemovalVisitor(RemovalGuard* guard, FirstFailure& failure) : guard_(guard), failure_(failure) {}
+    RemovalVisitor(RemovalGuard* guard, Report& report) : guard_(guard), report_(report) {}
 
     [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
-        return std::make_unique<RemovalVisitor>(guard_, failure_);
+        return std::make_unique<RemovalVisitor>(guard_, report_);
     }
 
     bool entersFolder(const DirectoryHandle& folder, const char* name) override {
@@ -80,29 +86,42 @@ public:
     }
 
     // Asked once more, of what has the name by now: an empty folder that was put there would go.
-    void onFolderLeft(const DirectoryHandle& parent, const char* name) override {
+    void onFolderLeft(const DirectoryHandle& parent, const VisitedFolder& folder) override {
+        const char* name = folder.name.c_str();
         const int code = mayStillRemove(parent, name) ? takeAway(parent, name, Kind::emptyFolder) : EPERM;
         if (code != 0) {
-            note(code, name);
+            note(reason(code, folder.listingCode), name);
+        } else if (folder.holder == nullptr) {
+            report_.noteItemTaken();
         }
     }
 
-    // A folder that may not be read can still be removed when it is empty; when not, the reason is the reading. Where
-    // there is a guard, it could not be asked.
+    // A folder that may not be read can still be removed when it is empty. Where there is a guard, it could not be
+    // asked.
     void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
+        if (code == ENOENT) {
+            return;
+        }
         if (code == EXDEV) {
             note(EBUSY, name);  // what the system itself says of a mount point
-        } else if (code != ENOENT && (guard_ != nullptr || takeAway(parent, name, Kind::emptyFolder) != 0)) {
+        } else if (guard_ != nullptr) {
             note(code, name);
+        } else if (const int refusal = takeAway(parent, name, Kind::emptyFolder); refusal != 0) {
+            note(reason(refusal, code), name);
         }
     }
 
-    void onListingBroken(int code) override { note(code, nullptr); }
     void onWayLost(const char* name, int code) override { note(code, name); }
 
 private:
     void note(int code, const char* name) {
-        failure_.note(code, [&] { return pathOf(name); });
+        report_.noteFailure(code, [&] { return pathOf(name); });
+    }
+
+    // That a folder is not empty is no reason of its own where it could not be read, or not to its end.
+    [[nodiscard]] static int reason(int refusal, int reading) {
+        const bool isNotEmpty = refusal == ENOTEMPTY || refusal == EEXIST;
+        return isNotEmpty && reading != 0 ? reading : refusal;
     }
 
     [[nodiscard]] bool mayStillRemove(const DirectoryHandle& parent, const char* name) const {
@@ -114,7 +133,7 @@ private:
     }
 
     RemovalGuard* guard_;
-    FirstFailure& failure_;
+    Report& report_;
 };
 
 RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
@@ -127,20 +146,20 @@ bool visit(RemovalVisitor& visitor, const DirectoryHandle& parent, const char* n
 
 RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem::path& path,
                             const std::stop_token& stop, RemovalGuard* guard) {
-    FirstFailure failure;
-    RemovalVisitor visitor(guard, failure);
+    Report report;
+    RemovalVisitor visitor(guard, report);
     const auto name = path.filename();
     const bool toItsEnd = visit(visitor, parent, name.c_str(), stop, guard != nullptr);
     // Neither a stop nor a failure on the way matters when the item went all the same.
     const int code = statusAt(parent.descriptor(), name.c_str()).code();
-    if (code == ENOENT) {
+    if (code == ENOENT || (code != 0 && report.isItemTaken())) {
         return {RemovalEnd::gone, std::nullopt};
     }
     if (!toItsEnd) {
         return {RemovalEnd::cancelled, std::nullopt};
     }
     // Without a failure, nobody knows what is there, or someone has put something new under the name.
-    const auto first = failure.get().value_or(Failure{code != 0 ? code : EEXIST, name});
+    const auto first = report.firstFailure().value_or(Failure{code != 0 ? code : EEXIST, name});
     return kept(first.code, path.parent_path() / first.path);
 }
 

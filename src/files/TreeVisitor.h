@@ -37,12 +37,10 @@ public:
     virtual void onFolderEntered(const DirectoryHandle& /*folder*/) {}
     /// An entry that is no folder.
     virtual void onFile(const DirectoryHandle& folder, const char* name, NodeKind kind) = 0;
-    /// Everything in the folder has been visited; the folder that holds it is given with its name there.
-    virtual void onFolderLeft(const DirectoryHandle& /*parent*/, const char* /*name*/) {}
+    /// Everything in the folder that its listing gave has been visited; the folder that holds it is given.
+    virtual void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/) {}
     /// A folder that could not be opened; code is an errno value, EXDEV where another mount begins.
     virtual void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) = 0;
-    /// The listing of the folder where the walk is broke off with an errno value; what it gave is visited.
-    virtual void onListingBroken(int code) = 0;
     /// The way back to a folder is lost, because a folder on it was moved away; nothing above is visited further.
     virtual void onWayLost(const char* name, int code) = 0;
 
@@ -50,10 +48,9 @@ public:
     void setPlace(const VisitedFolder* place) { place_ = place; }
 
 protected:
-    /// The path of an entry where the walk is, from the first folder's name on; of the folder there for a null name.
+    /// The path of an entry where the walk is, from the first folder's name on.
     [[nodiscard]] std::filesystem::path pathOf(const char* name) const {
-        const auto folder = place_ == nullptr ? std::filesystem::path() : place_->position();
-        return name == nullptr ? folder : folder / name;
+        return place_ == nullptr ? std::filesystem::path(name) : place_->position() / name;
     }
 
     [[nodiscard]] bool isInFirstFolder() const { return place_ != nullptr && place_->holder == nullptr; }

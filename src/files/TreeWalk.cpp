@@ -119,9 +119,7 @@ void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> fold
     visitor_.setPlace(entered.folder.get());
     visitor_.onFolderEntered(entered.handle);
     holdNoMoreThan(heldFolders);
-    if (const int code = listEntries(entered); code != 0) {
-        visitor_.onListingBroken(code);
-    }
+    entered.folder->listingCode = listEntries(entered);
     if (++seenFolders_ == largeTree && fellows_ != nullptr) {
         fellows_->onLargeTree();
     }
@@ -205,7 +203,7 @@ bool TreeWalk::leave() {
         return false;
     }
     if (wasLastPart(*left->fsref.folder, *above.folder)) {
-        visitor_.onFolderLeft(above.handle, left->fsref.folder->name.c_str());
+        visitor_.onFolderLeft(above.handle, *left->fsref.folder);
     }
     return true;
 }
@@ -229,17 +227,16 @@ bool TreeWalk::leaveLast(FolderReference left) {
     while (left.folder->parts.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         const auto above = left.folder->holder;
         visitor_.setPlace(above.get());
-        const char* name = left.folder->name.c_str();
         if (above == nullptr) {
-            visitor_.onFolderLeft(outermost_, name);
+            visitor_.onFolderLeft(outermost_, *left.folder);
             return true;
         }
         auto handle = left.handle.openParent(*above->place);
         if (!handle) {
-            visitor_.onWayLost(name, handle.code());
+            visitor_.onWayLost(left.folder->name.c_str(), handle.code());
             return false;
         }
-        visitor_.onFolderLeft(*handle, name);
+        visitor_.onFolderLeft(*handle, *left.folder);
         left = FolderReference{above, std::move(*handle), {}};
     }
     return true;

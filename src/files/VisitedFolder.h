@@ -26,6 +26,7 @@ struct VisitedFolder {
     std::shared_ptr<VisitedFolder> holder;  ///< null for the first one
     /// Known before its handle is closed, and before anybody else works in it or below: by this it is known again.
     std::optional<NodePlace> place;
+    int listingCode = 0;  ///< the errno value with which the listing broke off; what it gave is visited. 0: it did not
     /// What has to be finished before the folder is: the shares of its own entries, and the folders in it that were
     /// left to others to be finished. Who finishes the last is who leaves the folder.
     std::atomic<int> parts = 1;

@@ -48,7 +48,6 @@ public:
     std::unique_ptr<files::TreeVisitor> another() override { return std::make_unique<CallingVisitor>(onFile_); }
     void onFile(const files::DirectoryHandle&, const char*, files::NodeKind) override { onFile_(); }
     void onFolderClosed(const files::DirectoryHandle&, const char*, int) override {}
-    void onListingBroken(int) override {}
     void onWayLost(const char*, int) override {}
 
 private:

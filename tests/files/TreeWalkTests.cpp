@@ -25,11 +25,12 @@ public:
     void onFile(const DirectoryHandle&, const char* name, files::NodeKind) override {
         tell(std::string("file ") + name);
     }
-    void onFolderLeft(const DirectoryHandle&, const char* name) override { tell(std::string("left ") + name); }
+    void onFolderLeft(const DirectoryHandle&, const files::VisitedFolder& folder) override {
+        tell("left " + folder.name);
+    }
     void onFolderClosed(const DirectoryHandle&, const char* name, int code) override {
         tell(std::string("closed ") + name + " " + std::to_string(code));
     }
-    void onListingBroken(int code) override { tell("broken " + std::to_string(code)); }
     void onWayLost(const char* name, int code) override {
         tell(std::string("lost ") + name + " " + std::to_string(code));
     }
