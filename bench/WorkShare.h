@@ -1,0 +1,80 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <iterator>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace brimvault::bench {
+
+/// Work that makes more work, on a number of threads. Each has a list of its own, taken from the end; who runs out of
+/// it is given the older half of another's.
+template <typename Work>
+class WorkShare {
+public:
+    using List = std::vector<Work>;
+
+    WorkShare(unsigned threads, List first) : threads_(threads), shared_(std::move(first)) {}
+
+    /// Each thread has a worker of its own, which `make` makes: worker(work, list) does the work and adds to the list
+    /// what it finds to do. Comes back when nothing is left.
+    template <typename Make>
+    void run(Make make) {
+        std::vector<std::jthread> others;
+        for (unsigned thread = 1; thread < threads_; ++thread) {
+            others.emplace_back([this, make] { runOne(make()); });
+        }
+        runOne(make());
+    }
+
+private:
+    template <typename Worker>
+    void runOne(Worker worker) {
+        List own;
+        while (!own.empty() || takeShared(own)) {
+            Work work = std::move(own.back());
+            own.pop_back();
+            worker(std::move(work), own);
+            if (own.size() > 1 && idle_.load(std::memory_order_relaxed) > 0) {
+                giveHalf(own);
+            }
+        }
+    }
+
+    bool takeShared(List& own) {
+        std::unique_lock lock(mutex_);
+        ++idle_;
+        if (idle_ == threads_ && shared_.empty()) {
+            changed_.notify_all();
+        }
+        changed_.wait(lock, [this] { return !shared_.empty() || idle_ == threads_; });
+        if (shared_.empty()) {
+            return false;
+        }
+        --idle_;
+        own.swap(shared_);
+        return true;
+    }
+
+    void giveHalf(List& own) {
+        const auto end = own.begin() + static_cast<std::ptrdiff_t>(own.size() / 2);
+        {
+            const std::lock_guard lock(mutex_);
+            shared_.insert(shared_.end(), std::make_move_iterator(own.begin()), std::make_move_iterator(end));
+        }
+        own.erase(own.begin(), end);
+        changed_.notify_one();
+    }
+
+    const unsigned threads_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    List shared_;
+    std::atomic<unsigned> idle_ = 0;
+};
+
+}  // namespace brimvault::bench
