@@ -12,20 +12,18 @@
 #include <string>
 
 #include "MainThreadClock.h"
-#include "journeys/Guide.h"
+#include "TrialWindow.h"
 #include "platform/LibraryURLs.h"
-#include "platform/SubstituteSystem.h"
 #include "support/SampleHome.h"
 #include "support/TemporaryFolder.h"
 #include "ui/AccessibleItemView.h"
-#include "ui/FAppDelegate.h"
 #include "ui/Look.h"
-#include "ui/SectionOperations.h"
 
 namespace {
 
 using namespace brimvault;
 using bench::MainThreadClock;
+using bench::TrialWindow;
 using tests::Guide;
 using ui::ItemListModel;
 namespace fs = std::filesystem;
@@ -35,28 +33,6 @@ constexpr int logsRow = 2;
 constexpr int trashRow = 4;
 constexpr int logCount = 1000;
 constexpr int trashCount = 200;
-
-class Agreeing final : public ui::AlertPresenter {
-public:
-    ui::AlertAnswer runModal(const ui::Alert& /*alert*/, QWidget* /*window*/) override {
-        return {ui::AlertAnswer::firstButton, false};
-    }
-};
-
-class NoFileBrowser final : public platform::FileBrowser {
-public:
-    bool showItem(const fs::path& /*path*/) override { return false; }
-    bool showItemProperties(const fs::path& /*path*/) override { return false; }
-    bool openFolder(const fs::path& /*folder*/) override { return false; }
-    void giveUp() override {}
-};
-
-class NoWorkspace final : public platform::Workspace {
-public:
-    bool openURL(const std::string& /*url*/) override { return false; }
-    void announceStart() override {}
-    void giveUp() override {}
-};
 
 // Names as caches have them, in no order; sizes of every magnitude. Only the folder changes on the disk: files have
 // lengths and no contents.
@@ -77,43 +53,6 @@ void makeHome(const fs::path& home, int entries) {
     makeEntries(home / "Library/Logs", logCount, ".log");
     makeEntries(home / ".Trash", trashCount, ".txt");
 }
-
-/// One start of the program.
-class Window {
-public:
-    explicit Window(const fs::path& settings) : defaults_(settings) {
-        application_.applicationDidFinishLaunching();
-        window()->resize(1000, 660);
-    }
-
-    [[nodiscard]] ui::MainWindow* window() const { return application_.window(); }
-    [[nodiscard]] const Guide& guide() const { return guide_; }
-    [[nodiscard]] ui::TTableView* list() const { return guide_.list(); }
-    [[nodiscard]] ui::FAppDelegate& application() { return application_; }
-
-    void startScan() {
-        auto* first = window()->startPage()->btnStartScanButton2();
-        Guide::click(first->isVisible() ? static_cast<QAbstractButton*>(first) : window()->sidebar()->pbtnScan());
-    }
-    [[nodiscard]] bool isScanning() {
-        return application_.pbScanning() || application_.psectController().performer().pscaner().isScanning();
-    }
-    void awaitScan() {
-        Guide::waitFor([this] { return !isScanning(); });
-    }
-
-private:
-    platform::UserDefaults defaults_;
-    Agreeing alerts_;
-    NoFileBrowser fileBrowser_;
-    NoWorkspace workspace_;
-    ui::UtilMod util_{alerts_, fileBrowser_, workspace_};
-    langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
-    ui::FAppDelegate application_{ui::scanOperations(),
-                                  ui::cleanOperations(engine::PrivilegedRemover::none()),
-                                  {defaults_, alerts_, util_, languages_}};
-    Guide guide_{application_};
-};
 
 class Table {
 public:
@@ -177,7 +116,7 @@ const engine::CleanableItem* selectedItem(const ui::TTableView& list) {
 }
 
 // A row is chosen and scrolled to while the scan goes on; both stay to its end, whatever comes before it.
-void scanWithASelection(Window& window) {
+void scanWithASelection(TrialWindow& window) {
     window.startScan();
     Guide::waitFor([&] { return window.list() != nullptr && window.list()->model()->rowCount() > 3000; });
     auto* list = window.list();
@@ -211,14 +150,14 @@ void scrollThrough(ui::TTableView& list) {
     }
 }
 
-void switchSections(Window& window) {
+void switchSections(TrialWindow& window) {
     for (const int row : {logsRow, cachesRow, trashRow, cachesRow}) {
         window.guide().clickSection(row);
         QTest::qWait(20);
     }
 }
 
-void sortAndTick(Window& window, Table& table) {
+void sortAndTick(TrialWindow& window, Table& table) {
     const auto& guide = window.guide();
     const auto sortBy = [&](const std::string& name, int column) {
         table.measure("sort by " + name, [&] { guide.clickHeader(column); });
@@ -239,7 +178,7 @@ void sortAndTick(Window& window, Table& table) {
 }
 
 void shownDuringTheScan(const fs::path& settings, int entries, Table& table) {
-    Window window(settings);
+    TrialWindow window(settings);
     table.measure("first scan, its list on show", [&] {
         window.startScan();
         window.awaitScan();
@@ -265,7 +204,7 @@ void shownDuringTheScan(const fs::path& settings, int entries, Table& table) {
 }
 
 void shownAfterTheScan(const fs::path& settings, int entries, Table& table) {
-    Window window(settings);
+    TrialWindow window(settings);
     window.guide().clickSection(logsRow);
     table.measure("first scan, another list on show", [&] {
         window.startScan();
@@ -302,11 +241,7 @@ int main(int argc, char* argv[]) {
     const int entries = std::atoi(argv[1]);
     const tests::TemporaryFolder folder;
     const fs::path home = folder / "home";
-    const platform::SubstituteSystem system(
-        {[home] { return std::optional(home); }, [] { return std::string("trial"); },
-         [root = folder / "root"](const char* name) {
-             return name == std::string("BRIMVAULT_TRIAL_ROOT") ? root.native() : std::string();
-         }});
+    const platform::SubstituteSystem system(bench::trialSystem(home, folder / "root"));
     makeHome(home, entries);
     ui::look::apply();
     ui::AccessibleItemView::install();

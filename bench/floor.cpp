@@ -1,5 +1,5 @@
-// The yardstick: a tree measured, or removed, by the system calls that this takes and nothing else. No mount is seen,
-// nothing is checked, and a failure ends it.
+// The yardstick: a tree measured, or removed, by the system calls that this takes and nothing else. Nothing is checked,
+// mounts among it. What cannot be read counts nothing; what cannot be removed ends it.
 //
 //     brimvault-floor measure THREADS DIR...    prints the bytes of everything in the folders that is no folder
 //     brimvault-floor remove THREADS DIR...
@@ -10,13 +10,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "WorkShare.h"
@@ -48,12 +49,7 @@ using List = WorkShare<Work>::List;
 int descriptorOf(const Folder* folder) { return folder == nullptr ? AT_FDCWD : folder->descriptor; }
 
 int openFolder(const Work& work) {
-    const int descriptor =
-        ::openat(descriptorOf(work.parent), work.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0) {
-        giveUp(work.name.c_str());
-    }
-    return descriptor;
+    return ::openat(descriptorOf(work.parent), work.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
 bool isFolder(int folder, const dirent64& entry) {
@@ -73,10 +69,7 @@ public:
     void forEachEntry(int folder, Call call) {
         for (;;) {
             const ssize_t length = ::getdents64(folder, buffer_.data(), buffer_.size());
-            if (length < 0) {
-                giveUp("getdents64");
-            }
-            if (length == 0) {
+            if (length <= 0) {
                 return;
             }
             for (ssize_t at = 0; at < length;) {
@@ -107,6 +100,9 @@ public:
     void operator()(const Work& work, List& more) {
         const int descriptor = openFolder(work);
         letGo(work.parent);
+        if (descriptor < 0) {
+            return;
+        }
         Folder* self = nullptr;  // only where there are folders inside
         lister_.forEachEntry(descriptor, [&](const dirent64& entry) {
             if (!isFolder(descriptor, entry)) {
@@ -129,10 +125,8 @@ public:
 private:
     static std::uint64_t sizeOf(int folder, const char* name) {
         struct statx status {};
-        if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, STATX_SIZE, &status) != 0) {
-            giveUp(name);
-        }
-        return status.stx_size;
+        const bool known = ::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, STATX_SIZE, &status) == 0;
+        return known ? status.stx_size : 0;
     }
 
     static void letGo(Folder* folder) {
@@ -150,17 +144,25 @@ class Remover {
 public:
     void operator()(Work work, List& more) {
         const int descriptor = openFolder(work);
+        if (descriptor < 0) {
+            giveUp(work.name.c_str());
+        }
         auto* self = new Folder{work.parent, std::move(work.name), descriptor};
+        std::vector<std::pair<ino64_t, std::string>> files;
         lister_.forEachEntry(descriptor, [&](const dirent64& entry) {
             if (!isFolder(descriptor, entry)) {
-                if (::unlinkat(descriptor, entry.d_name, 0) != 0) {
-                    giveUp(entry.d_name);
-                }
+                files.emplace_back(entry.d_ino, entry.d_name);
                 return;
             }
             ++self->users;
             more.push_back({self, entry.d_name});
         });
+        std::sort(files.begin(), files.end());  // side by side on the disk, whatever the order of the names
+        for (const auto& [inode, name] : files) {
+            if (::unlinkat(descriptor, name.c_str(), 0) != 0) {
+                giveUp(name.c_str());
+            }
+        }
         letGo(self);
     }
 

@@ -1,7 +1,9 @@
 // Makes the trees that are measured and removed; the same ones each time.
 //
-//     brimvault-trees KIND DIR    DIR must not be there yet; prints how many files and folders were made, and the bytes
-//                                 of the files; of a home, the bytes that a scan is to find in its sections of files
+//     brimvault-trees KIND DIR [written]
+//
+// DIR must not be there yet. It prints how many files and folders were made, and the bytes of the files; of a home also
+// the bytes that a scan is to find in its sections of files, how many items and how many applications.
 //
 //     cache    200,000 files in 20,000 folders below, as a browser leaves them
 //     flat     200,000 files in one folder
@@ -10,8 +12,8 @@
 //     home     a home folder of 300,000 files with something in every section
 //     listed   a home folder whose caches are the 100,000 entries of "tiny"
 //
-// The first 4 KiB of a file are written, since a file without blocks is removed for less; what is longer ends in a
-// hole, which is measured as if it were written.
+// Files have lengths and no contents: how fast blocks are freed is the disk's affair, and where it is told of each, it
+// takes longer than all else. With "written" the first 4 KiB of each file are there.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -35,7 +37,11 @@ struct Made {
     std::uint64_t folders = 0;  ///< without the first
     std::uint64_t bytes = 0;
     std::uint64_t listed = 0;  ///< bytes in sections of files
+    std::uint64_t items = 0;   ///< entries of these sections
+    std::uint64_t applications = 0;
 } made;
+
+bool writesContents = false;
 
 int orThrow(int answer, const std::string& name) {
     if (answer < 0) {
@@ -75,7 +81,7 @@ public:
         }();
         const int file = orThrow(
             ::openat(descriptor_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR), name);
-        const auto written = std::min<std::uint64_t>(size, contents.size());
+        const auto written = writesContents ? std::min<std::uint64_t>(size, contents.size()) : 0;
         orThrow(written == 0 ? 0 : static_cast<int>(::write(file, contents.data(), written)), name);
         orThrow(size == written ? 0 : ::ftruncate(file, static_cast<off_t>(size)), name);
         ::close(file);
@@ -152,6 +158,7 @@ void makeChain(Folder folder) {
 
 void makeTiny(const Folder& folder) {
     constexpr int entries = 100'000;
+    made.items += entries;
     for (int entry = 0; entry < entries; ++entry) {
         const auto name = "com.vendor." + hexadecimal(random(), 4) + numbered(".item ", entry);
         const auto size = 1 + random() % 16;
@@ -168,6 +175,7 @@ void makeApplications(const Folder& folder) {
         "en", "German", "French", "zh_CN", "zh_TW", "ja", "es", "it", "nl", "ko", "pt_BR", "pt_PT", "da", "fi", "nb",
         "sv", "ru",     "pl",     "tr",    "ar",    "th", "cs", "hu", "ca", "hr", "el",    "he",    "ro", "sk", "uk"};
     for (int application = 0; application < 60; ++application) {
+        ++made.applications;
         const auto contents = folder.child(numbered("Application ", application) + ".app").child("Contents");
         const auto resources = contents.child("Resources");
         fill(resources, 51);
@@ -180,6 +188,7 @@ void makeApplications(const Folder& folder) {
 void makeCaches(const Folder& library) {
     const auto caches = library.child("Caches");
     fill(caches, 600);
+    made.items += 600 + 40 + 40;
     for (int application = 0; application < 40; ++application) {
         makeStores(caches.child(numbered("com.vendor.application", application)), 2, 480, 5'000);
     }
@@ -195,6 +204,7 @@ void makeCaches(const Folder& library) {
 
 void makeLogs(const Folder& logs) {
     fill(logs, 1'000);
+    made.items += 1'000 + 50;
     for (int application = 0; application < 50; ++application) {
         fill(logs.child(numbered("com.vendor.application", application)), 200);
     }
@@ -202,6 +212,7 @@ void makeLogs(const Folder& logs) {
 
 void makeDownloads(const Folder& downloads) {
     fill(downloads, 200);
+    made.items += 200 + 20;
     for (int archive = 0; archive < 20; ++archive) {
         makeStores(downloads.child(numbered("unpacked ", archive)), 4, 200, 1'990);
     }
@@ -209,6 +220,7 @@ void makeDownloads(const Folder& downloads) {
 
 void makeTrash(const Folder& trash) {
     fill(trash, 300);
+    made.items += 300 + 30;
     for (int project = 0; project < 30; ++project) {
         makeStores(trash.child(numbered("old project ", project)), 1, 60, 900);
     }
@@ -239,10 +251,12 @@ const std::map<std::string, std::function<void(Folder)>>& kinds() {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    if (argc != 3 || !kinds().contains(argv[1])) {
-        std::cerr << "usage: brimvault-trees cache|flat|chain|tiny|home|listed DIR\n";
+    const bool isAsked = argc == 3 || (argc == 4 && argv[3] == std::string("written"));
+    if (!isAsked || !kinds().contains(argv[1])) {
+        std::cerr << "usage: brimvault-trees cache|flat|chain|tiny|home|listed DIR [written]\n";
         return 2;
     }
+    writesContents = argc == 4;
     try {
         kinds().at(argv[1])(Folder::make(argv[2]));
     } catch (const std::exception& problem) {
@@ -250,6 +264,6 @@ int main(int argc, char* argv[]) {
         return 1;
     }
     std::cout << "files " << made.files << "\nfolders " << made.folders << "\nbytes " << made.bytes << "\nlisted "
-              << made.listed << '\n';
+              << made.listed << "\nitems " << made.items << "\napplications " << made.applications << '\n';
     return 0;
 }

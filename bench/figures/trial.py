@@ -1,0 +1,152 @@
+"""Trees made for the purpose, and what is measured on them."""
+
+import os
+import statistics
+import subprocess
+import tempfile
+
+from table import Table, machine
+from turns import Contender, Failed, cores, few_descriptors, measure, run
+
+PARTS = ("measure", "remove", "chain", "scan", "memory")
+
+
+class Trees:
+    """A temporary folder in which trees come and go; nothing of it stays."""
+
+    def __init__(self, programs, written):
+        self.programs = programs
+        self.how = ["written"] if written else []
+
+    def __enter__(self):
+        self.folder = os.path.realpath(tempfile.mkdtemp(prefix="brimvault-bench-"))
+        return self
+
+    def __exit__(self, *_):
+        self.remove(self.folder)
+
+    def make(self, kind):
+        """Its path, and what was made. Nothing is left to be written when it is there."""
+        path = os.path.join(self.folder, kind)
+        made = run([os.path.join(self.programs, "brimvault-trees"), kind, path, *self.how])
+        subprocess.run(["sync", "-f", self.folder], check=True)
+        return path, made
+
+    @staticmethod
+    def remove(path):
+        """As deep as it may be."""
+        subprocess.run(["rm", "-rf", path], check=True)
+
+
+def expect_same(what, found, made):
+    if found != made:
+        raise Failed(f"{what}: {found} found, {made} made")
+
+
+def measuring(trees, table, rounds):
+    limits = {("cache", "du -sb"): 0.45, ("cache", "gdu -npc"): 0.35, ("cache", "floor on two threads"): 1.15}
+    names = {"cache": "measuring the cache", "flat": "the flat folder", "tiny": "the tiny entries"}
+    for kind, name in names.items():
+        path, made = trees.make(kind)
+        ours, *others = measure(trees.programs, path, rounds)
+        for other in others:
+            if other.check:
+                expect_same(other.name, other.last.count("bytes"), made.count("bytes"))
+            shown = "floor on two threads" if other.name == "floor" and cores() == 2 else other.name
+            table.ratio(name, ours.median, other.median, shown, limits.get((kind, shown)))
+        expect_same(ours.name, ours.last.count("bytes"), made.count("bytes"))
+        trees.remove(path)
+
+
+def removing(trees, table, rounds):
+    ours = os.path.join(trees.programs, "brimvault-files")
+    floor = os.path.join(trees.programs, "brimvault-floor")
+    limits = {("cache", "rm -rf"): 0.65, ("flat", "rm -rf"): 1.05}
+    for kind, name in (("cache", "removing the cache"), ("flat", "the flat folder"), ("tiny", "the tiny entries")):
+        contenders = [
+            Contender("brimvault", [ours, "remove"]),
+            Contender("rm -rf", ["rm", "-rf"]),
+            Contender("floor", [floor, "remove", str(cores())]),
+        ]
+        for _ in range(rounds):
+            for contender in contenders:
+                path, _made = trees.make(kind)
+                contender.seconds.append(contender.take_turn(path).seconds)
+                expect_same(f"{contender.name}: left of {path}", os.path.lexists(path), False)
+        first, *others = contenders
+        for other in others:
+            table.ratio(name, first.median, other.median, other.name, limits.get((kind, other.name)))
+
+
+def chain(trees, table, rounds):
+    name, limit = "removing the chain with 64 descriptors, 8 MiB of stack", 5
+    seconds = []
+    for _ in range(rounds):
+        path, _made = trees.make("chain")
+        try:
+            command = [os.path.join(trees.programs, "brimvault-files"), "remove", path]
+            seconds.append(run(command, limits=few_descriptors).seconds)
+        except Failed as problem:
+            table.failed(name, str(problem), f"{limit} s")
+            raise
+        expect_same(f"left of {path}", os.path.lexists(path), False)
+    table.figure(name, statistics.median(seconds), "s", limit)
+
+
+def scan_once(trees, home, made):
+    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "XDG_RUNTIME_DIR": trees.folder}
+    scan = run([os.path.join(trees.programs, "brimvault-scan"), home], environment=environment)
+    for what in ("listed", "items", "applications"):
+        expect_same(f"the scan: {what}", scan.count(what), made.count(what))
+    return scan
+
+
+def scanning(trees, table, rounds):
+    home, made = trees.make("home")
+    inside = ("Library/Caches", "Library/Containers", "Library/Logs", "Downloads", ".Trash", "Applications")
+    floor = [os.path.join(trees.programs, "brimvault-floor"), "measure", str(cores())]
+    floor += [os.path.join(home, folder) for folder in inside]
+    run(floor)
+    scan_once(trees, home, made)
+    floors, scans = [], []
+    for _ in range(rounds):
+        floors.append(run(floor))
+        scans.append(scan_once(trees, home, made))
+    expect_same("floor", floors[-1].count("bytes"), made.count("bytes"))
+    floor_median = statistics.median(floor.seconds for floor in floors)
+    for which in ("first", "second"):
+        median = statistics.median(scan.number(f"{which}-seconds") for scan in scans)
+        table.ratio(f"the {which} scan of five sections", median, floor_median, "floor", 1.4)
+    stretches(table, scans, "300,000 files")
+    trees.remove(home)
+
+
+def stretches(table, scans, over):
+    for which in ("first", "second"):
+        elapsed = statistics.median(scan.number(f"{which}-longest") for scan in scans)
+        worked = statistics.median(scan.number(f"{which}-longest-of-a-processor") for scan in scans)
+        name = f"longest stretch of the main thread, {which} scan of {over}"
+        table.figure(name, elapsed, "ms", 16)
+        table.figure(f"{name}, of a processor", worked, "ms", 16)
+
+
+def memory(trees, table, rounds):
+    home, made = trees.make("listed")
+    scans = [scan_once(trees, home, made) for _ in range(rounds)]
+    for which in ("first", "second"):
+        above = [scan.count(f"{which}-peak-bytes") - scan.count("idle-bytes") for scan in scans]
+        name = f"memory above the idle window, {which} scan, 100,000 items listed"
+        table.figure(name, statistics.median(above) / (1 << 20), "MiB", 40)
+    stretches(table, scans, "100,000 items")
+    trees.remove(home)
+
+
+def trial(programs, rounds, parts, written):
+    with Trees(programs, written) as trees:
+        print(machine(trees.folder, cores()))
+        print(f"Medians of {rounds} rounds in turn; files have {'contents' if written else 'lengths and no contents'}.\n")
+        table = Table()
+        work = {"measure": measuring, "remove": removing, "chain": chain, "scan": scanning, "memory": memory}
+        for part in parts:
+            work[part](trees, table, rounds)
+        print(f"\n{table.missed} of the limits are missed." if table.missed else "\nAll limits are kept.")
