@@ -1,6 +1,7 @@
 """What ../run starts, with the folder of the programs in front of its own arguments."""
 
 import argparse
+import signal
 import sys
 
 from given import measure_given, remove_given
@@ -35,6 +36,7 @@ def main(programs, words):
     return 0
 
 
+signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # the trees go first
 try:
     sys.exit(main(sys.argv[1], sys.argv[2:]))
 except (Failed, OSError) as problem:

@@ -13,8 +13,8 @@ def _first(path, beginning):
 def machine(folder, cores):
     memory = int(_first("/proc/meminfo", "MemTotal").split()[0]) / (1 << 20)
     system = subprocess.run(
-        ["stat", "-f", "-c", "%T", folder], stdout=subprocess.PIPE, text=True, check=True
-    ).stdout.strip()
+        ["df", "--output=fstype", folder], stdout=subprocess.PIPE, text=True, check=True
+    ).stdout.split()[-1]
     with open("/proc/loadavg", encoding="utf-8") as load:
         busy = load.read().split()[0]
     return (
@@ -41,8 +41,8 @@ class Table:
             limit is not None and ratio > limit,
         )
 
-    def figure(self, what, value, unit, limit):
-        self._row(what, f"{value:.1f} {unit}", "", "", "", f"{limit:g} {unit}", value > limit)
+    def figure(self, what, value, unit, limit, beside="", takes=""):
+        self._row(what, f"{value:.1f} {unit}", beside, takes, "", f"{limit:g} {unit}", value > limit)
 
     def failed(self, what, why, limit):
         self._row(what, why, "", "", "", limit, True)

@@ -122,12 +122,12 @@ def scanning(trees, table, rounds):
 
 
 def stretches(table, scans, over):
+    """By the clock, and beside it what of them the thread had of a processor: on a busy machine they part."""
     for which in ("first", "second"):
-        elapsed = statistics.median(scan.number(f"{which}-longest") for scan in scans)
+        longest = statistics.median(scan.number(f"{which}-longest") for scan in scans)
         worked = statistics.median(scan.number(f"{which}-longest-of-a-processor") for scan in scans)
         name = f"longest stretch of the main thread, {which} scan of {over}"
-        table.figure(name, elapsed, "ms", 16)
-        table.figure(f"{name}, of a processor", worked, "ms", 16)
+        table.figure(name, longest, "ms", 16, "of a processor", f"{worked:.1f} ms")
 
 
 def memory(trees, table, rounds):

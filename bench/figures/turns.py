@@ -47,7 +47,12 @@ def run(command, check=True, limits=None, environment=None):
             command, stdin=subprocess.DEVNULL, stdout=printed if check else subprocess.DEVNULL,
             stderr=None if check else subprocess.DEVNULL, preexec_fn=limits, env=environment,
         )
-        status = process.wait()
+        try:
+            status = process.wait()
+        except BaseException:  # the trial ends here, and so does what it started
+            process.kill()
+            process.wait()
+            raise
         seconds = time.perf_counter() - begin
         if check and status != 0:
             how = f"was ended by signal {-status}" if status < 0 else f"ended with {status}"
