@@ -144,7 +144,8 @@ def memory(trees, table, rounds):
 def trial(programs, rounds, parts, written):
     with Trees(programs, written) as trees:
         print(machine(trees.folder, cores()))
-        print(f"Medians of {rounds} rounds in turn; files have {'contents' if written else 'lengths and no contents'}.\n")
+        contents = "contents" if written else "lengths and no contents"
+        print(f"Medians of {rounds} rounds in turn; files have {contents}.\n")
         table = Table()
         work = {"measure": measuring, "remove": removing, "chain": chain, "scan": scanning, "memory": memory}
         for part in parts:
