@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <string_view>
+#include <cstdint>
 #include <vector>
 
 // How several walks visit one tree
@@ -20,6 +20,15 @@ namespace brimvault::files {
 namespace {
 
 constexpr int entriesBetweenStops = 64;
+
+// From so many on, the files of a folder are told of in the order of their inodes: the system then comes upon what it
+// keeps together on the disk one after the other. In a listing they stand in no order.
+constexpr std::size_t sortedFiles = 1000;
+
+struct ListedFile {
+    std::uint64_t inode;
+    std::size_t place;  ///< among the names
+};
 
 // Before somebody may have to come back to the folder without its handle.
 bool makeKnown(FolderReference& folder) {
@@ -143,19 +152,26 @@ int TreeWalk::tellWhileListing(FolderReference& folder) {
 
 int TreeWalk::tellAfterListing(FolderReference& folder) {
     std::string files;  // each a kind and a name
+    std::vector<ListedFile> order;
     int count = 0;
     const int code = reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
         if (entry.kind == NodeKind::directory) {
             folder.pendingFolders.append(entry.name).push_back('\0');
         } else {
+            order.push_back({entry.inode, files.size()});
             files.append(1, static_cast<char>(entry.kind)).append(entry.name).push_back('\0');
         }
         return ++count % entriesBetweenStops != 0 || !stop_.stop_requested();
     });
-    for (std::size_t start = 0; start < files.size() && !stop_.stop_requested();) {
-        const std::string_view name(files.c_str() + start + 1);
-        visitor_.onFile(folder.handle, name.data(), static_cast<NodeKind>(files[start]));
-        start += name.size() + 2;
+    if (order.size() >= sortedFiles) {
+        std::sort(order.begin(), order.end(),
+                  [](const auto& left, const auto& right) { return left.inode < right.inode; });
+    }
+    for (const auto& file : order) {
+        if (stop_.stop_requested()) {
+            break;
+        }
+        visitor_.onFile(folder.handle, files.c_str() + file.place + 1, static_cast<NodeKind>(files[file.place]));
     }
     return code;
 }
