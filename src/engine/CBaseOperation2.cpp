@@ -25,7 +25,7 @@ QString holdsSparedText() { return QCoreApplication::translate("Clean", "It hold
 std::set<std::string> sparedPaths(const ItemArray& items) {
     std::set<std::string> paths;
     for (const auto& item : items) {
-        if (!item->ppbChecked() && !item->pfpath().empty()) {
+        if (!item->ppbChecked() && item->hasPath()) {
             paths.insert(item->pfpath().lexically_normal().native());
         }
     }
@@ -50,7 +50,7 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         if (!isToBeCleaned(*item)) {
             continue;
         }
-        const bool hasPath = !item->pfpath().empty();
+        const bool hasPath = item->hasPath();
         if (hasPath && holdsAnyOf(item->pfpath(), spared)) {
             notRemoved.insert(item->ppdisplayName(), holdsSparedText());
         } else if (hasPath) {

@@ -3,7 +3,6 @@
 #include <QString>
 #include <QtGlobal>
 #include <atomic>
-#include <optional>
 
 #include "engine/NameKey.h"
 
@@ -45,7 +44,7 @@ public:
     [[nodiscard]] quint64 ppnSizeSel() const { return getSpace2SaveBySel(); }
 
 protected:
-    void nameChanged() { nameKey_.reset(); }
+    void nameChanged() { nameKey_ = {}; }
 
 private:
     void setMark(std::atomic<bool>& mark, bool value) {
@@ -55,17 +54,17 @@ private:
     }
 
     static inline std::atomic<quint64> marksRevision_ = 0;
+    mutable NameKey nameKey_;
     std::atomic<bool> checked_ = true;
     std::atomic<bool> deletable_ = false;
     std::atomic<bool> watched_ = false;
-    mutable std::optional<NameKey> nameKey_;
 };
 
 inline const NameKey& CleanableItem::nameKey() const {
-    if (!nameKey_) {
-        nameKey_.emplace(ppdisplayKeyName(), ppdisplayName());
+    if (!nameKey_.isMade()) {
+        nameKey_ = NameKey(ppdisplayKeyName(), ppdisplayName());
     }
-    return *nameKey_;
+    return nameKey_;
 }
 
 }  // namespace brimvault::engine

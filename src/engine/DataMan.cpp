@@ -89,7 +89,7 @@ void DataMan::mainThreadClean(Section section, const Notification& notification)
 // What a notification carries may hold the last of very many items, and whoever forgets it last frees them. By then
 // the other observers have forgotten it, and perhaps the model has gone.
 void DataMan::letGoLater(Section section, const Notification& notification) {
-    constexpr std::chrono::seconds others{1};
+    constexpr std::chrono::milliseconds others{200};
     if (const auto items = getArrayPropfromNotification<ItemArray>(notification, vocabulary(section).arrayKey)) {
         QTimer::singleShot(others, qApp, [held = *items]() mutable { letGo(std::move(held)); });
     }

@@ -4,6 +4,7 @@
 #include <QString>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "engine/CleanableItem.h"
 #include "files/NodeStatus.h"
@@ -16,7 +17,8 @@ struct IconSource {
     bool operator==(const IconSource&) const = default;
 };
 
-/// One file or folder that can be removed, of the Downloads, Caches, Trash or Logs section.
+/// One file or folder that can be removed, of the Downloads, Caches, Trash or Logs section. There may be hundreds of
+/// thousands, so that items of one folder share its path.
 class FFItem final : public CleanableItem {
 public:
     /// Name and size in bytes; no path: the item is addressed by its name inside its section's folder.
@@ -27,15 +29,15 @@ public:
     [[nodiscard]] IconSource getDisplayIcon() const { return pIcon_; }
     void setIcon(IconSource icon) { pIcon_ = icon; }
     /// Bytes, to be used as a file name again; `ppdisplayName` is for people.
-    [[nodiscard]] const std::filesystem::path& pfname() const { return pfname_; }
-    void setPfname(const std::filesystem::path& name) {
-        pfname_ = name;
-        nameChanged();
-    }
+    [[nodiscard]] std::filesystem::path pfname() const { return nameBytes(); }
+    void setPfname(const std::filesystem::path& name);
     [[nodiscard]] quint64 pfSize() const { return pfSize_; }
     /// Empty when the item is addressed by its name.
-    [[nodiscard]] const std::filesystem::path& pfpath() const { return pfpath_; }
-    void setPfpath(const std::filesystem::path& path) { pfpath_ = path; }
+    [[nodiscard]] std::filesystem::path pfpath() const { return pathBytes(); }
+    void setPfpath(const std::filesystem::path& path);
+    [[nodiscard]] bool hasPath() const { return holder_ != nullptr; }
+    /// The path as the system takes it, made sooner than a path is; empty when there is none.
+    [[nodiscard]] std::string pathBytes() const;
 
     [[nodiscard]] QString ppdisplayName() const override;
     [[nodiscard]] QString ppdisplayKeyName() const override;
@@ -43,10 +45,17 @@ public:
     [[nodiscard]] quint64 getSpace2SaveBySel() const override { return ppbChecked() && ppbDeletable() ? pfSize_ : 0; }
 
 private:
+    /// What comes before the item's name in its path; or the whole path, where that ends with another name.
+    enum class Holder : quint8 { folder, wholePath };
+
+    [[nodiscard]] const char* nameBytes() const { return pfname_ == nullptr ? "" : pfname_.get(); }
+    void setName(const std::string& bytes);
+
+    Holder holderKind_ = Holder::folder;
     IconSource pIcon_;
-    std::filesystem::path pfname_;
+    std::unique_ptr<char[]> pfname_;  ///< bytes, with a zero byte at their end; null for an empty name
     quint64 pfSize_ = 0;
-    std::filesystem::path pfpath_;
+    std::shared_ptr<const std::string> holder_;  ///< null without a path; of a folder, with the slash at its end
 };
 
 /// Copies share their elements until one is changed, so handing one to another thread costs nothing and what is handed

@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include "platform/FreeMemory.h"
+
 namespace brimvault::engine {
 
 /// Frees what may be the last to hold very many items on another thread: it takes longer than the main thread has. A
@@ -13,8 +15,10 @@ void letGo(Container held) {
     constexpr auto few = 1000;
     if (held.size() > few) {
         // A runnable is copied; what it holds is freed by the last copy, when it has run.
-        QThreadPool::globalInstance()->start(
-            [last = std::make_shared<Container>(std::move(held))]() mutable { last.reset(); });
+        QThreadPool::globalInstance()->start([last = std::make_shared<Container>(std::move(held))]() mutable {
+            last.reset();
+            platform::giveBackFreeMemory();
+        });
     }
 }
 

@@ -1,30 +1,15 @@
 #include "engine/NameKey.h"
 
-#include <QCollator>
-#include <QLocale>
+#include "platform/NameOrder.h"
 
 namespace brimvault::engine {
 
-namespace {
-
-// The plain "C" locale has no order of names and compares bytes.
-QCollator naturalOrder() {
-    const QLocale system = QLocale::system();
-    QCollator collator(system.language() == QLocale::C ? QLocale(QLocale::English) : system);
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    return collator;
+NameKey::NameKey(const QString& keyName, const QString& wholeName) {
+    const auto first = platform::nameSortKey(keyName);
+    const auto second = keyName == wholeName ? std::string() : platform::nameSortKey(wholeName);
+    keys_ = std::make_unique<char[]>(first.size() + second.size() + 2);
+    std::memcpy(keys_.get(), first.c_str(), first.size() + 1);
+    std::memcpy(keys_.get() + first.size() + 1, second.c_str(), second.size() + 1);
 }
-
-// One for each thread, as a collator serves one at a time.
-QCollatorSortKey sortKey(const QString& name) {
-    thread_local const QCollator collator = naturalOrder();
-    return collator.sortKey(name);
-}
-
-}  // namespace
-
-NameKey::NameKey(const QString& keyName, const QString& wholeName)
-    : keyName_(sortKey(keyName)), wholeName_(keyName == wholeName ? keyName_ : sortKey(wholeName)) {}
 
 }  // namespace brimvault::engine

@@ -114,7 +114,7 @@ engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folde
     const auto beginning = folder.native() + "/";
     for (int row = 0; row < model().rowCount(); ++row) {
         const auto& item = model().item(row);
-        if (file(*item).pfpath().native().starts_with(beginning)) {
+        if (file(*item).pathBytes().starts_with(beginning)) {
             inside.append(std::static_pointer_cast<engine::FFItem>(item));
         }
     }

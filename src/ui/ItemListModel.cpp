@@ -76,7 +76,7 @@ void ItemListModel::appendItems(const QList<Item>& items) {
         auto& known = known_[item.get()];
         if (known == nullptr) {
             item->watchMarks();
-            store_.push_back({item, &item->nameKey(), item->ppnSize(), countOf(*item), nextNumber_++});
+            store_.push_back({item, item->ppnSize(), countOf(*item), nextNumber_++});
             known = &store_.back();
             added.push_back(known);
         }
@@ -179,7 +179,7 @@ bool ItemListModel::updateValues() {
     bool changed = false;
     for (auto* row : rows_) {
         const quint64 size = row->item->ppnSize();
-        const quint64 count = countOf(*row->item);
+        const quint32 count = countOf(*row->item);
         changed = changed || size != row->size || count != row->count;
         row->size = size;
         row->count = count;
@@ -204,7 +204,7 @@ void ItemListModel::setAllChecked(bool checked) {
 // --- Order ------------------------------------------------------------------------------------------------------
 
 bool ItemListModel::isNameBefore(const Row* left, const Row* right) {
-    const int result = left->nameKey->compare(*right->nameKey);
+    const int result = left->item->nameKey().compare(right->item->nameKey());
     return result != 0 ? result < 0 : left->number < right->number;
 }
 

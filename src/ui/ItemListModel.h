@@ -81,17 +81,16 @@ Q_SIGNALS:
 private:
     struct Row {
         Item item;
-        const engine::NameKey* nameKey;  ///< the item's
-        quint64 size;                    ///< bytes, as shown
-        quint64 count;                   ///< as shown; 0 where none is
-        int number;                      ///< in the order in which rows came
+        quint64 size;   ///< bytes, as shown
+        quint32 count;  ///< as shown; 0 where none is
+        int number;     ///< in the order in which rows came
         bool gone = false;
     };
     using Rows = std::vector<Row*>;
 
     [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;
-    [[nodiscard]] quint64 countOf(const engine::CleanableItem& item) const {
-        return texts_.count ? texts_.count(item) : 0;
+    [[nodiscard]] quint32 countOf(const engine::CleanableItem& item) const {
+        return texts_.count ? static_cast<quint32>(texts_.count(item)) : 0;
     }
 
     [[nodiscard]] static bool isNameBefore(const Row* left, const Row* right);

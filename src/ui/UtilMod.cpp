@@ -34,7 +34,7 @@ std::filesystem::path standardized(const std::filesystem::path& path) {
 bool isThere(const std::filesystem::path& path) { return path.is_absolute() && files::statusOf(path); }
 
 // An item with a path of its own needs no folder, which would have to be looked up.
-bool hasPath(const engine::FFItem& item) { return !item.pfpath().empty(); }
+bool hasPath(const engine::FFItem& item) { return item.hasPath(); }
 
 }  // namespace
 
