@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "files/BackgroundThread.h"
+
 // An operation waits in `waiting_` until all that it depends on has finished and a place is free, runs in `running_`,
 // and leaves the queue before it is marked finished, so that who waited for it does not find it on the queue. Only two
 // events can make an operation startable: one is added, or one has finished; after each, `startReady` looks.
@@ -71,6 +73,7 @@ void OperationQueue::startReady() {
 }
 
 void OperationQueue::runToEnd(const std::shared_ptr<Operation>& operation) {
+    files::standBack();
     operation->run();
     {
         const std::lock_guard guard(mutex_);

@@ -13,7 +13,7 @@ namespace brimvault::engine {
 
 /// Runs operations on threads of its own, in the order in which they were added, each as soon as it is ready and the
 /// limit allows. An operation is on the queue until it has finished. Any thread may call; destroying the queue cancels
-/// everything and waits.
+/// everything and waits. Its threads stand back for the one that shows the window.
 class OperationQueue {
 public:
     /// Every section at once, an earlier scan of each still returning, and the completions.

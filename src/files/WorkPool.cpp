@@ -5,6 +5,8 @@
 #include <system_error>
 #include <thread>
 
+#include "files/BackgroundThread.h"
+
 namespace brimvault::files {
 
 namespace {
@@ -81,6 +83,7 @@ void WorkPool::startThreads() {
 }
 
 void WorkPool::helpForEver() {
+    standBack();
     std::unique_lock lock(mutex_);
     for (std::size_t inVain = 0;;) {
         offered_.wait(lock, [this] { return !offers_.empty(); });

@@ -13,8 +13,8 @@ namespace brimvault::files {
 
 namespace {
 
-// A thousand entries and more at a time; several times what the C library's own reading takes.
-constexpr std::size_t batchSize = std::size_t{128} * 1024;
+// A thousand entries and more at a time; not so much that the memory is fetched from the system for each reader.
+constexpr std::size_t batchSize = std::size_t{64} * 1024;
 
 // As the kernel writes it, with the name behind it.
 struct RawEntry {

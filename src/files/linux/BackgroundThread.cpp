@@ -1,0 +1,17 @@
+#include "files/BackgroundThread.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace brimvault::files {
+
+namespace {
+
+constexpr int niceness = 5;  // a third of the share that a thread with the usual 0 is given
+
+}  // namespace
+
+// On Linux each thread has a niceness of its own, whatever POSIX says of processes.
+void standBack() { (void)::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness); }
+
+}  // namespace brimvault::files
