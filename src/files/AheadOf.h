@@ -19,7 +19,7 @@ namespace brimvault::files {
 /// Answers that one thread takes in order, and that whoever of the pool has time works out ahead of it. One that is
 /// waited for while another thread is at it leaves time for those after it.
 ///
-/// `answer` is called once for each number below `count`, by several threads at once; where it throws in a helper, it
+/// `answer` is called once for each number below `count`, by several threads at once; where it throws, it
 /// is called again by the thread that takes the answer. After a stop no helper begins another.
 template <typename Answer>
 class AheadOf final : public SharedWork {
@@ -32,7 +32,10 @@ public:
     }
     AheadOf(const AheadOf&) = delete;
     AheadOf& operator=(const AheadOf&) = delete;
-    ~AheadOf() override { WorkPool::shared().withdraw(*this); }
+    ~AheadOf() override {
+        next_.store(answers_.size(), std::memory_order_relaxed);  // what was not taken is not wanted
+        WorkPool::shared().withdraw(*this);
+    }
 
     /// The numbers are given in order, each once. One thread.
     Answer take(std::size_t number) {
@@ -47,7 +50,7 @@ public:
         }
     }
 
-    bool help() override {
+    bool help() noexcept override {
         bool hasHelped = false;
         while (!stop_.stop_requested() && workOutNext()) {
             hasHelped = true;

@@ -1,7 +1,6 @@
 #include "files/MeasuredFolder.h"
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -83,7 +82,13 @@ int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden,
     }
     Batch batch(*opened, status->mount, stop);
     bool goesOn = true;
+    std::size_t listed = 0;
     const int code = opened->forEachEntry([&](const DirectoryEntry& entry) {
+        constexpr std::size_t entriesBetweenStops = 64;
+        if (++listed % entriesBetweenStops == 0 && stop.stop_requested()) {
+            goesOn = false;
+            return false;
+        }
         if (hidden == HiddenEntries::include || entry.name[0] != '.') {
             batch.add(entry);
         }

@@ -108,6 +108,8 @@ public:
             note(code, name);
         } else if (const int refusal = takeAway(parent, name, Kind::emptyFolder); refusal != 0) {
             note(reason(refusal, code), name);
+        } else if (isBeforeFirstFolder()) {
+            report_.noteItemTaken();
         }
     }
 

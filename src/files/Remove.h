@@ -46,6 +46,9 @@ public:
 /// goes on after a failure, so that all that can go goes, and answers the first.
 /// A guard is asked before anything is removed that it could want to keep.
 ///
+/// A large tree is removed by the calling thread and by those of the pool that have nothing else to do, each with fewer
+/// than 16 descriptors open however deep the tree. With a guard it is the calling thread alone, as the guard is asked.
+///
 /// Any thread. A stop is seen before each entry.
 RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop = {},
                       RemovalGuard* guard = nullptr);

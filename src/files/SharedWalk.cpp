@@ -1,7 +1,6 @@
 #include "files/SharedWalk.h"
 
-#include <chrono>
-#include <new>
+#include <memory>
 
 namespace brimvault::files {
 
@@ -11,6 +10,24 @@ namespace {
 constexpr std::chrono::milliseconds aMoment(2);
 
 }  // namespace
+
+// A worker that cannot go on leaves its share undone; who asked for the walk is told in the end.
+template <typename Part>
+bool SharedWalk::work(Part part) noexcept {
+    bool toItsEnd = false;
+    std::exception_ptr trouble;
+    try {
+        toItsEnd = part();
+    } catch (...) {
+        trouble = std::current_exception();
+    }
+    const std::lock_guard lock(mutex_);
+    trouble_ = trouble_ ? trouble_ : trouble;
+    if (--working_ == 0 && shares_.empty()) {
+        changed_.notify_all();
+    }
+    return toItsEnd;
+}
 
 bool SharedWalk::visit(const DirectoryHandle& parent, const char* name) {
     parent_ = &parent;
@@ -23,13 +40,13 @@ bool SharedWalk::visit(const DirectoryHandle& parent, const char* name) {
         }
         WorkPool::shared().withdraw(*this);
     }
-    if (isOutOfMemory_) {
-        throw std::bad_alloc();
+    if (trouble_) {
+        std::rethrow_exception(trouble_);
     }
     return toItsEnd && !stop_.stop_requested();
 }
 
-bool SharedWalk::help() {
+bool SharedWalk::help() noexcept {
     auto share = awaitShare(aMoment);
     if (!share) {
         return false;
@@ -47,23 +64,6 @@ bool SharedWalk::help() {
         });
     }
     return true;
-}
-
-// A worker that finds no memory leaves its share undone; who asked for the walk is told in the end.
-bool SharedWalk::work(const std::function<bool()>& part) {
-    bool toItsEnd = false;
-    bool isOutOfMemory = false;
-    try {
-        toItsEnd = part();
-    } catch (const std::bad_alloc&) {
-        isOutOfMemory = true;
-    }
-    const std::lock_guard lock(mutex_);
-    isOutOfMemory_ = isOutOfMemory_ || isOutOfMemory;
-    if (--working_ == 0 && shares_.empty()) {
-        changed_.notify_all();
-    }
-    return toItsEnd;
 }
 
 std::optional<FolderReference> SharedWalk::awaitShare(std::optional<std::chrono::milliseconds> longest) {

@@ -5,7 +5,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
-#include <functional>
+#include <exception>
 #include <mutex>
 #include <optional>
 #include <stop_token>
@@ -19,14 +19,14 @@ namespace brimvault::files {
 /// Used once, by one thread.
 class SharedWalk final : public SharedWork, private Fellows {
 public:
-    /// The visitor is told by the calling thread, visitors that it makes by the others.
+    /// The visitor is told by the calling thread, visitors that it makes (`another`) by the others.
     SharedWalk(TreeVisitor& visitor, std::stop_token stop) : visitor_(visitor), stop_(std::move(stop)) {}
 
     /// The folder is a name in an open folder. Returns when nobody is at work any more: false when the walk was stopped
-    /// before its end. Throws std::bad_alloc when one of the workers found no memory.
+    /// before its end. Throws what kept one of the workers from going on: where memory ran out, std::bad_alloc.
     [[nodiscard]] bool visit(const DirectoryHandle& parent, const char* name);
 
-    bool help() override;
+    bool help() noexcept override;
     [[nodiscard]] const std::stop_token& stopToken() const override { return stop_; }
 
 private:
@@ -34,7 +34,8 @@ private:
     void give(FolderReference share) override;
     void onLargeTree() override;
 
-    bool work(const std::function<bool()>& part);
+    template <typename Part>
+    bool work(Part part) noexcept;
     /// The next share, which counts as worked on from then; none once all is done, or when it takes too long.
     std::optional<FolderReference> awaitShare(std::optional<std::chrono::milliseconds> longest);
     void updateWish() { isShareWanted_.store(waiting_ > shares_.size(), std::memory_order_relaxed); }
@@ -48,9 +49,9 @@ private:
     std::mutex mutex_;  ///< protects what follows
     std::condition_variable changed_;
     std::deque<FolderReference> shares_;
-    std::size_t waiting_ = 0;  ///< threads that wait for a share
-    int working_ = 0;          ///< threads that could still give one
-    bool isOutOfMemory_ = false;
+    std::size_t waiting_ = 0;     ///< threads that wait for a share
+    int working_ = 0;             ///< threads that could still give one
+    std::exception_ptr trouble_;  ///< the first; of a worker that could not go on
 };
 
 }  // namespace brimvault::files

@@ -53,6 +53,7 @@ protected:
         return place_ == nullptr ? std::filesystem::path(name) : place_->position() / name;
     }
 
+    [[nodiscard]] bool isBeforeFirstFolder() const { return place_ == nullptr; }
     [[nodiscard]] bool isInFirstFolder() const { return place_ != nullptr && place_->holder == nullptr; }
 
 private:

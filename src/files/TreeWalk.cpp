@@ -40,30 +40,32 @@ bool makeKnown(FolderReference& folder) {
     return folder.folder->place.has_value();
 }
 
-// The folder and all that hold it; below a known one all are.
-bool makeKnownDownFrom(StackItem& from) {
-    for (auto* item = &from; item != nullptr && !item->fsref.folder->place; item = item->prevItem.get()) {
-        if (!makeKnown(item->fsref)) {
-            return false;
-        }
+// The folder and all that hold it.
+bool makeKnownWithHolders(StackItem& from) {
+    bool areKnown = true;
+    for (auto* item = &from; item != nullptr; item = item->prevItem.get()) {
+        areKnown = makeKnown(item->fsref) && areKnown;
     }
-    return true;
+    return areKnown;
 }
 
-// Whether the part of a folder that ends here was its last; if not, it is left to others, as a part of the one above.
-bool wasLastPart(VisitedFolder& folder, VisitedFolder& above) {
+// Whether the part of a folder that ends here was its last; if not, it is left to others, as a part of its holder.
+bool wasLastPart(VisitedFolder& folder, VisitedFolder& holder) {
     if (folder.parts.load(std::memory_order_acquire) == 1) {
         return true;  // only who works in it could give a part away
     }
-    above.parts.fetch_add(1, std::memory_order_relaxed);
+    holder.parts.fetch_add(1, std::memory_order_relaxed);
     const bool wasLast = folder.parts.fetch_sub(1, std::memory_order_acq_rel) == 1;
     if (wasLast) {
-        above.parts.fetch_sub(1, std::memory_order_relaxed);
+        holder.parts.fetch_sub(1, std::memory_order_relaxed);
     }
     return wasLast;
 }
 
 bool isOutOfDescriptors(int code) { return code == EMFILE || code == ENFILE; }
+
+// One that holds so many entries counts as two.
+constexpr int entriesLikeAFolder = 16;
 
 }  // namespace
 
@@ -76,6 +78,7 @@ bool TreeWalk::visit(const char* name) {
 }
 
 bool TreeWalk::visitShare(FolderReference share) {
+    stack_.clearStack();  // of what was not finished
     stack_.pushItem(std::make_unique<StackItem>(std::move(share)));
     return visitPending();
 }
@@ -129,7 +132,9 @@ void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> fold
     visitor_.onFolderEntered(entered.handle);
     holdNoMoreThan(heldFolders);
     entered.folder->listingCode = listEntries(entered);
-    if (++seenFolders_ == largeTree && fellows_ != nullptr) {
+    const bool wasLarge = seen_ >= largeTree;
+    seen_ += 1 + listed_ / entriesLikeAFolder;
+    if (!wasLarge && seen_ >= largeTree && fellows_ != nullptr) {
         fellows_->onLargeTree();
     }
 }
@@ -139,21 +144,21 @@ int TreeWalk::listEntries(FolderReference& folder) {
 }
 
 int TreeWalk::tellWhileListing(FolderReference& folder) {
-    int count = 0;
+    listed_ = 0;
     return reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
         if (entry.kind == NodeKind::directory) {
             folder.pendingFolders.append(entry.name).push_back('\0');
         } else {
             visitor_.onFile(folder.handle, entry.name, entry.kind);
         }
-        return ++count % entriesBetweenStops != 0 || !stop_.stop_requested();
+        return ++listed_ % entriesBetweenStops != 0 || !stop_.stop_requested();
     });
 }
 
 int TreeWalk::tellAfterListing(FolderReference& folder) {
     std::string files;  // each a kind and a name
     std::vector<ListedFile> order;
-    int count = 0;
+    listed_ = 0;
     const int code = reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
         if (entry.kind == NodeKind::directory) {
             folder.pendingFolders.append(entry.name).push_back('\0');
@@ -161,7 +166,7 @@ int TreeWalk::tellAfterListing(FolderReference& folder) {
             order.push_back({entry.inode, files.size()});
             files.append(1, static_cast<char>(entry.kind)).append(entry.name).push_back('\0');
         }
-        return ++count % entriesBetweenStops != 0 || !stop_.stop_requested();
+        return ++listed_ % entriesBetweenStops != 0 || !stop_.stop_requested();
     });
     if (order.size() >= sortedFiles) {
         std::sort(order.begin(), order.end(),
@@ -176,13 +181,13 @@ int TreeWalk::tellAfterListing(FolderReference& folder) {
     return code;
 }
 
-// Those nearest to the top stay open.
+// Those nearest to where the walk is stay open.
 void TreeWalk::holdNoMoreThan(int folders) {
     StackItem* item = stack_.topItem();
     for (int step = 0; item != nullptr && step < folders; ++step) {
         item = item->prevItem.get();
     }
-    // Below the first closed one all are.
+    // What holds a closed one is closed.
     for (; item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
         if (makeKnown(item->fsref)) {
             item->fsref.handle.close();
@@ -200,7 +205,7 @@ void TreeWalk::giveShare() {
         return;
     }
     auto handle = from->fsref.handle.duplicate();
-    if (!handle || !makeKnownDownFrom(*from)) {
+    if (!handle || !makeKnownWithHolders(*from)) {
         return;
     }
     from->fsref.folder->parts.fetch_add(1, std::memory_order_relaxed);
@@ -209,51 +214,55 @@ void TreeWalk::giveShare() {
 
 bool TreeWalk::leave() {
     const auto left = stack_.popItem();
-    auto* below = stack_.topItem();
-    if (below == nullptr) {
+    auto* top = stack_.topItem();
+    if (top == nullptr) {
         return leaveLast(std::move(left->fsref));
     }
-    auto& above = below->fsref;
-    visitor_.setPlace(above.folder.get());
-    if (!returnTo(above, left->fsref)) {
+    auto& holder = top->fsref;
+    visitor_.setPlace(holder.folder.get());
+    if (!returnTo(holder, left->fsref)) {
         return false;
     }
-    if (wasLastPart(*left->fsref.folder, *above.folder)) {
-        visitor_.onFolderLeft(above.handle, *left->fsref.folder);
+    if (wasLastPart(*left->fsref.folder, *holder.folder)) {
+        visitor_.onFolderLeft(holder.handle, *left->fsref.folder);
     }
     return true;
 }
 
-bool TreeWalk::returnTo(FolderReference& below, const FolderReference& left) {
-    if (below.handle.isOpen()) {
+bool TreeWalk::returnTo(FolderReference& holder, const FolderReference& left) {
+    if (holder.handle.isOpen()) {
         return true;
     }
-    auto reopened = left.handle.openParent(*below.folder->place);
+    auto reopened = left.handle.openParent(*holder.folder->place);
+    if (!reopened && isOutOfDescriptors(reopened.code())) {
+        holdNoMoreThan(0);
+        reopened = left.handle.openParent(*holder.folder->place);
+    }
     if (!reopened) {
         visitor_.onWayLost(left.folder->name.c_str(), reopened.code());
         stack_.clearStack();
         return false;
     }
-    below.handle = std::move(*reopened);
+    holder.handle = std::move(*reopened);
     return true;
 }
 
 // The last of this walk, though perhaps not of the tree: as far up as nobody else is at work.
 bool TreeWalk::leaveLast(FolderReference left) {
     while (left.folder->parts.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        const auto above = left.folder->holder;
-        visitor_.setPlace(above.get());
-        if (above == nullptr) {
+        const auto holder = left.folder->holder;
+        visitor_.setPlace(holder.get());
+        if (holder == nullptr) {
             visitor_.onFolderLeft(outermost_, *left.folder);
             return true;
         }
-        auto handle = left.handle.openParent(*above->place);
+        auto handle = left.handle.openParent(holder->place.value_or(NodePlace()));
         if (!handle) {
             visitor_.onWayLost(left.folder->name.c_str(), handle.code());
             return false;
         }
         visitor_.onFolderLeft(*handle, *left.folder);
-        left = FolderReference{above, std::move(*handle), {}};
+        left = FolderReference{holder, std::move(*handle), {}};
     }
     return true;
 }

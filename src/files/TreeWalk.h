@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <memory>
 #include <stop_token>
 #include <string>
 
@@ -33,7 +33,7 @@ class TreeWalk {
 public:
     /// One for the folder that holds the item, one for a share and two in passing come on top: below 16.
     static constexpr int heldFolders = 10;
-    /// What a walk sees before it calls for others.
+    /// The folders that a walk sees before it calls for others; fewer, if they are large.
     static constexpr int largeTree = 64;
 
     TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop, Fellows* fellows = nullptr)
@@ -57,7 +57,7 @@ private:
     void giveShare();
 
     bool leave();
-    bool returnTo(FolderReference& below, const FolderReference& left);
+    bool returnTo(FolderReference& holder, const FolderReference& left);
     bool leaveLast(FolderReference left);
 
     TreeVisitor& visitor_;
@@ -66,7 +66,8 @@ private:
     Fellows* const fellows_;
     StackCollection stack_;
     DirectoryReader reader_;
-    int seenFolders_ = 0;
+    int listed_ = 0;  ///< entries of the folder listed last
+    int seen_ = 0;    ///< folders, large ones counted several times
 };
 
 }  // namespace brimvault::files

@@ -1,9 +1,14 @@
 #include "files/WorkPool.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "files/BackgroundThread.h"
 
@@ -16,9 +21,21 @@ constexpr std::chrono::microseconds untilAskedAgain(500);
 
 }  // namespace
 
+WorkPool::WorkPool(bool mayStart) : process_(::getpid()), mayStart_(mayStart) {}
+
+// Never destroyed: its threads may outlive everything else. A fork leaves the threads behind, and perhaps a lock that
+// one of them held for ever held.
 WorkPool& WorkPool::shared() {
-    static auto* const pool = new WorkPool;  // never destroyed: its threads may outlive everything else
-    return *pool;
+    static std::atomic<WorkPool*> pool = new WorkPool(true);
+    auto* known = pool.load();
+    if (known->process_ != ::getpid()) {
+        auto* const own = new WorkPool(false);
+        if (pool.compare_exchange_strong(known, own)) {
+            return *own;
+        }
+        delete own;
+    }
+    return *known;
 }
 
 void WorkPool::offer(SharedWork& work) {
@@ -40,9 +57,12 @@ void WorkPool::withdraw(SharedWork& work) {
 }
 
 bool WorkPool::helpFellowsOf(const SharedWork& work) {
+    const auto isFellow = [&](const Offer& offer) {
+        const auto& token = offer.work->stopToken();
+        return offer.work != &work && token.stop_possible() && token == work.stopToken();
+    };
     std::unique_lock lock(mutex_);
-    return helpOne(
-        lock, [&](const Offer& offer) { return offer.work != &work && offer.work->stopToken() == work.stopToken(); });
+    return helpOne(lock, isFellow);
 }
 
 // The work with the fewest helpers; of these, the one that was helped with the longest time ago.
@@ -67,15 +87,23 @@ bool WorkPool::helpOne(std::unique_lock<std::mutex>& lock, const std::function<b
     return hasHelped;
 }
 
+// What each holds open of a deep tree is to fit into what the process may.
+unsigned WorkPool::threadsToStart() {
+    constexpr rlim_t descriptorsEach = 32;
+    rlimit descriptors{};
+    const bool isKnown = ::getrlimit(RLIMIT_NOFILE, &descriptors) == 0;
+    const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
+    const rlim_t fitting = isKnown ? descriptors.rlim_cur / descriptorsEach : mostThreads;
+    return static_cast<unsigned>(std::min<rlim_t>({processors - 1, mostThreads, fitting}));
+}
+
 // Called with the lock held. Where the system gives no thread, there is one helper less.
 void WorkPool::startThreads() {
-    if (started_) {
+    if (!std::exchange(mayStart_, false)) {
         return;
     }
-    started_ = true;
-    const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
     try {
-        for (unsigned count = 0; count < std::min(processors - 1, mostThreads); ++count) {
+        for (unsigned count = threadsToStart(); count > 0; --count) {
             std::thread([this] { helpForEver(); }).detach();
         }
     } catch (const std::system_error&) {

@@ -14,8 +14,8 @@ class SharedWork {
 public:
     virtual ~SharedWork() = default;
     /// Does of it what there is to do, and returns once that is nothing: false when it was nothing from the beginning.
-    /// Called by several threads at once; throws nothing.
-    virtual bool help() = 0;
+    /// Called by several threads at once.
+    virtual bool help() noexcept = 0;
     /// With whom it ends. Work of the same token serves the same caller.
     [[nodiscard]] virtual const std::stop_token& stopToken() const = 0;
 };
@@ -28,7 +28,8 @@ public:
     /// deep tree is to fit into what a process may.
     static constexpr unsigned mostThreads = 15;
 
-    /// One for the process; its threads start with the first work offered, and end with the process.
+    /// One for the process; its threads start with the first work offered, and end with the process. A process that was
+    /// forked from one with threads has none, and does its work alone.
     static WorkPool& shared();
 
     WorkPool(const WorkPool&) = delete;
@@ -38,7 +39,8 @@ public:
     void offer(SharedWork& work);
     /// Returns when nobody helps with it any more, and nobody will.
     void withdraw(SharedWork& work);
-    /// Helps, on the calling thread, with work of the same token other than this; false when there is nothing to do.
+    /// Helps, on the calling thread, with other work of the same token, if that can be stopped at all; false when there
+    /// is nothing to do.
     bool helpFellowsOf(const SharedWork& work);
 
 private:
@@ -49,16 +51,18 @@ private:
     };
     using Offers = std::list<Offer>;
 
-    WorkPool() = default;
+    explicit WorkPool(bool mayStart);
+    static unsigned threadsToStart();
     void startThreads();
     void helpForEver();
     bool helpOne(std::unique_lock<std::mutex>& lock, const std::function<bool(const Offer&)>& chosen);
 
-    std::mutex mutex_;  ///< protects what follows
+    const int process_;  ///< whose it is
+    std::mutex mutex_;   ///< protects what follows
     std::condition_variable offered_;
     std::condition_variable left_;
     Offers offers_;
-    bool started_ = false;
+    bool mayStart_;
 };
 
 }  // namespace brimvault::files

@@ -12,6 +12,11 @@ constexpr int niceness = 5;  // a third of the share that a thread with the usua
 }  // namespace
 
 // On Linux each thread has a niceness of its own, whatever POSIX says of processes.
-void standBack() { (void)::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness); }
+void standBack() {
+    const auto thread = static_cast<id_t>(::gettid());
+    if (::getpriority(PRIO_PROCESS, thread) < niceness) {
+        (void)::setpriority(PRIO_PROCESS, thread, niceness);
+    }
+}
 
 }  // namespace brimvault::files

@@ -35,7 +35,7 @@ NodeKind kindOf(int directory, std::uint8_t type, const char* name) {
             return NodeKind::link;
         case DT_UNKNOWN: {  // some file systems keep no kinds in their listings
             const auto status = statusAt(directory, name);
-            return status ? status->kind : NodeKind::other;
+            return status ? status->kind : NodeKind::directory;  // opening it as one tells what it is
         }
         default:
             return NodeKind::other;

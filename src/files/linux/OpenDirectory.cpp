@@ -39,15 +39,15 @@ bool canOpenAtOnce() {
         if (root >= 0) {
             ::close(root);
         }
-        return root >= 0;
+        // Any other failure says nothing of the next call.
+        return root >= 0 || (errno != ENOSYS && errno != EPERM && errno != EINVAL && errno != E2BIG);
     }();
     return can;
 }
 
-int closeAndFail(int descriptor, int code) {
+void closeKeepingCode(int descriptor, int code) {
     ::close(descriptor);
     errno = code;
-    return -1;
 }
 
 int openStepwiseOnSameMount(int directory, const char* name) {
@@ -62,7 +62,8 @@ int openStepwiseOnSameMount(int directory, const char* name) {
     }
     const auto status = statusAt(opened, "");
     if (!status || status->mount == 0 || status->mount != holder->mount) {
-        return closeAndFail(opened, status ? EXDEV : status.code());
+        closeKeepingCode(opened, status ? EXDEV : status.code());
+        return -1;
     }
     return opened;
 }
@@ -77,7 +78,7 @@ int openStepwiseWithoutLinks(const char* path) {
             continue;  // a slash at the end
         }
         const int next = open(opened, part.c_str(), passThrough);
-        (void)closeAndFail(opened, errno);
+        closeKeepingCode(opened, errno);
         opened = next;
     }
     return opened;
