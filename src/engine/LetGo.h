@@ -14,9 +14,9 @@ template <typename Container>
 void letGo(Container held) {
     constexpr auto few = 1000;
     if (held.size() > few) {
-        // A runnable is copied; what it holds is freed by the last copy, when it has run.
+        // A runnable is copied; what it holds is freed before the memory is given back, not with its last copy.
         QThreadPool::globalInstance()->start([last = std::make_shared<Container>(std::move(held))]() mutable {
-            last.reset();
+            *last = Container();
             platform::giveBackFreeMemory();
         });
     }
