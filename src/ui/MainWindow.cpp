@@ -1,8 +1,12 @@
 #include "ui/MainWindow.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QScreen>
+#include <chrono>
+#include <cmath>
 
 #include "ui/ImageLoad.h"
 #include "ui/Look.h"
@@ -13,6 +17,12 @@ namespace {
 
 constexpr QSize usualSize(1000, 660);
 constexpr QSize leastSize(860, 560);
+
+std::chrono::milliseconds timeOfPicture(const QScreen& screen) {
+    constexpr qreal usualRate = 60;
+    const qreal rate = screen.refreshRate();
+    return std::chrono::milliseconds(std::lround(1000 / (rate > 1 ? rate : usualRate)));
+}
 
 }  // namespace
 
@@ -43,6 +53,10 @@ MainWindow::MainWindow(QWidget* parent)
     layout->addWidget(sidebar_);
     layout->addWidget(right_, 1);
     setCentralWidget(content);
+    nextPicture_.setSingleShot(true);
+    nextPicture_.setTimerType(Qt::PreciseTimer);
+    connect(&nextPicture_, &QTimer::timeout, this,
+            [this] { QCoreApplication::postEvent(this, new QEvent(QEvent::UpdateRequest), Qt::LowEventPriority); });
 }
 
 void MainWindow::showLists() {
@@ -50,6 +64,19 @@ void MainWindow::showLists() {
         lists_->adoptDrawer(pDrawer_, pbtnLangs_);
         right_->setCurrentWidget(lists_);
     }
+}
+
+// A scan changes something hundreds of times a second. Until a request is granted no other is made, and what has
+// changed meanwhile is drawn with it.
+bool MainWindow::event(QEvent* event) {
+    if (event->type() == QEvent::UpdateRequest) {
+        if (!lastPicture_.hasExpired()) {
+            nextPicture_.start(static_cast<int>(lastPicture_.remainingTime()));
+            return true;
+        }
+        lastPicture_.setRemainingTime(timeOfPicture(*screen()), Qt::PreciseTimer);
+    }
+    return QMainWindow::event(event);
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QMainWindow>
 #include <QStackedWidget>
+#include <QTimer>
 #include <functional>
 
 #include "ui/IconButton.h"
@@ -13,7 +15,7 @@
 namespace brimvault::ui {
 
 /// The window: the sections on the left, the start page or the lists on the right. It holds what is shown and decides
-/// nothing. Main thread.
+/// nothing. However often its contents change, it is drawn no more often than its screen shows pictures. Main thread.
 class MainWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -34,6 +36,7 @@ public:
     void setMayClose(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -45,6 +48,8 @@ private:
     LanguagesDrawer* pDrawer_;
     IconButton* pbtnLangs_;
     std::function<bool()> mayClose_;
+    QDeadlineTimer lastPicture_;  ///< expires when the screen is ready for the next
+    QTimer nextPicture_;
 };
 
 }  // namespace brimvault::ui
