@@ -52,6 +52,10 @@ ItemListModel::ItemListModel(Texts texts, QObject* parent) : QAbstractTableModel
 ItemListModel::~ItemListModel() { engine::letGo(std::move(store_)); }
 
 int ItemListModel::setItems(const QList<Item>& items, int row) {
+    if (items.isEmpty() && !rows_.empty()) {
+        removeAll();
+        return 0;
+    }
     QSet<const engine::CleanableItem*> wanted;
     wanted.reserve(items.size());
     for (const auto& item : items) {
