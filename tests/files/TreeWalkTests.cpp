@@ -1,12 +1,21 @@
 #include "files/TreeWalk.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstddef>
 #include <functional>
 #include <iterator>
+#include <vector>
 
+#include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 #include "support/TemporaryFolder.h"
 
@@ -44,6 +53,31 @@ private:
         meanwhile(line);
     }
 };
+
+// One who always has nothing to do, and keeps what he is given.
+class IdleFellow final : public files::Fellows {
+public:
+    [[nodiscard]] bool wantShare() const override { return true; }
+    void give(files::FolderReference share) override { shares.push_back(std::move(share)); }
+    void onLargeTree() override {}
+
+    std::vector<files::FolderReference> shares;
+};
+
+// From now on the system fails to tell of an open folder what it is. In a child process. False when it cannot be.
+bool refuseToTellOfDescriptors() {
+    constexpr auto flags = offsetof(seccomp_data, args[2]);
+    std::array<sock_filter, 6> program = {{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_statx, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, flags),
+        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, AT_EMPTY_PATH, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EIO),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    const sock_fprog filter{program.size(), program.data()};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
 
 bool walk(Recorder& recorder, const fs::path& folder, const std::stop_token& stop = {}) {
     const auto parent = DirectoryHandle::open(folder.parent_path());
@@ -156,6 +190,33 @@ TEST(TreeWalk, StopsBeforeTheNextEntry) {
     };
     EXPECT_FALSE(walk(recorder, folder / "top", stop.get_token()));
     EXPECT_EQ(recorder.lines.size(), 4U);
+}
+
+TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
+    const TemporaryFolder folder;
+    for (const char* name : {"top/a/file", "top/b/file", "top/c/file", "top/d/file"}) {
+        writeFile(folder / name, "");
+    }
+    const auto visit = [&](IdleFellow& fellow) {
+        Recorder recorder;
+        const auto parent = DirectoryHandle::open(folder.path());
+        (void)TreeWalk(recorder, *parent, {}, &fellow).visit("top");
+        return std::count(recorder.lines.begin(), recorder.lines.end(), "file file");
+    };
+    IdleFellow fellow;
+    EXPECT_LT(visit(fellow), 4);
+    EXPECT_FALSE(fellow.shares.empty());
+
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        IdleFellow fellowInChild;
+        if (!refuseToTellOfDescriptors()) {
+            return cannotTry("the system takes no filter of its calls");
+        }
+        const auto files = visit(fellowInChild);
+        return fellowInChild.shares.empty() && files == 4
+                   ? ""
+                   : std::to_string(fellowInChild.shares.size()) + " given away, " + std::to_string(files) + " visited";
+    });
 }
 
 }  // namespace brimvault::tests
