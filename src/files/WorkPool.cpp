@@ -92,9 +92,9 @@ unsigned WorkPool::threadsToStart() {
     constexpr rlim_t descriptorsEach = 32;
     rlimit descriptors{};
     const bool isKnown = ::getrlimit(RLIMIT_NOFILE, &descriptors) == 0;
-    const unsigned processors = std::max(std::thread::hardware_concurrency(), 1U);
+    const unsigned wanted = 2 * std::max(std::thread::hardware_concurrency(), 1U) - 1;
     const rlim_t fitting = isKnown ? descriptors.rlim_cur / descriptorsEach : mostThreads;
-    return static_cast<unsigned>(std::min<rlim_t>({processors - 1, mostThreads, fitting}));
+    return static_cast<unsigned>(std::min<rlim_t>({wanted, mostThreads, fitting}));
 }
 
 // Called with the lock held. Where the system gives no thread, there is one helper less.

@@ -24,8 +24,8 @@ public:
 /// with no thread to be had it is done, later. Any thread.
 class WorkPool {
 public:
-    /// One less than there are processors, as who offers works too, and no more than this: what each holds open of a
-    /// deep tree is to fit into what a process may.
+    /// With who offers the work two for each processor, as one of them may wait for the disk; and no more than this:
+    /// what each holds open of a deep tree is to fit into what a process may.
     static constexpr unsigned mostThreads = 15;
 
     /// One for the process; its threads start with the first work offered, and end with the process. A process that was

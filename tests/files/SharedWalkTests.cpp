@@ -1,5 +1,4 @@
-// Trees that several threads visit at once. On a machine of one processor there is nobody to help, and all of this
-// holds all the same.
+// Trees that several threads visit at once.
 
 #include "files/SharedWalk.h"
 
@@ -54,8 +53,6 @@ private:
     const std::function<void()>& onFile_;
 };
 
-bool hasHelpers() { return std::thread::hardware_concurrency() > 1; }
-
 }  // namespace
 
 TEST(SharedWalk, MeasuresALargeTreeAsOneThreadWould) {
@@ -67,9 +64,6 @@ TEST(SharedWalk, MeasuresALargeTreeAsOneThreadWould) {
 }
 
 TEST(SharedWalk, IsHelpedWith) {
-    if (!hasHelpers()) {
-        GTEST_SKIP() << "one processor: there is nobody to help";
-    }
     const TemporaryFolder folder;
     (void)makeBushyChain(folder / "top", 40, 8);
     // The walk goes on when two threads have met in it; alone, it would wait for ever.
