@@ -15,10 +15,12 @@ std::string FolderReference::takePendingFolder() {
 }
 
 std::string FolderReference::takeHalfOfPending() {
-    const auto middle = pendingFolders.find('\0', pendingFolders.size() / 2);
-    const auto end = middle == std::string::npos ? pendingFolders.size() : middle + 1;
-    std::string taken = pendingFolders.substr(0, end);
-    pendingFolders.erase(0, end);
+    auto last = pendingFolders.rfind('\0', pendingFolders.size() / 2 - 1);
+    if (last == std::string::npos) {
+        last = pendingFolders.find('\0');
+    }
+    std::string taken = pendingFolders.substr(0, last + 1);
+    pendingFolders.erase(0, last + 1);
     return taken;
 }
 

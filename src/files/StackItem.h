@@ -18,8 +18,9 @@ struct FolderReference {
 
     /// The next subfolder to visit, taken off the list; empty when there is none.
     std::string takePendingFolder();
-    /// About half of the names, those that would come last; all when there is one.
+    /// About half of the names, those that would come last; of two or more at least one stays, a single one does not.
     std::string takeHalfOfPending();
+    [[nodiscard]] bool hasSeveralPending() const { return pendingFolders.find('\0') + 1 < pendingFolders.size(); }
 };
 
 /// One element of a StackCollection.

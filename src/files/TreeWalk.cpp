@@ -195,10 +195,13 @@ void TreeWalk::holdNoMoreThan(int folders) {
     }
 }
 
-// From the folder nearest to the tree's top among those held open.
+// From the folder nearest to the tree's top among those held open. Who gives keeps something: or a last folder would be
+// handed to and fro between two who have nothing else.
 void TreeWalk::giveShare() {
-    StackItem* from = nullptr;
-    for (auto* item = stack_.topItem(); item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
+    auto* const top = stack_.topItem();
+    StackItem* from = top->fsref.hasSeveralPending() ? top : nullptr;
+    for (auto* item = top->prevItem.get(); item != nullptr && item->fsref.handle.isOpen();
+         item = item->prevItem.get()) {
         from = item->fsref.pendingFolders.empty() ? from : item;
     }
     if (from == nullptr) {

@@ -51,4 +51,28 @@ TEST(FolderReference, TakesItsPendingFoldersOneByOneFromTheEnd) {
     EXPECT_EQ(item->fsref.takePendingFolder(), "");
 }
 
+TEST(FolderReference, GivesHalfOfItsPendingFoldersAndKeepsSomeOfSeveral) {
+    const auto item = folderNamed("top");
+    auto& folder = item->fsref;
+    const auto giveHalfOf = [&](const std::string& names) {
+        folder.pendingFolders = names;
+        const auto given = folder.takeHalfOfPending();
+        EXPECT_EQ(given + folder.pendingFolders, names);
+        return given;
+    };
+    using namespace std::string_literals;
+    EXPECT_EQ(giveHalfOf("a\0b\0c\0d\0"s), "a\0b\0"s);
+    EXPECT_EQ(giveHalfOf("a\0b\0c\0"s), "a\0"s);
+    EXPECT_EQ(giveHalfOf("a\0b\0"s), "a\0"s);
+    EXPECT_EQ(giveHalfOf("a very long one\0b\0"s), "a very long one\0"s);
+    EXPECT_EQ(giveHalfOf("a\0a very long one\0"s), "a\0"s);
+    EXPECT_EQ(giveHalfOf("a\0"s), "a\0"s);
+    EXPECT_EQ(giveHalfOf(""), "");
+    EXPECT_FALSE(folder.hasSeveralPending());
+    folder.pendingFolders = "a\0"s;
+    EXPECT_FALSE(folder.hasSeveralPending());
+    folder.pendingFolders = "a\0b\0"s;
+    EXPECT_TRUE(folder.hasSeveralPending());
+}
+
 }  // namespace brimvault::tests

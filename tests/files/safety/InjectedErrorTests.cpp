@@ -46,7 +46,9 @@ bool isAtOrBelow(const fs::path& inner, const fs::path& outer) {
 }
 
 // By name, the most calls that any one thread made: strace counts for each thread from one on.
-std::map<std::string, int> callsIn(const std::string& trace) {
+using Calls = std::map<std::string, int>;
+
+Calls callsIn(const std::string& trace) {
     std::map<std::string, std::map<std::string, int>> callsOfThreads;
     std::istringstream lines(trace);
     for (std::string thread, call; lines >> thread >> call; lines.ignore(65536, '\n')) {
@@ -55,7 +57,7 @@ std::map<std::string, int> callsIn(const std::string& trace) {
             ++callsOfThreads[name][thread];
         }
     }
-    std::map<std::string, int> most;
+    Calls most;
     for (const auto& [name, threads] : callsOfThreads) {
         for (const auto& [thread, count] : threads) {
             most[name] = std::max(most[name], count);
@@ -132,13 +134,14 @@ protected:
     }
 
     // The calls of a removal in which nothing fails. None where nothing can be traced.
-    std::map<std::string, int> callsOfRemoval(const Making& make) {
+    Calls callsOfRemoval(const Making& make) {
         make();
         const auto traced = TracedRemoval::run(tree_, {"--trace=%file,%desc"});
         untried_ = traced.untried;
         if (untried_.empty()) {
             EXPECT_EQ(traced.trouble, "");
             EXPECT_FALSE(isThere(tree_)) << traced.trace;
+            EXPECT_NE(callsIn(traced.trace), Calls()) << "nothing was seen of the removal";
         }
         return callsIn(traced.trace);
     }
