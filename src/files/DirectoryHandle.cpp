@@ -22,6 +22,11 @@ Result<DirectoryHandle> DirectoryHandle::open(const std::filesystem::path& path,
     return onWay ? openTold(path, onWay) : adopt(openWithoutLinks(path.c_str()));
 }
 
+Result<DirectoryHandle> DirectoryHandle::openForReading(const std::filesystem::path& path) {
+    auto passed = open(path);
+    return passed ? passed->reopenForReading() : std::move(passed);
+}
+
 // Name by name: what is told is known of the very folders that were passed.
 Result<DirectoryHandle> DirectoryHandle::openTold(const std::filesystem::path& path, const OnWay& onWay) {
     auto handle = adopt(openWithoutLinks("/"));
@@ -85,11 +90,7 @@ int DirectoryHandle::forEachEntry(const std::function<bool(const DirectoryEntry&
 
 int forEachChild(const std::filesystem::path& folder, HiddenEntries hidden,
                  const std::function<bool(const DirectoryEntry&)>& call) {
-    const auto passed = DirectoryHandle::open(folder);
-    if (!passed) {
-        return passed.code();
-    }
-    const auto opened = passed->reopenForReading();
+    const auto opened = DirectoryHandle::openForReading(folder);
     if (!opened) {
         return opened.code();
     }

@@ -19,6 +19,8 @@ public:
     /// a relative path or one with "..". The handle serves to reach what is inside; it cannot be listed itself. `onWay`
     /// is told of every folder that is opened, from the root on.
     static Result<DirectoryHandle> open(const std::filesystem::path& path, const OnWay& onWay = {});
+    /// The same for a directory that is to be listed.
+    static Result<DirectoryHandle> openForReading(const std::filesystem::path& path);
 
     DirectoryHandle(DirectoryHandle&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
     DirectoryHandle& operator=(DirectoryHandle&& other) noexcept;

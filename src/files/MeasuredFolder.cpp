@@ -66,16 +66,11 @@ private:
     std::vector<Listed> listed_;
 };
 
-Result<DirectoryHandle> openForReading(const std::filesystem::path& folder) {
-    auto passed = DirectoryHandle::open(folder);
-    return passed ? passed->reopenForReading() : std::move(passed);
-}
-
 }  // namespace
 
 int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
                       const std::function<bool(const MeasurableEntry&)>& call) {
-    const auto opened = openForReading(folder);
+    const auto opened = DirectoryHandle::openForReading(folder);
     const auto status = opened ? opened->status() : Result<NodeStatus>::failed(opened.code());
     if (!status) {
         return status.code();
