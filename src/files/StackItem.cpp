@@ -2,6 +2,13 @@
 
 namespace brimvault::files {
 
+ListedFiles ListedFiles::takeHalf() {
+    const auto end = files.begin() + static_cast<std::ptrdiff_t>(files.size() / 2);
+    ListedFiles taken{entries, {files.begin(), end}};
+    files.erase(files.begin(), end);
+    return taken;
+}
+
 std::string FolderReference::takePendingFolder() {
     if (pendingFolders.empty()) {
         return {};

@@ -22,13 +22,11 @@ namespace {
 constexpr int entriesBetweenStops = 64;
 
 // From so many on, the files of a folder are told of in the order of their inodes: the system then comes upon what it
-// keeps together on the disk one after the other. In a listing they stand in no order.
+// keeps together on the disk one after the other. In a listing they stand in no order. They are told of in parts,
+// between which some may be given away.
 constexpr std::size_t sortedFiles = 1000;
-
-struct ListedFile {
-    std::uint64_t inode;
-    std::size_t place;  ///< among the names
-};
+constexpr int filesOfAPart = 64;
+constexpr std::size_t filesToShare = 256;  // fewer are told of sooner than handed over
 
 // Before somebody may have to come back to the folder without its handle.
 bool makeKnown(FolderReference& folder) {
@@ -92,6 +90,10 @@ bool TreeWalk::visitPending() {
             giveShare();
         }
         visitor_.setPlace(top->fsref.folder.get());
+        if (!top->fsref.pendingFiles.files.empty()) {
+            tellSomePending(top->fsref);
+            continue;
+        }
         std::string next = top->fsref.takePendingFolder();
         if (next.empty()) {
             if (!leave()) {
@@ -156,29 +158,45 @@ int TreeWalk::tellWhileListing(FolderReference& folder) {
 }
 
 int TreeWalk::tellAfterListing(FolderReference& folder) {
-    std::string files;  // each a kind and a name
-    std::vector<ListedFile> order;
+    ListedFiles listed;
+    std::string entries;
     listed_ = 0;
     const int code = reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
         if (entry.kind == NodeKind::directory) {
             folder.pendingFolders.append(entry.name).push_back('\0');
         } else {
-            order.push_back({entry.inode, files.size()});
-            files.append(1, static_cast<char>(entry.kind)).append(entry.name).push_back('\0');
+            listed.files.push_back({entry.inode, entries.size()});
+            entries.append(1, static_cast<char>(entry.kind)).append(entry.name).push_back('\0');
         }
         return ++listed_ % entriesBetweenStops != 0 || !stop_.stop_requested();
     });
-    if (order.size() >= sortedFiles) {
-        std::sort(order.begin(), order.end(),
-                  [](const auto& left, const auto& right) { return left.inode < right.inode; });
+    if (listed.files.size() >= sortedFiles) {
+        std::sort(listed.files.begin(), listed.files.end(),
+                  [](const auto& left, const auto& right) { return left.inode > right.inode; });  // taken from the end
+        listed.entries = std::make_shared<const std::string>(std::move(entries));
+        folder.pendingFiles = std::move(listed);
+        return code;
     }
-    for (const auto& file : order) {
+    for (const auto& file : listed.files) {
         if (stop_.stop_requested()) {
             break;
         }
-        visitor_.onFile(folder.handle, files.c_str() + file.place + 1, static_cast<NodeKind>(files[file.place]));
+        tell(folder, entries.c_str() + file.place);
     }
     return code;
+}
+
+void TreeWalk::tell(const FolderReference& folder, const char* entry) {
+    visitor_.onFile(folder.handle, entry + 1, static_cast<NodeKind>(*entry));
+}
+
+void TreeWalk::tellSomePending(FolderReference& folder) {
+    auto& pending = folder.pendingFiles;
+    for (int count = 0; count < filesOfAPart && !pending.files.empty() && !stop_.stop_requested(); ++count) {
+        const auto place = pending.files.back().place;
+        pending.files.pop_back();
+        tell(folder, pending.entries->c_str() + place);
+    }
 }
 
 // Those nearest to where the walk is stay open.
@@ -199,7 +217,8 @@ void TreeWalk::holdNoMoreThan(int folders) {
 // handed to and fro between two who have nothing else.
 void TreeWalk::giveShare() {
     auto* const top = stack_.topItem();
-    StackItem* from = top->fsref.hasSeveralPending() ? top : nullptr;
+    const bool hasFiles = top->fsref.pendingFiles.files.size() >= filesToShare;
+    StackItem* from = hasFiles || top->fsref.hasSeveralPending() ? top : nullptr;
     for (auto* item = top->prevItem.get(); item != nullptr && item->fsref.handle.isOpen();
          item = item->prevItem.get()) {
         from = item->fsref.pendingFolders.empty() ? from : item;
@@ -212,7 +231,13 @@ void TreeWalk::giveShare() {
         return;
     }
     from->fsref.folder->parts.fetch_add(1, std::memory_order_relaxed);
-    fellows_->give({from->fsref.folder, std::move(*handle), from->fsref.takeHalfOfPending()});
+    FolderReference share{from->fsref.folder, std::move(*handle), {}};
+    if (from == top && hasFiles) {
+        share.pendingFiles = from->fsref.pendingFiles.takeHalf();
+    } else {
+        share.pendingFolders = from->fsref.takeHalfOfPending();
+    }
+    fellows_->give(std::move(share));
 }
 
 bool TreeWalk::leave() {

@@ -20,7 +20,8 @@ public:
     virtual void onLargeTree() = 0;
 };
 
-/// Visits a folder and everything in it, depth first, each folder's files before its subfolders.
+/// Visits a folder and everything in it, depth first, each folder's files before its subfolders. Of a folder with very
+/// many files these can be shared as well, and its subfolders may come before what another walk was given.
 ///
 /// No name is followed through a link and no mount is entered: every folder is opened as one name of the open folder
 /// that holds it, and everything is done relative to that. However deep the tree, at most `heldFolders` folders are
@@ -52,6 +53,8 @@ private:
     int listEntries(FolderReference& folder);
     int tellWhileListing(FolderReference& folder);
     int tellAfterListing(FolderReference& folder);
+    void tell(const FolderReference& folder, const char* entry);
+    void tellSomePending(FolderReference& folder);
 
     void holdNoMoreThan(int folders);
     void giveShare();

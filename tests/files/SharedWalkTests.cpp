@@ -93,6 +93,33 @@ TEST(SharedWalk, RemovesALargeTreeWithFewDescriptors) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
+TEST(SharedWalk, RemovesALargeFlatFolderTogether) {
+    const TemporaryFolder folder;
+    const auto fill = [&] {
+        for (int number = 0; number < 3000; ++number) {
+            writeFile(folder / "top" / std::to_string(number), "");
+        }
+    };
+    for (int round = 0; round < 5; ++round) {
+        fill();
+        ASSERT_EQ(files::remove(folder / "top").end, RemovalEnd::gone) << "in round " << round;
+        ASSERT_FALSE(fs::exists(folder / "top"));
+    }
+
+    fill();
+    fs::permissions(folder / "top", fs::perms::owner_read | fs::perms::owner_exec);
+    giveToNobody(folder.path());
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        becomeNobody();
+        const auto outcome = files::remove(folder / "top");
+        const bool isRight = outcome.end == RemovalEnd::kept && outcome.failure->code == EACCES &&
+                             outcome.failure->path.parent_path() == folder / "top";
+        return isRight ? "" : "not kept for the right reason";
+    });
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder / "top"), {}), 3000);
+    fs::permissions(folder / "top", fs::perms::owner_all);
+}
+
 TEST(SharedWalk, RemovesAllButWhatCannotGoAndNamesIt) {
     const TemporaryFolder folder;
     for (int round = 0; round < 5; ++round) {

@@ -192,6 +192,31 @@ TEST(TreeWalk, StopsBeforeTheNextEntry) {
     EXPECT_EQ(recorder.lines.size(), 4U);
 }
 
+TEST(TreeWalk, GivesAwayFilesOfAFolderThatHasVeryMany) {
+    constexpr int fileCount = 5000;
+    const TemporaryFolder folder;
+    std::vector<std::string> expected = {"enter", "enter", "file file", "left inner", "left top"};
+    for (int number = 0; number < fileCount; ++number) {
+        writeFile(folder / "top" / std::to_string(number), "");
+        expected.push_back("file " + std::to_string(number));
+    }
+    writeFile(folder / "top/inner/file", "");
+    const auto parent = DirectoryHandle::open(folder.path());
+    IdleFellow fellow;
+    Recorder recorder;
+    EXPECT_TRUE(TreeWalk(recorder, *parent, {}, &fellow).visit("top"));
+    EXPECT_GT(fellow.shares.size(), 1U);
+    EXPECT_LT(recorder.lines.size(), fileCount / 4);
+    EXPECT_NE(recorder.lines.back(), "left top") << "that is for who comes last";
+    while (!fellow.shares.empty()) {
+        auto share = std::move(fellow.shares.back());
+        fellow.shares.pop_back();
+        EXPECT_TRUE(TreeWalk(recorder, *parent, {}, &fellow).visitShare(std::move(share)));
+    }
+    EXPECT_EQ(recorder.lines.back(), "left top");
+    EXPECT_THAT(recorder.lines, testing::UnorderedElementsAreArray(expected));
+}
+
 TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
     const TemporaryFolder folder;
     for (const char* name : {"top/a/file", "top/b/file", "top/c/file", "top/d/file"}) {

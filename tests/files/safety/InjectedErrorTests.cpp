@@ -245,6 +245,22 @@ TEST_F(InjectedErrors, InALargeRemovalLoseNothing) {
     }
 }
 
+// Files of one folder that several threads take away together.
+TEST_F(InjectedErrors, InALargeFolderLoseNothing) {
+    const auto tree = [this] {
+        for (int number = 0; number < 1500; ++number) {
+            writeFile(tree_ / std::to_string(number), "");
+        }
+        makeLinksIn(tree_);
+    };
+    std::size_t turn = 0;
+    for (const auto& [call, count] : callsOfRemoval(tree)) {
+        for (const auto& when : {std::to_string(count / 2 + 1), std::to_string(count), std::string("1+")}) {
+            ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, errors[turn++ % std::size(errors)], when));
+        }
+    }
+}
+
 // A folder whose listing breaks off at its end goes all the same, and so may an item after which nobody can look.
 TEST_F(InjectedErrors, AreBlamedForWhatIsLeftAlone) {
     const auto small = [this] { makeSmallTree(); };
