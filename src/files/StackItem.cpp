@@ -2,6 +2,12 @@
 
 namespace brimvault::files {
 
+namespace {
+
+constexpr std::size_t filesToShare = 256;  // fewer are told of sooner than handed over
+
+}  // namespace
+
 ListedFiles ListedFiles::takeHalf() {
     const auto end = files.begin() + static_cast<std::ptrdiff_t>(files.size() / 2);
     ListedFiles taken{entries, {files.begin(), end}};
@@ -21,7 +27,22 @@ std::string FolderReference::takePendingFolder() {
     return taken;
 }
 
-std::string FolderReference::takeHalfOfPending() {
+bool FolderReference::canBeHalved() const {
+    return pendingFiles.files.empty() ? pendingFolders.find('\0') + 1 < pendingFolders.size()
+                                      : pendingFiles.files.size() >= filesToShare;
+}
+
+FolderReference FolderReference::takeHalf(DirectoryHandle another) {
+    FolderReference taken{folder, std::move(another), {}};
+    if (pendingFiles.files.empty()) {
+        taken.pendingFolders = takeHalfOfPendingFolders();
+    } else {
+        taken.pendingFiles = pendingFiles.takeHalf();
+    }
+    return taken;
+}
+
+std::string FolderReference::takeHalfOfPendingFolders() {
     auto last = pendingFolders.rfind('\0', pendingFolders.size() / 2 - 1);
     if (last == std::string::npos) {
         last = pendingFolders.find('\0');

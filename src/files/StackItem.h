@@ -33,11 +33,17 @@ struct FolderReference {
     std::string pendingFolders;     ///< names, each ended by a zero byte; taken from the end
     ListedFiles pendingFiles = {};  ///< where there are so many that they are told of in parts
 
+    [[nodiscard]] bool hasPending() const { return !pendingFolders.empty() || !pendingFiles.files.empty(); }
     /// The next subfolder to visit, taken off the list; empty when there is none.
     std::string takePendingFolder();
+
+    /// Whether some stays when half is given away; so few files that they are told of sooner are not given.
+    [[nodiscard]] bool canBeHalved() const;
+    /// What is given to another worker, with a handle of its own: half of the files, or half of the folders where no
+    /// files wait; a single folder whole.
+    FolderReference takeHalf(DirectoryHandle another);
     /// About half of the names, those that would come last; of two or more at least one stays, a single one does not.
-    std::string takeHalfOfPending();
-    [[nodiscard]] bool hasSeveralPending() const { return pendingFolders.find('\0') + 1 < pendingFolders.size(); }
+    std::string takeHalfOfPendingFolders();
 };
 
 /// One element of a StackCollection.

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
-#include <vector>
 
 // How several walks visit one tree
 //
 // Each walk keeps what it has to do to itself, on its stack: no lock, no queue and no count shared with others for each
 // folder. Only when somebody has nothing to do, a walk looks down its stack for the folder nearest to the top of the
-// tree that has subfolders waiting, and gives about half of them away, with a descriptor of the folder that holds them.
+// tree in which something waits, and gives about half of that away, with a descriptor of the folder that holds it: of
+// its subfolders, or of its files where there are very many.
 //
 // Such a folder is then finished in parts. VisitedFolder::parts counts them; a walk that comes to the end of its own
 // part while others are not through leaves the folder to them and goes on above. Who finishes the last part leaves the
@@ -26,7 +25,6 @@ constexpr int entriesBetweenStops = 64;
 // between which some may be given away.
 constexpr std::size_t sortedFiles = 1000;
 constexpr int filesOfAPart = 64;
-constexpr std::size_t filesToShare = 256;  // fewer are told of sooner than handed over
 
 // Before somebody may have to come back to the folder without its handle.
 bool makeKnown(FolderReference& folder) {
@@ -197,6 +195,9 @@ void TreeWalk::tellSomePending(FolderReference& folder) {
         pending.files.pop_back();
         tell(folder, pending.entries->c_str() + place);
     }
+    if (pending.files.empty()) {
+        pending = {};  // however long its subfolders take
+    }
 }
 
 // Those nearest to where the walk is stay open.
@@ -216,14 +217,15 @@ void TreeWalk::holdNoMoreThan(int folders) {
 // From the folder nearest to the tree's top among those held open. Who gives keeps something: or a last folder would be
 // handed to and fro between two who have nothing else.
 void TreeWalk::giveShare() {
-    auto* const top = stack_.topItem();
-    const bool hasFiles = top->fsref.pendingFiles.files.size() >= filesToShare;
-    StackItem* from = hasFiles || top->fsref.hasSeveralPending() ? top : nullptr;
-    for (auto* item = top->prevItem.get(); item != nullptr && item->fsref.handle.isOpen();
-         item = item->prevItem.get()) {
-        from = item->fsref.pendingFolders.empty() ? from : item;
+    StackItem* from = nullptr;
+    bool hasMore = false;
+    for (auto* item = stack_.topItem(); item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
+        if (item->fsref.hasPending()) {
+            hasMore = from != nullptr;
+            from = item;
+        }
     }
-    if (from == nullptr) {
+    if (from == nullptr || (!hasMore && !from->fsref.canBeHalved())) {
         return;
     }
     auto handle = from->fsref.handle.duplicate();
@@ -231,13 +233,7 @@ void TreeWalk::giveShare() {
         return;
     }
     from->fsref.folder->parts.fetch_add(1, std::memory_order_relaxed);
-    FolderReference share{from->fsref.folder, std::move(*handle), {}};
-    if (from == top && hasFiles) {
-        share.pendingFiles = from->fsref.pendingFiles.takeHalf();
-    } else {
-        share.pendingFolders = from->fsref.takeHalfOfPending();
-    }
-    fellows_->give(std::move(share));
+    fellows_->give(from->fsref.takeHalf(std::move(*handle)));
 }
 
 bool TreeWalk::leave() {

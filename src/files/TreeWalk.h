@@ -20,8 +20,8 @@ public:
     virtual void onLargeTree() = 0;
 };
 
-/// Visits a folder and everything in it, depth first, each folder's files before its subfolders. Of a folder with very
-/// many files these can be shared as well, and its subfolders may come before what another walk was given.
+/// Visits a folder and everything in it, depth first, each folder's files before its subfolders; only those files of it
+/// that were given to another walk may come later.
 ///
 /// No name is followed through a link and no mount is entered: every folder is opened as one name of the open folder
 /// that holds it, and everything is done relative to that. However deep the tree, at most `heldFolders` folders are

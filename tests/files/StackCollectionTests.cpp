@@ -56,7 +56,7 @@ TEST(FolderReference, GivesHalfOfItsPendingFoldersAndKeepsSomeOfSeveral) {
     auto& folder = item->fsref;
     const auto giveHalfOf = [&](const std::string& names) {
         folder.pendingFolders = names;
-        const auto given = folder.takeHalfOfPending();
+        const auto given = folder.takeHalfOfPendingFolders();
         EXPECT_EQ(given + folder.pendingFolders, names);
         return given;
     };
@@ -68,11 +68,11 @@ TEST(FolderReference, GivesHalfOfItsPendingFoldersAndKeepsSomeOfSeveral) {
     EXPECT_EQ(giveHalfOf("a\0a very long one\0"s), "a\0"s);
     EXPECT_EQ(giveHalfOf("a\0"s), "a\0"s);
     EXPECT_EQ(giveHalfOf(""), "");
-    EXPECT_FALSE(folder.hasSeveralPending());
+    EXPECT_FALSE(folder.canBeHalved());
     folder.pendingFolders = "a\0"s;
-    EXPECT_FALSE(folder.hasSeveralPending());
+    EXPECT_FALSE(folder.canBeHalved());
     folder.pendingFolders = "a\0b\0"s;
-    EXPECT_TRUE(folder.hasSeveralPending());
+    EXPECT_TRUE(folder.canBeHalved());
 }
 
 }  // namespace brimvault::tests
