@@ -12,9 +12,9 @@ template <typename Container>
 void letGo(Container held) {
     constexpr auto few = 1000;
     if (held.size() > few) {
-        // A runnable may be copied; the container is not.
+        // A runnable may be copied: whichever copy goes last holds nothing by then.
         QThreadPool::globalInstance()->start(
-            [last = std::make_shared<Container>(std::move(held))]() mutable { last.reset(); });
+            [last = std::make_shared<Container>(std::move(held))] { *last = Container(); });
     }
 }
 

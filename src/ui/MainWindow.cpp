@@ -18,10 +18,11 @@ namespace {
 constexpr QSize usualSize(1000, 660);
 constexpr QSize leastSize(860, 560);
 
-std::chrono::milliseconds timeOfPicture(const QScreen& screen) {
+// Without a screen, as with one that does not tell.
+std::chrono::nanoseconds timeOfPicture(const QScreen* screen) {
     constexpr qreal usualRate = 60;
-    const qreal rate = screen.refreshRate();
-    return std::chrono::milliseconds(std::lround(1000 / (rate > 1 ? rate : usualRate)));
+    const qreal rate = screen == nullptr ? 0 : screen->refreshRate();
+    return std::chrono::nanoseconds(std::llround(1e9 / (rate > 1 ? rate : usualRate)));
 }
 
 }  // namespace
@@ -74,7 +75,7 @@ bool MainWindow::event(QEvent* event) {
             nextPicture_.start(static_cast<int>(lastPicture_.remainingTime()));
             return true;
         }
-        lastPicture_.setRemainingTime(timeOfPicture(*screen()), Qt::PreciseTimer);
+        lastPicture_.setRemainingTime(timeOfPicture(screen()), Qt::PreciseTimer);
     }
     return QMainWindow::event(event);
 }
