@@ -4,6 +4,7 @@
 #include <stop_token>
 #include <string>
 
+#include "files/FolderReference.h"
 #include "files/StackCollection.h"
 #include "files/TreeVisitor.h"
 

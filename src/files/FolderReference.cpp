@@ -1,10 +1,22 @@
-#include "files/StackItem.h"
+#include "files/FolderReference.h"
+
+#include <utility>
 
 namespace brimvault::files {
 
 namespace {
 
 constexpr std::size_t filesToShare = 256;  // fewer are told of sooner than handed over
+
+std::string takeHalfOfNames(std::string& names) {
+    auto last = names.rfind('\0', names.size() / 2 - 1);
+    if (last == std::string::npos) {
+        last = names.find('\0');
+    }
+    std::string taken = names.substr(0, last + 1);
+    names.erase(0, last + 1);
+    return taken;
+}
 
 }  // namespace
 
@@ -35,20 +47,10 @@ bool FolderReference::canBeHalved() const {
 FolderReference FolderReference::takeHalf(DirectoryHandle another) {
     FolderReference taken{folder, std::move(another), {}};
     if (pendingFiles.files.empty()) {
-        taken.pendingFolders = takeHalfOfPendingFolders();
+        taken.pendingFolders = takeHalfOfNames(pendingFolders);
     } else {
         taken.pendingFiles = pendingFiles.takeHalf();
     }
-    return taken;
-}
-
-std::string FolderReference::takeHalfOfPendingFolders() {
-    auto last = pendingFolders.rfind('\0', pendingFolders.size() / 2 - 1);
-    if (last == std::string::npos) {
-        last = pendingFolders.find('\0');
-    }
-    std::string taken = pendingFolders.substr(0, last + 1);
-    pendingFolders.erase(0, last + 1);
     return taken;
 }
 
