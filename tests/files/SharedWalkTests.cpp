@@ -66,9 +66,7 @@ TEST(SharedWalk, MeasuresALargeTreeAsOneThreadWould) {
 TEST(SharedWalk, IsHelpedWith) {
     const TemporaryFolder folder;
     (void)makeBushyChain(folder / "deep", 40, 8);
-    for (int number = 0; number < 3000; ++number) {
-        writeFile(folder / "flat" / std::to_string(number), "");
-    }
+    makeWide(folder / "flat", 3000);
     const auto parent = files::DirectoryHandle::open(folder.path());
     ASSERT_TRUE(parent);
     for (const char* tree : {"deep", "flat"}) {
@@ -98,15 +96,10 @@ TEST(SharedWalk, RemovesALargeTreeWithFewDescriptors) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST(SharedWalk, RemovesALargeFlatFolderTogether) {
+TEST(SharedWalk, RemovesALargeFlatFolder) {
     const TemporaryFolder folder;
-    const auto fill = [&] {
-        for (int number = 0; number < 3000; ++number) {
-            writeFile(folder / "top" / std::to_string(number), "");
-        }
-    };
     for (int round = 0; round < 5; ++round) {
-        fill();
+        makeWide(folder / "top", 3000);
         ASSERT_EQ(files::remove(folder / "top").end, RemovalEnd::gone) << "in round " << round;
         ASSERT_FALSE(fs::exists(folder / "top"));
     }

@@ -248,9 +248,7 @@ TEST_F(InjectedErrors, InALargeRemovalLoseNothing) {
 // Files of one folder that several threads take away together.
 TEST_F(InjectedErrors, InALargeFolderLoseNothing) {
     const auto tree = [this] {
-        for (int number = 0; number < 1500; ++number) {
-            writeFile(tree_ / std::to_string(number), "");
-        }
+        makeWide(tree_, 1500);
         makeLinksIn(tree_);
     };
     std::size_t turn = 0;
