@@ -57,7 +57,7 @@ void removeTree(const std::filesystem::path& folder) {
         const std::string name = down ? folders.back() : "..";
         if (down) {
             folders.pop_back();
-            ::fchmodat(current, name.c_str(), S_IRWXU, 0);
+            (void)!::fchmodat(current, name.c_str(), S_IRWXU, 0);  // where it fails, opening may not
         }
         const int next = ::openat(current, name.c_str(), oneFolder);
         if (next < 0) {
