@@ -26,8 +26,8 @@ std::optional<FileFacts> FileFacts::of(const std::filesystem::path& path) {
     }
     facts.modified = FileManager::dateOf(status->modified);
     facts.accessed = FileManager::dateOf(status->accessed);
-    if (status->created) {
-        facts.created = FileManager::dateOf(*status->created);
+    if (status->identity.born) {
+        facts.created = FileManager::dateOf(*status->identity.born);
     }
     facts.owner = platform::userNameOf(status->owner);
     facts.group = platform::groupNameOf(status->group);

@@ -11,10 +11,13 @@ namespace brimvault::files {
 
 enum class NodeKind { regular, directory, link, other };
 
-/// Which object of which file system a name stood for; two equal identities are one object.
+/// Which object of which file system a name stood for; two equal identities are one object. A number that was freed is
+/// soon given to another object, which is told from the first by when it was made. Where the file system does not tell
+/// that, two equal identities are one object only as long as the object is held open.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
+    std::optional<std::chrono::system_clock::time_point> born;  ///< none where the file system does not tell
     bool operator==(const FileIdentity&) const = default;
 };
 
@@ -41,7 +44,6 @@ struct NodeStatus {
     std::uint32_t group = 0;        ///< number of the group
     std::chrono::system_clock::time_point modified;
     std::chrono::system_clock::time_point accessed;
-    std::optional<std::chrono::system_clock::time_point> created;  ///< none where the file system does not tell
 
     [[nodiscard]] NodePlace place() const { return {identity, mount}; }
 };

@@ -67,6 +67,11 @@ public:
         return std::make_unique<RemovalVisitor>(guard_, report_);
     }
 
+    // What a guard was asked of is not taken for granted of another folder.
+    [[nodiscard]] WayBack wayBack() const override {
+        return guard_ != nullptr ? WayBack::byTimeOfBirth : WayBack::byNumber;
+    }
+
     bool entersFolder(const DirectoryHandle& folder, const char* name) override {
         if (guard_ == nullptr) {
             return true;

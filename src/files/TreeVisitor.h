@@ -15,6 +15,12 @@ enum class FilesTold {
     whileListing,  ///< sooner, and without keeping their names: for who changes nothing
 };
 
+/// By what a walk that comes back to a folder which it has closed meanwhile knows that it is the same one.
+enum class WayBack {
+    byNumber,       ///< and the time of birth where the file system tells it
+    byTimeOfBirth,  ///< where it is not told, folders stay open, and the walk goes no deeper than it can hold
+};
+
 /// What a TreeWalk tells of the tree that it visits. Names are bytes, valid during the call.
 ///
 /// Where several workers visit one tree, each has a visitor of its own, and calls it from its thread alone.
@@ -27,6 +33,7 @@ public:
     [[nodiscard]] virtual std::unique_ptr<TreeVisitor> another() { return nullptr; }
 
     [[nodiscard]] virtual FilesTold filesTold() const { return FilesTold::afterListing; }
+    [[nodiscard]] virtual WayBack wayBack() const { return WayBack::byNumber; }
     /// Whether a folder below the first is to be opened at all. Asked once for each, just before; the folder that holds
     /// it is given.
     virtual bool wantsFolder(const DirectoryHandle& /*parent*/, const char* /*name*/) { return true; }

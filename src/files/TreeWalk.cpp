@@ -105,7 +105,8 @@ bool TreeWalk::visitPending() {
 }
 
 void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std::shared_ptr<VisitedFolder>& holder) {
-    auto opened = open(parent, name.c_str());
+    const bool canHoldIt = holdNoMoreThan(heldFolders - 1) < maxFoldersHeld;
+    auto opened = canHoldIt ? open(parent, name.c_str()) : Result<DirectoryHandle>::failed(EMFILE);
     if (!opened && opened.code() == ENOTDIR) {
         visitor_.onFile(parent, name.c_str(), NodeKind::link);  // exchanged for something else since it was listed
     } else if (!opened) {
@@ -130,7 +131,6 @@ void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> fold
     auto& entered = stack_.topItem()->fsref;
     visitor_.setPlace(entered.folder.get());
     visitor_.onFolderEntered(entered.handle);
-    holdNoMoreThan(heldFolders);
     entered.folder->listingCode = listEntries(entered);
     const bool wasLarge = seen_ >= largeTree;
     seen_ += 1 + listed_ / entriesLikeAFolder;
@@ -200,18 +200,27 @@ void TreeWalk::tellSomePending(FolderReference& folder) {
     }
 }
 
-// Those nearest to where the walk is stay open.
-void TreeWalk::holdNoMoreThan(int folders) {
+// Those nearest to where the walk is stay open, and those that could not be known again. Answers how many are open.
+int TreeWalk::holdNoMoreThan(int folders) {
+    int open = 0;
     StackItem* item = stack_.topItem();
-    for (int step = 0; item != nullptr && step < folders; ++step) {
+    for (; item != nullptr && open < folders; ++open) {
         item = item->prevItem.get();
     }
     // What holds a closed one is closed.
     for (; item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
-        if (makeKnown(item->fsref)) {
+        if (mayClose(item->fsref)) {
             item->fsref.handle.close();
+        } else {
+            ++open;
         }
     }
+    return open;
+}
+
+bool TreeWalk::mayClose(FolderReference& folder) const {
+    return makeKnown(folder) &&
+           (visitor_.wayBack() == WayBack::byNumber || folder.folder->place->identity.born.has_value());
 }
 
 // From the folder nearest to the tree's top among those held open. Who gives keeps something: or a last folder would be

@@ -27,7 +27,9 @@ public:
 /// No name is followed through a link and no mount is entered: every folder is opened as one name of the open folder
 /// that holds it, and everything is done relative to that. However deep the tree, at most `heldFolders` folders are
 /// kept open: those nearest to where the walk is. Coming back to one that was closed, the walk opens ".." and goes on
-/// only if that is the very folder it came from; a folder that was moved meanwhile ends the walk there.
+/// only if that is the very folder it came from; a folder that was moved meanwhile ends the walk there. A folder that
+/// could not be told from another is not closed where the visitor says so (WayBack): such a walk holds up to
+/// `maxFoldersHeld` and finds deeper ones closed (EMFILE).
 ///
 /// A walk is used by one thread. It can give shares of what it has to do to fellows, each with a walk of its own; who
 /// finishes the last of a folder leaves it. A stop ends it before the next entries.
@@ -35,6 +37,8 @@ class TreeWalk {
 public:
     /// One for the folder that holds the item, one for a share and two in passing come on top: below 16.
     static constexpr int heldFolders = 10;
+    /// Well below the 256 descriptors that a process has at least, everywhere.
+    static constexpr int maxFoldersHeld = 128;
     /// The folders that a walk sees before it calls for others; fewer, if they are large.
     static constexpr int largeTree = 64;
 
@@ -57,7 +61,8 @@ private:
     void tell(const FolderReference& folder, const char* entry);
     void tellSomePending(FolderReference& folder);
 
-    void holdNoMoreThan(int folders);
+    int holdNoMoreThan(int folders);
+    [[nodiscard]] bool mayClose(FolderReference& folder) const;
     void giveShare();
 
     bool leave();

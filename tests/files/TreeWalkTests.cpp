@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 
@@ -44,7 +45,10 @@ public:
         tell(std::string("lost ") + name + " " + std::to_string(code));
     }
 
+    [[nodiscard]] files::WayBack wayBack() const override { return way; }
+
     std::vector<std::string> lines;
+    files::WayBack way = files::WayBack::byNumber;
     std::function<void(const std::string&)> meanwhile = [](const std::string&) {};
 
 private:
@@ -152,6 +156,71 @@ TEST(TreeWalk, EndsWhereTheWayBackIsLost) {
     EXPECT_TRUE(walk(recorder, folder / "top"));
     EXPECT_EQ(recorder.lines.back(), "lost inner " + std::to_string(ESTALE));
     EXPECT_THAT(recorder.lines, testing::Not(testing::Contains("left top")));
+}
+
+// The number of a folder that was removed is given to the next that is made.
+TEST(TreeWalk, TakesNoNewFolderOfTheSameNumberForOneThatItLeftBehind) {
+    const TemporaryFolder folder;
+    makeDeep(folder / "top", 3 * TreeWalk::heldFolders);
+    const auto passed = folder / "top/inner/inner";
+    auto other = folder / "other";
+    Recorder recorder;
+    recorder.meanwhile = [&](const std::string& line) {
+        if (line == "file file") {  // at the bottom
+            const auto number = files::statusOf(passed)->identity.inode;
+            fs::rename(passed / "inner", folder / "below");
+            fs::remove(passed);
+            constexpr int maxTries = 100;
+            for (int tries = 0; tries < maxTries && fs::create_directory(other); ++tries) {
+                if (files::statusOf(other)->identity.inode == number) {
+                    fs::rename(folder / "below", other / "inner");
+                    return;
+                }
+                other += "+";
+            }
+        }
+    };
+    EXPECT_TRUE(walk(recorder, folder / "top"));
+    if (fs::exists(folder / "below")) {
+        GTEST_SKIP() << "the file system gives no number twice";
+    }
+    EXPECT_EQ(recorder.lines.back(), "lost inner " + std::to_string(ESTALE));
+    const auto lefts = std::count(recorder.lines.begin(), recorder.lines.end(), "left inner");
+    const auto enters = std::count(recorder.lines.begin(), recorder.lines.end(), "enter");
+    EXPECT_EQ(enters - lefts, 4) << "the folder, the two that hold it, and the one that was moved";
+}
+
+TEST(TreeWalk, ClosesNothingThatItCouldNotTellFromAnotherWhereThatMatters) {
+    const TemporaryFolder folder;
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        if (const auto reason = keepMountsPrivate(); !reason.empty()) {
+            return cannotTry(reason);
+        }
+        if (::mount("none", folder.path().c_str(), "ramfs", 0, nullptr) != 0) {
+            return cannotTry("there is no file system without times of birth");
+        }
+        makeDeep(folder / "fits/top", TreeWalk::maxFoldersHeld - 10);
+        makeDeep(folder / "deeper/top", TreeWalk::maxFoldersHeld + 10);
+        std::string wrong;
+        for (const auto way : {files::WayBack::byNumber, files::WayBack::byTimeOfBirth}) {
+            Recorder fits;
+            Recorder deeper;
+            fits.way = deeper.way = way;
+            (void)walk(fits, folder / "fits/top");
+            (void)walk(deeper, folder / "deeper/top");
+            const auto reached = [](const Recorder& recorder) {
+                return std::count(recorder.lines.begin(), recorder.lines.end(), "file file");
+            };
+            const auto closed = "closed inner " + std::to_string(EMFILE);
+            const bool stops = std::count(deeper.lines.begin(), deeper.lines.end(), closed) == 1;
+            wrong += reached(fits) == 1 && fits.lines.back() == "left top" ? "" : "a tree that it can hold ";
+            wrong += deeper.lines.back() == "left top" ? "" : "the way back ";
+            wrong += (reached(deeper) == 0) == (way == files::WayBack::byTimeOfBirth) && stops == (reached(deeper) == 0)
+                         ? ""
+                         : "a deeper tree ";
+        }
+        return wrong;
+    });
 }
 
 TEST(TreeWalk, ComesBackUpThroughFoldersItHadClosed) {

@@ -75,7 +75,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     status.modified = timeOf(raw.stx_mtime);
     status.accessed = timeOf(raw.stx_atime);
     if ((raw.stx_mask & STATX_BTIME) != 0) {
-        status.created = timeOf(raw.stx_btime);
+        status.identity.born = timeOf(raw.stx_btime);
     }
     return status;
 }
