@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <span>
 #include <string_view>
@@ -9,13 +11,21 @@
 
 namespace brimvault::cleaner {
 
-/// The connection to the client. It ends when the client closes it, and when the application ends. One thread.
+/// Who may speak with the tool.
+struct Client {
+    uid_t user;
+    const ApplicationProcess& application;
+};
+
+/// The connection to the client. It ends when the client closes it, when the application ends, and when anything comes
+/// over it from another process. One thread.
 class ClientConnection {
 public:
-    /// The application outlives it.
-    ClientConnection(Descriptor connection, const ApplicationProcess& application)
-        : connection_(std::move(connection)), application_(application) {}
+    /// A connection that tells of each message who has sent it. The application outlives it.
+    ClientConnection(Descriptor connection, const Client& client)
+        : connection_(std::move(connection)), client_(client) {}
 
+    [[nodiscard]] int descriptor() const { return connection_.number(); }
     /// Waits for bytes, and answers how many have come; 0 at the end.
     [[nodiscard]] std::size_t receive(std::span<char> bytes) const;
 
@@ -30,8 +40,10 @@ public:
     [[nodiscard]] bool hasEnded() const { return waitFor(-1, {}) == Event::end; }
 
 private:
+    [[nodiscard]] ssize_t receiveFromClient(std::span<char> bytes) const;
+
     Descriptor connection_;
-    const ApplicationProcess& application_;
+    Client client_;
 };
 
 }  // namespace brimvault::cleaner

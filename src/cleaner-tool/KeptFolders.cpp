@@ -11,30 +11,35 @@ namespace brimvault::cleaner {
 
 namespace {
 
-constexpr std::ptrdiff_t mostNames = 64;  // in a path
+constexpr std::ptrdiff_t maxNames = 64;  // in a path
 
-bool isMissing(const std::error_code& problem) {
-    return problem == std::errc::no_such_file_or_directory || problem == std::errc::not_a_directory;
-}
+bool isMissing(int code) { return code == ENOENT || code == ENOTDIR; }
+
+// A volume of a user's own lets nobody else in, nor does one whose server has gone.
+bool isClosedVolume(int code) { return code == EACCES || code == ENOTCONN; }
 
 }  // namespace
 
-std::vector<KeptPath> homeFolders(const std::filesystem::path& home) {
+std::vector<std::filesystem::path> sectionFoldersOf(const std::filesystem::path& home) {
     const auto library = home / "Library";
     const auto trash = trashOfHome(home);
-    std::vector<KeptPath> folders = {{home, Keep::contentsMayGo}};
-    for (const auto& path :
-         {library / "Caches", library / "Logs", library / "Containers",
-          library / "Application Support" / "CrashReporter", home / "Applications", home / "Downloads", home / ".Trash",
-          home / ".cache", home / ".config" / "com.quorvel.brimvault", trash / "files", trash / "info"}) {
-        folders.push_back({path, Keep::itself});
-    }
-    return folders;
+    return {library / "Caches",
+            library / "Logs",
+            library / "Containers",
+            library / "Application Support" / "CrashReporter",
+            home / "Applications",
+            home / "Downloads",
+            home / ".Trash",
+            home / ".cache",
+            home / ".config" / "com.quorvel.brimvault",
+            trash / "files",
+            trash / "info"};
 }
 
 bool KeptFolders::add(const KeptPath& folder) {
     folders_.push_back({folder, false});
-    return folders_.size() <= mostFolders && std::distance(folder.path.begin(), folder.path.end()) <= mostNames;
+    return folders_.size() <= maxFolders && folder.keep != Keep::contentsMayGo &&
+           std::distance(folder.path.begin(), folder.path.end()) <= maxNames;
 }
 
 bool KeptFolders::lookUp() {
@@ -58,22 +63,27 @@ bool KeptFolders::lookUp() {
     return looked;
 }
 
-bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) {
-    std::error_code problem;
-    auto path = std::filesystem::canonical(folder.path, problem);
-    if (problem) {
-        return isMissing(problem);
-    }
-    for (auto keep = folder.keep;; keep = Keep::itself, path = path.parent_path()) {
-        const auto status = files::statusOf(path);
-        if (!status) {
-            return status.code() == ENOENT || status.code() == ENOTDIR;
-        }
-        found.push_back({status->identity, keep});
-        if (!path.has_relative_path()) {
-            return true;
+bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) const {
+    auto path = folder.path;
+    if (folder.links == LinksOnWay::follow) {
+        std::error_code problem;
+        path = std::filesystem::canonical(folder.path, problem);
+        if (problem) {
+            return isMissing(problem.value());
         }
     }
+    bool isClosed = false;
+    const auto opened = files::DirectoryHandle::open(path, [&](const auto& handle, const auto& status) {
+        found.push_back({status.identity, Keep::itself});
+        isClosed = folder.links == LinksOnWay::refuse && !requester_.maySearch(handle, status);
+        return !isClosed;
+    });
+    if (!opened) {
+        found.clear();
+        return isClosed || isMissing(opened.code()) || isClosedVolume(opened.code());
+    }
+    found.back().keep = folder.keep;
+    return true;
 }
 
 void KeptFolders::set(Entries& entries, const Entry& entry) {
@@ -86,17 +96,33 @@ void KeptFolders::set(Entries& entries, const Entry& entry) {
     }
 }
 
-const Keep* KeptFolders::find(const files::FileIdentity& identity) const {
-    const auto entry =
-        std::find_if(entries_.begin(), entries_.end(), [&](const Entry& other) { return other.identity == identity; });
-    return entry == entries_.end() ? nullptr : &entry->keep;
+std::optional<Keep> KeptFolders::keepOf(const files::NodeStatus& folder) const {
+    const auto entry = std::find_if(entries_.begin(), entries_.end(),
+                                    [&](const Entry& other) { return other.identity == folder.identity; });
+    const auto listed = entry == entries_.end() ? std::nullopt : std::optional(entry->keep);
+    const bool isPinned =
+        std::any_of(pinned_.begin(), pinned_.end(), [&](const PinnedFolder& pinned) { return pinned.is(folder); });
+    return isPinned ? std::max(listed, std::optional(Keep::contentsMayGo)) : listed;
 }
 
-void KeptFoldersGuard::onWay(const files::NodeStatus& folder) {
-    const Keep* keep = kept_.find(folder.identity);
-    isNearestParent_ = keep != nullptr && *keep != Keep::itself;
+bool KeptFoldersGuard::onWay(const files::DirectoryHandle& folder, const files::NodeStatus& status) {
+    if (status.mount == 0 || !kept_.requester().maySearch(folder, status)) {
+        return false;
+    }
+    if (mount_ && *mount_ != status.mount) {
+        beginMount();
+    }
+    mount_ = status.mount;
+    const auto keep = kept_.keepOf(status);
+    isNearestParent_ = keep && *keep != Keep::itself;
     nearest_ = isNearestParent_ ? *keep : nearest_;
-    isUsers_ = isUsers_ || folder.owner == kept_.user();
+    isUsers_ = isUsers_ || status.owner == kept_.requester().user;
+    return true;
+}
+
+void KeptFoldersGuard::beginMount() {
+    nearest_ = std::max(nearest_, Keep::deeperMayGo);
+    isUsers_ = false;
 }
 
 bool KeptFoldersGuard::mayRemoveBelowWay() const {
@@ -113,7 +139,7 @@ bool KeptFoldersGuard::mayRemoveBelowWay() const {
 bool KeptFoldersGuard::mayRemove(const files::NodeStatus& node) {
     const bool isItem = !isItemAsked_;
     isItemAsked_ = true;
-    return isSound_ && (!isItem || mayRemoveBelowWay()) && kept_.find(node.identity) == nullptr;
+    return isSound_ && (!isItem || mayRemoveBelowWay()) && !kept_.keepOf(node);
 }
 
 }  // namespace brimvault::cleaner

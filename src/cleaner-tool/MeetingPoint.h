@@ -7,16 +7,10 @@
 #include <optional>
 #include <string>
 
-#include "cleaner-tool/ApplicationProcess.h"
+#include "cleaner-tool/ClientConnection.h"
 #include "cleaner-tool/Descriptor.h"
 
 namespace brimvault::cleaner {
-
-/// Who may speak with the tool.
-struct Client {
-    uid_t user;
-    const ApplicationProcess& application;
-};
 
 /// Makes the folder where the user's root removers are met: it belongs to the administrator, and the user may enter it,
 /// and nobody else. False where it cannot be that.

@@ -63,7 +63,7 @@ bool Server::handle(const Message& request) {
         case Operation::removeToTrashFileAtPath:
             return doAndAnswer([this, path] { return recycle(path); });
         case Operation::keepFolderAtPath:
-            return path.is_absolute() && setting_.kept.add({path, Keep::itself});
+            return files::isPlainAbsolute(path) && setting_.kept.add({path, Keep::itself});
         default:
             return false;  // what only the tool says
     }
@@ -77,7 +77,7 @@ Server::Answer Server::remove(const std::filesystem::path& path) const {
 
 Server::Answer Server::recycle(const std::filesystem::path& path) const {
     KeptFoldersGuard guard(setting_.kept);
-    const auto place = moveToTrash(path, setting_.trash, setting_.user, guard);
+    const auto place = moveToTrash(path, setting_.trash, setting_.kept.requester(), guard);
     return place ? Answer(place->native()) : std::nullopt;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -23,7 +21,6 @@ public:
         const ClientConnection& client;
         KeptFolders& kept;
         std::filesystem::path trash;  ///< of the user
-        uid_t user;
     };
     explicit Server(Setting setting) : setting_(std::move(setting)) {}
 

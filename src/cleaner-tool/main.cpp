@@ -2,12 +2,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <string>
-#include <system_error>
+#include <utility>
+#include <vector>
 
 #include "cleaner-tool/ApplicationProcess.h"
 #include "cleaner-tool/ClientConnection.h"
@@ -15,10 +16,11 @@
 #include "cleaner-tool/Invocation.h"
 #include "cleaner-tool/KeptFolders.h"
 #include "cleaner-tool/MeetingPoint.h"
+#include "cleaner-tool/PinnedFolder.h"
+#include "cleaner-tool/Requester.h"
 #include "cleaner-tool/Server.h"
 #include "cleaner-tool/TrashMove.h"
 #include "cleaner-tool/protocol/MeetingPlace.h"
-#include "files/NodeStatus.h"
 
 // The root remover: BrimvaultCleaner NAME PROCESS
 //
@@ -34,25 +36,32 @@ namespace files = brimvault::files;
 
 constexpr std::chrono::seconds patience{10};  // the application gives up waiting for the tool after five
 
-// The user's own folder, or none: a home that belongs to somebody else opens nothing.
-std::filesystem::path homeOf(uid_t user) {
+// By its path without links; whether it is the user's own is seen where it is pinned.
+std::optional<std::filesystem::path> homeOf(uid_t user) {
     const passwd* record = ::getpwuid(user);
-    if (record == nullptr || record->pw_dir == nullptr || record->pw_dir[0] != '/') {
-        return {};
-    }
-    std::error_code unresolved;
-    auto home = std::filesystem::canonical(record->pw_dir, unresolved);
-    const auto status = files::statusOf(home);
-    const bool isUsers = !unresolved && status && status->owner == user;
-    return isUsers ? std::move(home) : std::filesystem::path();
+    const bool isKnown = record != nullptr && record->pw_dir != nullptr && record->pw_dir[0] == '/';
+    return isKnown ? withoutSystemLinks(record->pw_dir) : std::nullopt;
 }
 
-std::optional<KeptFolders> keptFolders(uid_t user, const std::filesystem::path& home) {
-    KeptFolders kept(user);
-    auto folders = systemFolders();
-    if (!home.empty()) {
-        const auto ofHome = homeFolders(home);
-        folders.insert(folders.end(), ofHome.begin(), ofHome.end());
+void pin(KeptFolders& kept, const std::filesystem::path& path, uid_t owner) {
+    if (auto folder = PinnedFolder::open(path, owner)) {
+        kept.add(std::move(*folder));
+    }
+}
+
+// None where something cannot be kept: what cannot be kept is not put at risk.
+std::optional<KeptFolders> keptFolders(Requester requester, const std::optional<std::filesystem::path>& home) {
+    constexpr uid_t administrator = 0;
+    KeptFolders kept(std::move(requester));
+    std::vector<KeptPath> folders = systemFolders();
+    if (home) {
+        pin(kept, *home, kept.requester().user);
+        for (const auto& folder : sectionFoldersOf(*home)) {
+            folders.push_back({folder, Keep::itself});
+        }
+    }
+    for (const auto& folder : sharedSectionFolders()) {
+        pin(kept, folder, administrator);
     }
     const bool all = std::all_of(folders.begin(), folders.end(), [&](const auto& folder) { return kept.add(folder); });
     return all && kept.lookUp() ? std::optional(std::move(kept)) : std::nullopt;
@@ -65,15 +74,16 @@ int run(const Invocation& invocation) {
         return EXIT_FAILURE;
     }
     application->endWithIt();
+    const Client expected{invocation.user, *application};
+    auto connection = awaitClient(folder, invocation.name, expected, patience);
+    auto requester = connection.isOpen() ? Requester::ofPeer(connection.number()) : std::nullopt;
     const auto home = homeOf(invocation.user);
-    auto kept = keptFolders(invocation.user, home);
-    auto connection = kept ? awaitClient(folder, invocation.name, {invocation.user, *application}, patience)
-                           : Descriptor();  // what cannot be kept is not put at risk
-    if (!connection.isOpen()) {
+    auto kept = requester ? keptFolders(std::move(*requester), home) : std::nullopt;
+    if (!kept) {
         return EXIT_FAILURE;
     }
-    const ClientConnection client(std::move(connection), *application);
-    Server server({client, *kept, trashOfHome(home), invocation.user});
+    const ClientConnection client(std::move(connection), expected);
+    Server server({client, *kept, trashOfHome(home.value_or(""))});
     if (server.serve() == Server::End::atWork) {
         ::_exit(EXIT_FAILURE);  // at once, and with it what is being removed
     }

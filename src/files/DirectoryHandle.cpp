@@ -39,7 +39,9 @@ Result<DirectoryHandle> DirectoryHandle::openTold(const std::filesystem::path& p
         if (!status) {
             return Result<DirectoryHandle>::failed(status.code());
         }
-        onWay(*status);
+        if (!onWay(*handle, *status)) {
+            return Result<DirectoryHandle>::failed(EPERM);
+        }
         while (part != name.end() && (part->empty() || *part == ".")) {
             ++part;
         }

@@ -14,10 +14,11 @@ namespace brimvault::files {
 /// points by then. Movable, one owner; the const functions may be called by several threads at once.
 class DirectoryHandle {
 public:
-    using OnWay = std::function<void(const NodeStatus&)>;
+    using OnWay = std::function<bool(const DirectoryHandle&, const NodeStatus&)>;
     /// Opens an absolute path, following no link on the way: ENOTDIR where a name is a link or no directory, EINVAL for
     /// a relative path or one with "..". The handle serves to reach what is inside; it cannot be listed itself. `onWay`
-    /// is told of every folder that is opened, from the root on.
+    /// is told of every folder that is opened, from the root on; where it answers false, that is as far as it goes
+    /// (EPERM).
     static Result<DirectoryHandle> open(const std::filesystem::path& path, const OnWay& onWay = {});
     /// The same for a directory that is to be listed.
     static Result<DirectoryHandle> openForReading(const std::filesystem::path& path);

@@ -179,7 +179,7 @@ RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_toke
     }
     DirectoryHandle::OnWay onWay;
     if (guard != nullptr) {
-        onWay = [guard](const NodeStatus& folder) { guard->onWay(folder); };
+        onWay = [guard](const auto& folder, const auto& status) { return guard->onWay(folder, status); };
     }
     const auto parent = DirectoryHandle::open(path.parent_path(), onWay);
     const auto missing = [&]() -> RemovalOutcome {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <stop_token>
 
+#include "files/DirectoryHandle.h"
 #include "files/NodeStatus.h"
 #include "files/Result.h"
 
@@ -27,8 +28,8 @@ struct [[nodiscard]] RemovalOutcome {
 class RemovalGuard {
 public:
     virtual ~RemovalGuard() = default;
-    /// A folder on the way to the item, from the root on.
-    virtual void onWay(const NodeStatus& folder) = 0;
+    /// A folder on the way to the item, from the root on. Answered with false, nothing below it is looked at (EPERM).
+    [[nodiscard]] virtual bool onWay(const DirectoryHandle& folder, const NodeStatus& status) = 0;
     /// Asked of the item first, then of each folder, the item among them: once it is open, and of what has its name
     /// once it is empty. Answered with false, that stays with all that is in it (EPERM). Of an item that is missing it
     /// is asked as well, with no identity.

@@ -22,23 +22,25 @@ namespace {
 class KeptFolderTree : public testing::Test {
 protected:
     void SetUp() override {
+        fs::permissions(folder_.path(), static_cast<fs::perms>(0755));
         for (const char* file :
              {"free/item/file", "section/item/file", "section/file", "holder/section/file", "holder/other/file",
               "volumes/volume/item/file", "volumes/file", "volumes/user/item/file", "system/tool", "system/inner/tool",
               "system/open/item/file", "system/open/inner/item/file", "system/named/item/file"}) {
             writeFile(folder_ / file, "1");
         }
-        keep("", Keep::contentsMayGo);
+        open("");
         keep("section", Keep::itself);
         keep("holder/section", Keep::itself);
         keep("volumes", Keep::deeperMayGo);
         keep("volumes/user", Keep::itself);
         keep("system", Keep::everything);
-        keep("system/open", Keep::contentsMayGo);
+        open("system/open");
         keep("system/named", Keep::itself);
     }
 
     void keep(const fs::path& path, Keep how) { EXPECT_TRUE(kept_.add({folder_ / path, how})); }
+    void open(const fs::path& path) { kept_.add(*PinnedFolder::open((folder_ / path / "").parent_path(), ::getuid())); }
 
     [[nodiscard]] files::RemovalOutcome remove(const fs::path& path) const {
         KeptFoldersGuard guard(kept_);
@@ -65,21 +67,22 @@ protected:
     }
 
     TemporaryFolder folder_;
-    mutable KeptFolders kept_{::getuid()};  ///< is looked up anew for each removal
+    mutable KeptFolders kept_{{::getuid(), {::getgid()}}};  ///< is looked up anew for each removal
 };
 
 // What the guard says of a name in a folder of the machine's own; nothing is removed.
 bool mayGo(const fs::path& folder) {
     static KeptFolders kept = [] {
-        KeptFolders system(::getuid());
+        KeptFolders system({::getuid(), {::getgid()}});
         for (const auto& path : systemFolders()) {
             EXPECT_TRUE(system.add(path)) << path.path;
         }
         return system;
     }();
     KeptFoldersGuard guard(kept);
-    const auto parent = files::DirectoryHandle::open(fs::canonical(folder).parent_path(),
-                                                     [&](const files::NodeStatus& status) { guard.onWay(status); });
+    const auto parent = files::DirectoryHandle::open(
+        fs::canonical(folder).parent_path(),
+        [&](const auto& passed, const auto& status) { return guard.onWay(passed, status); });
     return parent && guard.mayRemove(*files::statusOf(fs::canonical(folder)));
 }
 
@@ -103,7 +106,7 @@ TEST_F(KeptFolderTree, LetsGoWhatTheNearestFolderSays) {
 }
 
 TEST_F(KeptFolderTree, StaysWhereNothingOnTheWaySaysAnything) {
-    kept_ = KeptFolders(::getuid());
+    kept_ = KeptFolders({::getuid(), {}});
     keep("section", Keep::itself);
     EXPECT_EQ(refuses(folder_ / "section/item"), "");
     EXPECT_EQ(refuses(folder_ / "free"), "");
@@ -112,7 +115,7 @@ TEST_F(KeptFolderTree, StaysWhereNothingOnTheWaySaysAnything) {
 TEST_F(KeptFolderTree, KeepsTheMostThatIsSaidOfAFolder) {
     keep("free", Keep::everything);
     keep("free", Keep::itself);
-    keep("free", Keep::contentsMayGo);
+    open("free");
     EXPECT_EQ(refuses(folder_ / "free/item"), "");
     keep("system/open", Keep::itself);
     expectGoes("system/open/item");
@@ -152,7 +155,7 @@ TEST_F(KeptFolderTree, IsNotReachedThroughALink) {
 
 TEST_F(KeptFolderTree, IsKnownHoweverItIsSpelled) {
     fs::create_directory_symlink("free/item", folder_ / "link");
-    keep("system/../link", Keep::itself);
+    ASSERT_TRUE(kept_.add({folder_ / "system/../link", Keep::itself, LinksOnWay::follow}));
     EXPECT_EQ(refuses(folder_ / "free/item"), "");
     EXPECT_EQ(refuses(folder_ / "free"), "");
     expectGoes("free/item/file");
@@ -168,6 +171,8 @@ TEST_F(KeptFolderTree, IsKnownWhereItIsMountedOnceMore) {
         if (const auto reason = keepMountsPrivate(); !reason.empty()) {
             return cannotTry(reason);
         }
+        open("");  // the mounts are others from here on
+        open("system/open");
         const auto alias = folder_ / "free/alias";
         if (::mount((folder_ / "system").c_str(), alias.c_str(), nullptr, MS_BIND, nullptr) != 0 ||
             ::mount(folder_.path().c_str(), (folder_ / "free/again").c_str(), nullptr, MS_BIND, nullptr) != 0) {
@@ -198,8 +203,8 @@ TEST_F(KeptFolderTree, KnowsAFolderThatIsMadeAnew) {
 }
 
 TEST_F(KeptFolderTree, HasNoMoreFoldersThanItSays) {
-    KeptFolders kept(::getuid());
-    for (std::size_t count = 1; count <= KeptFolders::mostFolders; ++count) {
+    KeptFolders kept({});
+    for (std::size_t count = 1; count <= KeptFolders::maxFolders; ++count) {
         ASSERT_TRUE(kept.add({folder_ / "missing", Keep::itself}));
     }
     EXPECT_FALSE(kept.add({folder_ / "missing", Keep::itself}));
@@ -208,7 +213,7 @@ TEST_F(KeptFolderTree, HasNoMoreFoldersThanItSays) {
 // What another user owns, or nobody but the administrator, goes only where it lies in a folder of the user's.
 TEST_F(KeptFolderTree, LetsGoWhatLiesInAFolderOfTheUsers) {
     constexpr uid_t other = 4711;
-    KeptFolders kept(other);
+    KeptFolders kept({other, {}});
     ASSERT_TRUE(kept.add({folder_ / "volumes", Keep::deeperMayGo}));
     const auto ends = [&](const char* path) {
         KeptFoldersGuard guard(kept);
@@ -224,23 +229,101 @@ TEST_F(KeptFolderTree, LetsGoWhatLiesInAFolderOfTheUsers) {
     EXPECT_EQ(ends("volumes/volume/item"), RemovalEnd::gone);
 }
 
+// What an administrator has mounted in a home is no more the user's than where it comes from.
+TEST_F(KeptFolderTree, AsksAnewWhereAnotherMountBegins) {
+    constexpr uid_t other = 4711;
+    if (::getuid() != 0) {
+        GTEST_SKIP() << "only the administrator can mount";
+    }
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        if (const auto reason = keepMountsPrivate(); !reason.empty()) {
+            return cannotTry(reason);
+        }
+        const auto home = folder_ / "free";
+        for (const char* name : {"disk", "system", "plain"}) {
+            writeFile(home / name / "item", "1");
+        }
+        (void)!::chown(home.c_str(), other, other);
+        if (::mount("none", (home / "disk").c_str(), "tmpfs", 0, "mode=755") != 0 ||
+            ::mount((folder_ / "system").c_str(), (home / "system").c_str(), nullptr, MS_BIND, nullptr) != 0) {
+            return cannotTry("no mounts");
+        }
+        for (const char* file : {"disk/item", "disk/users/item", "disk/users/deeper/item"}) {
+            writeFile(home / file, "1");
+        }
+        (void)!::chown((home / "disk/users").c_str(), other, other);
+        KeptFolders kept({other, {}});
+        kept.add(*PinnedFolder::open(home, other));
+        const auto goes = [&](const char* path) {
+            KeptFoldersGuard guard(kept);
+            return files::remove(home / path, {}, &guard).end == RemovalEnd::gone;
+        };
+        std::string wrong;
+        for (const char* path :
+             {"disk", "disk/item", "disk/missing", "disk/users", "system/tool", "system/open/item"}) {
+            wrong += goes(path) ? std::string(path) + " goes " : "";
+        }
+        for (const char* path : {"plain", "disk/users/item", "disk/users/deeper"}) {
+            wrong += goes(path) ? "" : std::string(path) + " stays ";
+        }
+        return wrong;
+    });
+}
+
+// Whose number a folder bears says nothing where its user cannot come to it.
+TEST_F(KeptFolderTree, StaysOnAWayThatIsClosedToTheUser) {
+    constexpr uid_t other = 4711;
+    KeptFolders kept({other, {}});
+    ASSERT_TRUE(kept.add({folder_ / "volumes", Keep::deeperMayGo}));
+    if (::chown((folder_ / "volumes/volume/item").c_str(), other, other) != 0) {
+        GTEST_SKIP() << "a folder can be given to nobody";
+    }
+    const auto end = [&](const char* path) {
+        KeptFoldersGuard guard(kept);
+        return files::remove(folder_ / path, {}, &guard).end;
+    };
+    fs::permissions(folder_ / "volumes/volume", fs::perms::owner_all);
+    EXPECT_EQ(end("volumes/volume/item/file"), RemovalEnd::kept);
+    EXPECT_EQ(end("volumes/volume/item/missing"), RemovalEnd::kept) << "it tells what is not there";
+    fs::permissions(folder_ / "volumes/volume", static_cast<fs::perms>(0711));
+    EXPECT_EQ(end("volumes/volume/item/file"), RemovalEnd::gone);
+}
+
+// What is kept by the word of others tells them nothing of what they cannot see.
+TEST_F(KeptFolderTree, IsNotLookedUpThroughLinksOrClosedFolders) {
+    fs::create_directory_symlink(folder_ / "system/../free/item", folder_ / "section/link");
+    fs::create_directories(folder_ / "closed/there");
+    if (::chown((folder_ / "closed").c_str(), 4711, 4711) != 0) {
+        GTEST_SKIP() << "a folder can be given to nobody";
+    }
+    fs::permissions(folder_ / "closed", fs::perms::owner_all);
+    const std::string tooLong(300, 'n');
+    for (const auto& path : {folder_ / "section/link", folder_ / "section/link/file",
+                             folder_ / "closed/there" / tooLong, folder_ / "closed/missing" / tooLong}) {
+        ASSERT_TRUE(kept_.add({path, Keep::itself}));
+    }
+    EXPECT_TRUE(kept_.lookUp());
+    expectGoes("free/item");
+}
+
 TEST(HomeFolders, StayWithWhatHoldsThemAndWhatIsInThemGoes) {
     const TemporaryFolder holder;
-    const auto folders = homeFolders(holder / "home");
-    KeptFolders kept(::getuid());
+    auto folders = sectionFoldersOf(holder / "home");
+    KeptFolders kept({::getuid(), {::getgid()}});
     for (const auto& folder : folders) {
-        fs::create_directories(folder.path / "item");
+        fs::create_directories(folder / "item");
+        ASSERT_TRUE(kept.add({folder, Keep::itself}));
     }
-    for (const auto& folder : folders) {
-        ASSERT_TRUE(kept.add(folder));
-    }
+    fs::create_directories(holder / "home/item");
+    kept.add(*PinnedFolder::open(holder / "home", ::getuid()));
+    folders.push_back(holder / "home");
     for (const auto& folder : folders) {
         KeptFoldersGuard first(kept);
-        EXPECT_EQ(files::remove(folder.path, {}, &first).end, RemovalEnd::kept) << folder.path;
+        EXPECT_EQ(files::remove(folder, {}, &first).end, RemovalEnd::kept) << folder;
         KeptFoldersGuard holding(kept);
-        EXPECT_EQ(files::remove(folder.path.parent_path(), {}, &holding).end, RemovalEnd::kept) << folder.path;
+        EXPECT_EQ(files::remove(folder.parent_path(), {}, &holding).end, RemovalEnd::kept) << folder;
         KeptFoldersGuard second(kept);
-        EXPECT_EQ(files::remove(folder.path / "item", {}, &second).end, RemovalEnd::gone) << folder.path;
+        EXPECT_EQ(files::remove(folder / "item", {}, &second).end, RemovalEnd::gone) << folder;
     }
 }
 
@@ -260,20 +343,22 @@ TEST(SystemFolders, AreKeptWithWhatIsBelowThem) {
 
 // Which of the machine's folders a name is in that is not there: told the ways, without looking for them.
 TEST(SystemFolders, SayOfTheirContentsWhatIsCustomary) {
-    KeptFolders kept(::getuid());
+    constexpr uid_t user = 4711;
+    KeptFolders kept({user, {}});
     for (const auto& folder : systemFolders()) {
         ASSERT_TRUE(kept.add(folder));
     }
     const auto contentsMayGo = [&](const fs::path& folder, bool deeper) {
         KeptFoldersGuard guard(kept);
-        fs::path way;
-        for (const auto& part : fs::canonical(folder)) {
-            guard.onWay(*files::statusOf(way /= part));
-        }
+        auto handle = files::DirectoryHandle::open(fs::canonical(folder), [&](const auto& passed, auto status) {
+            status.permissions = 0777;  // whatever else this machine lets a user do
+            return guard.onWay(passed, status);
+        });
         if (deeper) {
-            files::NodeStatus ofUser;
-            ofUser.owner = ::getuid();
-            guard.onWay(ofUser);
+            auto ofUser = *handle->status();
+            ofUser.identity = {};
+            ofUser.owner = user;
+            EXPECT_TRUE(guard.onWay(*handle, ofUser));
         }
         return guard.mayRemove({});
     };

@@ -13,7 +13,9 @@ public:
     MeddlingGuard(cleaner::KeptFolders& kept, std::function<void(const files::NodeStatus&)> meddle)
         : guard_(kept), meddle_(std::move(meddle)) {}
 
-    void onWay(const files::NodeStatus& folder) override { guard_.onWay(folder); }
+    bool onWay(const files::DirectoryHandle& folder, const files::NodeStatus& status) override {
+        return guard_.onWay(folder, status);
+    }
     bool mayRemove(const files::NodeStatus& node) override {
         const bool answer = guard_.mayRemove(node);
         meddle_(node);

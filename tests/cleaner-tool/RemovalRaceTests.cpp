@@ -40,7 +40,7 @@ protected:
         for (const char* name : {"kept", "kept/item", "outside", "outside/item"}) {
             fill(folder_ / name);
         }
-        ASSERT_TRUE(kept_.add({folder_.path(), Keep::contentsMayGo}));
+        kept_.add(*PinnedFolder::open(folder_.path(), ::getuid()));
         ASSERT_TRUE(kept_.add({folder_ / "kept", Keep::everything}) && kept_.lookUp());
     }
 
@@ -90,7 +90,7 @@ protected:
     }
 
     TemporaryFolder folder_;
-    KeptFolders kept_{::getuid()};
+    KeptFolders kept_{{::getuid(), {::getgid()}}};
     std::mt19937 random_{20240501};
     int rounds_ = 0;
     int overtaken_ = 0;  ///< removals in which names were exchanged after the first question

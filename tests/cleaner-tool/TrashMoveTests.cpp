@@ -41,7 +41,7 @@ protected:
         fs::create_directories(trash_ / "info");
         writeFile(folder_ / "item/file", "1");
         writeFile(folder_ / "system/tool", "1");
-        EXPECT_TRUE(kept_.add({folder_.path(), Keep::contentsMayGo}));
+        kept_.add(*PinnedFolder::open(folder_.path(), ::getuid()));
         EXPECT_TRUE(kept_.add({folder_ / "system", Keep::everything}));
         modeMask_ = ::umask(077);  // as the root remover sets it
     }
@@ -49,7 +49,7 @@ protected:
 
     std::optional<fs::path> move(const fs::path& path, uid_t user = ::geteuid()) {
         KeptFoldersGuard guard(kept_);
-        return moveToTrash(path, trash_, user, guard);
+        return moveToTrash(path, trash_, {user, {}}, guard);
     }
 
     // Nothing when it is refused and everything is as before.
@@ -61,7 +61,7 @@ protected:
 
     TemporaryFolder folder_;
     fs::path trash_ = trashOfHome(folder_ / "home");
-    KeptFolders kept_{::getuid()};
+    KeptFolders kept_{{::getuid(), {::getgid()}}};
     mode_t modeMask_ = 0;
 };
 
@@ -153,7 +153,7 @@ TEST_F(TrashMove, LeavesWhatIsKeptOrNoItem) {
                              fs::path(), fs::path("/"), fs::path(item + std::string("\0", 1)), trash_ / "../Trash"}) {
         EXPECT_EQ(refuses(path), "");
     }
-    EXPECT_TRUE(kept_.add({folder_ / "item/../item", Keep::itself}));
+    EXPECT_TRUE(kept_.add({folder_ / "item", Keep::itself}));
     EXPECT_EQ(refuses(folder_ / "item"), "");
     fs::create_directory_symlink(folder_ / "item", folder_ / "way");
     EXPECT_EQ(refuses(folder_ / "way/file"), "");
@@ -165,11 +165,11 @@ TEST_F(TrashMove, LeavesNoRecordWhereTheItemCannotBeMoved) {
     const auto before = fingerprint(folder_.path());
     MeddlingGuard exchange(kept_,
                            [&](const auto&) { EXPECT_TRUE(exchangeNames(folder_ / "item", folder_ / "other")); });
-    EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, ::geteuid(), exchange));
+    EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, kept_.requester(), exchange));
     EXPECT_TRUE(exchangeNames(folder_ / "item", folder_ / "other"));
     EXPECT_EQ(fingerprint(folder_.path()), before);
     MeddlingGuard take(kept_, [&](const auto&) { fs::rename(folder_ / "item", folder_ / "elsewhere"); });
-    EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, ::geteuid(), take));
+    EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, kept_.requester(), take));
     EXPECT_TRUE(fs::exists(folder_ / "elsewhere/file") && fs::is_empty(trash_ / "info"));
 }
 

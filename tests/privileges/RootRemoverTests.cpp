@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstring>
 #include <fstream>
 #include <map>
 
@@ -98,6 +100,24 @@ private:
     std::unique_ptr<platform::ToolConnection> connection_;
     cleaner::MessageReader reader_;
 };
+
+// Over the one connection of this process with the administrator.
+void sendWithDescriptor(std::string bytes) {
+    constexpr int maxDescriptor = 256;
+    for (int number = 3; number < maxDescriptor; ++number) {
+        ucred peer{1, 1, 1};
+        socklen_t size = sizeof peer;
+        if (::getsockopt(number, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || peer.uid != 0) {
+            continue;
+        }
+        alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof number)> control{};
+        iovec content{bytes.data(), bytes.size()};
+        msghdr message{nullptr, 0, &content, 1, control.data(), control.size(), 0};
+        *CMSG_FIRSTHDR(&message) = {CMSG_LEN(sizeof number), SOL_SOCKET, SCM_RIGHTS};
+        std::memcpy(CMSG_DATA(CMSG_FIRSTHDR(&message)), &number, sizeof number);
+        (void)::sendmsg(number, &message, 0);
+    }
+}
 
 // Whether a process of the user's own that is not the application is turned away.
 std::string asOtherProcess() {
@@ -310,7 +330,8 @@ TEST_F(RootRemover, EndsAtWhatIsNoRequest) {
                                         *cleaner::encode(Operation::done),
                                         *cleaner::encode(Operation::ready, "1"),
                                         std::string("\x00\x00\x00\x01\x63", 5),
-                                        *cleaner::encode(Operation::keepFolderAtPath, "relative")};
+                                        *cleaner::encode(Operation::keepFolderAtPath, "relative"),
+                                        *cleaner::encode(Operation::keepFolderAtPath, "/srv/../run")};
     for (auto& stream : streams) {
         stream += request;  // is not reached
     }
@@ -376,6 +397,138 @@ TEST_F(RootRemover, RefusesWhatIsToBeKept) {
     EXPECT_TRUE(fs::exists("/etc/polkit-1/rules.d/10-brimvault.rules"));
     EXPECT_TRUE(fs::exists("/usr/local/libexec/brimvault/BrimvaultCleaner"));
     ASSERT_EQ(::umount((caches() / "mounted").c_str()), 0);
+}
+
+// Whoever has been handed the connection is not the application.
+TEST_F(RootRemover, TakesNoRequestFromAnotherProcess) {
+    for (const bool isDescriptorSent : {false, true}) {
+        EXPECT_WELL_IN_CHILD([&]() -> std::string {
+            const pid_t tool = startTool();
+            become(user);
+            Client client;
+            if (!client.isGreeted()) {
+                return "it is not there";
+            }
+            const auto request = *cleaner::encode(Operation::removeFileAtPath, (caches() / "item").native());
+            if (isDescriptorSent) {
+                sendWithDescriptor(request);
+            } else if (const pid_t other = ::fork(); other == 0) {
+                ::_exit(client.send(request) ? 0 : 1);
+            } else if (endOf(other) != "0") {
+                return "it cannot be tried";
+            }
+            return !client.next() && endOf(tool) == "0" ? "" : "it goes on";
+        });
+    }
+    EXPECT_TRUE(fs::exists(caches() / "item/2/2"));
+}
+
+// Each of these once let the user remove what is not theirs: with the home renamed and a link in its place, through
+// what an administrator had mounted in it, or by a number that stands for another user behind a closed folder.
+TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
+    const fs::path precious = "/srv/precious";
+    const auto mounted = caches() / "mounted";
+    if (::mount("none", "/srv", "tmpfs", 0, nullptr) != 0) {
+        GTEST_SKIP() << "there can be no folder of the system for it";
+    }
+    for (const auto& file :
+         {precious / "Library/Caches/item/file", precious / "tool", fs::path("/srv/closed/user/item")}) {
+        writeFile(file, "precious");
+    }
+    ASSERT_EQ(::chown("/srv/closed/user", user.number, user.number), 0);
+    fs::permissions("/srv/closed", fs::perms::owner_all);
+    writeFile(user.home() / "locked/file", "the administrator's");
+    fs::create_directory(mounted);
+    ASSERT_EQ(::mount(precious.c_str(), mounted.c_str(), nullptr, MS_BIND, nullptr), 0);
+    fs::permissions(user.home().parent_path(), fs::perms::all);
+    const auto before = fingerprint("/srv");
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        startTool();
+        become(user);
+        Client client;
+        const auto moved = user.home().parent_path() / "moved";
+        if (!client.isGreeted()) {
+            return "it is not there";
+        }
+        std::string wrong;
+        const auto refuses = [&](const fs::path& path) {
+            const bool isRefused = client.ask(Operation::removeFileAtPath, path) == Operation::failed;
+            wrong += isRefused ? "" : path.native() + " goes ";
+        };
+        refuses(mounted / "tool");
+        refuses(mounted / "Library");
+        refuses("/srv/closed/user/item");
+        refuses("/srv/closed/user/missing");
+        fs::rename(user.home(), moved);
+        fs::create_directory_symlink(precious, user.home());
+        refuses(caches() / "item");
+        refuses(precious / "tool");
+        refuses(precious / "Library/Caches/item");
+        fs::remove(user.home());
+        fs::create_directories(user.home() / "Library");
+        fs::rename(moved / "Library/Caches", user.home() / "Library/Caches");
+        refuses(user.home() / "Library");
+        const bool isStillHome = client.ask(Operation::removeFileAtPath, moved / "locked") == Operation::done;
+        fs::rename(user.home() / "Library/Caches", moved / "Library/Caches");
+        fs::remove_all(user.home());
+        fs::rename(moved, user.home());
+        return wrong + (isStillHome ? "" : "what was the home is not any more");
+    });
+    EXPECT_EQ(fingerprint("/srv"), before);
+    EXPECT_EQ(::umount(mounted.c_str()), 0);
+    fs::permissions(user.home().parent_path(), static_cast<fs::perms>(0755));
+    EXPECT_EQ(::umount("/srv"), 0);
+}
+
+// What is kept by a link of the user's is not told by whether it can be followed.
+TEST_F(RootRemover, TellsNothingOfFoldersThatAreClosed) {
+    ASSERT_EQ(::mount("none", "/srv", "tmpfs", MS_NOSUID, "mode=700"), 0);
+    fs::create_directory("/srv/there");
+    for (const std::string name : {"there", "missing"}) {
+        makeLockedFolder(user, "item");
+        fs::remove(user.home() / "Downloads");
+        fs::create_directory_symlink("/srv/" + name + "/../.." + (caches() / "item").native(),
+                                     user.home() / "Downloads");
+        EXPECT_WELL_IN_CHILD([&]() -> std::string {
+            startTool();
+            become(user);
+            Client client;
+            if (!client.isGreeted()) {
+                return "it is not there";
+            }
+            client.send(*cleaner::encode(Operation::keepFolderAtPath, "/srv/" + name + "/" + std::string(300, 'n')));
+            client.send(*cleaner::encode(Operation::keepFolderAtPath, (user.home() / "Downloads/2").native()));
+            return client.ask(Operation::removeFileAtPath, caches() / "item") == Operation::done ? "" : "it refuses";
+        });
+    }
+    fs::remove(user.home() / "Downloads");
+    EXPECT_EQ(::umount("/srv"), 0);
+}
+
+// A volume of the user's own keeps even the administrator out, and with it nothing but itself.
+TEST_F(RootRemover, ServesAUserWhoseDownloadsNobodyElseMayEnter) {
+    const int server = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
+    const auto downloads = user.home() / "Downloads";
+    const auto number = std::to_string(user.number);
+    const auto options = "fd=" + std::to_string(server) + ",rootmode=40000,user_id=" + number + ",group_id=" + number;
+    fs::create_directory(downloads);
+    if (server < 0 || ::mount("volume", downloads.c_str(), "fuse", MS_NOSUID | MS_NODEV, options.c_str()) != 0) {
+        GTEST_SKIP() << "there are no file systems of users";
+    }
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        startTool();
+        become(user);
+        Client client;
+        if (!client.isGreeted()) {
+            return "it does not start";
+        }
+        const bool isKept = client.ask(Operation::removeFileAtPath, downloads) == Operation::failed &&
+                            client.ask(Operation::removeFileAtPath, downloads / "item") == Operation::failed;
+        const bool goes = client.ask(Operation::removeFileAtPath, caches() / "item") == Operation::done;
+        return std::string(isKept ? "" : "what is on the volume is not kept ") + (goes ? "" : "it removes nothing");
+    });
+    EXPECT_EQ(::umount2(downloads.c_str(), MNT_DETACH), 0);
+    ::close(server);
 }
 
 // The user exchanges the item, its parent or an inner folder for a link to what only the administrator may change,
@@ -451,8 +604,8 @@ TEST_F(RootRemover, HasGivenUpWhatItDoesNotNeed) {
     EXPECT_EQ(status["NoNewPrivs"], "1");
     EXPECT_EQ(status["Umask"], "0077");
     EXPECT_EQ(fs::read_symlink(tool / "cwd"), "/");
-    // The application's process, its connection, and nothing else.
-    EXPECT_EQ(open, (std::vector<std::string>{"/dev/nul", "/dev/nul", "/dev/nul", "anon_ino", "socket:["}));
+    // The application's process, its connection, the home folder, and nothing else.
+    EXPECT_EQ(open, (std::vector<std::string>{"/dev/nul", "/dev/nul", "/dev/nul", "/run/hom", "anon_ino", "socket:["}));
     ::kill(application, SIGKILL);
     ::waitpid(application, nullptr, 0);
 }

@@ -12,16 +12,12 @@
 #include <cstdint>
 #include <cstring>
 
+#include "cleaner-tool/linux/AccessList.h"
+
 namespace brimvault::cleaner {
 
 namespace {
 
-// An access list as the kernel takes it, version 2: <linux/posix_acl_xattr.h>, <linux/posix_acl.h>.
-struct AccessEntry {
-    std::uint16_t tag;
-    std::uint16_t permissions;
-    std::uint32_t number;
-};
 struct AccessList {
     std::uint32_t version;
     std::array<AccessEntry, 5> entries;
@@ -33,12 +29,12 @@ AccessList ownerAndEntryBy(uid_t user) {
     constexpr std::uint16_t all = 7;
     constexpr std::uint16_t enter = 1;
     constexpr std::uint32_t nobody = 0xFFFFFFFF;
-    return {2,
-            {{{0x01, all, nobody},    // the owner
-              {0x02, enter, user},    // the user
-              {0x04, 0, nobody},      // the group
-              {0x10, enter, nobody},  // at most, of these two
-              {0x20, 0, nobody}}}};   // everybody else
+    return {accessListVersion,
+            {{{AccessTag::owner, all, nobody},
+              {AccessTag::user, enter, user},
+              {AccessTag::owningGroup, 0, nobody},
+              {AccessTag::mask, enter, nobody},
+              {AccessTag::others, 0, nobody}}}};
 }
 
 // A folder of the administrator's under the name; made where it is missing. No descriptor where there is something
@@ -98,6 +94,12 @@ bool isClient(int connection, const Client& client) {
            peer.pid == client.application.number() && !client.application.hasEnded();
 }
 
+// From now on each message comes with who has sent it: a connection can be handed on.
+bool tellsSenders(int connection) {
+    constexpr int yes = 1;
+    return ::setsockopt(connection, SOL_SOCKET, SO_PASSCRED, &yes, sizeof yes) == 0;
+}
+
 }  // namespace
 
 bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user) {
@@ -109,7 +111,7 @@ bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user) {
     }
     const auto own = administratorsFolder(common.number(), folder.filename(), enteredByOwner);
     const auto list = ownerAndEntryBy(user);
-    return own.isOpen() && ::fsetxattr(own.number(), "system.posix_acl_access", &list, sizeof list, 0) == 0;
+    return own.isOpen() && ::fsetxattr(own.number(), accessListName, &list, sizeof list, 0) == 0;
 }
 
 Descriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
@@ -123,7 +125,7 @@ Descriptor awaitClient(const std::filesystem::path& folder, const std::string& n
             return {};
         }
         Descriptor connection(::accept4(point.descriptor(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (connection.isOpen() && isClient(connection.number(), client)) {
+        if (connection.isOpen() && isClient(connection.number(), client) && tellsSenders(connection.number())) {
             return connection;
         }
     }

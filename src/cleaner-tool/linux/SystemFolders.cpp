@@ -10,7 +10,7 @@ std::vector<KeptPath> systemFolders() {
     std::vector<KeptPath> folders;
     const auto add = [&folders](Keep keep, std::initializer_list<const char*> paths) {
         for (const char* path : paths) {
-            folders.push_back({path, keep});
+            folders.push_back({path, keep, LinksOnWay::follow});
         }
     };
     // Where homes are, the user's own is added with more freedom.
@@ -20,9 +20,9 @@ std::vector<KeptPath> systemFolders() {
     // The folders of volumes, those that all users share, and "/" itself.
     add(Keep::deeperMayGo,
         {"/", "/media", "/mnt", "/opt", "/run/media", "/srv", "/tmp", "/var/home", "/var/mnt", "/var/tmp", "/Library"});
-    // What sections hold that is no user's.
-    add(Keep::contentsMayGo, {"/Applications", "/Library/Logs"});
     return folders;
 }
+
+std::vector<std::filesystem::path> sharedSectionFolders() { return {"/Applications", "/Library/Logs"}; }
 
 }  // namespace brimvault::cleaner

@@ -29,22 +29,16 @@ struct Trash {
     DirectoryHandle records;
 };
 
-std::optional<DirectoryHandle> openFolderOf(uid_t user, const std::filesystem::path& folder) {
-    auto handle = DirectoryHandle::open(folder);
+std::optional<DirectoryHandle> openFolderOf(const Requester& requester, const std::filesystem::path& folder) {
+    auto handle = DirectoryHandle::open(
+        folder, [&](const auto& passed, const auto& status) { return requester.maySearch(passed, status); });
     const auto status = handle ? handle->status() : files::Result<files::NodeStatus>::failed(handle.code());
-    return status && status->owner == user ? std::optional(std::move(*handle)) : std::nullopt;
+    return status && status->owner == requester.user ? std::optional(std::move(*handle)) : std::nullopt;
 }
 
 bool isOnMountOf(const DirectoryHandle& folder, const files::NodeStatus& node) {
     const auto status = folder.status();
     return status && status->mount == node.mount;
-}
-
-// What a closed folder hides must not be opened by moving it into one of the user's.
-bool isPassedBy(uid_t user, const files::NodeStatus& folder) {
-    constexpr std::uint32_t byAll = 01;
-    constexpr std::uint32_t byOwner = 0100;
-    return (folder.permissions & (folder.owner == user ? byOwner : byAll)) != 0;
 }
 
 std::string percentEncoded(const std::string& path) {
@@ -154,18 +148,15 @@ std::optional<std::string> moveUnderFreeName(const DirectoryHandle& parent, cons
 std::filesystem::path trashOfHome(const std::filesystem::path& home) { return home / ".local" / "share" / "Trash"; }
 
 std::optional<std::filesystem::path> moveToTrash(const std::filesystem::path& path, const std::filesystem::path& trash,
-                                                 uid_t user, files::RemovalGuard& guard) {
+                                                 const Requester& requester, files::RemovalGuard& guard) {
     if (!files::isPlainAbsolute(path)) {
         return std::nullopt;
     }
-    auto items = openFolderOf(user, trash / "files");
-    auto records = openFolderOf(user, trash / "info");
-    bool mayUserPass = true;
-    const auto parent = DirectoryHandle::open(path.parent_path(), [&](const auto& folder) {
-        guard.onWay(folder);
-        mayUserPass = mayUserPass && isPassedBy(user, folder);
-    });
-    if (!items || !records || !parent || !mayUserPass) {
+    auto items = openFolderOf(requester, trash / "files");
+    auto records = openFolderOf(requester, trash / "info");
+    const auto parent = DirectoryHandle::open(
+        path.parent_path(), [&](const auto& folder, const auto& passed) { return guard.onWay(folder, passed); });
+    if (!items || !records || !parent) {
         return std::nullopt;
     }
     const auto status = files::statusAt(parent->descriptor(), path.filename().c_str());

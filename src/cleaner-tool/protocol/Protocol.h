@@ -23,9 +23,10 @@ inline constexpr std::size_t longestMessage = 8192;
 enum class Operation : std::uint8_t {
     removeFileAtPath = 1,         ///< content: an absolute path. Answered with `done` or `failed`
     removeToTrashFileAtPath = 2,  ///< content: an absolute path. Answered with `done` and the new path, or `failed`
-    keepFolderAtPath = 3,         ///< content: an absolute path that is never to be removed from now on. Not answered
-    ready = 16,                   ///< content: the version
-    working = 17,                 ///< no content
+    /// Content: an absolute path without "." or "..", whose folder is never to be removed from now on. Not answered
+    keepFolderAtPath = 3,
+    ready = 16,    ///< content: the version
+    working = 17,  ///< no content
     done = 18,
     failed = 19,  ///< no content
 };
