@@ -1,5 +1,7 @@
 #include "engine/RootRemover.h"
 
+#include "files/Remove.h"
+
 namespace brimvault::engine {
 
 using cleaner::Operation;
@@ -24,8 +26,13 @@ bool RootRemover::respondsToRemoveFileAtPath() {
     return isReady_ && connection_;
 }
 
+// The tool takes plain paths alone, and "/home/name/" is none.
 void RootRemover::keepFolderAtPath(const std::filesystem::path& folder) {
-    (void)send(Operation::keepFolderAtPath, folder);
+    const auto normal = folder.lexically_normal();
+    const auto plain = normal.has_filename() ? normal : normal.parent_path();
+    if (files::isPlainAbsolute(plain)) {
+        (void)send(Operation::keepFolderAtPath, plain);
+    }
 }
 
 bool RootRemover::removeFileAtPath(const std::filesystem::path& path) {

@@ -23,10 +23,12 @@ public:
     virtual ~Authorization() = default;
 
     /// YES when all of the rights are held now. With interaction, the user may be asked for an administrator's
-    /// password; once `givesUp` answers true, the question is withdrawn and the answer is NO.
+    /// password; once `givesUp` answers true, the question is withdrawn and the answer is NO. Where what is granted
+    /// holds for one use, YES says that the user will be asked by the start of the program, which is given up alike.
     [[nodiscard]] virtual bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
                                           const std::function<bool()>& givesUp) = 0;
-    /// Starts the program with the administrator's rights and does not wait for it. YES when it was started.
+    /// Starts the program with the administrator's rights and does not wait for it, but for the user's answer where
+    /// that is asked for now. YES when it was started.
     [[nodiscard]] virtual bool executeWithPrivileges(const std::filesystem::path& tool,
                                                      const std::vector<std::string>& arguments) = 0;
     /// Whether the program that was started last has not ended yet. Takes note, for the system, of all that have.

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -135,6 +137,51 @@ TEST(PrivilegedClean, WithdrawsTheQuestionWhenItIsStopped) {
         const auto result = trial.finishClean();
         return firstOf({asked ? "" : "nobody is asked", expected(result, 0, {"first"}),
                         comes([&] { return trial.questions() == 2; }) ? "" : "the question stays"});
+    });
+}
+
+// Who is not at the machine itself is asked by the start of the tool, once as well.
+TEST(PrivilegedClean, AsksOnceWhereWhatIsGrantedIsNotKept) {
+    makeThreeItems(remoteUser);
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(remoteUser, Agent::refuses);
+        return firstOf({expected(trial.clean(threeItems), 1, {"first", "second"}), expectQuestions(trial, 1),
+                        expected(trial.clean({"first"}), 0, {"first"}), expectQuestions(trial, 2)});
+    });
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(remoteUser, Agent::hesitates);
+        trial.beginClean({"first", "second"});
+        const bool asked = comes([&] { return trial.questions() == 1; });
+        trial.stopClean();
+        return firstOf({asked ? "" : "nobody is asked", expected(trial.finishClean(), 0, {"first"}),
+                        comes([&] { return trial.questions() == 2; }) ? "" : "the question stays"});
+    });
+    EXPECT_WELL_IN_CHILD([] {
+        Trial trial(remoteUser, Agent::grants);
+        return firstOf({expected(trial.clean({"first", "second"}), 2, {}), expectQuestions(trial, 1)});
+    });
+}
+
+TEST(PrivilegedClean, LetsNoOtherProcessOfTheUserTakeTheConnection) {
+    makeThreeItems(mayRemove);
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        Trial trial(mayRemove, Agent::none);
+        if (::prctl(PR_SET_DUMPABLE, 1, 0, 0, 0) != 0 || !expected(trial.clean({"first"}), 1, {}).empty()) {
+            return "nothing goes";
+        }
+        const pid_t application = ::getpid();
+        const pid_t other = ::fork();
+        if (other == 0) {
+            const auto held = static_cast<int>(::syscall(SYS_pidfd_open, application, 0U));
+            bool isTaken = false;
+            for (int number = 0; number < 64; ++number) {
+                isTaken = ::syscall(SYS_pidfd_getfd, held, number, 0U) >= 0 || isTaken;
+            }
+            ::_exit(held >= 0 && !isTaken ? 0 : 1);
+        }
+        int status = 1;
+        ::waitpid(other, &status, 0);
+        return status == 0 ? "" : "a descriptor was taken";
     });
 }
 

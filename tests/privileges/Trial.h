@@ -25,6 +25,7 @@ struct User {
 inline constexpr User mayRemove{"may", 60001};      ///< without being asked
 inline constexpr User deniedUser{"denied", 60002};  ///< without being asked
 inline constexpr User askedUser{"asked", 60003};
+inline constexpr User remoteUser{"remote", 60004};  ///< asked each time: what is granted is not kept
 
 enum class Agent { none, grants, refuses, hesitates };
 

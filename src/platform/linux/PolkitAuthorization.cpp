@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,6 +20,8 @@
 #include <limits>
 #include <optional>
 #include <sstream>
+#include <thread>
+#include <utility>
 
 #include "platform/Authorization.h"
 #include "platform/System.h"
@@ -32,8 +35,12 @@
 // process alone. Within them pkexec, which starts the program, asks for its parent, which is this process, and finds
 // the right there: the user is not asked a second time.
 //
-// Where an administrator's own rule asks for the password without keeping what it grants (auth_admin), there is nothing
-// for the second check to find, and the answer is NO.
+// Where what is granted is not kept (auth_admin: sessions that are not at the machine itself, and an administrator's
+// own rules), there would be nothing for the second check to find. There pkexec alone asks, and is waited for until it
+// has become the program or has ended.
+//
+// Whoever could read the memory of this process, or take its descriptors, would have what the user granted to it. From
+// the first question on, other processes of the user can do neither (PR_SET_DUMPABLE); one that traces it already can.
 
 namespace brimvault::platform {
 
@@ -68,6 +75,7 @@ using Details = QMap<QString, QString>;
 
 constexpr const char* launcher = "/usr/bin/pkexec";
 constexpr std::chrono::seconds answerLimit{5};  // for what asks nobody
+constexpr std::chrono::milliseconds pollInterval{100};
 constexpr std::chrono::milliseconds withoutLimit{std::numeric_limits<int>::max()};
 
 QString actionName() { return QStringLiteral("com.quorvel.brimvault.remove"); }
@@ -103,7 +111,8 @@ QDBusMessage requestTo(const QString& method) {
 
 struct Standing {
     bool isAuthorized = false;
-    QString keptAs;  ///< the name of what was granted for some minutes; empty for a right that is always held
+    bool isForOneUse = false;  ///< what the user would grant
+    QString keptAs;            ///< the name of what was granted for some minutes; empty for a right that is always held
 };
 
 std::optional<Standing> standingIn(const QDBusMessage& answer) {
@@ -117,6 +126,8 @@ std::optional<Standing> standingIn(const QDBusMessage& answer) {
     argument.beginStructure();
     argument >> standing.isAuthorized >> isChallenge >> details;
     argument.endStructure();
+    standing.isForOneUse =
+        isChallenge && details.value(QStringLiteral("polkit.retains_authorization_after_challenge")).isEmpty();
     standing.keptAs = details.value(QStringLiteral("polkit.temporary_authorization_id"));
     return standing;
 }
@@ -145,21 +156,30 @@ public:
     PolkitAuthorization() {
         qDBusRegisterMetaType<PolkitSubject>();
         qDBusRegisterMetaType<Details>();
+        (void)::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
     }
 
     bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
                     const std::function<bool()>& givesUp) override {
-        return std::all_of(rights.begin(), rights.end(), isKnown) && isActionAuthorized(interaction, givesUp);
+        if (!std::all_of(rights.begin(), rights.end(), isKnown)) {
+            return false;
+        }
+        if (interaction == Interaction::allowed && isForOneUse_) {
+            startGivesUp_ = givesUp;
+            return true;
+        }
+        return startGivesUp_ || isActionAuthorized(interaction, givesUp);
     }
 
     bool executeWithPrivileges(const std::filesystem::path& tool, const std::vector<std::string>& arguments) override {
         std::vector<std::string> words = {launcher, "--disable-internal-agent", tool};
         words.insert(words.end(), arguments.begin(), arguments.end());
+        const auto givesUp = std::exchange(startGivesUp_, {});
         const auto child = spawn(std::move(words));
         if (child) {
             tools_.push_back(*child);
         }
-        return child.has_value();
+        return child && (!givesUp || isGrantedTo(*child, tool, givesUp));
     }
 
     bool isToolRunning() override {
@@ -188,6 +208,30 @@ private:
         return isNoMoreWaitedFor ? ::kill(tool, 0) != 0 && errno != EPERM : ended != 0;
     }
 
+    // The launcher asks, and becomes the program once that is granted.
+    bool isGrantedTo(pid_t launched, const std::filesystem::path& tool, const std::function<bool()>& givesUp) {
+        constexpr std::size_t maxLength = 15;  // of a name, as the system tells it
+        const auto name = tool.filename().native().substr(0, maxLength);
+        while (isToolRunning()) {
+            if (nameOf(launched) == name) {
+                return true;
+            }
+            if (givesUp()) {
+                ::kill(launched, SIGTERM);  // with it goes its question
+                return false;
+            }
+            std::this_thread::sleep_for(pollInterval);
+        }
+        return false;
+    }
+
+    static std::string nameOf(pid_t process) {
+        std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+        std::string name;
+        std::getline(file, name);
+        return name;
+    }
+
     bool isActionAuthorized(Interaction interaction, const std::function<bool()>& givesUp) {
         const bool mayAsk = interaction == Interaction::allowed;
         if (mayAsk && !answers_) {
@@ -206,13 +250,16 @@ private:
         if (!standing) {
             return false;
         }
+        isForOneUse_ = standing->isForOneUse;
         keptAs_ = standing->keptAs.isEmpty() ? keptAs_ : standing->keptAs;
         return standing->isAuthorized;
     }
 
     QString keptAs_;
-    std::vector<pid_t> tools_;  ///< that have been started, and whose end has not been seen yet
-    bool answers_ = true;       ///< polkit did, when it was asked last
+    bool isForOneUse_ = false;            ///< as was told last
+    std::function<bool()> startGivesUp_;  ///< set while the next start may ask
+    std::vector<pid_t> tools_;            ///< that have been started, and whose end has not been seen yet
+    bool answers_ = true;                 ///< polkit did, when it was asked last
 };
 
 }  // namespace
