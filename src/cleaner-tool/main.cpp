@@ -32,7 +32,6 @@
 namespace {
 
 using namespace brimvault::cleaner;
-namespace files = brimvault::files;
 
 constexpr std::chrono::seconds patience{10};  // the application gives up waiting for the tool after five
 
