@@ -19,41 +19,51 @@ public:
     Batch(const DirectoryHandle& folder, std::uint64_t mount, const std::stop_token& stop)
         : folder_(folder), mount_(mount), stop_(stop) {}
 
-    void add(const DirectoryEntry& entry) {
-        listed_.push_back({names_.size(), entry.kind});
+    void add(const DirectoryEntry& entry, Sizes sizes) {
+        listed_.push_back({names_.size(), entry.kind, sizes});
         names_.append(entry.name).push_back('\0');
     }
     [[nodiscard]] bool isFull() const { return listed_.size() >= mostAhead; }
 
-    // Whether all were told; empties the batch.
+    // Whether all were told; empties the batch, which nobody measures any more by then.
     bool tell(const std::function<bool(const MeasurableEntry&)>& call) {
-        std::vector<std::size_t> folders;
-        for (std::size_t number = 0; number < listed_.size(); ++number) {
-            if (listed_[number].kind == NodeKind::directory) {
-                folders.push_back(number);
-            }
-        }
-        AheadOf<std::uint64_t> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
-        std::size_t nextFolder = 0;
-        for (std::size_t number = 0; number < listed_.size(); ++number) {
-            const bool isFolder = listed_[number].kind == NodeKind::directory;
-            const std::size_t place = isFolder ? nextFolder++ : 0;
-            const std::function<std::uint64_t()> size = [&] { return isFolder ? ahead.take(place) : measure(number); };
-            if (stop_.stop_requested() || !call({nameOf(number), listed_[number].kind, size})) {
-                return false;
-            }
-        }
+        const bool goesOn = tellEach(call);
         listed_.clear();
         names_.clear();
-        return true;
+        return goesOn;
     }
 
 private:
     struct Listed {
         std::size_t name;  ///< where it begins
         NodeKind kind;
+        Sizes sizes;
     };
 
+    bool tellEach(const std::function<bool(const MeasurableEntry&)>& call) const {
+        std::vector<std::size_t> folders;
+        for (std::size_t number = 0; number < listed_.size(); ++number) {
+            if (isMeasuredAhead(number)) {
+                folders.push_back(number);
+            }
+        }
+        AheadOf<std::uint64_t> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
+        std::size_t nextFolder = 0;
+        for (std::size_t number = 0; number < listed_.size(); ++number) {
+            const bool isAhead = isMeasuredAhead(number);
+            const std::size_t place = isAhead ? nextFolder++ : 0;
+            const std::function<std::uint64_t()> size = [&] { return isAhead ? ahead.take(place) : measure(number); };
+            const auto& [name, kind, sizes] = listed_[number];
+            if (stop_.stop_requested() || !call({nameOf(number), kind, sizes, size})) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool isMeasuredAhead(std::size_t number) const {
+        return listed_[number].kind == NodeKind::directory && listed_[number].sizes == Sizes::wanted;
+    }
     [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
     [[nodiscard]] std::uint64_t measure(std::size_t number) const {
         return measureEntry(folder_, {nameOf(number), listed_[number].kind}, mount_, stop_);
@@ -69,6 +79,7 @@ private:
 }  // namespace
 
 int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
+                      const std::function<Sizes(const char* name)>& sizes,
                       const std::function<bool(const MeasurableEntry&)>& call) {
     const auto opened = DirectoryHandle::openForReading(folder);
     const auto status = opened ? opened->status() : Result<NodeStatus>::failed(opened.code());
@@ -85,7 +96,7 @@ int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden,
             return false;
         }
         if (hidden == HiddenEntries::include || entry.name[0] != '.') {
-            batch.add(entry);
+            batch.add(entry, sizes(entry.name));
         }
         goesOn = !batch.isFull() || batch.tell(call);
         return goesOn;

@@ -21,9 +21,12 @@ void FileScanOperation::iterateFiles(const std::filesystem::path& folder, files:
 
 void FileScanOperation::collectFilesIn(const std::filesystem::path& folder, files::HiddenEntries hidden,
                                        Addressed addressed, ScanBatches& batches, const Skipped& skipped) const {
-    (void)files::forEachMeasurable(folder, hidden, stopToken(), [&](const files::MeasurableEntry& entry) {
+    const auto sizes = [&](const char* name) {
+        return skipped && skipped(name) ? files::Sizes::unwanted : files::Sizes::wanted;
+    };
+    (void)files::forEachMeasurable(folder, hidden, stopToken(), sizes, [&](const files::MeasurableEntry& entry) {
         batches.step();
-        if (skipped && skipped(entry.name)) {
+        if (entry.sizes == files::Sizes::unwanted) {
             return true;
         }
         const quint64 size = entry.size();
