@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <system_error>
 
 #include "files/Measure.h"
 
@@ -13,6 +14,10 @@ SizeCalculation& SizeCalculation::sharedInstance() {
 }
 
 std::uint64_t SizeCalculation::getFolderSize(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (!DirectoryHandle::openForReading(std::filesystem::absolute(path, ignored).lexically_normal())) {
+        return 0;
+    }
     try {
         runningTotal_ += measureContents(path).regularFiles;
     } catch (const std::bad_alloc&) {

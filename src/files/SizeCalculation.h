@@ -14,8 +14,9 @@ public:
     static SizeCalculation& sharedInstance();
 
     /// Adds the lengths of the regular files in the folder to a total that the process keeps and never resets, and
-    /// answers that total: the answer of a second call holds both. Not to be used by two threads at once. Ends the
-    /// process with status 1 when memory runs out.
+    /// answers that total: the answer of a second call holds both. 0 for what cannot be opened as a folder, which
+    /// leaves the total as it is. Not to be used by two threads at once. Ends the process with status 1 when memory
+    /// runs out.
     std::uint64_t getFolderSize(const std::filesystem::path& path);
 
     /// Bytes on disk of everything in the folder that is no folder itself; links count as small files. Any thread.

@@ -132,8 +132,21 @@ TEST(SizeCalculation, KeepsARunningTotalOfRegularFiles) {
     files::SizeCalculation calculation;
     EXPECT_EQ(calculation.getFolderSize(folder / "first"), 5U);
     EXPECT_EQ(calculation.getFolderSize(folder / "second"), 12U);
-    EXPECT_EQ(calculation.getFolderSize(folder / "missing"), 12U);
-    EXPECT_EQ(calculation.getFolderSize(folder / "first/link"), 12U);
+    fs::create_directory(folder / "empty");
+    EXPECT_EQ(calculation.getFolderSize(folder / "empty"), 12U);
+    for (const char* noFolder : {"missing", "first/file", "first/link", "first/file/inner"}) {
+        EXPECT_EQ(calculation.getFolderSize(folder / noFolder), 0U) << noFolder;
+    }
+    EXPECT_EQ(calculation.getFolderSize(folder / "first"), 17U);
+    giveToNobody(folder.path());
+    fs::permissions(folder / "second", fs::perms::none);
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        becomeNobody();
+        const auto closed = calculation.getFolderSize(folder / "second");
+        const auto after = calculation.getFolderSize(folder / "first");
+        return closed == 0 && after == 22 ? "" : std::to_string(closed) + " and " + std::to_string(after);
+    });
+    fs::permissions(folder / "second", fs::perms::owner_all);
 }
 
 TEST(SizeCalculation, CountsBytesOnDiskForTheFastSize) {
