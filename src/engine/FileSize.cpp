@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "engine/FileManager.h"
+#include "platform/DecimalText.h"
 
 namespace brimvault::engine {
 
@@ -20,20 +21,11 @@ QString withUnit(const QString& number, std::size_t unit) {
     return number + QLatin1Char(' ') + QLatin1String(units[unit]);
 }
 
-// Rounded to the nearest, halves to the even digit, with a point in every locale.
-QString fixed(double value, int decimals) {
+// Rounded to the nearest as it is held, halves to the even digit.
+QString whole(double value) {
     std::array<char, 32> text{};
-    const auto end = std::to_chars(text.begin(), text.end(), value, std::chars_format::fixed, decimals).ptr;
+    const auto end = std::to_chars(text.begin(), text.end(), value, std::chars_format::fixed, 0).ptr;
     return QString::fromLatin1(text.data(), end - text.data());
-}
-
-// At most that many decimals, none of them a trailing zero.
-QString number(double value, int decimals) {
-    QString text = fixed(value, decimals);
-    while (text.endsWith(QLatin1Char('0'))) {
-        text.chop(1);
-    }
-    return text.endsWith(QLatin1Char('.')) ? text.chopped(1) : text;
 }
 
 }  // namespace
@@ -48,7 +40,7 @@ QString FileSize::formatMemoryStringDot0(quint64 bytes) {
     for (; value >= step && unit < terabytes; ++unit) {
         value /= step;
     }
-    return withUnit(fixed(value, 0), unit);
+    return withUnit(whole(value), unit);
 }
 
 QString FileSize::formatMemoryStringDot1(quint64 bytes) {
@@ -59,8 +51,9 @@ QString FileSize::formatMemoryStringDot1(quint64 bytes) {
         ++thousands;
     }
     constexpr double twoDecimalsBelow = 100.0;
-    const QString text = thousands == 0 ? QString::number(bytes) : number(value, value < twoDecimalsBelow ? 2 : 1);
-    return withUnit(text, std::min(thousands, lastUnit));
+    const QString text =
+        value < twoDecimalsBelow ? platform::withAtMostTwoDecimals(value) : platform::withAtMostOneDecimal(value);
+    return text.isEmpty() ? text : withUnit(text, std::min(thousands, lastUnit));
 }
 
 QString FileSize::getDisplayNameAtPath(const std::filesystem::path& path) {

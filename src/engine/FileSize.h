@@ -13,8 +13,9 @@ class FileSize {
 public:
     /// Whole numbers, B to TB; the unit is chosen before rounding, so 999,999 bytes are "1000 KB".
     [[nodiscard]] static QString formatMemoryStringDot0(quint64 bytes);
-    /// At most two decimals below 100 of a unit, at most one above, none that are zero; B to PB. What every size in the
-    /// window is shown with.
+    /// At most two decimals below 100 of a unit, at most one above, no trailing zeros; halves go to the even digit of
+    /// the decimal number, and the unit is chosen before rounding; B to PB. What every size in the window is shown
+    /// with.
     [[nodiscard]] static QString formatMemoryStringDot1(quint64 bytes);
 
     /// The same for a number of a notification.
