@@ -16,6 +16,10 @@ public:
                                                          std::size_t mostBytes);
     /// Of a path, whose links are followed; else the same.
     [[nodiscard]] static std::optional<std::string> read(const std::filesystem::path& file, std::size_t mostBytes);
+
+    /// For a library that opens the file by itself: whether what is there now, or nothing, neither keeps it waiting nor
+    /// has it take in more than that many bytes.
+    [[nodiscard]] static bool isHarmless(const std::filesystem::path& file, std::size_t mostBytes);
 };
 
 }  // namespace brimvault::platform

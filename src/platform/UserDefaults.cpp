@@ -2,67 +2,103 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
+#include <QSaveFile>
 #include <QStringDecoder>
 #include <algorithm>
 #include <limits>
+#include <system_error>
 
+#include "platform/FileContents.h"
 #include "platform/LibraryURLs.h"
 
 namespace brimvault::platform {
 
 namespace {
 
+namespace fs = std::filesystem;
+
+constexpr std::size_t largestFile = 1024UL * 1024;  // the program itself writes some dozens of lines
+constexpr const char* group = "General";
+
 enum class FileState { usable, damaged, unreadable };
 
+struct Found {
+    FileState state;
+    SettingsText text;
+};
+
 // Settings are plain text. What holds anything else would be read as if it were, and be lost with the next change.
-FileState stateOf(const QString& name) {
-    const QFileInfo info(name);
-    if (!info.exists() && !info.isSymLink()) {
-        return FileState::usable;
-    }
-    QFile file(name);
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {  // opening a pipe would wait for whoever writes to it
-        return FileState::unreadable;
-    }
+bool isPlainText(const std::string& contents) {
     QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text = decoder(file.readAll());
-    const bool plain = std::none_of(text.begin(), text.end(), [](QChar character) {
+    const QString text = decoder(QByteArrayView(contents));
+    return !decoder.hasError() && std::none_of(text.begin(), text.end(), [](QChar character) {
         return character.category() == QChar::Other_Control && !character.isSpace();
     });
-    return plain && !decoder.hasError() ? FileState::usable : FileState::damaged;
 }
 
-std::unique_ptr<QSettings> openSettings(const QString& file) {
-    auto settings = std::make_unique<QSettings>(file, QSettings::IniFormat);
-    (void)settings->allKeys();  // the lines are read on first use only, and the status tells of them then
-    return settings;
+Found look(const fs::path& file) {
+    const auto contents = FileContents::read(file, largestFile);
+    if (!contents) {
+        std::error_code ignored;
+        const bool isMissing = fs::symlink_status(file, ignored).type() == fs::file_type::not_found;
+        return {isMissing ? FileState::usable : FileState::unreadable, {}};
+    }
+    SettingsText text(*contents);
+    const bool isGood = text.isUnderstood() && isPlainText(*contents);
+    return {isGood ? FileState::usable : FileState::damaged, std::move(text)};
 }
 
-bool moveAside(const QString& file) {
-    const QString aside = file + QStringLiteral(".damaged-") +
-                          QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmss-zzz"));
-    return QFile::rename(file, aside);
+bool moveAside(const fs::path& file) {
+    const auto time = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-hhmmss-zzz")).toStdString();
+    std::error_code failed;
+    fs::rename(file, file.native() + ".damaged-" + time, failed);
+    return !failed;
+}
+
+// The whole file takes the place of the one before, or nothing does.
+bool save(const fs::path& path, const std::string& text) {
+    std::error_code failed;
+    fs::create_directories(path.parent_path(), failed);
+    const bool isNew = !fs::exists(path, failed);
+    QSaveFile file(QFile::decodeName(path.c_str()));
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    if (isNew) {
+        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+    return file.write(QByteArray::fromStdString(text)) == static_cast<qint64>(text.size()) && file.commit();
+}
+
+// Letters and digits as they are, anything else by its number: as the file has always had it.
+std::string nameInFile(const QString& key) {
+    QString name;
+    for (const QChar character : key) {
+        const ushort code = character.unicode();
+        if (code < 0x80 && (character.isLetterOrNumber() || QStringLiteral("_-.").contains(character))) {
+            name.append(character);
+        } else {
+            name += code > 0xff ? QStringLiteral("%U%1").arg(code, 4, 16, QLatin1Char('0'))
+                                : QStringLiteral("%%1").arg(code, 2, 16, QLatin1Char('0')).toUpper();
+        }
+    }
+    return name.toStdString();
 }
 
 }  // namespace
 
-UserDefaults::UserDefaults(const std::filesystem::path& file) {
-    const QString name = QFile::decodeName(file.c_str());
-    const FileState state = stateOf(name);
-    if (state == FileState::unreadable) {
-        writable_ = false;
-        return;
+UserDefaults::UserDefaults(fs::path file) : file_(std::move(file)) { takeIn(); }
+
+// What another process has changed meanwhile is kept, and what has become of the file is seen.
+void UserDefaults::takeIn() {
+    auto found = look(file_);
+    if (found.state == FileState::usable) {
+        text_ = std::move(found.text);
     }
-    settings_ = openSettings(name);
-    if (state == FileState::damaged || settings_->status() == QSettings::FormatError) {
-        settings_.reset();
-        writable_ = moveAside(name);
-        settings_ = openSettings(name);
-    }
+    writable_ = found.state == FileState::usable || (found.state == FileState::damaged && moveAside(file_));
 }
 
-std::filesystem::path UserDefaults::standardFile() { return LibraryURLs::getPreferencesFolderURL() / "defaults.ini"; }
+fs::path UserDefaults::standardFile() { return LibraryURLs::getPreferencesFolderURL() / "defaults.ini"; }
 
 std::optional<quint64> UserDefaults::number(const QString& key) const {
     bool reads = false;
@@ -92,20 +128,32 @@ void UserDefaults::increase(const QString& key) {
 }
 
 QString UserDefaults::text(const QString& key) const {
-    const auto unsaved = unsaved_.constFind(key);
-    if (unsaved != unsaved_.constEnd()) {
-        return *unsaved;
+    const auto name = nameInFile(key);
+    if (const auto unsaved = unsaved_.find(name); unsaved != unsaved_.end()) {
+        return QString::fromStdString(unsaved->second);
     }
-    return settings_ ? settings_->value(key).toString() : QString();
+    for (const char* place : {group, ""}) {
+        if (const auto value = text_.value(place, name)) {
+            return QString::fromStdString(*value);
+        }
+    }
+    return {};
 }
 
 void UserDefaults::write(const QString& key, const QString& value) {
+    unsaved_.insert_or_assign(nameInFile(key), value.toStdString());
+    if (writable_) {
+        takeIn();
+    }
     if (!writable_) {
-        unsaved_.insert(key, value);
         return;
     }
-    settings_->setValue(key, value);
-    settings_->sync();
+    for (const auto& [name, unsaved] : unsaved_) {
+        text_.setValue(group, name, unsaved);
+    }
+    if (save(file_, text_.text())) {
+        unsaved_.clear();
+    }
 }
 
 }  // namespace brimvault::platform

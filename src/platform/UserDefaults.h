@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QMap>
-#include <QSettings>
 #include <QString>
+#include <QtGlobal>
 #include <filesystem>
-#include <memory>
 #include <optional>
+
+#include "platform/SettingsText.h"
 
 namespace brimvault::platform {
 
@@ -13,11 +13,12 @@ namespace brimvault::platform {
 /// once.
 ///
 /// A file that cannot be understood is moved aside, under its name with ".damaged-" and the time, and a new one is
-/// begun; where it cannot be moved, or not be read at all, nothing is written, so that what is there is never lost. One
-/// thread, the one that made it.
+/// begun; where it cannot be moved, or not be read at all, or is no plain file of a sensible size, nothing is written
+/// from then on, so that what is there is never lost. One thread, the one that made it; it waits for nothing but the
+/// disk.
 class UserDefaults {
 public:
-    explicit UserDefaults(const std::filesystem::path& file);
+    explicit UserDefaults(std::filesystem::path file);
     /// The file of the user who runs the process.
     static std::filesystem::path standardFile();
 
@@ -33,11 +34,13 @@ public:
 
 private:
     [[nodiscard]] QString text(const QString& key) const;
+    void takeIn();
     void write(const QString& key, const QString& value);
 
-    std::unique_ptr<QSettings> settings_;  ///< null when the file cannot be read
+    const std::filesystem::path file_;
+    SettingsText text_;  ///< as it was last seen in the file, or written to it
     bool writable_ = true;
-    QMap<QString, QString> unsaved_;  ///< what was set while the file must not be touched
+    SettingsText::Values unsaved_;  ///< what was set and could not be written
 };
 
 }  // namespace brimvault::platform

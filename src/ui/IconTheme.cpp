@@ -1,14 +1,20 @@
 #include "ui/IconTheme.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 #include <algorithm>
+
+#include "platform/FileContents.h"
+#include "platform/SettingsText.h"
 
 namespace brimvault::ui {
 
+using platform::FileContents;
+
 namespace {
 
-constexpr int deepest = 8;  // themes that build upon one another
+constexpr std::size_t largestIndex = 1024UL * 1024;  // those of large themes are some dozens of KiB
+constexpr int deepest = 8;                           // themes that build upon one another
 const QString lastTheme = QStringLiteral("hicolor");
 
 // How far pictures are from what is wanted: too large is better than too small.
@@ -53,9 +59,10 @@ void IconTheme::readTheme(const QString& name, int depth) {
     for (const QString& folder : folders_) {
         const QString theme = folder + QLatin1Char('/') + name;
         const QString list = theme + QStringLiteral("/index.theme");
-        if (QFileInfo(list).isFile()) {
-            const QSettings index(list, QSettings::IniFormat);
-            inherited += index.value(QStringLiteral("Icon Theme/Inherits")).toStringList();
+        if (const auto contents = FileContents::read(QFile::encodeName(list).toStdString(), largestIndex)) {
+            const platform::SettingsText index(*contents);
+            const auto names = index.value("Icon Theme", "Inherits").value_or(std::string());
+            inherited += QString::fromStdString(names).split(QLatin1Char(','), Qt::SkipEmptyParts);
             appendTypeFolders(index, theme, found);
         }
     }
@@ -65,22 +72,23 @@ void IconTheme::readTheme(const QString& name, int depth) {
     }
 }
 
-void IconTheme::appendTypeFolders(const QSettings& index, const QString& theme, std::vector<Folder>& found) {
-    const QLatin1String context("/Context");
-    for (const QString& name : index.allKeys()) {  // a group's own name may have slashes
-        if (!name.endsWith(context) ||
-            index.value(name).toString().compare(QLatin1String("MimeTypes"), Qt::CaseInsensitive) != 0) {
+void IconTheme::appendTypeFolders(const platform::SettingsText& index, const QString& theme,
+                                  std::vector<Folder>& found) {
+    for (const auto& [name, values] : index.groups()) {
+        const auto value = [&, &given = values](const char* key) {
+            const auto place = given.find(key);
+            return place == given.end() ? QString() : QString::fromStdString(place->second);
+        };
+        if (value("Context").compare(QLatin1String("MimeTypes"), Qt::CaseInsensitive) != 0) {
             continue;
         }
-        const QString group = name.chopped(context.size());
-        const auto value = [&](const char* key) { return index.value(group + QLatin1String(key)); };
-        const bool scalable = value("/Type").toString() == QLatin1String("Scalable");
-        const int size = value("/Size").toInt();
+        const bool scalable = value("Type") == QLatin1String("Scalable");
+        const int size = value("Size").toInt();
         const auto limit = [&](const char* key) {
             const int given = scalable ? value(key).toInt() : 0;
-            return (given > 0 ? given : size) * std::max(1, value("/Scale").toInt());
+            return (given > 0 ? given : size) * std::max(1, value("Scale").toInt());
         };
-        found.push_back({theme + QLatin1Char('/') + group, limit("/MinSize"), limit("/MaxSize")});
+        found.push_back({theme + QLatin1Char('/') + QString::fromStdString(name), limit("MinSize"), limit("MaxSize")});
     }
 }
 
@@ -91,7 +99,7 @@ QString IconTheme::find(std::vector<Folder> folders, const QString& icon, int pi
     for (const Folder& folder : folders) {
         for (const char* extension : {".png", ".svg", ".xpm"}) {
             QString file = folder.path + QLatin1Char('/') + icon + QLatin1String(extension);
-            if (QFileInfo::exists(file)) {
+            if (QFileInfo(file).isFile()) {
                 return file;
             }
         }

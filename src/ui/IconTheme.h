@@ -5,7 +5,9 @@
 #include <QStringList>
 #include <vector>
 
-class QSettings;
+namespace brimvault::platform {
+class SettingsText;
+}
 
 namespace brimvault::ui {
 
@@ -30,7 +32,8 @@ private:
 
     void readOnce();
     void readTheme(const QString& name, int depth);
-    static void appendTypeFolders(const QSettings& index, const QString& theme, std::vector<Folder>& found);
+    static void appendTypeFolders(const platform::SettingsText& index, const QString& theme,
+                                  std::vector<Folder>& found);
     [[nodiscard]] static QString find(std::vector<Folder> folders, const QString& icon, int pixels);
 
     const QString name_;

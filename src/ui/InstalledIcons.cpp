@@ -1,10 +1,15 @@
+#include <QDir>
 #include <QIcon>
 #include <QMimeDatabase>
+#include <QStandardPaths>
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "platform/ApplicationIcon.h"
+#include "platform/FileContents.h"
 #include "ui/IconImage.h"
 #include "ui/IconTheme.h"
 #include "ui/RowIcons.h"
@@ -13,12 +18,34 @@ namespace brimvault::ui {
 
 namespace {
 
+// Qt reads the database of types by itself, parts of which are the user's, and would wait for a pipe in its place.
+bool mayAskForTypes() {
+    constexpr std::size_t largestPart = 64UL * 1024 * 1024;
+    const auto isHarmless = [](const QString& file) {
+        return platform::FileContents::isHarmless(QFile::encodeName(file).toStdString(), largestPart);
+    };
+    const auto folders = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+    return std::all_of(folders.begin(), folders.end(), [&](const QString& folder) {
+        const auto packages = QDir(folder + QStringLiteral("/mime/packages"))
+                                  .entryInfoList({QStringLiteral("*.xml")}, QDir::AllEntries | QDir::System);
+        return isHarmless(folder + QStringLiteral("/mime/mime.cache")) &&
+               std::all_of(packages.begin(), packages.end(),
+                           [&](const auto& file) { return isHarmless(file.filePath()); });
+    });
+}
+
 // The types of files are few: the icon of each is looked for once.
 class TypeIcons {
 public:
     TypeIcons(const QString& theme, const QStringList& folders) : theme_(theme, folders) {}
 
     QImage of(const QByteArray& fileName, int pixels) {
+        if (!mayAsk_) {
+            mayAsk_ = mayAskForTypes();
+        }
+        if (!*mayAsk_) {
+            return {};
+        }
         const auto type =
             QMimeDatabase().mimeTypeForFile(QString::fromUtf8(fileName), QMimeDatabase::MatchExtension);  // by its name
         if (type.isDefault()) {
@@ -35,6 +62,7 @@ public:
 
 private:
     IconTheme theme_;
+    std::optional<bool> mayAsk_;  ///< once that is known
     QHash<std::pair<QString, int>, QImage> known_;
 };
 

@@ -6,6 +6,7 @@
 
 #include "platform/linux/KeyboardSettings.h"
 #include "support/ChildProcess.h"
+#include "support/HostileFiles.h"
 #include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
 #include "support/TemporaryFolder.h"
@@ -119,6 +120,41 @@ TEST_F(InputSources, OfADesktopStandInItsFileOrElseInTheMachines) {
               {inXfce(chosen), "us ch(fr)"}});
     EXPECT_EQ(layoutsOn("another"), "xx");
     EXPECT_EQ(layoutsOn("another:XFCE"), "us ch(fr)");
+}
+
+TEST_F(InputSources, AreTheMachinesWhereAFileOfTheDesktopIsNoPlainFile) {
+    writeFile(machine_, "XKBLAYOUT=xx\n");
+    const auto configuration = home_ / ".config";
+    const std::pair<const char*, fs::path> files[] = {
+        {"KDE", configuration / "kxkbrc"},
+        {"XFCE", configuration / "xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml"},
+    };
+    for (const auto& [desktop, file] : files) {
+        forEachHostileKind(file, [&](const std::string& kind) { EXPECT_EQ(layoutsOn(desktop), "xx") << file << kind; });
+    }
+    forEachHostileKind(machine_, [&](const std::string& kind) { EXPECT_EQ(layoutsOn(""), "") << kind; });
+}
+
+// The libraries that read these files ask the environment of the process where they are.
+TEST_F(InputSources, AreTheMachinesWhereALibraryWouldReadNoPlainFile) {
+    writeFile(machine_, "XKBLAYOUT=ru\n");
+    for (const char* file : {".config/xkb/rules/evdev.xml", ".xkb/rules/evdev.xml", ".config/dconf/user",
+                             ".config/glib-2.0/settings/keyfile"}) {
+        EXPECT_WELL_IN_CHILD([&]() -> std::string {
+            const bool isDatabase = std::string(file).find("dconf") != std::string::npos;
+            ::setenv("GSETTINGS_BACKEND", isDatabase ? "dconf" : "keyfile", 1);
+            ::setenv("HOME", home_.c_str(), 1);
+            ::unsetenv("XDG_CONFIG_HOME");
+            std::string wrong;
+            forEachHostileKind(home_ / file, [&](const std::string& kind) {
+                const SubstituteHome home(
+                    home_,
+                    {{"BRIMVAULT_TRIAL_ROOT", folder_ / "root"}, {"HOME", home_}, {"XDG_CURRENT_DESKTOP", "GNOME"}});
+                wrong += platform::currentInputSources() == QStringList(QStringLiteral("ru")) ? "" : kind + " ";
+            });
+            return wrong;
+        });
+    }
 }
 
 TEST_F(InputSources, OfGnomeStandInItsSettings) {

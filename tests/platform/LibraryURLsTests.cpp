@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "support/HostileFiles.h"
 #include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
 #include "support/TemporaryFolder.h"
@@ -104,6 +105,17 @@ TEST_F(LibraryURLsTest, DownloadsAreWhereTheUsersDirectoriesSay) {
               home_ /
                   "T\xc3\xa9l\xc3\xa9"
                   "chargements \xff");
+}
+
+TEST_F(LibraryURLsTest, DownloadsAreTheHomeFoldersWhereTheUsersDirectoriesAreNoPlainFile) {
+    const SubstituteHome home(home_);
+    const auto file = home_ / ".config/user-dirs.dirs";
+    forEachHostileKind(file, [&](const std::string& kind) {
+        EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Downloads") << kind;
+    });
+    writeFile(home_ / "elsewhere", "XDG_DOWNLOAD_DIR=\"$HOME/Loads\"\n");
+    fs::create_symlink(home_ / "elsewhere", file);  // the user's own arrangement
+    EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Loads");
 }
 
 TEST_F(LibraryURLsTest, DownloadsAreNoneWhereTheUserSwitchedThemOff) {

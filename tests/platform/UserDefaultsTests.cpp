@@ -1,12 +1,13 @@
 #include "platform/UserDefaults.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
+#include <list>
 
 #include "support/ChildProcess.h"
+#include "support/HostileFiles.h"
 #include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
 #include "support/TemporaryFolder.h"
@@ -110,15 +111,48 @@ TEST(UserDefaults, LeaveAnEmptyFileWhereItIs) {
     EXPECT_EQ(UserDefaults(folder / "defaults.ini").number(counter), 7U);
 }
 
-TEST(UserDefaults, NeitherWaitForAPipeNorReplaceIt) {
+// Also where it was a plain file when the program began.
+TEST(UserDefaults, NeitherWaitForWhatIsNoPlainFileNorReplaceIt) {
     const TemporaryFolder folder;
     const auto file = folder / "defaults.ini";
-    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    const auto expectKept = [&](UserDefaults& defaults, quint64 counted, const std::string& kind) {
+        const auto before = fingerprint(folder.path());
+        defaults.increase(counter);
+        EXPECT_EQ(defaults.number(counter), counted) << kind;
+        EXPECT_EQ(fingerprint(folder.path()), before) << kind;
+    };
+    writeFile(file, "[General]\ncounter=5\n");
+    std::list<UserDefaults> earlier;
+    for (int kind = 0; kind < 4; ++kind) {
+        earlier.emplace_back(file);
+    }
+    forEachHostileKind(file, [&](const std::string& kind) {
+        UserDefaults defaults(file);
+        expectKept(defaults, 1, kind);
+        ASSERT_FALSE(earlier.empty());
+        expectKept(earlier.front(), 6, kind + " that came later");
+        earlier.pop_front();
+    });
+    fs::create_symlink("missing", file);
     UserDefaults defaults(file);
-    EXPECT_EQ(defaults.number(counter), std::nullopt);
+    expectKept(defaults, 1, "link to nothing");
+}
+
+TEST(UserDefaults, KeepWhatOthersWroteAndTheUsersOwnLines) {
+    const TemporaryFolder folder;
+    const auto file = folder / "linked/defaults.ini";
+    writeFile(file, "before=3\n\n# mine\n[General]\r\ncounter=\"4\"\n[Other]\ncounter=9\n");
+    fs::create_symlink("linked/defaults.ini", folder / "defaults.ini");
+    UserDefaults defaults(folder / "defaults.ini");
+    EXPECT_EQ(defaults.number(QStringLiteral("before")), 3U);
+    UserDefaults(file).setBoolean(QStringLiteral("LK_pt-PT @x"), true);
     defaults.increase(counter);
-    EXPECT_EQ(defaults.number(counter), 1U);
-    EXPECT_TRUE(fs::is_fifo(file));
+    defaults.setNumber(QStringLiteral("before"), 8);
+    EXPECT_EQ(contents(file),
+              "before=3\n\n# mine\n[General]\r\ncounter=5\nLK_pt-PT%20%40x=true\nbefore=8\n[Other]\ncounter=9\n");
+    EXPECT_TRUE(fs::is_symlink(folder / "defaults.ini"));
+    EXPECT_EQ(UserDefaults(file).boolean(QStringLiteral("LK_pt-PT @x")), true);
+    EXPECT_EQ(UserDefaults(file).number(QStringLiteral("before")), 8U);
 }
 
 TEST(UserDefaults, NeverLoseAFileThatMayNotBeRead) {

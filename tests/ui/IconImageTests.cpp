@@ -7,6 +7,7 @@
 #include <QImageReader>
 #include <QPainter>
 
+#include "support/HostileFiles.h"
 #include "support/SampleHome.h"
 #include "support/SampleIcon.h"
 #include "support/TemporaryFolder.h"
@@ -137,4 +138,11 @@ TEST(IconThemes, HaveTheFileThatServesBest) {
     EXPECT_EQ(found({QStringLiteral("last"), QStringLiteral("zip")}, 20), "hicolor/64/mimetypes/last.png");
     EXPECT_TRUE(icons.fileOf({QStringLiteral("program"), QStringLiteral("")}, 20).isEmpty()) << "no icon of a type";
     EXPECT_TRUE(ui::IconTheme(QString(), {place}).fileOf({QStringLiteral("zip")}, 20).isEmpty());
+    tests::forEachHostileKind(folder / "Odd/index.theme", [&](const std::string& kind) {
+        ui::IconTheme odd(QStringLiteral("Odd"), {place});
+        EXPECT_TRUE(odd.fileOf({QStringLiteral("last")}, 20).endsWith(QStringLiteral("mimetypes/last.png"))) << kind;
+    });
+    tests::forEachHostileKind(folder / "Mine/32/mime/odd.png", [&](const std::string& kind) {
+        EXPECT_EQ(icons.fileOf({QStringLiteral("odd")}, 20).isEmpty(), kind != "huge file") << kind;
+    });
 }

@@ -7,8 +7,12 @@
 #include <QFile>
 #include <QHash>
 #include <QXmlStreamReader>
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 
+#include "platform/FileContents.h"
 #include "platform/LocaleIdentifiers.h"
 #include "platform/System.h"
 #include "platform/linux/KeyboardSettings.h"
@@ -19,8 +23,25 @@ namespace {
 
 using Registry = std::unique_ptr<rxkb_context, decltype(&rxkb_context_unref)>;
 
+constexpr std::size_t largestFile = 4UL * 1024 * 1024;  // the machine's own are a tenth of it
+
+// The registry reads rules of the user's own by itself, and would wait for a pipe in the place of one.
+bool hasHarmlessRules() {
+    const std::filesystem::path home = system().environmentVariable("HOME");
+    const std::filesystem::path configuration = system().environmentVariable("XDG_CONFIG_HOME");
+    const std::filesystem::path folders[] = {configuration / "xkb", home / ".config/xkb", home / ".xkb"};
+    return std::all_of(std::begin(folders), std::end(folders), [](const auto& folder) {
+        return FileContents::isHarmless(folder / "rules/evdev.xml", largestFile);
+    });
+}
+
 Registry loadRegistry() {
-    Registry registry(rxkb_context_new(RXKB_CONTEXT_NO_FLAGS), &rxkb_context_unref);
+    const bool all = hasHarmlessRules();
+    Registry registry(rxkb_context_new(all ? RXKB_CONTEXT_NO_FLAGS : RXKB_CONTEXT_NO_DEFAULT_INCLUDES),
+                      &rxkb_context_unref);
+    if (registry && !all) {
+        (void)rxkb_context_include_path_append(registry.get(), "/usr/share/X11/xkb");
+    }
     constexpr const char* rules = "evdev";  // those of every keyboard that Linux drives
     if (registry && !rxkb_context_parse(registry.get(), rules)) {
         registry.reset();
@@ -82,12 +103,9 @@ QStringList languagesOf(const std::vector<KeyboardLayout>& layouts) {
 }
 
 // An installed input method is described by a file with an element "engine" for each, its "name" and "language" in it.
-void readEngines(const QString& path, QHash<QString, QString>& languageOfEngine) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return;
-    }
-    QXmlStreamReader reader(&file);
+void readEngines(const std::filesystem::path& path, QHash<QString, QString>& languageOfEngine) {
+    const auto contents = FileContents::read(path, largestFile);
+    QXmlStreamReader reader(QByteArray::fromStdString(contents.value_or(std::string())));
     QString name;
     QString language;
     while (!reader.atEnd()) {
@@ -111,7 +129,7 @@ QStringList languagesOf(const std::vector<std::string>& engines) {
         const auto folder = systemRoot() / "usr/share/ibus/component";
         const QDir components(QFile::decodeName(folder.c_str()), QStringLiteral("*.xml"));
         for (const auto& file : components.entryInfoList(QDir::Files)) {
-            readEngines(file.filePath(), languageOfEngine);
+            readEngines(file.filesystemFilePath(), languageOfEngine);
         }
     }
     QStringList languages;

@@ -2,17 +2,19 @@
 
 #include <gio/gio.h>
 
-#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QStringList>
 #include <QXmlStreamReader>
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <string>
 
+#include "platform/FileContents.h"
 #include "platform/LibraryURLs.h"
+#include "platform/SettingsText.h"
 #include "platform/System.h"
 
 // Every desktop keeps the layouts that its user has enabled in a place of its own; what the machine was installed with
@@ -22,6 +24,9 @@ namespace brimvault::platform {
 namespace {
 
 using Layouts = std::vector<KeyboardLayout>;
+
+constexpr std::size_t largestFile = 1024UL * 1024;
+constexpr std::size_t largestDatabase = 64UL * 1024 * 1024;
 
 template <auto release>
 struct Released {
@@ -34,18 +39,17 @@ template <typename Object, auto release>
 using Owned = std::unique_ptr<Object, Released<release>>;
 
 // Layouts and variants as two lists that belong together: "us,de" and ",nodeadkeys".
-Layouts fromLists(const QStringList& names, const QStringList& variants) {
+Layouts fromLists(const QString& names, const QString& variants) {
+    const QStringList allVariants = variants.split(QLatin1Char(','));
     Layouts layouts;
-    for (qsizetype index = 0; index < names.size(); ++index) {
-        if (const QString name = names[index].trimmed(); !name.isEmpty()) {
-            layouts.push_back({name.toStdString(), variants.value(index).trimmed().toStdString()});
+    qsizetype index = 0;
+    for (const QString& name : names.split(QLatin1Char(','))) {
+        const QString variant = allVariants.value(index++);
+        if (const QString trimmed = name.trimmed(); !trimmed.isEmpty()) {
+            layouts.push_back({trimmed.toStdString(), variant.trimmed().toStdString()});
         }
     }
     return layouts;
-}
-
-Layouts fromLists(const QString& names, const QString& variants) {
-    return fromLists(names.split(QLatin1Char(',')), variants.split(QLatin1Char(',')));
 }
 
 // One name for layout and variant, with what stands between them: "de+nodeadkeys".
@@ -97,6 +101,17 @@ InputSettings fromVariant(GVariant* value) {
     return found;
 }
 
+// GLib reads files of the user by itself, and would wait for a pipe in the place of one.
+bool mayAskSettings() {
+    const auto configuration = LibraryURLs::getConfigurationFolderURL();
+    const std::filesystem::path data = system().environmentVariable("XDG_DATA_HOME");
+    constexpr const char* schemas = "glib-2.0/schemas/gschemas.compiled";
+    const std::filesystem::path files[] = {configuration / "dconf/user", configuration / "glib-2.0/settings/keyfile",
+                                           data / schemas, homeFolder() / ".local/share" / schemas};
+    return std::all_of(std::begin(files), std::end(files),
+                       [](const auto& file) { return FileContents::isHarmless(file, largestDatabase); });
+}
+
 // Asking for a schema or a key that is not installed would end the process.
 InputSettings fromSettings(const SettingsPlace& place) {
     auto* installed = g_settings_schema_source_get_default();
@@ -115,27 +130,24 @@ InputSettings fromSettings(const SettingsPlace& place) {
 
 // --- Desktops with files of their own ----------------------------------------------------------------------------
 
-QString fileBelow(const std::filesystem::path& folder, const char* name) {
-    return QFile::decodeName((folder / name).c_str());
+// They are the user's, and may be anything; what a desktop writes there is short.
+std::string contentsBelowConfiguration(const char* name) {
+    return FileContents::read(LibraryURLs::getConfigurationFolderURL() / name, largestFile).value_or(std::string());
 }
 
 Layouts fromPlasma() {
-    QSettings file(fileBelow(LibraryURLs::getConfigurationFolderURL(), "kxkbrc"), QSettings::IniFormat);
-    file.beginGroup(QStringLiteral("Layout"));
-    if (!file.value(QStringLiteral("Use"), true).toBool()) {
+    const SettingsText file(contentsBelowConfiguration("kxkbrc"));
+    const auto value = [&](const char* key) { return QString::fromStdString(file.value("Layout", key).value_or("")); };
+    const QString use = value("Use").toLower();
+    if (use == QLatin1String("false") || use == QLatin1String("0")) {
         return {};
     }
-    return fromLists(file.value(QStringLiteral("LayoutList")).toStringList(),
-                     file.value(QStringLiteral("VariantList")).toStringList());
+    return fromLists(value("LayoutList"), value("VariantList"));
 }
 
 Layouts fromXfce() {
-    QFile file(
-        fileBelow(LibraryURLs::getConfigurationFolderURL(), "xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml"));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    QXmlStreamReader reader(&file);
+    QXmlStreamReader reader(
+        QByteArray::fromStdString(contentsBelowConfiguration("xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml")));
     QHash<QString, QString> values;
     while (!reader.atEnd()) {
         if (reader.readNext() == QXmlStreamReader::StartElement) {
@@ -154,7 +166,7 @@ InputSettings ofDesktop() {
     const auto desktops = QString::fromStdString(system().environmentVariable("XDG_CURRENT_DESKTOP"))
                               .split(QLatin1Char(':'), Qt::SkipEmptyParts);
     for (const auto& place : settingsPlaces) {
-        if (desktops.contains(QLatin1String(place.desktop))) {
+        if (desktops.contains(QLatin1String(place.desktop)) && mayAskSettings()) {
             if (auto found = fromSettings(place); !found.layouts.empty() || !found.engines.empty()) {
                 return found;
             }
@@ -170,12 +182,8 @@ InputSettings ofDesktop() {
 
 // What stands in quotes or alone behind the key in a line of the file; empty without such a line.
 QString valueInLine(const std::filesystem::path& path, const QRegularExpression& line) {
-    QFile file(QFile::decodeName(path.c_str()));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        return {};
-    }
-    constexpr qint64 enough = 65'536;  // what people write is a few lines
-    return line.match(QString::fromUtf8(file.read(enough))).captured(1);
+    const auto contents = FileContents::read(path, largestFile);
+    return line.match(QString::fromStdString(contents.value_or(std::string()))).captured(1);
 }
 
 Layouts ofMachine() {

@@ -1,12 +1,13 @@
 #include "platform/LibraryURLs.h"
 
 #include <algorithm>
-#include <fstream>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 #include "files/NodeStatus.h"
+#include "platform/FileContents.h"
 #include "platform/System.h"
 
 namespace brimvault::platform {
@@ -82,7 +83,9 @@ std::optional<fs::path> LibraryURLs::getCachesFolderURL() {
 }
 
 std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() {
-    std::ifstream file(getConfigurationFolderURL() / "user-dirs.dirs");
+    constexpr std::size_t largestFile = 1024UL * 1024;  // the desktop writes a dozen lines
+    std::istringstream file(
+        FileContents::read(getConfigurationFolderURL() / "user-dirs.dirs", largestFile).value_or(std::string()));
     fs::path downloads = homeFolder() / "Downloads";
     for (std::string line; std::getline(file, line);) {
         if (const auto named = userDirectory(line)) {
