@@ -35,6 +35,9 @@ AuthorizationManager& AuthorizationManager::GetInstance() {
 }
 
 void AuthorizationManager::setIsNeedAskAuthentication(bool isNeeded) {
+    if (isNeeded) {
+        ++timesLet_;
+    }
     isAskingGivenUp_ = false;
     m_bIsNeedAskAuthentication_ = isNeeded;
 }
@@ -61,25 +64,29 @@ bool AuthorizationManager::authenticate(const ToolPaths& tools) {
     if (isAuthenticated(tools)) {
         return true;
     }
-    if (!m_bIsNeedAskAuthentication_) {
+    if (!m_bIsNeedAskAuthentication_ || askedFor_ == timesLet_) {
         return false;
     }
     fetchPassword(tools);
     return isAuthenticated(tools);
 }
 
-// Whatever the answer, the user has been asked: what was granted is kept as long as the system keeps it, and once that
-// is over another question would be the second one for the same clean.
+// What was granted is kept as long as the system keeps it, and once that is over another question would be the second
+// one for the same clean: that is what is kept of it, whatever the answer. A question that is still open when the next
+// clean begins is withdrawn, and its answer says nothing of that clean's.
 bool AuthorizationManager::fetchPassword(const ToolPaths& tools) {
     if (tools.empty()) {
         return false;
     }
-    m_bIsNeedAskAuthentication_ = false;
+    const unsigned let = askedFor_ = timesLet_;
     auto* reference = authorizationRef();
     const auto rights = rightsFor(tools);
-    const bool granted =
-        reference != nullptr && !rights.empty() &&
-        reference->copyRights(rights, platform::Interaction::allowed, [this] { return isAskingGivenUp_.load(); });
+    const bool granted = reference != nullptr && !rights.empty() &&
+                         reference->copyRights(rights, platform::Interaction::allowed,
+                                               [this, let] { return isAskingGivenUp_ || let != timesLet_; });
+    if (!granted && let == timesLet_) {
+        m_bIsNeedAskAuthentication_ = false;
+    }
     tell(granted ? &AuthorizationListener::onAuthorizationComplete : &AuthorizationListener::onAuthorizationFailed);
     return true;
 }

@@ -30,9 +30,10 @@ public:
     /// The one of the process, for the system that it runs on.
     static AuthorizationManager& GetInstance();
 
-    /// Whether the next that needs rights may ask the user. NO at first, and again once the user has been asked, so
-    /// that nobody is asked twice for one clean.
+    /// Whether the next that needs rights may ask the user. NO at first, and again once that has failed or been
+    /// refused. However often rights are needed, the user is asked at most once for each time that this was set to YES.
     void setIsNeedAskAuthentication(bool isNeeded);
+    [[nodiscard]] bool m_bIsNeedAskAuthentication() const { return m_bIsNeedAskAuthentication_; }
     /// Withdraws a question that is open, which then counts as refused, and lets none be asked until it is needed
     /// again.
     void giveUpAsking();
@@ -70,6 +71,8 @@ private:
     std::unique_ptr<platform::Authorization> m_pAuthorizationRef_;  ///< made when it is first needed
     std::atomic<bool> m_bIsNeedAskAuthentication_ = false;
     std::atomic<bool> isAskingGivenUp_ = false;
+    std::atomic<unsigned> timesLet_ = 0;  ///< how often asking was allowed
+    unsigned askedFor_ = 0;               ///< for which of these times the user has been asked
     AuthorizationListener* m_pListener_ = nullptr;
     std::int32_t m_nSignalsIgnoreCountActivated_ = 0;
     struct sigaction m_saOldAction_ {};  ///< of the end of a child, before the first start

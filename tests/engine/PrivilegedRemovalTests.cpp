@@ -168,7 +168,9 @@ TEST_F(Authorizing, AsksNobodyForARightThatIsHeldOrUnlessItIsLet) {
 TEST_F(Authorizing, AsksOnceWhenRefusedAndAgainWhenLetAgain) {
     for (const int questions : {1, 2}) {
         manager_.setIsNeedAskAuthentication(true);
+        EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
         EXPECT_FALSE(manager_.authenticate(tool_));
+        EXPECT_FALSE(manager_.m_bIsNeedAskAuthentication());
         EXPECT_FALSE(manager_.authenticate(tool_));
         EXPECT_EQ(system_.questions, questions);
     }
@@ -180,10 +182,14 @@ TEST_F(Authorizing, AsksOnceWhenGrantedAlsoAfterTheRightHasRunOut) {
     system_.grants = true;
     manager_.setIsNeedAskAuthentication(true);
     EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication()) << "nothing was refused";
     system_.isHeld = false;
     EXPECT_FALSE(manager_.authenticate(tool_));
     EXPECT_EQ(system_.questions, 1);
-    EXPECT_THAT(messages_.heard, ElementsAre("complete"));
+    manager_.setIsNeedAskAuthentication(true);
+    EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 2);
+    EXPECT_THAT(messages_.heard, ElementsAre("complete", "complete"));
 }
 
 TEST_F(Authorizing, WithdrawsAnOpenQuestionAndAsksAgainOnlyWhenLet) {
@@ -197,6 +203,17 @@ TEST_F(Authorizing, WithdrawsAnOpenQuestionAndAsksAgainOnlyWhenLet) {
     manager_.giveUpAsking();
     EXPECT_FALSE(manager_.authenticate(tool_));
     EXPECT_EQ(system_.questions, 1);
+}
+
+TEST_F(Authorizing, WithdrawsAQuestionOfAnEarlierTimeAndAsksAgainForTheNext) {
+    manager_.setIsNeedAskAuthentication(true);
+    system_.whileAsked = [this] { manager_.setIsNeedAskAuthentication(true); };
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
+    system_.whileAsked = {};
+    system_.grants = true;
+    EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 2);
 }
 
 TEST_F(Authorizing, AsksForTheFirstTwentyToolsAndForNoneThatWouldBeCutOff) {
