@@ -42,6 +42,7 @@ std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::pa
 void AppItemData::addLocalizationItem(const std::shared_ptr<LocalizationItem>& item) {
     pmLocalizations_.append(item);
     addToGroup(item);
+    counted_.reset();
 }
 
 std::filesystem::path AppItemData::keyForLocalizationItem(const LocalizationItem& item) const {
@@ -82,7 +83,13 @@ void AppItemData::forEachRemovable(const QStringList& needed,
     }
 }
 
+// Asked of all whenever some come, so that nothing is counted again that would come out the same.
 void AppItemData::recalcKeepSpaceForLocales(const QStringList& needed) {
+    const Counted now{needed, ppbDeletable()};
+    if (counted_ == now) {
+        return;
+    }
+    counted_ = now;
     ncanKeepSpace_ = 0;
     ncanKeepSpaceSel_ = 0;
     if (needed.isEmpty() || pmLocalizations_.size() < 2) {
@@ -91,7 +98,7 @@ void AppItemData::recalcKeepSpaceForLocales(const QStringList& needed) {
     QSet<QString> languages;
     forEachRemovable(needed, [&](const std::shared_ptr<LocalizationItem>& item) {
         ncanKeepSpace_ += item->nlocSize;
-        ncanKeepSpaceSel_ += ppbDeletable() ? item->nlocSize : 0;
+        ncanKeepSpaceSel_ += now.isDeletable ? item->nlocSize : 0;
         languages.insert(item->plocNameId);
     });
     ncanCleanLocs_ = static_cast<quint64>(languages.size());
@@ -109,6 +116,7 @@ void AppItemData::updCleanedLocalizations(const LocalizationArray& removed, cons
     const QSet<std::shared_ptr<LocalizationItem>> gone(removed.cbegin(), removed.cend());
     pmLocalizations_.removeIf([&](const auto& item) { return gone.contains(item); });
     recalcLocalizationsDict();
+    counted_.reset();
     recalcKeepSpaceForLocales(needed);
 }
 

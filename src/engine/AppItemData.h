@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -56,6 +57,13 @@ public:
     }
 
 private:
+    /// For what the counters were computed.
+    struct Counted {
+        QStringList needed;
+        bool isDeletable;
+        bool operator==(const Counted&) const = default;
+    };
+
     void recalcLocalizationsDict();
     void addToGroup(const std::shared_ptr<LocalizationItem>& item);
     /// Calls with every localization that is not to be kept and not the last one of its folder.
@@ -65,6 +73,7 @@ private:
     LocalizationArray pmLocalizations_;
     std::vector<LocalizationArray> pmLocalizationsDict_;
     std::unordered_map<std::string, std::size_t> groupOfKey_;  ///< places in the above
+    std::optional<Counted> counted_;                           ///< none once the localizations are others
     quint64 ncanKeepSpace_ = 0;
     quint64 ncanKeepSpaceSel_ = 0;
     quint64 ncanCleanLocs_ = 0;

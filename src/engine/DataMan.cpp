@@ -109,14 +109,13 @@ void DataMan::mainThreadAppResClean(const Notification& notification) {
 
 void DataMan::setApplicationsArray(const std::optional<ApplicationArray>& items) {
     applications_ = items.value_or(ApplicationArray());
-    updateAppsItemsForSelfLangsforApps(applications_);
+    updateAppsItemsForSelfLangsforApps();
 }
 
-// Those that were there before keep what was computed when they came, or when the languages last changed.
+// Those that were there before are looked at as well: what they hold may have changed since they came.
 void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items) {
-    const auto added = items.value_or(ApplicationArray());
-    applications_ += added;
-    updateAppsItemsForSelfLangsforApps(added);
+    applications_ += items.value_or(ApplicationArray());
+    updateAppsItemsForSelfLangsforApps();
 }
 
 void DataMan::set(Section section, const std::optional<ItemArray>& items) {
@@ -129,11 +128,11 @@ void DataMan::add(Section section, const std::optional<ItemArray>& items) {
 
 void DataMan::updateResSizesForApps(const QStringList& neededLanguages) {
     platestNeededLangs_ = neededLanguages;
-    updateAppsItemsForSelfLangsforApps(applications_);
+    updateAppsItemsForSelfLangsforApps();
 }
 
-void DataMan::updateAppsItemsForSelfLangsforApps(const ApplicationArray& applications) const {
-    for (const auto& application : applications) {
+void DataMan::updateAppsItemsForSelfLangsforApps() const {
+    for (const auto& application : applications_) {
         application->recalcKeepSpaceForLocales(platestNeededLangs_);
     }
     sendNotification(vocabulary(Section::languageResources).interfaceProgress);

@@ -125,7 +125,7 @@ private:
     void set(Section section, const std::optional<ItemArray>& items);
     void add(Section section, const std::optional<ItemArray>& items);
     void letGoLater(Section section, const Notification& notification);
-    void updateAppsItemsForSelfLangsforApps(const ApplicationArray& applications) const;
+    void updateAppsItemsForSelfLangsforApps() const;
 
     [[nodiscard]] QString subtitle(Section section) const;
 

@@ -253,6 +253,16 @@ TEST(DataMan, RecomputesEveryApplicationForTheLanguagesToKeep) {
     model.updateResSizesForApps({QStringLiteral("en"), QStringLiteral("fr")});
     EXPECT_EQ(model.getSize2CleanApps(), 110U);
     EXPECT_EQ(model.getSubTitleApps(), QStringLiteral("110 B of 110 B Selected"));
+    const auto earlier = model.getAppItem(0);
+    earlier->addLocalizationItem(std::make_shared<engine::LocalizationItem>(
+        engine::LocalizationItem{1000, QStringLiteral("it"), "/a.app/Resources/it.lproj"}));
+    model.add2ApplicationsArray(ApplicationArray{application("/c.app", 1)});
+    EXPECT_EQ(earlier->getSpace2Save(), 1010U);
+    earlier->setPpbDeletable(false);
+    model.add2ApplicationsArray(std::nullopt);
+    earlier->setPpbDeletable(true);
+    model.add2ApplicationsArray(ApplicationArray());
+    EXPECT_EQ(earlier->getSpace2SaveBySel(), 1010U);
 }
 
 TEST(DataMan, ShowsApplicationsCountedWhileThePercentIsZero) {
