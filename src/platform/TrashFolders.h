@@ -13,8 +13,10 @@ public:
     /// Found from the path, whether there is anything at it or not.
     [[nodiscard]] static bool holdsItems(const std::filesystem::path& folder);
 
-    /// Whether the folder is one in which each user of a volume has a trash folder: its entries are no items.
+    /// Whether the folder may be one in which each user of a volume has a trash folder; by that name such a one is no
+    /// item.
     [[nodiscard]] static bool isSharedByUsers(const std::filesystem::path& folder);
+    [[nodiscard]] static bool isUsers(const std::filesystem::path& name);
 
     /// The file in which the desktop remembers where an item of the trash came from; none for items that have none.
     /// The file itself may be missing.

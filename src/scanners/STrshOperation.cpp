@@ -111,8 +111,10 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
 void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
     const auto hidden =
         sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
-    if (const auto root = getOperationRootFolderURL(); root && !platform::TrashFolders::isSharedByUsers(*root)) {
-        collectFilesIn(*root, hidden, Addressed::byName, batches);
+    if (const auto root = getOperationRootFolderURL()) {
+        const bool isShared = platform::TrashFolders::isSharedByUsers(*root);
+        collectFilesIn(*root, hidden, Addressed::byName, batches,
+                       [&](const fs::path& name) { return isShared && platform::TrashFolders::isUsers(name); });
     }
 }
 

@@ -291,6 +291,16 @@ TEST_F(TrashScan, ListsTheHomeFoldersTrashWhereTheScriptIsOfNoUse) {
     EXPECT_TRUE(items[0]->ppbChecked());
 }
 
+TEST_F(TrashScan, ListsAStickyTrashOfTheHomeFolderButNoFoldersOfUsersInIt) {
+    writeFile(home_ / ".Trash/item/file", "12345");
+    writeFile(home_ / ".Trash/4711/files/others", "1234567");
+    fs::permissions(home_ / ".Trash", fs::perms::sticky_bit, fs::perm_options::add);
+    EXPECT_THAT(scan(), ElementsAre("item"));
+    EXPECT_EQ(expectedCount_, 2);
+    fs::permissions(home_ / ".Trash", fs::perms::sticky_bit, fs::perm_options::remove);
+    EXPECT_THAT(scan("exit 0"), testing::UnorderedElementsAre("item", "4711"));
+}
+
 TEST_F(TrashScan, ReadsPairsUntilOneIsNotWhole) {
     for (const char* name : {"a", "b", "c"}) {
         writeFile(trash_ / name, "12345");

@@ -42,6 +42,10 @@ bool TrashFolders::isSharedByUsers(const fs::path& folder) {
     return status && (status->permissions & sticky) != 0;
 }
 
+bool TrashFolders::isUsers(const fs::path& name) {
+    return name.native().find_first_not_of("0123456789") == std::string::npos;
+}
+
 std::optional<fs::path> TrashFolders::recordOfItem(const fs::path& item) {
     const auto trash = item.has_filename() ? trashOf(item.parent_path()) : std::nullopt;
     return trash ? std::optional(*trash / "info" / (item.filename().native() + ".trashinfo")) : std::nullopt;
