@@ -85,6 +85,8 @@ void FAppDelegate::observe(const QString& name, engine::NotificationCenter::Hand
 void FAppDelegate::registerObservers() {
     observe(engine::notification::scanFinished, [this](const auto&) { mainThreadScanFinished(); });
     observe(engine::notification::cleanFinished, [this](const auto&) { mainThreadCleanFinished(); });
+    observe(engine::notification::singleFileRemoveFinished,
+            [this](const auto& heard) { mainThreadSingleFileRemoveFinished(heard); });
     for (const Section section : engine::allSections) {
         observe(engine::vocabulary(section).cleanFinished,
                 [this, section](const auto& heard) { notCleaned_.take(section, heard); });
@@ -235,6 +237,13 @@ void FAppDelegate::setPbRemoving(bool removing) {
     panels_->updateCleaningState();
     updateSelectAllCheck();
     closeWhenIdle();
+}
+
+// What has become of the item its list takes in, where there still is one.
+void FAppDelegate::mainThreadSingleFileRemoveFinished(const engine::Notification& heard) {
+    if (removing_ && engine::getNumberPropfromNotification(heard, engine::key::success)) {
+        setPbRemoving(false);
+    }
 }
 
 // --- Panels -----------------------------------------------------------------------------------------------------

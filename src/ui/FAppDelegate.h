@@ -90,6 +90,7 @@ private:
     void cleanStarted();
     void cleanFinished();
     void mainThreadCleanFinished();
+    void mainThreadSingleFileRemoveFinished(const engine::Notification& heard);
     void initStateAsScanStarted();
     void showSelPanel();
     void focusWhatIsNext();

@@ -101,8 +101,8 @@ void FileListController::onClickedRemove() {
     }
     surroundings().dataSource.setPbRemoving(true);
     surroundings().util.doRemoveFile(path, [list = QPointer(this), going](bool success) {
-        if (list) {
-            list->removeFinished(going, success);
+        if (list && success) {
+            list->removed(going);
         }
     });
 }
@@ -121,12 +121,9 @@ engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folde
     return inside;
 }
 
-void FileListController::removeFinished(const engine::ItemArray& items, bool success) {
-    surroundings().dataSource.setPbRemoving(false);
-    if (success) {
-        const auto words = engine::vocabulary(section());
-        engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
-    }
+void FileListController::removed(const engine::ItemArray& items) {
+    const auto words = engine::vocabulary(section());
+    engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
 }
 
 }  // namespace brimvault::ui

@@ -40,7 +40,7 @@ private:
     [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
     void addActions(QMenu& menu) override;
     [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
-    void removeFinished(const engine::ItemArray& items, bool success);
+    void removed(const engine::ItemArray& items);
 
     quint64 generation_ = 0;    ///< of the section's items, as far as the rows hold them
     qsizetype takenCount_ = 0;  ///< how many of them the rows have taken in

@@ -263,6 +263,15 @@ TEST_F(ListJourney, AFailedRemovalIsToldAndChangesNothing) {
     EXPECT_TRUE(fs::exists(home_.path() / "Elsewhere/photos.zip"));
     EXPECT_GE(guide_->row(text("photos.zip")), 0);
     EXPECT_EQ(engine::getNumberPropfromNotification(heard.all().back(), engine::key::success), 0);
+
+    // The end of a removal is heard, also when the list that asked for it has gone.
+    application_->setPbRemoving(true);
+    auto& center = engine::NotificationCenter::defaultCenter();
+    center.post(engine::notification::singleFileRemoveFinished, {{engine::key::success, engine::ItemArray()}});
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(application_->pbRemoving());
+    center.post(engine::notification::singleFileRemoveFinished, {{engine::key::success, engine::Number{1}}});
+    EXPECT_TRUE(Guide::waitFor([&] { return !application_->pbRemoving(); }));
 }
 
 TEST_F(ListJourney, NothingBeginsWhileAQuestionIsOpenAndNothingElseIsRemovedThanWasAsked) {
