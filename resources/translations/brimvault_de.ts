@@ -26,11 +26,6 @@
         <source>Language</source>
         <translation>Sprache</translation>
     </message>
-    <message>
-        <source>en</source>
-        <extracomment>Not a text: the identifier of the language of this translation, as &quot;de&quot; or &quot;pt-BR&quot;.</extracomment>
-        <translation>de</translation>
-    </message>
 </context>
 <context>
     <name>NotCleaned</name>

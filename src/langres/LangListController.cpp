@@ -14,13 +14,15 @@ const QString english = QStringLiteral("en");
 // English and its variants are kept, and stand as one row at the top.
 bool isEnglish(const QString& language) { return language.startsWith(english); }
 
-// The first letter of each word in capitals.
-QString capitalized(const QString& text) {
+// The first letter of each word in capitals, as they are in the language of the text.
+QString capitalized(const QString& text, const QString& language) {
+    const QString family = language.section(QLatin1Char('-'), 0, 0);
+    const bool keepsDot = family == QLatin1String("tr") || family == QLatin1String("az");
     QString result = text;
     bool inWord = false;
     for (QChar& character : result) {
         if (!inWord && character.isLetter()) {
-            character = character.toTitleCase();
+            character = keepsDot && character == QLatin1Char('i') ? QChar(u'\u0130') : character.toTitleCase();
         }
         inWord = character.isLetter() || character.isMark() || (inWord && character == QChar(u'\u2019')) ||
                  (inWord && character == QLatin1Char('\''));
@@ -41,8 +43,10 @@ LangListController::LangListController(const LanguagesManager& languages, platfo
             plangArray_.push_back(LangItem::initWithName(language, needed, defaults_));
         }
     }
+    const auto readers = languages.preferredLanguages();
     for (const auto& row : plangArray_) {
-        names_.insert(row.pName(), capitalized(platform::LocaleIdentifiers::displayName(row.pName())));
+        const QString name = platform::LocaleIdentifiers::displayName(row.pName(), readers);
+        names_.insert(row.pName(), capitalized(name, readers.value(0)));
     }
     reinitNeededArray();
 }

@@ -5,10 +5,11 @@
 #include <unicode/uloc.h>
 #include <unicode/unistr.h>
 
-#include <QCoreApplication>
 #include <QHash>
 #include <QLocale>
 #include <QRegularExpression>
+#include <QSet>
+#include <cstdint>
 
 #include "platform/System.h"
 
@@ -145,10 +146,29 @@ QStringList familyOf(const QString& identifier) {
     return {language};
 }
 
-// The language that the program speaks: each translation names its own.
-QString ownLanguage() {
-    //: Not a text: the identifier of the language of this translation, as "de" or "pt-BR".
-    return QCoreApplication::translate("Languages", "en");
+QSet<QString> makeKnownLanguages() {
+    QSet<QString> languages;
+    for (std::int32_t place = 0; place < uloc_countAvailable(); ++place) {
+        languages.insert(QString::fromLatin1(icu::Locale(uloc_getAvailable(place)).getLanguage()));
+    }
+    return languages;
+}
+
+// In the place of a language that it does not know, the locale data would take the one of the process's locale.
+QString nameIn(const QString& readersLanguage, const icu::Locale& asked) {
+    static const QSet<QString> knownLanguages = makeKnownLanguages();
+    const icu::Locale reader(readersLanguage.toLatin1().constData());
+    if (!knownLanguages.contains(QString::fromLatin1(reader.getLanguage()))) {
+        return {};
+    }
+    icu::UnicodeString language;
+    asked.getDisplayLanguage(reader, language);
+    if (*asked.getLanguage() == '\0' || fromIcu(language) == QLatin1String(asked.getLanguage())) {
+        return {};  // where the locale data has no name it answers with the code
+    }
+    icu::UnicodeString name;
+    asked.getDisplayName(reader, name);
+    return fromIcu(name);
 }
 
 }  // namespace
@@ -214,19 +234,14 @@ QStringList LocaleIdentifiers::preferredLanguagesFrom(const QStringList& languag
     return preferred.isEmpty() ? QStringList{QStringLiteral("en")} : preferred;
 }
 
-QString LocaleIdentifiers::displayName(const QString& identifier) { return displayName(identifier, ownLanguage()); }
-
-QString LocaleIdentifiers::displayName(const QString& identifier, const QString& inLanguage) {
+QString LocaleIdentifiers::displayName(const QString& identifier, const QStringList& readersLanguages) {
     const icu::Locale asked(identifier.toLatin1().constData());
-    const icu::Locale reader(inLanguage.toLatin1().constData());
-    icu::UnicodeString language;
-    asked.getDisplayLanguage(reader, language);
-    if (*asked.getLanguage() == '\0' || fromIcu(language) == QLatin1String(asked.getLanguage())) {
-        return {};  // where the locale data has no name it answers with the code
+    for (const QString& language : readersLanguages) {
+        if (QString name = nameIn(language, asked); !name.isEmpty()) {
+            return name;
+        }
     }
-    icu::UnicodeString name;
-    asked.getDisplayName(reader, name);
-    return fromIcu(name);
+    return nameIn(QStringLiteral("en"), asked);
 }
 
 }  // namespace brimvault::platform

@@ -22,10 +22,9 @@ public:
     /// The same, of identifiers given in any spelling.
     [[nodiscard]] static QStringList preferredLanguagesFrom(const QStringList& languages);
 
-    /// The name of the language in the program's own; empty when there is none.
-    [[nodiscard]] static QString displayName(const QString& identifier);
-    /// The same in another language.
-    [[nodiscard]] static QString displayName(const QString& identifier, const QString& inLanguage);
+    /// The name of the language in the first of the reader's that has one for it, else the English one; empty when
+    /// there is none.
+    [[nodiscard]] static QString displayName(const QString& identifier, const QStringList& readersLanguages);
 };
 
 }  // namespace brimvault::platform

@@ -203,7 +203,7 @@ int main(int argc, char* argv[]) {
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::WindowAlerts alerts;
-    const langres::LanguagesManager languages({{QStringLiteral("de"), QStringLiteral("en")}, {}});
+    const langres::LanguagesManager languages({{QStringLiteral("en-US"), QStringLiteral("de")}, {}});
     ui::FAppDelegate application(ui::scanOperations(), ui::cleanOperations(engine::PrivilegedRemover::none()),
                                  {defaults, alerts, ui::UtilMod::sharedUtil(), languages});
     application.applicationDidFinishLaunching();

@@ -217,12 +217,21 @@ TEST_F(LanguagesList, NamesLanguagesWithACapitalForEachWordAndDescribesThoseWith
     for (int row = 0; row < identifiers.size() - 1; ++row) {
         const QString text = languages->text(row);
         EXPECT_FALSE(smallBeginning.match(text).hasMatch()) << text.toStdString();
-        EXPECT_EQ(text.toLower(), platform::LocaleIdentifiers::displayName(identifiers[row]).toLower());
+        EXPECT_EQ(text.toLower(),
+                  platform::LocaleIdentifiers::displayName(identifiers[row], {QStringLiteral("de")}).toLower());
         EXPECT_EQ(languages->data(languages->index(row, LangListController::textColumn), Qt::DisplayRole), text);
         EXPECT_EQ(languages->data(languages->index(row, LangListController::checkColumn), Qt::AccessibleTextRole),
                   text);
     }
     EXPECT_EQ(languages->text(5), QStringLiteral("<LangItem: qqx>"));
+}
+
+TEST_F(LanguagesList, NamesLanguagesInTheUsersOwnWhateverTheProgramSpeaks) {
+    EXPECT_EQ(list("fr-CA fr")->text(0), QStringLiteral("Anglais"));
+    EXPECT_EQ(list("ru en fr")->text(0), QStringLiteral("Английский"));
+    EXPECT_EQ(list("tr")->text(0), QStringLiteral("İngilizce"));
+    EXPECT_EQ(list("ka")->text(0), QStringLiteral("ინგლისური"));
+    EXPECT_EQ(list("qqx")->text(0), QStringLiteral("English"));
 }
 
 }  // namespace brimvault::tests

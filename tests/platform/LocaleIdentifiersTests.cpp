@@ -20,8 +20,8 @@ QString canonical(const char* text) {
 
 QStringList words(const char* text) { return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts); }
 
-QString nameOf(const char* identifier, const char* inLanguage) {
-    return LocaleIdentifiers::displayName(QString::fromLatin1(identifier), QString::fromLatin1(inLanguage));
+QString nameOf(const char* identifier, const char* readersLanguages) {
+    return LocaleIdentifiers::displayName(QString::fromLatin1(identifier), words(readersLanguages));
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ TEST(LocaleIdentifiers, AreInTheirOwnFormAndHaveANameWhereTheProgramOffersThem) 
     EXPECT_EQ(offered.size(), 33);
     for (const QString& language : offered) {
         EXPECT_EQ(LocaleIdentifiers::canonicalLocaleIdentifierFromString(language), language);
-        EXPECT_NE(LocaleIdentifiers::displayName(language, QStringLiteral("en")), QString()) << language.toStdString();
+        EXPECT_NE(LocaleIdentifiers::displayName(language, {}), QString()) << language.toStdString();
     }
 }
 
@@ -105,6 +105,9 @@ TEST(LocaleIdentifiers, HaveNamesInTheReadersLanguage) {
     EXPECT_EQ(nameOf("de", "en"), QStringLiteral("German"));
     EXPECT_EQ(nameOf("de", "de-AT"), QStringLiteral("Deutsch"));
     EXPECT_EQ(nameOf("pt-PT", "de"), QStringLiteral("Portugiesisch (Portugal)"));
+    EXPECT_EQ(nameOf("de", "fr en"), QStringLiteral("allemand"));
+    EXPECT_EQ(nameOf("de", "qqx xx ja"), QStringLiteral("ドイツ語")) << "of the first that there are names in";
+    EXPECT_EQ(nameOf("de", "qqx"), QStringLiteral("German"));
     EXPECT_TRUE(nameOf("zh-Hans", "en").contains(QLatin1String("Simplified")));
     EXPECT_TRUE(nameOf("zh-Hans", "de").contains(QLatin1String("Chinesisch")));
 }

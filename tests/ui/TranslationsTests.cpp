@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QRegularExpression>
 
+#include "langres/LangListController.h"
 #include "support/TextPrinting.h"
 #include "ui/InfoWindow.h"
 #include "ui/WindowAlerts.h"
@@ -244,6 +245,11 @@ TEST_F(SpeakingWindow, SaysNothingInEnglishThatIsNotSaidSoInGerman) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(home_.path())) {
         fileNames_ << QString::fromStdString(entry.path().filename().native())
                    << QString::fromStdString(entry.path().stem().native());
+    }
+    platform::UserDefaults defaults(home_.path() / "none.ini");
+    const langres::LangListController offered(languages_, defaults, [](const QStringList&) {});
+    for (int row = 0; row < offered.rowCount(); ++row) {
+        fileNames_ << offered.text(row);  // in the user's language, whatever the program speaks
     }
     const QStringList english = story();
     QStringList inGerman;
