@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "cleaner-tool/protocol/Protocol.h"
 #include "platform/ToolConnection.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <condition_variable>
-#include <cstddef>
 #include <functional>
 #include <list>
 #include <mutex>

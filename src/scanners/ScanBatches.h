@@ -29,8 +29,6 @@ public:
     /// Posts the finished notification with everything that was added.
     void sendOperationCompleted() const;
 
-    [[nodiscard]] const engine::ItemArray& items() const { return items_; }
-
 private:
     void tryUpdateProgress(qint64 percent) const;
     [[nodiscard]] qint64 percent() const;

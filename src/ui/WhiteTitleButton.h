@@ -40,7 +40,6 @@ protected:
 
 private:
     [[nodiscard]] QColor textColor() const;
-    [[nodiscard]] qreal contentWidth() const;
     [[nodiscard]] QRectF titlePlace() const;
     void placeIndicator();
 
