@@ -63,7 +63,7 @@ QPixmap stretched(const QPixmap& picture, const QSize& size, qreal density) {
 
 }  // namespace
 
-const QPixmap& ImageLoad::LoadPNGImage(QLatin1String name, qreal density) {
+QPixmap ImageLoad::LoadPNGImage(QLatin1String name, qreal density) {
     auto& loaded = loadedPictures();
     if (loaded.isEmpty()) {
         qAddPostRoutine(forgetPictures);
@@ -83,7 +83,7 @@ QSizeF ImageLoad::sizeOf(QLatin1String name) {
 
 void ImageLoad::draw(QPainter& painter, const QPointF& topLeft, QLatin1String name) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QPixmap& picture = LoadPNGImage(name, painter.device()->devicePixelRatioF() * look::textScale());
+    const QPixmap picture = LoadPNGImage(name, painter.device()->devicePixelRatioF() * look::textScale());
     if (look::textScale() == 1.0) {
         painter.drawPixmap(topLeft, picture);
     } else {

@@ -12,8 +12,9 @@ namespace brimvault::ui {
 /// Main thread only.
 class ImageLoad {
 public:
-    /// The picture at the density given (device pixels to the point); null for an unknown name.
-    [[nodiscard]] static const QPixmap& LoadPNGImage(QLatin1String name, qreal density);
+    /// The picture at the density given (device pixels to the point); null for an unknown name. It shares its pixels
+    /// with what is kept, and stays whole whatever is loaded after it.
+    [[nodiscard]] static QPixmap LoadPNGImage(QLatin1String name, qreal density);
     /// Size in points, grown with the text that it stands beside; 0 x 0 for an unknown name.
     [[nodiscard]] static QSizeF sizeOf(QLatin1String name);
 
