@@ -1,7 +1,9 @@
 #include "ui/PlashkaView.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QPainter>
+#include <utility>
 
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
@@ -65,11 +67,65 @@ QSize PlashkaView::sizeHint() const { return {look::scaled(usualWidth), look::sc
 
 QSize PlashkaView::minimumSizeHint() const { return {leastWidth, look::scaled(usualHeight)}; }
 
+bool PlashkaView::event(QEvent* event) {
+    const bool handled = QAbstractButton::event(event);
+    switch (event->type()) {
+        case QEvent::HoverEnter:
+        case QEvent::HoverMove:
+        case QEvent::HoverLeave:
+        case QEvent::Leave:
+        case QEvent::Move:
+        case QEvent::Resize:
+        case QEvent::Hide:
+            updateHover();
+            break;
+        default:
+            break;
+    }
+    return handled;
+}
+
+// What comes between the pointer and the panel, or takes the panel from under it, need not tell the panel. While it is
+// lit, it therefore hears of everything that moves, comes or goes, and looks once that is done.
+bool PlashkaView::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+        case QEvent::Show:
+        case QEvent::Move:
+        case QEvent::Resize:
+        case QEvent::Leave:
+        case QEvent::WindowBlocked:
+        case QEvent::WindowDeactivate:
+            QMetaObject::invokeMethod(this, &PlashkaView::updateHover, Qt::QueuedConnection);
+            break;
+        default:
+            break;
+    }
+    return QAbstractButton::eventFilter(watched, event);
+}
+
+void PlashkaView::updateHover() {
+    const bool hovered = isUnderPointer();
+    if (std::exchange(hovered_, hovered) == hovered) {
+        return;
+    }
+    if (hovered) {
+        qApp->installEventFilter(this);
+    } else {
+        qApp->removeEventFilter(this);
+    }
+    update();
+}
+
+// Where the pointer is outside of the window not every desktop tells; the window knows that it has left.
+bool PlashkaView::isUnderPointer() const {
+    const auto* modal = QApplication::activeModalWidget();
+    const bool reachable = QApplication::activePopupWidget() == nullptr && (modal == nullptr || modal == window());
+    return isVisible() && reachable && window()->underMouse() && QApplication::widgetAt(QCursor::pos()) == this;
+}
+
 void PlashkaView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    // The window may have changed under the pointer.
-    const bool hovered = underMouse() && rect().contains(mapFromGlobal(QCursor::pos()));
-    ImageLoad::drawStretched(painter, rect(), hovered ? QLatin1String("bg_selected") : QLatin1String("bg_status"));
+    ImageLoad::drawStretched(painter, rect(), hovered_ ? QLatin1String("bg_selected") : QLatin1String("bg_status"));
     const auto line = [&](const QFont& font, QRgb color, int top, const QString& text) {
         painter.setPen(QColor(color));
         drawTextLine(painter, QRect(margin, top, width() - 2 * margin, QFontMetrics(font).height()), Qt::AlignHCenter,

@@ -21,13 +21,22 @@ public:
     /// Both, as an assistive client reads them.
     [[nodiscard]] QString spokenText() const;
 
+    /// Lit up, since the pointer is on it and a press would reach it.
+    [[nodiscard]] bool isHovered() const { return hovered_; }
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void updateHover();
+    [[nodiscard]] bool isUnderPointer() const;
+
+    bool hovered_ = false;
     QString large_;
     QString small_;
     Announcer textNews_;  ///< a scan changes the texts all the time
