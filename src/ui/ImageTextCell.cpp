@@ -19,7 +19,7 @@ QFont titleFont() { return look::font(titleSize, QFont::DemiBold); }
 QFont subtitleFont() { return look::font(subtitleSize); }
 
 QRect placed(const QRect& cell, Qt::LayoutDirection direction, int left, int width, int height) {
-    const QRect place(cell.left() + left, cell.center().y() - height / 2, width, height);
+    const QRect place(cell.left() + left, cell.top() + (cell.height() - height) / 2, width, height);
     return QStyle::visualRect(direction, cell, place);
 }
 

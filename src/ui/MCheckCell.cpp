@@ -16,16 +16,17 @@ constexpr int usualSide = 18;
 int MCheckCell::side() { return look::scaled(usualSide); }
 
 QLatin1String MCheckCell::picture() const {
+    const bool pressed = highlighted && enabled;
     const bool selected = ground == CheckGround::selected;
     switch (state) {
         case Qt::PartiallyChecked:
-            return QLatin1String(highlighted ? "rcheck1Sel" : selected ? "rcheck1Inv" : "rcheck1");
+            return QLatin1String(pressed ? "rcheck1Sel" : selected ? "rcheck1Inv" : "rcheck1");
         case Qt::Checked:
-            return QLatin1String(highlighted ? "rcheck2Sel" : selected ? "rcheck2Inv" : "rcheck2");
+            return QLatin1String(pressed ? "rcheck2Sel" : selected ? "rcheck2Inv" : "rcheck2");
         case Qt::Unchecked:
             break;
     }
-    return QLatin1String(highlighted ? "rcheck0Sel" : selected ? "rcheck0Inv" : "rcheck0");
+    return QLatin1String(pressed ? "rcheck0Sel" : selected ? "rcheck0Inv" : "rcheck0");
 }
 
 void MCheckCell::draw(QPainter& painter, const QPoint& topLeft) const {

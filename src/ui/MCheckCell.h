@@ -11,7 +11,7 @@ enum class CheckGround { plain, selected };
 /// A check box as it is drawn. Main thread.
 struct MCheckCell {
     Qt::CheckState state = Qt::Unchecked;
-    bool highlighted = false;  ///< held down
+    bool highlighted = false;  ///< held down; not to be seen of one that is disabled
     bool hovered = false;
     bool enabled = true;
     CheckGround ground = CheckGround::plain;

@@ -18,6 +18,11 @@ public:
     /// The whole text of a cell in which it is cut, unless the row has more to tell.
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
+    /// The view alone ticks: the base class would tick once more, where a check box of its own would be.
+    bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/, const QStyleOptionViewItem& /*option*/,
+                     const QModelIndex& /*index*/) override {
+        return false;
+    }
 
 protected:
     /// What a cell of an unselected row stands on.

@@ -49,9 +49,9 @@ QSize SectionRowDelegate::sizeHint(const QStyleOptionViewItem& /*option*/, const
 }
 
 QRect SectionRowDelegate::checkRect(const QRect& row, Qt::LayoutDirection direction) {
-    const QRect place = card(row);
-    return QStyle::visualRect(direction, place,
-                              QRect(place.left(), place.top(), look::scaled(textLeft), place.height()));
+    constexpr int beforeCard = look::sectionRowGap / 2;
+    return QStyle::visualRect(direction, row,
+                              QRect(row.left(), row.top(), beforeCard + look::scaled(textLeft), row.height()));
 }
 
 TextImgData SectionRowDelegate::valueOf(const QModelIndex& index, bool selected) {
@@ -82,7 +82,7 @@ void SectionRowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem
                                    const QModelIndex& index) const {
     const QRect row = card(option.rect);
     const int side = MCheckCell::side();
-    const QRect place(row.left() + look::scaled(checkLeft), row.center().y() - side / 2, side, side);
+    const QRect place(row.left() + look::scaled(checkLeft), row.top() + (row.height() - side) / 2, side, side);
     MCheckCell check;
     check.state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
     check.highlighted = view_->pressedCheck() == index;

@@ -19,6 +19,11 @@ public:
     /// The whole text of a row in which it is cut.
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
+    /// The view alone ticks: the base class would tick once more, where a check box of its own would be.
+    bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/, const QStyleOptionViewItem& /*option*/,
+                     const QModelIndex& /*index*/) override {
+        return false;
+    }
 
     /// Where a press ticks, of the place of a row.
     [[nodiscard]] static QRect checkRect(const QRect& row, Qt::LayoutDirection direction);

@@ -13,6 +13,11 @@ int main(int argc, char** argv) {
     }
     QApplication application(argc, argv);
     testing::InitGoogleMock(&argc, argv);
+    if (const int pixels = qEnvironmentVariableIntValue("BRIMVAULT_TEST_FONT"); pixels > 0) {
+        QFont font = QApplication::font();  // as a user has made it who sees little
+        font.setPixelSize(pixels);
+        QApplication::setFont(font);
+    }
     brimvault::ui::look::apply();
     brimvault::ui::AccessibleItemView::install();
     return RUN_ALL_TESTS();
