@@ -1,11 +1,14 @@
 #include "ui/IconImage.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QBuffer>
 #include <QDir>
 #include <QImageReader>
 #include <QPainter>
+#include <QtEndian>
+#include <fstream>
 
 #include "support/HostileFiles.h"
 #include "support/SampleHome.h"
@@ -24,21 +27,62 @@ QImage filled(int width, int height, const QColor& colour) {
     return image;
 }
 
-QByteArray png(const QImage& image) {
+QByteArray saved(const QImage& image, const char* format) {
     QByteArray contents;
     QBuffer buffer(&contents);
     buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
+    EXPECT_TRUE(image.save(&buffer, format)) << format;
     return contents;
 }
 
-QByteArray element(const QByteArray& kind, const QByteArray& contents) {
-    const auto length = static_cast<quint32>(contents.size() + 8);
-    QByteArray bytes = kind;
-    for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-        bytes.append(static_cast<char>(length >> shift & 0xFFU));
+QByteArray png(const QImage& image) { return saved(image, "PNG"); }
+
+QByteArray number32(quint32 value) {
+    const quint32 bytes = qToBigEndian(value);
+    return {reinterpret_cast<const char*>(&bytes), sizeof bytes};
+}
+
+quint32 checksum(const QByteArray& bytes) {
+    quint32 sum = 0xffffffff;
+    for (const char byte : bytes) {
+        sum ^= static_cast<quint8>(byte);
+        for (int bit = 0; bit < 8; ++bit) {
+            sum = sum >> 1U ^ ((sum & 1U) != 0 ? 0xedb88320 : 0);
+        }
     }
-    return bytes + contents;
+    return ~sum;
+}
+
+QByteArray chunk(const QByteArray& kind, const QByteArray& contents) {
+    return number32(static_cast<quint32>(contents.size())) + kind + contents + number32(checksum(kind + contents));
+}
+
+// The picture with a chunk more, before those that hold it.
+QByteArray with(const QByteArray& chunk, const QByteArray& picture) {
+    constexpr qsizetype head = 8 + 12 + 13;
+    return picture.left(head) + chunk + picture.mid(head);
+}
+
+// A file (ico) of one picture.
+QByteArray onlyOne(const QByteArray& picture) {
+    const quint32 length = qToLittleEndian(static_cast<quint32>(picture.size()));
+    return QByteArray("\0\0\1\0\1\0\x40\x40\0\0\1\0\x20\0", 14) +
+           QByteArray(reinterpret_cast<const char*>(&length), sizeof length) + QByteArray("\x16\0\0\0", 4) + picture;
+}
+
+// Of this process, in KiB.
+long memory(const char* field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string name; status >> name; status.ignore(1000, '\n')) {
+        if (long value = 0; name == field && status >> value) {
+            return value;
+        }
+    }
+    return 0;
+}
+
+QByteArray element(const QByteArray& kind, const QByteArray& contents) {
+    return kind + number32(static_cast<quint32>(contents.size() + 8)) + contents;
 }
 
 QByteArray sample() { return QByteArray::fromStdString(tests::SampleIcon::inColour({0x5B, 0x8D, 0xEF})); }
@@ -62,7 +106,7 @@ private:
 TEST_F(IconImages, FitTheirPlaceWithTheirShapeKept) {
     EXPECT_EQ(sizeOf(png(filled(128, 128, Qt::red))), QSize(40, 40));
     EXPECT_EQ(sizeOf(png(filled(16, 8, Qt::red))), QSize(40, 20));
-    EXPECT_EQ(sizeOf(png(filled(30, 3000, Qt::red))).height(), 40);
+    EXPECT_EQ(sizeOf(png(filled(20, 2000, Qt::red))).height(), 40);
 }
 
 TEST_F(IconImages, OfSeveralSizesTheSmallestThatIsLargeEnoughServes) {
@@ -98,15 +142,102 @@ TEST_F(IconImages, AreNoneWhereTheContentsAreBrokenTooLargeOrNoIcon) {
     }
 }
 
+TEST_F(IconImages, OfEveryFormKeepTheirColours) {
+    QImage drawn(32, 32, QImage::Format_ARGB32);
+    drawn.fill(QColor(200, 100, 50));
+    for (const char* format : {"PNG", "TIFF", "ICO", "BMP", "XPM"}) {
+        const QImage icon = IconImage::ofContents(saved(drawn, format), 32);
+        ASSERT_EQ(icon.size(), QSize(32, 32)) << format;
+        EXPECT_EQ(icon.pixelColor(16, 16), QColor(200, 100, 50)) << format;
+    }
+    QImage indexed(32, 32, QImage::Format_Indexed8);
+    indexed.setColorTable({qRgba(255, 0, 0, 255), qRgba(0, 255, 0, 0)});
+    indexed.fill(1);
+    indexed.setPixel(16, 16, 0);
+    for (const auto& contents : {png(indexed), onlyOne(png(indexed)), element("icns", element("ic05", png(indexed)))}) {
+        const QImage icon = IconImage::ofContents(contents, 32);
+        ASSERT_EQ(icon.size(), QSize(32, 32));
+        EXPECT_EQ(icon.pixelColor(16, 16), QColor(Qt::red));
+        EXPECT_EQ(icon.pixelColor(2, 2).alpha(), 0);
+    }
+}
+
+TEST_F(IconImages, TakeLittleMemoryHoweverMuchIsPackedBesideThem) {
+    constexpr qsizetype unpacked = 7'000'000;
+    constexpr qsizetype lengthBefore = 4;  // Qt's own, before the packed text
+    const QByteArray text =
+        chunk("zTXt", QByteArray("x\0\0", 3) + qCompress(QByteArray(unpacked, 'x'), 9).mid(lengthBefore));
+    const QByteArray profile =
+        chunk("iCCP", QByteArray("x\0\0", 3) + qCompress(QByteArray(unpacked, 'x'), 9).mid(lengthBefore));
+    const QByteArray hostile = with(text.repeated(100) + profile, png(filled(64, 64, Qt::red)));
+    ASSERT_LT(hostile.size(), ui::IconFile::mostBytes);
+    for (const auto& contents : {hostile, element("icns", element("ic07", hostile)), onlyOne(hostile)}) {
+        std::ofstream("/proc/self/clear_refs") << "5" << std::flush;  // the most so far is forgotten
+        const long before = memory("VmRSS:");
+        ASSERT_GT(before, 0);
+        const QImage icon = IconImage::ofContents(contents, 20);
+        EXPECT_EQ(icon.pixelColor(10, 10), QColor(Qt::red)) << "the picture itself is good";
+        constexpr long most = 32 * 1024;
+        EXPECT_LT(memory("VmHWM:") - before, most);
+    }
+}
+
+TEST_F(IconImages, AreNoPhotographsWhateverTheyArePackedIn) {
+    const QByteArray photograph = saved(filled(64, 64, Qt::red), "JPG");
+    QByteArray tiff = saved(filled(64, 64, Qt::red), "TIFF");
+    ASSERT_FALSE(IconImage::ofContents(tiff, 20).isNull());
+    QByteArray compression("\3\1\3\0\1\0\0\0", 8);  // the field, up to its value
+    ASSERT_GT(tiff.indexOf(compression), 0);
+    tiff[tiff.indexOf(compression) + compression.size()] = 7;  // as a photograph is
+    for (const auto& contents : {photograph, element("icns", element("ic07", photograph)), onlyOne(photograph), tiff}) {
+        EXPECT_TRUE(IconImage::ofContents(contents, 20).isNull()) << contents.left(40).toStdString();
+    }
+}
+
+TEST_F(IconImages, OfTheDesktopAreFilesThatNeedNothingElse) {
+    const tests::TemporaryFolder folder;
+    const auto icon = [&](const std::string& drawing) {
+        tests::writeFile(folder / "icon.svg", drawing);
+        return IconImage::ofDesktopFile(QString::fromStdString(folder / "icon.svg"), 20);
+    };
+    const std::string start =
+        R"(<?xml version="1.0"?><svg xmlns="http://www.w3.org/2000/svg" xmlns:l="http://www.w3.org/1999/xlink" width="9" height="9">)";
+    const std::string square = R"(<rect id="a" width="9" height="9" fill="red"/>)";
+    EXPECT_EQ(icon(start + square + "</svg>").pixelColor(10, 10), QColor(Qt::red));
+    EXPECT_FALSE(icon(start + square + R"(<use l:href="#a"/></svg>)").isNull());
+    std::string repeated = start + "<g id=\"g0\">" + square + "</g>";
+    for (int number = 1; number < 30; ++number) {
+        const std::string use = "<use l:href=\"#g" + std::to_string(number - 1) + "\"/>";
+        repeated += "<g id=\"g" + std::to_string(number) + "\">" + use + use + "</g>";
+    }
+    tests::writeFile(folder / "other.png", png(filled(9, 9, Qt::red)).toStdString());
+    for (const auto& drawing : {start + R"(<image width="9" height="9" l:href="other.png"/></svg>)",
+                                repeated + "</svg>", "<!DOCTYPE svg [<!ENTITY a \"b\">]>" + start + square + "</svg>",
+                                saved(filled(9, 9, Qt::red), "JPG").toStdString(), std::string()}) {
+        EXPECT_TRUE(icon(drawing).isNull()) << drawing.substr(0, 300);
+    }
+    ASSERT_EQ(::mkfifo((folder / "pipe.png").c_str(), 0600), 0);
+    EXPECT_TRUE(IconImage::ofDesktopFile(QString::fromStdString(folder / "pipe.png"), 20).isNull());
+}
+
 TEST_F(IconImages, SurviveEveryDamage) {
-    for (qsizetype place = 0; place < sample().size(); place += 1 + place / 100) {
-        for (const char letter : {'\0', '\x7f', '\xff'}) {
-            QByteArray damaged = sample();
-            damaged[place] = letter;
-            const QSize size = sizeOf(damaged);
-            EXPECT_TRUE(size.isEmpty() || size == QSize(40, 40)) << place;
+    testing::internal::CaptureStderr();  // the decoders complain
+    const QImage drawn = filled(16, 16, Qt::red);
+    for (const QByteArray& whole :
+         {sample(), png(drawn), saved(drawn, "TIFF"), saved(drawn, "ICO"), onlyOne(png(drawn)), saved(drawn, "BMP"),
+          element("icns", element("ic07", png(drawn)))}) {
+        ASSERT_EQ(sizeOf(whole), QSize(40, 40));
+        for (qsizetype place = 0; place < whole.size(); place += 1 + place / 100) {
+            for (const char letter : {'\0', '\x7f', '\xff'}) {
+                QByteArray damaged = whole;
+                damaged[place] = letter;
+                const QSize size = sizeOf(damaged);
+                EXPECT_TRUE(size.isEmpty() || std::max(size.width(), size.height()) == 40) << place;
+                EXPECT_LE(sizeOf(whole.left(place)).width(), 40);
+            }
         }
     }
+    testing::internal::GetCapturedStderr();
 }
 
 TEST(IconThemes, HaveTheFileThatServesBest) {
