@@ -13,11 +13,13 @@ constexpr int pauseTime = 250;  // milliseconds; more often nobody can listen
 Announcer::Announcer(std::function<void()> announce) : announce_(std::move(announce)) {
     pause_.setInterval(pauseTime);
     pause_.setSingleShot(true);
-    QObject::connect(&pause_, &QTimer::timeout, &pause_, [this] {
-        if (std::exchange(changedMeanwhile_, false)) {
-            announceNow();
-        }
-    });
+    QObject::connect(&pause_, &QTimer::timeout, &pause_, [this] { tellPending(); });
+}
+
+void Announcer::tellPending() {
+    if (std::exchange(changedMeanwhile_, false)) {
+        announceNow();
+    }
 }
 
 void Announcer::changed() {

@@ -13,6 +13,8 @@ public:
     explicit Announcer(std::function<void()> announce);
 
     void changed();
+    /// Tells at once of what has changed and was not told yet.
+    void tellPending();
 
 private:
     void announceNow();

@@ -146,6 +146,7 @@ void FAppDelegate::mainThreadScanFinished() {
         if (!closing_ && psectController_->isWaitingToScan()) {
             psectController_->startScan();
         } else {
+            scanProgress_->complete();
             setPbScanning(false);
         }
     }
@@ -207,6 +208,9 @@ void FAppDelegate::cleanFinished() {
 
 // The user who has closed the window waits for it to go, not for a report.
 void FAppDelegate::mainThreadCleanFinished() {
+    if (!psectController_->isCleanStopped()) {
+        cleanProgress_->complete();
+    }
     setPbCleanning(false);
     if (closing_) {
         return;

@@ -42,6 +42,7 @@ void ProgressIndicator::startAnimation() {
 
 void ProgressIndicator::stopAnimation() {
     turning_.stop();
+    percentNews_.tellPending();  // nobody hears of what is hidden
     hide();
     Q_EMIT animationChanged();
 }

@@ -38,6 +38,12 @@ void SectionProgress::begin() {
     show();
 }
 
+void SectionProgress::complete() {
+    if (indicator_.isAnimated()) {
+        indicator_.setPercent(whole);
+    }
+}
+
 // More than was expected may be found: that is no more than all.
 void SectionProgress::takeReported(Section section) {
     if (const auto percent = model_.progressPercent(section)) {

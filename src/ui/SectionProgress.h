@@ -24,6 +24,8 @@ public:
 
     /// What was heard so far was of the scan before.
     void begin();
+    /// All of it has been done, of whatever was not told of too; nothing if it was stopped before.
+    void complete();
 
 private:
     void take(engine::Section section, int percent);

@@ -63,6 +63,19 @@ TEST_F(SectionProgressTest, IsReadAsABar) {
     EXPECT_EQ(value->maximumValue().toInt(), 100);
 }
 
+TEST_F(SectionProgressTest, ComesToItsEndWhateverWasNotToldOf) {
+    sections_[Section::caches] = sections_[Section::trash] = true;
+    indicator_.startAnimation();
+    report(Section::caches, 40);
+    progress_.complete();  // of the trash nothing was told: there was nothing in it
+    EXPECT_EQ(indicator_.percent(), 100);
+    indicator_.startAnimation();
+    report(Section::caches, 40);
+    indicator_.stopAnimation();
+    progress_.complete();
+    EXPECT_EQ(indicator_.percent(), 20) << "it was stopped before";
+}
+
 TEST(Announcer, TellsAtOnceThenNowAndThenAndAtLast) {
     int value = 0;
     QList<int> told;
@@ -72,6 +85,12 @@ TEST(Announcer, TellsAtOnceThenNowAndThenAndAtLast) {
     }
     value = 1000;
     EXPECT_EQ(told, QList<int>{1});
+    announcer.tellPending();  // as when nobody will hear of it later
+    EXPECT_EQ(told, QList<int>({1, 1000}));
+    announcer.tellPending();
+    EXPECT_EQ(told.size(), 2) << "nothing is pending";
+    told.removeLast();
+    announcer.changed();
     EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == 2; }));
     EXPECT_EQ(told, QList<int>({1, 1000}));
     constexpr int longerThanThePause = 400;
