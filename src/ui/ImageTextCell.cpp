@@ -15,7 +15,9 @@ constexpr int textLeft = 43;
 constexpr qreal titleSize = 14;
 constexpr qreal subtitleSize = 11.5;
 
-QFont titleFont() { return look::font(titleSize, QFont::DemiBold); }
+constexpr qreal mutedOpacity = 0.45;
+
+QFont titleFont(bool muted) { return look::font(titleSize, muted ? QFont::Normal : QFont::DemiBold); }
 QFont subtitleFont() { return look::font(subtitleSize); }
 
 QRect placed(const QRect& cell, Qt::LayoutDirection direction, int left, int width, int height) {
@@ -32,15 +34,20 @@ int ImageTextCell::textWidth(const QRect& cell) {
 
 void ImageTextCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction) const {
     const QByteArray picture = QByteArray(value_.picture.data()) + (value_.selected ? "Sel" : "");
+    painter.setOpacity(value_.muted ? mutedOpacity : 1.0);
     ImageLoad::draw(painter, placed(cell, direction, 0, look::scaled(pictureSide), look::scaled(pictureSide)).topLeft(),
                     QLatin1String(picture));
+    painter.setOpacity(1.0);  // text keeps its contrast
 
-    const int titleHeight = QFontMetrics(titleFont()).height();
+    const QFont title = titleFont(value_.muted);
+    const int titleHeight = QFontMetrics(title).height();
     const int subtitleHeight = QFontMetrics(subtitleFont()).height();
     const QRect both = placed(cell, direction, look::scaled(textLeft), textWidth(cell), titleHeight + subtitleHeight);
     const Qt::Alignment side = leadingSide(direction);
-    painter.setPen(QColor(value_.selected ? look::textOnAccent : look::textPrimary));
-    drawTextLine(painter, QRect(both.left(), both.top(), both.width(), titleHeight), side, titleFont(), value_.title);
+    painter.setPen(QColor(value_.selected ? look::textOnAccent
+                          : value_.muted  ? look::textSecondary
+                                          : look::textPrimary));
+    drawTextLine(painter, QRect(both.left(), both.top(), both.width(), titleHeight), side, title, value_.title);
     painter.setPen(QColor(value_.selected ? look::textOnAccentSecondary : look::textSecondary));
     drawTextLine(painter, QRect(both.left(), both.top() + titleHeight, both.width(), subtitleHeight), side,
                  subtitleFont(), value_.subtitle);
@@ -48,7 +55,7 @@ void ImageTextCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirecti
 
 QString ImageTextCell::expansionText(const QRect& cell) const {
     const int room = textWidth(cell);
-    const bool cut = QFontMetrics(titleFont()).horizontalAdvance(value_.title) > room ||
+    const bool cut = QFontMetrics(titleFont(value_.muted)).horizontalAdvance(value_.title) > room ||
                      QFontMetrics(subtitleFont()).horizontalAdvance(value_.subtitle) > room;
     return cut ? value_.title + QLatin1Char('\n') + value_.subtitle : QString();
 }

@@ -55,7 +55,8 @@ QRect SectionRowDelegate::checkRect(const QRect& row, Qt::LayoutDirection direct
 }
 
 TextImgData SectionRowDelegate::valueOf(const QModelIndex& index, bool selected) {
-    return {{index.data().toString(), index.data(SectionListModel::subtitleRole).toString(), selected},
+    return {{index.data().toString(), index.data(SectionListModel::subtitleRole).toString(), selected,
+             index.data(Qt::CheckStateRole).toInt() != Qt::Checked},
             sectionRows()[static_cast<std::size_t>(index.row())].icon};
 }
 

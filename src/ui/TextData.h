@@ -10,6 +10,7 @@ struct TextData {
     QString title;
     QString subtitle;       ///< empty for a cell of one line
     bool selected = false;  ///< its row is
+    bool muted = false;     ///< its row counts for nothing at present
 };
 
 /// The same with a picture before it.

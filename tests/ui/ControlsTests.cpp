@@ -137,6 +137,44 @@ TEST_F(ControlsTest, CheckBoxesOfSectionsStandInTheMiddleOfTheirRowsAtEveryScale
     }
 }
 
+// As bright as the eye sees it, 0 to 1.
+static double brightness(const QColor& colour) {
+    const auto part = [](double value) {
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
+}
+
+TEST_F(ControlsTest, ASectionThatIsNotTickedIsMutedAndCanStillBeRead) {
+    start();
+    constexpr int downloadsRow = 3;
+    // The darkest and the brightest of what is written in a row.
+    const auto contrast = [this](int row) {
+        const QRect place = sections()->visualRect(section(row)).adjusted(ui::look::scaled(90), 8, -12, -8);
+        const QImage text =
+            sections()->window()->grab(QRect(sections()->mapTo(window(), place.topLeft()), place.size())).toImage();
+        double least = 1;
+        double most = 0;
+        for (int y = 0; y < text.height(); ++y) {
+            for (int x = 0; x < text.width(); ++x) {
+                least = std::min(least, brightness(text.pixelColor(x, y)));
+                most = std::max(most, brightness(text.pixelColor(x, y)));
+            }
+        }
+        return (most + 0.05) / (least + 0.05);
+    };
+    constexpr double readable = 4.5;
+    const double ticked = contrast(logsRow);
+    EXPECT_GT(ticked, 2 * readable);
+    clickSectionCheck(logsRow);
+    for (const int row : {logsRow, downloadsRow}) {
+        EXPECT_LT(contrast(row), ticked * 0.7);
+        EXPECT_GE(contrast(row), readable);
+    }
+    clickSection(downloadsRow);
+    EXPECT_GE(contrast(downloadsRow), readable) << "on the ground of a selected row";
+}
+
 TEST_F(ControlsTest, TheStatusPanelIsLitWhileThePointerIsOnItAndCanReachIt) {
     start();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
