@@ -70,9 +70,8 @@ void FAppDelegate::connectControls() {
     connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
-    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, commands_.get(), &MenuCommands::doSelGetInfo);
-    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, commands_.get(),
-            &MenuCommands::doSelShowInFinder);
+    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, commands_.get(), &MenuCommands::infPressed);
+    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, commands_.get(), &MenuCommands::finderPressed);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &FAppDelegate::applicationDidBecomeActive);
     window_->setMayClose([this] { return mayClose(); });
 }

@@ -1,6 +1,7 @@
 #include "ui/MenuCommands.h"
 
 #include "ui/FileListController.h"
+#include "ui/SectionFolders.h"
 
 namespace brimvault::ui {
 
@@ -72,6 +73,24 @@ void MenuCommands::doSelShowInFinder() {
 void MenuCommands::doSelGetInfo() {
     if (auto* current = panels_.getCurrentSectionController()) {
         current->onClickedGetInfo();
+    }
+}
+
+void MenuCommands::finderPressed() {
+    const auto* current = panels_.getCurrentSectionController();
+    if (current != nullptr && !current->hasSelectedItem()) {
+        util_.openFirstFolder([section = current->section()] { return SectionFolders::of(section); });
+    } else {
+        doSelShowInFinder();
+    }
+}
+
+void MenuCommands::infPressed() {
+    const auto* current = panels_.getCurrentSectionController();
+    if (current != nullptr && !current->hasSelectedItem()) {
+        util_.getInformationOfFirstFolder([section = current->section()] { return SectionFolders::of(section); });
+    } else {
+        doSelGetInfo();
     }
 }
 

@@ -23,6 +23,7 @@ public:
           sections_(sections),
           panels_(panels),
           drawerAndSheets_(drawerAndSheets),
+          util_(util),
           help_(&window, util) {}
 
     /// How a menu is to show the action, as things stand.
@@ -33,12 +34,16 @@ public:
     void doSelShowInFinder();
     void doSelGetInfo();
     void doSelRemove();
+    /// The two buttons above a list: the same for its selected item; without one, for the section's own folder.
+    void finderPressed();
+    void infPressed();
 
 private:
     MainWindow& window_;
     TSectionViewController& sections_;
     SectionPanels& panels_;
     DrawerAndSheets& drawerAndSheets_;
+    UtilMod& util_;
     HelpActions help_;
 };
 

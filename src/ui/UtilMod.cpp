@@ -2,6 +2,7 @@
 
 #include <QFutureWatcher>
 #include <QtConcurrentRun>
+#include <algorithm>
 
 #include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
@@ -89,14 +90,41 @@ void UtilMod::inBackground(QThreadPool& pool, std::function<Answer()> work, std:
 // --- The file browser -------------------------------------------------------------------------------------------
 
 void UtilMod::doRevealInFinder(const std::filesystem::path& path) {
-    const auto reveal = [this, file = standardized(path)] {
+    showWith(path, [this](const auto& file) {
+        return fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
+    });
+}
+
+void UtilMod::openFirstFolder(Folders folders) {
+    withFirst(std::move(folders), [this](const std::filesystem::path& folder) {
+        showWith(folder,
+                 [this](const auto& file) { return fileBrowser_.openFolder(file) || fileBrowser_.showItem(file); });
+    });
+}
+
+void UtilMod::getInformationOfFirstFolder(Folders folders) {
+    withFirst(std::move(folders), [this](const std::filesystem::path& folder) { doGetInformation(folder); });
+}
+
+// Where none is there, what is done with the first tells so.
+void UtilMod::withFirst(Folders folders, std::function<void(const std::filesystem::path&)> then) {
+    using Path = std::filesystem::path;
+    const auto find = [folders = std::move(folders)] {
+        const auto named = folders();
+        const auto first = std::find_if(named.begin(), named.end(), isThere);
+        return first != named.end() ? *first : named.empty() ? Path() : named.front();
+    };
+    inBackground<Path>(*requests_, find, std::move(then));
+}
+
+void UtilMod::showWith(const std::filesystem::path& path, std::function<bool(const std::filesystem::path&)> show) {
+    const auto ask = [show = std::move(show), file = standardized(path)] {
         if (!isThere(file)) {
             return Request::noSuchFile;
         }
-        const bool taken = fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
-        return taken ? Request::taken : Request::nobodyAnswers;
+        return show(file) ? Request::taken : Request::nobodyAnswers;
     };
-    inBackground<Request>(*requests_, reveal, [this, path](Request request) {
+    inBackground<Request>(*requests_, ask, [this, path](Request request) {
         if (request == Request::noSuchFile) {
             alertFileNotExists(path);
         } else if (request == Request::nobodyAnswers) {

@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <filesystem>
 #include <functional>
+#include <vector>
 
 #include "engine/FFItem.h"
 #include "engine/FileFacts.h"
@@ -43,6 +44,11 @@ public:
     void doRevealInFinder(const std::filesystem::path& path);
     /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
     void doGetInformation(const std::filesystem::path& path);
+    /// Looked for on a thread of their own.
+    using Folders = std::function<std::vector<std::filesystem::path>()>;
+    /// Of several folders, does so for the first that is there: opens it in the file browser, or shows what is known.
+    void openFirstFolder(Folders folders);
+    void getInformationOfFirstFolder(Folders folders);
     void alertFileNotExists(const std::filesystem::path& path);
     /// Opens a new mail in the user's mail program; where there is none, says so.
     void composeMail(const MailMessage& mail);
@@ -70,6 +76,8 @@ public:
 
 private:
     void tell(const QString& message, const QString& informativeText);
+    void withFirst(Folders folders, std::function<void(const std::filesystem::path&)> then);
+    void showWith(const std::filesystem::path& path, std::function<bool(const std::filesystem::path&)> show);
     void showInformation(const std::filesystem::path& path);
     void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts);
     void finishRemoval(const std::filesystem::path& path, const engine::ItemRemoval& removal,

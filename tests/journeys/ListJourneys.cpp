@@ -149,6 +149,37 @@ TEST_F(ListJourney, SpeaksOfFilesByTheirPathsInEverySection) {
     }
 }
 
+TEST_F(ListJourney, WithoutARowTheButtonsShowTheFolderOfTheSection) {
+    struct Case {
+        Row row;
+        fs::path folder;
+    };
+    fs::remove_all(home_.library() / "Logs");  // its neighbours hold logs too
+    fs::create_directories(home_.library() / "Application Support/CrashReporter");
+    for (const auto& [row, folder] :
+         {Case{cachesRow, home_.caches()}, Case{logsRow, home_.library() / "Application Support/CrashReporter"},
+          Case{downloadsRow, home_.downloads()}, Case{trashRow, home_.trash()},
+          Case{languagesRow, folder_ / "root/Applications"}}) {
+        fs::create_directories(folder);
+        show(row);
+        Guide::click(lists()->pbtnFinder());
+        EXPECT_TRUE(wasAsked("folder " + folder.native()));
+        Guide::click(lists()->pbtnInf());
+        EXPECT_TRUE(wasAsked("properties " + folder.native()));
+        application_->menu().validateItems();
+        EXPECT_FALSE(application_->menu().menu()->actions().isEmpty());
+    }
+    const auto asked = fileBrowser_.asked().size();
+    application_->menu().perform(ui::MenuAction::doSelShowInFinder);
+    application_->menu().perform(ui::MenuAction::doSelGetInfo);
+    fs::remove_all(home_.downloads());
+    show(downloadsRow);
+    Guide::click(lists()->pbtnFinder());
+    ASSERT_TRUE(Guide::waitFor([&] { return alerts_.asked.size() == 1; }));
+    EXPECT_EQ(alerts_.asked.back().message, text("Can't find file"));
+    EXPECT_EQ(fileBrowser_.asked().size(), asked) << "the menu's commands need a row";
+}
+
 TEST_F(ListJourney, ARightClickSelectsItsRowAndOffersWhatCanBeDone) {
     show(downloadsRow);
     select("invoice.txt");
