@@ -13,6 +13,22 @@
     </message>
 </context>
 <context>
+    <name>CleanFacts</name>
+    <message>
+        <source>1 item, %1</source>
+        <translation>1 Objekt, %1</translation>
+    </message>
+    <message>
+        <source>%1 items, %2</source>
+        <translation>%1 Objekte, %2</translation>
+    </message>
+    <message>
+        <source>%1 %2</source>
+        <comment>section and size</comment>
+        <translation>%1 %2</translation>
+    </message>
+</context>
+<context>
     <name>Languages</name>
     <message>
         <source>Kept</source>
@@ -127,7 +143,7 @@
     </message>
     <message>
         <source>%1%2. %3 found</source>
-        <translation>%1 %2. %3 gefunden</translation>
+        <translation>%1&#xa0;%2. %3 gefunden</translation>
     </message>
     <message>
         <source>%1 of %2 Selected</source>
@@ -197,6 +213,10 @@
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
     </message>
 </context>
 <context>
@@ -427,6 +447,10 @@ Was würde es besser machen? Jede Idee ist willkommen:
     <message>
         <source>Quit</source>
         <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Ask Before Cleaning</source>
+        <translation>Vor dem Bereinigen fragen</translation>
     </message>
 </context>
 <context>

@@ -11,7 +11,8 @@ class QVBoxLayout;
 namespace brimvault::ui {
 
 /// A question to the user, or something to be told, in a window of its own over the main one. Accepted by the first
-/// button, which the return key presses; the second, the escape key and closing it are the other answer. Main thread.
+/// button; the second, the escape key and closing it are the other answer. The return key presses the first, or the
+/// second where the first deletes something. Main thread.
 class AlertWindow final : public QDialog {
     Q_OBJECT
 

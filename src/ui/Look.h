@@ -31,9 +31,12 @@ inline constexpr QRgb sortedHeaderTop = 0xffeaf1fd;
 inline constexpr QRgb sortedHeaderBottom = 0xffdde8fa;
 inline constexpr QRgb row = 0xffffffff;
 inline constexpr QRgb rowAlternate = 0xfff7f9fc;
+inline constexpr QRgb questionFacts = 0xfff1f5fb;
+inline constexpr QRgb questionShade = 0x5c141e2d;  ///< over the window that waits
 inline constexpr QRgb drawer = 0xfff7f9fc;
 inline constexpr QRgb drawerAlternate = 0xffedf1f6;
 
+inline constexpr int smallCornerRadius = 8;
 inline constexpr int sidebarWidth = 296;
 inline constexpr int sectionRowHeight = 60;
 inline constexpr int sectionRowGap = 4;

@@ -28,6 +28,8 @@ MainMenu::MainMenu(QWidget* window, IconButton* button, MenuCommands& commands)
     add(menu_, MenuAction::doSelGetInfo, {QKeySequence(Qt::CTRL | Qt::Key_I)});
     add(menu_, MenuAction::doSelRemove);  // its key is the list's own: elsewhere it would remove what is out of sight
     menu_->addSeparator();
+    add(menu_, MenuAction::toggleAskBeforeCleaning);
+    menu_->addSeparator();
     auto* share = menu_->addMenu(tr("Share"));
     share->setStyleSheet(styleSheets::menu());
     add(share, MenuAction::shareByMail);
@@ -46,7 +48,9 @@ MainMenu::MainMenu(QWidget* window, IconButton* button, MenuCommands& commands)
 }
 
 void MainMenu::add(QMenu* menu, MenuAction what, const QList<QKeySequence>& shortcuts) {
-    auto* action = menu->addAction(commands_.validateMenuItem(what).title);
+    const MenuItem item = commands_.validateMenuItem(what);
+    auto* action = menu->addAction(item.title);
+    action->setCheckable(item.checked.has_value());
     action->setShortcuts(shortcuts);
     menu_->parentWidget()->addAction(action);
     connect(action, &QAction::triggered, this, [this, what] { perform(what); });
@@ -58,6 +62,7 @@ void MainMenu::validateItems() {
         const MenuItem now = commands_.validateMenuItem(item.what);
         item.action->setText(now.title);
         item.action->setEnabled(now.enabled);
+        item.action->setChecked(now.checked.value_or(false));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 namespace brimvault::ui {
 
@@ -13,6 +14,7 @@ enum class MenuAction {
     doSelShowInFinder,
     doSelGetInfo,
     doSelRemove,
+    toggleAskBeforeCleaning,
     shareByMail,
     sendFeedbackPressed,
     showAboutScreen,
@@ -23,6 +25,7 @@ enum class MenuAction {
 struct MenuItem {
     QString title;
     bool enabled = true;
+    std::optional<bool> checked{};  ///< of what can be on or off
 };
 
 }  // namespace brimvault::ui

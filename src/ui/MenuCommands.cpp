@@ -25,6 +25,8 @@ MenuItem MenuCommands::validateMenuItem(MenuAction what) const {
             return {tr("Show Information"), selected};
         case MenuAction::doSelRemove:
             return {tr("Remove..."), files != nullptr && files->isRemoveEnabled()};
+        case MenuAction::toggleAskBeforeCleaning:
+            return {tr("Ask Before Cleaning"), true, sections_.isAskingBeforeCleaning()};
         case MenuAction::shareByMail:
             return {tr("By Mail...")};
         case MenuAction::sendFeedbackPressed:
@@ -53,6 +55,8 @@ void MenuCommands::perform(MenuAction what) {
             return doSelGetInfo();
         case MenuAction::doSelRemove:
             return doSelRemove();
+        case MenuAction::toggleAskBeforeCleaning:
+            return sections_.setAskingBeforeCleaning(!sections_.isAskingBeforeCleaning());
         case MenuAction::shareByMail:
             return help_.shareByMail();
         case MenuAction::sendFeedbackPressed:

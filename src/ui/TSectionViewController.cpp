@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "engine/Notifications.h"
-#include "ui/DefaultsKeys.h"
+#include "ui/CleanFacts.h"
 #include "ui/SectionRows.h"
 
 namespace brimvault::ui {
@@ -192,15 +192,16 @@ void TSectionViewController::doStartClean() {
 }
 
 bool TSectionViewController::isRemovalConfirmed() {
-    if (defaults_.boolean(defaults_key::suppressRemovalAlert).value_or(false)) {
+    if (!isAskingBeforeCleaning()) {
         return true;
     }
     // Both texts have a double space; they are used as they stand.
     const Alert alert{tr("Are you sure you want to  completely delete the selected items?"),
-                      tr("Files will be  permanently removed from your Hard Drive."), Alert::Suppression::offered};
+                      tr("Files will be  permanently removed from your Hard Drive."), Alert::Suppression::offered,
+                      Alert::Buttons::deleteAndCancel, cleanFacts(performer_.getAppResDS(), checks_)};
     const AlertAnswer answer = ask(alert);
     if (answer.suppressed) {
-        defaults_.setBoolean(defaults_key::suppressRemovalAlert, true);
+        setAskingBeforeCleaning(false);
     }
     return answer.returnCode == AlertAnswer::firstButton;
 }

@@ -11,6 +11,7 @@
 #include "ui/AlertPresenter.h"
 #include "ui/ApplicationController.h"
 #include "ui/CheckListener.h"
+#include "ui/DefaultsKeys.h"
 #include "ui/MenuAction.h"
 #include "ui/SectionListModel.h"
 #include "ui/SectionsTableView.h"
@@ -50,6 +51,11 @@ public:
     void doStartClean();
     /// The user has stopped the last clean: it need not have come to every item.
     [[nodiscard]] bool isCleanStopped() const { return cleanStopped_; }
+    /// Unless the user has said that the question of a clean need not be shown.
+    [[nodiscard]] bool isAskingBeforeCleaning() const {
+        return !defaults_.boolean(defaults_key::suppressRemovalAlert).value_or(false);
+    }
+    void setAskingBeforeCleaning(bool ask) { defaults_.setBoolean(defaults_key::suppressRemovalAlert, !ask); }
     /// Records what a clean has freed.
     void cleanFinished();
     /// How a menu is to show the two main buttons' actions, as things stand.

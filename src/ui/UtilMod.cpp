@@ -226,7 +226,8 @@ bool UtilMod::isRemovalConfirmed(const std::filesystem::path& path, qsizetype it
     }
     const Alert alert{
         tr("Are you sure you want to completely delete “%1”?").arg(platform::displayText(path.filename())),
-        where + QStringLiteral("\n\n") + tr("Files will be  permanently removed from your Hard Drive.")};
+        where + QStringLiteral("\n\n") + tr("Files will be  permanently removed from your Hard Drive."),
+        Alert::Suppression::notOffered, Alert::Buttons::deleteAndCancel};
     return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
 }
 

@@ -257,6 +257,7 @@ TEST_F(ListJourney, DeleteAsksAndRemovesOneItem) {
     QTest::keyClick(guide_->list(), Qt::Key_Delete);
     ASSERT_EQ(alerts_.asked.size(), 1U);
     EXPECT_TRUE(alerts_.asked.back().message.contains(text("old project")));
+    EXPECT_EQ(alerts_.asked.back().buttons, ui::Alert::Buttons::deleteAndCancel);
     EXPECT_FALSE(application_->pbRemoving());  // the answer was no
     EXPECT_EQ(remover_.timesLet, 0);
     const auto others = tests::fingerprint(home_.path(), {".local/share/Trash"});

@@ -20,7 +20,7 @@ protected:
                 titles.append(action->isEnabled() ? action->text() : QStringLiteral("(%1)").arg(action->text()));
             }
         }
-        return titles.mid(0, titles.size() - 3);  // feedback, about and quit are always there
+        return titles.mid(0, titles.size() - 4);  // the question, feedback, about and quit are always there
     }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers) const { QTest::keyClick(window(), key, modifiers); }
     void selectFirstItem() const {
@@ -85,6 +85,33 @@ TEST_F(MenuJourney, ShortcutsDoWhatTheMenuOffersAndNothingElse) {
     press(Qt::Key_F10, Qt::NoModifier);
     EXPECT_TRUE(application_->menu().menu()->isVisible());
     application_->menu().menu()->close();
+}
+
+TEST_F(MenuJourney, TheQuestionOfACleanIsSwitchedOffAndOn) {
+    start();
+    scan();
+    const auto* ask = [this] {
+        const auto actions = application_->menu().menu()->actions();
+        const auto found = std::find_if(actions.begin(), actions.end(), [](const QAction* action) {
+            return action->text() == QStringLiteral("Ask Before Cleaning");
+        });
+        return found == actions.end() ? nullptr : *found;
+    }();
+    ASSERT_NE(ask, nullptr);
+    const auto isTicked = [&] {
+        application_->menu().validateItems();
+        return ask->isCheckable() && ask->isChecked();
+    };
+    EXPECT_TRUE(isTicked());
+    alerts_.answers.push_back({ui::AlertAnswer::secondButton, true});
+    Guide::click(lists()->pbtnClean());
+    EXPECT_FALSE(isTicked()) << "the question was told not to come again";
+    application_->menu().perform(MenuAction::toggleAskBeforeCleaning);
+    EXPECT_TRUE(isTicked());
+    Guide::click(lists()->pbtnClean());
+    EXPECT_EQ(alerts_.asked.size(), 2U);
+    application_->menu().perform(MenuAction::toggleAskBeforeCleaning);
+    EXPECT_EQ(defaults_->boolean(QStringLiteral("SuppressAlertShowAlertOnRemove")), true);
 }
 
 // Its title would not hold any more: what stopped a scan would start the next.

@@ -236,7 +236,7 @@ TEST_F(SpeakingWindow, SpeaksGerman) {
         buttons = {alert.firstButton()->text(), alert.secondButton()->text(), alert.suppressionBox()->text()};
     });
     ui::WindowAlerts().runModal(alerts_.asked[0], window());
-    EXPECT_THAT(buttons, testing::ElementsAre(QStringLiteral("OK"), QStringLiteral("Abbrechen"),
+    EXPECT_THAT(buttons, testing::ElementsAre(QStringLiteral("Löschen"), QStringLiteral("Abbrechen"),
                                               QStringLiteral("Diese Meldung nicht mehr anzeigen")));
 }
 

@@ -7,6 +7,7 @@ Two runs over one made-up home: all from the start page to a clean with a report
 
 import glob
 import os
+import re
 import sys
 import tempfile
 import time
@@ -229,7 +230,8 @@ def question_before_a_clean(desk, home):
     caches = os.listdir(os.path.join(home, "Library/Caches"))
     desk.window.press("Clean")
     text = desk.question_text()
-    assert text == [SURE, "Files will be  permanently removed from your Hard Drive."], text
+    assert text[:2] == [SURE, "Files will be  permanently removed from your Hard Drive."], text
+    assert re.fullmatch(r"[\d,]+ items, [\d.]+ [KMG]?B", text[2]) and text[3].startswith("Caches "), text
     desk.window.answer("Cancel")
     wait_for("the end of the question", lambda: desk.window.question() is None)
     desk.window.press("Clean")

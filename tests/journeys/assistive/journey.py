@@ -122,7 +122,7 @@ def journey(home):
         review(window, section, rows)
 
     window.press("Clean")
-    window.answer("OK")
+    window.answer("Delete")
     wait_for("the end of the clean", lambda: window.rows("Trash").keys() == SPARED["Trash"])
     wait_for("the scan button", lambda: window.is_enabled("Scan"))
     gone = [path for section, rows in expected.items() for name, path in rows.items() if name not in SPARED[section]]
@@ -144,7 +144,7 @@ def report(home):
     act(wait_for("the log", lambda: window.rows("Logs")["kept.log"])[2], "Toggle")
     wait_for("the spared log", lambda: not window.rows("Logs")["kept.log"][1])
     window.press("Clean")
-    window.answer("OK")
+    window.answer("Delete")
     sheet = wait_for("the report", lambda: find(window.frame, "dialog", "Some items were not removed"))
     lines = [line.get_name() for line in children(find(sheet, "list", "Items that were not removed"))]
     assert lines == ["Logs", f"{container} - It holds something that is not selected"], lines

@@ -122,7 +122,7 @@ def journey(home):
     before = paths_below(folder)
     going = [path for name in os.listdir(folder) for path in unneeded(os.path.join(folder, name), kept)]
     window.press("Bereinigen")
-    window.answer("OK")
+    window.answer("Löschen")
     wait_for("the end of the clean", lambda: window.is_enabled("Scannen") and window.section(SECTION).get_description())
     wait_for("an empty list", lambda: window.section(SECTION).get_description() == "Nichts Überflüssiges gefunden")
     right = {path for path in before if not any(path == gone or path.startswith(gone + "/") for gone in going)}
