@@ -190,6 +190,7 @@ TEST_F(IconImages, AreNoPhotographsWhateverTheyArePackedIn) {
     ASSERT_GT(tiff.indexOf(compression), 0);
     tiff[tiff.indexOf(compression) + compression.size()] = 7;  // as a photograph is
     for (const auto& contents : {photograph, element("icns", element("ic07", photograph)), onlyOne(photograph), tiff}) {
+        EXPECT_TRUE(ui::IconFile::pictures(contents).empty()) << "no decoder sees it";
         EXPECT_TRUE(IconImage::ofContents(contents, 20).isNull()) << contents.left(40).toStdString();
     }
 }
