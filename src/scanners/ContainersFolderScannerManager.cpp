@@ -4,31 +4,41 @@
 
 namespace brimvault::scanners {
 
+ContainersFolderScannerManager::ContainersFolderScannerManager(const std::filesystem::path& containersFolder)
+    : makeScanner_([containersFolder] { return std::make_unique<ContainersFolderScanner>(containersFolder); }) {}
+
 ContainersFolderScannerManager& ContainersFolderScannerManager::shared() {
     static ContainersFolderScannerManager instance(SystemPathsGenerator::shared().urlForPath("~/Library/Containers"));
     return instance;
 }
 
-const ContainersFolderScanner& ContainersFolderScannerManager::loaded() {
-    if (!scanner_.isLoaded()) {
-        scanner_.scanContainers();
+ContainersFolderScannerManager::Listing ContainersFolderScannerManager::load() const {
+    std::shared_ptr<ContainersFolderScanner> scanner = makeScanner_();
+    scanner->scanContainers();
+    return scanner;
+}
+
+// Who asks first leaves the promise of the answer behind, and lists without the lock.
+ContainersFolderScannerManager::Listing ContainersFolderScannerManager::loaded() {
+    std::packaged_task<Listing()> listing;
+    std::shared_future<Listing> answer;
+    {
+        const std::lock_guard guard(lock_);
+        if (!listing_.valid()) {
+            listing = std::packaged_task<Listing()>([this] { return load(); });
+            listing_ = listing.get_future().share();
+        }
+        answer = listing_;
     }
-    return scanner_;
-}
-
-ContainersFolderScannerManager::Folders ContainersFolderScannerManager::logs() {
-    const std::lock_guard guard(lock_);
-    return loaded().logs();
-}
-
-ContainersFolderScannerManager::Folders ContainersFolderScannerManager::caches() {
-    const std::lock_guard guard(lock_);
-    return loaded().caches();
+    if (listing.valid()) {
+        listing();
+    }
+    return answer.get();
 }
 
 void ContainersFolderScannerManager::reset() {
     const std::lock_guard guard(lock_);
-    scanner_.resetResults();
+    listing_ = {};
 }
 
 }  // namespace brimvault::scanners

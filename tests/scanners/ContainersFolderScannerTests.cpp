@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <thread>
 
 #include "scanners/ContainersFolderScannerManager.h"
 #include "support/FixtureTrees.h"
+#include "support/SectionWork.h"
 #include "support/TemporaryFolder.h"
 
 namespace brimvault::tests {
@@ -68,6 +70,34 @@ TEST(ContainersFolderScannerManager, ListsAgainOnlyAfterAReset) {
     manager.reset();
     EXPECT_EQ(manager.logs().size(), 1U);
     EXPECT_EQ(manager.caches().size(), 1U);
+}
+
+TEST(ContainersFolderScannerManager, ListsOnceForAllWhoWaitAndAfreshAfterAResetWhileAListingHangs) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder / "list/container");
+    Hang hang;
+    std::atomic<int> listings = 0;
+    ContainersFolderScannerManager manager([&] {
+        if (++listings == 1) {
+            hang.wait();
+        }
+        return std::make_unique<ContainersFolderScanner>(folder / "list");
+    });
+    std::vector<std::size_t> counts(2);
+    {
+        const std::jthread first([&] { counts[0] = manager.caches().size(); });
+        while (!hang.holdsAny()) {
+            std::this_thread::yield();
+        }
+        const std::jthread second([&] { counts[1] = manager.logs().size(); });
+        manager.reset();
+        EXPECT_EQ(manager.caches().size(), 1U) << "nobody waits for what hangs";
+        EXPECT_EQ(manager.logs().size(), 1U);
+        EXPECT_EQ(listings, 2);
+        hang.letOn();
+    }
+    EXPECT_THAT(counts, testing::ElementsAre(1, 1));
+    EXPECT_EQ(listings, 2) << "who asked before the reset has the list of then, or the new one";
 }
 
 TEST(ContainersFolderScannerManager, GivesWholeListsToThreadsThatAskAtOnce) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -39,6 +40,32 @@ protected:
 
 private:
     Work work_;
+};
+
+/// Holds back whoever waits, as a volume that does not answer, until it is let on: at its own end at the latest, when
+/// it waits for all to have gone. Work shares it, since it may be left behind.
+class Hang {
+public:
+    ~Hang() {
+        letOn();
+        while (waiting_ > 0) {
+            std::this_thread::yield();
+        }
+    }
+    void wait() {
+        ++waiting_;
+        open_.wait(false);
+        --waiting_;
+    }
+    void letOn() {
+        open_ = true;
+        open_.notify_all();
+    }
+    [[nodiscard]] bool holdsAny() const { return waiting_ > 0; }
+
+private:
+    std::atomic<bool> open_ = false;
+    std::atomic<int> waiting_ = 0;
 };
 
 /// Comes back when the operation has been cancelled.
