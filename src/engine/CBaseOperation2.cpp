@@ -1,8 +1,6 @@
 #include "engine/CBaseOperation2.h"
 
 #include <QCoreApplication>
-#include <set>
-#include <string>
 
 #include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
@@ -12,25 +10,12 @@ namespace brimvault::engine {
 
 namespace {
 
-bool isToBeCleaned(const FFItem& item) { return item.ppbChecked() && item.ppbDeletable() && item.pfSize() != 0; }
-
 // A name that is to be looked up inside a folder must be one name, and not that of the folder or the one above.
 bool isOneName(const std::filesystem::path& name) {
     return !name.empty() && !name.has_parent_path() && name != "." && name != "..";
 }
 
 QString holdsSparedText() { return QCoreApplication::translate("Clean", "It holds something that is not selected"); }
-
-// The paths of what the user has spared, in the order of their bytes.
-std::set<std::string> sparedPaths(const ItemArray& items) {
-    std::set<std::string> paths;
-    for (const auto& item : items) {
-        if (!item->ppbChecked() && item->hasPath()) {
-            paths.insert(item->pfpath().lexically_normal().native());
-        }
-    }
-    return paths;
-}
 
 bool holdsAnyOf(const std::filesystem::path& folder, const std::set<std::string>& paths) {
     const auto inside = folder.lexically_normal().native() + "/";
@@ -39,6 +24,21 @@ bool holdsAnyOf(const std::filesystem::path& folder, const std::set<std::string>
 }
 
 }  // namespace
+
+bool CBaseOperation2::isToBeCleaned(const FFItem& item) const {
+    return item.ppbChecked() && item.ppbDeletable() && item.pfSize() != 0 && isAgreed(item);
+}
+
+// The paths of what the user has spared, or was not asked about, in the order of their bytes.
+std::set<std::string> CBaseOperation2::sparedPaths(const ItemArray& items) const {
+    std::set<std::string> paths;
+    for (const auto& item : items) {
+        if (item->hasPath() && !(item->ppbChecked() && isAgreed(*item))) {
+            paths.insert(item->pfpath().lexically_normal().native());
+        }
+    }
+    return paths;
+}
 
 void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder,
                                   ItemArray& removed, NotRemovedDictionary& notRemoved) {
@@ -50,17 +50,22 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         if (!isToBeCleaned(*item)) {
             continue;
         }
+        const auto report = [&](const QString& reason) {
+            const std::lock_guard guard(resultsMutex_);
+            notRemoved.insert(item->ppdisplayName(), reason);
+        };
         const bool hasPath = item->hasPath();
         if (hasPath && holdsAnyOf(item->pfpath(), spared)) {
-            notRemoved.insert(item->ppdisplayName(), holdsSparedText());
+            report(holdsSparedText());
         } else if (hasPath) {
             removeItem(item, item->pfpath(), removed, notRemoved);
         } else if (!folder) {
+            const std::lock_guard guard(resultsMutex_);
             removed.append(item);
         } else if (isOneName(item->pfname())) {
             removeItem(item, *folder / item->pfname(), removed, notRemoved);
         } else {
-            notRemoved.insert(item->ppdisplayName(), ItemRemoval::withoutSystemText());
+            report(ItemRemoval::withoutSystemText());
         }
     }
 }
@@ -68,6 +73,7 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
 void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path,
                                  ItemArray& removed, NotRemovedDictionary& notRemoved) {
     const auto removal = removeItemAt(path, remover_);
+    const std::lock_guard guard(resultsMutex_);
     if (removal.gone) {
         removed.append(item);
     } else {
@@ -76,12 +82,18 @@ void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std:
 }
 
 void CBaseOperation2::cleanAndPost(const std::optional<std::filesystem::path>& folder) {
-    ItemArray removed;
-    NotRemovedDictionary notRemoved;
-    removeItems(pCArray(), folder, removed, notRemoved);
+    removeItems(pCArray(), folder, removed_, notRemoved_);
+    postResults();
+}
+
+void CBaseOperation2::postResults() {
     const auto words = vocabulary(section());
-    NotificationCenter::defaultCenter().post(words.cleanFinished,
-                                             {{words.arrayKey, removed}, {words.notCleanedKey, notRemoved}});
+    UserInfo results;
+    {
+        const std::lock_guard guard(resultsMutex_);
+        results = {{words.arrayKey, removed_}, {words.notCleanedKey, notRemoved_}};
+    }
+    NotificationCenter::defaultCenter().post(words.cleanFinished, results);
 }
 
 }  // namespace brimvault::engine

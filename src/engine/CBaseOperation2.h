@@ -1,7 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <mutex>
 #include <optional>
+#include <set>
+#include <string>
 
 #include "engine/FFItem.h"
 #include "engine/Notification.h"
@@ -22,22 +25,31 @@ public:
     /// to those that are gone, also when there was nothing at the path any more, or with the system's reason to the
     /// dictionary. Stops before the next item once the operation is cancelled; the one under way is finished first.
     ///
-    /// A folder that holds another item of the list, one that is not checked, stays as well.
+    /// A folder that holds another item of the list, one that is not checked or not agreed to, stays as well.
     /// An item without a path of its own is the one of its name in the folder given; without a folder there is nothing.
     void removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder, ItemArray& removed,
                      NotRemovedDictionary& notRemoved);
 
 protected:
     [[nodiscard]] const ItemArray& pCArray() const { return pCArray_; }
-    /// Removes the items and posts the section's clean-finished notification with the two results, also after a cancel.
+    /// Removes the items and posts the section's clean-finished notification with the two results, also after a cancel,
+    /// or with what was done by then when it fails or is given up.
     void cleanAndPost(const std::optional<std::filesystem::path>& folder);
+    void failed() override { postResults(); }
+    void givenUp() override { postResults(); }
 
 private:
     void removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path, ItemArray& removed,
                     NotRemovedDictionary& notRemoved);
+    [[nodiscard]] bool isToBeCleaned(const FFItem& item) const;
+    [[nodiscard]] std::set<std::string> sparedPaths(const ItemArray& items) const;
+    void postResults();
 
     const ItemArray pCArray_;
     PrivilegedRemover& remover_;
+    std::mutex resultsMutex_;  ///< protects what follows: who gives the operation up tells of it
+    ItemArray removed_;
+    NotRemovedDictionary notRemoved_;
 };
 
 }  // namespace brimvault::engine

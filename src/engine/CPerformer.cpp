@@ -1,61 +1,79 @@
 #include "engine/CPerformer.h"
 
+#include <array>
+
 namespace brimvault::engine {
-
-namespace {
-
-std::optional<ItemArray> whenChosen(bool chosen, const ItemArray& items) {
-    return chosen ? std::optional(items) : std::nullopt;
-}
-
-}  // namespace
 
 CPerformer::CPerformer(ScanTable scans, CleanTable cleans)
     : pscaner_(std::move(scans)), pcutter_(std::move(cleans)), pclprops_(pcutter_.pclprops()) {}
 
 void CPerformer::Scan(bool bApps, bool bDwn, bool bCache, bool bTrash, bool bLogs) {
     if (bApps) {
-        pscaner_.cancelScanApplicationsResources();
-        pdata_.resetAppsArray();
+        dropResults(Section::languageResources);
     }
     if (bCache) {
-        pscaner_.cancelScanCaches();
-        pdata_.resetCachesArray();
+        dropResults(Section::caches);
     }
     if (bDwn) {
-        pscaner_.cancelScanDownloads();
-        pdata_.resetDwnsArray();
+        dropResults(Section::downloads);
     }
     if (bTrash) {
-        pscaner_.cancelScanTrash();
-        pdata_.resetTrashArray();
+        dropResults(Section::trash);
     }
     if (bLogs) {
-        pscaner_.cancelScanLogs();
-        pdata_.resetLogsArray();
+        dropResults(Section::logs);
     }
     pscaner_.Scan(bApps, bDwn, bCache, bTrash, bLogs);
 }
 
-void CPerformer::Clean(bool bApps, bool bDwn, bool bCache, bool bTrash, bool bLogs) {
-    if (bApps) {
-        pcutter_.cancelCleanAppsRes();
+void CPerformer::dropResults(Section section) {
+    pscaner_.cancelOperationByClass(section);
+    if (pscaner_.isHanging(section)) {
+        pdata_.endScan(section);
+    } else {
+        pdata_.resetArray(section);
     }
-    if (bDwn) {
-        pcutter_.cancelCleanDownloads();
+}
+
+void CPerformer::giveUpScans() {
+    giveUpScansOf([](Section) { return true; });
+}
+
+// Nobody hears of its end, so that its progress would stay on show.
+void CPerformer::giveUpScansOf(const std::function<bool(Section)>& chosen) {
+    for (const Section section : pscaner_.giveUpCancelled(chosen)) {
+        pdata_.endScan(section);
     }
-    if (bCache) {
-        pcutter_.cancelCleanCaches();
+}
+
+CleanSelection CPerformer::selection(bool bApps, bool bDwn, bool bCache, bool bTrash, bool bLogs) const {
+    const std::array<bool, allSections.size()> chosen = {bApps, bDwn, bCache, bTrash, bLogs};
+    CleanSelection selection;
+    for (const Section section : allSections) {
+        if (!chosen[static_cast<std::size_t>(section)]) {
+            continue;
+        }
+        selection[section] = section == Section::languageResources
+                                 ? std::make_shared<const AgreedItems>(pdata_.getAppsArray())
+                                 : std::make_shared<const AgreedItems>(pdata_.itemsOf(section));
     }
-    if (bTrash) {
-        pcutter_.cancelCleanTrash();
+    return selection;
+}
+
+// The result of a scan that is still returning would bring back what the clean removes.
+void CPerformer::Clean(const CleanSelection& selection) {
+    for (const Section section : allSections) {
+        if (selection[section]) {
+            pcutter_.cancelOperationByClass(section);
+        }
     }
-    if (bLogs) {
-        pcutter_.cancelCleanLogs();
-    }
-    pcutter_.Clean(bApps ? std::optional(pdata_.getAppsArray()) : std::nullopt,
-                   whenChosen(bDwn, pdata_.getDownloadsArray()), whenChosen(bCache, pdata_.getCachesArray()),
-                   whenChosen(bTrash, pdata_.getTrashArray()), whenChosen(bLogs, pdata_.getLogsArray()));
+    giveUpScansOf([&](Section section) { return selection[section] != nullptr; });
+    const auto itemsOf = [&](Section section) {
+        return selection[section] ? std::optional(pdata_.itemsOf(section)) : std::nullopt;
+    };
+    pcutter_.Clean(selection[Section::languageResources] ? std::optional(pdata_.getAppsArray()) : std::nullopt,
+                   itemsOf(Section::downloads), itemsOf(Section::caches), itemsOf(Section::trash),
+                   itemsOf(Section::logs), selection);
 }
 
 }  // namespace brimvault::engine

@@ -39,6 +39,20 @@ void DataMan::mainThreadFin(Section section, const Notification& notification) {
     letGoLater(section, notification);
 }
 
+void DataMan::endScan(Section section) {
+    progress_[section].count.reset();
+    progress_[section].percent.reset();
+    sendNotification(vocabulary(section).interfaceFinished);
+}
+
+void DataMan::resetArray(Section section) {
+    if (section == Section::languageResources) {
+        resetAppsArray();
+    } else {
+        set(section, std::nullopt);
+    }
+}
+
 void DataMan::mainThreadProgr(Section section, const Notification& notification) {
     const auto words = vocabulary(section);
     auto& progress = progress_[section];

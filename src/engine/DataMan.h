@@ -28,6 +28,12 @@ public:
     void resetTrashArray() { setTrashArray(std::nullopt); }
     void resetLogsArray() { setLogsArray(std::nullopt); }
 
+    /// Empties the one of the section.
+    void resetArray(Section section);
+    /// The scan of the section was given up, and does not tell of its end: there is no progress any more. Posts that
+    /// the section is finished, with what was found.
+    void endScan(Section section);
+
     /// Replace; none empties.
     void setApplicationsArray(const std::optional<ApplicationArray>& items);
     void setDownloadsArray(const std::optional<ItemArray>& items) { set(Section::downloads, items); }
@@ -47,6 +53,10 @@ public:
     [[nodiscard]] qsizetype getCachesCount() const { return getCachesArray().size(); }
     [[nodiscard]] qsizetype getTrashCount() const { return getTrashArray().size(); }
     [[nodiscard]] qsizetype getLogsCount() const { return getLogsArray().size(); }
+
+    [[nodiscard]] qsizetype count(Section section) const {
+        return section == Section::languageResources ? getAppsCount() : itemsOf(section).size();
+    }
 
     /// Null for an index outside the array.
     [[nodiscard]] std::shared_ptr<AppItemData> getAppItem(qsizetype index) const { return at(applications_, index); }

@@ -31,8 +31,9 @@ CleanTable CleanTable::fileSections(PrivilegedRemover& remover) {
 
 void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                     const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
-                    const std::optional<ItemArray>& pLogs) {
+                    const std::optional<ItemArray>& pLogs, const Agreed& agreed) {
     table_.remover->letAskUser();
+    agreed_ = agreed;
     const auto done = std::make_shared<CompletionOperation>(&FCutter::CleanDone);
     CleanAppsRes(pApps, done);
     CleanDownloads(pDwn, done);
@@ -40,6 +41,7 @@ void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::opt
     CleanTrash(pTrash, done);
     CleanLogs(pLogs, done);
     pCutQue_.addOperation(done);
+    agreed_ = {};
 }
 
 void FCutter::CleanAppsRes(const std::optional<ApplicationArray>& items, const std::shared_ptr<Operation>& oper) {
@@ -77,7 +79,12 @@ void FCutter::cancelCleanAll() {
     table_.remover->stopAskingUser();
 }
 
+void FCutter::giveUp() {
+    pCutQue_.giveUp([](const Operation& operation) { return operation.isCancelled(); });
+}
+
 void FCutter::enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper) {
+    operation->restrictTo(agreed_[operation->section()]);
     oper->addDependency(operation);
     pCutQue_.addOperation(operation);
 }

@@ -35,10 +35,13 @@ public:
     /// What every clean of language resources respects; shared with the façade.
     [[nodiscard]] const std::shared_ptr<FCleanProps>& pclprops() const { return pclprops_; }
 
+    /// What the user has agreed to, of each section; null for all that is ticked.
+    using Agreed = PerSection<std::shared_ptr<const AgreedItems>>;
+
     /// None, or an empty array, cleans nothing of its section.
     void Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
-               const std::optional<ItemArray>& pLogs);
+               const std::optional<ItemArray>& pLogs, const Agreed& agreed = {});
 
     void CleanAppsRes(const std::optional<ApplicationArray>& items, const std::shared_ptr<Operation>& oper);
     void CleanDownloads(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
@@ -50,7 +53,12 @@ public:
 
     /// Cancels everything and returns at once. A question for a password is withdrawn, also that of a single removal.
     void cancelCleanAll();
-    /// Cancel one section's clean and wait until it has returned. Block the caller.
+    /// Gives up what has not returned from being cancelled: what it removed by now is told, and "cleanFinished"
+    /// follows. Returns at once.
+    void giveUp();
+    /// Whether a clean was given up, and hangs still.
+    [[nodiscard]] bool isAnythingLeftBehind() const { return !pCutQue_.leftBehind().empty(); }
+    /// Cancel one section's clean and wait until it has returned, or for a moment. Block the caller.
     void cancelOperationByClass(Section section) { cancelSectionAndWait(pCutQue_, section); }
     void cancelCleanAppsRes() { cancelOperationByClass(Section::languageResources); }
     void cancelCleanDownloads() { cancelOperationByClass(Section::downloads); }
@@ -63,6 +71,7 @@ private:
     void enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper);
 
     CleanTable table_;
+    Agreed agreed_;  ///< to the clean that is being put together
     std::shared_ptr<FCleanProps> pclprops_ = std::make_shared<FCleanProps>();
     OperationQueue pCutQue_{1};  ///< sections are cleaned one after another, never in parallel
 };

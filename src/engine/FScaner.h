@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "engine/FFItem.h"
 #include "engine/SBaseOperation.h"
@@ -18,6 +19,9 @@ struct ScanTable {
 
 /// The scan driver: one operation per chosen section, side by side, and "scanFinished" when all of them have ended.
 /// One thread (the main thread); the operations run and post on the queue's.
+///
+/// A scan that hangs, as on a volume that does not answer, is given up when it has been cancelled and waited for in
+/// vain. Its section is not scanned again until it has returned.
 class FScaner {
 public:
     explicit FScaner(ScanTable table) : table_(std::move(table)) {}
@@ -34,7 +38,10 @@ public:
 
     /// Cancels everything and returns at once.
     void cancelScanAll() { pque_.cancelAllOperations(); }
-    /// Cancel one section's scan and wait until it has returned. Block the caller.
+    /// Gives up, of the sections chosen, the scans that were cancelled and have not returned; returns at once, with
+    /// their sections.
+    std::vector<Section> giveUpCancelled(const std::function<bool(Section)>& chosen);
+    /// Cancel one section's scan and wait until it has returned, or for a moment. Block the caller.
     void cancelOperationByClass(Section section) { cancelSectionAndWait(pque_, section); }
     void cancelScanApplicationsResources() { cancelOperationByClass(Section::languageResources); }
     void cancelScanDownloads() { cancelOperationByClass(Section::downloads); }
@@ -42,8 +49,13 @@ public:
     void cancelScanTrash() { cancelOperationByClass(Section::trash); }
     void cancelScanLogs() { cancelOperationByClass(Section::logs); }
 
-    /// Whether the operation of any section has not yet returned.
+    /// Whether the operation of any section, or of this one, has not yet returned, other than one that was given up.
     [[nodiscard]] bool isScanning() const;
+    [[nodiscard]] bool isScanning(Section section) const;
+    /// Whether a scan of the section was given up, and hangs still.
+    [[nodiscard]] bool isHanging(Section section) const;
+    /// Whether one of any section does.
+    [[nodiscard]] bool isAnythingLeftBehind() const { return !pque_.leftBehind().empty(); }
 
     /// A holder per section, empty: the results are the model's.
     [[nodiscard]] const ItemArray& pcfApplications() const { return holders_[Section::languageResources]; }

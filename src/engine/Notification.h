@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <stop_token>
 #include <variant>
 
 #include "engine/AppItemData.h"
@@ -31,6 +32,7 @@ using UserInfo = QHash<QString, InfoValue>;
 struct Notification {
     QString name;
     UserInfo userInfo;
+    std::stop_token recalled = {};  ///< once a stop is requested, nobody is to hear it any more
 };
 
 /// The value under the key, only when it is of the asked kind; each reader below names the kinds that it is for.

@@ -1,8 +1,21 @@
 #include "engine/NotificationCenter.h"
 
 #include <QMetaObject>
+#include <utility>
 
 namespace brimvault::engine {
+
+namespace {
+
+// Of what the thread posts just now; without a source it is never recalled.
+thread_local std::stop_token recalledHere;
+
+}  // namespace
+
+NotificationCenter::Recallable::Recallable(std::stop_token recalled)
+    : before_(std::exchange(recalledHere, std::move(recalled))) {}
+
+NotificationCenter::Recallable::~Recallable() { recalledHere = std::move(before_); }
 
 // The mutex is held while the handler runs, so that ending an observation waits for a handler on another thread; it is
 // recursive, so that a handler may post what it observes, or end its own observation.
@@ -47,11 +60,20 @@ NotificationCenter::Observation NotificationCenter::addMainThreadObserver(const 
                                                                           Handler handler) {
     return addObserver(name, [context, shared = std::move(handler)](const Notification& notification) {
         QMetaObject::invokeMethod(
-            context, [shared, notification] { shared(notification); }, Qt::QueuedConnection);
+            context,
+            [shared, notification] {
+                if (!notification.recalled.stop_requested()) {
+                    shared(notification);
+                }
+            },
+            Qt::QueuedConnection);
     });
 }
 
 void NotificationCenter::post(const QString& name, const UserInfo& userInfo) {
+    if (recalledHere.stop_requested()) {
+        return;
+    }
     std::vector<std::weak_ptr<Observation::Entry>> observers;
     {
         const std::lock_guard guard(mutex_);
@@ -59,7 +81,7 @@ void NotificationCenter::post(const QString& name, const UserInfo& userInfo) {
             observers = found->second;
         }
     }
-    const Notification notification{name, userInfo};
+    const Notification notification{name, userInfo, recalledHere};
     for (const auto& observer : observers) {
         if (const auto entry = observer.lock()) {
             const std::lock_guard guard(entry->mutex);

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 #include <vector>
 
 #include "engine/Notification.h"
@@ -40,6 +41,19 @@ public:
         struct Entry;
         explicit Observation(std::shared_ptr<Entry> entry) : entry_(std::move(entry)) {}
         std::shared_ptr<Entry> entry_;
+    };
+
+    /// While it lives, what its thread posts can be recalled: once a stop is requested, nobody hears it, not what was
+    /// handed over to the main thread before either.
+    class [[nodiscard]] Recallable {
+    public:
+        explicit Recallable(std::stop_token recalled);
+        Recallable(const Recallable&) = delete;
+        Recallable& operator=(const Recallable&) = delete;
+        ~Recallable();
+
+    private:
+        std::stop_token before_;
     };
 
     /// The one of the process.

@@ -1,7 +1,8 @@
 #include "engine/Operation.h"
 
 #include <algorithm>
-#include <exception>
+
+#include "engine/NotificationCenter.h"
 
 namespace brimvault::engine {
 
@@ -15,6 +16,11 @@ void Operation::waitUntilFinished() const {
     finishedChanged_.wait(lock, [this] { return finished_; });
 }
 
+bool Operation::waitUntilFinished(std::chrono::steady_clock::time_point deadline) const {
+    std::unique_lock lock(mutex_);
+    return finishedChanged_.wait_until(lock, deadline, [this] { return finished_; });
+}
+
 bool Operation::isReady() const {
     return std::all_of(dependencies_.begin(), dependencies_.end(),
                        [](const auto& dependency) { return dependency->isFinished(); });
@@ -24,11 +30,22 @@ void Operation::run() {
     if (isCancelled()) {
         return;
     }
+    const NotificationCenter::Recallable posts(recall_.get_token());
     // Nobody above could do anything about an exception, and what waits for the operation must go on.
     try {
-        main();
-    } catch (const std::exception&) {
+        try {
+            main();
+        } catch (...) {
+            failed();
+        }
+    } catch (...) {
     }
+}
+
+void Operation::giveUp() {
+    cancel();
+    givenUp();
+    recall_.request_stop();
 }
 
 void Operation::finish() {

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QThreadPool>
+#include <chrono>
 #include <functional>
-#include <list>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "engine/Operation.h"
@@ -14,10 +12,17 @@ namespace brimvault::engine {
 /// Runs operations on threads of its own, in the order in which they were added, each as soon as it is ready and the
 /// limit allows. An operation is on the queue until it has finished. Any thread may call; destroying the queue cancels
 /// everything and waits. Its threads stand back for the one that shows the window.
+///
+/// One that hangs can be given up: it leaves the queue, which neither waits for it nor counts it any more. The thread
+/// that it holds is left behind until its work returns, perhaps after the queue is gone.
 class OperationQueue {
 public:
     /// Every section at once, an earlier scan of each still returning, and the completions.
     static constexpr int defaultConcurrency = 16;
+    /// Cancelled work looks at its flag many times a second; what has not returned by then hangs.
+    static constexpr std::chrono::milliseconds timeToReturn{1000};
+
+    using Chosen = std::function<bool(const Operation&)>;
 
     explicit OperationQueue(int maxConcurrentOperationCount = defaultConcurrency);
     OperationQueue(const OperationQueue&) = delete;
@@ -29,18 +34,18 @@ public:
     [[nodiscard]] std::vector<std::shared_ptr<Operation>> operations() const;
     /// Cancels everything on the queue and returns at once.
     void cancelAllOperations();
-    /// Cancels all operations on the queue that are chosen, then waits for each of them to finish. Blocks the caller.
-    void cancelAndWait(const std::function<bool(const Operation&)>& chosen);
+    /// Cancels all operations on the queue that are chosen, then waits for each of them to finish. Blocks the caller,
+    /// but no longer than `timeToReturn`: what hangs by then is given up, and what still waits finishes without its
+    /// work.
+    void cancelAndWait(const Chosen& chosen);
+    /// Cancels and gives up those that run and are chosen; returns at once, with them.
+    std::vector<std::shared_ptr<Operation>> giveUp(const Chosen& chosen);
+    /// A snapshot of those that were given up and have not returned from their work.
+    [[nodiscard]] std::vector<std::shared_ptr<Operation>> leftBehind() const;
 
 private:
-    void startReady();
-    void runToEnd(const std::shared_ptr<Operation>& operation);
-
-    mutable std::mutex mutex_;  ///< protects the two lists that follow
-    std::list<std::shared_ptr<Operation>> waiting_;
-    std::list<std::shared_ptr<Operation>> running_;
-    const int maxConcurrentOperationCount_;
-    QThreadPool pool_;
+    class Work;
+    std::shared_ptr<Work> work_;  ///< shared with the threads
 };
 
 }  // namespace brimvault::engine

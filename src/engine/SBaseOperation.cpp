@@ -1,5 +1,7 @@
 #include "engine/SBaseOperation.h"
 
+#include "engine/NotificationCenter.h"
+#include "engine/Notifications.h"
 #include "files/Measure.h"
 
 namespace brimvault::engine {
@@ -19,6 +21,13 @@ qint64 SBaseOperation::countTopItemsInOperFolder(files::HiddenEntries hidden) co
         });
     }
     return count;
+}
+
+void SBaseOperation::failed() {
+    const auto words = vocabulary(section());
+    const InfoValue nothing =
+        section() == Section::languageResources ? InfoValue(ApplicationArray()) : InfoValue(ItemArray());
+    NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, nothing}});
 }
 
 quint64 SBaseOperation::getFileFolderSize(const std::filesystem::path& path) const {

@@ -11,8 +11,8 @@ namespace brimvault::engine {
 
 /// The base of every scan operation. Its `main`, on a thread of the scan queue, counts first
 /// (`initTopLevelItemsCount`), then collects, looking at `isCancelled` before each item, and always posts its section's
-/// finished notification with all it found, also when it is cancelled under way. (One that is cancelled before it began
-/// has found nothing, and does not run.)
+/// finished notification with all it found, also when it is cancelled under way or fails. (One that is cancelled before
+/// it began has found nothing, and does not run.)
 class SBaseOperation : public SectionOperation {
 public:
     using SectionOperation::SectionOperation;
@@ -35,6 +35,8 @@ public:
     [[nodiscard]] quint64 getFileFolderSize(const files::DirectoryHandle& folder, const char* name) const;
 
 protected:
+    /// Posts the finished notification, of nothing found; who knows what was found by then posts that.
+    void failed() override;
     void setTopLevelItemsCount(qint64 count) { nTopLevelItemsCount_ = count; }
 
 private:

@@ -15,39 +15,49 @@ void CAOperation::main() {
     if (needed.isEmpty()) {
         return;
     }
-    Results results;
+    {
+        const std::lock_guard guard(resultsMutex_);
+        results_.emplace();
+    }
     for (const auto& application : pCArray_) {
         if (isCancelled()) {
             break;
         }
-        if (application->ppbChecked() && application->ppbDeletable()) {
-            clean(*application, needed, results);
+        if (application->ppbChecked() && application->ppbDeletable() && isAgreed(*application)) {
+            clean(*application, needed);
         }
     }
-    const auto words = engine::vocabulary(section());
-    engine::NotificationCenter::defaultCenter().post(
-        words.cleanFinished,
-        {{engine::key::cleanedApplications, results.cleaned}, {words.notCleanedKey, results.notCleaned}});
+    postResults();
 }
 
-void CAOperation::clean(const engine::AppItemData& application, const QStringList& needed, Results& results) {
-    engine::LocalizationArray gone;
+void CAOperation::postResults() {
+    const auto words = engine::vocabulary(section());
+    engine::UserInfo results;
+    {
+        const std::lock_guard guard(resultsMutex_);
+        if (!results_) {
+            return;
+        }
+        results = {{engine::key::cleanedApplications, results_->cleaned}, {words.notCleanedKey, results_->notCleaned}};
+    }
+    engine::NotificationCenter::defaultCenter().post(words.cleanFinished, results);
+}
+
+// What is gone is noted at once, since the next removal may hang.
+void CAOperation::clean(const engine::AppItemData& application, const QStringList& needed) {
     QSet<QString> failed;
     for (const auto& item : application.itemsToClean(needed)) {
         if (isCancelled()) {
             break;  // what was done by now is told
         }
-        if (isGoneAfterRemoval(item->plocPath)) {
-            gone.append(item);
-        } else {
+        const bool gone = isGoneAfterRemoval(item->plocPath);
+        const std::lock_guard guard(resultsMutex_);
+        if (gone) {
+            results_->cleaned[application.pAppName()].append(item);
+        } else if (!failed.contains(item->plocNameId)) {
             failed.insert(item->plocNameId);
+            ++results_->notCleaned[application.ppdisplayName()];  // two may share a name
         }
-    }
-    if (!gone.isEmpty()) {
-        results.cleaned[application.pAppName()] = gone;
-    }
-    if (!failed.isEmpty()) {
-        results.notCleaned[application.ppdisplayName()] += static_cast<int>(failed.size());  // two may share a name
     }
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
+#include <optional>
 
 #include "engine/AppItemData.h"
 #include "engine/FCleanProps.h"
@@ -27,6 +29,8 @@ public:
 
 protected:
     void main() override;
+    void failed() override { postResults(); }
+    void givenUp() override { postResults(); }
 
 private:
     struct Results {
@@ -34,12 +38,15 @@ private:
         engine::NotCleanedApplications notCleaned;  ///< by language, in however many folders it failed
     };
 
-    void clean(const engine::AppItemData& application, const QStringList& needed, Results& results);
+    void clean(const engine::AppItemData& application, const QStringList& needed);
+    void postResults();
     [[nodiscard]] bool isGoneAfterRemoval(const std::filesystem::path& localization);
 
     const engine::ApplicationArray pCArray_;
     const std::shared_ptr<engine::FCleanProps> pclprops_;
     engine::PrivilegedRemover& remover_;
+    std::mutex resultsMutex_;         ///< protects what follows: who gives the operation up tells of it
+    std::optional<Results> results_;  ///< none without languages to keep
 };
 
 }  // namespace brimvault::langres

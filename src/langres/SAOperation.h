@@ -23,6 +23,7 @@ public:
 
 protected:
     void main() override;
+    void failed() override { sendOperationCompleted(); }
 
 private:
     void initApplicationsCount();

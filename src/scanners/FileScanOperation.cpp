@@ -62,6 +62,10 @@ void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) co
     batches.add(item);
 }
 
+void FileScanOperation::sendOperationCompleted() const {
+    batches_.value_or(ScanBatches(section(), 0)).sendOperationCompleted();
+}
+
 std::filesystem::path FileScanOperation::containerName(const std::filesystem::path& inside) {
     constexpr auto fromEnd = 4;
     if (std::distance(inside.begin(), inside.end()) < fromEnd) {

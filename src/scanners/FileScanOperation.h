@@ -32,6 +32,15 @@ protected:
     void iterateFiles(const std::filesystem::path& folder, files::HiddenEntries hidden,
                       const std::function<void(const std::filesystem::path&)>& call) const;
 
+    /// Where what is found goes, now that it is known how many items are expected. Once.
+    [[nodiscard]] ScanBatches& expect(qint64 items,
+                                      ScanBatches::Percent beyondExpected = ScanBatches::Percent::goesOn) {
+        return batches_.emplace(section(), items, beyondExpected);
+    }
+    /// Posts the finished notification with everything that was found.
+    void sendOperationCompleted() const;
+    void failed() override { sendOperationCompleted(); }
+
     /// Which entries of a folder are counted and left alone.
     using Skipped = std::function<bool(const std::filesystem::path& name)>;
 
@@ -50,6 +59,9 @@ protected:
     /// The name under which a folder of a container is listed: "com.example.app" for
     /// ".../Containers/com.example.app/Data/Library/Caches".
     [[nodiscard]] static std::filesystem::path containerName(const std::filesystem::path& inside);
+
+private:
+    std::optional<ScanBatches> batches_;
 };
 
 }  // namespace brimvault::scanners

@@ -15,9 +15,8 @@ void SChOperation::initTopLevelItemsCount() {
 
 void SChOperation::main() {
     initTopLevelItemsCount();
-    ScanBatches batches(section(), nTopLevelItemsCount());
-    collectCachesInfo(batches);
-    batches.sendOperationCompleted();
+    collectCachesInfo(expect(nTopLevelItemsCount()));
+    sendOperationCompleted();
 }
 
 void SChOperation::collectCachesInfo(ScanBatches& batches) const {

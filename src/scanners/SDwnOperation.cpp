@@ -10,9 +10,8 @@ std::optional<std::filesystem::path> SDwnOperation::getOperationRootFolderURL() 
 
 void SDwnOperation::main() {
     initTopLevelItemsCount();
-    ScanBatches batches(section(), nTopLevelItemsCount());
-    collectDownloadsInfo(batches);
-    batches.sendOperationCompleted();
+    collectDownloadsInfo(expect(nTopLevelItemsCount()));
+    sendOperationCompleted();
 }
 
 void SDwnOperation::collectDownloadsInfo(ScanBatches& batches) const {

@@ -22,9 +22,8 @@ void SLogsOperation::main() {
         calculateFilesInSource(source);
     }
     calculateFilesInContainers();
-    ScanBatches batches(section(), nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred);
-    collectLogs(batches);
-    batches.sendOperationCompleted();
+    collectLogs(expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
+    sendOperationCompleted();
 }
 
 void SLogsOperation::collectLogs(ScanBatches& batches) {

@@ -32,9 +32,8 @@ std::optional<fs::path> STrshOperation::getOperationRootFolderURL() const {
 
 void STrshOperation::main() {
     initCollectionByFinder();
-    ScanBatches batches(section(), nTopLevelItemsCount());
-    collectTrashInfoByFinder(batches);
-    batches.sendOperationCompleted();
+    collectTrashInfoByFinder(expect(nTopLevelItemsCount()));
+    sendOperationCompleted();
 }
 
 void STrshOperation::initCollectionByFinder() {

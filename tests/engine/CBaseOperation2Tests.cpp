@@ -16,6 +16,7 @@
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 #include "support/HeardNotifications.h"
+#include "support/SectionWork.h"
 #include "support/SubstituteHome.h"
 #include "support/TemporaryFolder.h"
 #include "support/TextPrinting.h"
@@ -187,6 +188,91 @@ TEST_F(CleanOfFiles, TouchesNothingMoreOnceItIsCancelled) {
     EXPECT_TRUE(removed_.isEmpty());
     EXPECT_TRUE(notRemoved_.isEmpty());
     EXPECT_TRUE(fs::exists(caches_ / "item"));
+}
+
+TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
+    const auto agreed = at(caches_ / "agreed");
+    const auto tickedLater = at(caches_ / "ticked later");
+    const auto untickedLater = at(caches_ / "unticked later");
+    const auto folder = at(caches_ / "folder");
+    const ItemArray asked = {agreed, tickedLater, untickedLater, folder};
+    const ItemArray all = asked + ItemArray{at(caches_ / "folder/late"), at(caches_ / "late")};
+    for (const auto& item : all) {
+        item == folder ? void() : writeFile(item->pfpath(), "12345");
+    }
+    tickedLater->setPpbChecked(false);
+    CChOperation operation(all, engine::PrivilegedRemover::none());
+    operation.restrictTo(std::make_shared<const engine::AgreedItems>(asked));
+    tickedLater->setPpbChecked(true);
+    untickedLater->setPpbChecked(false);
+    operation.removeItems(all, caches_, removed_, notRemoved_);
+    EXPECT_EQ(removed_, ItemArray{agreed});
+    EXPECT_EQ(notRemoved_.keys(), QStringList{QStringLiteral("folder")});
+    EXPECT_FALSE(fs::exists(caches_ / "agreed"));
+    for (const char* stays : {"ticked later", "unticked later", "folder/late", "late"}) {
+        EXPECT_TRUE(fs::exists(caches_ / stays)) << stays;
+    }
+}
+
+namespace {
+
+// Does what it is told to when it is asked; it is asked for what the user may not remove.
+class SurprisingRemover final : public engine::PrivilegedRemover {
+public:
+    explicit SurprisingRemover(std::function<void()> surprise) : surprise_(std::move(surprise)) {}
+    bool removeFileAtPath(const fs::path& /*path*/) override {
+        surprise_();
+        return false;
+    }
+
+private:
+    const std::function<void()> surprise_;
+};
+
+}  // namespace
+
+// The user may not remove the second item, so that the remover decides what becomes of the clean there.
+TEST_F(CleanOfFiles, TellsWhatWentWhenItFailsOrIsGivenUp) {
+    writeFile(caches_ / "closed/second", "12345");
+    fs::permissions(caches_ / "closed", static_cast<fs::perms>(0555));
+    const auto first = at(caches_ / "first");
+    const ItemArray items = {first, at(caches_ / "closed/second"), at(caches_ / "third")};
+    const auto words = engine::vocabulary(Section::caches);
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        giveToNobody(folder_.path());
+        becomeNobody();
+        const auto whatWent = [&](const std::function<void()>& surprise,
+                                  const std::function<void(engine::OperationQueue&)>& then) {
+            writeFile(caches_ / "first", "12345");
+            writeFile(caches_ / "third", "12345");
+            SurprisingRemover remover(surprise);
+            const HeardNotifications heard = {words.cleanFinished};
+            engine::OperationQueue queue(1);
+            const auto clean = std::make_shared<CChOperation>(items, remover);
+            queue.addOperation(clean);
+            then(queue);
+            clean->waitUntilFinished();
+            const auto gone =
+                engine::getArrayPropfromNotification<ItemArray>(heard.last(words.cleanFinished), words.arrayKey);
+            return heard.names().size() == 1 && gone == ItemArray{first} && fs::exists(caches_ / "third");
+        };
+        if (!whatWent([] { throw 1; }, [](auto&) {})) {
+            return "failed";
+        }
+        const auto hang = std::make_shared<Hang>();
+        const bool told = whatWent([hang] { hang->wait(); },
+                                   [hang](engine::OperationQueue& queue) {
+                                       while (!hang->holdsAny()) {
+                                           std::this_thread::yield();
+                                       }
+                                       queue.giveUp([](const auto&) { return true; });
+                                       hang->letOn();
+                                       while (!queue.leftBehind().empty()) {
+                                           std::this_thread::yield();
+                                       }
+                                   });
+        return told ? "" : "given up";
+    });
 }
 
 TEST_F(CleanOfFiles, CountsALogWithoutAPathAsRemoved) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <semaphore>
+#include <stdexcept>
 
 #include "engine/CPerformer.h"
 #include "support/EventLoop.h"
@@ -155,6 +156,25 @@ TEST(FScaner, DoesNotScanASectionItHasNoOperationFor) {
     EXPECT_EQ(heard.names().size(), 1);
 }
 
+TEST(FScaner, PostsTheEndOfAScanThatFails) {
+    const HeardNotifications heard = {scanFinished, finished(Section::caches), finished(Section::languageResources)};
+    engine::DataMan model;
+    FScaner scanner(scansDoing([](SuppliedScan& own) -> ItemArray {
+        const auto words = engine::vocabulary(own.section());
+        engine::NotificationCenter::defaultCenter().post(words.scanProgress, {{engine::key::progressPercent, 50LL}});
+        if (own.section() == Section::caches) {
+            throw std::runtime_error("a failure");
+        }
+        throw 1;
+    }));
+    scanner.Scan(true, false, true, false, false);
+    ASSERT_TRUE(runUntil([&] { return heard.has(scanFinished); }));
+    runPending();
+    EXPECT_EQ(heard.names().size(), 3);
+    EXPECT_FALSE(model.progressPercent(Section::caches));
+    EXPECT_FALSE(model.progressPercent(Section::languageResources));
+}
+
 TEST(FCutter, CleansOneSectionAfterAnotherInTheOrderOfSections) {
     std::atomic<int> running = 0;
     std::atomic<int> most = 0;
@@ -234,6 +254,70 @@ TEST(CPerformer, ReplacesARunningScanWhoseResultsComeInUntilTheNewOnesDo) {
     performer.cancelScanCaches();
     runPending();
     EXPECT_EQ(performer.pdata().getCacheItem(0)->pfname(), "second");
+}
+
+TEST(CPerformer, ScansTheOthersWhileOneHangsAndHearsNothingMoreOfThatOne) {
+    const auto hang = std::make_shared<Hang>();
+    std::atomic<int> begun = 0;
+    CPerformer performer(scansDoing([hang, &begun](SuppliedScan& own) {
+                             const auto words = engine::vocabulary(own.section());
+                             if (own.section() == Section::caches && ++begun == 1) {
+                                 engine::NotificationCenter::defaultCenter().post(
+                                     words.scanProgress,
+                                     {{words.arrayKey, oneItem("first")}, {engine::key::progressPercent, 45LL}});
+                                 hang->wait();
+                                 return oneItem("late");
+                             }
+                             return oneItem("whole");
+                         }),
+                         {});
+    const HeardNotifications heard = {scanFinished};
+    performer.Scan(false, false, true, false, true);
+    ASSERT_TRUE(runUntil([&] { return performer.pdata().progressPercent(Section::caches) == 45; }));
+    performer.cancelScanAll();
+    EXPECT_TRUE(performer.pscaner().isScanning(Section::caches));
+    performer.Scan(false, false, true, true, false);
+    EXPECT_FALSE(performer.pscaner().isScanning(Section::caches));
+    EXPECT_TRUE(performer.pscaner().isHanging(Section::caches));
+    EXPECT_TRUE(performer.isAnythingLeftBehind());
+    EXPECT_FALSE(performer.pdata().progressPercent(Section::caches));
+    ASSERT_TRUE(runUntil([&] { return heard.names().size() == 2 && performer.pdata().getTrashCount() == 1; }));
+    EXPECT_EQ(begun, 1) << "not scanned again";
+    hang->letOn();
+    ASSERT_TRUE(runUntil([&] { return !performer.isAnythingLeftBehind(); }));
+    runPending();
+    ASSERT_EQ(performer.pdata().getCachesCount(), 1);
+    EXPECT_EQ(performer.pdata().getCacheItem(0)->pfname(), "first");
+    performer.Scan(false, false, true, false, false);
+    ASSERT_TRUE(runUntil([&] {
+        return performer.pdata().getCachesCount() == 1 && performer.pdata().getCacheItem(0)->pfname() == "whole";
+    }));
+}
+
+// The end of the scan would bring back what is gone.
+TEST(CPerformer, GivesUpAStoppedScanOfWhatItCleans) {
+    const auto hang = std::make_shared<Hang>();
+    const auto items = oneItem();
+    items.first()->setPpbDeletable(true);
+    CPerformer performer(
+        scansDoing([hang, items](SuppliedScan& own) {
+            const auto words = engine::vocabulary(own.section());
+            engine::NotificationCenter::defaultCenter().post(words.scanProgress, {{words.arrayKey, items}});
+            hang->wait();
+            return items;
+        }),
+        cleansDoing([](SuppliedWork&) {}));
+    const HeardNotifications heard = {cleanFinished};
+    performer.Scan(false, false, true, true, false);
+    ASSERT_TRUE(runUntil([&] { return performer.pdata().getCachesCount() + performer.pdata().getTrashCount() == 2; }));
+    performer.cancelScanAll();
+    performer.Clean(false, false, true, false, false);
+    ASSERT_TRUE(runUntil([&] { return heard.has(cleanFinished) && performer.pdata().getCachesCount() == 0; }));
+    EXPECT_TRUE(performer.pscaner().isScanning(Section::trash)) << "of no concern to the clean";
+    hang->letOn();
+    ASSERT_TRUE(runUntil([&] { return !performer.pscaner().isScanning() && !performer.isAnythingLeftBehind(); }));
+    runPending();
+    EXPECT_EQ(performer.pdata().getCachesCount(), 0);
 }
 
 TEST(CPerformer, CleansWhatTheModelHoldsAndTheModelLosesIt) {

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <semaphore>
 
 #include "support/EventLoop.h"
+#include "support/HeardNotifications.h"
 #include "support/SectionWork.h"
 
 namespace brimvault::tests {
@@ -132,6 +134,58 @@ TEST(OperationQueue, HasDroppedAnOperationWhenWaitingForItIsOver) {
         operation->waitUntilFinished();
         EXPECT_TRUE(queue.operations().empty());
     }
+}
+
+TEST(OperationQueue, GivesUpWhatHangsAndGoesOnWithoutIt) {
+    const QString name = QStringLiteral("posted by what hangs");
+    const HeardNotifications heard = {name};
+    QObject context;
+    int handed = 0;
+    auto observation = engine::NotificationCenter::defaultCenter().addMainThreadObserver(
+        name, &context, [&](const auto&) { ++handed; });
+    const auto hang = std::make_shared<Hang>();
+    const auto post = [name] { engine::NotificationCenter::defaultCenter().post(name); };
+    std::optional<OperationQueue> queue(1);
+    const auto hanging = work([hang, post](SuppliedWork&) {
+        post();
+        hang->wait();
+        post();
+    });
+    int completions = 0;
+    hanging->setCompletionBlock([&] { ++completions; });
+    const auto next = work([](SuppliedWork&) {}, Section::trash);
+    next->addDependency(hanging);
+    queue->addOperation(hanging);
+    queue->addOperation(next);
+    ASSERT_TRUE(runUntil([&] { return hang->holdsAny() && handed == 1; }));
+    post();
+    cancelSectionAndWait(*queue, Section::caches);
+    EXPECT_TRUE(hanging->isFinished());
+    EXPECT_EQ(completions, 1);
+    next->waitUntilFinished();
+    ASSERT_TRUE(runUntil([&] { return handed == 2; })) << "it is not the queue that posted in between";
+    EXPECT_EQ(queue->leftBehind(), (std::vector<std::shared_ptr<Operation>>{hanging}));
+    hang->letOn();
+    ASSERT_TRUE(runUntil([&] { return queue->leftBehind().empty(); }));
+    runPending();
+    EXPECT_EQ(handed, 2);
+    EXPECT_EQ(heard.names().size(), 2);
+    EXPECT_EQ(completions, 1);
+
+    // What was handed over before is recalled as well, and a queue goes without what it has given up.
+    const auto other = std::make_shared<Hang>();
+    queue->addOperation(work([other, post](SuppliedWork&) {
+        post();
+        other->wait();
+    }));
+    while (!other->holdsAny()) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(queue->giveUp([](const Operation&) { return true; }).size(), 1U);
+    queue.reset();
+    runPending();
+    EXPECT_EQ(handed, 2);
+    other->letOn();
 }
 
 TEST(OperationQueue, CancelsAndAwaitsEverythingWhenItIsDestroyed) {

@@ -262,7 +262,7 @@ TEST_F(ApplicationsClean, AsksThePrivilegedRemoverNothingWhereAnythingElseStands
     });
 }
 
-TEST_F(ApplicationsClean, PostsWhatItHasDoneWhenItIsCancelledUnderWay) {
+TEST_F(ApplicationsClean, PostsWhatItHasDoneWhenItIsCancelledOrFailsUnderWay) {
     const auto first = make("1.app", {"en.lproj", "de.lproj"});
     const auto second = make("2.app", {"en.lproj", "de.lproj", "fr.lproj"});
     const auto third = make("3.app", {"en.lproj", "de.lproj"});
@@ -270,21 +270,26 @@ TEST_F(ApplicationsClean, PostsWhatItHasDoneWhenItIsCancelledUnderWay) {
     const auto items = applications[1]->itemsToClean(english);
     fs::permissions(second / "Contents/Resources", static_cast<fs::perms>(0555));
     giveToNobody(folder_.path());
-    for (const bool granted : {true, false}) {
+    enum class Answer { granted, refused, failure };
+    for (const Answer answer : {Answer::granted, Answer::refused, Answer::failure}) {
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
             becomeNobody();
             ToldRemover remover;
             const auto operation = makeClean(applications, english, remover);
             remover.answer = [&](const fs::path&) {
+                if (answer == Answer::failure) {
+                    throw std::runtime_error("a failure");
+                }
                 operation->cancel();
-                return granted;
+                return answer == Answer::granted;
             };
             const auto result = runClean(operation);
             std::map<fs::path, Paths> gone = {{first, {first / "Contents/Resources/de.lproj"}}};
-            if (granted) {
+            if (answer == Answer::granted) {
                 gone[second] = {items[0]->plocPath};
             }
-            if (result.posts != 1 || result.gone != gone || result.notCleaned.size() != (granted ? 0 : 1)) {
+            if (result.posts != 1 || result.gone != gone ||
+                result.notCleaned.size() != (answer == Answer::refused ? 1 : 0)) {
                 return "posted something else";
             }
             return remover.asked == Paths{items[0]->plocPath} ? "" : "it went on";

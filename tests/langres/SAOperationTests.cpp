@@ -213,6 +213,16 @@ TEST_F(ApplicationsScan, FinishesWithWhatItHasAndPostsNoMoreWhenItIsCancelled) {
             });
         EXPECT_EQ(applications.size(), listed);
         EXPECT_EQ(posts, postsUntilCancel);
+        posts = 0;
+        EXPECT_EQ(scanApplications(system_, user_,
+                                   [&, until = postsUntilCancel](auto&, auto&) {
+                                       if (++posts == until) {
+                                           throw std::runtime_error("a failure");
+                                       }
+                                   })
+                      .size(),
+                  listed)
+            << "it ends in the same way when it fails";
     }
 }
 

@@ -65,4 +65,10 @@ TEST_F(DownloadsScan, StopsWhenItIsCancelledAndReportsWhatItHas) {
     EXPECT_EQ(result.percents, std::vector<qint64>{4});
 }
 
+TEST_F(DownloadsScan, ReportsWhatItHasWhenItFails) {
+    makeWide(downloads_, 50);
+    const auto result = runScan(std::make_shared<SDwnOperation>(), [] { throw 1; });
+    EXPECT_EQ(result.items.size(), 1);
+}
+
 }  // namespace brimvault::tests
