@@ -36,6 +36,7 @@ void WhiteTitleButton::setPictures(const Pictures& pictures) {
 }
 
 void WhiteTitleButton::setTitle(const QString& title, const QString& accessibleName) {
+    meaning_ += accessibleName == this->accessibleName() ? 0 : 1;
     setText(title);
     setAccessibleName(accessibleName);
     placeIndicator();
@@ -99,6 +100,17 @@ void WhiteTitleButton::paintEvent(QPaintEvent* /*event*/) {
     drawTextLine(painter, titlePlace().toRect(), Qt::AlignLeft, font(), text());
     if (isFocusShown(this)) {
         drawFocusRing(painter, QRectF(rect()).marginsRemoved(shadowMargins), cornerRadius);
+    }
+}
+
+void WhiteTitleButton::mousePressEvent(QMouseEvent* event) {
+    pressedMeaning_ = meaning_;
+    QPushButton::mousePressEvent(event);
+}
+
+void WhiteTitleButton::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (meaning_ == pressedMeaning_) {
+        mousePressEvent(event);
     }
 }
 

@@ -8,6 +8,9 @@
 namespace brimvault::ui {
 
 /// A borderless button: a picture stretched behind its title, which is white unless another colour is set. Main thread.
+///
+/// The first press of a double click may turn it into a button that does something else, as starting a scan does. The
+/// second press is not meant for that one, and does nothing.
 class WhiteTitleButton final : public QPushButton {
     Q_OBJECT
 
@@ -35,6 +38,8 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -45,6 +50,8 @@ private:
 
     Pictures pictures_;
     QColor titleColor_;
+    int meaning_ = 0;         ///< another one whenever the button stands for something else
+    int pressedMeaning_ = 0;  ///< the one at the last press
     ProgressIndicator* indicator_ = nullptr;
 };
 
