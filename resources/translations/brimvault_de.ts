@@ -78,6 +78,41 @@
     </message>
 </context>
 <context>
+    <name>SectionNotes</name>
+    <message>
+        <source>Does not answer, skipped</source>
+        <translation>Antwortet nicht, übersprungen</translation>
+    </message>
+    <message>
+        <source>Stopped, %1 cleaned</source>
+        <translation>Gestoppt, %1 entfernt</translation>
+    </message>
+    <message>
+        <source>%1 cleaned</source>
+        <translation>%1 entfernt</translation>
+    </message>
+    <message>
+        <source>Stopped, nothing found so far</source>
+        <translation>Gestoppt, bisher nichts gefunden</translation>
+    </message>
+    <message>
+        <source>Stopped, 1 application so far</source>
+        <translation>Gestoppt, bisher 1 Programm</translation>
+    </message>
+    <message>
+        <source>Stopped, %1 applications so far</source>
+        <translation>Gestoppt, bisher %1 Programme</translation>
+    </message>
+    <message>
+        <source>Stopped, 1 item so far</source>
+        <translation>Gestoppt, bisher 1 Objekt</translation>
+    </message>
+    <message>
+        <source>Stopped, %1 items so far</source>
+        <translation>Gestoppt, bisher %1 Objekte</translation>
+    </message>
+</context>
+<context>
     <name>Sorting</name>
     <message>
         <source>Sorted ascending</source>

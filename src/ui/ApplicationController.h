@@ -22,7 +22,8 @@ public:
     [[nodiscard]] bool sectionControllerIsScanOrRemoveProcessPerforming() const {
         return pbScanning() || pbCleanning() || pbRemoving();
     }
-    /// Operations of a scan have not returned yet, be it one that was stopped: they still bring results.
+    /// Operations of a scan have not returned yet, be it one that was stopped: they still bring results. Those that
+    /// hang are given up, and bring none.
     [[nodiscard]] virtual bool isScanReturning() const = 0;
     /// A question to the user is open; nothing begins meanwhile, however it is asked for.
     [[nodiscard]] bool isQuestionOpen() const { return questionOpen_; }

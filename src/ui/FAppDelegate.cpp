@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QTimer>
 
 #include "engine/Notifications.h"
 #include "platform/QuorvelFallManager.h"
@@ -27,7 +28,8 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
         std::move(scans), std::move(cleans));
     const auto ticked = [this] { return psectController_->checks(); };
     auto& model = psectController_->getAppResDS();
-    scanProgress_ = std::make_unique<SectionProgress>(model, *window_->sidebar()->pProgressScan(), ticked);
+    scanProgress_ = std::make_unique<SectionProgress>(model, *window_->sidebar()->pProgressScan(),
+                                                      [this] { return psectController_->toBeScanned(); });
     cleanProgress_ = std::make_unique<SectionProgress>(model, *window_->lists()->pProgressClean(), ticked);
     pLangListController_ = std::make_unique<langres::LangListController>(
         surroundings.languages, defaults_,
@@ -138,13 +140,13 @@ void FAppDelegate::showSelPanel() {
     }
 }
 
-// A scan that was stopped tells of its end when its operations have returned; by then the next may be running, and its
-// own end is still to come.
+// A scan that was stopped tells of its end when its operations have returned, or were given up; by then the next may be
+// running, and its own end is still to come.
 void FAppDelegate::mainThreadScanFinished() {
     if (!isScanReturning()) {
         if (!closing_ && psectController_->isWaitingToScan()) {
             psectController_->startScan();
-        } else {
+        } else if (bscanningProcess_) {
             scanProgress_->complete();
             setPbScanning(false);
         }
@@ -281,10 +283,8 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
                             bcleaningProcess_ ? Activity::cleaning
                             : removing_       ? Activity::removing
                                               : Activity::none);
-    // What a scan that was stopped still brings is to be seen before it is agreed to.
     if (!bcleaningProcess_) {
-        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_ &&
-                                                  !isScanReturning());
+        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_);
     }
     bPlashkaStateSelectedFiles_ = true;
 }
@@ -314,25 +314,39 @@ void FAppDelegate::applicationDidBecomeActive() {
     }
 }
 
-// What runs is asked to end and the window goes once it has, so that nothing is cut off half-way and what was freed is
-// recorded.
+// What runs is asked to end and the window goes once it has, so that little is cut off half-way and what was freed is
+// recorded. The user does not wait long for it.
 bool FAppDelegate::mayClose() {
-    auto& performer = psectController_->performer();
     const bool busy = sectionControllerIsScanOrRemoveProcessPerforming() || isScanReturning();
-    if (busy) {
+    if (busy && !closing_) {
         closing_ = true;
         window_->setEnabled(false);
-        performer.cancelScanAll();
-        performer.cancelCleanAll();
+        psectController_->performer().cancelScanAll();
+        psectController_->performer().cancelCleanAll();
+        QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
     }
     closed_ = !busy;
     return closed_;
+}
+
+// Scans and cleans tell of their end as if they had returned; a single removal has nothing to tell.
+void FAppDelegate::giveUpWhatHangs() {
+    psectController_->performer().giveUpScans();
+    psectController_->performer().giveUpCleans();
+    if (removing_) {
+        removalLeftBehind_ = true;
+        setPbRemoving(false);
+    }
 }
 
 void FAppDelegate::closeWhenIdle() {
     if (closing_ && !sectionControllerIsScanOrRemoveProcessPerforming() && !isScanReturning()) {
         window_->close();
     }
+}
+
+bool FAppDelegate::isAnythingLeftBehind() const {
+    return removalLeftBehind_ || psectController_->performer().isAnythingLeftBehind();
 }
 
 }  // namespace brimvault::ui

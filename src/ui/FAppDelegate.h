@@ -60,6 +60,10 @@ public:
     void setPbRemoving(bool removing) override;
     [[nodiscard]] bool isScanReturning() const override;
 
+    /// Something hangs that was given up: its threads touch what a program destroys at its end, should they ever
+    /// return.
+    [[nodiscard]] bool isAnythingLeftBehind() const;
+
     void activatePanel(int row) override;
     void updateSelectAllCheck() override;
     void UpdateTextsAboutFreeUpSize() override;
@@ -107,6 +111,7 @@ private:
     }
     void applicationDidBecomeActive();
     [[nodiscard]] bool mayClose();
+    void giveUpWhatHangs();
     void closeWhenIdle();
 
     platform::UserDefaults& defaults_;
@@ -128,6 +133,7 @@ private:
     bool bScanStarted_ = false;               ///< never reset
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
     bool closing_ = false;                    ///< the user closed the window while something ran
+    bool removalLeftBehind_ = false;          ///< it hung when the window was closed
     bool closed_ = false;                     ///< the window has gone for good
     std::unique_ptr<MenuCommands> commands_;
     std::unique_ptr<MainMenu> menu_;

@@ -42,7 +42,9 @@ void ImageTextCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirecti
     const QFont title = titleFont(value_.muted);
     const int titleHeight = QFontMetrics(title).height();
     const int subtitleHeight = QFontMetrics(subtitleFont()).height();
-    const QRect both = placed(cell, direction, look::scaled(textLeft), textWidth(cell), titleHeight + subtitleHeight);
+    const int lines = value_.note.isEmpty() ? 1 : 2;  // below the title
+    const QRect both =
+        placed(cell, direction, look::scaled(textLeft), textWidth(cell), titleHeight + lines * subtitleHeight);
     const Qt::Alignment side = leadingSide(direction);
     painter.setPen(QColor(value_.selected ? look::textOnAccent
                           : value_.muted  ? look::textSecondary
@@ -51,13 +53,18 @@ void ImageTextCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirecti
     painter.setPen(QColor(value_.selected ? look::textOnAccentSecondary : look::textSecondary));
     drawTextLine(painter, QRect(both.left(), both.top() + titleHeight, both.width(), subtitleHeight), side,
                  subtitleFont(), value_.subtitle);
+    drawTextLine(painter, QRect(both.left(), both.top() + titleHeight + subtitleHeight, both.width(), subtitleHeight),
+                 side, subtitleFont(), value_.note);
 }
 
 QString ImageTextCell::expansionText(const QRect& cell) const {
     const int room = textWidth(cell);
     const bool cut = QFontMetrics(titleFont(value_.muted)).horizontalAdvance(value_.title) > room ||
-                     QFontMetrics(subtitleFont()).horizontalAdvance(value_.subtitle) > room;
-    return cut ? value_.title + QLatin1Char('\n') + value_.subtitle : QString();
+                     QFontMetrics(subtitleFont()).horizontalAdvance(value_.subtitle) > room ||
+                     QFontMetrics(subtitleFont()).horizontalAdvance(value_.note) > room;
+    QStringList lines = {value_.title, value_.subtitle, value_.note};
+    lines.removeAll(QString());
+    return cut ? lines.join(QLatin1Char('\n')) : QString();
 }
 
 }  // namespace brimvault::ui

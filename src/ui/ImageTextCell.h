@@ -7,8 +7,8 @@
 
 namespace brimvault::ui {
 
-/// A row of the section list as it is drawn: a picture, and the title over a smaller subtitle. One that is muted has a
-/// pale picture and a title that is no heavier than the subtitle. Main thread.
+/// A row of the section list as it is drawn: a picture, and the title over a smaller subtitle and, where there is one,
+/// a note. One that is muted has a pale picture and a title that is no heavier than the subtitle. Main thread.
 class ImageTextCell {
 public:
     explicit ImageTextCell(const TextImgData& value) : value_(value) {}

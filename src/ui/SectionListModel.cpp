@@ -18,6 +18,12 @@ void SectionListModel::setSubtitle(int row, const QString& subtitle) {
     }
 }
 
+void SectionListModel::setNote(int row, const QString& note) {
+    if (std::exchange(rows_[static_cast<std::size_t>(row)].note, note) != note) {
+        Q_EMIT dataChanged(index(row), index(row), {noteRole, Qt::AccessibleDescriptionRole});
+    }
+}
+
 void SectionListModel::setChecked(int row, bool checked) {
     if (std::exchange(rows_[static_cast<std::size_t>(row)].checked, checked) == checked) {
         return;
@@ -41,8 +47,11 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return row.text.title;
         case subtitleRole:
-        case Qt::AccessibleDescriptionRole:
             return row.text.subtitle;
+        case noteRole:
+            return row.note;
+        case Qt::AccessibleDescriptionRole:
+            return row.note.isEmpty() ? row.text.subtitle : row.text.subtitle + QStringLiteral(". ") + row.note;
         case Qt::CheckStateRole:
             return row.checked ? Qt::Checked : Qt::Unchecked;
         default:

@@ -13,11 +13,15 @@ class SectionListModel final : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    enum Role { subtitleRole = Qt::UserRole };
+    enum Role {
+        subtitleRole = Qt::UserRole,
+        noteRole,  ///< what there is to say beside the subtitle; mostly empty
+    };
 
     explicit SectionListModel(QObject* parent = nullptr);
 
     void setSubtitle(int row, const QString& subtitle);
+    void setNote(int row, const QString& note);
     void setChecked(int row, bool checked);
     void setChecksEnabled(bool enabled);
 
@@ -33,6 +37,7 @@ Q_SIGNALS:
 private:
     struct Row {
         TextData text;
+        QString note;
         bool checked = false;
     };
     std::array<Row, sectionRowCount> rows_;

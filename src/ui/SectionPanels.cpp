@@ -93,7 +93,7 @@ void SectionPanels::updateTitle() {
     if (current == nullptr) {
         return;
     }
-    const bool scanning = application_.pbScanning();
+    const bool scanning = sections_.isBeingScanned(current->section());
     const bool listed = current->hasItems();
     panel_.setTitle(sectionTitle(sectionRows()[static_cast<std::size_t>(activeRow_)]),
                     listed ? countText(current->section(), current->itemCount(), scanning) : QString());

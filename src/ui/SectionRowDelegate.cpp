@@ -57,6 +57,7 @@ QRect SectionRowDelegate::checkRect(const QRect& row, Qt::LayoutDirection direct
 TextImgData SectionRowDelegate::valueOf(const QModelIndex& index, bool selected) {
     return {{index.data().toString(), index.data(SectionListModel::subtitleRole).toString(), selected,
              index.data(Qt::CheckStateRole).toInt() != Qt::Checked},
+            index.data(SectionListModel::noteRole).toString(),
             sectionRows()[static_cast<std::size_t>(index.row())].icon};
 }
 

@@ -1,6 +1,5 @@
 #include "ui/TSectionViewController.h"
 
-#include <QTimer>
 #include <algorithm>
 #include <chrono>
 #include <limits>
@@ -34,9 +33,13 @@ TSectionViewController::TSectionViewController(Surroundings surroundings, engine
     showChecks();
     for (const auto& row : sectionRows()) {
         const auto words = engine::vocabulary(row.section);
-        observe(words.interfaceFinished);
+        observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+            words.interfaceFinished, [this, section = row.section](const auto&) { scanOfSectionFinished(section); }));
         observe(words.interfaceProgress);
     }
+    timeToReturn_.setSingleShot(true);
+    timeToReturn_.setInterval(engine::OperationQueue::timeToReturn);
+    connect(&timeToReturn_, &QTimer::timeout, this, &TSectionViewController::giveUpScans);
     ptableView_.setModel(&model_);
     connect(&model_, &SectionListModel::checkRequested, this, &TSectionViewController::checkClicked);
     connect(ptableView_.selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -61,6 +64,24 @@ void TSectionViewController::observe(const QString& name) {
         name, [this](const engine::Notification&) { mainThreadUpdateData(); }));
 }
 
+// A clean ends so as well, while no scan runs.
+void TSectionViewController::scanOfSectionFinished(Section section) {
+    scanning_[section] = false;
+    mainThreadUpdateData();
+}
+
+bool TSectionViewController::isBeingScanned(Section section) const {
+    return pAppDelegate_.pbScanning() && scanning_[section];
+}
+
+engine::PerSection<bool> TSectionViewController::toBeScanned() const {
+    auto sections = checks_;
+    for (const Section section : engine::allSections) {
+        sections[section] = checks_[section] && !performer_.pscaner().isHanging(section);
+    }
+    return sections;
+}
+
 void TSectionViewController::mainThreadUpdateData() {
     updateSubTitlesTexts();
     pAppDelegate_.UpdateTextsAboutFreeUpSize();
@@ -74,7 +95,10 @@ void TSectionViewController::updateSubTitlesTexts() {
         return;
     }
     for (int row = 0; row < sectionRowCount; ++row) {
+        const Section section = rowAt(row).section;
+        notes_.found(section, performer_.getAppResDS().count(section));
         model_.setSubtitle(row, subtitle(row));
+        model_.setNote(row, notes_.text(section));
     }
 }
 
@@ -139,9 +163,7 @@ void TSectionViewController::doStartScan() {
         return;
     }
     if (pAppDelegate_.pbScanning()) {
-        waitingToScan_ = false;
-        pAppDelegate_.setPbScanning(false);
-        performer_.cancelScanAll();
+        stopScan();
         return;
     }
     if (!isAnyChecked()) {
@@ -164,11 +186,34 @@ void TSectionViewController::doStartScan() {
     }
 }
 
+// The controls are back at once. What has not returned in time hangs, and is given up.
+void TSectionViewController::stopScan() {
+    waitingToScan_ = false;
+    for (const Section section : engine::allSections) {
+        if (performer_.pscaner().isScanning(section)) {
+            notes_.scanStopped(section);
+        }
+    }
+    pAppDelegate_.setPbScanning(false);
+    performer_.cancelScanAll();
+    timeToReturn_.start();
+    updateSubTitlesTexts();
+}
+
 void TSectionViewController::startScan() {
     waitingToScan_ = false;
+    scanning_ = toBeScanned();
+    for (const Section section : engine::allSections) {
+        if (scanning_[section]) {
+            notes_.scanBegun(section);
+        } else if (checks_[section]) {
+            notes_.scanSkipped(section);
+        }
+    }
     performer_.Scan(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
                     checks_[Section::trash], checks_[Section::logs]);
     Q_EMIT resultsDropped();
+    updateSubTitlesTexts();
 }
 
 void TSectionViewController::doStartClean() {
@@ -180,15 +225,27 @@ void TSectionViewController::doStartClean() {
         performer_.cancelCleanAll();
         return;
     }
+    // While the question is open, a scan that was stopped may bring more items. The user agrees to what is ticked now.
+    const auto selection =
+        performer_.selection(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
+                             checks_[Section::trash], checks_[Section::logs]);
+    const QStringList languages = neededLanguages_();
     lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
-    if (!isRemovalConfirmed() || !isStillWhatWasAsked()) {
-        return;
+    if (isRemovalConfirmed() && !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming()) {
+        startClean(selection, languages);
+    }
+}
+
+// What came meanwhile stays, and does not count as freed.
+void TSectionViewController::startClean(const engine::CleanSelection& selection, const QStringList& languages) {
+    lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
+    for (const Section section : engine::allSections) {
+        lastSelected_[section] = selection[section] ? performer_.getAppResDS().sums(section).selected : 0;
     }
     cleanStopped_ = false;
     pAppDelegate_.setPbCleanning(true);
-    performer_.setNeedLangs(neededLanguages_());
-    performer_.Clean(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
-                     checks_[Section::trash], checks_[Section::logs]);
+    performer_.setNeedLangs(languages);
+    performer_.Clean(selection);
 }
 
 bool TSectionViewController::isRemovalConfirmed() {
@@ -212,13 +269,6 @@ AlertAnswer TSectionViewController::ask(const Alert& alert) {
     return alerts_.runModal(alert, pAppDelegate_.window());
 }
 
-// While the question was open, the end of a scan that had been stopped may have brought more items. The user agreed to
-// what was on show.
-bool TSectionViewController::isStillWhatWasAsked() const {
-    return !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming() && !pAppDelegate_.isScanReturning() &&
-           static_cast<qint64>(getSize2CleanALLSel()) == lastCleanedSize_;
-}
-
 MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
     const bool scanning = pAppDelegate_.pbScanning();
     const bool cleaning = pAppDelegate_.pbCleanning();
@@ -226,8 +276,7 @@ MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
     if (what == MenuAction::doStartScan) {
         return {scanning ? tr("Stop Scanning") : tr("Scan"), !cleaning && free};
     }
-    const bool something =
-        pAppDelegate_.bScanStarted() && !pAppDelegate_.isScanReturning() && isAnyChecked() && getSize2CleanALLSel() > 0;
+    const bool something = pAppDelegate_.bScanStarted() && isAnyChecked() && getSize2CleanALLSel() > 0;
     return {cleaning ? tr("Stop Cleaning") : tr("Clean"), !scanning && free && something};
 }
 
@@ -237,6 +286,13 @@ void TSectionViewController::cleanFinished() {
         addCleanedSizeToDefaults(static_cast<quint64>(lastCleanedSize_ - remaining));
         defaults_.increase(defaults_key::cleanNumber);
     }
+    for (const Section section : engine::allSections) {
+        const auto left = performer_.getAppResDS().sums(section);
+        if (left.all == 0 && lastSelected_[section] > left.selected) {
+            notes_.emptied(section, lastSelected_[section] - left.selected);
+        }
+    }
+    updateSubTitlesTexts();
 }
 
 void TSectionViewController::addCleanedSizeToDefaults(quint64 freed) {

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 #include <functional>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "ui/DefaultsKeys.h"
 #include "ui/MenuAction.h"
 #include "ui/SectionListModel.h"
+#include "ui/SectionNotes.h"
 #include "ui/SectionsTableView.h"
 
 namespace brimvault::ui {
@@ -47,6 +49,10 @@ public:
     /// A scan that was asked for begins with `startScan`, once the one before has returned.
     [[nodiscard]] bool isWaitingToScan() const { return waitingToScan_; }
     void startScan();
+    /// Sections that the scan under way has not finished yet; none while no scan runs.
+    [[nodiscard]] bool isBeingScanned(engine::Section section) const;
+    /// Sections that a scan starting now would take: those that are ticked and do not hang.
+    [[nodiscard]] engine::PerSection<bool> toBeScanned() const;
     /// The clean button: asks and starts a clean, or stops the one that runs.
     void doStartClean();
     /// The user has stopped the last clean: it need not have come to every item.
@@ -58,6 +64,8 @@ public:
     void setAskingBeforeCleaning(bool ask) { defaults_.setBoolean(defaults_key::suppressRemovalAlert, !ask); }
     /// Records what a clean has freed.
     void cleanFinished();
+    /// Gives up what was cancelled and does not return.
+    void giveUpScans() { performer_.giveUpScans(); }
     /// How a menu is to show the two main buttons' actions, as things stand.
     [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
     /// Check boxes follow whether a scan or a clean runs.
@@ -88,13 +96,15 @@ private:
     void initChecksFromPrefs();
     void saveState2Prefs();
     void observe(const QString& name);
+    void scanOfSectionFinished(engine::Section section);
+    void stopScan();
+    void startClean(const engine::CleanSelection& selection, const QStringList& languages);
     void mainThreadUpdateData();
     void updateSubTitlesTexts();
     void showChecks();
     void checkClicked(int row, bool checked);
     [[nodiscard]] AlertAnswer ask(const Alert& alert);
     [[nodiscard]] bool isRemovalConfirmed();
-    [[nodiscard]] bool isStillWhatWasAsked() const;
     void addCleanedSizeToDefaults(quint64 freed);
 
     SectionsTableView& ptableView_;
@@ -106,7 +116,11 @@ private:
     engine::PerSection<bool> checks_;
     bool waitingToScan_ = false;  ///< the user asked for a scan while one that was stopped still returned
     bool cleanStopped_ = false;
-    qint64 lastCleanedSize_ = 0;  ///< bytes that were selected when the last clean started
+    qint64 lastCleanedSize_ = 0;                ///< bytes that were selected when the last clean started
+    engine::PerSection<quint64> lastSelected_;  ///< the same of each section that was ticked
+    engine::PerSection<bool> scanning_;         ///< the scan that was begun last has not finished these
+    SectionNotes notes_;
+    QTimer timeToReturn_;  ///< that a scan has which was stopped
     engine::CPerformer performer_;
     std::vector<engine::NotificationCenter::Observation> observations_;
 };

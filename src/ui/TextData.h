@@ -15,6 +15,7 @@ struct TextData {
 
 /// The same with a picture before it.
 struct TextImgData : TextData {
+    QString note = {};      ///< below the subtitle; mostly empty
     QLatin1String picture;  ///< by name; on a selected row it has another form, of the same name with "Sel"
 };
 

@@ -46,14 +46,17 @@ UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, pla
       workspace_(workspace),
       finder_(finder),
       remover_(remover),
-      requests_(new QThreadPool) {
+      requests_(new QThreadPool),
+      removals_(new QThreadPool) {
     requests_->setMaxThreadCount(concurrentRequests);
-    removals_.setMaxThreadCount(1);
+    removals_->setMaxThreadCount(1);
 }
 
 UtilMod::~UtilMod() {
-    if (requests_->waitForDone(timeToGiveUp)) {
-        delete requests_;  // its own end would wait for what hangs
+    for (auto* pool : {removals_, requests_}) {
+        if (pool->waitForDone(timeToGiveUp)) {
+            delete pool;  // its own end would wait for what hangs
+        }
     }
 }
 
@@ -74,7 +77,7 @@ void UtilMod::waitUntilIdle() {
     fileBrowser_.giveUp();
     workspace_.giveUp();
     requests_->waitForDone(timeToGiveUp);
-    removals_.waitForDone();
+    removals_->waitForDone(timeToGiveUp);
 }
 
 template <typename Answer>
@@ -234,7 +237,7 @@ bool UtilMod::isRemovalConfirmed(const std::filesystem::path& path, qsizetype it
 void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished) {
     remover_.letAskUser();
     inBackground<engine::ItemRemoval>(
-        removals_, [this, file = standardized(path)] { return engine::removeItemAt(file, remover_); },
+        *removals_, [this, file = standardized(path)] { return engine::removeItemAt(file, remover_); },
         [this, path, finished](const engine::ItemRemoval& removal) { finishRemoval(path, removal, finished); });
 }
 

@@ -37,7 +37,7 @@ public:
     /// The window over which alerts and information are shown.
     void setWindow(QWidget* window) { window_ = window; }
     /// Before the window goes: gives up what is asked of the file browser, and blocks until no removal is under way.
-    /// What a dead volume holds is left behind after a moment.
+    /// What a dead volume holds, removals as well, is left behind after a moment.
     void waitUntilIdle();
 
     /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.
@@ -93,8 +93,9 @@ private:
     platform::FinderPreferences& finder_;
     engine::PrivilegedRemover& remover_;
     QPointer<QWidget> window_;
-    QThreadPool* requests_;  ///< what may wait for others: a removal does not wait for them. Left behind when it hangs
-    QThreadPool removals_;   ///< last, so that nothing of the above goes while a thread works with it
+    // Each is left behind when it hangs.
+    QThreadPool* requests_;  ///< what may wait for others: a removal does not wait for them
+    QThreadPool* removals_;
 };
 
 }  // namespace brimvault::ui

@@ -1,6 +1,9 @@
 #include <QApplication>
 #include <QLocale>
+#include <chrono>
+#include <cstdlib>
 #include <future>
+#include <thread>
 
 #include "engine/Remover.h"
 #include "platform/UserDefaults.h"
@@ -10,6 +13,18 @@
 #include "ui/SectionOperations.h"
 #include "ui/Translations.h"
 #include "ui/WindowAlerts.h"
+
+namespace {
+
+// Everything is written by the time the window has gone. What a dead volume holds, nobody can end or wait for.
+void endWithinASecond(int result) {
+    std::thread([result] {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+        std::_Exit(result);
+    }).detach();
+}
+
+}  // namespace
 
 int main(int argc, char* argv[]) {
     using namespace brimvault;
@@ -32,6 +47,10 @@ int main(int argc, char* argv[]) {
                                langres::LanguagesManager::sharedManager()});  // the user's languages; and the window
     delegate.applicationDidFinishLaunching();
     const int result = QApplication::exec();
+    if (delegate.isAnythingLeftBehind()) {
+        std::_Exit(result);  // nothing is destroyed under a thread that may still return
+    }
+    endWithinASecond(result);
     remover.giveUp();  // the rights that the user has granted
     return result;
 }

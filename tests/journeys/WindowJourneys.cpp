@@ -161,22 +161,6 @@ TEST_F(WindowJourney, ACancelledQuestionRemovesNothingButRemembersNotToAsk) {
     EXPECT_FALSE(fs::exists(caches() / photos.toStdString()));
 }
 
-TEST_F(WindowJourney, OnlyWhatWasOnShowWhenTheQuestionWasAskedIsRemoved) {
-    start();
-    scan();
-    const auto before = tests::fingerprint(home_.path());
-    // While the question is open something arrives, as from a scan that was stopped and is still returning.
-    alerts_.whileOpen = [this] {
-        auto late = engine::FFItem::initWithName("late", 1000);
-        late->setPpbDeletable(true);
-        application_->psectController().getAppResDS().add2CachesArray(engine::ItemArray{late});
-    };
-    alerts_.answers.push_back(tests::agree);
-    Guide::click(lists()->pbtnClean());
-    EXPECT_FALSE(application_->pbCleanning());
-    EXPECT_EQ(tests::fingerprint(home_.path()), before);
-}
-
 TEST_F(WindowJourney, NothingBeginsWhileAQuestionIsOpen) {
     start();
     scan();

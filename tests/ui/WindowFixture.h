@@ -118,10 +118,12 @@ class WindowFixture : public testing::Test {
 protected:
     void start() { start(scans()); }
 
-    void start(engine::ScanTable table) {
+    void start(engine::ScanTable table) { start(std::move(table), ui::cleanOperations(remover_)); }
+
+    void start(engine::ScanTable table, engine::CleanTable cleans) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ =
-            std::make_unique<ui::FAppDelegate>(std::move(table), ui::cleanOperations(remover_),
+            std::make_unique<ui::FAppDelegate>(std::move(table), std::move(cleans),
                                                ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_, languages_});
         application_->applicationDidFinishLaunching();
         window()->resize(1000, 660);
