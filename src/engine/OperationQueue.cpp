@@ -161,7 +161,7 @@ Operations OperationQueue::Work::takeReady() {
 // Where the system gives no thread, the operation ends without its work: there is nobody to do it.
 void OperationQueue::Work::start(const std::shared_ptr<Operation>& operation) {
     try {
-        std::thread([self = shared_from_this(), operation]() mutable {
+        std::thread([self = shared_from_this(), operation = operation]() mutable {
             files::standBack();
             self->runToEnd(std::move(operation));
         }).detach();

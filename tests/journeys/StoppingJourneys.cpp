@@ -165,6 +165,7 @@ TEST_F(StoppingJourney, ACleanTakesWhatWasTickedWhenTheQuestionCame) {
         model().setCachesArray(whole);
     };
     clean();
+    ASSERT_NE(guide_->list(), nullptr);
     EXPECT_EQ(names(), QStringList{QStringLiteral("late")});
     EXPECT_TRUE(isChecked(QStringLiteral("late")));
     EXPECT_TRUE(fs::exists(caches() / "late"));
