@@ -154,6 +154,14 @@ void DataMan::updateAppsItemsForSelfLangsforApps() const {
 
 void DataMan::sendNotification(const QString& name) { NotificationCenter::defaultCenter().post(name); }
 
+bool DataMan::setChecked(Section section, CleanableItem& item, bool checked) {
+    if (auto* file = dynamic_cast<FFItem*>(&item)) {
+        return items_[section].setChecked(*file, checked);
+    }
+    item.setPpbChecked(checked);
+    return false;
+}
+
 ItemSums DataMan::sums(Section section) const {
     if (section != Section::languageResources) {
         return items_[section].sums();

@@ -76,6 +76,11 @@ public:
     [[nodiscard]] const ItemArray& itemsOf(Section section) const { return items_[section].items(); }
     /// The same with what became of it; what was removed is known while the notification of it is posted.
     [[nodiscard]] const SectionItems& sectionItems(Section section) const { return items_[section]; }
+    /// Ticks or unticks an item of the section, with what lies in it; see SectionItems. Answers whether other items may
+    /// have changed as well.
+    bool setChecked(Section section, CleanableItem& item, bool checked);
+    /// After the marks of many items of the section were set one by one.
+    void settleMarks(Section section) { items_[section].settleMarks(); }
     /// Of a section's items, with the marks that they have now.
     [[nodiscard]] ItemSums sums(Section section) const;
 

@@ -38,6 +38,12 @@ public:
     [[nodiscard]] bool hasPath() const { return holder_ != nullptr; }
     /// The path as the system takes it, made sooner than a path is; empty when there is none.
     [[nodiscard]] std::string pathBytes() const;
+    /// Whether both are known to lie in one folder; two that do may answer NO.
+    [[nodiscard]] bool isBeside(const FFItem& other) const {
+        return holderKind_ == Holder::folder && other.holderKind_ == Holder::folder && holder_ == other.holder_;
+    }
+    /// Whether it is ticked along with an item that it lies in, or only when it is ticked itself.
+    [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable(); }
 
     [[nodiscard]] QString ppdisplayName() const override;
     [[nodiscard]] QString ppdisplayKeyName() const override;

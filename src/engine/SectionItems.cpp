@@ -41,6 +41,35 @@ void SectionItems::append(const ItemArray& items) {
     } else {
         items_ += items;
     }
+    nested_.follow();
+}
+
+bool SectionItems::setChecked(FFItem& item, bool checked) {
+    nested_.follow();  // a clean may have changed the list
+    const auto before = CleanableItem::marksRevision();
+    const bool changes = item.ppbChecked() != checked;
+    const auto untick = [](FFItem& holder) { holder.setPpbChecked(false); };
+    item.setPpbChecked(checked);
+    QList<const FFItem*> spared;  // one for each folder: what lies beside each other lies in the same items
+    nested_.forEachInside(item, [&](FFItem& inner) {
+        if (!checked || inner.mayBeTickedAlong()) {
+            inner.setPpbChecked(checked);
+        } else if (!inner.ppbChecked() && (spared.isEmpty() || !inner.isBeside(*spared.last()))) {
+            spared.append(&inner);
+        }
+    });
+    if (!checked) {
+        nested_.forEachHolder(item, untick);
+    }
+    for (const auto* inner : std::as_const(spared)) {
+        nested_.forEachHolder(*inner, untick);
+    }
+    return CleanableItem::marksRevision() != before + (changes ? 1 : 0);
+}
+
+void SectionItems::settleMarks() {
+    nested_.follow();
+    nested_.untickHoldersOfUnticked();
 }
 
 void SectionItems::remove(const ItemArray& gone) {
@@ -84,6 +113,7 @@ void SectionItems::forgetRemoved() { letGo(std::exchange(removed_, ItemArray()))
 
 void SectionItems::beginGeneration() {
     ++generation_;
+    nested_.clear();
     forgetRemoved();
     summed_ = 0;
 }

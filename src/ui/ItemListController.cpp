@@ -80,12 +80,13 @@ ItemListController::Item ItemListController::selectedItem() const {
 
 void ItemListController::selectAllItems(int state) {
     model_->setAllChecked(state != 0);
+    surroundings_.pDS.settleMarks(section_);
     updateTableKeepSelection();
 }
 
 void ItemListController::setItemChecked(int row, bool checked) {
-    model_->item(row)->setPpbChecked(checked);
-    model_->checksChanged(row, row);
+    const bool othersToo = surroundings_.pDS.setChecked(section_, *model_->item(row), checked);
+    model_->checksChanged(othersToo ? 0 : row, othersToo ? model_->rowCount() - 1 : row);
     updateTableKeepSelection();
     surroundings_.pCheckListener.setSectionChecked(section_, checked);
 }

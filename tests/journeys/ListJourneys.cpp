@@ -336,6 +336,28 @@ TEST_F(ListJourney, WhatLiesInARemovedFolderLeavesTheListWithIt) {
     EXPECT_GE(guide_->row(text("system.log")), 0);
 }
 
+// The reader's logs are listed one by one and as a whole.
+TEST_F(ListJourney, AFolderThatHoldsOtherRowsIsTickedWithThemAndUntickedWithAnyOfThem) {
+    auto* list = show(logsRow);
+    Guide::click(lists()->pbtnSelectAll());
+    ASSERT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::Unchecked);
+    guide_->clickCell(guide_->row(text("com.vendor.reader")), ui::ItemListModel::checkColumn);
+    EXPECT_TRUE(isChecked(text("com.vendor.reader")));
+    EXPECT_TRUE(isChecked(text("reader.log")));
+    EXPECT_FALSE(isChecked(text("system.log")));
+    select("reader.log");
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_FALSE(isChecked(text("reader.log")));
+    EXPECT_FALSE(isChecked(text("com.vendor.reader")));
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_TRUE(isChecked(text("com.vendor.reader")));
+    guide_->clickCell(guide_->row(text("com.vendor.reader")), ui::ItemListModel::checkColumn);
+    EXPECT_FALSE(isChecked(text("reader.log")));
+    clean();
+    EXPECT_TRUE(fs::exists(home_.containers() / "com.vendor.reader/Data/Library/Logs/reader.log"));
+    EXPECT_FALSE(fs::exists(home_.library() / "Logs/backup 2.log"));
+}
+
 TEST_F(ListJourney, TheKeyboardGoesThroughTheListAndBeginsAtItsFirstRow) {
     auto* list = show(logsRow);
     lists()->pbtnFinder()->setFocus();
