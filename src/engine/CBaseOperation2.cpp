@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 
-#include "engine/ItemRemoval.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
 
@@ -43,6 +42,7 @@ std::set<std::string> CBaseOperation2::sparedPaths(const ItemArray& items) const
 void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder,
                                   ItemArray& removed, NotRemovedDictionary& notRemoved) {
     const auto spared = sparedPaths(items);
+    ItemRemover remover(remover_);
     for (const auto& item : items) {
         if (isCancelled()) {
             return;
@@ -50,29 +50,24 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         if (!isToBeCleaned(*item)) {
             continue;
         }
-        const auto report = [&](const QString& reason) {
-            const std::lock_guard guard(resultsMutex_);
-            notRemoved.insert(item->ppdisplayName(), reason);
-        };
-        const bool hasPath = item->hasPath();
-        if (hasPath && holdsAnyOf(item->pfpath(), spared)) {
-            report(holdsSparedText());
-        } else if (hasPath) {
-            removeItem(item, item->pfpath(), removed, notRemoved);
-        } else if (!folder) {
-            const std::lock_guard guard(resultsMutex_);
-            removed.append(item);
-        } else if (isOneName(item->pfname())) {
-            removeItem(item, *folder / item->pfname(), removed, notRemoved);
+        const auto location = item->location();
+        if (item->hasPath() && holdsAnyOf(location, spared)) {
+            take({false, holdsSparedText()}, item, removed, notRemoved);
+        } else if (item->hasPath()) {
+            take(remover.remove(location, item->foundIn()), item, removed, notRemoved);
+        } else if (location.empty() && !folder && !isRootRefused_) {
+            take({true, {}}, item, removed, notRemoved);
+        } else if ((location.empty() && !folder) || !isOneName(item->pfname())) {
+            take({false, ItemRemoval::withoutSystemText()}, item, removed, notRemoved);
         } else {
-            report(ItemRemoval::withoutSystemText());
+            const auto path = location.empty() ? *folder / item->pfname() : location;
+            take(remover.remove(path, item->foundIn()), item, removed, notRemoved);
         }
     }
 }
 
-void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path,
-                                 ItemArray& removed, NotRemovedDictionary& notRemoved) {
-    const auto removal = removeItemAt(path, remover_);
+void CBaseOperation2::take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item, ItemArray& removed,
+                           NotRemovedDictionary& notRemoved) {
     const std::lock_guard guard(resultsMutex_);
     if (removal.gone) {
         removed.append(item);
@@ -81,7 +76,14 @@ void CBaseOperation2::removeItem(const std::shared_ptr<FFItem>& item, const std:
     }
 }
 
-void CBaseOperation2::cleanAndPost(const std::optional<std::filesystem::path>& folder) {
+void CBaseOperation2::cleanAndPost(const std::optional<std::filesystem::path>& root) {
+    std::optional<std::filesystem::path> folder;
+    if (root) {
+        const auto place = platform::openSectionRoot(*root).place;
+        isRootRefused_ =
+            place->refusal != platform::RootRefusal::none && place->refusal != platform::RootRefusal::missing;
+        folder = isRootRefused_ ? folder : place->resolved;
+    }
     removeItems(pCArray(), folder, removed_, notRemoved_);
     postResults();
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "engine/FFItem.h"
+#include "engine/ItemRemoval.h"
 #include "engine/Notification.h"
 #include "engine/PrivilegedRemover.h"
 #include "engine/SectionOperation.h"
@@ -26,28 +27,31 @@ public:
     /// dictionary. Stops before the next item once the operation is cancelled; the one under way is finished first.
     ///
     /// A folder that holds another item of the list, one that is not checked or not agreed to, stays as well.
-    /// An item without a path of its own is the one of its name in the folder given; without a folder there is nothing.
+    /// An item without a path of its own is the one of its name in the folder where a scan has found it, else in the
+    /// one given; without a folder there is nothing.
     void removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder, ItemArray& removed,
                      NotRemovedDictionary& notRemoved);
 
 protected:
     [[nodiscard]] const ItemArray& pCArray() const { return pCArray_; }
     /// Removes the items and posts the section's clean-finished notification with the two results, also after a cancel,
-    /// or with what was done by then when it fails or is given up.
-    void cleanAndPost(const std::optional<std::filesystem::path>& folder);
+    /// or with what was done by then when it fails or is given up. `root` is where the section's folder is looked for;
+    /// none where the items lie in several.
+    void cleanAndPost(const std::optional<std::filesystem::path>& root);
     void failed() override { postResults(); }
     void givenUp() override { postResults(); }
 
 private:
-    void removeItem(const std::shared_ptr<FFItem>& item, const std::filesystem::path& path, ItemArray& removed,
-                    NotRemovedDictionary& notRemoved);
+    void take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item, ItemArray& removed,
+              NotRemovedDictionary& notRemoved);
     [[nodiscard]] bool isToBeCleaned(const FFItem& item) const;
     [[nodiscard]] std::set<std::string> sparedPaths(const ItemArray& items) const;
     void postResults();
 
     const ItemArray pCArray_;
     PrivilegedRemover& remover_;
-    std::mutex resultsMutex_;  ///< protects what follows: who gives the operation up tells of it
+    bool isRootRefused_ = false;  ///< what no scan has found is not looked for in the section's folder
+    std::mutex resultsMutex_;     ///< protects what follows: who gives the operation up tells of it
     ItemArray removed_;
     NotRemovedDictionary notRemoved_;
 };

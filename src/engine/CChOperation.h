@@ -12,7 +12,7 @@ public:
         : CBaseOperation2(Section::caches, items, remover) {}
 
 protected:
-    void main() override { cleanAndPost(platform::LibraryURLs::getCachesFolderURL()); }
+    void main() override { cleanAndPost(platform::LibraryURLs::namedCachesFolder()); }
 };
 
 }  // namespace brimvault::engine

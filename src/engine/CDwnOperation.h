@@ -12,7 +12,7 @@ public:
         : CBaseOperation2(Section::downloads, items, remover) {}
 
 protected:
-    void main() override { cleanAndPost(platform::LibraryURLs::getDownloadsFolderURL()); }
+    void main() override { cleanAndPost(platform::LibraryURLs::namedDownloadsFolder()); }
 };
 
 }  // namespace brimvault::engine

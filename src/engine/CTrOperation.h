@@ -12,7 +12,7 @@ public:
         : CBaseOperation2(Section::trash, items, remover) {}
 
 protected:
-    void main() override { cleanAndPost(platform::LibraryURLs::getTrashFolderURL()); }
+    void main() override { cleanAndPost(platform::LibraryURLs::namedTrashFolder()); }
 };
 
 }  // namespace brimvault::engine

@@ -14,6 +14,8 @@ DataMan::DataMan() {
     for (const Section section : allSections) {
         observe(section);
     }
+    observations_.push_back(NotificationCenter::defaultCenter().addMainThreadObserver(
+        notification::placesFound, &mainThread_, [this](const Notification& heard) { mainThreadPlaces(heard); }));
 }
 
 void DataMan::observe(Section section) {
@@ -68,6 +70,14 @@ void DataMan::mainThreadProgr(Section section, const Notification& notification)
     }
     progress.scanned = true;
     sendNotification(words.interfaceProgress);
+}
+
+void DataMan::mainThreadPlaces(const Notification& notification) {
+    const auto section = getNumberPropfromNotification(notification, key::section);
+    const auto places = getPropfromNotification<Places>(notification, key::places);
+    if (section && places) {
+        places_[static_cast<Section>(*section)] = *places;
+    }
 }
 
 void DataMan::replaceFrom(Section section, const Notification& notification) {

@@ -114,6 +114,9 @@ public:
     /// Whole per cents of the scan of a section that is under way, as it reported them; none otherwise.
     [[nodiscard]] std::optional<Number> progressPercent(Section section) const { return progress_[section].percent; }
 
+    /// Where the last scan of the section has looked for files; empty before the first.
+    [[nodiscard]] const Places& places(Section section) const { return places_[section]; }
+
     /// Takes the languages to keep and recomputes what every application would free.
     void updateResSizesForApps(const QStringList& neededLanguages);
     /// Posts the name without user info.
@@ -133,6 +136,7 @@ private:
     void mainThreadFin(Section section, const Notification& notification);
     void mainThreadProgr(Section section, const Notification& notification);
     void mainThreadClean(Section section, const Notification& notification);
+    void mainThreadPlaces(const Notification& notification);
     void mainThreadAppResClean(const Notification& notification);
     void replaceFrom(Section section, const Notification& notification);
     void appendFrom(Section section, const Notification& notification);
@@ -147,6 +151,7 @@ private:
     ApplicationArray applications_;
     PerSection<SectionItems> items_;
     PerSection<Progress> progress_;
+    PerSection<Places> places_;
     QStringList platestNeededLangs_;
 
     QObject mainThread_;  ///< what is handed over to the main thread is dropped when the model goes

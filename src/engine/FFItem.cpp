@@ -23,7 +23,9 @@ std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, 
 
 void FFItem::setPfname(const std::filesystem::path& name) {
     if (hasPath() && holderKind_ == Holder::folder) {
-        holder_ = std::make_shared<const std::string>(pathBytes());
+        auto whole = *holder_;
+        whole.path = pathBytes();
+        holder_ = std::make_shared<const FoundIn>(std::move(whole));
         holderKind_ = Holder::wholePath;
     }
     setName(name.native());
@@ -37,7 +39,7 @@ void FFItem::setName(const std::string& bytes) {
 
 void FFItem::setPfpath(const std::filesystem::path& path) {
     // Items are found folder by folder.
-    thread_local std::shared_ptr<const std::string> lastHolder;
+    thread_local std::shared_ptr<const FoundIn> lastHolder;
     const std::string_view bytes = path.native();
     const std::string_view name = nameBytes();
     const auto before = bytes.size() - std::min(name.size(), bytes.size());
@@ -48,8 +50,8 @@ void FFItem::setPfpath(const std::filesystem::path& path) {
         holder_ = nullptr;
         return;
     }
-    if (lastHolder == nullptr || *lastHolder != holder) {
-        lastHolder = std::make_shared<const std::string>(holder);
+    if (lastHolder == nullptr || lastHolder->path != holder) {
+        lastHolder = std::make_shared<const FoundIn>(FoundIn{std::string(holder)});
     }
     holder_ = lastHolder;
 }
@@ -58,7 +60,11 @@ std::string FFItem::pathBytes() const {
     if (!hasPath()) {
         return {};
     }
-    return holderKind_ == Holder::folder ? *holder_ + nameBytes() : *holder_;
+    return holderKind_ == Holder::folder ? holder_->path + nameBytes() : holder_->path;
+}
+
+std::filesystem::path FFItem::location() const {
+    return holder_ != nullptr && holderKind_ == Holder::sectionFolder ? holder_->path + nameBytes() : pathBytes();
 }
 
 QString FFItem::ppdisplayName() const { return platform::displayText(pfname()); }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "engine/CleanableItem.h"
+#include "engine/FoundIn.h"
 #include "files/NodeStatus.h"
 
 namespace brimvault::engine {
@@ -35,7 +36,22 @@ public:
     /// Empty when the item is addressed by its name.
     [[nodiscard]] std::filesystem::path pfpath() const { return pathBytes(); }
     void setPfpath(const std::filesystem::path& path);
-    [[nodiscard]] bool hasPath() const { return holder_ != nullptr; }
+    [[nodiscard]] bool hasPath() const { return holder_ != nullptr && holderKind_ != Holder::sectionFolder; }
+    /// How an item lies in what it was found in.
+    enum class Holder : quint8 {
+        folder,         ///< under its name
+        wholePath,      ///< under another name: the place names the item itself
+        sectionFolder,  ///< under its name, by which alone it is addressed
+    };
+    /// Takes the place of the path.
+    void setFoundIn(std::shared_ptr<const FoundIn> place, Holder kind) {
+        holder_ = std::move(place);
+        holderKind_ = kind;
+    }
+    /// Where a scan has found it; null when none has.
+    [[nodiscard]] const std::shared_ptr<const FoundIn>& foundIn() const { return holder_; }
+    /// Where it lies: its path, or its name in the folder in which it was found; empty when neither is known.
+    [[nodiscard]] std::filesystem::path location() const;
     /// The path as the system takes it, made sooner than a path is; empty when there is none.
     [[nodiscard]] std::string pathBytes() const;
     /// Whether both are known to lie in one folder; two that do may answer NO.
@@ -51,9 +67,6 @@ public:
     [[nodiscard]] quint64 getSpace2SaveBySel() const override { return ppbChecked() && ppbDeletable() ? pfSize_ : 0; }
 
 private:
-    /// What comes before the item's name in its path; or the whole path, where that ends with another name.
-    enum class Holder : quint8 { folder, wholePath };
-
     [[nodiscard]] const char* nameBytes() const { return pfname_ == nullptr ? "" : pfname_.get(); }
     void setName(const std::string& bytes);
 
@@ -61,7 +74,7 @@ private:
     IconSource pIcon_;
     std::unique_ptr<char[]> pfname_;  ///< bytes, with a zero byte at their end; null for an empty name
     quint64 pfSize_ = 0;
-    std::shared_ptr<const std::string> holder_;  ///< null without a path; of a folder, with the slash at its end
+    std::shared_ptr<const FoundIn> holder_;  ///< null when it is known by its name alone
 };
 
 /// Copies share their elements until one is changed, so handing one to another thread costs nothing and what is handed

@@ -24,8 +24,11 @@ using CleanedApplications = std::map<std::filesystem::path, LocalizationArray>;
 /// A whole number or, as 0 and 1, a boolean one.
 using Number = qint64;
 
-using InfoValue = std::variant<Number, ItemArray, ApplicationArray, NotRemovedDictionary, NotCleanedApplications,
-                               CleanedApplications>;
+/// Where a section looks for its files.
+using Places = QList<std::shared_ptr<const platform::RootPlace>>;
+
+using InfoValue = std::variant<Number, Places, ItemArray, ApplicationArray, NotRemovedDictionary,
+                               NotCleanedApplications, CleanedApplications>;
 using UserInfo = QHash<QString, InfoValue>;
 
 /// What a notification carries. Copies share their contents; any thread may read one.

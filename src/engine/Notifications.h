@@ -12,6 +12,8 @@ namespace notification {
 inline constexpr QLatin1String scanFinished("scanFinished");
 inline constexpr QLatin1String cleanFinished("cleanFinished");
 inline constexpr QLatin1String singleFileRemoveFinished("singleFileRemoveFinished");
+/// Where a scan has looked for files; by the thread of the scan, before the section's finished notification.
+inline constexpr QLatin1String placesFound("placesFound");
 /// Reserved; observed, and posted by nobody.
 inline constexpr QLatin1String updateCleanableSizes("updateCleanableSizes");
 /// A click on the status panel; posted on the main thread.
@@ -27,6 +29,9 @@ inline constexpr QLatin1String totalCount("pstrKeyTotalCount");
 inline constexpr QLatin1String progressPercent("pstrKeyProgressPercent");
 /// Dictionary: application path to the localizations removed from it.
 inline constexpr QLatin1String cleanedApplications("pstrKeyCleanedApplicationsDictionary");
+/// Places: the root folders of a section, and its Number.
+inline constexpr QLatin1String places("places");
+inline constexpr QLatin1String section("section");
 /// Number, 0 or 1: how a single removal ended.
 inline constexpr QLatin1String success("success");
 

@@ -1,59 +1,40 @@
 #include "engine/ProtectedFolders.h"
 
 #include <algorithm>
-#include <initializer_list>
-#include <vector>
+#include <iterator>
 
-#include "files/NodeStatus.h"
 #include "platform/LibraryURLs.h"
-#include "platform/System.h"
+#include "platform/SectionRoots.h"
 
 namespace brimvault::engine {
 
-namespace {
+using platform::LibraryURLs;
 
-bool isOrHolds(const files::FileIdentity& item, std::filesystem::path folder) {
-    for (;; folder = folder.parent_path()) {
-        const auto status = files::statusOf(folder);
-        if (status && status->identity == item) {
-            return true;
-        }
-        if (!folder.has_relative_path()) {
-            return false;
-        }
-    }
+// What holds the home folder holds the roots that always lie in it, whether they are there or not.
+ProtectedFolders::ProtectedFolders() : ways_(platform::sectionRootWays()) {
+    const auto trash = LibraryURLs::namedDesktopTrashFolder();
+    auto more = platform::waysOf({trash / "files", trash / "info", LibraryURLs::getPreferencesFolderURL()});
+    std::move(more.begin(), more.end(), std::back_inserter(ways_));
 }
 
-}  // namespace
+bool ProtectedFolders::isOneOrHoldsOne(const files::NodeStatus& item) const {
+    return item.kind == files::NodeKind::directory &&
+           std::any_of(ways_.begin(), ways_.end(), [&](const platform::FolderWay& way) {
+               return std::find(way.folders.begin(), way.folders.end(), item.identity) != way.folders.end();
+           });
+}
 
 std::vector<std::filesystem::path> protectedFolders() {
-    using platform::LibraryURLs;
-    const auto library = platform::homeFolder() / "Library";
-    std::vector<std::filesystem::path> folders = {library / "Logs", library / "Application Support" / "CrashReporter",
-                                                  library / "Containers", platform::systemRoot() / "Library" / "Logs",
-                                                  LibraryURLs::getPreferencesFolderURL()};
-    for (const auto& folder :
-         {LibraryURLs::getCachesFolderURL(), LibraryURLs::getDownloadsFolderURL(), LibraryURLs::getTrashFolderURL(),
-          LibraryURLs::getApplicationFolderURL(), LibraryURLs::getUserApplicationFolderURL()}) {
-        if (folder) {
-            folders.push_back(*folder);
-        }
-    }
-    if (const auto trash = LibraryURLs::getDesktopTrashFolderURL()) {
-        folders.push_back(*trash / "files");
-        folders.push_back(*trash / "info");
-    }
+    const ProtectedFolders found;
+    std::vector<std::filesystem::path> folders;
+    std::transform(found.ways().begin(), found.ways().end(), std::back_inserter(folders),
+                   [](const platform::FolderWay& way) { return way.resolved; });
     return folders;
 }
 
 bool isProtectedFolder(const std::filesystem::path& path) {
     const auto item = files::statusOf(path);
-    if (!item || item->kind != files::NodeKind::directory) {
-        return false;
-    }
-    const auto folders = protectedFolders();
-    return std::any_of(folders.begin(), folders.end(),
-                       [&](const auto& folder) { return isOrHolds(item->identity, folder); });
+    return item && ProtectedFolders().isOneOrHoldsOne(*item);
 }
 
 }  // namespace brimvault::engine

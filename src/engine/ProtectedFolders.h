@@ -3,14 +3,30 @@
 #include <filesystem>
 #include <vector>
 
+#include "files/NodeStatus.h"
+#include "platform/FolderWays.h"
+
 namespace brimvault::engine {
 
-/// The sections' own root folders and the program's settings; some may not exist. Any thread.
+/// The folders that no list of items can rightly hold: the sections' own root folders, the home folder, the program's
+/// settings, and whatever holds any of them; as they are when it is made. Compared by what the folders are, not by how
+/// they are spelled. Any thread but the main one.
+class ProtectedFolders {
+public:
+    ProtectedFolders();
+
+    [[nodiscard]] bool isOneOrHoldsOne(const files::NodeStatus& item) const;
+    /// The root folders and the settings; some may not exist.
+    [[nodiscard]] const std::vector<platform::FolderWay>& ways() const { return ways_; }
+
+private:
+    std::vector<platform::FolderWay> ways_;
+};
+
+/// Where they are.
 [[nodiscard]] std::vector<std::filesystem::path> protectedFolders();
 
-/// Whether the path names a folder that no list of items can rightly hold: a section's own root folder, the home
-/// folder, the program's settings, or one that holds any of them. Compared by what the folders are, not by how they are
-/// spelled. Any thread.
+/// Whether the path names such a folder, or one that holds any of them.
 [[nodiscard]] bool isProtectedFolder(const std::filesystem::path& path);
 
 }  // namespace brimvault::engine

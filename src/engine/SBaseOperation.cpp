@@ -1,5 +1,8 @@
 #include "engine/SBaseOperation.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
 #include "files/Measure.h"
@@ -8,6 +11,37 @@ namespace brimvault::engine {
 
 void SBaseOperation::initTopLevelItemsCount() {
     setTopLevelItemsCount(countTopItemsInOperFolder(files::HiddenEntries::skip));
+}
+
+const SBaseOperation::NamedRoot& SBaseOperation::namedRoot(const std::filesystem::path& named) const {
+    const auto known = roots_.find(named);
+    if (known != roots_.end() && known->second.root.place->refusal != platform::RootRefusal::missing) {
+        return known->second;
+    }
+    NamedRoot found{platform::openSectionRoot(named), false};
+    found.isGivenBefore = std::any_of(roots_.begin(), roots_.end(), [&](const auto& other) {
+        return other.second.root.folder && other.second.root.place->resolved == found.root.place->resolved;
+    });
+    return roots_.insert_or_assign(named, std::move(found)).first->second;
+}
+
+const platform::SectionRoot& SBaseOperation::root(const std::filesystem::path& named) const {
+    return namedRoot(named).root;
+}
+
+const platform::SectionRoot* SBaseOperation::rootToList(const std::filesystem::path& named) const {
+    const auto& found = namedRoot(named);
+    return found.root.folder && !found.isGivenBefore ? &found.root : nullptr;
+}
+
+void SBaseOperation::leaveRoots(const Places& others) {
+    Places places;
+    for (const auto& [named, found] : std::exchange(roots_, {})) {
+        places.append(found.root.place);
+    }
+    places += others;
+    NotificationCenter::defaultCenter().post(notification::placesFound,
+                                             {{key::section, static_cast<Number>(section())}, {key::places, places}});
 }
 
 qint64 SBaseOperation::countTopItemsInOperFolder(files::HiddenEntries hidden) const {

@@ -2,10 +2,13 @@
 
 #include <QtGlobal>
 #include <filesystem>
+#include <map>
 #include <optional>
 
+#include "engine/Notification.h"
 #include "engine/SectionOperation.h"
 #include "files/DirectoryHandle.h"
+#include "platform/SectionRoots.h"
 
 namespace brimvault::engine {
 
@@ -37,10 +40,26 @@ public:
 protected:
     /// Posts the finished notification, of nothing found; who knows what was found by then posts that.
     void failed() override;
+    /// A root folder of the section, looked up at the first question and, if it is there, held from then on.
+    [[nodiscard]] const platform::SectionRoot& root(const std::filesystem::path& named) const;
+    /// The same where what is in it is to be listed: none where the folder is refused, or is one that was given before
+    /// under another name.
+    [[nodiscard]] const platform::SectionRoot* rootToList(const std::filesystem::path& named) const;
+    /// Lets go of the root folders, and posts where they are, and which others were looked into for the scan. At its
+    /// end, before it posts what it found.
+    void leaveRoots(const Places& others = {});
+
     void setTopLevelItemsCount(qint64 count) { nTopLevelItemsCount_ = count; }
 
 private:
+    struct NamedRoot {
+        platform::SectionRoot root;
+        bool isGivenBefore;
+    };
+    const NamedRoot& namedRoot(const std::filesystem::path& named) const;
+
     qint64 nTopLevelItemsCount_ = 0;
+    mutable std::map<std::filesystem::path, NamedRoot> roots_;  ///< the thread of the scan
 };
 
 }  // namespace brimvault::engine

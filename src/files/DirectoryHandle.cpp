@@ -93,10 +93,12 @@ int DirectoryHandle::forEachEntry(const std::function<bool(const DirectoryEntry&
 int forEachChild(const std::filesystem::path& folder, HiddenEntries hidden,
                  const std::function<bool(const DirectoryEntry&)>& call) {
     const auto opened = DirectoryHandle::openForReading(folder);
-    if (!opened) {
-        return opened.code();
-    }
-    return opened->forEachEntry([&](const DirectoryEntry& entry) {
+    return opened ? forEachChild(*opened, hidden, call) : opened.code();
+}
+
+int forEachChild(const DirectoryHandle& folder, HiddenEntries hidden,
+                 const std::function<bool(const DirectoryEntry&)>& call) {
+    return folder.forEachEntry([&](const DirectoryEntry& entry) {
         return (hidden == HiddenEntries::skip && entry.name[0] == '.') || call(entry);
     });
 }

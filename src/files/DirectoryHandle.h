@@ -62,5 +62,8 @@ enum class HiddenEntries { skip, include };
 /// full stop. 0, or the errno value that kept the folder from being read; a folder reached through a link is not read.
 [[nodiscard]] int forEachChild(const std::filesystem::path& folder, HiddenEntries hidden,
                                const std::function<bool(const DirectoryEntry&)>& call);
+/// The same of a folder that is held open for listing.
+[[nodiscard]] int forEachChild(const DirectoryHandle& folder, HiddenEntries hidden,
+                               const std::function<bool(const DirectoryEntry&)>& call);
 
 }  // namespace brimvault::files

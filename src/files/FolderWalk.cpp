@@ -51,11 +51,13 @@ bool FoundFolder::isMountPoint() const {
 bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
                    const std::function<Descend(const FoundFolder&)>& call) {
     const auto opened = DirectoryHandle::open(folder);
-    if (!opened) {
-        return !stop.stop_requested();
-    }
-    FolderVisitor visitor(folder, hidden, call);
-    return TreeWalk(visitor, *opened, stop).visit(".");  // it may be where a mount begins itself
+    return opened ? forEachFolder(*opened, folder, hidden, stop, call) : !stop.stop_requested();
+}
+
+bool forEachFolder(const DirectoryHandle& folder, const std::filesystem::path& path, HiddenEntries hidden,
+                   const std::stop_token& stop, const std::function<Descend(const FoundFolder&)>& call) {
+    FolderVisitor visitor(path, hidden, call);
+    return TreeWalk(visitor, folder, stop).visit(".");  // it may be where a mount begins itself
 }
 
 }  // namespace brimvault::files

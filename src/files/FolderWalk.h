@@ -27,5 +27,8 @@ struct FoundFolder {
 /// before its end. Any thread.
 [[nodiscard]] bool forEachFolder(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
                                  const std::function<Descend(const FoundFolder&)>& call);
+/// The same below a folder that is held open; `path` is where it is.
+[[nodiscard]] bool forEachFolder(const DirectoryHandle& folder, const std::filesystem::path& path, HiddenEntries hidden,
+                                 const std::stop_token& stop, const std::function<Descend(const FoundFolder&)>& call);
 
 }  // namespace brimvault::files

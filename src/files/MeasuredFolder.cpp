@@ -82,14 +82,20 @@ int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden,
                       const std::function<Sizes(const char* name)>& sizes,
                       const std::function<bool(const MeasurableEntry&)>& call) {
     const auto opened = DirectoryHandle::openForReading(folder);
-    const auto status = opened ? opened->status() : Result<NodeStatus>::failed(opened.code());
+    return opened ? forEachMeasurable(*opened, hidden, stop, sizes, call) : opened.code();
+}
+
+int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const std::stop_token& stop,
+                      const std::function<Sizes(const char* name)>& sizes,
+                      const std::function<bool(const MeasurableEntry&)>& call) {
+    const auto status = folder.status();
     if (!status) {
         return status.code();
     }
-    Batch batch(*opened, status->mount, stop);
+    Batch batch(folder, status->mount, stop);
     bool goesOn = true;
     std::size_t listed = 0;
-    const int code = opened->forEachEntry([&](const DirectoryEntry& entry) {
+    const int code = folder.forEachEntry([&](const DirectoryEntry& entry) {
         constexpr std::size_t entriesBetweenStops = 64;
         if (++listed % entriesBetweenStops == 0 && stop.stop_requested()) {
             goesOn = false;

@@ -26,7 +26,11 @@ struct MeasurableEntry {
 /// `sizes` says of a name, on the calling thread, whether its size will be asked for: else nothing is measured ahead.
 ///
 /// Hidden are the names that begin with a full stop. 0, or the errno value that kept the folder from being read to its
-/// end; a folder reached through a link is not read. Any thread.
+/// end. The folder is held open for listing, and listed from its start. Any thread.
+[[nodiscard]] int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const std::stop_token& stop,
+                                    const std::function<Sizes(const char* name)>& sizes,
+                                    const std::function<bool(const MeasurableEntry&)>& call);
+/// The same of the folder at a path; one reached through a link is not read.
 [[nodiscard]] int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden,
                                     const std::stop_token& stop, const std::function<Sizes(const char* name)>& sizes,
                                     const std::function<bool(const MeasurableEntry&)>& call);

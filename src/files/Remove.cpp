@@ -170,6 +170,15 @@ RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem
     return kept(first.code, path.parent_path() / first.path);
 }
 
+RemovalOutcome removeOfKind(NodeKind kind, const DirectoryHandle& parent, const std::filesystem::path& path,
+                            const std::stop_token& stop, RemovalGuard* guard) {
+    if (kind == NodeKind::directory) {
+        return removeFolder(parent, path, stop, guard);
+    }
+    const int code = takeAway(parent, path.filename().c_str(), Kind::file);
+    return code == 0 ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
+}
+
 RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
     if (!isPlainAbsolute(path)) {
         return kept(EINVAL, path);
@@ -190,8 +199,7 @@ RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_toke
     if (!parent) {
         return parent.code() == ENOENT ? missing() : kept(parent.code(), path);
     }
-    const auto name = path.filename();
-    const auto status = statusAt(parent->descriptor(), name.c_str());
+    const auto status = statusAt(parent->descriptor(), path.filename().c_str());
     if (!status) {
         return status.code() == ENOENT ? missing() : kept(status.code(), path);
     }
@@ -199,11 +207,19 @@ RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_toke
     if (guard != nullptr && !guard->mayRemove(*status)) {
         return kept(EPERM, path);
     }
-    if (status->kind == NodeKind::directory) {
-        return removeFolder(*parent, path, stop, guard);
+    return removeOfKind(status->kind, *parent, path, stop, guard);
+}
+
+RemovalOutcome removeInNow(const DirectoryHandle& folder, const std::filesystem::path& path,
+                           const std::stop_token& stop) {
+    if (!isPlainAbsolute(path)) {
+        return kept(EINVAL, path);
     }
-    const int code = takeAway(*parent, name.c_str(), Kind::file);
-    return code == 0 ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
+    const auto status = statusAt(folder.descriptor(), path.filename().c_str());
+    if (!status) {
+        return status.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(status.code(), path);
+    }
+    return removeOfKind(status->kind, folder, path, stop, nullptr);
 }
 
 }  // namespace
@@ -219,6 +235,14 @@ bool isPlainAbsolute(const std::filesystem::path& path) {
 RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
     try {
         return removeNow(path, stop, guard);
+    } catch (const std::bad_alloc&) {
+        return kept(ENOMEM, path);
+    }
+}
+
+RemovalOutcome removeIn(const DirectoryHandle& folder, const std::filesystem::path& path, const std::stop_token& stop) {
+    try {
+        return removeInNow(folder, path, stop);
     } catch (const std::bad_alloc&) {
         return kept(ENOMEM, path);
     }

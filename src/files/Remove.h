@@ -53,5 +53,9 @@ public:
 /// Any thread. A stop is seen before each entry.
 RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop = {},
                       RemovalGuard* guard = nullptr);
+/// The same of the item of that name in a folder that is held open, wherever the folder is by then; `path`, which ends
+/// with the name, is told of in a failure.
+RemovalOutcome removeIn(const DirectoryHandle& folder, const std::filesystem::path& path,
+                        const std::stop_token& stop = {});
 
 }  // namespace brimvault::files

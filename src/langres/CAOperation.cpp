@@ -46,11 +46,12 @@ void CAOperation::postResults() {
 // What is gone is noted at once, since the next removal may hang.
 void CAOperation::clean(const engine::AppItemData& application, const QStringList& needed) {
     QSet<QString> failed;
+    const bool isThere = application.foundIn() == nullptr || engine::isStillThere(*application.foundIn());
     for (const auto& item : application.itemsToClean(needed)) {
         if (isCancelled()) {
             break;  // what was done by now is told
         }
-        const bool gone = isGoneAfterRemoval(item->plocPath);
+        const bool gone = isThere && isGoneAfterRemoval(item->plocPath);
         const std::lock_guard guard(resultsMutex_);
         if (gone) {
             results_->cleaned[application.pAppName()].append(item);

@@ -38,6 +38,7 @@ SAOperation::SAOperation(Folder applicationFolder, Folder userApplicationFolder)
 void SAOperation::main() {
     initApplicationsCount();
     collectAppsInfo();
+    leaveRoots();
     sendOperationCompleted();
 }
 
@@ -45,22 +46,31 @@ void SAOperation::initApplicationsCount() {
     pAppsPaths_.clear();
     for (const auto& folder : {applicationFolder_, userApplicationFolder_}) {
         if (folder) {
-            countPackagesBelow(*folder);
+            if (const auto* root = rootToList(*folder)) {
+                countPackagesBelow(*root);
+            }
         }
     }
     setTopLevelItemsCount(static_cast<qint64>(pAppsPaths_.size()));
 }
 
 // What lies in a package belongs to it.
-void SAOperation::countPackagesBelow(const std::filesystem::path& folder) {
-    (void)files::forEachFolder(folder, files::HiddenEntries::skip, stopToken(), [&](const auto& found) {
+void SAOperation::countPackagesBelow(const platform::SectionRoot& root) {
+    const auto status = root.folder->status();
+    if (!status) {
+        return;
+    }
+    const auto place = std::make_shared<const engine::FoundIn>(
+        engine::FoundIn{root.place->resolved.native(), status->identity, root.place});
+    const auto& path = root.place->resolved;
+    (void)files::forEachFolder(*root.folder, path, files::HiddenEntries::skip, stopToken(), [&](const auto& found) {
         if (!platform::Packages::isPackage(found.path)) {
             return Descend::yes;
         }
         if (found.isMountPoint()) {
             return Descend::no;
         }
-        pAppsPaths_.push_back(found.path);
+        pAppsPaths_.push_back({found.path, place});
         setTopLevelItemsCount(nTopLevelItemsCount() + 1);
         tryUpdateProgress({}, 0);
         return Descend::no;
@@ -96,11 +106,12 @@ void SAOperation::collectAppsInfo() {
     }
 }
 
-std::shared_ptr<AppItemData> SAOperation::readPackage(const std::filesystem::path& path) const {
-    if (!isToBeScanned(path)) {
+std::shared_ptr<AppItemData> SAOperation::readPackage(const FoundPackage& found) const {
+    if (!isToBeScanned(found.path)) {
         return nullptr;
     }
-    auto application = AppItemData::initWithName(path);
+    auto application = AppItemData::initWithName(found.path);
+    application->setFoundIn(found.foundIn);
     collectLocalizations(*application);
     return application;
 }

@@ -26,11 +26,16 @@ protected:
     void failed() override { sendOperationCompleted(); }
 
 private:
+    struct FoundPackage {
+        std::filesystem::path path;
+        std::shared_ptr<const engine::FoundIn> foundIn;  ///< the folder of applications
+    };
+
     void initApplicationsCount();
-    void countPackagesBelow(const std::filesystem::path& folder);
+    void countPackagesBelow(const platform::SectionRoot& root);
     void collectAppsInfo();
     /// None for a package that is left alone; at once, and not whole, when the operation is cancelled meanwhile.
-    [[nodiscard]] std::shared_ptr<engine::AppItemData> readPackage(const std::filesystem::path& path) const;
+    [[nodiscard]] std::shared_ptr<engine::AppItemData> readPackage(const FoundPackage& found) const;
     [[nodiscard]] static bool isToBeScanned(const std::filesystem::path& path);
     void collectLocalizations(engine::AppItemData& application) const;
     void tryUpdateProgress(const engine::ApplicationArray& delta, qint64 nprogr) const;
@@ -38,7 +43,7 @@ private:
 
     const Folder applicationFolder_;
     const Folder userApplicationFolder_;
-    std::vector<std::filesystem::path> pAppsPaths_;
+    std::vector<FoundPackage> pAppsPaths_;
     engine::ApplicationArray pAppsArray_;
 };
 

@@ -2,14 +2,15 @@
 
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 namespace brimvault::platform {
 
 /// The standard folders of the user who runs the process. Each call asks anew, but for the one that says otherwise;
 /// none when the system names no such folder. The folder itself may be missing. Any thread.
 ///
-/// The folders that lead to an answer are resolved; its last name may be a link, and is then not followed by those who
-/// list or remove. An answer is never the home folder, nor a folder that holds it.
+/// An answer is resolved: how the user has arranged these folders, links included, is followed. It is never the home
+/// folder, nor a folder that holds it. Whether what is in it may be listed, SectionRoots says.
 class LibraryURLs {
 public:
     static std::optional<std::filesystem::path> getCachesFolderURL();
@@ -21,6 +22,15 @@ public:
     static std::optional<std::filesystem::path> getApplicationFolderURL();
     /// Asked once in the life of the process.
     static std::optional<std::filesystem::path> getUserApplicationFolderURL();
+
+    /// Where these are looked for, before any link is followed.
+    static std::filesystem::path namedCachesFolder();
+    static std::filesystem::path namedDownloadsFolder();
+    static std::filesystem::path namedTrashFolder();
+    static std::filesystem::path namedDesktopTrashFolder();
+    /// The desktop's folders for what is the user's own: documents, pictures, the desktop itself and the like, without
+    /// the downloads; before any link is followed. One that the user has switched off is left out.
+    static std::vector<std::filesystem::path> namedUserFolders();
 
     /// Where the programs of the user keep their settings, and where this one does.
     static std::filesystem::path getConfigurationFolderURL();

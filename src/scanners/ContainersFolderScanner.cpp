@@ -1,22 +1,26 @@
 #include "scanners/ContainersFolderScanner.h"
 
-#include "files/DirectoryHandle.h"
 #include "files/NodeStatus.h"
 
 namespace brimvault::scanners {
 
 // Only what has exactly one name counts as a container: a file with further names is none, and what cannot be looked at
 // is left out.
-ContainersFolderScanner::Folders ContainersFolderScanner::listContainerFolders() const {
+ContainersFolderScanner::Folders ContainersFolderScanner::listContainerFolders() {
+    const auto root = platform::openSectionRoot(containersFolderURL_);
+    place_ = root.place;
     Folders containers;
+    if (!root.folder) {
+        return containers;
+    }
     const auto keep = [&](const files::DirectoryEntry& entry) {
-        auto child = containersFolderURL_ / entry.name;
-        if (const auto status = files::statusOf(child); status && status->linkCount == 1) {
-            containers.push_back(std::move(child));
+        const auto status = files::statusAt(root.folder->descriptor(), entry.name);
+        if (status && status->linkCount == 1) {
+            containers.push_back(place_->resolved / entry.name);
         }
         return true;
     };
-    if (files::forEachChild(containersFolderURL_, files::HiddenEntries::skip, keep) != 0) {
+    if (files::forEachChild(*root.folder, files::HiddenEntries::skip, keep) != 0) {
         return {};
     }
     return containers;

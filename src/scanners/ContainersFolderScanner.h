@@ -1,7 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <vector>
+
+#include "platform/SectionRoots.h"
 
 namespace brimvault::scanners {
 
@@ -19,16 +22,20 @@ public:
     /// The lists are those of a listing since the last reset; an empty listing counts.
     [[nodiscard]] bool isLoaded() const { return isLoaded_; }
 
+    /// Where the containers were looked for; null before a listing.
+    [[nodiscard]] const std::shared_ptr<const platform::RootPlace>& place() const { return place_; }
+
     /// Fills the empty lists.
     void scanContainers();
     void resetResults();
 
 private:
-    [[nodiscard]] Folders listContainerFolders() const;
+    [[nodiscard]] Folders listContainerFolders();
 
     const std::filesystem::path containersFolderURL_;
     Folders logs_;
     Folders caches_;
+    std::shared_ptr<const platform::RootPlace> place_;
     bool isLoaded_ = false;
 };
 

@@ -26,6 +26,8 @@ public:
 
     [[nodiscard]] Folders logs() { return loaded()->logs(); }
     [[nodiscard]] Folders caches() { return loaded()->caches(); }
+    /// Where they lie; never null.
+    [[nodiscard]] std::shared_ptr<const platform::RootPlace> place() { return loaded()->place(); }
     /// The next question lists the containers again.
     void reset();
 

@@ -8,30 +8,58 @@
 
 namespace brimvault::scanners {
 
-void FileScanOperation::iterateFiles(const std::filesystem::path& folder, files::HiddenEntries hidden,
+namespace {
+
+std::shared_ptr<const engine::FoundIn> foundIn(const std::string& path, const files::DirectoryHandle& folder,
+                                               const std::shared_ptr<const platform::RootPlace>& root) {
+    engine::FoundIn place{path, {}, root};
+    if (const auto status = folder.status()) {
+        place.folder = status->identity;
+    }
+    return std::make_shared<const engine::FoundIn>(std::move(place));
+}
+
+}  // namespace
+
+void FileScanOperation::iterateFiles(const HeldFolder& folder, files::HiddenEntries hidden,
                                      const std::function<void(const std::filesystem::path&)>& call) const {
-    (void)files::forEachChild(folder, hidden, [&](const files::DirectoryEntry& entry) {
+    (void)files::forEachChild(folder.handle, hidden, [&](const files::DirectoryEntry& entry) {
         if (isCancelled()) {
             return false;
         }
-        call(folder / entry.name);
+        call(folder.path / entry.name);
         return true;
     });
 }
 
-void FileScanOperation::collectFilesIn(const std::filesystem::path& folder, files::HiddenEntries hidden,
-                                       Addressed addressed, ScanBatches& batches, const Skipped& skipped) const {
+void FileScanOperation::withRoot(const std::filesystem::path& named, const FolderBlock& call) const {
+    if (const auto* found = rootToList(named)) {
+        call({*found->folder, found->place->resolved, found->place});
+    }
+}
+
+void FileScanOperation::withFolderInside(const std::filesystem::path& path,
+                                         const std::shared_ptr<const platform::RootPlace>& root,
+                                         const FolderBlock& call) {
+    if (const auto opened = files::DirectoryHandle::openForReading(path)) {
+        call({*opened, path, root});
+    }
+}
+
+void FileScanOperation::collectFilesIn(const HeldFolder& folder, files::HiddenEntries hidden, Addressed addressed,
+                                       ScanBatches& batches, const Skipped& skipped) const {
+    const auto place = foundIn((folder.path / "").native(), folder.handle, folder.root);
     const auto sizes = [&](const char* name) {
         return skipped && skipped(name) ? files::Sizes::unwanted : files::Sizes::wanted;
     };
-    (void)files::forEachMeasurable(folder, hidden, stopToken(), sizes, [&](const files::MeasurableEntry& entry) {
+    (void)files::forEachMeasurable(folder.handle, hidden, stopToken(), sizes, [&](const files::MeasurableEntry& entry) {
         batches.step();
         if (entry.sizes == files::Sizes::unwanted) {
             return true;
         }
         const quint64 size = entry.size();
         if (!isCancelled()) {
-            addItem({folder / entry.name, entry.name, addressed, size, entry.kind}, batches);
+            addItem({folder.path / entry.name, entry.name, addressed, size, entry.kind, folder.root, place}, batches);
         }
         return true;
     });
@@ -49,9 +77,11 @@ void FileScanOperation::collectFile(FoundFile found, ScanBatches& batches) const
 
 void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) const {
     const auto item = engine::FFItem::initWithName(found.name, found.size);
-    if (found.addressed == Addressed::byPath) {
-        item->setPfpath(found.path);
-    }
+    using Holder = engine::FFItem::Holder;
+    item->setFoundIn(found.foundIn ? found.foundIn : placeOf(found),
+                     found.addressed == Addressed::byName  ? Holder::sectionFolder
+                     : found.name == found.path.filename() ? Holder::folder
+                                                           : Holder::wholePath);
     item->setPpbDeletable(true);
     item->setPpbChecked(isTickedAtFirst());
     if (found.kind) {
@@ -64,6 +94,19 @@ void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) co
 
 void FileScanOperation::sendOperationCompleted() const {
     batches_.value_or(ScanBatches(section(), 0)).sendOperationCompleted();
+}
+
+// The folder is looked up by its path, links refused; where it cannot be, the item could not be measured either.
+std::shared_ptr<const engine::FoundIn> FileScanOperation::placeOf(const FoundFile& found) const {
+    const auto folder = found.path.parent_path();
+    const bool isNamedSo = found.name == found.path.filename();
+    const auto path = isNamedSo ? (folder / "").native() : found.path.native();
+    if (lastPlace_ == nullptr || lastPlace_->path != path || lastPlace_->root != found.root) {
+        const auto opened = files::DirectoryHandle::open(folder);
+        lastPlace_ = opened ? foundIn(path, *opened, found.root)
+                            : std::make_shared<const engine::FoundIn>(engine::FoundIn{path, {}, found.root});
+    }
+    return lastPlace_;
 }
 
 std::filesystem::path FileScanOperation::containerName(const std::filesystem::path& inside) {

@@ -5,7 +5,8 @@
 namespace brimvault::scanners {
 
 std::optional<std::filesystem::path> SChOperation::getOperationRootFolderURL() const {
-    return platform::LibraryURLs::getCachesFolderURL();
+    const auto& found = root(platform::LibraryURLs::namedCachesFolder());
+    return found.folder ? std::optional(found.place->resolved) : std::nullopt;
 }
 
 void SChOperation::initTopLevelItemsCount() {
@@ -16,18 +17,20 @@ void SChOperation::initTopLevelItemsCount() {
 void SChOperation::main() {
     initTopLevelItemsCount();
     collectCachesInfo(expect(nTopLevelItemsCount()));
+    leaveRoots({containers_.place()});
     sendOperationCompleted();
 }
 
 void SChOperation::collectCachesInfo(ScanBatches& batches) const {
-    if (const auto root = getOperationRootFolderURL()) {
-        collectFilesIn(*root, files::HiddenEntries::skip, Addressed::byPath, batches);
-    }
+    withRoot(platform::LibraryURLs::namedCachesFolder(), [&](const HeldFolder& folder) {
+        collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byPath, batches);
+    });
+    const auto place = containers_.place();
     for (const auto& caches : containers_.caches()) {
         if (isCancelled()) {
             return;
         }
-        collectFile({.path = caches, .name = containerName(caches)}, batches);
+        collectFile({.path = caches, .name = containerName(caches), .root = place}, batches);
     }
 }
 

@@ -5,19 +5,21 @@
 namespace brimvault::scanners {
 
 std::optional<std::filesystem::path> SDwnOperation::getOperationRootFolderURL() const {
-    return platform::LibraryURLs::getDownloadsFolderURL();
+    const auto& found = root(platform::LibraryURLs::namedDownloadsFolder());
+    return found.folder ? std::optional(found.place->resolved) : std::nullopt;
 }
 
 void SDwnOperation::main() {
     initTopLevelItemsCount();
     collectDownloadsInfo(expect(nTopLevelItemsCount()));
+    leaveRoots();
     sendOperationCompleted();
 }
 
 void SDwnOperation::collectDownloadsInfo(ScanBatches& batches) const {
-    if (const auto root = getOperationRootFolderURL()) {
-        collectFilesIn(*root, files::HiddenEntries::skip, Addressed::byName, batches);
-    }
+    withRoot(platform::LibraryURLs::namedDownloadsFolder(), [&](const HeldFolder& folder) {
+        collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byName, batches);
+    });
 }
 
 }  // namespace brimvault::scanners

@@ -23,6 +23,7 @@ void SLogsOperation::main() {
     }
     calculateFilesInContainers();
     collectLogs(expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
+    leaveRoots();
     sendOperationCompleted();
 }
 
@@ -57,22 +58,25 @@ bool SLogsOperation::isSourceNeedToSkipFile(LogSource source, const std::filesys
 }
 
 void SLogsOperation::iterateFilesFromSource(LogSource source, const FileBlock& block) const {
-    forEachFolderOfSource(
-        source, [&](const std::filesystem::path& folder) { iterateFiles(folder, files::HiddenEntries::skip, block); });
+    forEachFolderOfSource(source,
+                          [&](const HeldFolder& folder) { iterateFiles(folder, files::HiddenEntries::skip, block); });
 }
 
 // Every visible child of the folder of containers counts as a container here.
-void SLogsOperation::forEachFolderOfSource(LogSource source, const FileBlock& block) const {
-    const auto folder = urlOfSource(source);
-    if (!folder) {
+void SLogsOperation::forEachFolderOfSource(LogSource source, const FolderBlock& block) const {
+    const auto named = urlOfSource(source);
+    if (!named) {
         return;
     }
-    if (source != containerLogs) {
-        block(*folder);
-        return;
-    }
-    iterateFiles(*folder, files::HiddenEntries::skip,
-                 [&](const std::filesystem::path& container) { block(container / "Data" / "Library" / "Logs"); });
+    withRoot(*named, [&](const HeldFolder& folder) {
+        if (source != containerLogs) {
+            block(folder);
+            return;
+        }
+        iterateFiles(folder, files::HiddenEntries::skip, [&](const std::filesystem::path& container) {
+            withFolderInside(container / "Data" / "Library" / "Logs", folder.root, block);
+        });
+    });
 }
 
 void SLogsOperation::calculateFilesInSource(LogSource source) {
@@ -85,7 +89,7 @@ void SLogsOperation::calculateFilesInContainers() {
 
 // What is skipped was counted, and moves the progress on.
 void SLogsOperation::collectFilesFromSource(LogSource source, ScanBatches& batches) const {
-    forEachFolderOfSource(source, [&](const std::filesystem::path& folder) {
+    forEachFolderOfSource(source, [&](const HeldFolder& folder) {
         collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byPath, batches,
                        [&](const auto& name) { return isSourceNeedToSkipFile(source, name); });
     });
@@ -93,9 +97,10 @@ void SLogsOperation::collectFilesFromSource(LogSource source, ScanBatches& batch
 
 // This pass goes to its end, also once the operation is cancelled, and so do its measurements.
 void SLogsOperation::collectFromContainers(ScanBatches& batches) const {
+    const auto place = containers_.place();
     for (const auto& logs : containers_.logs()) {
         batches.step();
-        addItem({.path = logs, .name = containerName(logs), .size = files::measureItem(logs)}, batches);
+        addItem({.path = logs, .name = containerName(logs), .size = files::measureItem(logs), .root = place}, batches);
     }
 }
 

@@ -33,7 +33,7 @@ protected:
 private:
     void collectLogs(ScanBatches& batches);
     void iterateFilesFromSource(LogSource source, const FileBlock& block) const;
-    void forEachFolderOfSource(LogSource source, const FileBlock& block) const;
+    void forEachFolderOfSource(LogSource source, const FolderBlock& block) const;
     void calculateFilesInSource(LogSource source);
     void calculateFilesInContainers();
     void collectFilesFromSource(LogSource source, ScanBatches& batches) const;

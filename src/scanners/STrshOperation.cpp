@@ -27,12 +27,14 @@ bool isHidden(const fs::path& path) { return path.filename().native().starts_wit
 }  // namespace
 
 std::optional<fs::path> STrshOperation::getOperationRootFolderURL() const {
-    return platform::LibraryURLs::getTrashFolderURL();
+    const auto& found = root(platform::LibraryURLs::namedTrashFolder());
+    return found.folder ? std::optional(found.place->resolved) : std::nullopt;
 }
 
 void STrshOperation::main() {
     initCollectionByFinder();
     collectTrashInfoByFinder(expect(nTopLevelItemsCount()));
+    leaveRoots();
     sendOperationCompleted();
 }
 
@@ -53,8 +55,7 @@ std::vector<fs::path> STrshOperation::readPairs(const std::vector<std::string>& 
         const fs::path path = answer[at];
         auto known = isTrashFolder.find(path.parent_path());
         if (known == isTrashFolder.end()) {
-            known =
-                isTrashFolder.emplace(path.parent_path(), platform::TrashFolders::holdsItems(path.parent_path())).first;
+            known = isTrashFolder.emplace(path.parent_path(), mayListItemsOf(path.parent_path())).first;
         }
         if (known->second && path.has_filename() && path == path.lexically_normal()) {
             pathSizeDictionary_[path] = sizeFrom(answer[at + 1]);
@@ -62,6 +63,26 @@ std::vector<fs::path> STrshOperation::readPairs(const std::vector<std::string>& 
         }
     }
     return paths;
+}
+
+std::shared_ptr<const platform::RootPlace> STrshOperation::rootOf(const fs::path& folder) const {
+    const auto [known, isNew] = rootsOfFolders_.try_emplace(folder);
+    if (isNew) {
+        for (const auto& named :
+             {platform::LibraryURLs::namedTrashFolder(), platform::LibraryURLs::namedDesktopTrashFolder()}) {
+            const auto& place = root(named).place;
+            if (folder == place->resolved || folder.parent_path() == place->resolved) {
+                known->second = place;
+            }
+        }
+    }
+    return known->second;
+}
+
+bool STrshOperation::mayListItemsOf(const fs::path& folder) const {
+    const auto place = rootOf(folder);
+    return (place == nullptr || place->refusal == platform::RootRefusal::none) &&
+           platform::TrashFolders::holdsItems(folder);
 }
 
 // Items of one name in several trash folders may be told of under one path, as often as there are such items. They are
@@ -102,7 +123,8 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
         if (isHidden(path) && !hiddenToo) {
             batches.step();  // it was counted
         } else {
-            collectFile({.path = path, .name = path.filename(), .size = size}, batches);
+            collectFile({.path = path, .name = path.filename(), .size = size, .root = rootOf(path.parent_path())},
+                        batches);
         }
     }
 }
@@ -110,11 +132,11 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
 void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
     const auto hidden =
         sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
-    if (const auto root = getOperationRootFolderURL()) {
-        const bool isShared = platform::TrashFolders::isSharedByUsers(*root);
-        collectFilesIn(*root, hidden, Addressed::byName, batches,
+    withRoot(platform::LibraryURLs::namedTrashFolder(), [&](const HeldFolder& folder) {
+        const bool isShared = platform::TrashFolders::isSharedByUsers(folder.path);
+        collectFilesIn(folder, hidden, Addressed::byName, batches,
                        [&](const fs::path& name) { return isShared && platform::TrashFolders::isUsers(name); });
-    }
+    });
 }
 
 }  // namespace brimvault::scanners

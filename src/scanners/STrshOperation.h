@@ -36,11 +36,15 @@ private:
     void initCollectionByFinder();
     /// Takes path and size in turn; a path without a size is none, and neither is one that lies in no trash folder.
     [[nodiscard]] std::vector<std::filesystem::path> readPairs(const std::vector<std::string>& answer);
+    /// The root folder whose items lie in the folder; null for a volume's trash folder.
+    [[nodiscard]] std::shared_ptr<const platform::RootPlace> rootOf(const std::filesystem::path& folder) const;
+    [[nodiscard]] bool mayListItemsOf(const std::filesystem::path& folder) const;
     void fixPathsWithSameFileNames(const std::vector<std::filesystem::path>& paths);
     void collectTrashInfoByFinder(ScanBatches& batches) const;
     void collectTrashInfo(ScanBatches& batches) const;
 
     Sources sources_;
+    mutable std::map<std::filesystem::path, std::shared_ptr<const platform::RootPlace>> rootsOfFolders_;
     std::map<std::filesystem::path, quint64> pathSizeDictionary_;  ///< bytes; 0 where the script does not know
 };
 

@@ -100,11 +100,12 @@ void FileListController::onClickedRemove() {
         return;  // while the question was open, the window went on
     }
     surroundings().dataSource.setPbRemoving(true);
-    surroundings().util.doRemoveFile(path, [list = QPointer(this), going](bool success) {
+    const auto finished = [list = QPointer(this), going](bool success) {
         if (list && success) {
             list->removed(going);
         }
-    });
+    };
+    surroundings().util.doRemoveFile(path, finished, item->foundIn());
 }
 
 // What is listed singly and lies in a folder that is listed as well. Scans spell paths in one way, so comparing bytes

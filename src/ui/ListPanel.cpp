@@ -49,6 +49,7 @@ ListPanel::ListPanel(QWidget* parent)
     : QWidget(parent),
       title_(new ElidedLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
       count_(new ElidedLabel(look::font(countSize), look::textSecondary)),
+      places_(new ElidedLabel(look::font(countSize), look::textSecondary)),
       buttons_(new QHBoxLayout),
       pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
       pbtnFinder_(new IconButton(QLatin1String("btnFinder"), tr("Show in File Manager"))),
@@ -67,6 +68,8 @@ ListPanel::ListPanel(QWidget* parent)
     lists_->setContentsMargins({});
     lists_->setSpacing(0);
     note_->setAlignment(Qt::AlignCenter);
+    note_->setWordWrap(true);
+    note_->setTextFormat(Qt::PlainText);
     lists_->addWidget(note_);
 
     auto* panel = new QVBoxLayout(this);
@@ -87,7 +90,7 @@ QWidget* ListPanel::makeTitleBar() {
     layout->setSpacing(countGap);
     layout->addWidget(title_);
     layout->addWidget(count_);
-    layout->addStretch(1);
+    layout->addWidget(places_, 1);
     buttons_->setSpacing(buttonGap);
     buttons_->addWidget(pbtnInf_);
     buttons_->addWidget(pbtnFinder_);
@@ -132,6 +135,14 @@ void ListPanel::adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
 void ListPanel::setTitle(const QString& title, const QString& count) {
     title_->setText(title);
     count_->setText(count);
+}
+
+void ListPanel::setPlaces(const QString& unusual, const QString& all) {
+    const QString tooltip = all.isEmpty() ? QString() : Qt::convertFromPlainText(all, Qt::WhiteSpaceNormal);
+    places_->setText(QString(unusual).replace(QLatin1Char('\n'), QStringLiteral(" · ")));
+    for (auto* label : {title_, count_, places_}) {
+        label->setToolTip(tooltip);
+    }
 }
 
 void ListPanel::setNote(const QString& note) { note_->setText(note); }

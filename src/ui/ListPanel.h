@@ -25,6 +25,8 @@ public:
     /// Takes the drawer of the languages, which shrinks the lists, and its button.
     void adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
     void setTitle(const QString& title, const QString& count);
+    /// Where the section's files lie: what there is to say at once, on one line, and all of it as a tooltip.
+    void setPlaces(const QString& unusual, const QString& all);
     /// What is said in the place of a list.
     void setNote(const QString& note);
     /// Shows the list, or the note in its place, which keeps the keyboard's focus for it meanwhile.
@@ -44,6 +46,7 @@ private:
 
     QLabel* title_;
     QLabel* count_;
+    QLabel* places_;
     QHBoxLayout* buttons_;
     IconButton* pbtnInf_;
     IconButton* pbtnFinder_;

@@ -24,6 +24,15 @@ void SectionListModel::setNote(int row, const QString& note) {
     }
 }
 
+void SectionListModel::setPlaces(int row, const QString& all, const QString& unusual) {
+    auto& shown = rows_[static_cast<std::size_t>(row)];
+    if (shown.places != all || shown.unusualPlaces != unusual) {
+        shown.places = all;
+        shown.unusualPlaces = unusual;
+        Q_EMIT dataChanged(index(row), index(row), {Qt::ToolTipRole, Qt::AccessibleDescriptionRole});
+    }
+}
+
 void SectionListModel::setChecked(int row, bool checked) {
     if (std::exchange(rows_[static_cast<std::size_t>(row)].checked, checked) == checked) {
         return;
@@ -38,6 +47,13 @@ void SectionListModel::setChecksEnabled(bool enabled) {
 
 int SectionListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : sectionRowCount; }
 
+// What the row says below its title, and what people are to know of the places.
+QString SectionListModel::description(const Row& row) {
+    QStringList sentences = {row.text.subtitle, row.note, row.unusualPlaces};
+    sentences.removeAll(QString());
+    return sentences.join(QStringLiteral(". "));
+}
+
 QVariant SectionListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) {
         return {};
@@ -51,7 +67,9 @@ QVariant SectionListModel::data(const QModelIndex& index, int role) const {
         case noteRole:
             return row.note;
         case Qt::AccessibleDescriptionRole:
-            return row.note.isEmpty() ? row.text.subtitle : row.text.subtitle + QStringLiteral(". ") + row.note;
+            return description(row);
+        case Qt::ToolTipRole:
+            return row.places;
         case Qt::CheckStateRole:
             return row.checked ? Qt::Checked : Qt::Unchecked;
         default:

@@ -22,6 +22,8 @@ public:
 
     void setSubtitle(int row, const QString& subtitle);
     void setNote(int row, const QString& note);
+    /// Where the section's files lie: for the tooltip, and what people are to know at once.
+    void setPlaces(int row, const QString& all, const QString& unusual);
     void setChecked(int row, bool checked);
     void setChecksEnabled(bool enabled);
 
@@ -38,8 +40,12 @@ private:
     struct Row {
         TextData text;
         QString note;
+        QString places;
+        QString unusualPlaces;
         bool checked = false;
     };
+    [[nodiscard]] static QString description(const Row& row);
+
     std::array<Row, sectionRowCount> rows_;
     bool checksEnabled_ = true;
 };

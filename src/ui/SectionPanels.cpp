@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include "ui/ListControllers.h"
+#include "ui/PlaceTexts.h"
 
 namespace brimvault::ui {
 
@@ -97,7 +98,12 @@ void SectionPanels::updateTitle() {
     const bool listed = current->hasItems();
     panel_.setTitle(sectionTitle(sectionRows()[static_cast<std::size_t>(activeRow_)]),
                     listed ? countText(current->section(), current->itemCount(), scanning) : QString());
-    panel_.setNote(scanning ? tr("Scanning...") : sections_.subtitle(activeRow_));
+    const auto& places = sections_.getAppResDS().places(current->section());
+    const QString refused = placeTexts::refused(places);
+    panel_.setPlaces(listed ? placeTexts::unusual(places) : QString(), placeTexts::all(places));
+    panel_.setNote(scanning            ? tr("Scanning...")
+                   : refused.isEmpty() ? sections_.subtitle(activeRow_)
+                                       : sections_.subtitle(activeRow_) + QStringLiteral("\n\n") + refused);
     panel_.setListShown(current->view(), listed);
 }
 

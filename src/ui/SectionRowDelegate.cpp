@@ -100,7 +100,9 @@ bool SectionRowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, c
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
     const TextImgData value = valueOf(index, isSelected(option));
-    const QString whole = ImageTextCell(value).expansionText(textCell(option.rect, option.direction));
+    QString whole = ImageTextCell(value).expansionText(textCell(option.rect, option.direction));
+    const QString places = index.data(Qt::ToolTipRole).toString();
+    whole += (whole.isEmpty() || places.isEmpty() ? QString() : QStringLiteral("\n")) + places;
     QToolTip::showText(event->globalPos(), whole.isEmpty() ? QString() : Qt::convertFromPlainText(whole), view);
     return true;
 }

@@ -6,6 +6,7 @@
 
 #include "engine/Notifications.h"
 #include "ui/CleanFacts.h"
+#include "ui/PlaceTexts.h"
 #include "ui/SectionRows.h"
 
 namespace brimvault::ui {
@@ -99,6 +100,8 @@ void TSectionViewController::updateSubTitlesTexts() {
         notes_.found(section, performer_.getAppResDS().count(section));
         model_.setSubtitle(row, subtitle(row));
         model_.setNote(row, notes_.text(section));
+        const auto& places = performer_.getAppResDS().places(rowAt(row).section);
+        model_.setPlaces(row, placeTexts::all(places), placeTexts::unusual(places));
     }
 }
 

@@ -35,7 +35,6 @@ std::filesystem::path standardized(const std::filesystem::path& path) {
 bool isThere(const std::filesystem::path& path) { return path.is_absolute() && files::statusOf(path); }
 
 // An item with a path of its own needs no folder, which would have to be looked up.
-bool hasPath(const engine::FFItem& item) { return item.hasPath(); }
 
 }  // namespace
 
@@ -234,10 +233,12 @@ bool UtilMod::isRemovalConfirmed(const std::filesystem::path& path, qsizetype it
     return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
 }
 
-void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished) {
+void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
+                           const std::shared_ptr<const engine::FoundIn>& foundIn) {
     remover_.letAskUser();
     inBackground<engine::ItemRemoval>(
-        *removals_, [this, file = standardized(path)] { return engine::removeItemAt(file, remover_); },
+        *removals_,
+        [this, file = standardized(path), foundIn] { return engine::ItemRemover(remover_).remove(file, foundIn); },
         [this, path, finished](const engine::ItemRemoval& removal) { finishRemoval(path, removal, finished); });
 }
 
@@ -255,22 +256,25 @@ void UtilMod::finishRemoval(const std::filesystem::path& path, const engine::Ite
 
 std::filesystem::path UtilMod::getFullPathToItem(const engine::FFItem& item,
                                                  const std::optional<std::filesystem::path>& folder) {
-    if (hasPath(item)) {
-        return item.pfpath();
+    if (auto location = item.location(); !location.empty()) {
+        return location;
     }
     return folder ? *folder / item.pfname() : std::filesystem::path();
 }
 
 std::filesystem::path UtilMod::getFullDownloadPathToItem(const engine::FFItem& item) {
-    return hasPath(item) ? item.pfpath() : getFullPathToItem(item, LibraryURLs::getDownloadsFolderURL());
+    auto location = item.location();
+    return location.empty() ? getFullPathToItem(item, LibraryURLs::getDownloadsFolderURL()) : location;
 }
 
 std::filesystem::path UtilMod::getFullCachePathToItem(const engine::FFItem& item) {
-    return hasPath(item) ? item.pfpath() : getFullPathToItem(item, LibraryURLs::getCachesFolderURL());
+    auto location = item.location();
+    return location.empty() ? getFullPathToItem(item, LibraryURLs::getCachesFolderURL()) : location;
 }
 
 std::filesystem::path UtilMod::getFullTrashPathToItem(const engine::FFItem& item) {
-    return hasPath(item) ? item.pfpath() : getFullPathToItem(item, LibraryURLs::getTrashFolderURL());
+    auto location = item.location();
+    return location.empty() ? getFullPathToItem(item, LibraryURLs::getTrashFolderURL()) : location;
 }
 
 std::filesystem::path UtilMod::getFullLogsPathToItem(const engine::FFItem& item) { return item.pfpath(); }

@@ -59,8 +59,10 @@ public:
     /// are listed may lie in it, and go with it.
     [[nodiscard]] bool isRemovalConfirmed(const std::filesystem::path& path, qsizetype itemsInIt);
     /// Removes the file for good and then, after an alert where it failed, posts "singleFileRemoveFinished" and tells
-    /// whether it is gone. A file that was gone before counts as removed.
-    void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished);
+    /// whether it is gone. A file that was gone before counts as removed. One that a scan has found goes from where it
+    /// was found, or not at all.
+    void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
+                      const std::shared_ptr<const engine::FoundIn>& foundIn = nullptr);
 
     /// The item's own path, or that of its name in the folder; empty without either.
     [[nodiscard]] static std::filesystem::path getFullPathToItem(const engine::FFItem& item,

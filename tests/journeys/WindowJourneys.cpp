@@ -379,6 +379,37 @@ TEST_F(WindowJourney, AnEmptyOrMissingCachesFolderIsSaid) {
     EXPECT_EQ(subtitle(logsRow), QStringLiteral("Not Scanned")) << "not offered yet";
 }
 
+TEST_F(WindowJourney, WhereALinkLeadsAndWhyAFolderIsNotLookedIntoIsSaid) {
+    fs::rename(caches(), folder_ / "disk");
+    fs::create_directory_symlink(folder_ / "disk", caches());
+    start();
+    scan();
+    const auto says = [&](const QString& wanted) {
+        for (const auto* label : lists()->findChildren<QLabel*>()) {
+            if (label->isVisible() && label->text().contains(wanted)) {
+                return true;
+            }
+        }
+        return false;
+    };
+    const auto described = [&](int role) { return sections()->model()->index(0, 0).data(role).toString(); };
+    const QString disk = QString::fromStdString((folder_ / "disk").native());
+    EXPECT_TRUE(says(QStringLiteral("which leads to ") + disk));
+    EXPECT_TRUE(described(Qt::ToolTipRole).contains(disk));
+    EXPECT_GE(guide_->row(QString::fromLatin1(tests::SampleHome::plainFileName)), 0);
+
+    fs::remove(caches());
+    fs::remove_all(home_.containers());
+    fs::create_directory_symlink(home_.documents(), caches());
+    scan();
+    const auto reason = QStringLiteral("it is a folder for your own files");
+    EXPECT_EQ(guide_->list(), nullptr);
+    EXPECT_EQ(subtitle(0), QStringLiteral("No files found"));
+    EXPECT_TRUE(says(reason));
+    EXPECT_TRUE(described(Qt::ToolTipRole).contains(reason));
+    EXPECT_TRUE(described(Qt::AccessibleDescriptionRole).contains(reason));
+}
+
 TEST_F(WindowJourney, OddNamesAreShownOnOneLineAndRemovedExactly) {
     tests::removeTree(caches());
     tests::removeTree(home_.containers());

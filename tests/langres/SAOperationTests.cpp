@@ -108,7 +108,9 @@ TEST_F(ApplicationsScan, FindsPackagesInPlainFoldersOfTheSystemAndThenOfTheUser)
     }
     EXPECT_THAT(scanApplications(std::nullopt), testing::IsEmpty());
     EXPECT_THAT(scanApplications(folder_ / "missing", system_ / "File.app"), testing::IsEmpty());
-    EXPECT_THAT(namesOf(scanApplications(system_ / "Linked", user_)), testing::ElementsAre("One.app"));
+    EXPECT_THAT(namesOf(scanApplications(system_ / "Linked", user_)), testing::ElementsAre("Seven.app", "One.app"));
+    fs::create_directory_symlink(user_, folder_ / "again");
+    EXPECT_THAT(namesOf(scanApplications(user_, folder_ / "again")), testing::ElementsAre("One.app")) << "listed once";
 }
 
 TEST_F(ApplicationsScan, TakesEveryLocalizationFolderOfAnApplicationAndMeasuresIt) {

@@ -62,13 +62,17 @@ TEST_F(LibraryURLsTest, CachesAreNeverTheHomeFolderNorOneThatHoldsIt) {
     }
 }
 
-TEST_F(LibraryURLsTest, LinksOnTheWayAreResolvedAndTheLastNameIsNot) {
+TEST_F(LibraryURLsTest, LinksOnTheWayAndAtItsEndAreResolved) {
     fs::create_directories(folder_ / "disk/Caches");
     fs::create_directory_symlink(folder_ / "disk", home_ / "Library");
     EXPECT_EQ(cachesWith(""), folder_ / "disk/Caches");
     fs::remove(folder_ / "disk/Caches");
+    fs::create_directory(folder_ / "disk/elsewhere");
+    fs::create_directory_symlink("elsewhere", folder_ / "disk/Caches");
+    EXPECT_EQ(cachesWith(""), folder_ / "disk/elsewhere");
+    fs::remove(folder_ / "disk/Caches");
     fs::create_directory_symlink(folder_ / "home", folder_ / "disk/Caches");
-    EXPECT_EQ(cachesWith(""), folder_ / "disk/Caches");
+    EXPECT_EQ(cachesWith(""), std::nullopt);
 }
 
 TEST_F(LibraryURLsTest, TheHomeFolderIsResolvedFirst) {

@@ -126,8 +126,8 @@ TEST_F(CachesScan, GivesTheContainersAloneWhereThereIsNoFolderToList) {
     writeFile(caches_, "a file");
     EXPECT_EQ(scan().size(), 1);
     fs::remove(caches_);
-    writeFile(home_ / "Precious/diary", "12345");
-    fs::create_directory_symlink("../Precious", caches_);
+    writeFile(home_ / "Documents/diary", "12345");
+    fs::create_directory_symlink("../Documents", caches_);
     EXPECT_EQ(scan().size(), 1);
     EXPECT_EQ(expectedCount_, 1);
 }

@@ -153,8 +153,8 @@ TEST_F(LogsScan, FinishesWithNothingInAnEmptyHome) {
     EXPECT_TRUE(scan().isEmpty());
     EXPECT_EQ(expectedCount_, 0);
     writeFile(logs_, "no folder");
-    fs::create_directories(home_ / "Precious/folder");
-    fs::create_directory_symlink(home_ / "Precious", containers_);
+    fs::create_directories(home_ / "Documents/folder");
+    fs::create_directory_symlink(home_ / "Documents", containers_);
     EXPECT_TRUE(scan().isEmpty());
 }
 

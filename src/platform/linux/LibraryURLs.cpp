@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "files/NodeStatus.h"
 #include "platform/FileContents.h"
@@ -27,30 +28,34 @@ bool holds(const fs::path& folder, const fs::path& inner) {
     return end == folder.end();
 }
 
-// The folder with the way to it resolved; none where emptying it would empty the home folder.
+// Without a slash at its end.
+fs::path plain(const fs::path& named) {
+    const auto normal = named.lexically_normal();
+    return normal.has_filename() ? normal : normal.parent_path();
+}
+
+// The folder with its links resolved, as far as it is there; none where emptying it would empty the home folder.
 std::optional<fs::path> standardFolder(const fs::path& named) {
-    auto plain = named.lexically_normal();
-    if (!plain.has_filename()) {
-        plain = plain.parent_path();  // a trailing slash
-    }
     std::error_code unresolved;
-    const auto parent = fs::canonical(plain.parent_path(), unresolved);
-    const auto folder = unresolved ? plain : parent / plain.filename();
+    auto folder = fs::canonical(named, unresolved);
+    if (unresolved) {
+        const auto parent = fs::canonical(named.parent_path(), unresolved);
+        folder = unresolved ? named : parent / named.filename();
+    }
     if (!folder.has_filename() || holds(folder, homeFolder())) {
         return std::nullopt;
     }
     return folder;
 }
 
-// The value of a line `XDG_DOWNLOAD_DIR="$HOME/Downloads"`: a quoted absolute path, or one below $HOME, with a
+// The value of a line `KEY="$HOME/Downloads"`: a quoted absolute path, or one below $HOME, with a
 // backslash before any of "$`\ in it (the format that xdg-user-dirs documents in the file itself).
-std::optional<fs::path> userDirectory(std::string_view line) {
-    constexpr std::string_view key = "XDG_DOWNLOAD_DIR=\"";
+std::optional<fs::path> userDirectory(std::string_view line, std::string_view key) {
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
-    if (!line.starts_with(key)) {
+    if (!line.starts_with(key) || !line.substr(key.size()).starts_with("=\"")) {
         return std::nullopt;
     }
-    line.remove_prefix(key.size());
+    line.remove_prefix(key.size() + 2);
     fs::path start;
     constexpr std::string_view home = "$HOME";
     if (line.starts_with(home)) {
@@ -71,35 +76,58 @@ std::optional<fs::path> userDirectory(std::string_view line) {
     return fs::path(start.string() + rest);
 }
 
-}  // namespace
-
-std::optional<fs::path> LibraryURLs::getCachesFolderURL() {
-    const auto library = homeFolder() / "Library" / "Caches";
-    const auto shared = baseFolder("XDG_CACHE_HOME", ".cache");
-    if (!files::mayExist(library) && files::mayExist(shared)) {
-        return standardFolder(shared);
-    }
-    return standardFolder(library);
-}
-
-std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() {
-    constexpr std::size_t largestFile = 1024UL * 1024;  // the desktop writes a dozen lines
-    std::istringstream file(
-        FileContents::read(getConfigurationFolderURL() / "user-dirs.dirs", largestFile).value_or(std::string()));
-    fs::path downloads = homeFolder() / "Downloads";
-    for (std::string line; std::getline(file, line);) {
-        if (const auto named = userDirectory(line)) {
-            downloads = *named;
+// What the user's directories name under the key, the last line counting; else the folder of that name in the home
+// folder.
+fs::path userFolder(std::string_view key, const char* defaultName) {
+    constexpr std::size_t maxBytes = 1024UL * 1024;  // the desktop writes a dozen lines
+    fs::path folder = homeFolder() / defaultName;
+    std::istringstream lines(
+        FileContents::read(LibraryURLs::getConfigurationFolderURL() / "user-dirs.dirs", maxBytes).value_or(""));
+    for (std::string line; std::getline(lines, line);) {
+        if (const auto named = userDirectory(line, key)) {
+            folder = *named;
         }
     }
-    return standardFolder(downloads);  // naming the home folder is the way to have no such folder
+    return plain(folder);
 }
 
-std::optional<fs::path> LibraryURLs::getTrashFolderURL() { return homeFolder() / ".Trash"; }
+}  // namespace
 
-std::optional<fs::path> LibraryURLs::getDesktopTrashFolderURL() {
-    return standardFolder(baseFolder("XDG_DATA_HOME", ".local/share") / "Trash");
+fs::path LibraryURLs::namedCachesFolder() {
+    const auto library = homeFolder() / "Library" / "Caches";
+    const auto shared = plain(baseFolder("XDG_CACHE_HOME", ".cache"));
+    return !files::mayExist(library) && files::mayExist(shared) ? shared : library;
 }
+
+fs::path LibraryURLs::namedDownloadsFolder() { return userFolder("XDG_DOWNLOAD_DIR", "Downloads"); }
+
+fs::path LibraryURLs::namedTrashFolder() { return homeFolder() / ".Trash"; }
+
+fs::path LibraryURLs::namedDesktopTrashFolder() { return plain(baseFolder("XDG_DATA_HOME", ".local/share") / "Trash"); }
+
+std::vector<fs::path> LibraryURLs::namedUserFolders() {
+    constexpr std::pair<const char*, const char*> folders[] = {
+        {"XDG_DESKTOP_DIR", "Desktop"},    {"XDG_DOCUMENTS_DIR", "Documents"}, {"XDG_MUSIC_DIR", "Music"},
+        {"XDG_PICTURES_DIR", "Pictures"},  {"XDG_VIDEOS_DIR", "Videos"},       {"XDG_PUBLICSHARE_DIR", "Public"},
+        {"XDG_TEMPLATES_DIR", "Templates"}};
+    std::vector<fs::path> named;
+    for (const auto& [key, name] : folders) {
+        if (auto folder = userFolder(key, name);
+            folder != homeFolder()) {  // naming the home folder is the way to have none
+            named.push_back(std::move(folder));
+        }
+    }
+    return named;
+}
+
+std::optional<fs::path> LibraryURLs::getCachesFolderURL() { return standardFolder(namedCachesFolder()); }
+
+// Naming the home folder is the way to have no such folder.
+std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() { return standardFolder(namedDownloadsFolder()); }
+
+std::optional<fs::path> LibraryURLs::getTrashFolderURL() { return standardFolder(namedTrashFolder()); }
+
+std::optional<fs::path> LibraryURLs::getDesktopTrashFolderURL() { return standardFolder(namedDesktopTrashFolder()); }
 
 std::optional<fs::path> LibraryURLs::getApplicationFolderURL() { return systemRoot() / "Applications"; }
 

@@ -1,0 +1,150 @@
+#include "platform/SectionRoots.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+#include "platform/LibraryURLs.h"
+#include "platform/System.h"
+
+namespace brimvault::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What a root folder must not be, nor hold. Roots of one section may be one folder, which is then listed once.
+struct Obstacle {
+    enum class Kind { home, userFolder, caches, downloads, logs, containers, trash, applications };
+    Kind kind;
+    fs::path named;
+};
+
+std::vector<Obstacle> sectionRoots() {
+    using Kind = Obstacle::Kind;
+    const auto home = homeFolder();
+    const auto library = home / "Library";
+    std::vector<Obstacle> roots = {{Kind::caches, LibraryURLs::namedCachesFolder()},
+                                   {Kind::downloads, LibraryURLs::namedDownloadsFolder()},
+                                   {Kind::logs, library / "Logs"},
+                                   {Kind::logs, library / "Application Support" / "CrashReporter"},
+                                   {Kind::logs, systemRoot() / "Library" / "Logs"},
+                                   {Kind::containers, library / "Containers"},
+                                   {Kind::trash, LibraryURLs::namedTrashFolder()},
+                                   {Kind::trash, LibraryURLs::namedDesktopTrashFolder()},
+                                   {Kind::applications, systemRoot() / "Applications"},
+                                   {Kind::applications, home / "Applications"}};
+    return roots;
+}
+
+std::vector<Obstacle> obstacles() {
+    std::vector<Obstacle> all = {{Obstacle::Kind::home, homeFolder()}};
+    for (auto& folder : LibraryURLs::namedUserFolders()) {
+        all.push_back({Obstacle::Kind::userFolder, std::move(folder)});
+    }
+    auto roots = sectionRoots();
+    std::move(roots.begin(), roots.end(), std::back_inserter(all));
+    return all;
+}
+
+std::vector<FolderWay> waysOfAll(const std::vector<Obstacle>& obstacles) {
+    std::vector<fs::path> named;
+    std::transform(obstacles.begin(), obstacles.end(), std::back_inserter(named),
+                   [](const Obstacle& obstacle) { return obstacle.named; });
+    return waysOf(named);
+}
+
+bool holds(const fs::path& folder, const fs::path& inner) {
+    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
+}
+
+RootRefusal refusalFor(Obstacle::Kind kind) {
+    return kind == Obstacle::Kind::home         ? RootRefusal::homeFolder
+           : kind == Obstacle::Kind::userFolder ? RootRefusal::userFolder
+                                                : RootRefusal::otherRootFolder;
+}
+
+// By what the folders are; and by their paths, since those on a volume that does not answer are known by nothing else.
+void judge(RootPlace& place, const files::FileIdentity& folder) {
+    const auto all = obstacles();
+    const auto ways = waysOfAll(all);
+    const auto own = std::find_if(all.begin(), all.end(), [&](const Obstacle& obstacle) {
+        return obstacle.kind > Obstacle::Kind::userFolder && obstacle.named == place.named;
+    });
+    for (std::size_t number = 0; number < all.size(); ++number) {
+        const auto& obstacle = all[number];
+        const auto& way = ways[number];
+        const bool isIt = (!way.folders.empty() && way.folders.back() == folder) || way.resolved == place.resolved;
+        const bool isOrHolds = std::find(way.folders.begin(), way.folders.end(), folder) != way.folders.end() ||
+                               holds(place.resolved, way.resolved);
+        const bool isOfOneSection = own != all.end() && obstacle.kind == own->kind;
+        // Of a trash folder's own folder nothing is listed but what lies in "files".
+        const bool mayBe = isOfOneSection && (isIt || obstacle.kind == Obstacle::Kind::trash);
+        if (isOrHolds && !mayBe) {
+            place.refusal = refusalFor(obstacle.kind);
+            place.obstacle = way.resolved;
+            return;
+        }
+    }
+}
+
+RootRefusal refusalFor(int code) {
+    switch (code) {
+        case ENOENT:
+            return RootRefusal::missing;
+        case ENOTDIR:
+        case ELOOP:
+            return RootRefusal::noFolder;
+        default:
+            return RootRefusal::closed;
+    }
+}
+
+// What stands at the path of a folder that could not be resolved.
+RootRefusal refusalForUnresolved(const fs::path& named, const std::error_code& code) {
+    const auto status = files::statusOf(named);
+    if (status && status->kind == files::NodeKind::link) {
+        return code.value() == EACCES ? RootRefusal::closed : RootRefusal::leadsNowhere;
+    }
+    return refusalFor(code.value());
+}
+
+}  // namespace
+
+SectionRoot openSectionRoot(const fs::path& named) {
+    RootPlace place{named, named.lexically_normal(), RootRefusal::none, {}};
+    std::optional<files::DirectoryHandle> folder;
+    std::error_code unresolved;
+    if (auto resolved = fs::canonical(named, unresolved); !unresolved) {
+        place.resolved = std::move(resolved);
+        auto opened = files::DirectoryHandle::openForReading(place.resolved);
+        const auto status = opened ? opened->status() : files::Result<files::NodeStatus>::failed(opened.code());
+        if (status) {
+            judge(place, status->identity);
+            folder = std::move(*opened);
+        } else {
+            place.refusal = refusalFor(status.code());
+        }
+    } else {
+        place.refusal = refusalForUnresolved(named, unresolved);
+    }
+    if (place.refusal != RootRefusal::none) {
+        folder.reset();
+    }
+    return {std::make_shared<const RootPlace>(std::move(place)), std::move(folder)};
+}
+
+bool leadsWhereItDid(const RootPlace& place) {
+    std::error_code unresolved;
+    const auto resolved = fs::canonical(place.named, unresolved);
+    if (unresolved) {
+        return unresolved.value() == ENOENT && !files::mayExist(place.named);  // gone with all that was in it
+    }
+    return resolved == place.resolved;
+}
+
+std::vector<FolderWay> sectionRootWays() { return waysOfAll(sectionRoots()); }
+
+}  // namespace brimvault::platform

@@ -1,0 +1,219 @@
+#include <gmock/gmock.h>
+
+#include "engine/FCutter.h"
+#include "engine/ItemRemoval.h"
+#include "langres/CAOperation.h"
+#include "langres/SAOperation.h"
+#include "scanners/SChOperation.h"
+#include "scanners/SDwnOperation.h"
+#include "scanners/SLogsOperation.h"
+#include "scanners/STrshOperation.h"
+#include "support/FixtureTrees.h"
+#include "support/ScanRun.h"
+#include "support/SubstituteHome.h"
+#include "support/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using engine::ItemArray;
+using engine::NotRemovedDictionary;
+using engine::Section;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A root folder of a section of files, and what an item in it needs to be found.
+struct Root {
+    Section section;
+    fs::path named;  ///< below the home folder
+    fs::path inner;  ///< where an item lies in it
+};
+
+class LinkedRoots : public testing::TestWithParam<Root> {
+protected:
+    LinkedRoots() {
+        writeFile(disk_ / GetParam().inner, "12345");
+        writeFile(other_ / GetParam().inner, "12345");
+        fs::create_directories(link_.parent_path());
+        fs::create_directory_symlink(disk_, link_);
+    }
+
+    ItemArray scan() {
+        scanners::ContainersFolderScannerManager containers(home_ / "Library/Containers");
+        const scanners::PathsGenerator paths;
+        std::shared_ptr<engine::SBaseOperation> operation;
+        switch (GetParam().section) {
+            case Section::caches:
+                operation = std::make_shared<scanners::SChOperation>(containers);
+                break;
+            case Section::downloads:
+                operation = std::make_shared<scanners::SDwnOperation>();
+                break;
+            case Section::logs:
+                operation = std::make_shared<scanners::SLogsOperation>(containers, paths);
+                break;
+            default:
+                operation = std::make_shared<scanners::STrshOperation>();
+        }
+        const HeardNotifications heard = {engine::notification::placesFound};
+        auto items = runScan(operation).items;
+        places_ = engine::getPropfromNotification<engine::Places>(heard.last(engine::notification::placesFound),
+                                                                  engine::key::places)
+                      .value_or(engine::Places());
+        for (const auto& item : items) {
+            item->setPpbChecked(true);
+        }
+        return items;
+    }
+
+    [[nodiscard]] NotRemovedDictionary clean(const ItemArray& items) const {
+        const auto words = engine::vocabulary(GetParam().section);
+        const HeardNotifications heard = {words.cleanFinished};
+        const auto operation = engine::CleanTable::fileSections().files[GetParam().section](items);
+        engine::OperationQueue queue;
+        queue.addOperation(operation);
+        operation->waitUntilFinished();
+        return engine::getDictionaryPropfromNotification<NotRemovedDictionary>(heard.last(words.cleanFinished),
+                                                                               words.notCleanedKey)
+            .value_or(NotRemovedDictionary());
+    }
+
+    void turnLinkTo(const fs::path& target) const {
+        fs::remove(link_);
+        fs::create_directory_symlink(target, link_);
+    }
+    [[nodiscard]] bool isThere(const fs::path& disk) const { return fs::exists(disk / GetParam().inner); }
+
+    TemporaryFolder folder_;
+    const fs::path home_ = folder_ / "home";
+    const fs::path disk_ = folder_ / "disk/folder";
+    const fs::path other_ = folder_ / "other";
+    const fs::path link_ = home_ / GetParam().named;
+    const SubstituteHome system_{home_, {{"BRIMVAULT_TRIAL_ROOT", folder_ / "root"}}};
+    engine::Places places_;
+};
+
+const Root roots[] = {{Section::caches, "Library/Caches", "item/file"},
+                      {Section::caches, "Library/Containers", "com.a.app/Data/Library/Caches/file"},
+                      {Section::downloads, "Downloads", "item"},
+                      {Section::logs, "Library/Logs", "item"},
+                      {Section::logs, "Library/Containers", "com.a.app/Data/Library/Logs/file"},
+                      {Section::trash, ".Trash", "item"},
+                      {Section::trash, ".local/share/Trash", "files/item"}};
+
+INSTANTIATE_TEST_SUITE_P(Sections, LinkedRoots, testing::ValuesIn(roots), [](const auto& tested) {
+    auto name = tested.param.named.native() + std::to_string(static_cast<int>(tested.param.section));
+    std::erase_if(name, [](char character) { return std::isalnum(static_cast<unsigned char>(character)) == 0; });
+    return name;
+});
+
+}  // namespace
+
+TEST_P(LinkedRoots, AreListedAndCleanedWhereTheyLead) {
+    const auto items = scan();
+    ASSERT_FALSE(items.isEmpty());
+    EXPECT_TRUE(items[0]->location().native().starts_with(disk_.native())) << items[0]->location();
+    EXPECT_TRUE(std::any_of(places_.begin(), places_.end(), [this](const auto& place) {
+        return place->named == link_ && place->resolved == disk_ && place->refusal == platform::RootRefusal::none;
+    }));
+    EXPECT_TRUE(clean(items).isEmpty());
+    EXPECT_FALSE(isThere(disk_));
+    EXPECT_TRUE(isThere(other_));
+}
+
+TEST_P(LinkedRoots, AreCleanedOnlyWhileTheyLeadWhereTheyDid) {
+    const auto items = scan();
+    turnLinkTo(other_);
+    const auto before = fingerprint(folder_.path());
+    EXPECT_EQ(clean(items).value(items.last()->ppdisplayName()),
+              QStringLiteral("Its folder is not the one that was scanned any more"));
+    EXPECT_FALSE(
+        engine::ItemRemover(engine::PrivilegedRemover::none()).remove(items[0]->location(), items[0]->foundIn()).gone)
+        << "alone";
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+    turnLinkTo(disk_);
+    EXPECT_TRUE(clean(items).isEmpty());
+    EXPECT_FALSE(isThere(disk_));
+}
+
+TEST_P(LinkedRoots, AreNotCleanedOnceAnotherFolderStandsThere) {
+    const auto items = scan();
+    fs::rename(disk_, folder_ / "moved");
+    fs::rename(other_, disk_);
+    const auto before = fingerprint(folder_.path());
+    EXPECT_EQ(clean(items).value(items.last()->ppdisplayName()),
+              QStringLiteral("Its folder is not the one that was scanned any more"));
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+}
+
+TEST_P(LinkedRoots, ThatLeadToTheUsersOwnAreNeitherListedNorCleaned) {
+    const auto items = scan();
+    writeFile(home_ / "Documents" / GetParam().inner, "12345");
+    turnLinkTo(home_ / "Documents");
+    EXPECT_TRUE(scan().isEmpty());
+    EXPECT_TRUE(std::any_of(places_.begin(), places_.end(), [this](const auto& place) {
+        return place->named == link_ && place->refusal == platform::RootRefusal::userFolder;
+    }));
+    EXPECT_FALSE(clean(items).isEmpty());
+    const auto nameless = engine::FFItem::initWithName("item", 5);  // one that no scan has found
+    nameless->setPpbDeletable(true);
+    (void)clean({nameless});
+    EXPECT_TRUE(isThere(home_ / "Documents"));
+    EXPECT_TRUE(isThere(disk_));
+}
+
+TEST_P(LinkedRoots, AreNotFollowedInside) {
+    fs::remove_all(disk_);
+    fs::create_directories((disk_ / GetParam().inner).parent_path().parent_path());
+    if (GetParam().inner.has_parent_path()) {
+        fs::create_directory_symlink((other_ / GetParam().inner).parent_path(),
+                                     (disk_ / GetParam().inner).parent_path());
+        for (const auto& item : scan()) {
+            EXPECT_LE(item->pfSize(), (other_ / GetParam().inner).parent_path().native().size());
+        }
+        (void)clean(scan());
+        EXPECT_TRUE(isThere(other_));
+    }
+}
+
+TEST(LinkedApplications, KeepTheirLocalizationsOnceTheLinkLeadsElsewhere) {
+    const TemporaryFolder folder;
+    const SubstituteHome system(folder / "home", {{"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
+    for (const char* language : {"en", "de", "fr"}) {
+        writeFile(folder / "disk/One.app/Contents/Resources" / (std::string(language) + ".lproj/text"), "12345");
+    }
+    fs::create_directories(folder / "home");
+    fs::create_directories(folder / "other");
+    fs::create_directory_symlink(folder / "disk", folder / "home/Applications");
+    const auto words = engine::vocabulary(Section::languageResources);
+    const HeardNotifications found = {words.scanFinished};
+    engine::OperationQueue queue;
+    const auto scan = std::make_shared<langres::SAOperation>(std::nullopt, folder / "home/Applications");
+    queue.addOperation(scan);
+    scan->waitUntilFinished();
+    const auto applications =
+        engine::getArrayPropfromNotification<engine::ApplicationArray>(found.last(words.scanFinished), words.arrayKey)
+            .value();
+    ASSERT_EQ(applications.size(), 1);
+    EXPECT_EQ(applications[0]->pAppName(), folder / "disk/One.app");
+    const auto clean = [&] {
+        const auto properties = std::make_shared<engine::FCleanProps>();
+        properties->setMpstrArrayNeededLangs({QStringLiteral("en")});
+        applications[0]->recalcKeepSpaceForLocales({QStringLiteral("en")});
+        const auto operation =
+            std::make_shared<langres::CAOperation>(applications, properties, engine::PrivilegedRemover::none());
+        queue.addOperation(operation);
+        operation->waitUntilFinished();
+    };
+    fs::remove(folder / "home/Applications");
+    fs::create_directory_symlink(folder / "other", folder / "home/Applications");
+    const auto before = fingerprint(folder.path());
+    clean();
+    EXPECT_EQ(fingerprint(folder.path()), before);
+    fs::remove(folder / "home/Applications");
+    fs::create_directory_symlink(folder / "disk", folder / "home/Applications");
+    clean();
+    EXPECT_NE(fingerprint(folder.path()), before);
+}
+
+}  // namespace brimvault::tests
