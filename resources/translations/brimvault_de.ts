@@ -11,6 +11,10 @@
         <source>Can&apos;t remove file</source>
         <translation>Die Datei kann nicht entfernt werden</translation>
     </message>
+    <message>
+        <source>Its folder is not the one that was scanned any more</source>
+        <translation>Sein Ordner ist nicht mehr der, der gescannt wurde</translation>
+    </message>
 </context>
 <context>
     <name>CleanFacts</name>
@@ -52,6 +56,53 @@
     <message>
         <source>%1 - 1 language resource was not removed</source>
         <translation>%1 - 1 Sprachressource wurde nicht entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>Places</name>
+    <message>
+        <source>the link leads to nothing; is a disk missing?</source>
+        <translation>die Verknüpfung führt ins Leere; fehlt ein Laufwerk?</translation>
+    </message>
+    <message>
+        <source>it is no folder</source>
+        <translation>es ist kein Ordner</translation>
+    </message>
+    <message>
+        <source>it is your home folder</source>
+        <translation>es ist Ihr persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>it holds your home folder</source>
+        <translation>darin liegt Ihr persönlicher Ordner</translation>
+    </message>
+    <message>
+        <source>it is a folder for your own files</source>
+        <translation>es ist ein Ordner für Ihre eigenen Dateien</translation>
+    </message>
+    <message>
+        <source>it holds a folder for your own files, %1</source>
+        <translation>darin liegt ein Ordner für Ihre eigenen Dateien: %1</translation>
+    </message>
+    <message>
+        <source>another section looks there</source>
+        <translation>dort sucht ein anderer Bereich</translation>
+    </message>
+    <message>
+        <source>it holds a folder where a section looks, %1</source>
+        <translation>darin liegt ein Ordner, in dem ein Bereich sucht: %1</translation>
+    </message>
+    <message>
+        <source>it cannot be read</source>
+        <translation>er kann nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>%1, which leads to %2</source>
+        <translation>%1, führt zu %2</translation>
+    </message>
+    <message>
+        <source>Not looked into: %1 (%2)</source>
+        <translation>Wird nicht durchsucht: %1 (%2)</translation>
     </message>
 </context>
 <context>

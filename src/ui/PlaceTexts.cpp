@@ -12,8 +12,6 @@ using platform::RootRefusal;
 
 namespace {
 
-constexpr const char* context = "Places";
-
 QString shown(const std::filesystem::path& path) { return platform::displayText(path); }
 
 bool isLinked(const RootPlace& place) { return place.resolved != place.named; }
@@ -28,34 +26,34 @@ QString reason(const RootPlace& place) {
     const QString obstacle = shown(place.obstacle);
     switch (place.refusal) {
         case RootRefusal::leadsNowhere:
-            return QCoreApplication::translate(context, "the link leads to nothing; is a disk missing?");
+            return QCoreApplication::translate("Places", "the link leads to nothing; is a disk missing?");
         case RootRefusal::noFolder:
-            return QCoreApplication::translate(context, "it is no folder");
+            return QCoreApplication::translate("Places", "it is no folder");
         case RootRefusal::homeFolder:
-            return isIt ? QCoreApplication::translate(context, "it is your home folder")
-                        : QCoreApplication::translate(context, "it holds your home folder");
+            return isIt ? QCoreApplication::translate("Places", "it is your home folder")
+                        : QCoreApplication::translate("Places", "it holds your home folder");
         case RootRefusal::userFolder:
-            return isIt
-                       ? QCoreApplication::translate(context, "it is a folder for your own files")
-                       : QCoreApplication::translate(context, "it holds a folder for your own files, %1").arg(obstacle);
+            return isIt ? QCoreApplication::translate("Places", "it is a folder for your own files")
+                        : QCoreApplication::translate("Places", "it holds a folder for your own files, %1")
+                              .arg(obstacle);
         case RootRefusal::otherRootFolder:
-            return isIt ? QCoreApplication::translate(context, "another section looks there")
-                        : QCoreApplication::translate(context, "it holds a folder where a section looks, %1")
+            return isIt ? QCoreApplication::translate("Places", "another section looks there")
+                        : QCoreApplication::translate("Places", "it holds a folder where a section looks, %1")
                               .arg(obstacle);
         default:
-            return QCoreApplication::translate(context, "it cannot be read");
+            return QCoreApplication::translate("Places", "it cannot be read");
     }
 }
 
 QString way(const RootPlace& place) {
-    return isLinked(place) ? QCoreApplication::translate(context, "%1, which leads to %2")
+    return isLinked(place) ? QCoreApplication::translate("Places", "%1, which leads to %2")
                                  .arg(shown(place.named), shown(place.resolved))
                            : shown(place.named);
 }
 
 QString line(const RootPlace& place) {
     if (isRefused(place)) {
-        return QCoreApplication::translate(context, "Not looked into: %1 (%2)").arg(way(place), reason(place));
+        return QCoreApplication::translate("Places", "Not looked into: %1 (%2)").arg(way(place), reason(place));
     }
     return way(place);
 }
