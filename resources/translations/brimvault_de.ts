@@ -104,6 +104,10 @@
         <source>Not looked into: %1 (%2)</source>
         <translation>Wird nicht durchsucht: %1 (%2)</translation>
     </message>
+    <message>
+        <source>Looks in:</source>
+        <translation>Sucht in:</translation>
+    </message>
 </context>
 <context>
     <name>Section</name>

@@ -49,19 +49,19 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
     if (!path.is_absolute()) {
         return {false, ItemRemoval::withoutSystemText()};  // where the program was started is no place of a list
     }
-    if (foundIn != nullptr && !leadsWhereItDid(*foundIn)) {
-        return {false, ItemRemoval::exchangedText()};
-    }
-    if (!files::mayExist(path)) {
+    const bool leadsThere = foundIn == nullptr || leadsWhereItDid(*foundIn);
+    if (leadsThere && !files::mayExist(path)) {
         return {true, {}};
     }
-    if (foundIn == nullptr || !foundIn->folder) {
+    if (foundIn == nullptr || (leadsThere && !foundIn->folder)) {
         return removeNow(path, nullptr);
     }
-    if (const int code = hold(foundIn, path.parent_path()); code != 0) {
+    const int code = foundIn->folder ? hold(foundIn, path.parent_path()) : 0;
+    if (code != 0 && code != ENOENT) {
         return {false, systemText({code, path})};
     }
-    return isTheOne_ ? removeNow(path, &*held_) : ItemRemoval{false, ItemRemoval::exchangedText()};
+    return leadsThere && isTheOne_ && code == 0 ? removeNow(path, &*held_)
+                                                : ItemRemoval{false, ItemRemoval::exchangedText()};
 }
 
 bool ItemRemover::leadsWhereItDid(const FoundIn& foundIn) {

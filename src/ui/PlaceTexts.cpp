@@ -72,7 +72,8 @@ QString lines(const engine::Places& places, Wanted wanted) {
 }  // namespace
 
 QString placeTexts::all(const engine::Places& places) {
-    return lines(places, [](const RootPlace& place) { return place.refusal != RootRefusal::missing; });
+    const QString there = lines(places, [](const RootPlace& place) { return place.refusal != RootRefusal::missing; });
+    return there.isEmpty() ? there : QCoreApplication::translate("Places", "Looks in:") + QLatin1Char('\n') + there;
 }
 
 QString placeTexts::unusual(const engine::Places& places) {
