@@ -78,9 +78,12 @@ bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) const {
         isClosed = folder.links == LinksOnWay::refuse && !requester_.maySearch(handle, status);
         return !isClosed;
     });
+    if (isClosed) {
+        return true;  // as far as they can see it themselves, it is kept
+    }
     if (!opened) {
         found.clear();
-        return isClosed || isMissing(opened.code()) || isClosedVolume(opened.code());
+        return isMissing(opened.code()) || isClosedVolume(opened.code());
     }
     found.back().keep = folder.keep;
     return true;

@@ -57,9 +57,10 @@ public:
     [[nodiscard]] bool add(const KeptPath& folder);
     /// Keeps the folder itself; what is in it may go.
     void add(PinnedFolder folder) { pinned_.push_back(std::move(folder)); }
-    /// Looks the folders up, and with each those that hold it, which are kept themselves. A folder that does not exist,
-    /// that is not to be reached, or that is on a volume which keeps even the administrator out, is not kept: nothing
-    /// of it can be removed either. False when one cannot be looked at for another reason: then nothing may go.
+    /// Looks the folders up, and with each those that hold it, which are kept themselves; on a way that is closed to
+    /// the user, up to the folder that is closed. One that does not exist, or that is on a volume which keeps even the
+    /// administrator out, is not kept: nothing of it can be removed either. False when one cannot be looked at for
+    /// another reason: then nothing may go.
     [[nodiscard]] bool lookUp();
 
     /// How far this folder is kept; none for one that is not listed.

@@ -107,6 +107,9 @@ bool AuthorizationManager::executeCommand(const std::filesystem::path& tool, con
     const auto count = static_cast<std::ptrdiff_t>(std::min(withArgs.size(), mostArguments));
     const std::vector<std::string> arguments(withArgs.begin(), withArgs.begin() + count);
     const bool started = m_pAuthorizationRef_->executeWithPrivileges(tool, arguments);
+    if (!started) {
+        m_bIsNeedAskAuthentication_ = false;  // where the start asks, it was refused
+    }
     tell(started ? &AuthorizationListener::onCommadExecuteSuccess : &AuthorizationListener::onCommadExecuteFailure);
     return started;
 }

@@ -27,8 +27,8 @@ void removeRecordOf(const std::filesystem::path& item) {
 bool isRefusedForRights(const files::Failure& failure) { return failure.code == EACCES || failure.code == EPERM; }
 
 // The folder at a path, links refused, unless it is another one than it was.
-files::Result<files::DirectoryHandle> openSame(const std::filesystem::path& path,
-                                               const files::FileIdentity& identity, bool& isTheOne) {
+files::Result<files::DirectoryHandle> openSame(const std::filesystem::path& path, const files::FileIdentity& identity,
+                                               bool& isTheOne) {
     auto opened = files::DirectoryHandle::open(path);
     const auto status = opened ? opened->status() : files::Result<files::NodeStatus>::failed(opened.code());
     isTheOne = status && status->identity == identity;
@@ -49,19 +49,23 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
     if (!path.is_absolute()) {
         return {false, ItemRemoval::withoutSystemText()};  // where the program was started is no place of a list
     }
-    const bool leadsThere = foundIn == nullptr || leadsWhereItDid(*foundIn);
-    if (leadsThere && !files::mayExist(path)) {
-        return {true, {}};
-    }
-    if (foundIn == nullptr || (leadsThere && !foundIn->folder)) {
+    if (foundIn == nullptr) {
         return removeNow(path, nullptr);
     }
-    const int code = foundIn->folder ? hold(foundIn, path.parent_path()) : 0;
-    if (code != 0 && code != ENOENT) {
-        return {false, systemText({code, path})};
+    if (!leadsWhereItDid(*foundIn)) {
+        return {false, ItemRemoval::exchangedText()};
     }
-    return leadsThere && isTheOne_ && code == 0 ? removeNow(path, &*held_)
-                                                : ItemRemoval{false, ItemRemoval::exchangedText()};
+    if (!foundIn->folder) {
+        return removeNow(path, nullptr);
+    }
+    switch (const int code = hold(foundIn, path.parent_path())) {
+        case 0:
+            return isTheOne_ ? removeNow(path, &*held_) : ItemRemoval{false, ItemRemoval::exchangedText()};
+        case ENOENT:
+            return {true, {}};  // with the folder that held it
+        default:
+            return {false, systemText({code, path})};
+    }
 }
 
 bool ItemRemover::leadsWhereItDid(const FoundIn& foundIn) {
@@ -89,11 +93,14 @@ int ItemRemover::hold(const std::shared_ptr<const FoundIn>& foundIn, const std::
 ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder) {
     const auto item =
         folder == nullptr ? files::statusOf(path) : files::statusAt(folder->descriptor(), path.filename().c_str());
+    if (item.code() == ENOENT || item.code() == ENOTDIR) {
+        return {true, {}};
+    }
     if (item && item->kind == files::NodeKind::directory) {
         if (!protected_) {
             protected_.emplace();
         }
-        if (protected_->isOneOrHoldsOne(*item)) {
+        if (protected_->isOneOrHoldsOne(path, *item)) {
             return {false, ItemRemoval::withoutSystemText()};
         }
     }

@@ -15,7 +15,8 @@ class ProtectedFolders {
 public:
     ProtectedFolders();
 
-    [[nodiscard]] bool isOneOrHoldsOne(const files::NodeStatus& item) const;
+    /// Of what is at the path.
+    [[nodiscard]] bool isOneOrHoldsOne(const std::filesystem::path& path, const files::NodeStatus& item) const;
     /// The root folders and the settings; some may not exist.
     [[nodiscard]] const std::vector<platform::FolderWay>& ways() const { return ways_; }
 
@@ -25,8 +26,5 @@ private:
 
 /// Where they are.
 [[nodiscard]] std::vector<std::filesystem::path> protectedFolders();
-
-/// Whether the path names such a folder, or one that holds any of them.
-[[nodiscard]] bool isProtectedFolder(const std::filesystem::path& path);
 
 }  // namespace brimvault::engine

@@ -31,10 +31,15 @@ namespace {
 
 enum class Kind : int { file = 0, emptyFolder = AT_REMOVEDIR };
 
+std::atomic<std::uint64_t> removedCount = 0;
+
 // 0, or the errno value that kept it. What is not there is gone.
 int takeAway(const DirectoryHandle& parent, const char* name, Kind kind) {
     const bool isGone =
         uninterrupted([&] { return ::unlinkat(parent.descriptor(), name, static_cast<int>(kind)); }) == 0;
+    if (isGone) {
+        removedCount.fetch_add(1, std::memory_order_relaxed);
+    }
     return isGone || errno == ENOENT ? 0 : errno;
 }
 
@@ -223,6 +228,8 @@ RemovalOutcome removeInNow(const DirectoryHandle& folder, const std::filesystem:
 }
 
 }  // namespace
+
+std::uint64_t entriesRemoved() { return removedCount.load(std::memory_order_relaxed); }
 
 bool isPlainAbsolute(const std::filesystem::path& path) {
     const auto names = path.relative_path();

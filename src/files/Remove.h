@@ -40,6 +40,10 @@ public:
 /// byte.
 [[nodiscard]] bool isPlainAbsolute(const std::filesystem::path& path);
 
+/// How many files and folders this process has removed so far. One that stays the same while something is being removed
+/// tells that it hangs. Any thread.
+[[nodiscard]] std::uint64_t entriesRemoved();
+
 /// Removes a file, a link or a folder with its contents, for good.
 ///
 /// A path that is not plain and absolute is refused with EINVAL. No link is followed, on the way to the item or inside

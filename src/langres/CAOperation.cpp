@@ -67,7 +67,7 @@ bool CAOperation::isGoneAfterRemoval(const std::filesystem::path& localization) 
         return true;
     }
     return isFolder(localization) && isAnotherLocalizationBeside(localization) &&
-           engine::removeItemAt(localization, remover_).gone;
+           remover_.remove(localization, nullptr).gone;
 }
 
 }  // namespace brimvault::langres

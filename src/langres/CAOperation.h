@@ -6,6 +6,7 @@
 
 #include "engine/AppItemData.h"
 #include "engine/FCleanProps.h"
+#include "engine/ItemRemoval.h"
 #include "engine/Notification.h"
 #include "engine/PrivilegedRemover.h"
 #include "engine/SectionOperation.h"
@@ -44,7 +45,7 @@ private:
 
     const engine::ApplicationArray pCArray_;
     const std::shared_ptr<engine::FCleanProps> pclprops_;
-    engine::PrivilegedRemover& remover_;
+    engine::ItemRemover remover_;
     std::mutex resultsMutex_;         ///< protects what follows: who gives the operation up tells of it
     std::optional<Results> results_;  ///< none without languages to keep
 };

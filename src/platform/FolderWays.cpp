@@ -92,7 +92,11 @@ std::vector<FolderWay> foundInTime(std::vector<fs::path> named) {
     const auto all = std::make_shared<LookUp>();
     all->named = std::move(named);
     const std::size_t wanted = all->named.size();
-    std::thread([all] { work(all); }).detach();
+    try {
+        std::thread([all] { work(all); }).detach();
+    } catch (const std::system_error&) {
+        work(all);  // there are no more threads to be had; who asks is not the main one
+    }
     std::unique_lock lock(all->mutex);
     for (std::size_t before = 0; all->found.size() < wanted; before = all->found.size()) {
         if (!all->progress.wait_for(lock, patience, [&] { return all->found.size() > before; })) {

@@ -25,6 +25,8 @@ public:
 
     /// Where these are looked for, before any link is followed.
     static std::filesystem::path namedCachesFolder();
+    /// Those between which it is chosen, without a look at the disk.
+    static std::vector<std::filesystem::path> namedCachesFolders();
     static std::filesystem::path namedDownloadsFolder();
     static std::filesystem::path namedTrashFolder();
     static std::filesystem::path namedDesktopTrashFolder();

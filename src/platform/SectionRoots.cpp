@@ -22,12 +22,12 @@ struct Obstacle {
     fs::path named;
 };
 
+// Named without a look at any of them: each may be on a volume that does not answer.
 std::vector<Obstacle> sectionRoots() {
     using Kind = Obstacle::Kind;
     const auto home = homeFolder();
     const auto library = home / "Library";
-    std::vector<Obstacle> roots = {{Kind::caches, LibraryURLs::namedCachesFolder()},
-                                   {Kind::downloads, LibraryURLs::namedDownloadsFolder()},
+    std::vector<Obstacle> roots = {{Kind::downloads, LibraryURLs::namedDownloadsFolder()},
                                    {Kind::logs, library / "Logs"},
                                    {Kind::logs, library / "Application Support" / "CrashReporter"},
                                    {Kind::logs, systemRoot() / "Library" / "Logs"},
@@ -36,6 +36,9 @@ std::vector<Obstacle> sectionRoots() {
                                    {Kind::trash, LibraryURLs::namedDesktopTrashFolder()},
                                    {Kind::applications, systemRoot() / "Applications"},
                                    {Kind::applications, home / "Applications"}};
+    for (auto& folder : LibraryURLs::namedCachesFolders()) {
+        roots.push_back({Kind::caches, std::move(folder)});
+    }
     return roots;
 }
 
@@ -140,7 +143,8 @@ bool leadsWhereItDid(const RootPlace& place) {
     std::error_code unresolved;
     const auto resolved = fs::canonical(place.named, unresolved);
     if (unresolved) {
-        return unresolved.value() == ENOENT && !files::mayExist(place.named);  // gone with all that was in it
+        // Gone with all that was in it, and no link that was taken away from where it led.
+        return unresolved.value() == ENOENT && !files::mayExist(place.named) && !files::mayExist(place.resolved);
     }
     return resolved == place.resolved;
 }

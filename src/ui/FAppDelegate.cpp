@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QFile>
 #include <QTimer>
+#include <utility>
 
 #include "engine/Notifications.h"
+#include "files/Remove.h"
 #include "platform/QuorvelFallManager.h"
 #include "ui/DefaultsKeys.h"
 
@@ -323,15 +325,22 @@ bool FAppDelegate::mayClose() {
         window_->setEnabled(false);
         psectController_->performer().cancelScanAll();
         psectController_->performer().cancelCleanAll();
+        removedAtLastLook_ = files::entriesRemoved();
         QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
     }
     closed_ = !busy;
     return closed_;
 }
 
-// Scans and cleans tell of their end as if they had returned; a single removal has nothing to tell.
+// Scans and cleans tell of their end as if they had returned; a single removal has nothing to tell. What is being
+// removed is finished as long as it gets on.
 void FAppDelegate::giveUpWhatHangs() {
     psectController_->performer().giveUpScans();
+    const auto removed = files::entriesRemoved();
+    if (std::exchange(removedAtLastLook_, removed) != removed) {
+        QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
+        return;
+    }
     psectController_->performer().giveUpCleans();
     if (removing_) {
         removalLeftBehind_ = true;

@@ -133,6 +133,7 @@ private:
     bool bScanStarted_ = false;               ///< never reset
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
     bool closing_ = false;                    ///< the user closed the window while something ran
+    std::uint64_t removedAtLastLook_ = 0;     ///< entries, by the whole program, while it is closing
     bool removalLeftBehind_ = false;          ///< it hung when the window was closed
     bool closed_ = false;                     ///< the window has gone for good
     std::unique_ptr<MenuCommands> commands_;

@@ -63,7 +63,7 @@ bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QS
     const QString text = index.data().toString();
     const int room = option.rect.width() - 2 * margin(index.column());
     const bool cut = QFontMetrics(look::font(TextCellSmall::textSize)).horizontalAdvance(text) > room;
-    if (event->type() != QEvent::ToolTip || !cut || index.data(Qt::ToolTipRole).isValid()) {
+    if (event->type() != QEvent::ToolTip || !index.isValid() || !cut || index.data(Qt::ToolTipRole).isValid()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
     QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);

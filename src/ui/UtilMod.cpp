@@ -34,8 +34,6 @@ std::filesystem::path standardized(const std::filesystem::path& path) {
 
 bool isThere(const std::filesystem::path& path) { return path.is_absolute() && files::statusOf(path); }
 
-// An item with a path of its own needs no folder, which would have to be looked up.
-
 }  // namespace
 
 UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::Workspace& workspace,

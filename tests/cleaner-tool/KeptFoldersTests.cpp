@@ -303,6 +303,7 @@ TEST_F(KeptFolderTree, IsNotLookedUpThroughLinksOrClosedFolders) {
         ASSERT_TRUE(kept_.add({path, Keep::itself}));
     }
     EXPECT_TRUE(kept_.lookUp());
+    EXPECT_EQ(refuses(folder_ / "closed"), "") << "what can be seen of the way is kept";
     expectGoes("free/item");
 }
 

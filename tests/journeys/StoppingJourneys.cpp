@@ -4,11 +4,14 @@
 
 #include <QLabel>
 #include <QSignalSpy>
+#include <QThread>
 #include <algorithm>
 
 #include "engine/FileSize.h"
 #include "engine/NotificationCenter.h"
 #include "engine/Notifications.h"
+#include "engine/OperationQueue.h"
+#include "files/Remove.h"
 #include "support/SectionWork.h"
 #include "ui/DefaultsKeys.h"
 #include "ui/WindowFixture.h"
@@ -46,6 +49,26 @@ protected:
 private:
     const engine::ItemArray items_;
     const std::shared_ptr<tests::Hang> hang_;
+};
+
+// Takes long to remove its item, but gets on with it, and then has done what it does.
+class SlowClean final : public engine::SectionOperation {
+public:
+    explicit SlowClean(fs::path folder) : SectionOperation(Section::caches), folder_(std::move(folder)) {}
+
+protected:
+    void main() override {
+        constexpr int files = 8;
+        for (int number = 0; number < files; ++number) {
+            tests::writeFile(folder_ / std::to_string(number), "1");
+            QThread::msleep(static_cast<unsigned long>(engine::OperationQueue::timeToReturn.count()) / 3);
+            (void)files::remove(folder_ / std::to_string(number));
+        }
+        tests::writeFile(folder_ / "done", "1");
+    }
+
+private:
+    const fs::path folder_;
 };
 
 class StoppingJourney : public tests::WindowFixture {
@@ -154,6 +177,23 @@ TEST_F(StoppingJourney, TheWindowClosesWhileACleanHangsAndRecordsWhatWent) {
     EXPECT_EQ(defaults_->number(ui::defaults_key::totalCleanedSize), before);
 }
 
+TEST_F(StoppingJourney, TheWindowWaitsForARemovalThatGetsOn) {
+    engine::CleanTable cleans;
+    cleans.files[Section::caches] = [folder = caches()](const engine::ItemArray&) {
+        return std::make_shared<SlowClean>(folder);
+    };
+    start(scans(), std::move(cleans));
+    scan();
+    alerts_.answers.push_back(tests::agree);
+    const auto before = files::entriesRemoved();
+    Guide::click(lists()->pbtnClean());
+    ASSERT_TRUE(Guide::waitFor([before] { return files::entriesRemoved() > before; }));
+    EXPECT_FALSE(window()->close());
+    EXPECT_TRUE(Guide::waitFor([this] { return !window()->isVisible(); }));
+    EXPECT_TRUE(fs::exists(caches() / "done"));
+    EXPECT_FALSE(application_->isAnythingLeftBehind());
+}
+
 TEST_F(StoppingJourney, ACleanTakesWhatWasTickedWhenTheQuestionCame) {
     start();
     scan();
@@ -196,7 +236,7 @@ TEST_F(StoppingJourney, ThePanelSpeaksOfItsOwnSection) {
     clickSection(logsRow);
     EXPECT_TRUE(isSaid(QStringLiteral("Not Scanned"))) << "it is not being scanned";
     clickSection(trashRow);
-    EXPECT_TRUE(isSaid(subtitle(trashRow))) << "its scan has ended";
+    EXPECT_TRUE(Guide::waitFor([this] { return isSaid(subtitle(trashRow)); })) << "its scan has ended";
     Guide::click(scanButton());
     EXPECT_EQ(note(cachesRow), QStringLiteral("Stopped, nothing found so far"));
     clickSection(cachesRow);

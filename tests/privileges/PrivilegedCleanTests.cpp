@@ -153,8 +153,9 @@ TEST(PrivilegedClean, AsksOnceWhereWhatIsGrantedIsNotKept) {
         trial.beginClean({"first", "second"});
         const bool asked = comes([&] { return trial.questions() == 1; });
         trial.stopClean();
+        // Whether the dialog goes as well is polkitd's: it does not always notice that who asked has ended.
         return firstOf({asked ? "" : "nobody is asked", expected(trial.finishClean(), 0, {"first"}),
-                        comes([&] { return trial.questions() == 2; }) ? "" : "the question stays"});
+                        trial.tool() == 0 ? "" : "the tool was started"});
     });
     EXPECT_WELL_IN_CHILD([] {
         Trial trial(remoteUser, Agent::grants);

@@ -131,6 +131,9 @@ TEST_P(LinkedRoots, AreCleanedOnlyWhileTheyLeadWhereTheyDid) {
         engine::ItemRemover(engine::PrivilegedRemover::none()).remove(items[0]->location(), items[0]->foundIn()).gone)
         << "alone";
     EXPECT_EQ(fingerprint(folder_.path()), before);
+    fs::remove(link_);
+    EXPECT_FALSE(clean(items).isEmpty()) << "without the link";
+    EXPECT_TRUE(isThere(disk_));
     turnLinkTo(disk_);
     EXPECT_TRUE(clean(items).isEmpty());
     EXPECT_FALSE(isThere(disk_));
@@ -144,6 +147,9 @@ TEST_P(LinkedRoots, AreNotCleanedOnceAnotherFolderStandsThere) {
     EXPECT_EQ(clean(items).value(items.last()->ppdisplayName()),
               QStringLiteral("Its folder is not the one that was scanned any more"));
     EXPECT_EQ(fingerprint(folder_.path()), before);
+    fs::remove_all(disk_);
+    fs::create_directories((disk_ / GetParam().inner).parent_path());
+    EXPECT_FALSE(clean(items).isEmpty()) << "nothing is gone where another folder is empty";
 }
 
 TEST_P(LinkedRoots, ThatLeadToTheUsersOwnAreNeitherListedNorCleaned) {

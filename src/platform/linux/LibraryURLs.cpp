@@ -93,10 +93,13 @@ fs::path userFolder(std::string_view key, const char* defaultName) {
 
 }  // namespace
 
+std::vector<fs::path> LibraryURLs::namedCachesFolders() {
+    return {homeFolder() / "Library" / "Caches", plain(baseFolder("XDG_CACHE_HOME", ".cache"))};
+}
+
 fs::path LibraryURLs::namedCachesFolder() {
-    const auto library = homeFolder() / "Library" / "Caches";
-    const auto shared = plain(baseFolder("XDG_CACHE_HOME", ".cache"));
-    return !files::mayExist(library) && files::mayExist(shared) ? shared : library;
+    const auto folders = namedCachesFolders();
+    return !files::mayExist(folders.front()) && files::mayExist(folders.back()) ? folders.back() : folders.front();
 }
 
 fs::path LibraryURLs::namedDownloadsFolder() { return userFolder("XDG_DOWNLOAD_DIR", "Downloads"); }

@@ -1,5 +1,6 @@
 """An assistive client: finds the parts of the program's window by role and name, reads them and acts on them."""
 
+import os
 import time
 
 import gi
@@ -12,6 +13,15 @@ PATIENCE = 30.0  # seconds; nothing that is waited for takes as long
 
 class Moved(Exception):
     """What was looked at went while it was looked at."""
+
+
+def exchange(folder):
+    """Puts another folder in the place of one, with empty files of the same names."""
+    os.rename(folder, folder + ".scanned")
+    os.mkdir(folder)
+    for name in os.listdir(folder + ".scanned"):
+        with open(os.path.join(folder, name), "w", encoding="ascii"):
+            pass
 
 
 def wait_for(what, probe):

@@ -9,7 +9,7 @@ import stat
 import sys
 import tempfile
 
-from client import Window, act, children, find, wait_for
+from client import Window, act, children, exchange, find, wait_for
 from trial import make_home, running, size_text
 
 # What the user leaves or makes unticked, by section; the other sections' items come ticked.
@@ -131,7 +131,7 @@ def journey(home):
 
 
 def report(home):
-    """A folder that holds an item which is to stay stays as well, and is told of when the clean has ended."""
+    """An item whose folder is another one by then stays, and is told of when the clean has ended."""
     container = "com.vendor.reader"
     kept = os.path.join(home, "Library/Containers", container, "Data/Library/Logs/kept.log")
     os.makedirs(os.path.dirname(kept), exist_ok=True)
@@ -141,13 +141,16 @@ def report(home):
     window.press("Scan")
     wait_for("the second scan", lambda: window.is_enabled("Clean") and window.is_enabled("Scan"))
     window.show_section("Logs")
-    act(wait_for("the log", lambda: window.rows("Logs")["kept.log"])[2], "Toggle")
-    wait_for("the spared log", lambda: not window.rows("Logs")["kept.log"][1])
+    act(wait_for("the container", lambda: window.rows("Logs")[container])[2], "Toggle")
+    wait_for("the log with it", lambda: not window.rows("Logs")["kept.log"][1])
+    act(window.rows("Logs")["kept.log"][2], "Toggle")
+    wait_for("the log alone", lambda: window.rows("Logs")["kept.log"][1] and not window.rows("Logs")[container][1])
+    exchange(os.path.dirname(kept))
     window.press("Clean")
     window.answer("Delete")
     sheet = wait_for("the report", lambda: find(window.frame, "dialog", "Some items were not removed"))
     lines = [line.get_name() for line in children(find(sheet, "list", "Items that were not removed"))]
-    assert lines == ["Logs", f"{container} - It holds something that is not selected"], lines
+    assert lines == ["Logs", "kept.log - Its folder is not the one that was scanned any more"], lines
     act(find(sheet, "push button", "Close"), "Press")
     wait_for("the end of the report", lambda: find(window.frame, "dialog") is None)
     assert os.path.exists(kept)

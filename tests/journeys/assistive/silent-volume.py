@@ -71,7 +71,7 @@ def stop(run):
 
 def clean(run):
     run.window.press("Clean")
-    run.window.answer("OK")
+    run.window.answer("Delete")
     wait_for("the logs to be gone", lambda: run.note("Logs").endswith(" cleaned"))
 
 
