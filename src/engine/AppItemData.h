@@ -36,10 +36,6 @@ public:
     /// Distinct languages that cleaning would remove.
     [[nodiscard]] quint64 cleanableLocsCount() const { return ncanCleanLocs_; }
 
-    /// The folder of applications in which a scan has found it; null when none has.
-    [[nodiscard]] const std::shared_ptr<const FoundIn>& foundIn() const { return foundIn_; }
-    void setFoundIn(std::shared_ptr<const FoundIn> place) { foundIn_ = std::move(place); }
-
     void addLocalizationItem(const std::shared_ptr<LocalizationItem>& item);
     /// The folder that holds a localization, relative to the bundle; empty for one directly in the bundle.
     [[nodiscard]] std::filesystem::path keyForLocalizationItem(const LocalizationItem& item) const;
@@ -84,7 +80,6 @@ private:
     quint64 ncanCleanLocs_ = 0;
     std::filesystem::path pAppName_;
     QString displayName_;
-    std::shared_ptr<const FoundIn> foundIn_;
 };
 
 using ApplicationArray = QList<std::shared_ptr<AppItemData>>;

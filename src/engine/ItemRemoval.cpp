@@ -52,20 +52,18 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
     if (foundIn == nullptr) {
         return removeNow(path, nullptr);
     }
-    if (!leadsWhereItDid(*foundIn)) {
+    const bool leadsThere = leadsWhereItDid(*foundIn);
+    const int code = foundIn->folder ? hold(foundIn, path.parent_path()) : 0;
+    if (code != 0 && code != ENOENT) {
+        return {false, systemText({code, path})};
+    }
+    if (!leadsThere || (code == 0 && foundIn->folder && !isTheOne_)) {
         return {false, ItemRemoval::exchangedText()};
     }
-    if (!foundIn->folder) {
-        return removeNow(path, nullptr);
+    if (code == ENOENT) {
+        return {true, {}};  // with the folder that held it
     }
-    switch (const int code = hold(foundIn, path.parent_path())) {
-        case 0:
-            return isTheOne_ ? removeNow(path, &*held_) : ItemRemoval{false, ItemRemoval::exchangedText()};
-        case ENOENT:
-            return {true, {}};  // with the folder that held it
-        default:
-            return {false, systemText({code, path})};
-    }
+    return removeNow(path, foundIn->folder ? &*held_ : nullptr);
 }
 
 bool ItemRemover::leadsWhereItDid(const FoundIn& foundIn) {
@@ -123,14 +121,6 @@ bool ItemRemover::isStillAt(const std::filesystem::path& path, const files::Dire
 
 ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover) {
     return ItemRemover(remover).remove(path, nullptr);
-}
-
-bool isStillThere(const FoundIn& foundIn) {
-    if (foundIn.root != nullptr && !platform::leadsWhereItDid(*foundIn.root)) {
-        return false;
-    }
-    bool isTheOne = !foundIn.folder;
-    return isTheOne || (openSame(foundIn.path, *foundIn.folder, isTheOne) && isTheOne);
 }
 
 }  // namespace brimvault::engine

@@ -56,8 +56,4 @@ private:
 /// Removes the item at the path.
 ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover = PrivilegedRemover::none());
 
-/// Whether the folder is still the one that it was when items were found in it, and is come by as it was then. Any
-/// thread but the main one.
-[[nodiscard]] bool isStillThere(const FoundIn& foundIn);
-
 }  // namespace brimvault::engine

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "engine/FoundIn.h"
+
 namespace brimvault::engine {
 
 /// One localization folder of one application, as the scan measured it. Not changed after it is posted.
@@ -13,9 +15,10 @@ struct LocalizationItem {
     /// The identifier is that of the folder's name; the size is in bytes.
     static std::shared_ptr<LocalizationItem> initWithPath(const std::filesystem::path& path, quint64 size);
 
-    quint64 nlocSize = 0;            ///< bytes
-    QString plocNameId;              ///< canonical identifier of its language
-    std::filesystem::path plocPath;  ///< full path of the folder
+    quint64 nlocSize = 0;                              ///< bytes
+    QString plocNameId;                                ///< canonical identifier of its language
+    std::filesystem::path plocPath;                    ///< full path of the folder
+    std::shared_ptr<const FoundIn> foundIn = nullptr;  ///< the folder that holds it; null when no scan has found it
 
     /// YES unless the identifier is among those to keep, compared letter by letter.
     [[nodiscard]] bool shouldBeRemovedWithNeedLangs(const QStringList& needed) const {

@@ -46,12 +46,11 @@ void CAOperation::postResults() {
 // What is gone is noted at once, since the next removal may hang.
 void CAOperation::clean(const engine::AppItemData& application, const QStringList& needed) {
     QSet<QString> failed;
-    const bool isThere = application.foundIn() == nullptr || engine::isStillThere(*application.foundIn());
     for (const auto& item : application.itemsToClean(needed)) {
         if (isCancelled()) {
             break;  // what was done by now is told
         }
-        const bool gone = isThere && isGoneAfterRemoval(item->plocPath);
+        const bool gone = isGoneAfterRemoval(*item);
         const std::lock_guard guard(resultsMutex_);
         if (gone) {
             results_->cleaned[application.pAppName()].append(item);
@@ -62,12 +61,10 @@ void CAOperation::clean(const engine::AppItemData& application, const QStringLis
     }
 }
 
-bool CAOperation::isGoneAfterRemoval(const std::filesystem::path& localization) {
-    if (!files::mayExist(localization)) {
-        return true;
-    }
-    return isFolder(localization) && isAnotherLocalizationBeside(localization) &&
-           remover_.remove(localization, nullptr).gone;
+bool CAOperation::isGoneAfterRemoval(const engine::LocalizationItem& localization) {
+    const auto& path = localization.plocPath;
+    const bool mayGo = !files::mayExist(path) || (isFolder(path) && isAnotherLocalizationBeside(path));
+    return mayGo && remover_.remove(path, localization.foundIn).gone;
 }
 
 }  // namespace brimvault::langres

@@ -41,7 +41,7 @@ private:
 
     void clean(const engine::AppItemData& application, const QStringList& needed);
     void postResults();
-    [[nodiscard]] bool isGoneAfterRemoval(const std::filesystem::path& localization);
+    [[nodiscard]] bool isGoneAfterRemoval(const engine::LocalizationItem& localization);
 
     const engine::ApplicationArray pCArray_;
     const std::shared_ptr<engine::FCleanProps> pclprops_;

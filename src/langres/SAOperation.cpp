@@ -1,5 +1,6 @@
 #include "langres/SAOperation.h"
 
+#include <cerrno>
 #include <exception>
 
 #include "engine/FileManager.h"
@@ -56,12 +57,6 @@ void SAOperation::initApplicationsCount() {
 
 // What lies in a package belongs to it.
 void SAOperation::countPackagesBelow(const platform::SectionRoot& root) {
-    const auto status = root.folder->status();
-    if (!status) {
-        return;
-    }
-    const auto place = std::make_shared<const engine::FoundIn>(
-        engine::FoundIn{root.place->resolved.native(), status->identity, root.place});
     const auto& path = root.place->resolved;
     (void)files::forEachFolder(*root.folder, path, files::HiddenEntries::skip, stopToken(), [&](const auto& found) {
         if (!platform::Packages::isPackage(found.path)) {
@@ -70,7 +65,7 @@ void SAOperation::countPackagesBelow(const platform::SectionRoot& root) {
         if (found.isMountPoint()) {
             return Descend::no;
         }
-        pAppsPaths_.push_back({found.path, place});
+        pAppsPaths_.push_back({found.path, root.place});
         setTopLevelItemsCount(nTopLevelItemsCount() + 1);
         tryUpdateProgress({}, 0);
         return Descend::no;
@@ -111,8 +106,7 @@ std::shared_ptr<AppItemData> SAOperation::readPackage(const FoundPackage& found)
         return nullptr;
     }
     auto application = AppItemData::initWithName(found.path);
-    application->setFoundIn(found.foundIn);
-    collectLocalizations(*application);
+    collectLocalizations(*application, found.root);
     return application;
 }
 
@@ -128,11 +122,21 @@ bool SAOperation::isToBeScanned(const std::filesystem::path& path) {
     }
 }
 
-void SAOperation::collectLocalizations(AppItemData& application) const {
+// Those of one folder share what is known of it. Where it cannot be told from another, they are left alone.
+void SAOperation::collectLocalizations(AppItemData& application,
+                                       const std::shared_ptr<const platform::RootPlace>& root) const {
+    std::shared_ptr<const engine::FoundIn> holder;
     const auto collect = [&](const files::FoundFolder& found) {
-        if (isLocalizationName(found.name)) {
-            const auto size = getFileFolderSize(found.parent, found.name);
-            application.addLocalizationItem(engine::LocalizationItem::initWithPath(found.path, size));
+        const auto status =
+            isLocalizationName(found.name) ? found.parent.status() : files::Result<files::NodeStatus>::failed(ENOENT);
+        if (status) {
+            if (!holder || holder->folder != status->identity) {
+                holder = std::make_shared<const engine::FoundIn>(
+                    engine::FoundIn{(found.path.parent_path() / "").native(), status->identity, root});
+            }
+            auto item = engine::LocalizationItem::initWithPath(found.path, getFileFolderSize(found.parent, found.name));
+            item->foundIn = holder;
+            application.addLocalizationItem(item);
         }
         return Descend::yes;
     };

@@ -28,7 +28,7 @@ protected:
 private:
     struct FoundPackage {
         std::filesystem::path path;
-        std::shared_ptr<const engine::FoundIn> foundIn;  ///< the folder of applications
+        std::shared_ptr<const platform::RootPlace> root;  ///< the folder of applications
     };
 
     void initApplicationsCount();
@@ -37,7 +37,8 @@ private:
     /// None for a package that is left alone; at once, and not whole, when the operation is cancelled meanwhile.
     [[nodiscard]] std::shared_ptr<engine::AppItemData> readPackage(const FoundPackage& found) const;
     [[nodiscard]] static bool isToBeScanned(const std::filesystem::path& path);
-    void collectLocalizations(engine::AppItemData& application) const;
+    void collectLocalizations(engine::AppItemData& application,
+                              const std::shared_ptr<const platform::RootPlace>& root) const;
     void tryUpdateProgress(const engine::ApplicationArray& delta, qint64 nprogr) const;
     void sendOperationCompleted() const;
 

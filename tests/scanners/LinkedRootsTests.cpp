@@ -9,6 +9,7 @@
 #include "scanners/SLogsOperation.h"
 #include "scanners/STrshOperation.h"
 #include "support/FixtureTrees.h"
+#include "support/NameExchange.h"
 #include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
 #include "support/TemporaryFolder.h"
@@ -182,11 +183,13 @@ TEST_P(LinkedRoots, AreNotFollowedInside) {
     }
 }
 
-TEST(LinkedApplications, KeepTheirLocalizationsOnceTheLinkLeadsElsewhere) {
+TEST(LinkedApplications, KeepTheirLocalizationsOnceTheyAreNotTheOnesThatWereScanned) {
     const TemporaryFolder folder;
     const SubstituteHome system(folder / "home", {{"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
     for (const char* language : {"en", "de", "fr"}) {
-        writeFile(folder / "disk/One.app/Contents/Resources" / (std::string(language) + ".lproj/text"), "12345");
+        for (const char* application : {"disk/One.app", "exchanged"}) {
+            writeFile(folder / application / "Contents/Resources" / (std::string(language) + ".lproj/text"), "12345");
+        }
     }
     fs::create_directories(folder / "home");
     fs::create_directories(folder / "other");
@@ -218,8 +221,13 @@ TEST(LinkedApplications, KeepTheirLocalizationsOnceTheLinkLeadsElsewhere) {
     EXPECT_EQ(fingerprint(folder.path()), before);
     fs::remove(folder / "home/Applications");
     fs::create_directory_symlink(folder / "disk", folder / "home/Applications");
+    ASSERT_TRUE(exchangeNames(folder / "disk/One.app", folder / "exchanged"));
+    const auto exchanged = fingerprint(folder.path());
     clean();
-    EXPECT_NE(fingerprint(folder.path()), before);
+    EXPECT_EQ(fingerprint(folder.path()), exchanged) << "another application of the same name";
+    ASSERT_TRUE(exchangeNames(folder / "disk/One.app", folder / "exchanged"));
+    clean();
+    EXPECT_NE(fingerprint(folder.path()), exchanged);
 }
 
 }  // namespace brimvault::tests
