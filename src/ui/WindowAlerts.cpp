@@ -1,6 +1,7 @@
 #include "ui/WindowAlerts.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 #include "ui/AlertWindow.h"
