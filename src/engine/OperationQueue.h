@@ -19,7 +19,9 @@ class OperationQueue {
 public:
     /// Every section at once, an earlier scan of each still returning, and the completions.
     static constexpr int defaultConcurrency = 16;
-    /// Cancelled work looks at its flag many times a second; what has not returned by then hangs.
+    /// Cancelled scans look at their flag many times a second; one that has not returned by then is taken to hang. A
+    /// clean finishes the item under way, so that who gives cleans up looks first whether they get on
+    /// (files::entriesRemoved).
     static constexpr std::chrono::milliseconds timeToReturn{1000};
 
     using Chosen = std::function<bool(const Operation&)>;

@@ -9,8 +9,9 @@
 namespace brimvault::engine {
 
 /// The folders that no list of items can rightly hold: the sections' own root folders, the home folder, the program's
-/// settings, and whatever holds any of them; as they are when it is made. Compared by what the folders are, not by how
-/// they are spelled. Any thread but the main one.
+/// settings, and whatever holds any of them; as they are when it is made. Known by what the folders are, however they
+/// are spelled, and by their paths, as one on a volume that does not answer is known by nothing else. Any thread but
+/// the main one.
 class ProtectedFolders {
 public:
     ProtectedFolders();
