@@ -4,11 +4,11 @@
 #include <optional>
 #include <string>
 
-#include "journeys/Guide.h"
-#include "platform/SubstituteSystem.h"
+#include "app/SectionOperations.h"
+#include "platform/System.h"
 #include "platform/UserDefaults.h"
-#include "ui/FAppDelegate.h"
-#include "ui/SectionOperations.h"
+#include "trial/Guide.h"
+#include "ui/window/FAppDelegate.h"
 
 namespace brimvault::bench {
 
@@ -29,20 +29,20 @@ public:
     }
 
     [[nodiscard]] ui::MainWindow* window() const { return application_.window(); }
-    [[nodiscard]] const tests::Guide& guide() const { return guide_; }
+    [[nodiscard]] const trial::Guide& guide() const { return guide_; }
     [[nodiscard]] ui::TTableView* list() const { return guide_.list(); }
     [[nodiscard]] ui::FAppDelegate& application() { return application_; }
 
     void startScan() {
         auto* first = window()->startPage()->btnStartScanButton2();
-        tests::Guide::click(first->isVisible() ? static_cast<QAbstractButton*>(first)
+        trial::Guide::click(first->isVisible() ? static_cast<QAbstractButton*>(first)
                                                : window()->sidebar()->pbtnScan());
     }
     [[nodiscard]] bool isScanning() {
         return application_.pbScanning() || application_.psectController().performer().pscaner().isScanning();
     }
     void awaitScan() {
-        tests::Guide::waitFor([this] { return !isScanning(); });
+        trial::Guide::waitFor([this] { return !isScanning(); });
     }
 
 private:
@@ -74,10 +74,10 @@ private:
     NoWorkspace workspace_;
     ui::UtilMod util_{alerts_, fileBrowser_, workspace_};
     langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
-    ui::FAppDelegate application_{ui::scanOperations(),
-                                  ui::cleanOperations(engine::PrivilegedRemover::none()),
+    ui::FAppDelegate application_{app::scanOperations(),
+                                  app::cleanOperations(engine::PrivilegedRemover::none()),
                                   {defaults_, alerts_, util_, languages_}};
-    tests::Guide guide_{application_};
+    trial::Guide guide_{application_};
 };
 
 }  // namespace brimvault::bench

@@ -14,17 +14,18 @@
 #include "MainThreadClock.h"
 #include "TrialWindow.h"
 #include "platform/LibraryURLs.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
-#include "ui/AccessibleItemView.h"
-#include "ui/Look.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
+#include "ui/accessibility/AccessibleItemView.h"
+#include "ui/look/FocusRing.h"
+#include "ui/look/Look.h"
 
 namespace {
 
 using namespace brimvault;
 using bench::MainThreadClock;
 using bench::TrialWindow;
-using tests::Guide;
+using trial::Guide;
 using ui::ItemListModel;
 namespace fs = std::filesystem;
 
@@ -42,7 +43,7 @@ void makeEntries(const fs::path& folder, int count, const std::string& suffix) {
     for (int number = 0; number < count; ++number) {
         state = state * 6364136223846793005ULL + 1442695040888963407ULL;
         const auto random = state >> 33U;
-        tests::writeSparseFile(folder / (vendors[random % vendors.size()] + "." + std::to_string(random % 1000) +
+        trial::writeSparseFile(folder / (vendors[random % vendors.size()] + "." + std::to_string(random % 1000) +
                                          ".item " + std::to_string(number) + suffix),
                                1 + (random >> (random % 20)));
     }
@@ -239,11 +240,12 @@ int main(int argc, char* argv[]) {
     }
     MainThreadClock clock(argc, argv);
     const int entries = std::atoi(argv[1]);
-    const tests::TemporaryFolder folder;
+    const trial::TemporaryFolder folder;
     const fs::path home = folder / "home";
     const platform::SubstituteSystem system(bench::trialSystem(home, folder / "root"));
     makeHome(home, entries);
     ui::look::apply();
+    ui::watchFocus();
     ui::AccessibleItemView::install();
     if (argc > 2) {
         QAccessible::setActive(true);

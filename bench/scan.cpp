@@ -15,11 +15,12 @@
 
 #include "MainThreadClock.h"
 #include "TrialWindow.h"
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
-#include "support/TemporaryFolder.h"
-#include "ui/AccessibleItemView.h"
-#include "ui/Look.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
+#include "trial/TemporaryFolder.h"
+#include "ui/accessibility/AccessibleItemView.h"
+#include "ui/look/FocusRing.h"
+#include "ui/look/Look.h"
 
 namespace {
 
@@ -97,10 +98,11 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     MainThreadClock clock(argc, argv);
-    const tests::TemporaryFolder folder;
+    const trial::TemporaryFolder folder;
     const fs::path home = fs::canonical(argv[1]);
     const platform::SubstituteSystem system(bench::trialSystem(home, folder / "root"));
     ui::look::apply();
+    ui::watchFocus();
     ui::AccessibleItemView::install();
     TrialWindow window(folder / "settings.ini");
     window.application().psectController().setAllChecked();

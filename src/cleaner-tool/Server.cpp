@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "cleaner-tool/TrashMove.h"
-#include "files/Remove.h"
+#include "files/trees/Remove.h"
 
 namespace brimvault::cleaner {
 

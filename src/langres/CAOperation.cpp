@@ -2,9 +2,9 @@
 
 #include <QSet>
 
-#include "engine/ItemRemoval.h"
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
+#include "engine/removal/ItemRemoval.h"
 #include "files/NodeStatus.h"
 #include "langres/LocalizationFolders.h"
 

@@ -4,12 +4,12 @@
 #include <mutex>
 #include <optional>
 
-#include "engine/AppItemData.h"
-#include "engine/FCleanProps.h"
-#include "engine/ItemRemoval.h"
-#include "engine/Notification.h"
-#include "engine/PrivilegedRemover.h"
-#include "engine/SectionOperation.h"
+#include "engine/model/AppItemData.h"
+#include "engine/notification/Notification.h"
+#include "engine/operations/FCleanProps.h"
+#include "engine/operations/SectionOperation.h"
+#include "engine/removal/ItemRemoval.h"
+#include "engine/removal/PrivilegedRemover.h"
 
 namespace brimvault::langres {
 

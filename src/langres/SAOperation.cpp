@@ -3,11 +3,11 @@
 #include <cerrno>
 #include <exception>
 
-#include "engine/FileManager.h"
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
-#include "files/AheadOf.h"
-#include "files/FolderWalk.h"
+#include "engine/model/FileManager.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
+#include "files/trees/FolderWalk.h"
+#include "files/walk/AheadOf.h"
 #include "langres/LanguagesManager.h"
 #include "langres/LocalizationFolders.h"
 #include "platform/LibraryURLs.h"

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "engine/AppItemData.h"
-#include "engine/SBaseOperation.h"
+#include "engine/model/AppItemData.h"
+#include "engine/operations/SBaseOperation.h"
 
 namespace brimvault::langres {
 

@@ -3,9 +3,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/RealSystem.h"
-#include "platform/SubstituteSystem.h"
-
 namespace brimvault::platform {
 
 namespace {

@@ -21,6 +21,22 @@ struct System {
 /// Any thread.
 const System& system();
 
+/// Puts another system in the place of the real one for as long as it lives. For tests; while no other thread reads it.
+class SubstituteSystem {
+public:
+    explicit SubstituteSystem(System system);
+    SubstituteSystem(const SubstituteSystem&) = delete;
+    SubstituteSystem& operator=(const SubstituteSystem&) = delete;
+    ~SubstituteSystem();
+
+private:
+    System system_;
+    const System* before_;
+};
+
+/// The system that the process really runs on; each system's folder holds its own.
+[[nodiscard]] System realSystem();
+
 /// The home folder with the links on the way to it resolved, so that no path below it needs to lead through one:
 /// the user database's, or "/Users/" and the login name where it has no record. Any thread.
 [[nodiscard]] std::filesystem::path homeFolder();

@@ -3,8 +3,8 @@
 #include <iterator>
 
 #include "files/DirectoryHandle.h"
-#include "files/MeasuredFolder.h"
 #include "files/NodeStatus.h"
+#include "files/trees/MeasuredFolder.h"
 
 namespace brimvault::scanners {
 

@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "engine/SBaseOperation.h"
+#include "engine/operations/SBaseOperation.h"
 #include "scanners/ScanBatches.h"
 
 namespace brimvault::scanners {

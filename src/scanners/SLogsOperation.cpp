@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "files/Measure.h"
+#include "files/trees/Measure.h"
 #include "platform/System.h"
 
 namespace brimvault::scanners {

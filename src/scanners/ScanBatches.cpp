@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
 
 namespace brimvault::scanners {
 

@@ -3,8 +3,8 @@
 #include <QtGlobal>
 #include <memory>
 
-#include "engine/FFItem.h"
 #include "engine/Section.h"
+#include "engine/model/FFItem.h"
 
 namespace brimvault::scanners {
 

@@ -8,10 +8,12 @@
 
 #include "files/DirectoryHandle.h"
 #include "support/ChildProcess.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using namespace cleaner;
 using files::RemovalEnd;

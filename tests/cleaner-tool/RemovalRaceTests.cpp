@@ -9,10 +9,12 @@
 
 #include "cleaner-tool/MeddlingGuard.h"
 #include "support/NameExchange.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using namespace cleaner;
 using files::RemovalEnd;

@@ -13,9 +13,11 @@
 #include "cleaner-tool/PinnedFolder.h"
 #include "cleaner-tool/linux/AccessList.h"
 #include "support/ChildProcess.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using namespace cleaner;
 namespace fs = std::filesystem;

@@ -12,10 +12,12 @@
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 #include "support/NameExchange.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using namespace cleaner;
 namespace fs = std::filesystem;

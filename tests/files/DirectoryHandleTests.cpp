@@ -8,9 +8,11 @@
 
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using files::DirectoryEntry;
 using files::DirectoryHandle;

@@ -10,10 +10,12 @@
 
 #include "files/ExtendedAttributes.h"
 #include "support/ChildProcess.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using files::NodeKind;
 using files::statusOf;

@@ -3,10 +3,10 @@
 #include <QIcon>
 #include <QImage>
 
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
 
 using namespace brimvault;
-using tests::Guide;
+using trial::Guide;
 using ui::ItemListModel;
 
 namespace {
@@ -31,7 +31,7 @@ protected:
 
 TEST_F(IconJourney, EachApplicationShowsItsOwn) {
     home_.makeApplications();
-    std::filesystem::remove(home_.applications() / "Notes.app/Contents/Resources" / tests::SampleHome::iconName);
+    std::filesystem::remove(home_.applications() / "Notes.app/Contents/Resources" / trial::SampleHome::iconName);
     start(allScans());
     clickSection(languagesRow);
     scan();
@@ -46,7 +46,7 @@ TEST_F(IconJourney, EachApplicationShowsItsOwn) {
 
 // The desktop's icons are a matter of the desktop: these are a theme of one.
 TEST_F(IconJourney, AFileShowsTheDesktopsIconOfItsTypeWhereThereIsOne) {
-    tests::writeFile(folder_ / "icons/Trial/index.theme",
+    trial::writeFile(folder_ / "icons/Trial/index.theme",
                      "[Icon Theme]\nName=Trial\nDirectories=types\n[types]\nSize=24\nContext=MimeTypes\n");
     std::filesystem::create_directories(folder_ / "icons/Trial/types");
     QImage icon(24, 24, QImage::Format_RGB32);
@@ -56,7 +56,7 @@ TEST_F(IconJourney, AFileShowsTheDesktopsIconOfItsTypeWhereThereIsOne) {
     QIcon::setThemeSearchPaths({QString::fromStdString(folder_ / "icons")});
     QIcon::setThemeName(QStringLiteral("Trial"));
     std::filesystem::create_directory(home_.downloads() / "folder.zip");
-    tests::writeFile(home_.downloads() / "folder.zip/file", "in a folder that is called like an archive");
+    trial::writeFile(home_.downloads() / "folder.zip/file", "in a folder that is called like an archive");
 
     start(allScans());
     clickSectionCheck(downloadsRow);

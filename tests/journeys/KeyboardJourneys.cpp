@@ -7,12 +7,12 @@
 #include <set>
 
 #include "support/FixtureTrees.h"
-#include "ui/FocusRing.h"
-#include "ui/Sheet.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
+#include "ui/controls/Sheet.h"
+#include "ui/look/FocusRing.h"
 
 using namespace brimvault;
-using tests::Guide;
+using trial::Guide;
 
 namespace {
 
@@ -132,7 +132,7 @@ TEST_F(TwoSectionsJourney, TwoSectionsAreCleanedWithOneItemSpared) {
         QTest::keyClick(guide_->list(), Qt::Key_Down);
     }
     QTest::keyClick(guide_->list(), Qt::Key_Space);
-    const auto caches = tests::fingerprint(home_.caches());
+    const auto caches = trial::fingerprint(home_.caches());
     ASSERT_TRUE(tabTo(lists()->pbtnClean()));
     alerts_.answers.push_back(tests::agree);
     QTest::keyClick(lists()->pbtnClean(), Qt::Key_Space);
@@ -143,7 +143,7 @@ TEST_F(TwoSectionsJourney, TwoSectionsAreCleanedWithOneItemSpared) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(files), {}), 1);
     EXPECT_TRUE(std::filesystem::exists(files / spared.toStdString()));
     EXPECT_EQ(subtitle(logsRow), QStringLiteral("No files found"));
-    EXPECT_EQ(tests::fingerprint(home_.caches()), caches) << "a section that was not ticked";
+    EXPECT_EQ(trial::fingerprint(home_.caches()), caches) << "a section that was not ticked";
     EXPECT_EQ(subtitle(cachesRow), QStringLiteral("Not Scanned"));
 }
 

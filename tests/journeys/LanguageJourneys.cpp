@@ -5,16 +5,16 @@
 #include <filesystem>
 #include <set>
 
-#include "engine/FileSize.h"
+#include "engine/model/FileSize.h"
 #include "support/FixtureTrees.h"
-#include "ui/ImageLoad.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
+#include "ui/look/ImageLoad.h"
 
 namespace fs = std::filesystem;
 
 using namespace brimvault;
 using langres::LangListController;
-using tests::Guide;
+using trial::Guide;
 using ui::ItemListModel;
 
 namespace {
@@ -182,12 +182,12 @@ TEST_F(LanguageJourney, CleaningLeavesTheLanguagesToKeepAndTheApplicationsThatAr
     scanApplications();
     guide_->clickCell(guide_->row(QStringLiteral("Music")), ItemListModel::checkColumn);
     EXPECT_EQ(application_->psectController().isAppsChecked(), true);
-    const auto music = tests::fingerprint(resources(QStringLiteral("Music")));
+    const auto music = trial::fingerprint(resources(QStringLiteral("Music")));
     const auto outside = home_.everythingOutside({"Applications"});
     fs::create_directory(resources(writer) / "Broken.lproj");
     clean();
     EXPECT_EQ(names(), QStringList(QStringLiteral("Music")));
-    EXPECT_EQ(tests::fingerprint(resources(QStringLiteral("Music"))), music);
+    EXPECT_EQ(trial::fingerprint(resources(QStringLiteral("Music"))), music);
     EXPECT_EQ(localizations(writer, {}), (std::set<std::string>{"en", "German", "Broken"}))
         << "what the scan did not see";
     EXPECT_TRUE(fs::exists(resources(writer) / "Base.lproj/Main.nib"));

@@ -4,17 +4,17 @@
 #include <QMenu>
 #include <filesystem>
 
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
 #include "support/HeardNotifications.h"
-#include "ui/InfoWindow.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
+#include "ui/services/InfoWindow.h"
 
 namespace fs = std::filesystem;
 
 using namespace brimvault;
 using engine::Section;
-using tests::Guide;
+using trial::Guide;
 
 namespace {
 
@@ -97,9 +97,9 @@ TEST_F(ListJourney, ShowsEverySectionAndCleansWhatIsTicked) {
     show(trashRow);
     EXPECT_EQ(names(), QStringList({text("draft.doc"), text("holiday.jpg"), text("old project")}));
     guide_->clickCell(guide_->row(text("draft.doc")), ui::ItemListModel::checkColumn);
-    const auto downloads = tests::fingerprint(home_.downloads());
+    const auto downloads = trial::fingerprint(home_.downloads());
     clean();
-    EXPECT_EQ(tests::fingerprint(home_.downloads()), downloads);
+    EXPECT_EQ(trial::fingerprint(home_.downloads()), downloads);
     EXPECT_TRUE(fs::exists(home_.trash() / "draft.doc"));
     EXPECT_TRUE(fs::is_empty(home_.desktopTrash() / "files"));
     EXPECT_TRUE(fs::is_empty(home_.desktopTrash() / "info"));
@@ -260,7 +260,7 @@ TEST_F(ListJourney, DeleteAsksAndRemovesOneItem) {
     EXPECT_EQ(alerts_.asked.back().buttons, ui::Alert::Buttons::deleteAndCancel);
     EXPECT_FALSE(application_->pbRemoving());  // the answer was no
     EXPECT_EQ(remover_.timesLet, 0);
-    const auto others = tests::fingerprint(home_.path(), {".local/share/Trash"});
+    const auto others = trial::fingerprint(home_.path(), {".local/share/Trash"});
 
     alerts_.answers.push_back(tests::agree);
     QTest::keyClick(guide_->list(), Qt::Key_Delete);
@@ -275,7 +275,7 @@ TEST_F(ListJourney, DeleteAsksAndRemovesOneItem) {
     EXPECT_FALSE(fs::exists(home_.desktopTrash() / "files/old project"));
     EXPECT_FALSE(fs::exists(home_.desktopTrash() / "info/old project.trashinfo"));
     EXPECT_TRUE(fs::exists(home_.desktopTrash() / "info/holiday.jpg.trashinfo"));
-    EXPECT_EQ(tests::fingerprint(home_.path(), {".local/share/Trash"}), others);
+    EXPECT_EQ(trial::fingerprint(home_.path(), {".local/share/Trash"}), others);
     EXPECT_EQ(engine::getNumberPropfromNotification(heard.all().back(), engine::key::success), 1);
 }
 

@@ -2,10 +2,12 @@
 
 #include <QMenu>
 
-#include "ui/AboutWC.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
+#include "ui/window/AboutWC.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using ui::MenuAction;
 

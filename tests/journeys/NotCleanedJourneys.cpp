@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <semaphore>
 
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
 #include "support/TextPrinting.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
 
 namespace fs = std::filesystem;
 
@@ -18,7 +18,7 @@ using namespace brimvault;
 using engine::NotCleanedApplications;
 using engine::NotRemovedDictionary;
 using testing::ElementsAre;
-using tests::Guide;
+using trial::Guide;
 
 namespace {
 

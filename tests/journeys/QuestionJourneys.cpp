@@ -2,12 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/FileSize.h"
-#include "ui/WindowAlerts.h"
-#include "ui/WindowFixture.h"
+#include "engine/model/FileSize.h"
+#include "support/WindowFixture.h"
+#include "ui/controls/WindowAlerts.h"
 
 using namespace brimvault;
-using tests::Guide;
+using trial::Guide;
 
 namespace {
 

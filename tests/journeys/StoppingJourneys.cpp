@@ -7,20 +7,20 @@
 #include <QThread>
 #include <algorithm>
 
-#include "engine/FileSize.h"
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
-#include "engine/OperationQueue.h"
-#include "files/Remove.h"
+#include "engine/model/FileSize.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
+#include "engine/operations/OperationQueue.h"
+#include "files/trees/Remove.h"
 #include "support/SectionWork.h"
-#include "ui/DefaultsKeys.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
+#include "ui/services/DefaultsKeys.h"
 
 namespace fs = std::filesystem;
 
 using namespace brimvault;
 using engine::Section;
-using tests::Guide;
+using trial::Guide;
 
 namespace {
 
@@ -60,11 +60,11 @@ protected:
     void main() override {
         constexpr int files = 8;
         for (int number = 0; number < files; ++number) {
-            tests::writeFile(folder_ / std::to_string(number), "1");
+            trial::writeFile(folder_ / std::to_string(number), "1");
             QThread::msleep(static_cast<unsigned long>(engine::OperationQueue::timeToReturn.count()) / 3);
             (void)files::remove(folder_ / std::to_string(number));
         }
-        tests::writeFile(folder_ / "done", "1");
+        trial::writeFile(folder_ / "done", "1");
     }
 
 private:
@@ -198,7 +198,7 @@ TEST_F(StoppingJourney, ACleanTakesWhatWasTickedWhenTheQuestionCame) {
     start();
     scan();
     const quint64 selected = model().getSize2CleanCachesSel();
-    tests::writeFile(caches() / "late", "12345");
+    trial::writeFile(caches() / "late", "12345");
     alerts_.whileOpen = [this] {
         auto whole = model().getCachesArray();
         whole.append(deletable(engine::FFItem::initWithPath(caches() / "late", 5)));

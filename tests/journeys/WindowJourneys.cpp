@@ -6,18 +6,18 @@
 #include <fstream>
 #include <semaphore>
 
-#include "engine/FileSize.h"
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
+#include "engine/model/FileSize.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
 #include "scanners/ScanBatches.h"
-#include "ui/DefaultsKeys.h"
-#include "ui/WindowFixture.h"
+#include "support/WindowFixture.h"
+#include "ui/services/DefaultsKeys.h"
 
 namespace fs = std::filesystem;
 
 using namespace brimvault;
 using engine::FileSize;
-using tests::Guide;
+using trial::Guide;
 
 namespace {
 
@@ -72,13 +72,13 @@ protected:
         return 0;
     }
 
-    const std::vector<tests::SampleHome::Entry> entries_ = home_.cachesSection();
+    const std::vector<trial::SampleHome::Entry> entries_ = home_.cachesSection();
 
     std::counting_semaphore<> letOn_{0};
 };
 
 TEST_F(WindowJourney, ScanReviewClean) {
-    const auto outside = tests::fingerprint(home_.path(), {"Library/Caches", "Library/Containers"});
+    const auto outside = trial::fingerprint(home_.path(), {"Library/Caches", "Library/Containers"});
     start();
     EXPECT_TRUE(window()->startPage()->isVisible());
     ASSERT_TRUE(guide_->scan(window()->startPage()->btnStartScanButton2()));
@@ -117,8 +117,8 @@ TEST_F(WindowJourney, ScanReviewClean) {
     for (const auto& entry : fs::directory_iterator(caches())) {
         left.push_back(entry.path().filename());
     }
-    EXPECT_THAT(left, testing::UnorderedElementsAre(photos.toStdString(), tests::SampleHome::hiddenName));
-    EXPECT_EQ(tests::fingerprint(home_.path(), {"Library/Caches", "Library/Containers"}), outside);
+    EXPECT_THAT(left, testing::UnorderedElementsAre(photos.toStdString(), trial::SampleHome::hiddenName));
+    EXPECT_EQ(trial::fingerprint(home_.path(), {"Library/Caches", "Library/Containers"}), outside);
 }
 
 TEST_F(WindowJourney, WithNothingSelectedThereIsNothingToClean) {
@@ -148,13 +148,13 @@ TEST_F(WindowJourney, TickingAnItemTicksItsSection) {
 }
 
 TEST_F(WindowJourney, ACancelledQuestionRemovesNothingButRemembersNotToAsk) {
-    const auto before = tests::fingerprint(home_.path());
+    const auto before = trial::fingerprint(home_.path());
     start();
     scan();
     alerts_.answers.push_back({ui::AlertAnswer::secondButton, true});
     Guide::click(lists()->pbtnClean());
     EXPECT_FALSE(application_->pbCleanning());
-    EXPECT_EQ(tests::fingerprint(home_.path()), before);
+    EXPECT_EQ(trial::fingerprint(home_.path()), before);
     Guide::click(lists()->pbtnClean());
     EXPECT_EQ(alerts_.asked.size(), 1U) << "it was told not to ask again";
     ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
@@ -178,7 +178,7 @@ TEST_F(WindowJourney, NothingBeginsWhileAQuestionIsOpen) {
 
 TEST_F(WindowJourney, ACleanSelectsNothingAndKeepsTheListWhereItWas) {
     for (int number = 0; number < 100; ++number) {
-        tests::writeFile(caches() / ("item " + std::to_string(number)), "12345");
+        trial::writeFile(caches() / ("item " + std::to_string(number)), "12345");
     }
     start();
     scan();
@@ -213,7 +213,7 @@ TEST_F(WindowJourney, APressedCheckBoxStaysWithItsItemWhenRowsMove) {
 
 TEST_F(WindowJourney, TooltipsShowNamesThatLookLikeMarkupAsTheyAre) {
     const std::string markup = "<b>bold &amp; <br>";
-    tests::writeFile(caches() / markup, "12345");
+    trial::writeFile(caches() / markup, "12345");
     start();
     scan();
     const auto index = guide_->list()->model()->index(guide_->row(QString::fromStdString(markup)), 0);
@@ -368,8 +368,8 @@ TEST_F(WindowJourney, ANewScanShowsNothingOfTheOldOne) {
 }
 
 TEST_F(WindowJourney, AnEmptyOrMissingCachesFolderIsSaid) {
-    tests::removeTree(caches());
-    tests::removeTree(home_.containers());
+    trial::removeTree(caches());
+    trial::removeTree(home_.containers());
     start();
     scan();
     EXPECT_EQ(guide_->list(), nullptr);
@@ -396,7 +396,7 @@ TEST_F(WindowJourney, WhereALinkLeadsAndWhyAFolderIsNotLookedIntoIsSaid) {
     const QString disk = QString::fromStdString((folder_ / "disk").native());
     EXPECT_TRUE(says(QStringLiteral("which leads to ") + disk));
     EXPECT_TRUE(described(Qt::ToolTipRole).contains(disk));
-    EXPECT_GE(guide_->row(QString::fromLatin1(tests::SampleHome::plainFileName)), 0);
+    EXPECT_GE(guide_->row(QString::fromLatin1(trial::SampleHome::plainFileName)), 0);
 
     fs::remove(caches());
     fs::remove_all(home_.containers());
@@ -411,10 +411,10 @@ TEST_F(WindowJourney, WhereALinkLeadsAndWhyAFolderIsNotLookedIntoIsSaid) {
 }
 
 TEST_F(WindowJourney, OddNamesAreShownOnOneLineAndRemovedExactly) {
-    tests::removeTree(caches());
-    tests::removeTree(home_.containers());
+    trial::removeTree(caches());
+    trial::removeTree(home_.containers());
     const std::string odd = "line\nbreak \xff\xfe end";
-    tests::writeFile(caches() / odd, "12345");
+    trial::writeFile(caches() / odd, "12345");
     start();
     scan();
     const QChar unknown = QChar::ReplacementCharacter;

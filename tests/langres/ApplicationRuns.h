@@ -8,14 +8,16 @@
 #include <string>
 #include <vector>
 
-#include "engine/Notifications.h"
-#include "engine/OperationQueue.h"
+#include "engine/notification/Notifications.h"
+#include "engine/operations/OperationQueue.h"
 #include "langres/CAOperation.h"
 #include "langres/SAOperation.h"
 #include "support/HeardNotifications.h"
-#include "support/SampleHome.h"
+#include "trial/SampleHome.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 inline const engine::SectionVocabulary resources = engine::vocabulary(engine::Section::languageResources);
 

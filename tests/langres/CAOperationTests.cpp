@@ -13,9 +13,11 @@
 
 #include "langres/ApplicationRuns.h"
 #include "support/ChildProcess.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using engine::ApplicationArray;
 using Paths = std::vector<std::filesystem::path>;

@@ -5,11 +5,13 @@
 #include <QRegularExpression>
 
 #include "platform/LocaleIdentifiers.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
 #include "support/TextPrinting.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using langres::LangListController;
 using langres::LanguagesManager;

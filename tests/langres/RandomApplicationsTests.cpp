@@ -7,17 +7,19 @@
 #include <set>
 #include <thread>
 
-#include "engine/DataMan.h"
+#include "engine/model/DataMan.h"
 #include "langres/ApplicationRuns.h"
 #include "support/ChildProcess.h"
 #include "support/EventLoop.h"
 #include "support/FixtureTrees.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 // Applications made at random: what the program counts for a list of languages, and what a clean then takes from the
 // disk, against a model that looks at the folders by other means than the program's.
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 namespace fs = std::filesystem;
 

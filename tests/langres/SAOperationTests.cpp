@@ -11,13 +11,15 @@
 #include <system_error>
 #include <thread>
 
-#include "engine/FileManager.h"
+#include "engine/model/FileManager.h"
 #include "langres/ApplicationRuns.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using engine::ApplicationArray;
 using engine::Notification;

@@ -6,10 +6,12 @@
 #include <fstream>
 #include <iterator>
 
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::ApplicationIcon;
 namespace fs = std::filesystem;

@@ -7,12 +7,14 @@
 #include "platform/linux/KeyboardSettings.h"
 #include "support/ChildProcess.h"
 #include "support/HostileFiles.h"
-#include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
 #include "support/TextPrinting.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 namespace fs = std::filesystem;
 

@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "support/HostileFiles.h"
-#include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::LibraryURLs;
 namespace fs = std::filesystem;

@@ -6,10 +6,12 @@
 #include <cerrno>
 #include <system_error>
 
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::Packages;
 namespace fs = std::filesystem;

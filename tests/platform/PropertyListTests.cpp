@@ -6,11 +6,13 @@
 #include <QByteArray>
 
 #include "platform/FinderPreferences.h"
-#include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::FinderPreferences;
 using platform::PropertyList;

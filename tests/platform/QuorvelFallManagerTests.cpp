@@ -6,9 +6,11 @@
 #include <filesystem>
 #include <fstream>
 
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::QuorvelFallManager;
 namespace fs = std::filesystem;

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/LibraryURLs.h"
-#include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::openSectionRoot;
 using platform::RootRefusal;

@@ -8,11 +8,13 @@
 
 #include "support/ChildProcess.h"
 #include "support/HostileFiles.h"
-#include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using platform::UserDefaults;
 namespace fs = std::filesystem;

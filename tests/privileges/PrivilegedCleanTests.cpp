@@ -12,12 +12,14 @@
 
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 // The real parts: the system bus, polkitd with rules, pkexec, the installed root remover, and users without rights.
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 namespace fs = std::filesystem;
 

@@ -21,11 +21,13 @@
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
 #include "support/NameExchange.h"
-#include "support/SampleHome.h"
+#include "trial/SampleHome.h"
 
 // The root remover as it is installed, started as pkexec starts it, and clients that speak with it byte by byte.
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 namespace fs = std::filesystem;
 

@@ -13,13 +13,15 @@
 #include <stdexcept>
 #include <thread>
 
-#include "engine/Notifications.h"
+#include "engine/notification/Notifications.h"
 #include "support/HeardNotifications.h"
-#include "support/SampleHome.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 namespace fs = std::filesystem;
 

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/FCutter.h"
-#include "engine/Remover.h"
+#include "engine/operations/FCutter.h"
+#include "engine/removal/Remover.h"
 
 namespace brimvault::tests {
 

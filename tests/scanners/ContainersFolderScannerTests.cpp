@@ -6,9 +6,11 @@
 #include "scanners/ContainersFolderScannerManager.h"
 #include "support/FixtureTrees.h"
 #include "support/SectionWork.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using scanners::ContainersFolderScanner;
 using scanners::ContainersFolderScannerManager;

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "engine/FCutter.h"
-#include "engine/ItemRemoval.h"
+#include "engine/operations/FCutter.h"
+#include "engine/removal/ItemRemoval.h"
 #include "langres/CAOperation.h"
 #include "langres/SAOperation.h"
 #include "scanners/SChOperation.h"
@@ -12,9 +12,11 @@
 #include "support/NameExchange.h"
 #include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using engine::ItemArray;
 using engine::NotRemovedDictionary;

@@ -3,9 +3,11 @@
 #include "scanners/PathsGenerator.h"
 #include "scanners/SystemPathsGenerator.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using scanners::PathsGenerator;
 using scanners::SystemPathsGenerator;

@@ -5,19 +5,21 @@
 #include <map>
 #include <random>
 
-#include "engine/FCutter.h"
+#include "engine/operations/FCutter.h"
 #include "scanners/SDwnOperation.h"
 #include "scanners/SLogsOperation.h"
 #include "scanners/STrshOperation.h"
 #include "support/FixtureTrees.h"
 #include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 // Logs, Downloads and Trash over homes made at random: what a scan lists against a listing by the rules, and what a
 // clean of some of it leaves against what is then to be left.
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using engine::ItemArray;
 namespace fs = std::filesystem;

@@ -9,9 +9,11 @@
 #include "support/FixtureTrees.h"
 #include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using engine::ItemArray;
 using scanners::ContainersFolderScannerManager;

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "engine/Notifications.h"
+#include "engine/notification/Notifications.h"
 #include "support/HeardNotifications.h"
 
 namespace brimvault::tests {

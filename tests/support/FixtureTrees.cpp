@@ -10,6 +10,8 @@
 
 namespace brimvault::tests {
 
+using namespace trial;
+
 namespace fs = std::filesystem;
 
 namespace {

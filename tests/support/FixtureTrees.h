@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "support/SampleHome.h"
+#include "trial/SampleHome.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 /// Trees for tests, each made in a new folder at the path. Sizes are logical bytes of all that is no folder.
 

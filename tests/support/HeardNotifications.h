@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "engine/NotificationCenter.h"
+#include "engine/notification/NotificationCenter.h"
 
 namespace brimvault::tests {
 

@@ -8,9 +8,11 @@
 #include <string>
 #include <system_error>
 
-#include "support/SampleHome.h"
+#include "trial/SampleHome.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 /// Calls with the file being, in turn, each of what keeps a careless reader waiting or fills its memory, and removes
 /// it at the end. What it is told is the name of the kind.

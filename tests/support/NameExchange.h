@@ -9,9 +9,11 @@
 #include <string>
 #include <thread>
 
-#include "support/SampleHome.h"
+#include "trial/SampleHome.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 /// Exchanges two names with each other. False where one is missing, or the file system exchanges no names.
 inline bool exchangeNames(const std::filesystem::path& one, const std::filesystem::path& other) {

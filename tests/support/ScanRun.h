@@ -6,10 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "engine/FFItem.h"
-#include "engine/Notifications.h"
-#include "engine/OperationQueue.h"
-#include "engine/SBaseOperation.h"
+#include "engine/model/FFItem.h"
+#include "engine/notification/Notifications.h"
+#include "engine/operations/OperationQueue.h"
+#include "engine/operations/SBaseOperation.h"
 #include "support/HeardNotifications.h"
 
 namespace brimvault::tests {

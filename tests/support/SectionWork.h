@@ -6,9 +6,9 @@
 #include <thread>
 #include <utility>
 
-#include "engine/NotificationCenter.h"
-#include "engine/Notifications.h"
-#include "engine/SBaseOperation.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
+#include "engine/operations/SBaseOperation.h"
 
 namespace brimvault::tests {
 

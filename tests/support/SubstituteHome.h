@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/SubstituteSystem.h"
+#include "platform/System.h"
 
 namespace brimvault::tests {
 

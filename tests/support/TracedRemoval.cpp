@@ -14,9 +14,11 @@
 #include <iterator>
 #include <system_error>
 
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "files/Remove.h"
+#include "files/trees/Remove.h"
 
 namespace brimvault::tests {
 

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "files/Remove.h"
+#include "files/trees/Remove.h"
 
 namespace {
 

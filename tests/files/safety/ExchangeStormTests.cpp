@@ -14,13 +14,15 @@
 #include <string>
 #include <thread>
 
-#include "files/Remove.h"
+#include "files/trees/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/NameExchange.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using files::RemovalEnd;
 namespace fs = std::filesystem;

@@ -13,11 +13,13 @@
 #include <string_view>
 
 #include "support/FixtureTrees.h"
-#include "support/SampleHome.h"
-#include "support/TemporaryFolder.h"
 #include "support/TracedRemoval.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using files::RemovalEnd;
 namespace fs = std::filesystem;

@@ -16,12 +16,14 @@
 #include <system_error>
 #include <vector>
 
-#include "files/Remove.h"
+#include "files/trees/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "support/TemporaryFolder.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
+
+using namespace trial;
 
 using files::RemovalEnd;
 namespace fs = std::filesystem;

@@ -1,0 +1,58 @@
+#include <QApplication>
+#include <QLocale>
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <thread>
+
+#include "app/SectionOperations.h"
+#include "app/Translations.h"
+#include "engine/removal/Remover.h"
+#include "platform/UserDefaults.h"
+#include "ui/accessibility/AccessibleItemView.h"
+#include "ui/controls/WindowAlerts.h"
+#include "ui/look/FocusRing.h"
+#include "ui/look/Look.h"
+#include "ui/window/FAppDelegate.h"
+
+namespace {
+
+// Everything is written by the time the window has gone. What a dead volume holds, nobody can end or wait for.
+void endWithinASecond(int result) {
+    std::thread([result] {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+        std::_Exit(result);
+    }).detach();
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    using namespace brimvault;
+
+    QApplication application(argc, argv);
+    // The user's languages are read from files; meanwhile the window is made.
+    const auto reading = std::async(std::launch::async, [] { (void)langres::LanguagesManager::sharedManager(); });
+    QApplication::setApplicationName(QStringLiteral("Brimvault"));
+    QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
+    const app::Translations translations(QLocale::system().uiLanguages());  // the program's language
+    ui::look::apply();                                                      // light, in the window's own type
+    ui::watchFocus();                                                       // its mark is for the keyboard alone
+    ui::AccessibleItemView::install();                                      // the lists, as assistive clients see them
+
+    platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
+    ui::WindowAlerts alerts;                                                  // questions to the user
+    auto& remover = engine::Remover::GetInstance();                           // what the user may not remove
+    ui::FAppDelegate delegate(app::scanOperations(),                          // what scans each section
+                              app::cleanOperations(remover),                  // what cleans each section
+                              {defaults, alerts, ui::UtilMod::sharedUtil(),   // the file browser
+                               langres::LanguagesManager::sharedManager()});  // the user's languages; and the window
+    delegate.applicationDidFinishLaunching();
+    const int result = QApplication::exec();
+    if (delegate.isAnythingLeftBehind()) {
+        std::_Exit(result);  // nothing is destroyed under a thread that may still return
+    }
+    endWithinASecond(result);
+    remover.giveUp();  // the rights that the user has granted
+    return result;
+}

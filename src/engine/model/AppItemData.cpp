@@ -1,0 +1,128 @@
+#include "engine/model/AppItemData.h"
+
+#include <QSet>
+#include <algorithm>
+#include <utility>
+
+#include "engine/model/FileManager.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+QString family(const QString& identifier) { return identifier.section(QLatin1Char('-'), 0, 0); }
+
+// Which one stays of a folder where none is to be kept: the nearest to what the user reads. That is a regional form of
+// a language to keep, English among them, else what was found last. Null where one is kept.
+std::shared_ptr<LocalizationItem> lastOne(const LocalizationArray& group, const QStringList& needed) {
+    const auto isKept = [&](const auto& item) { return !item->shouldBeRemovedWithNeedLangs(needed); };
+    if (std::any_of(group.begin(), group.end(), isKept)) {
+        return nullptr;
+    }
+    for (const QString& language : needed) {
+        const auto relative = std::find_if(
+            group.begin(), group.end(), [&](const auto& item) { return family(item->plocNameId) == family(language); });
+        if (relative != group.end()) {
+            return *relative;
+        }
+    }
+    return group.last();
+}
+
+}  // namespace
+
+std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::path& path) {
+    auto item = std::make_shared<AppItemData>();
+    item->pAppName_ = path;
+    item->displayName_ = FileManager::displayNameAtPath(path);
+    (void)item->nameKey();  // made here, not where the item is shown
+    return item;
+}
+
+void AppItemData::addLocalizationItem(const std::shared_ptr<LocalizationItem>& item) {
+    pmLocalizations_.append(item);
+    addToGroup(item);
+    counted_.reset();
+}
+
+std::filesystem::path AppItemData::keyForLocalizationItem(const LocalizationItem& item) const {
+    const auto folder = item.plocPath.parent_path().native();
+    const auto& application = pAppName_.native();
+    return folder.starts_with(application) ? folder.substr(application.size()) : folder;
+}
+
+void AppItemData::addToGroup(const std::shared_ptr<LocalizationItem>& item) {
+    const auto [place, isNew] =
+        groupOfKey_.try_emplace(keyForLocalizationItem(*item).native(), pmLocalizationsDict_.size());
+    if (isNew) {
+        pmLocalizationsDict_.emplace_back();
+    }
+    pmLocalizationsDict_[place->second].append(item);
+}
+
+void AppItemData::recalcLocalizationsDict() {
+    pmLocalizationsDict_.clear();
+    groupOfKey_.clear();
+    for (const auto& item : std::as_const(pmLocalizations_)) {
+        addToGroup(item);
+    }
+}
+
+void AppItemData::forEachRemovable(const QStringList& needed,
+                                   const std::function<void(const std::shared_ptr<LocalizationItem>&)>& call) const {
+    if (needed.isEmpty() || pmLocalizations_.size() < 2) {
+        return;
+    }
+    for (const auto& group : pmLocalizationsDict_) {
+        const auto spared = lastOne(group, needed);
+        for (const auto& item : group) {
+            if (item != spared && item->shouldBeRemovedWithNeedLangs(needed)) {
+                call(item);
+            }
+        }
+    }
+}
+
+// Asked of all whenever some come, so that nothing is counted again that would come out the same.
+void AppItemData::recalcKeepSpaceForLocales(const QStringList& needed) {
+    const Counted now{needed, ppbDeletable()};
+    if (counted_ == now) {
+        return;
+    }
+    counted_ = now;
+    ncanKeepSpace_ = 0;
+    ncanKeepSpaceSel_ = 0;
+    if (needed.isEmpty() || pmLocalizations_.size() < 2) {
+        return;
+    }
+    QSet<QString> languages;
+    forEachRemovable(needed, [&](const std::shared_ptr<LocalizationItem>& item) {
+        ncanKeepSpace_ += item->nlocSize;
+        ncanKeepSpaceSel_ += now.isDeletable ? item->nlocSize : 0;
+        languages.insert(item->plocNameId);
+    });
+    ncanCleanLocs_ = static_cast<quint64>(languages.size());
+}
+
+LocalizationArray AppItemData::itemsToClean(const QStringList& needed) const {
+    LocalizationArray items;
+    if (ppbChecked() && ppbDeletable()) {
+        forEachRemovable(needed, [&](const std::shared_ptr<LocalizationItem>& item) { items.append(item); });
+    }
+    return items;
+}
+
+void AppItemData::updCleanedLocalizations(const LocalizationArray& removed, const QStringList& needed) {
+    const QSet<std::shared_ptr<LocalizationItem>> gone(removed.cbegin(), removed.cend());
+    pmLocalizations_.removeIf([&](const auto& item) { return gone.contains(item); });
+    recalcLocalizationsDict();
+    counted_.reset();
+    recalcKeepSpaceForLocales(needed);
+}
+
+QString AppItemData::ppdisplayKeyName() const {
+    const auto extension = displayName_.lastIndexOf(QLatin1Char('.'));
+    return extension > 0 ? displayName_.left(extension) : displayName_;
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,74 @@
+#include "engine/model/FFItem.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "platform/DisplayText.h"
+
+namespace brimvault::engine {
+
+std::shared_ptr<FFItem> FFItem::initWithName(const std::filesystem::path& name, quint64 nsz) {
+    auto item = std::make_shared<FFItem>();
+    item->setName(name.native());
+    item->pfSize_ = nsz;
+    (void)item->nameKey();  // made here, not where the item is shown
+    return item;
+}
+
+std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, quint64 nsz) {
+    auto item = initWithName(path.has_filename() ? path.filename() : path.parent_path().filename(), nsz);
+    item->setPfpath(path);
+    return item;
+}
+
+void FFItem::setPfname(const std::filesystem::path& name) {
+    if (hasPath() && holderKind_ == Holder::folder) {
+        auto whole = *holder_;
+        whole.path = pathBytes();
+        holder_ = std::make_shared<const FoundIn>(std::move(whole));
+        holderKind_ = Holder::wholePath;
+    }
+    setName(name.native());
+    nameChanged();
+}
+
+void FFItem::setName(const std::string& bytes) {
+    pfname_ = std::make_unique<char[]>(bytes.size() + 1);
+    bytes.copy(pfname_.get(), bytes.size());
+}
+
+void FFItem::setPfpath(const std::filesystem::path& path) {
+    // Items are found folder by folder.
+    thread_local std::shared_ptr<const FoundIn> lastHolder;
+    const std::string_view bytes = path.native();
+    const std::string_view name = nameBytes();
+    const auto before = bytes.size() - std::min(name.size(), bytes.size());
+    const bool endsWithName = !name.empty() && before > 0 && bytes[before - 1] == '/' && bytes.ends_with(name);
+    const auto holder = endsWithName ? bytes.substr(0, before) : bytes;
+    holderKind_ = endsWithName ? Holder::folder : Holder::wholePath;
+    if (holder.empty()) {
+        holder_ = nullptr;
+        return;
+    }
+    if (lastHolder == nullptr || lastHolder->path != holder) {
+        lastHolder = std::make_shared<const FoundIn>(FoundIn{std::string(holder)});
+    }
+    holder_ = lastHolder;
+}
+
+std::string FFItem::pathBytes() const {
+    if (!hasPath()) {
+        return {};
+    }
+    return holderKind_ == Holder::folder ? holder_->path + nameBytes() : holder_->path;
+}
+
+std::filesystem::path FFItem::location() const {
+    return holder_ != nullptr && holderKind_ == Holder::sectionFolder ? holder_->path + nameBytes() : pathBytes();
+}
+
+QString FFItem::ppdisplayName() const { return platform::displayText(pfname()); }
+
+QString FFItem::ppdisplayKeyName() const { return platform::displayText(pfname().stem()); }
+
+}  // namespace brimvault::engine

@@ -1,0 +1,152 @@
+#include "engine/model/NestedItems.h"
+
+#include <algorithm>
+
+namespace brimvault::engine {
+
+namespace {
+
+std::string folderOf(const FFItem& item) {
+    const auto path = item.pathBytes();
+    return path.substr(0, path.rfind('/') + 1);  // none without a path
+}
+
+// Calls with each folder that the folder lies in, and with itself, each with a slash at its end.
+template <typename Call>
+void forEachPrefix(const std::string& folder, Call call) {
+    for (auto slash = folder.find('/'); slash != std::string::npos; slash = folder.find('/', slash + 1)) {
+        call(folder.substr(0, slash + 1));
+    }
+}
+
+}  // namespace
+
+void NestedItems::follow() {
+    const qsizetype firstNew = taken_;
+    std::map<std::string, qsizetype> toSearch;  // folders, and from which item on something in them may hold others
+    while (taken_ < items_.size()) {
+        takeRun(toSearch);
+    }
+    for (const auto& [folder, firstItem] : toSearch) {
+        findHoldersIn(folders_.find(folder), firstItem);
+    }
+    if (holders_.empty()) {
+        return;
+    }
+    for (const auto& [folder, firstItem] : toSearch) {
+        const auto& runs = folders_.find(folder)->second;
+        for (auto run = runs.rbegin(); run != runs.rend() && run->first >= firstNew; ++run) {
+            if (isAnyUnticked(*run)) {
+                forEachHolderOf(folder, [](FFItem& holder) { holder.setPpbChecked(false); });
+            }
+        }
+    }
+    for (const auto& [path, place] : holders_) {
+        if (place >= firstNew) {
+            untickIfItHoldsUnticked(path, *items_[place]);
+        }
+    }
+}
+
+void NestedItems::takeRun(std::map<std::string, qsizetype>& toSearch) {
+    Run run{taken_, taken_ + 1};
+    while (run.end < items_.size() && items_[run.end]->isBeside(*items_[run.first])) {
+        ++run.end;
+    }
+    taken_ = run.end;
+    const auto folder = folderOf(*items_[run.first]);
+    if (folder.empty()) {
+        return;
+    }
+    const auto [known, isNew] = folders_.try_emplace(folder);
+    known->second.push_back(run);
+    toSearch.try_emplace(folder, run.first);
+    if (isNew) {  // items that came before may hold it
+        forEachPrefix(folder, [&](const std::string& prefix) {
+            if (prefix != folder && folders_.contains(prefix)) {
+                toSearch[prefix] = 0;
+            }
+        });
+    }
+}
+
+void NestedItems::clear() {
+    folders_.clear();
+    holders_.clear();
+    taken_ = 0;
+}
+
+std::set<std::string> NestedItems::namesThatHoldFolders(Folders::const_iterator folder) const {
+    std::set<std::string> names;
+    const auto& path = folder->first;
+    for (auto next = std::next(folder); next != folders_.end() && next->first.starts_with(path);) {
+        const auto holder = next->first.substr(0, next->first.find('/', path.size()));
+        names.insert(holder.substr(path.size()));
+        next = folders_.lower_bound(holder + static_cast<char>('/' + 1));  // behind all that begin with it and a slash
+    }
+    return names;
+}
+
+void NestedItems::findHoldersIn(Folders::const_iterator folder, qsizetype firstItem) {
+    const auto names = namesThatHoldFolders(folder);
+    if (names.empty()) {
+        return;
+    }
+    for (const auto& run : folder->second) {
+        for (qsizetype place = std::max(run.first, firstItem); place < run.end; ++place) {
+            const auto path = items_[place]->pathBytes();
+            if (names.contains(path.substr(folder->first.size()))) {
+                holders_.insert_or_assign(path + '/', place);
+            }
+        }
+    }
+}
+
+void NestedItems::forEachInside(const FFItem& item, const Call& call) const {
+    const auto path = item.pathBytes() + '/';
+    if (!holders_.contains(path)) {
+        return;
+    }
+    for (auto next = folders_.lower_bound(path); next != folders_.end() && next->first.starts_with(path); ++next) {
+        for (const auto& run : next->second) {
+            std::for_each(items_.begin() + run.first, items_.begin() + run.end,
+                          [&](const auto& inner) { call(*inner); });
+        }
+    }
+}
+
+void NestedItems::forEachHolder(const FFItem& item, const Call& call) const { forEachHolderOf(folderOf(item), call); }
+
+void NestedItems::forEachHolderOf(const std::string& path, const Call& call) const {
+    if (holders_.empty()) {
+        return;
+    }
+    forEachPrefix(path, [&](const std::string& prefix) {
+        if (const auto holder = holders_.find(prefix); holder != holders_.end()) {
+            call(*items_[holder->second]);
+        }
+    });
+}
+
+bool NestedItems::isAnyUnticked(const Run& run) const {
+    return std::any_of(items_.begin() + run.first, items_.begin() + run.end,
+                       [](const auto& item) { return !item->ppbChecked(); });
+}
+
+void NestedItems::untickIfItHoldsUnticked(const std::string& path, FFItem& holder) const {
+    for (auto next = folders_.lower_bound(path);
+         holder.ppbChecked() && next != folders_.end() && next->first.starts_with(path); ++next) {
+        const auto& runs = next->second;
+        if (std::any_of(runs.begin(), runs.end(), [this](const Run& run) { return isAnyUnticked(run); })) {
+            holder.setPpbChecked(false);
+        }
+    }
+}
+
+void NestedItems::untickHoldersOfUnticked() const {
+    for (const auto& [path, place] : holders_) {
+        untickIfItHoldsUnticked(path, *items_[place]);
+    }
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,135 @@
+#include "engine/model/SectionItems.h"
+
+#include <QSet>
+#include <algorithm>
+#include <utility>
+
+#include "engine/model/LetGo.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+QSet<const FFItem*> pointers(const ItemArray& items) {
+    QSet<const FFItem*> set;
+    set.reserve(items.size());
+    for (const auto& item : items) {
+        set.insert(item.get());
+    }
+    return set;
+}
+
+}  // namespace
+
+// The end of a scan brings again what its batches have brought already.
+void SectionItems::replace(const ItemArray& items) {
+    if (items_.size() <= items.size() && std::equal(items_.begin(), items_.end(), items.begin())) {
+        append(items.mid(items_.size()));
+        return;
+    }
+    beginGeneration();
+    letGo(std::exchange(items_, ItemArray()));
+    append(items);
+}
+
+void SectionItems::append(const ItemArray& items) {
+    for (const auto& item : items) {
+        item->watchMarks();
+    }
+    if (items_.isEmpty()) {
+        items_ = items;  // shared, not copied
+    } else {
+        items_ += items;
+    }
+    nested_.follow();
+}
+
+bool SectionItems::setChecked(FFItem& item, bool checked) {
+    nested_.follow();  // a clean may have changed the list
+    const auto before = CleanableItem::marksRevision();
+    const bool changes = item.ppbChecked() != checked;
+    const auto untick = [](FFItem& holder) { holder.setPpbChecked(false); };
+    item.setPpbChecked(checked);
+    QList<const FFItem*> spared;  // one for each folder: what lies beside each other lies in the same items
+    nested_.forEachInside(item, [&](FFItem& inner) {
+        if (!checked || inner.mayBeTickedAlong()) {
+            inner.setPpbChecked(checked);
+        } else if (!inner.ppbChecked() && (spared.isEmpty() || !inner.isBeside(*spared.last()))) {
+            spared.append(&inner);
+        }
+    });
+    if (!checked) {
+        nested_.forEachHolder(item, untick);
+    }
+    for (const auto* inner : std::as_const(spared)) {
+        nested_.forEachHolder(*inner, untick);
+    }
+    return CleanableItem::marksRevision() != before + (changes ? 1 : 0);
+}
+
+void SectionItems::settleMarks() {
+    nested_.follow();
+    nested_.untickHoldersOfUnticked();
+}
+
+void SectionItems::remove(const ItemArray& gone) {
+    if (gone.isEmpty()) {
+        return;
+    }
+    beginGeneration();
+    removed_ = gone;
+    if (gone.size() < items_.size() / 2) {
+        const auto wanted = pointers(gone);
+        items_.removeIf([&](const auto& item) { return wanted.contains(item.get()); });
+    } else {
+        removeMost(gone);
+    }
+}
+
+// A clean goes through the items in their order, so that hardly any need be looked for. It may still hold the array,
+// and changing that would copy what is to go.
+void SectionItems::removeMost(const ItemArray& gone) {
+    const ItemArray before = std::exchange(items_, ItemArray());
+    auto next = gone.begin();
+    for (const auto& item : before) {
+        if (next != gone.end() && *next == item) {
+            ++next;
+        } else {
+            items_.append(item);
+        }
+    }
+    QSet<const FFItem*> unwanted;
+    const auto left = pointers(items_);
+    for (const auto& item : gone) {
+        if (left.contains(item.get())) {
+            unwanted.insert(item.get());
+        }
+    }
+    items_.removeIf([&](const auto& item) { return unwanted.contains(item.get()); });
+    letGo(before);
+}
+
+void SectionItems::forgetRemoved() { letGo(std::exchange(removed_, ItemArray())); }
+
+void SectionItems::beginGeneration() {
+    ++generation_;
+    nested_.clear();
+    forgetRemoved();
+    summed_ = 0;
+}
+
+const ItemSums& SectionItems::sums() const {
+    const quint64 revision = CleanableItem::marksRevision();
+    if (std::exchange(marksRevision_, revision) != revision) {
+        summed_ = 0;
+    }
+    if (summed_ == 0) {
+        sums_ = {};
+    }
+    for (; summed_ < items_.size(); ++summed_) {
+        sums_.add(*items_[summed_]);
+    }
+    return sums_;
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,101 @@
+#include "engine/operations/CBaseOperation2.h"
+
+#include <QCoreApplication>
+
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+// A name that is to be looked up inside a folder must be one name, and not that of the folder or the one above.
+bool isOneName(const std::filesystem::path& name) {
+    return !name.empty() && !name.has_parent_path() && name != "." && name != "..";
+}
+
+QString holdsSparedText() { return QCoreApplication::translate("Clean", "It holds something that is not selected"); }
+
+bool holdsAnyOf(const std::filesystem::path& folder, const std::set<std::string>& paths) {
+    const auto inside = folder.lexically_normal().native() + "/";
+    const auto first = paths.lower_bound(inside);
+    return first != paths.end() && first->starts_with(inside);
+}
+
+}  // namespace
+
+bool CBaseOperation2::isToBeCleaned(const FFItem& item) const {
+    return item.ppbChecked() && item.ppbDeletable() && item.pfSize() != 0 && isAgreed(item);
+}
+
+// The paths of what the user has spared, or was not asked about, in the order of their bytes.
+std::set<std::string> CBaseOperation2::sparedPaths(const ItemArray& items) const {
+    std::set<std::string> paths;
+    for (const auto& item : items) {
+        if (item->hasPath() && !(item->ppbChecked() && isAgreed(*item))) {
+            paths.insert(item->pfpath().lexically_normal().native());
+        }
+    }
+    return paths;
+}
+
+void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder,
+                                  ItemArray& removed, NotRemovedDictionary& notRemoved) {
+    const auto spared = sparedPaths(items);
+    ItemRemover remover(remover_);
+    for (const auto& item : items) {
+        if (isCancelled()) {
+            return;
+        }
+        if (!isToBeCleaned(*item)) {
+            continue;
+        }
+        const auto location = item->location();
+        if (item->hasPath() && holdsAnyOf(location, spared)) {
+            take({false, holdsSparedText()}, item, removed, notRemoved);
+        } else if (item->hasPath()) {
+            take(remover.remove(location, item->foundIn()), item, removed, notRemoved);
+        } else if (location.empty() && !folder && !isRootRefused_) {
+            take({true, {}}, item, removed, notRemoved);
+        } else if ((location.empty() && !folder) || !isOneName(item->pfname())) {
+            take({false, ItemRemoval::withoutSystemText()}, item, removed, notRemoved);
+        } else {
+            const auto path = location.empty() ? *folder / item->pfname() : location;
+            take(remover.remove(path, item->foundIn()), item, removed, notRemoved);
+        }
+    }
+}
+
+void CBaseOperation2::take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item, ItemArray& removed,
+                           NotRemovedDictionary& notRemoved) {
+    const std::lock_guard guard(resultsMutex_);
+    if (removal.gone) {
+        removed.append(item);
+    } else {
+        notRemoved.insert(item->ppdisplayName(), removal.reason);
+    }
+}
+
+void CBaseOperation2::cleanAndPost(const std::optional<std::filesystem::path>& root) {
+    std::optional<std::filesystem::path> folder;
+    if (root) {
+        const auto place = platform::openSectionRoot(*root).place;
+        isRootRefused_ =
+            place->refusal != platform::RootRefusal::none && place->refusal != platform::RootRefusal::missing;
+        folder = isRootRefused_ ? folder : place->resolved;
+    }
+    removeItems(pCArray(), folder, removed_, notRemoved_);
+    postResults();
+}
+
+void CBaseOperation2::postResults() {
+    const auto words = vocabulary(section());
+    UserInfo results;
+    {
+        const std::lock_guard guard(resultsMutex_);
+        results = {{words.arrayKey, removed_}, {words.notCleanedKey, notRemoved_}};
+    }
+    NotificationCenter::defaultCenter().post(words.cleanFinished, results);
+}
+
+}  // namespace brimvault::engine

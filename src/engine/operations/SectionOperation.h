@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "engine/Section.h"
+#include "engine/model/AgreedItems.h"
+#include "engine/operations/Operation.h"
+#include "engine/operations/OperationQueue.h"
+
+namespace brimvault::engine {
+
+/// An operation that works on one section; drivers tell their operations apart by it. Any thread.
+class SectionOperation : public Operation {
+public:
+    explicit SectionOperation(Section section) : section_(section) {}
+    [[nodiscard]] Section section() const { return section_; }
+
+    /// What a clean removes is among these; others stay, whatever their marks. Before it is queued.
+    void restrictTo(std::shared_ptr<const AgreedItems> agreed) { agreed_ = std::move(agreed); }
+
+protected:
+    [[nodiscard]] bool isAgreed(const CleanableItem& item) const { return !agreed_ || agreed_->holds(item); }
+
+private:
+    const Section section_;
+    std::shared_ptr<const AgreedItems> agreed_;  ///< null for all
+};
+
+/// Whether the operation works on the section; one that works on none does not.
+[[nodiscard]] bool isOf(const Operation& operation, Section section);
+
+/// Cancels every operation of the section on the queue, then waits for each to finish; what hangs is given up. Any
+/// thread; blocks it for a moment.
+void cancelSectionAndWait(OperationQueue& queue, Section section);
+
+}  // namespace brimvault::engine

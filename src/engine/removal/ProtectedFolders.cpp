@@ -1,0 +1,40 @@
+#include "engine/removal/ProtectedFolders.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "platform/LibraryURLs.h"
+#include "platform/SectionRoots.h"
+#include "platform/System.h"
+
+namespace brimvault::engine {
+
+using platform::LibraryURLs;
+
+// What holds the home folder holds the roots that always lie in it, whether they are there or not.
+ProtectedFolders::ProtectedFolders() : ways_(platform::sectionRootWays()) {
+    const auto trash = LibraryURLs::namedDesktopTrashFolder();
+    auto more = platform::waysOf(
+        {trash / "files", trash / "info", LibraryURLs::getPreferencesFolderURL(), platform::homeFolder()});
+    std::move(more.begin(), more.end(), std::back_inserter(ways_));
+}
+
+// By what they are, and by their paths: one that does not answer is known by its path alone.
+bool ProtectedFolders::isOneOrHoldsOne(const std::filesystem::path& path, const files::NodeStatus& item) const {
+    const auto beginning = (path / "").native();
+    return item.kind == files::NodeKind::directory &&
+           std::any_of(ways_.begin(), ways_.end(), [&](const platform::FolderWay& way) {
+               return (way.resolved / "").native().starts_with(beginning) ||
+                      std::find(way.folders.begin(), way.folders.end(), item.identity) != way.folders.end();
+           });
+}
+
+std::vector<std::filesystem::path> protectedFolders() {
+    const ProtectedFolders found;
+    std::vector<std::filesystem::path> folders;
+    std::transform(found.ways().begin(), found.ways().end(), std::back_inserter(folders),
+                   [](const platform::FolderWay& way) { return way.resolved; });
+    return folders;
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,99 @@
+#include "engine/removal/Remover.h"
+
+#include <QCoreApplication>
+#include <random>
+#include <thread>
+
+#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "engine/removal/ProtectedFolders.h"
+
+namespace brimvault::engine {
+
+namespace {
+
+constexpr std::chrono::milliseconds pollInterval{100};
+
+}  // namespace
+
+Remover::Remover(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
+
+Remover& Remover::GetInstance() {
+    static Remover instance(
+        {AuthorizationManager::GetInstance(), platform::resourcesFolder() / "BrimvaultCleaner",
+         [](const std::string& name) { return platform::ToolConnection::connect(cleaner::meetingFolder() / name); },
+         [](Duration duration) { std::this_thread::sleep_for(duration); }});
+    return instance;
+}
+
+// The number is drawn from one less than there are of six digits, so that 999999 never comes.
+std::string Remover::generateRootRemoverServerName() {
+    constexpr std::uint32_t numbers = 899'999;
+    constexpr std::uint32_t first = 100'000;
+    static_assert(sizeof(std::random_device::result_type) >= sizeof numbers);
+    return std::string(cleaner::nameBeginning) + std::to_string(std::random_device()() % numbers + first);
+}
+
+bool Remover::removeAsRootFileAtPath(const std::filesystem::path& path) {
+    const std::lock_guard guard(mutex_);
+    auto* remover = getRootRemover();
+    return remover != nullptr && remover->removeFileAtPath(path);
+}
+
+std::optional<std::filesystem::path> Remover::recycleAsRootPath(const std::filesystem::path& path) {
+    const std::lock_guard guard(mutex_);
+    auto* remover = getRootRemover();
+    return remover == nullptr ? std::nullopt : remover->removeToTrashFileAtPath(path);
+}
+
+void Remover::giveUp() {
+    const std::lock_guard guard(mutex_);
+    rootRemover_.reset();
+    surroundings_.authorization.deauthenticate();
+}
+
+RootRemover* Remover::getRootRemover() {
+    auto* connected = getConnectedRootRemover();
+    return connected != nullptr ? connected : createNewRootRemover();
+}
+
+// It speaks with one client only, once: the one that was met is the one to be met under the name until it ends.
+RootRemover* Remover::getConnectedRootRemover() {
+    if (!rootRemover_ || !rootRemover_->isConnected()) {
+        auto connection = surroundings_.connect(m_sRootRemoverServerName_);
+        rootRemover_ = connection ? std::make_unique<RootRemover>(std::move(connection)) : nullptr;
+        isIntroduced_ = false;
+    }
+    if (!rootRemover_ || !rootRemover_->respondsToRemoveFileAtPath()) {
+        return nullptr;
+    }
+    if (!isIntroduced_) {
+        for (const auto& folder : protectedFolders()) {
+            rootRemover_->keepFolderAtPath(folder);
+        }
+        isIntroduced_ = true;
+    }
+    return rootRemover_.get();
+}
+
+RootRemover* Remover::createNewRootRemover() {
+    (void)surroundings_.authorization.isToolRunning();  // one that has ended is not left to linger
+    m_sRootRemoverServerName_ = generateRootRemoverServerName();
+    rootRemover_.reset();
+    const std::vector<std::string> arguments = {m_sRootRemoverServerName_,
+                                                std::to_string(QCoreApplication::applicationPid())};
+    if (!surroundings_.authorization.executeCommand(surroundings_.tool, arguments, 0)) {
+        return nullptr;
+    }
+    for (Duration waited{}; waited < m_nMaxTimeWait; waited += pollInterval) {
+        if (auto* connected = getConnectedRootRemover()) {
+            return connected;
+        }
+        if (!surroundings_.authorization.isToolRunning()) {
+            break;  // nobody will come
+        }
+        surroundings_.sleep(pollInterval);
+    }
+    return getConnectedRootRemover();
+}
+
+}  // namespace brimvault::engine

@@ -1,0 +1,146 @@
+#include "files/trees/Measure.h"
+
+#include <cerrno>
+#include <mutex>
+#include <optional>
+#include <system_error>
+
+#include "files/walk/SharedWalk.h"
+
+namespace brimvault::files {
+
+namespace {
+
+// A file can be a mount point as well as a folder. A mount that the system does not tell counts as the folder's.
+bool isOnMount(std::uint64_t mount, std::uint64_t expected) { return mount == 0 || mount == expected; }
+
+enum class FoldersAsked { no, yes };
+
+struct Question {
+    std::uint64_t mount;  ///< all else is left out
+    SizesAsked sizes;
+    FoldersAsked folders;
+};
+
+// What the visitors of one tree have found together.
+class Sum {
+public:
+    void add(const TreeSizes& sizes) {
+        const std::lock_guard lock(mutex_);
+        total_.logical += sizes.logical;
+        total_.allocated += sizes.allocated;
+        total_.regularFiles += sizes.regularFiles;
+        total_.folders += sizes.folders;
+    }
+    [[nodiscard]] const TreeSizes& total() const { return total_; }
+
+private:
+    std::mutex mutex_;
+    TreeSizes total_;
+};
+
+class SizeVisitor final : public TreeVisitor {
+public:
+    SizeVisitor(const Question& question, Sum& sum) : question_(question), sum_(sum) {}
+    SizeVisitor(const SizeVisitor&) = delete;
+    SizeVisitor& operator=(const SizeVisitor&) = delete;
+    ~SizeVisitor() override { sum_.add(sizes_); }
+
+    [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
+        return std::make_unique<SizeVisitor>(question_, sum_);
+    }
+    [[nodiscard]] FilesTold filesTold() const override { return FilesTold::whileListing; }
+
+    void onFolderEntered(const DirectoryHandle& folder) override {
+        if (question_.folders == FoldersAsked::no || isInFirstFolder()) {  // whose own entry lies elsewhere
+            return;
+        }
+        if (const auto status = folder.status()) {
+            sizes_.folders += status->size;
+        }
+    }
+    // What is neither a file nor a link has no length.
+    void onFile(const DirectoryHandle& folder, const char* name, NodeKind kind) override {
+        if (kind == NodeKind::other) {
+            return;
+        }
+        const auto size = sizeAt(folder.descriptor(), name, question_.sizes);
+        if (size && isOnMount(size->mount, question_.mount)) {
+            sizes_.logical += size->logical;
+            sizes_.allocated += size->allocated;
+            sizes_.regularFiles += kind == NodeKind::regular ? size->logical : 0;
+        }
+    }
+    void onFolderClosed(const DirectoryHandle&, const char*, int) override {}
+    void onWayLost(const char*, int) override {}
+
+private:
+    const Question& question_;
+    Sum& sum_;
+    TreeSizes sizes_;
+};
+
+// An item as its folder, held, and its name there.
+struct HeldItem {
+    DirectoryHandle folder;
+    std::filesystem::path name;
+};
+
+std::optional<HeldItem> hold(const std::filesystem::path& given) {
+    std::error_code ignored;
+    auto path = std::filesystem::absolute(given, ignored).lexically_normal();
+    if (!path.has_filename()) {
+        path = path.parent_path();  // a trailing slash
+    }
+    auto folder = DirectoryHandle::open(path.parent_path());
+    if (!folder) {
+        return std::nullopt;
+    }
+    return HeldItem{std::move(*folder), path.has_filename() ? path.filename() : "."};
+}
+
+TreeSizes measureFolder(const DirectoryHandle& parent, const char* name, const Question& question,
+                        const std::stop_token& stop) {
+    Sum sum;
+    {
+        SizeVisitor visitor(question, sum);
+        (void)SharedWalk(visitor, stop).visit(parent, name);
+    }
+    return sum.total();
+}
+
+}  // namespace
+
+TreeSizes measureContents(const std::filesystem::path& folder, const std::stop_token& stop) {
+    const auto item = hold(folder);
+    const auto status =
+        item ? statusAt(item->folder.descriptor(), item->name.c_str()) : Result<NodeStatus>::failed(ENOENT);
+    if (!status || status->kind != NodeKind::directory) {
+        return {};
+    }
+    const Question question{status->mount, SizesAsked::logicalAndAllocated, FoldersAsked::yes};
+    return measureFolder(item->folder, item->name.c_str(), question, stop);
+}
+
+std::uint64_t measureItem(const std::filesystem::path& path, const std::stop_token& stop) {
+    const auto item = hold(path);
+    return item ? measureItemAt(item->folder, item->name.c_str(), stop) : 0;
+}
+
+std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name, const std::stop_token& stop) {
+    const auto status = statusAt(folder.descriptor(), name);
+    const auto holder = folder.status();
+    return status && holder ? measureEntry(folder, {name, status->kind}, holder->mount, stop) : 0;
+}
+
+std::uint64_t measureEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
+                           const std::stop_token& stop) {
+    if (entry.kind == NodeKind::directory) {
+        return measureFolder(folder, entry.name, {mount, SizesAsked::logical, FoldersAsked::no}, stop).logical;
+    }
+    // A mount point belongs to another file system: nothing of it counts.
+    const auto size = sizeAt(folder.descriptor(), entry.name, SizesAsked::logical);
+    return size && isOnMount(size->mount, mount) ? size->logical : 0;
+}
+
+}  // namespace brimvault::files

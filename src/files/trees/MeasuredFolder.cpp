@@ -1,0 +1,116 @@
+#include "files/trees/MeasuredFolder.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "files/trees/Measure.h"
+#include "files/walk/AheadOf.h"
+
+namespace brimvault::files {
+
+namespace {
+
+constexpr std::size_t mostAhead = 1024;  // entries listed, and perhaps measured, before their turn
+
+// Entries that were listed together. Folders are measured ahead; a file is sooner asked for its size than handed over.
+class Batch {
+public:
+    Batch(const DirectoryHandle& folder, std::uint64_t mount, const std::stop_token& stop)
+        : folder_(folder), mount_(mount), stop_(stop) {}
+
+    void add(const DirectoryEntry& entry, Sizes sizes) {
+        listed_.push_back({names_.size(), entry.kind, sizes});
+        names_.append(entry.name).push_back('\0');
+    }
+    [[nodiscard]] bool isFull() const { return listed_.size() >= mostAhead; }
+
+    // Whether all were told; empties the batch, which nobody measures any more by then.
+    bool tell(const std::function<bool(const MeasurableEntry&)>& call) {
+        const bool goesOn = tellEach(call);
+        listed_.clear();
+        names_.clear();
+        return goesOn;
+    }
+
+private:
+    struct Listed {
+        std::size_t name;  ///< where it begins
+        NodeKind kind;
+        Sizes sizes;
+    };
+
+    bool tellEach(const std::function<bool(const MeasurableEntry&)>& call) const {
+        std::vector<std::size_t> folders;
+        for (std::size_t number = 0; number < listed_.size(); ++number) {
+            if (isMeasuredAhead(number)) {
+                folders.push_back(number);
+            }
+        }
+        AheadOf<std::uint64_t> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
+        std::size_t nextFolder = 0;
+        for (std::size_t number = 0; number < listed_.size(); ++number) {
+            const bool isAhead = isMeasuredAhead(number);
+            const std::size_t place = isAhead ? nextFolder++ : 0;
+            const std::function<std::uint64_t()> size = [&] { return isAhead ? ahead.take(place) : measure(number); };
+            const auto& [name, kind, sizes] = listed_[number];
+            if (stop_.stop_requested() || !call({nameOf(number), kind, sizes, size})) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool isMeasuredAhead(std::size_t number) const {
+        return listed_[number].kind == NodeKind::directory && listed_[number].sizes == Sizes::wanted;
+    }
+    [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
+    [[nodiscard]] std::uint64_t measure(std::size_t number) const {
+        return measureEntry(folder_, {nameOf(number), listed_[number].kind}, mount_, stop_);
+    }
+
+    const DirectoryHandle& folder_;
+    const std::uint64_t mount_;
+    const std::stop_token& stop_;
+    std::string names_;
+    std::vector<Listed> listed_;
+};
+
+}  // namespace
+
+int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden, const std::stop_token& stop,
+                      const std::function<Sizes(const char* name)>& sizes,
+                      const std::function<bool(const MeasurableEntry&)>& call) {
+    const auto opened = DirectoryHandle::openForReading(folder);
+    return opened ? forEachMeasurable(*opened, hidden, stop, sizes, call) : opened.code();
+}
+
+int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const std::stop_token& stop,
+                      const std::function<Sizes(const char* name)>& sizes,
+                      const std::function<bool(const MeasurableEntry&)>& call) {
+    const auto status = folder.status();
+    if (!status) {
+        return status.code();
+    }
+    Batch batch(folder, status->mount, stop);
+    bool goesOn = true;
+    std::size_t listed = 0;
+    const int code = folder.forEachEntry([&](const DirectoryEntry& entry) {
+        constexpr std::size_t entriesBetweenStops = 64;
+        if (++listed % entriesBetweenStops == 0 && stop.stop_requested()) {
+            goesOn = false;
+            return false;
+        }
+        if (hidden == HiddenEntries::include || entry.name[0] != '.') {
+            batch.add(entry, sizes(entry.name));
+        }
+        goesOn = !batch.isFull() || batch.tell(call);
+        return goesOn;
+    });
+    if (goesOn) {
+        (void)batch.tell(call);
+    }
+    return code;
+}
+
+}  // namespace brimvault::files

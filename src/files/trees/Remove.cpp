@@ -1,0 +1,258 @@
+#include "files/trees/Remove.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <functional>
+#include <mutex>
+#include <new>
+
+#include "files/SystemCall.h"
+#include "files/walk/SharedWalk.h"
+
+// How a removal keeps to what was looked at
+//
+// A path is a promise that anyone may break: between a look at "a/b" and the removal of "a/b", "a" can become a link to
+// somewhere else, and the removal would happen there. So nothing here is removed by path. The folder that holds the
+// item is reached from the root one name at a time, refusing links, and then held open; from there on every step takes
+// one name of a held folder: open it (refusing links and other mounts), or take it away with unlinkat, which never
+// follows a link. An exchange can then only do two things: make a step fail, or put something into the very tree that
+// the user asked to remove. What stays possible is that a folder of the tree is moved out while it is being emptied; it
+// was asked to be removed, and its contents go. The walk notices on its way back and stops.
+//
+// A name listed as a file that has become a folder is refused by the system (EISDIR) and reported, not chased.
+
+namespace brimvault::files {
+
+namespace {
+
+enum class Kind : int { file = 0, emptyFolder = AT_REMOVEDIR };
+
+std::atomic<std::uint64_t> removedCount = 0;
+
+// 0, or the errno value that kept it. What is not there is gone.
+int takeAway(const DirectoryHandle& parent, const char* name, Kind kind) {
+    const bool isGone =
+        uninterrupted([&] { return ::unlinkat(parent.descriptor(), name, static_cast<int>(kind)); }) == 0;
+    if (isGone) {
+        removedCount.fetch_add(1, std::memory_order_relaxed);
+    }
+    return isGone || errno == ENOENT ? 0 : errno;
+}
+
+// What those have to tell who work on one removal.
+class Report {
+public:
+    void noteFailure(int code, const std::function<std::filesystem::path()>& path) {
+        const std::lock_guard lock(mutex_);
+        if (!firstFailure_) {
+            firstFailure_ = Failure{code, path()};
+        }
+    }
+    void noteItemTaken() { isItemTaken_ = true; }
+
+    // Once nobody works on it any more.
+    [[nodiscard]] const std::optional<Failure>& firstFailure() const { return firstFailure_; }
+    [[nodiscard]] bool isItemTaken() const { return isItemTaken_; }
+
+private:
+    std::mutex mutex_;
+    std::optional<Failure> firstFailure_;
+    std::atomic<bool> isItemTaken_ = false;
+};
+
+class RemovalVisitor final : public TreeVisitor {
+public:
+    RemovalVisitor(RemovalGuard* guard, Report& report) : guard_(guard), report_(report) {}
+
+    [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
+        return std::make_unique<RemovalVisitor>(guard_, report_);
+    }
+
+    // What a guard was asked of is not taken for granted of another folder.
+    [[nodiscard]] WayBack wayBack() const override {
+        return guard_ != nullptr ? WayBack::byTimeOfBirth : WayBack::byNumber;
+    }
+
+    bool entersFolder(const DirectoryHandle& folder, const char* name) override {
+        if (guard_ == nullptr) {
+            return true;
+        }
+        const auto status = folder.status();
+        const bool enters = status && guard_->mayRemove(*status);
+        if (!enters) {
+            note(status ? EPERM : status.code(), name);
+        }
+        return enters;
+    }
+
+    void onFile(const DirectoryHandle& folder, const char* name, NodeKind /*kind*/) override {
+        if (const int code = takeAway(folder, name, Kind::file); code != 0) {
+            note(code, name);
+        }
+    }
+
+    // Asked once more, of what has the name by now: an empty folder that was put there would go.
+    void onFolderLeft(const DirectoryHandle& parent, const VisitedFolder& folder) override {
+        const char* name = folder.name.c_str();
+        const int code = mayStillRemove(parent, name) ? takeAway(parent, name, Kind::emptyFolder) : EPERM;
+        if (code != 0) {
+            note(reason(code, folder.listingCode), name);
+        } else if (folder.holder == nullptr) {
+            report_.noteItemTaken();
+        }
+    }
+
+    // A folder that may not be read can still be removed when it is empty. Where there is a guard, it could not be
+    // asked.
+    void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
+        if (code == ENOENT) {
+            return;
+        }
+        if (code == EXDEV) {
+            note(EBUSY, name);  // what the system itself says of a mount point
+        } else if (guard_ != nullptr) {
+            note(code, name);
+        } else if (const int refusal = takeAway(parent, name, Kind::emptyFolder); refusal != 0) {
+            note(reason(refusal, code), name);
+        } else if (isBeforeFirstFolder()) {
+            report_.noteItemTaken();
+        }
+    }
+
+    void onWayLost(const char* name, int code) override { note(code, name); }
+
+private:
+    void note(int code, const char* name) {
+        report_.noteFailure(code, [&] { return pathOf(name); });
+    }
+
+    // That a folder is not empty is no reason of its own where it could not be read, or not to its end.
+    [[nodiscard]] static int reason(int refusal, int reading) {
+        const bool isNotEmpty = refusal == ENOTEMPTY || refusal == EEXIST;
+        return isNotEmpty && reading != 0 ? reading : refusal;
+    }
+
+    [[nodiscard]] bool mayStillRemove(const DirectoryHandle& parent, const char* name) const {
+        if (guard_ == nullptr) {
+            return true;
+        }
+        const auto status = statusAt(parent.descriptor(), name);
+        return status ? guard_->mayRemove(*status) : status.code() == ENOENT;
+    }
+
+    RemovalGuard* guard_;
+    Report& report_;
+};
+
+RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
+
+// With a guard, by one thread: it is asked in an order.
+bool visit(RemovalVisitor& visitor, const DirectoryHandle& parent, const char* name, const std::stop_token& stop,
+           bool isGuarded) {
+    return isGuarded ? TreeWalk(visitor, parent, stop).visit(name) : SharedWalk(visitor, stop).visit(parent, name);
+}
+
+RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem::path& path,
+                            const std::stop_token& stop, RemovalGuard* guard) {
+    Report report;
+    RemovalVisitor visitor(guard, report);
+    const auto name = path.filename();
+    const bool toItsEnd = visit(visitor, parent, name.c_str(), stop, guard != nullptr);
+    // Neither a stop nor a failure on the way matters when the item went all the same.
+    const int code = statusAt(parent.descriptor(), name.c_str()).code();
+    if (code == ENOENT || (code != 0 && report.isItemTaken())) {
+        return {RemovalEnd::gone, std::nullopt};
+    }
+    if (!toItsEnd) {
+        return {RemovalEnd::cancelled, std::nullopt};
+    }
+    // Without a failure, nobody knows what is there, or someone has put something new under the name.
+    const auto first = report.firstFailure().value_or(Failure{code != 0 ? code : EEXIST, name});
+    return kept(first.code, path.parent_path() / first.path);
+}
+
+RemovalOutcome removeOfKind(NodeKind kind, const DirectoryHandle& parent, const std::filesystem::path& path,
+                            const std::stop_token& stop, RemovalGuard* guard) {
+    if (kind == NodeKind::directory) {
+        return removeFolder(parent, path, stop, guard);
+    }
+    const int code = takeAway(parent, path.filename().c_str(), Kind::file);
+    return code == 0 ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
+}
+
+RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
+    if (!isPlainAbsolute(path)) {
+        return kept(EINVAL, path);
+    }
+    if (stop.stop_requested()) {
+        return {RemovalEnd::cancelled, std::nullopt};
+    }
+    DirectoryHandle::OnWay onWay;
+    if (guard != nullptr) {
+        onWay = [guard](const auto& folder, const auto& status) { return guard->onWay(folder, status); };
+    }
+    const auto parent = DirectoryHandle::open(path.parent_path(), onWay);
+    const auto missing = [&]() -> RemovalOutcome {
+        // What a guard keeps may not even be asked for.
+        const bool mayTell = guard == nullptr || guard->mayRemove({});
+        return mayTell ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(EPERM, path);
+    };
+    if (!parent) {
+        return parent.code() == ENOENT ? missing() : kept(parent.code(), path);
+    }
+    const auto status = statusAt(parent->descriptor(), path.filename().c_str());
+    if (!status) {
+        return status.code() == ENOENT ? missing() : kept(status.code(), path);
+    }
+    // Before the item is opened: whatever it is exchanged for, the folder that holds it stays the same.
+    if (guard != nullptr && !guard->mayRemove(*status)) {
+        return kept(EPERM, path);
+    }
+    return removeOfKind(status->kind, *parent, path, stop, guard);
+}
+
+RemovalOutcome removeInNow(const DirectoryHandle& folder, const std::filesystem::path& path,
+                           const std::stop_token& stop) {
+    if (!isPlainAbsolute(path)) {
+        return kept(EINVAL, path);
+    }
+    const auto status = statusAt(folder.descriptor(), path.filename().c_str());
+    if (!status) {
+        return status.code() == ENOENT ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(status.code(), path);
+    }
+    return removeOfKind(status->kind, folder, path, stop, nullptr);
+}
+
+}  // namespace
+
+std::uint64_t entriesRemoved() { return removedCount.load(std::memory_order_relaxed); }
+
+bool isPlainAbsolute(const std::filesystem::path& path) {
+    const auto names = path.relative_path();
+    const bool hasZeroByte = path.native().find('\0') != std::string::npos;  // the system would see another path
+    return path.is_absolute() && path.has_filename() && !hasZeroByte &&
+           std::none_of(names.begin(), names.end(),
+                        [](const auto& name) { return name.empty() || name == "." || name == ".."; });
+}
+
+RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {
+    try {
+        return removeNow(path, stop, guard);
+    } catch (const std::bad_alloc&) {
+        return kept(ENOMEM, path);
+    }
+}
+
+RemovalOutcome removeIn(const DirectoryHandle& folder, const std::filesystem::path& path, const std::stop_token& stop) {
+    try {
+        return removeInNow(folder, path, stop);
+    } catch (const std::bad_alloc&) {
+        return kept(ENOMEM, path);
+    }
+}
+
+}  // namespace brimvault::files

@@ -1,0 +1,303 @@
+#include "files/walk/TreeWalk.h"
+
+#include <algorithm>
+#include <cerrno>
+
+// How several walks visit one tree
+//
+// Each walk keeps what it has to do to itself, on its stack: no lock, no queue and no count shared with others for each
+// folder. Only when somebody has nothing to do, a walk looks down its stack for the folder nearest to the top of the
+// tree in which something waits, and gives about half of that away, with a descriptor of the folder that holds it: of
+// its subfolders, or of its files where there are very many.
+//
+// Such a folder is then finished in parts. VisitedFolder::parts counts them; a walk that comes to the end of its own
+// part while others are not through leaves the folder to them and goes on above. Who finishes the last part leaves the
+// folder, and then, as that was a part of the folder above, perhaps that one too, on the way up.
+
+namespace brimvault::files {
+
+namespace {
+
+constexpr int entriesBetweenStops = 64;
+
+// From so many on, the files of a folder are told of in the order of their inodes: the system then comes upon what it
+// keeps together on the disk one after the other. In a listing they stand in no order. They are told of in parts,
+// between which some may be given away.
+constexpr std::size_t sortedFiles = 1000;
+constexpr int filesOfAPart = 64;
+
+// Before somebody may have to come back to the folder without its handle.
+bool makeKnown(FolderReference& folder) {
+    if (!folder.folder->place) {
+        if (const auto status = folder.handle.status()) {
+            folder.folder->place = status->place();
+        }
+    }
+    return folder.folder->place.has_value();
+}
+
+// The folder and all that hold it.
+bool makeKnownWithHolders(StackItem& from) {
+    bool areKnown = true;
+    for (auto* item = &from; item != nullptr; item = item->prevItem.get()) {
+        areKnown = makeKnown(item->fsref) && areKnown;
+    }
+    return areKnown;
+}
+
+// Whether the part of a folder that ends here was its last; if not, it is left to others, as a part of its holder.
+bool wasLastPart(VisitedFolder& folder, VisitedFolder& holder) {
+    if (folder.parts.load(std::memory_order_acquire) == 1) {
+        return true;  // only who works in it could give a part away
+    }
+    holder.parts.fetch_add(1, std::memory_order_relaxed);
+    const bool wasLast = folder.parts.fetch_sub(1, std::memory_order_acq_rel) == 1;
+    if (wasLast) {
+        holder.parts.fetch_sub(1, std::memory_order_relaxed);
+    }
+    return wasLast;
+}
+
+bool isOutOfDescriptors(int code) { return code == EMFILE || code == ENFILE; }
+
+// One that holds so many entries counts as two.
+constexpr int entriesLikeAFolder = 16;
+
+}  // namespace
+
+bool TreeWalk::visit(const char* name) {
+    if (stop_.stop_requested()) {
+        return false;
+    }
+    enter(outermost_, name, nullptr);
+    return visitPending();
+}
+
+bool TreeWalk::visitShare(FolderReference share) {
+    stack_.clearStack();  // of what was not finished
+    stack_.pushItem(std::make_unique<StackItem>(std::move(share)));
+    return visitPending();
+}
+
+bool TreeWalk::visitPending() {
+    while (auto* top = stack_.topItem()) {
+        if (stop_.stop_requested()) {
+            return false;
+        }
+        if (fellows_ != nullptr && fellows_->wantShare()) {
+            giveShare();
+        }
+        visitor_.setPlace(top->fsref.folder.get());
+        if (!top->fsref.pendingFiles.files.empty()) {
+            tellSomePending(top->fsref);
+            continue;
+        }
+        std::string next = top->fsref.takePendingFolder();
+        if (next.empty()) {
+            if (!leave()) {
+                return true;
+            }
+        } else if (visitor_.wantsFolder(top->fsref.handle, next.c_str())) {
+            enter(top->fsref.handle, std::move(next), top->fsref.folder);
+        }
+    }
+    return !stop_.stop_requested();
+}
+
+void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std::shared_ptr<VisitedFolder>& holder) {
+    const bool canHoldIt = holdNoMoreThan(heldFolders - 1) < maxFoldersHeld;
+    auto opened = canHoldIt ? open(parent, name.c_str()) : Result<DirectoryHandle>::failed(EMFILE);
+    if (!opened && opened.code() == ENOTDIR) {
+        visitor_.onFile(parent, name.c_str(), NodeKind::link);  // exchanged for something else since it was listed
+    } else if (!opened) {
+        visitor_.onFolderClosed(parent, name.c_str(), opened.code());
+    } else if (visitor_.entersFolder(*opened, name.c_str())) {
+        begin(std::move(*opened), std::make_shared<VisitedFolder>(std::move(name), holder));
+    }
+}
+
+// A process may have fewer descriptors to give than the walks would like to hold.
+Result<DirectoryHandle> TreeWalk::open(const DirectoryHandle& parent, const char* name) {
+    auto opened = parent.openChild(name);
+    if (!opened && isOutOfDescriptors(opened.code())) {
+        holdNoMoreThan(1);
+        opened = parent.openChild(name);
+    }
+    return opened;
+}
+
+void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> folder) {
+    stack_.pushItem(std::make_unique<StackItem>(FolderReference{std::move(folder), std::move(handle), {}}));
+    auto& entered = stack_.topItem()->fsref;
+    visitor_.setPlace(entered.folder.get());
+    visitor_.onFolderEntered(entered.handle);
+    entered.folder->listingCode = listEntries(entered);
+    const bool wasLarge = seen_ >= largeTree;
+    seen_ += 1 + listed_ / entriesLikeAFolder;
+    if (!wasLarge && seen_ >= largeTree && fellows_ != nullptr) {
+        fellows_->onLargeTree();
+    }
+}
+
+int TreeWalk::listEntries(FolderReference& folder) {
+    return visitor_.filesTold() == FilesTold::whileListing ? tellWhileListing(folder) : tellAfterListing(folder);
+}
+
+int TreeWalk::tellWhileListing(FolderReference& folder) {
+    listed_ = 0;
+    return reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
+        if (entry.kind == NodeKind::directory) {
+            folder.pendingFolders.append(entry.name).push_back('\0');
+        } else {
+            visitor_.onFile(folder.handle, entry.name, entry.kind);
+        }
+        return ++listed_ % entriesBetweenStops != 0 || !stop_.stop_requested();
+    });
+}
+
+int TreeWalk::tellAfterListing(FolderReference& folder) {
+    ListedFiles listed;
+    std::string entries;
+    listed_ = 0;
+    const int code = reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
+        if (entry.kind == NodeKind::directory) {
+            folder.pendingFolders.append(entry.name).push_back('\0');
+        } else {
+            listed.files.push_back({entry.inode, entries.size()});
+            entries.append(1, static_cast<char>(entry.kind)).append(entry.name).push_back('\0');
+        }
+        return ++listed_ % entriesBetweenStops != 0 || !stop_.stop_requested();
+    });
+    if (listed.files.size() >= sortedFiles) {
+        std::sort(listed.files.begin(), listed.files.end(),
+                  [](const auto& left, const auto& right) { return left.inode > right.inode; });  // taken from the end
+        listed.entries = std::make_shared<const std::string>(std::move(entries));
+        folder.pendingFiles = std::move(listed);
+        return code;
+    }
+    for (const auto& file : listed.files) {
+        if (stop_.stop_requested()) {
+            break;
+        }
+        tell(folder, entries.c_str() + file.place);
+    }
+    return code;
+}
+
+void TreeWalk::tell(const FolderReference& folder, const char* entry) {
+    visitor_.onFile(folder.handle, entry + 1, static_cast<NodeKind>(*entry));
+}
+
+void TreeWalk::tellSomePending(FolderReference& folder) {
+    auto& pending = folder.pendingFiles;
+    for (int count = 0; count < filesOfAPart && !pending.files.empty() && !stop_.stop_requested(); ++count) {
+        const auto place = pending.files.back().place;
+        pending.files.pop_back();
+        tell(folder, pending.entries->c_str() + place);
+    }
+    if (pending.files.empty()) {
+        pending = {};  // however long its subfolders take
+    }
+}
+
+// Those nearest to where the walk is stay open, and those that could not be known again. Answers how many are open.
+int TreeWalk::holdNoMoreThan(int folders) {
+    int open = 0;
+    StackItem* item = stack_.topItem();
+    for (; item != nullptr && open < folders; ++open) {
+        item = item->prevItem.get();
+    }
+    // What holds a closed one is closed.
+    for (; item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
+        if (mayClose(item->fsref)) {
+            item->fsref.handle.close();
+        } else {
+            ++open;
+        }
+    }
+    return open;
+}
+
+bool TreeWalk::mayClose(FolderReference& folder) const {
+    return makeKnown(folder) &&
+           (visitor_.wayBack() == WayBack::byNumber || folder.folder->place->identity.born.has_value());
+}
+
+// From the folder nearest to the tree's top among those held open. Who gives keeps something: or a last folder would be
+// handed to and fro between two who have nothing else.
+void TreeWalk::giveShare() {
+    StackItem* from = nullptr;
+    bool hasMore = false;
+    for (auto* item = stack_.topItem(); item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
+        if (item->fsref.hasPending()) {
+            hasMore = from != nullptr;
+            from = item;
+        }
+    }
+    if (from == nullptr || (!hasMore && !from->fsref.canBeHalved())) {
+        return;
+    }
+    auto handle = from->fsref.handle.duplicate();
+    if (!handle || !makeKnownWithHolders(*from)) {
+        return;
+    }
+    from->fsref.folder->parts.fetch_add(1, std::memory_order_relaxed);
+    fellows_->give(from->fsref.takeHalf(std::move(*handle)));
+}
+
+bool TreeWalk::leave() {
+    const auto left = stack_.popItem();
+    auto* top = stack_.topItem();
+    if (top == nullptr) {
+        return leaveLast(std::move(left->fsref));
+    }
+    auto& holder = top->fsref;
+    visitor_.setPlace(holder.folder.get());
+    if (!returnTo(holder, left->fsref)) {
+        return false;
+    }
+    if (wasLastPart(*left->fsref.folder, *holder.folder)) {
+        visitor_.onFolderLeft(holder.handle, *left->fsref.folder);
+    }
+    return true;
+}
+
+bool TreeWalk::returnTo(FolderReference& holder, const FolderReference& left) {
+    if (holder.handle.isOpen()) {
+        return true;
+    }
+    auto reopened = left.handle.openParent(*holder.folder->place);
+    if (!reopened && isOutOfDescriptors(reopened.code())) {
+        holdNoMoreThan(0);
+        reopened = left.handle.openParent(*holder.folder->place);
+    }
+    if (!reopened) {
+        visitor_.onWayLost(left.folder->name.c_str(), reopened.code());
+        stack_.clearStack();
+        return false;
+    }
+    holder.handle = std::move(*reopened);
+    return true;
+}
+
+// The last of this walk, though perhaps not of the tree: as far up as nobody else is at work.
+bool TreeWalk::leaveLast(FolderReference left) {
+    while (left.folder->parts.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        const auto holder = left.folder->holder;
+        visitor_.setPlace(holder.get());
+        if (holder == nullptr) {
+            visitor_.onFolderLeft(outermost_, *left.folder);
+            return true;
+        }
+        auto handle = left.handle.openParent(holder->place.value_or(NodePlace()));
+        if (!handle) {
+            visitor_.onWayLost(left.folder->name.c_str(), handle.code());
+            return false;
+        }
+        visitor_.onFolderLeft(*handle, *left.folder);
+        left = FolderReference{holder, std::move(*handle), {}};
+    }
+    return true;
+}
+
+}  // namespace brimvault::files

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <memory>
+#include <stop_token>
+#include <string>
+
+#include "files/walk/FolderReference.h"
+#include "files/walk/StackCollection.h"
+#include "files/walk/TreeVisitor.h"
+
+namespace brimvault::files {
+
+/// Who else visits the same tree. Called by the thread of the walk.
+class Fellows {
+public:
+    virtual ~Fellows() = default;
+    /// Whether somebody has nothing to do.
+    [[nodiscard]] virtual bool wantShare() const = 0;
+    virtual void give(FolderReference share) = 0;
+    /// The walk has seen so much that others are worth calling.
+    virtual void onLargeTree() = 0;
+};
+
+/// Visits a folder and everything in it, depth first, each folder's files before its subfolders; only those files of it
+/// that were given to another walk may come later.
+///
+/// No name is followed through a link and no mount is entered: every folder is opened as one name of the open folder
+/// that holds it, and everything is done relative to that. However deep the tree, at most `heldFolders` folders are
+/// kept open: those nearest to where the walk is. Coming back to one that was closed, the walk opens ".." and goes on
+/// only if that is the very folder it came from; a folder that was moved meanwhile ends the walk there. A folder that
+/// could not be told from another is not closed where the visitor says so (WayBack): such a walk holds up to
+/// `maxFoldersHeld` and finds deeper ones closed (EMFILE).
+///
+/// A walk is used by one thread. It can give shares of what it has to do to fellows, each with a walk of its own; who
+/// finishes the last of a folder leaves it. A stop ends it before the next entries.
+class TreeWalk {
+public:
+    /// One for the folder that holds the item, one for a share and two in passing come on top: below 16.
+    static constexpr int heldFolders = 10;
+    /// Well below the 256 descriptors that a process has at least, everywhere.
+    static constexpr int maxFoldersHeld = 128;
+    /// The folders that a walk sees before it calls for others; fewer, if they are large.
+    static constexpr int largeTree = 64;
+
+    TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop, Fellows* fellows = nullptr)
+        : visitor_(visitor), outermost_(outermost), stop_(std::move(stop)), fellows_(fellows) {}
+
+    /// The folder is a name in the outermost one. False when the walk was stopped before its end.
+    [[nodiscard]] bool visit(const char* name);
+    /// What another walk of the same tree gave. False when the walk was stopped before its end.
+    [[nodiscard]] bool visitShare(FolderReference share);
+
+private:
+    bool visitPending();
+    void enter(const DirectoryHandle& parent, std::string name, const std::shared_ptr<VisitedFolder>& holder);
+    Result<DirectoryHandle> open(const DirectoryHandle& parent, const char* name);
+    void begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> folder);
+    int listEntries(FolderReference& folder);
+    int tellWhileListing(FolderReference& folder);
+    int tellAfterListing(FolderReference& folder);
+    void tell(const FolderReference& folder, const char* entry);
+    void tellSomePending(FolderReference& folder);
+
+    int holdNoMoreThan(int folders);
+    [[nodiscard]] bool mayClose(FolderReference& folder) const;
+    void giveShare();
+
+    bool leave();
+    bool returnTo(FolderReference& holder, const FolderReference& left);
+    bool leaveLast(FolderReference left);
+
+    TreeVisitor& visitor_;
+    const DirectoryHandle& outermost_;
+    std::stop_token stop_;
+    Fellows* const fellows_;
+    StackCollection stack_;
+    DirectoryReader reader_;
+    int listed_ = 0;  ///< entries of the folder listed last
+    int seen_ = 0;    ///< folders, large ones counted several times
+};
+
+}  // namespace brimvault::files

@@ -1,0 +1,168 @@
+#include "ui/controls/AlertWindow.h"
+
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "ui/controls/MCheckCellT.h"
+#include "ui/look/Look.h"
+#include "ui/look/PictureLabel.h"
+#include "ui/look/TextLabel.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr QMargins margins(22, 22, 22, 16);
+constexpr int iconSide = 64;
+constexpr int iconGap = 12;
+constexpr int textWidth = 400;
+constexpr int buttonWidth = 104;
+constexpr qreal messageSize = 14;
+constexpr qreal informativeSize = 12.5;
+constexpr qreal buttonTextSize = 13;
+constexpr qsizetype longestRun = 32;  // characters
+
+// Names of files can be longer than a line, without a place to break it: they get places that are not to be seen.
+QString breakable(const QString& text) {
+    QString result;
+    qsizetype run = 0;
+    for (const QChar letter : text) {
+        run = letter.isSpace() ? 0 : run + 1;
+        result += letter;
+        if (run >= longestRun && !letter.isHighSurrogate()) {
+            result += QChar(0x200B);
+            run = 0;
+        }
+    }
+    return result;
+}
+
+// A name may look like markup, and is shown as it is.
+QLabel* paragraph(const QString& text, const QFont& font, QRgb color, int width = textWidth) {
+    auto* label = makeLabel({}, font, color);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(breakable(text));
+    label->setAccessibleName(text);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setContentsMargins(MCheckCellT::margin, 0, MCheckCellT::margin, 0);  // a check box stands below it
+    label->setFixedWidth(look::scaled(width));
+    return label;
+}
+
+// As many parts on a line as there is room for.
+QString partsText(const QStringList& parts, const QFont& font, int room) {
+    const QString between = QStringLiteral("%1 \u00b7%1 ").arg(QChar(QChar::Nbsp));
+    QStringList lines;
+    for (const QString& part : parts) {
+        const QString longer = lines.isEmpty() ? part : lines.last() + between + part;
+        if (!lines.isEmpty() && QFontMetrics(font).horizontalAdvance(longer) <= room) {
+            lines.last() = longer;
+        } else {
+            lines.append(part);
+        }
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+QWidget* factsPanel(const Alert::Facts& facts) {
+    constexpr QMargins within(8, 10, 8, 10);
+    constexpr int lineGap = 4;
+    auto* panel = new QFrame;
+    panel->setObjectName(QStringLiteral("facts"));
+    panel->setStyleSheet(QStringLiteral("#facts { background: %1; border-radius: %2px; }")
+                             .arg(QColor(look::questionFacts).name())
+                             .arg(look::scaled(look::smallCornerRadius)));
+    auto* lines = new QVBoxLayout(panel);
+    lines->setContentsMargins(within);
+    lines->setSpacing(lineGap);
+    // As wide as the texts above and below it, which stand in from the edge.
+    const int width = textWidth - 2 * MCheckCellT::margin;
+    panel->setFixedWidth(look::scaled(width));
+    const int room = width - within.left() - within.right();
+    lines->addWidget(paragraph(facts.sum, look::font(informativeSize, QFont::DemiBold), look::textPrimary, room));
+    if (!facts.parts.isEmpty()) {
+        const QFont font = look::font(informativeSize);
+        const int ofText = look::scaled(room) - 2 * MCheckCellT::margin;
+        auto* parts = paragraph(partsText(facts.parts, font, ofText), font, look::textPrimary, room);
+        parts->setAccessibleName(facts.parts.join(QStringLiteral(", ")));
+        lines->addWidget(parts);
+    }
+    return panel;
+}
+
+WhiteTitleButton* makeButton(const QString& title, const WhiteTitleButton::Pictures& pictures, QRgb color) {
+    auto* button = new WhiteTitleButton;
+    button->setPictures(pictures);
+    button->setTitleColor(QColor(color));
+    button->setTitleSize(buttonTextSize);
+    button->setTitle(title, title);
+    button->setMinimumWidth(look::scaled(buttonWidth));
+    button->setFixedHeight(look::scaled(look::smallButtonHeight));
+    return button;
+}
+
+}  // namespace
+
+AlertWindow::AlertWindow(const Alert& alert, QWidget* window) : QDialog(window) {
+    setWindowTitle(QStringLiteral("Brimvault"));
+    setAccessibleName(alert.message);
+    setAccessibleDescription(alert.facts.sum.isEmpty()
+                                 ? alert.informativeText
+                                 : alert.informativeText + QLatin1Char('\n') + alert.facts.line());
+    auto* content = new QHBoxLayout;
+    content->setSpacing(look::scaled(iconGap));
+    content->addWidget(new PictureLabel(QLatin1String("AppIcon"), look::scaled(iconSide)), 0, Qt::AlignTop);
+    content->addLayout(makeTexts(alert));
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(margins);
+    rows->setSpacing(look::scaled(iconGap));
+    rows->setSizeConstraint(QLayout::SetFixedSize);
+    rows->addLayout(content);
+    rows->addLayout(makeButtons(alert));
+    auto* const usual = alert.buttons == Alert::Buttons::deleteAndCancel ? secondButton_ : firstButton_;
+    usual->setDefault(true);
+    usual->setFocus();
+}
+
+QVBoxLayout* AlertWindow::makeTexts(const Alert& alert) {
+    constexpr int gap = 8;
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(gap);
+    texts->addWidget(paragraph(alert.message, look::font(messageSize, QFont::Bold), look::textPrimary));
+    texts->addWidget(paragraph(alert.informativeText, look::font(informativeSize), look::textPrimary));
+    if (!alert.facts.sum.isEmpty()) {
+        texts->addWidget(factsPanel(alert.facts), 0, Qt::AlignHCenter);
+    }
+    if (alert.suppression == Alert::Suppression::offered) {
+        suppressionBox_ = new TitledCheckBox(tr("Do not show this message again"));
+        texts->addWidget(suppressionBox_, 0, Qt::AlignLeading);
+    }
+    texts->addStretch(1);
+    return texts;
+}
+
+QLayout* AlertWindow::makeButtons(const Alert& alert) {
+    const bool deletes = alert.buttons == Alert::Buttons::deleteAndCancel;
+    firstButton_ =
+        deletes ? makeButton(tr("Delete"), {QLatin1String("btnStopDes"), QLatin1String("btnStop")}, look::textOnAccent)
+                : makeButton(tr("OK"), {QLatin1String("btnScanDes"), QLatin1String("btnScan")}, look::textOnAccent);
+    connect(firstButton_, &QAbstractButton::clicked, this, &QDialog::accept);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    if (alert.buttons != Alert::Buttons::takeNote) {
+        secondButton_ =
+            makeButton(tr("Cancel"), {QLatin1String("btnQuietDes"), QLatin1String("btnQuiet")}, look::accentDark);
+        connect(secondButton_, &QAbstractButton::clicked, this, &QDialog::reject);
+        buttons->addWidget(secondButton_);
+    }
+    buttons->addWidget(firstButton_);
+    return buttons;
+}
+
+void AlertWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(look::row));
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QAbstractButton>
+
+#include "ui/controls/Announcer.h"
+
+namespace brimvault::ui {
+
+/// The status area under the lists: a large text over a small one, or the small one alone in the middle. A press posts
+/// "PlashkaPressed". Main thread.
+class PlashkaView final : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    explicit PlashkaView(QWidget* parent = nullptr);
+
+    void setTexts(const QString& large, const QString& small);
+    [[nodiscard]] const QString& largeText() const { return large_; }
+    [[nodiscard]] const QString& smallText() const { return small_; }
+
+    /// Both, as an assistive client reads them.
+    [[nodiscard]] QString spokenText() const;
+
+    /// Lit up, since the pointer is on it and a press would reach it.
+    [[nodiscard]] bool isHovered() const { return hovered_; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void updateHover();
+    [[nodiscard]] bool isUnderPointer() const;
+
+    bool hovered_ = false;
+    QString large_;
+    QString small_;
+    Announcer textNews_;  ///< a scan changes the texts all the time
+};
+
+}  // namespace brimvault::ui

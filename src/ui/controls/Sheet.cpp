@@ -1,0 +1,185 @@
+#include "ui/controls/Sheet.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QStyle>
+#include <algorithm>
+
+#include "ui/look/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int leastMargin = 16;  // of the window beside and below the panel
+constexpr int slideTime = 200;   // milliseconds; quick enough not to be waited for
+constexpr int cornerRadius = 10;
+constexpr int shadowReach = 28;
+constexpr qreal shadowStrength = 0.045;
+const QColor dim(20, 30, 45, 51);
+
+bool takesTab(const QWidget* widget) {
+    return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
+}
+
+// Outlines one around the other, each fainter than the one within.
+void drawShadow(QPainter& painter, const QRectF& shape) {
+    painter.setBrush(Qt::NoBrush);
+    for (int distance = 0; distance < shadowReach; ++distance) {
+        const qreal near = 1 - static_cast<qreal>(distance) / shadowReach;
+        painter.setPen(
+            QPen(QColor::fromRgbF(0.08F, 0.12F, 0.18F, static_cast<float>(shadowStrength * near * near)), 2));
+        painter.drawRoundedRect(shape.adjusted(-distance, 0, distance, distance), cornerRadius + distance,
+                                cornerRadius + distance);
+    }
+}
+
+}  // namespace
+
+Sheet::Sheet(const QSize& usualSize, QWidget* window)
+    : QWidget(window), usualSize_(usualSize), panel_(new QWidget(this)) {
+    hide();
+    setAttribute(Qt::WA_NoMousePropagation);
+    setGeometry(window->rect());
+    window->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* /*old*/, QWidget* now) { keepFocus(now); });
+    slide_.setDuration(slideTime);
+    slide_.setStartValue(0.0);
+    slide_.setEndValue(1.0);
+    slide_.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&slide_, &QVariantAnimation::valueChanged, this, [this](const QVariant& out) {
+        out_ = out.toReal();
+        placePanel();
+    });
+}
+
+void Sheet::beginSheet(QWidget* first) {
+    before_ = window()->focusWidget();
+    setGeometry(parentWidget()->rect());
+    if (parentWidget()->isVisible() && style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0) {
+        slide_.start();
+    }
+    raise();
+    show();
+    lastInside_ = first;
+    first->setFocus();
+    tellCoveringChanged();
+}
+
+void Sheet::endSheet() {
+    slide_.stop();
+    hide();
+    tellCoveringChanged();
+    if (before_ && before_->isVisible() && before_->isEnabled()) {
+        before_->setFocus();
+    }
+}
+
+bool Sheet::covers(const QWidget* widget) {
+    const auto sheets = widget->window()->findChildren<Sheet*>(Qt::FindDirectChildrenOnly);
+    return std::any_of(sheets.begin(), sheets.end(),
+                       [widget](const Sheet* sheet) { return !sheet->isHidden() && !sheet->isAncestorOf(widget); });
+}
+
+// Clients remember what can be used.
+void Sheet::tellCoveringChanged() const {
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    QAccessible::State changed;
+    changed.disabled = true;
+    for (auto* widget : parentWidget()->findChildren<QWidget*>()) {
+        const bool answers =
+            qobject_cast<QAbstractButton*>(widget) != nullptr || qobject_cast<QAbstractItemView*>(widget) != nullptr;
+        if (answers && !isAncestorOf(widget)) {
+            QAccessibleStateChangeEvent event(widget, changed);
+            QAccessible::updateAccessibility(&event);
+        }
+    }
+}
+
+// It grows with the text, and leaves a strip of the window to be seen.
+void Sheet::placePanel() {
+    const QSize room = size() - QSize(2 * leastMargin, leastMargin);
+    const QSize wanted = QSize(look::scaled(usualSize_.width()), look::scaled(usualSize_.height())).boundedTo(room);
+    const QRect before = panelWithShadow();
+    panel_->setGeometry((width() - wanted.width()) / 2, qRound((out_ - 1) * wanted.height()), wanted.width(),
+                        wanted.height());
+    update(before.united(panelWithShadow()));
+}
+
+QRect Sheet::panelWithShadow() const {
+    return panel_->geometry().adjusted(-shadowReach - 1, 0, shadowReach + 1, shadowReach + 1);
+}
+
+// Someone else may give the keyboard to what is behind; the sheet takes it back.
+void Sheet::keepFocus(QWidget* now) {
+    if (now == nullptr || isHidden() || now->window() != window()) {
+        return;
+    }
+    if (isAncestorOf(now)) {
+        lastInside_ = now;
+    } else if (lastInside_) {
+        lastInside_->setFocus();
+    }
+}
+
+bool Sheet::focusNextPrevChild(bool next) {
+    auto* const start = lastInside_ ? lastInside_.data() : this;
+    const auto step = [next](QWidget* from) { return next ? from->nextInFocusChain() : from->previousInFocusChain(); };
+    for (auto* widget = step(start); widget != start; widget = step(widget)) {
+        if (isAncestorOf(widget) && takesTab(widget)) {
+            widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            break;
+        }
+    }
+    return true;
+}
+
+// The window's shortcuts rest.
+bool Sheet::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+// Every key ends here: what is behind hears of none.
+void Sheet::keyPressEvent(QKeyEvent* event) {
+    const bool closes =
+        event->key() == Qt::Key_Escape || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (closes && !event->isAutoRepeat()) {
+        Q_EMIT closeRequested();
+    }
+}
+
+bool Sheet::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+        setGeometry(parentWidget()->rect());
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void Sheet::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    placePanel();
+}
+
+void Sheet::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.fillRect(event->rect(), dim);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF shape =
+        QRectF(panel_->geometry()).adjusted(0, -cornerRadius - shadowReach, 0, 0);  // square at the edge
+    drawShadow(painter, shape);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(look::row));
+    painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,56 @@
+#include "ui/controls/TitledCheckBox.h"
+
+#include <QPainter>
+#include <algorithm>
+
+#include "ui/controls/MCheckCellT.h"
+#include "ui/look/FocusRing.h"
+#include "ui/look/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int verticalMargin = 7;
+constexpr int cornerRadius = 7;
+constexpr qreal textSize = 12;
+
+}  // namespace
+
+TitledCheckBox::TitledCheckBox(const QString& title, QWidget* parent) : QCheckBox(title, parent) {
+    setFont(look::font(textSize));
+    setAttribute(Qt::WA_Hover);
+}
+
+QSize TitledCheckBox::sizeWith(const QString& title) const {
+    constexpr int slack = 4;  // for fractions of the letters' widths
+    return {MCheckCellT::widthBesideTitle() + fontMetrics().horizontalAdvance(title) + slack,
+            std::max(MCheckCell::side(), fontMetrics().height()) + 2 * verticalMargin};
+}
+
+// At rest there is none to be seen: the check box and its title stand on the ground itself.
+QLatin1String TitledCheckBox::plate() const {
+    const bool all = checkState() == Qt::Checked;
+    if (isDown()) {
+        return QLatin1String(all ? "btnUnSelectAll" : "btnSelectAll");
+    }
+    return QLatin1String(all ? "btnUnSelectAllDes" : "btnSelectAllDes");
+}
+
+void TitledCheckBox::paintEvent(QPaintEvent* /*event*/) {
+    MCheckCellT cell;
+    cell.state = checkState();
+    cell.highlighted = isDown();
+    cell.hovered = underMouse();
+    cell.enabled = isEnabled();
+    cell.title = text();
+    cell.bezel = plate();
+    cell.direction = layoutDirection();
+    QPainter painter(this);
+    cell.draw(painter, rect(), font());
+    if (isFocusShown(this)) {
+        drawFocusRing(painter, rect(), cornerRadius);
+    }
+}
+
+}  // namespace brimvault::ui

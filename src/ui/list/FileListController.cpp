@@ -1,0 +1,130 @@
+#include "ui/list/FileListController.h"
+
+#include <QMenu>
+#include <QPointer>
+
+#include "engine/notification/Notifications.h"
+#include "platform/DisplayText.h"
+#include "ui/table/FilePicture.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+const engine::FFItem& file(const engine::CleanableItem& item) { return static_cast<const engine::FFItem&>(item); }
+
+// Folders and links look the same on every desktop.
+RowPicture pictureOf(const engine::FFItem& item) {
+    const auto kind = item.getDisplayIcon().kind;
+    return kind == files::NodeKind::regular
+               ? RowPicture(filePicture(kind), RowPicture::Better::ofFileType, item.pfname().native())
+               : filePicture(kind);
+}
+
+}  // namespace
+
+FileListController::FileListController(engine::Section section, const Surroundings& surroundings)
+    : ItemListController(section, surroundings) {}
+
+void FileListController::viewDidLoad() {
+    connect(view(), &TTableView::removeRequested, this, &FileListController::onClickedRemove);
+}
+
+// While a scan goes on a very long list is told again and again that it has grown a little, and a clean tells it what
+// has gone; what stays is not looked at.
+int FileListController::updateRows(int row) {
+    const auto& found = surroundings().pDS.sectionItems(section());
+    const auto generation = found.generation();
+    int place = row;
+    if (generation == generation_ + 1 && !found.removed().isEmpty() && found.removed().size() < found.items().size()) {
+        QList<const engine::CleanableItem*> gone;
+        for (const auto& item : found.removed()) {
+            gone.append(item.get());
+        }
+        place = model().removeItems(gone, row);
+    } else if (generation != generation_) {
+        place = model().setItems(notEmpty(found.items()), row);
+    } else {
+        model().appendItems(notEmpty(found.items(), takenCount_));
+    }
+    generation_ = generation;
+    takenCount_ = found.items().size();
+    model().followMarks();
+    return place;
+}
+
+ItemListModel::Texts FileListController::texts() const {
+    return {[this](const engine::CleanableItem& item) { return nameOf(file(item)); },
+            [this](const engine::CleanableItem& item) { return platform::displayText(fullPathOf(file(item))); },
+            [](const engine::CleanableItem& item) { return pictureOf(file(item)); },
+            {},
+            false};
+}
+
+std::filesystem::path FileListController::pathOf(const engine::CleanableItem& item) const {
+    return getPathByItem(file(item));
+}
+
+std::shared_ptr<engine::FFItem> FileListController::getSelectedItem() const {
+    return std::static_pointer_cast<engine::FFItem>(selectedItem());
+}
+
+void FileListController::addActions(QMenu& menu) {
+    menu.addSeparator();
+    menu.addAction(tr("Remove..."), this, &FileListController::onClickedRemove)->setEnabled(isRemoveEnabled());
+}
+
+bool FileListController::isRemoveEnabled() const {
+    return hasSelectedItem() && !surroundings().dataSource.sectionControllerIsScanOrRemoveProcessPerforming() &&
+           !surroundings().dataSource.isScanReturning() && !surroundings().dataSource.isQuestionOpen();
+}
+
+void FileListController::onClickedRemove() {
+    if (!isRemoveEnabled()) {
+        return;
+    }
+    const auto item = getSelectedItem();
+    const auto path = getPathByItem(*item);
+    if (!path.is_absolute()) {
+        surroundings().util.alertFileNotExists(path);  // the section's folder is gone
+        return;
+    }
+    const auto going = engine::ItemArray{item} + itemsIn(path);
+    {
+        const ApplicationController::OpenQuestion question(surroundings().dataSource);
+        if (!surroundings().util.isRemovalConfirmed(path, going.size() - 1)) {
+            return;
+        }
+    }
+    if (!isRemoveEnabled() || model().rowOf(item.get()) < 0) {
+        return;  // while the question was open, the window went on
+    }
+    surroundings().dataSource.setPbRemoving(true);
+    const auto finished = [list = QPointer(this), going](bool success) {
+        if (list && success) {
+            list->removed(going);
+        }
+    };
+    surroundings().util.doRemoveFile(path, finished, item->foundIn());
+}
+
+// What is listed singly and lies in a folder that is listed as well. Scans spell paths in one way, so comparing bytes
+// is enough, and quick enough for the longest list.
+engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folder) const {
+    engine::ItemArray inside;
+    const auto beginning = folder.native() + "/";
+    for (int row = 0; row < model().rowCount(); ++row) {
+        const auto& item = model().item(row);
+        if (file(*item).pathBytes().starts_with(beginning)) {
+            inside.append(std::static_pointer_cast<engine::FFItem>(item));
+        }
+    }
+    return inside;
+}
+
+void FileListController::removed(const engine::ItemArray& items) {
+    const auto words = engine::vocabulary(section());
+    engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
+}
+
+}  // namespace brimvault::ui

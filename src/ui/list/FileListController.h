@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "engine/model/FFItem.h"
+#include "ui/list/ItemListController.h"
+
+namespace brimvault::ui {
+
+/// The list of one section of files, whose items can be removed singly as well. Each section's own list names its items
+/// and finds their paths. Main thread.
+class FileListController : public ItemListController {
+    Q_OBJECT
+
+public:
+    /// Null when no row is selected.
+    [[nodiscard]] std::shared_ptr<engine::FFItem> getSelectedItem() const;
+
+    /// Asks, removes the item for good, and drops it from the list once it is gone.
+    void onClickedRemove();
+    /// Whether `onClickedRemove` would do anything.
+    [[nodiscard]] bool isRemoveEnabled() const;
+
+    /// Where the item lies, for what is done to it.
+    [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
+
+protected:
+    FileListController(engine::Section section, const Surroundings& surroundings);
+    [[nodiscard]] virtual QString nameOf(const engine::FFItem& item) const { return item.ppdisplayName(); }
+    /// For the tooltip; empty for none.
+    [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const {
+        return getPathByItem(item);
+    }
+
+private:
+    void viewDidLoad() override;
+    int updateRows(int row) override;
+    [[nodiscard]] ItemListModel::Texts texts() const override;
+    [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
+    void addActions(QMenu& menu) override;
+    [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
+    void removed(const engine::ItemArray& items);
+
+    quint64 generation_ = 0;    ///< of the section's items, as far as the rows hold them
+    qsizetype takenCount_ = 0;  ///< how many of them the rows have taken in
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,138 @@
+#include "ui/list/ItemListController.h"
+
+#include <QHeaderView>
+#include <QMenu>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "engine/notification/Notifications.h"
+#include "ui/controls/PopUpMenu.h"
+#include "ui/look/StyleSheets.h"
+
+namespace brimvault::ui {
+
+ItemListController::ItemListController(engine::Section section, const Surroundings& surroundings)
+    : section_(section), surroundings_(surroundings) {}
+
+ItemListController::~ItemListController() = default;
+
+void ItemListController::awake(const QString& accessibleName) {
+    accessibleName_ = accessibleName;
+    model_ = new ItemListModel(texts(), this);
+    connect(model_, &ItemListModel::checkRequested, this, &ItemListController::setItemChecked);
+    const auto words = engine::vocabulary(section_);
+    observe(words.interfaceFinished);
+    observe(words.interfaceProgress);
+    updateTableKeepSelection();
+}
+
+void ItemListController::loadView() {
+    ptableView_ = new TTableView;
+    ptableView_->setAccessibleName(accessibleName_);
+    ptableView_->setModel(model_);
+    auto* header = ptableView_->horizontalHeader();
+    header->setSortIndicator(model_->sortColumn(), model_->sortOrder());
+    connect(header, &QHeaderView::sectionClicked, this, &ItemListController::didClickTableColumn);
+    // The second of two quick clicks counts as one too.
+    connect(header, &QHeaderView::sectionDoubleClicked, this, &ItemListController::didClickTableColumn);
+    connect(ptableView_, &TTableView::menuRequested, this, &ItemListController::showMenu);
+    viewDidLoad();
+}
+
+// The twins are posted on the main thread, so the list refreshes before they return.
+void ItemListController::observe(const QString& name) {
+    observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+        name, [this](const engine::Notification&) { updateTableKeepSelection(); }));
+}
+
+void ItemListController::updateTableKeepSelection() {
+    if (ptableView_ == nullptr) {
+        updateRows(0);
+        return;
+    }
+    const bool selected = hasSelectedItem();
+    const QModelIndex current = ptableView_->currentIndex();
+    const auto currentItem = current.isValid() ? model_->item(current.row()) : nullptr;
+    const int scrolled = ptableView_->verticalScrollBar()->value();
+    const int place = updateRows(current.isValid() ? current.row() : 0);
+    if (currentItem != nullptr && !model_->contains(currentItem.get()) && hasItems()) {
+        replaceCurrent(place, selected);
+    }
+    ptableView_->verticalScrollBar()->setValue(scrolled);
+    Q_EMIT tableUpdated();
+}
+
+// Rows take the selection with them. Only where the current item is gone, the one that now stands in its place follows
+// it, selected if that was.
+void ItemListController::replaceCurrent(int row, bool selected) {
+    const auto next = model_->index(std::min(row, model_->rowCount() - 1), ItemListModel::nameColumn);
+    ptableView_->selectionModel()->setCurrentIndex(
+        next, selected ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows : QItemSelectionModel::Clear);
+}
+
+ItemListController::Item ItemListController::selectedItem() const {
+    if (ptableView_ == nullptr) {
+        return nullptr;
+    }
+    const auto rows = ptableView_->selectionModel()->selectedRows();
+    return rows.isEmpty() ? nullptr : model_->item(rows.first().row());
+}
+
+void ItemListController::selectAllItems(int state) {
+    model_->setAllChecked(state != 0);
+    surroundings_.pDS.settleMarks(section_);
+    updateTableKeepSelection();
+}
+
+void ItemListController::setItemChecked(int row, bool checked) {
+    const bool othersToo = surroundings_.pDS.setChecked(section_, *model_->item(row), checked);
+    model_->checksChanged(othersToo ? 0 : row, othersToo ? model_->rowCount() - 1 : row);
+    updateTableKeepSelection();
+    surroundings_.pCheckListener.setSectionChecked(section_, checked);
+}
+
+// A first click shows names from A, what is ticked and what is large from the top; each further one turns the order
+// round. By then the header has turned its arrow as it sees fit, whichever column it was.
+void ItemListController::didClickTableColumn(int column) {
+    if (column != ItemListModel::iconColumn) {
+        const bool again = column == model_->sortColumn();
+        const bool ascending = again ? model_->sortOrder() == Qt::DescendingOrder : column == ItemListModel::nameColumn;
+        model_->sort(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+    }
+    ptableView_->horizontalHeader()->setSortIndicator(model_->sortColumn(), model_->sortOrder());
+}
+
+void ItemListController::showMenu(const QPoint& globalPosition) {
+    auto* menu = new QMenu(ptableView_);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setStyleSheet(styleSheets::menu());
+    const bool selected = hasSelectedItem();
+    menu->addAction(tr("Show in File Manager"), this, &ItemListController::onClickedRevealInFinder)
+        ->setEnabled(selected);
+    menu->addAction(tr("Show Information"), this, &ItemListController::onClickedGetInfo)->setEnabled(selected);
+    addActions(*menu);
+    menu->addSeparator();
+    menu->addMenu(tr("Sort By"))->addActions(ptableView_->actions());
+    popUp(*menu, globalPosition);
+}
+
+void ItemListController::onClickedRevealInFinder() {
+    if (const auto item = selectedItem()) {
+        surroundings_.util.doRevealInFinder(pathOf(*item));
+    }
+}
+
+void ItemListController::onClickedGetInfo() {
+    if (const auto item = selectedItem()) {
+        surroundings_.util.doGetInformation(pathOf(*item));
+    }
+}
+
+void ItemListController::updateCleaningState(bool cleaning) {
+    model_->setEnabled(!cleaning);
+    if (ptableView_ != nullptr && ptableView_->isVisible()) {
+        updateTableKeepSelection();
+    }
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "ui/list/ItemListModel.h"
+#include "ui/list/RowIcons.h"
+#include "ui/table/RowDelegate.h"
+
+namespace brimvault::ui {
+
+/// Draws the cells of an item list: check box, icon, name, numbers. Main thread.
+class ItemRowDelegate final : public RowDelegate {
+    Q_OBJECT
+
+public:
+    explicit ItemRowDelegate(CheckTableView* view, RowIcons::Load icons = RowIcons::installed())
+        : RowDelegate(view), icons_(std::make_unique<RowIcons>(view, std::move(icons))) {}
+
+protected:
+    void drawGround(QPainter& painter, const QRect& cell, int row) const override;
+    void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }
+
+private:
+    std::unique_ptr<RowIcons> icons_;
+};
+
+}  // namespace brimvault::ui

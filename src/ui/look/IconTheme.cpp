@@ -1,0 +1,110 @@
+#include "ui/look/IconTheme.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "platform/FileContents.h"
+#include "platform/SettingsText.h"
+
+namespace brimvault::ui {
+
+using platform::FileContents;
+
+namespace {
+
+constexpr std::size_t largestIndex = 1024UL * 1024;  // those of large themes are some dozens of KiB
+constexpr int deepest = 8;                           // themes that build upon one another
+const QString lastTheme = QStringLiteral("hicolor");
+
+// How far pictures are from what is wanted: too large is better than too small.
+int distance(int smallest, int largest, int pixels) {
+    constexpr int tooSmall = 10000;
+    return largest < pixels ? tooSmall + pixels - largest : std::max(0, smallest - pixels);
+}
+
+}  // namespace
+
+QString IconTheme::fileOf(const QStringList& icons, int pixels) {
+    if (name_.isEmpty()) {
+        return {};
+    }
+    readOnce();
+    for (const QString& icon : icons) {
+        for (const auto& folders : themes_) {
+            QString file = icon.isEmpty() ? QString() : find(folders, icon, pixels);
+            if (!file.isEmpty()) {
+                return file;
+            }
+        }
+    }
+    return {};
+}
+
+void IconTheme::readOnce() {
+    if (!read_) {
+        read_ = true;
+        readTheme(name_, 0);
+        readTheme(lastTheme, 0);
+    }
+}
+
+void IconTheme::readTheme(const QString& name, int depth) {
+    if (depth > deepest || seen_.contains(name)) {
+        return;
+    }
+    seen_.append(name);
+    std::vector<Folder> found;
+    QStringList inherited;
+    for (const QString& folder : folders_) {
+        const QString theme = folder + QLatin1Char('/') + name;
+        const QString list = theme + QStringLiteral("/index.theme");
+        if (const auto contents = FileContents::read(QFile::encodeName(list).toStdString(), largestIndex)) {
+            const platform::SettingsText index(*contents);
+            const auto names = index.value("Icon Theme", "Inherits").value_or(std::string());
+            inherited += QString::fromStdString(names).split(QLatin1Char(','), Qt::SkipEmptyParts);
+            appendTypeFolders(index, theme, found);
+        }
+    }
+    themes_.push_back(std::move(found));
+    for (const QString& next : inherited) {
+        readTheme(next.trimmed(), depth + 1);
+    }
+}
+
+void IconTheme::appendTypeFolders(const platform::SettingsText& index, const QString& theme,
+                                  std::vector<Folder>& found) {
+    for (const auto& [name, values] : index.groups()) {
+        const auto value = [&, &given = values](const char* key) {
+            const auto place = given.find(key);
+            return place == given.end() ? QString() : QString::fromStdString(place->second);
+        };
+        if (value("Context").compare(QLatin1String("MimeTypes"), Qt::CaseInsensitive) != 0) {
+            continue;
+        }
+        const bool scalable = value("Type") == QLatin1String("Scalable");
+        const int size = value("Size").toInt();
+        const auto limit = [&](const char* key) {
+            const int given = scalable ? value(key).toInt() : 0;
+            return (given > 0 ? given : size) * std::max(1, value("Scale").toInt());
+        };
+        found.push_back({theme + QLatin1Char('/') + QString::fromStdString(name), limit("MinSize"), limit("MaxSize")});
+    }
+}
+
+QString IconTheme::find(std::vector<Folder> folders, const QString& icon, int pixels) {
+    std::stable_sort(folders.begin(), folders.end(), [&](const Folder& left, const Folder& right) {
+        return distance(left.smallest, left.largest, pixels) < distance(right.smallest, right.largest, pixels);
+    });
+    for (const Folder& folder : folders) {
+        for (const char* extension : {".png", ".svg", ".xpm"}) {
+            QString file = folder.path + QLatin1Char('/') + icon + QLatin1String(extension);
+            if (QFileInfo(file).isFile()) {
+                return file;
+            }
+        }
+    }
+    return {};
+}
+
+}  // namespace brimvault::ui

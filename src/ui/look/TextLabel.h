@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QFont>
+#include <QLabel>
+
+#include "ui/look/TextLine.h"
+
+namespace brimvault::ui {
+
+/// A label in the window's own type and colours. Main thread.
+[[nodiscard]] inline QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
+    auto* label = new QLabel(text);
+    label->setFont(font);
+    QPalette colors = label->palette();
+    colors.setColor(QPalette::WindowText, QColor(color));
+    label->setPalette(colors);
+    return label;
+}
+
+/// A label of one line, in the same way, whose text is cut where it does not fit. Main thread.
+class ElidedLabel final : public QLabel {
+public:
+    ElidedLabel(const QFont& font, QRgb color) : color_(color) { setFont(font); }
+
+    [[nodiscard]] QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setPen(QColor(color_));
+        drawTextLine(painter, rect(), leadingSide(layoutDirection()), font(), text());
+    }
+
+private:
+    QRgb color_;
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QLabel>
+
+#include "ui/controls/Sheet.h"
+#include "ui/report/NotCleanedListView.h"
+
+namespace brimvault::ui {
+
+/// The sheet of the not-cleaned report: what stayed, and why. Main thread.
+class NotCleanedSheet final : public Sheet {
+    Q_OBJECT
+
+public:
+    /// The rows outlive it, or are gone before it is shown again.
+    NotCleanedSheet(QAbstractItemModel* rows, QWidget* window);
+
+    [[nodiscard]] NotCleanedListView* pNotCleanedTView() const { return pNotCleanedTView_; }
+    [[nodiscard]] QAbstractButton* closeButton() const { return closeButton_; }
+    /// What is said below the heading.
+    [[nodiscard]] QString note() const { return note_->text(); }
+    void setNote(const QString& note);
+
+private:
+    QLabel* note_;
+    NotCleanedListView* pNotCleanedTView_;
+    QAbstractButton* closeButton_;
+};
+
+}  // namespace brimvault::ui

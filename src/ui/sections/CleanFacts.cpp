@@ -1,0 +1,39 @@
+#include "ui/sections/CleanFacts.h"
+
+#include <QLocale>
+
+#include "engine/model/FileSize.h"
+#include "ui/sections/SectionRows.h"
+
+namespace brimvault::ui {
+
+using engine::FileSize;
+
+namespace {
+
+QString sumText(qsizetype items, quint64 bytes) {
+    const QString size = FileSize::formatMemoryStringDot1(bytes);
+    return items == 1 ? QCoreApplication::translate("CleanFacts", "1 item, %1").arg(size)
+                      : QCoreApplication::translate("CleanFacts", "%1 items, %2").arg(QLocale().toString(items), size);
+}
+
+}  // namespace
+
+Alert::Facts cleanFacts(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
+    Alert::Facts facts;
+    qsizetype items = 0;
+    quint64 bytes = 0;
+    for (const auto& row : sectionRows()) {
+        const auto sums = ticked[row.section] ? model.sums(row.section) : engine::ItemSums();
+        items += sums.ticked;
+        bytes += sums.selected;
+        if (sums.selected != 0) {
+            facts.parts.append(QCoreApplication::translate("CleanFacts", "%1 %2", "section and size")
+                                   .arg(sectionTitle(row), FileSize::formatMemoryStringDot1(sums.selected)));
+        }
+    }
+    facts.sum = sumText(items, bytes);
+    return facts;
+}
+
+}  // namespace brimvault::ui

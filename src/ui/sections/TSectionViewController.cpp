@@ -1,0 +1,308 @@
+#include "ui/sections/TSectionViewController.h"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+
+#include "engine/notification/Notifications.h"
+#include "ui/sections/CleanFacts.h"
+#include "ui/sections/SectionRows.h"
+#include "ui/services/PlaceTexts.h"
+
+namespace brimvault::ui {
+
+using engine::Section;
+
+namespace {
+
+// Long enough for the user to see all sections become ticked before the scan starts.
+constexpr std::chrono::milliseconds restartDelay{500};
+
+const SectionRow& rowAt(int row) { return sectionRows()[static_cast<std::size_t>(row)]; }
+
+}  // namespace
+
+TSectionViewController::TSectionViewController(Surroundings surroundings, engine::ScanTable scans,
+                                               engine::CleanTable cleans)
+    : ptableView_(surroundings.tableView),
+      pAppDelegate_(surroundings.application),
+      defaults_(surroundings.defaults),
+      alerts_(surroundings.alerts),
+      neededLanguages_(std::move(surroundings.neededLanguages)),
+      performer_(std::move(scans), std::move(cleans)) {
+    initChecksFromPrefs();
+    showChecks();
+    for (const auto& row : sectionRows()) {
+        const auto words = engine::vocabulary(row.section);
+        observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+            words.interfaceFinished, [this, section = row.section](const auto&) { scanOfSectionFinished(section); }));
+        observe(words.interfaceProgress);
+    }
+    timeToReturn_.setSingleShot(true);
+    timeToReturn_.setInterval(engine::OperationQueue::timeToReturn);
+    connect(&timeToReturn_, &QTimer::timeout, this, &TSectionViewController::giveUpScans);
+    ptableView_.setModel(&model_);
+    connect(&model_, &SectionListModel::checkRequested, this, &TSectionViewController::checkClicked);
+    connect(ptableView_.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { pAppDelegate_.activatePanel(selectedRow()); });
+    selectRow(0);
+}
+
+void TSectionViewController::initChecksFromPrefs() {
+    for (const auto& row : sectionRows()) {
+        checks_[row.section] = defaults_.boolean(row.checkKey).value_or(row.checkedByDefault);
+    }
+}
+
+void TSectionViewController::saveState2Prefs() {
+    for (const auto& row : sectionRows()) {
+        defaults_.setBoolean(row.checkKey, checks_[row.section]);
+    }
+}
+
+void TSectionViewController::observe(const QString& name) {
+    observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+        name, [this](const engine::Notification&) { mainThreadUpdateData(); }));
+}
+
+// A clean ends so as well, while no scan runs.
+void TSectionViewController::scanOfSectionFinished(Section section) {
+    scanning_[section] = false;
+    mainThreadUpdateData();
+}
+
+bool TSectionViewController::isBeingScanned(Section section) const {
+    return pAppDelegate_.pbScanning() && scanning_[section];
+}
+
+engine::PerSection<bool> TSectionViewController::toBeScanned() const {
+    auto sections = checks_;
+    for (const Section section : engine::allSections) {
+        sections[section] = checks_[section] && !performer_.pscaner().isHanging(section);
+    }
+    return sections;
+}
+
+void TSectionViewController::mainThreadUpdateData() {
+    updateSubTitlesTexts();
+    pAppDelegate_.UpdateTextsAboutFreeUpSize();
+}
+
+QString TSectionViewController::subtitle(int row) const { return (performer_.getAppResDS().*rowAt(row).subtitle)(); }
+
+// Until the first scan the rows say what they said at the start.
+void TSectionViewController::updateSubTitlesTexts() {
+    if (!pAppDelegate_.bScanStarted()) {
+        return;
+    }
+    for (int row = 0; row < sectionRowCount; ++row) {
+        const Section section = rowAt(row).section;
+        notes_.found(section, performer_.getAppResDS().count(section));
+        model_.setSubtitle(row, subtitle(row));
+        model_.setNote(row, notes_.text(section));
+        const auto& places = performer_.getAppResDS().places(rowAt(row).section);
+        model_.setPlaces(row, placeTexts::all(places), placeTexts::unusual(places));
+    }
+}
+
+void TSectionViewController::showChecks() {
+    for (int row = 0; row < sectionRowCount; ++row) {
+        model_.setChecked(row, checks_[rowAt(row).section]);
+    }
+}
+
+void TSectionViewController::checkClicked(int row, bool checked) {
+    checks_[rowAt(row).section] = checked;
+    showChecks();
+    saveState2Prefs();
+    mainThreadUpdateData();
+}
+
+void TSectionViewController::updateChecksEnabled() {
+    model_.setChecksEnabled(!pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming());
+}
+
+void TSectionViewController::selectRow(int row) {
+    const int valid = row >= 0 && row < sectionRowCount ? row : 0;
+    ptableView_.setCurrentIndex(model_.index(valid));
+}
+
+int TSectionViewController::selectedRow() const {
+    const auto rows = ptableView_.selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void TSectionViewController::setAllChecked() {
+    for (const auto& row : sectionRows()) {
+        checks_[row.section] = true;
+    }
+    showChecks();
+    pAppDelegate_.updateSelectAllCheck();
+    updateSubTitlesTexts();
+}
+
+void TSectionViewController::setSectionChecked(Section section, bool checked) {
+    if (checked && !checks_[section]) {
+        checks_[section] = true;
+        showChecks();
+    }
+    pAppDelegate_.updateSelectAllCheck();
+    updateSubTitlesTexts();
+}
+
+bool TSectionViewController::isAnyChecked() const {
+    return std::any_of(sectionRows().begin(), sectionRows().end(),
+                       [this](const SectionRow& row) { return checks_[row.section]; });
+}
+
+quint64 TSectionViewController::getSize2CleanALLSel() const {
+    return performer_.getAppResDS().getSize2CleanALLSel(checks_[Section::languageResources],
+                                                        checks_[Section::downloads], checks_[Section::caches],
+                                                        checks_[Section::trash], checks_[Section::logs]);
+}
+
+void TSectionViewController::doStartScan() {
+    if (pAppDelegate_.pbCleanning() || pAppDelegate_.pbRemoving() || pAppDelegate_.isQuestionOpen()) {
+        return;
+    }
+    if (pAppDelegate_.pbScanning()) {
+        stopScan();
+        return;
+    }
+    if (!isAnyChecked()) {
+        const Alert alert{tr("No category selected"), tr("You should select category to scan.\nSelect all and scan?")};
+        if (ask(alert).returnCode == AlertAnswer::firstButton) {
+            setAllChecked();
+            QTimer::singleShot(restartDelay, this, [this] {
+                if (!pAppDelegate_.pbScanning()) {  // the button would stop a scan that the user has started meanwhile
+                    doStartScan();
+                }
+            });
+        }
+        return;
+    }
+    pAppDelegate_.setPbScanning(true);
+    // What still returns of a scan that was stopped would have to be waited for here.
+    waitingToScan_ = performer_.pscaner().isScanning();
+    if (!waitingToScan_) {
+        startScan();
+    }
+}
+
+// The controls are back at once. What has not returned in time hangs, and is given up.
+void TSectionViewController::stopScan() {
+    waitingToScan_ = false;
+    for (const Section section : engine::allSections) {
+        if (performer_.pscaner().isScanning(section)) {
+            notes_.scanStopped(section);
+        }
+    }
+    pAppDelegate_.setPbScanning(false);
+    performer_.cancelScanAll();
+    timeToReturn_.start();
+    updateSubTitlesTexts();
+}
+
+void TSectionViewController::startScan() {
+    waitingToScan_ = false;
+    scanning_ = toBeScanned();
+    for (const Section section : engine::allSections) {
+        if (scanning_[section]) {
+            notes_.scanBegun(section);
+        } else if (checks_[section]) {
+            notes_.scanSkipped(section);
+        }
+    }
+    performer_.Scan(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
+                    checks_[Section::trash], checks_[Section::logs]);
+    Q_EMIT resultsDropped();
+    updateSubTitlesTexts();
+}
+
+void TSectionViewController::doStartClean() {
+    if (pAppDelegate_.pbScanning() || pAppDelegate_.pbRemoving() || pAppDelegate_.isQuestionOpen()) {
+        return;
+    }
+    if (pAppDelegate_.pbCleanning()) {
+        cleanStopped_ = true;
+        performer_.cancelCleanAll();
+        return;
+    }
+    // While the question is open, a scan that was stopped may bring more items. The user agrees to what is ticked now.
+    const auto selection =
+        performer_.selection(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
+                             checks_[Section::trash], checks_[Section::logs]);
+    const QStringList languages = neededLanguages_();
+    lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
+    if (isRemovalConfirmed() && !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming()) {
+        startClean(selection, languages);
+    }
+}
+
+// What came meanwhile stays, and does not count as freed.
+void TSectionViewController::startClean(const engine::CleanSelection& selection, const QStringList& languages) {
+    lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
+    for (const Section section : engine::allSections) {
+        lastSelected_[section] = selection[section] ? performer_.getAppResDS().sums(section).selected : 0;
+    }
+    cleanStopped_ = false;
+    pAppDelegate_.setPbCleanning(true);
+    performer_.setNeedLangs(languages);
+    performer_.Clean(selection);
+}
+
+bool TSectionViewController::isRemovalConfirmed() {
+    if (!isAskingBeforeCleaning()) {
+        return true;
+    }
+    // Both texts have a double space; they are used as they stand.
+    const Alert alert{tr("Are you sure you want to  completely delete the selected items?"),
+                      tr("Files will be  permanently removed from your Hard Drive."), Alert::Suppression::offered,
+                      Alert::Buttons::deleteAndCancel, cleanFacts(performer_.getAppResDS(), checks_)};
+    const AlertAnswer answer = ask(alert);
+    if (answer.suppressed) {
+        setAskingBeforeCleaning(false);
+    }
+    return answer.returnCode == AlertAnswer::firstButton;
+}
+
+// The window goes on while a question is open; neither button does anything then, however it is pressed.
+AlertAnswer TSectionViewController::ask(const Alert& alert) {
+    const ApplicationController::OpenQuestion open(pAppDelegate_);
+    return alerts_.runModal(alert, pAppDelegate_.window());
+}
+
+MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
+    const bool scanning = pAppDelegate_.pbScanning();
+    const bool cleaning = pAppDelegate_.pbCleanning();
+    const bool free = !pAppDelegate_.pbRemoving() && !pAppDelegate_.isQuestionOpen();
+    if (what == MenuAction::doStartScan) {
+        return {scanning ? tr("Stop Scanning") : tr("Scan"), !cleaning && free};
+    }
+    const bool something = pAppDelegate_.bScanStarted() && isAnyChecked() && getSize2CleanALLSel() > 0;
+    return {cleaning ? tr("Stop Cleaning") : tr("Clean"), !scanning && free && something};
+}
+
+void TSectionViewController::cleanFinished() {
+    const auto remaining = static_cast<qint64>(getSize2CleanALLSel());
+    if (lastCleanedSize_ > remaining) {
+        addCleanedSizeToDefaults(static_cast<quint64>(lastCleanedSize_ - remaining));
+        defaults_.increase(defaults_key::cleanNumber);
+    }
+    for (const Section section : engine::allSections) {
+        const auto left = performer_.getAppResDS().sums(section);
+        if (left.all == 0 && lastSelected_[section] > left.selected) {
+            notes_.emptied(section, lastSelected_[section] - left.selected);
+        }
+    }
+    updateSubTitlesTexts();
+}
+
+void TSectionViewController::addCleanedSizeToDefaults(quint64 freed) {
+    const quint64 before = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
+    constexpr quint64 most = std::numeric_limits<quint64>::max();
+    defaults_.setNumber(defaults_key::totalCleanedSize, freed > most - before ? most : before + freed);
+    defaults_.setNumber(defaults_key::lastCleanedSize, freed);
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+#include <functional>
+#include <vector>
+
+#include "engine/notification/NotificationCenter.h"
+#include "engine/operations/CPerformer.h"
+#include "platform/UserDefaults.h"
+#include "ui/controls/AlertPresenter.h"
+#include "ui/controls/CheckListener.h"
+#include "ui/sections/SectionListModel.h"
+#include "ui/sections/SectionNotes.h"
+#include "ui/sections/SectionsTableView.h"
+#include "ui/services/ApplicationController.h"
+#include "ui/services/DefaultsKeys.h"
+#include "ui/services/MenuAction.h"
+
+namespace brimvault::ui {
+
+/// Drives the section list: what is ticked, what stands under each title, and the two main buttons, with their
+/// confirmations and what they add to the statistics. Owns the engine. Main thread.
+class TSectionViewController final : public QObject, public CheckListener {
+    Q_OBJECT
+
+public:
+    /// What it works with; all of it outlives it.
+    struct Surroundings {
+        SectionsTableView& tableView;
+        ApplicationController& application;
+        platform::UserDefaults& defaults;
+        AlertPresenter& alerts;
+        /// The languages that a clean of language resources keeps.
+        std::function<QStringList()> neededLanguages;
+    };
+
+    TSectionViewController(Surroundings surroundings, engine::ScanTable scans, engine::CleanTable cleans);
+
+    [[nodiscard]] engine::CPerformer& performer() { return performer_; }
+    [[nodiscard]] engine::DataMan& getAppResDS() { return performer_.getAppResDS(); }
+
+    void selectRow(int row);
+    [[nodiscard]] int selectedRow() const;
+
+    /// The scan button: starts a scan, or stops the one that runs.
+    void doStartScan();
+    /// A scan that was asked for begins with `startScan`, once the one before has returned.
+    [[nodiscard]] bool isWaitingToScan() const { return waitingToScan_; }
+    void startScan();
+    /// Sections that the scan under way has not finished yet; none while no scan runs.
+    [[nodiscard]] bool isBeingScanned(engine::Section section) const;
+    /// Sections that a scan starting now would take: those that are ticked and do not hang.
+    [[nodiscard]] engine::PerSection<bool> toBeScanned() const;
+    /// The clean button: asks and starts a clean, or stops the one that runs.
+    void doStartClean();
+    /// The user has stopped the last clean: it need not have come to every item.
+    [[nodiscard]] bool isCleanStopped() const { return cleanStopped_; }
+    /// Unless the user has said that the question of a clean need not be shown.
+    [[nodiscard]] bool isAskingBeforeCleaning() const {
+        return !defaults_.boolean(defaults_key::suppressRemovalAlert).value_or(false);
+    }
+    void setAskingBeforeCleaning(bool ask) { defaults_.setBoolean(defaults_key::suppressRemovalAlert, !ask); }
+    /// Records what a clean has freed.
+    void cleanFinished();
+    /// Gives up what was cancelled and does not return.
+    void giveUpScans() { performer_.giveUpScans(); }
+    /// How a menu is to show the two main buttons' actions, as things stand.
+    [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
+    /// Check boxes follow whether a scan or a clean runs.
+    void updateChecksEnabled();
+
+    void setAllChecked();
+    void setAppsChecked(bool checked) { setSectionChecked(engine::Section::languageResources, checked); }
+    void setDwnsChecked(bool checked) { setSectionChecked(engine::Section::downloads, checked); }
+    void setCacheChecked(bool checked) { setSectionChecked(engine::Section::caches, checked); }
+    void setTrashChecked(bool checked) { setSectionChecked(engine::Section::trash, checked); }
+    void setLogsChecked(bool checked) { setSectionChecked(engine::Section::logs, checked); }
+    void setSectionChecked(engine::Section section, bool checked) override;
+    [[nodiscard]] bool isAppsChecked() const { return checks_[engine::Section::languageResources]; }
+    [[nodiscard]] bool isAnyChecked() const;
+    [[nodiscard]] const engine::PerSection<bool>& checks() const { return checks_; }
+    /// Bytes selected in the sections that are ticked.
+    [[nodiscard]] quint64 getSize2CleanALLSel() const;
+    /// What stands under the title of a row.
+    [[nodiscard]] QString subtitle(int row) const;
+
+    void changedListOfLangs(const QStringList& languages) { performer_.changedListOfLangs(languages); }
+
+Q_SIGNALS:
+    /// A scan has begun; what the sections in it held is forgotten, and nothing has been found yet.
+    void resultsDropped();
+
+private:
+    void initChecksFromPrefs();
+    void saveState2Prefs();
+    void observe(const QString& name);
+    void scanOfSectionFinished(engine::Section section);
+    void stopScan();
+    void startClean(const engine::CleanSelection& selection, const QStringList& languages);
+    void mainThreadUpdateData();
+    void updateSubTitlesTexts();
+    void showChecks();
+    void checkClicked(int row, bool checked);
+    [[nodiscard]] AlertAnswer ask(const Alert& alert);
+    [[nodiscard]] bool isRemovalConfirmed();
+    void addCleanedSizeToDefaults(quint64 freed);
+
+    SectionsTableView& ptableView_;
+    ApplicationController& pAppDelegate_;
+    platform::UserDefaults& defaults_;
+    AlertPresenter& alerts_;
+    std::function<QStringList()> neededLanguages_;
+    SectionListModel model_;
+    engine::PerSection<bool> checks_;
+    bool waitingToScan_ = false;  ///< the user asked for a scan while one that was stopped still returned
+    bool cleanStopped_ = false;
+    qint64 lastCleanedSize_ = 0;                ///< bytes that were selected when the last clean started
+    engine::PerSection<quint64> lastSelected_;  ///< the same of each section that was ticked
+    engine::PerSection<bool> scanning_;         ///< the scan that was begun last has not finished these
+    SectionNotes notes_;
+    QTimer timeToReturn_;  ///< that a scan has which was stopped
+    engine::CPerformer performer_;
+    std::vector<engine::NotificationCenter::Observation> observations_;
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,87 @@
+#include "ui/services/PlaceTexts.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include "platform/DisplayText.h"
+
+namespace brimvault::ui {
+
+using platform::RootPlace;
+using platform::RootRefusal;
+
+namespace {
+
+QString shown(const std::filesystem::path& path) { return platform::displayText(path); }
+
+bool isLinked(const RootPlace& place) { return place.resolved != place.named; }
+
+bool isRefused(const RootPlace& place) {
+    return place.refusal != RootRefusal::none && place.refusal != RootRefusal::missing;
+}
+
+// Of a folder that is not itself in the way, but holds what is.
+QString reason(const RootPlace& place) {
+    const bool isIt = place.obstacle == place.resolved;
+    const QString obstacle = shown(place.obstacle);
+    switch (place.refusal) {
+        case RootRefusal::leadsNowhere:
+            return QCoreApplication::translate("Places", "the link leads to nothing; is a disk missing?");
+        case RootRefusal::noFolder:
+            return QCoreApplication::translate("Places", "it is no folder");
+        case RootRefusal::homeFolder:
+            return isIt ? QCoreApplication::translate("Places", "it is your home folder")
+                        : QCoreApplication::translate("Places", "it holds your home folder");
+        case RootRefusal::userFolder:
+            return isIt ? QCoreApplication::translate("Places", "it is a folder for your own files")
+                        : QCoreApplication::translate("Places", "it holds a folder for your own files, %1")
+                              .arg(obstacle);
+        case RootRefusal::otherRootFolder:
+            return isIt ? QCoreApplication::translate("Places", "another section looks there")
+                        : QCoreApplication::translate("Places", "it holds a folder where a section looks, %1")
+                              .arg(obstacle);
+        default:
+            return QCoreApplication::translate("Places", "it cannot be read");
+    }
+}
+
+QString way(const RootPlace& place) {
+    return isLinked(place) ? QCoreApplication::translate("Places", "%1, which leads to %2")
+                                 .arg(shown(place.named), shown(place.resolved))
+                           : shown(place.named);
+}
+
+QString line(const RootPlace& place) {
+    if (isRefused(place)) {
+        return QCoreApplication::translate("Places", "Not looked into: %1 (%2)").arg(way(place), reason(place));
+    }
+    return way(place);
+}
+
+template <typename Wanted>
+QString lines(const engine::Places& places, Wanted wanted) {
+    QStringList found;
+    for (const auto& place : places) {
+        if (wanted(*place)) {
+            found.append(line(*place));
+        }
+    }
+    return found.join(QLatin1Char('\n'));
+}
+
+}  // namespace
+
+QString placeTexts::all(const engine::Places& places) {
+    const QString there = lines(places, [](const RootPlace& place) { return place.refusal != RootRefusal::missing; });
+    return there.isEmpty() ? there : QCoreApplication::translate("Places", "Looks in:") + QLatin1Char('\n') + there;
+}
+
+QString placeTexts::unusual(const engine::Places& places) {
+    return lines(places, [](const RootPlace& place) {
+        return isRefused(place) || (place.refusal == RootRefusal::none && isLinked(place));
+    });
+}
+
+QString placeTexts::refused(const engine::Places& places) { return lines(places, isRefused); }
+
+}  // namespace brimvault::ui

@@ -1,0 +1,118 @@
+#include "ui/table/CheckTableView.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <utility>
+
+#include "ui/look/Look.h"
+#include "ui/look/StyleSheets.h"
+#include "ui/table/CheckToggle.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr int checkColumnWidth = 38;
+constexpr int iconColumnWidth = 38;
+
+}  // namespace
+
+CheckTableView::CheckTableView(QWidget* parent) : QTableView(parent) {
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(0);
+    verticalHeader()->setDefaultSectionSize(look::scaled(look::itemRowHeight));
+    setFrameShape(QFrame::NoFrame);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setCornerButtonEnabled(false);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    verticalScrollBar()->setStyleSheet(styleSheets::scrollBar());
+    verticalScrollBar()->setSingleStep(look::scaled(look::itemRowHeight));
+}
+
+void CheckTableView::setModel(QAbstractItemModel* model) {
+    QTableView::setModel(model);
+    horizontalHeader()->setSectionResizeMode(textColumn, QHeaderView::Stretch);
+    fixWidth(checkColumn, look::scaled(checkColumnWidth));
+    fixWidth(iconColumn, look::scaled(iconColumnWidth));
+    connect(model, &QAbstractItemModel::rowsInserted, this, &CheckTableView::keepCurrentRow);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &CheckTableView::keepCurrentRow);
+    keepCurrentRow();
+}
+
+void CheckTableView::fixWidth(int column, int width) {
+    horizontalHeader()->setSectionResizeMode(column, QHeaderView::Fixed);
+    setColumnWidth(column, width);
+}
+
+void CheckTableView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const bool check = event->button() == Qt::LeftButton && index.isValid() && index.column() == checkColumn;
+    if (!check || checkSelects_) {
+        QTableView::mousePressEvent(event);
+    }
+    if (check && index.flags().testFlag(Qt::ItemIsUserCheckable)) {
+        pressedCheck_ = index;
+        viewport()->update();
+    }
+}
+
+void CheckTableView::mouseMoveEvent(QMouseEvent* event) {
+    if (!pressedCheck_.isValid() || checkSelects_) {
+        QTableView::mouseMoveEvent(event);
+    }
+}
+
+void CheckTableView::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const QModelIndex pressed = std::exchange(pressedCheck_, QPersistentModelIndex());
+    if (pressed.isValid()) {
+        viewport()->update();
+        if (indexAt(event->position().toPoint()) == pressed) {
+            toggleCheck(this, pressed);
+        }
+    }
+}
+
+void CheckTableView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
+        toggleCheck(this, currentIndex().siblingAtColumn(checkColumn));
+    } else if (event->key() == Qt::Key_Escape) {
+        event->ignore();  // it is no letter of a name to be looked for
+    } else {
+        QTableView::keyPressEvent(event);
+    }
+}
+
+// The keyboard goes from row to row; where it is, an assistive client hears everything of the row.
+QModelIndex CheckTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    if (action == MoveHome || action == MoveEnd) {
+        return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, textColumn);
+    }
+    const QModelIndex next = QTableView::moveCursor(action, modifiers);
+    return next.siblingAtColumn(textColumn);
+}
+
+// Until the user has chosen a row, the keyboard begins at the first, whatever came before it since.
+void CheckTableView::focusInEvent(QFocusEvent* event) {
+    if (selectionModel()->selectedRows().isEmpty() && event->reason() != Qt::MouseFocusReason) {
+        selectionModel()->setCurrentIndex(model()->index(0, textColumn), QItemSelectionModel::NoUpdate);
+    }
+    QTableView::focusInEvent(event);
+}
+
+void CheckTableView::keepCurrentRow() {
+    if (!currentIndex().isValid() && model()->rowCount() > 0) {
+        selectionModel()->setCurrentIndex(model()->index(0, textColumn), QItemSelectionModel::NoUpdate);
+    }
+}
+
+}  // namespace brimvault::ui

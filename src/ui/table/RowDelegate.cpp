@@ -1,0 +1,95 @@
+#include "ui/table/RowDelegate.h"
+
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
+
+#include "ui/controls/MCheckCell.h"
+#include "ui/look/FocusRing.h"
+#include "ui/look/ImageLoad.h"
+#include "ui/look/Look.h"
+#include "ui/table/TextCellSmall.h"
+
+namespace brimvault::ui {
+
+void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    painter->save();
+    if (isSelected(option)) {
+        ImageLoad::drawFilled(*painter, option.rect, QLatin1String("table_row_select"));
+    } else {
+        drawGround(*painter, option.rect, index.row());
+    }
+    switch (index.column()) {
+        case CheckTableView::checkColumn:
+            drawCheck(*painter, option, index);
+            break;
+        case CheckTableView::iconColumn:
+            drawIcon(*painter, option, index);
+            break;
+        default:
+            drawText(*painter, option, index);
+    }
+    drawFocus(*painter, option, index);
+    painter->restore();
+}
+
+QRect RowDelegate::placed(const QStyleOptionViewItem& option, const QModelIndex& index, const QSize& size) const {
+    const QRect place(option.rect.left() + margin(index.column()),
+                      option.rect.top() + (option.rect.height() - size.height()) / 2, size.width(), size.height());
+    return QStyle::visualRect(option.direction, option.rect, place);
+}
+
+void RowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    MCheckCell check;
+    check.state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
+    check.highlighted = view_->pressedCheck() == index;
+    check.hovered = (option.state & QStyle::State_MouseOver) != 0;
+    check.enabled = index.flags().testFlag(Qt::ItemIsUserCheckable);
+    check.ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
+    check.draw(painter, placed(option, index, {MCheckCell::side(), MCheckCell::side()}).topLeft());
+}
+
+void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    const int space = margin(index.column());
+    const auto side = isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction);
+    TextCellSmall::draw(painter, option.rect.adjusted(space, 0, -space, 0), side,
+                        {index.data().toString(), {}, isSelected(option)});
+}
+
+bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                            const QModelIndex& index) {
+    const QString text = index.data().toString();
+    const int room = option.rect.width() - 2 * margin(index.column());
+    const bool cut = QFontMetrics(look::font(TextCellSmall::textSize)).horizontalAdvance(text) > room;
+    if (event->type() != QEvent::ToolTip || !index.isValid() || !cut || index.data(Qt::ToolTipRole).isValid()) {
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    }
+    QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
+    return true;
+}
+
+// The focus of the keyboard is on a row: a line above and below it, closed at both ends.
+void RowDelegate::drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    if (!isFocusShown(view_) || view_->currentIndex().row() != index.row()) {
+        return;
+    }
+    painter.setPen(QPen(QColor(isSelected(option) ? look::textOnAccent : look::accentDark), 1));
+    const QRect frame = option.rect.adjusted(0, 1, 0, -2);
+    painter.drawLine(frame.topLeft(), frame.topRight());
+    painter.drawLine(frame.bottomLeft(), frame.bottomRight());
+    const int place = view_->horizontalHeader()->visualIndex(index.column());
+    const bool first = place == 0;
+    const bool last = place == view_->model()->columnCount() - 1;
+    const bool leftEnd = option.direction == Qt::RightToLeft ? last : first;
+    const bool rightEnd = option.direction == Qt::RightToLeft ? first : last;
+    if (leftEnd) {
+        painter.drawLine(frame.left() + 1, frame.top(), frame.left() + 1, frame.bottom());
+    }
+    if (rightEnd) {
+        painter.drawLine(frame.right() - 1, frame.top(), frame.right() - 1, frame.bottom());
+    }
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+#include "ui/table/CheckTableView.h"
+
+namespace brimvault::ui {
+
+/// Draws the cells of a table of rows that can be ticked: the check box, the text, and the mark of the keyboard's focus
+/// around the current row. Each kind of table draws its own pictures. Main thread.
+class RowDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    explicit RowDelegate(CheckTableView* view) : QStyledItemDelegate(view), view_(view) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    /// The whole text of a cell in which it is cut, unless the row has more to tell.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
+    /// The view alone ticks: the base class would tick once more, where a check box of its own would be.
+    bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/, const QStyleOptionViewItem& /*option*/,
+                     const QModelIndex& /*index*/) override {
+        return false;
+    }
+
+protected:
+    /// What a cell of an unselected row stands on.
+    virtual void drawGround(QPainter& painter, const QRect& cell, int row) const = 0;
+    virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
+    /// Between the edge of a column and what stands in it.
+    [[nodiscard]] virtual int margin(int /*column*/) const { return usualMargin; }
+    /// Numbers stand at the end of their column.
+    [[nodiscard]] virtual bool isNumber(int /*column*/) const { return false; }
+
+    [[nodiscard]] static bool isSelected(const QStyleOptionViewItem& option) {
+        return (option.state & QStyle::State_Selected) != 0;
+    }
+    /// Where a picture of that size stands in its cell.
+    [[nodiscard]] QRect placed(const QStyleOptionViewItem& option, const QModelIndex& index, const QSize& size) const;
+
+private:
+    void drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+    void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+    void drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+
+    static constexpr int usualMargin = 10;
+
+    const CheckTableView* view_;
+};
+
+}  // namespace brimvault::ui

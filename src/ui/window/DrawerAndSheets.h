@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QObject>
+
+#include "ui/report/NotCleanedController.h"
+#include "ui/window/MainWindow.h"
+
+namespace brimvault::ui {
+
+/// The drawer of the languages and the sheets of the window, which never lie over one another: a sheet waits until the
+/// drawer has gone, and the drawer comes again after the sheet. The window and the report outlive it. Main thread.
+class DrawerAndSheets final : public QObject {
+    Q_OBJECT
+
+public:
+    DrawerAndSheets(MainWindow& window, NotCleanedController& report);
+
+    /// The languages belong to one section. Elsewhere their drawer is closed, and opens again where the user left it
+    /// open.
+    void updateButtonsForPanel(int row);
+    /// What the user does to open and to close the drawer.
+    void toggleDrawer();
+    [[nodiscard]] bool isDrawerOffered() const { return !window_.pbtnLangs()->isHidden(); }
+
+    void willModalSheetBegin(const QObject* sender);
+    /// The row of the section that is chosen by now.
+    void didModalSheetEnd(int row);
+
+private:
+    void setDrawerOpen(bool open);
+    void drawerDidClose();
+
+    MainWindow& window_;
+    NotCleanedController& report_;
+    const QObject* modalSheetSender_ = nullptr;  ///< asked for a sheet while the drawer was out
+    bool focusWasInDrawer_ = false;              ///< when the drawer went for the sheet
+    bool bDrawerOpened_ = false;                 ///< the user wants the drawer open
+};
+
+}  // namespace brimvault::ui

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QMenu>
+#include <vector>
+
+#include "ui/controls/IconButton.h"
+#include "ui/window/MenuCommands.h"
+
+namespace brimvault::ui {
+
+/// The program's menu, opened from a button of the window or by F10. Before it is shown, and before a shortcut is
+/// followed, each item asks whether it may and what it is called. Main thread.
+class MainMenu final : public QObject {
+    Q_OBJECT
+
+public:
+    /// The window owns the menu; its shortcuts are the window's. The commands outlive it.
+    MainMenu(QWidget* window, IconButton* button, MenuCommands& commands);
+
+    [[nodiscard]] QMenu* menu() const { return menu_; }
+    /// Titles and states as they are now.
+    void validateItems();
+    void popUp();
+    /// Closes it where it is open: what it says does not hold any more, and the user must not choose it unawares.
+    void dismiss();
+    /// Sends an action if it may be sent, as things stand.
+    void perform(MenuAction what);
+
+private:
+    struct Item {
+        MenuAction what;
+        QAction* action;
+    };
+
+    void add(QMenu* menu, MenuAction what, const QList<QKeySequence>& shortcuts = {});
+    void enableShortcuts();
+
+    QMenu* menu_;
+    IconButton* button_;
+    MenuCommands& commands_;
+    std::vector<Item> items_;
+};
+
+}  // namespace brimvault::ui

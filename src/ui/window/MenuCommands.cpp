@@ -1,0 +1,108 @@
+#include "ui/window/MenuCommands.h"
+
+#include "ui/list/FileListController.h"
+#include "ui/sections/SectionFolders.h"
+
+namespace brimvault::ui {
+
+MenuItem MenuCommands::validateMenuItem(MenuAction what) const {
+    const auto* current = panels_.getCurrentSectionController();
+    const auto* files = qobject_cast<const FileListController*>(current);
+    const bool selected = current != nullptr && current->hasSelectedItem();
+    switch (what) {
+        case MenuAction::doStartScan:
+        case MenuAction::doStartClean:
+            return sections_.validateMenuItem(what);
+        case MenuAction::toggleSelectAll: {
+            const auto* button = window_.lists()->pbtnSelectAll();
+            return {button->text(), button->isVisible() && button->isEnabled()};
+        }
+        case MenuAction::toggleDrawer:
+            return {tr("Languages to Keep"), drawerAndSheets_.isDrawerOffered()};
+        case MenuAction::doSelShowInFinder:
+            return {tr("Show in File Manager"), selected};
+        case MenuAction::doSelGetInfo:
+            return {tr("Show Information"), selected};
+        case MenuAction::doSelRemove:
+            return {tr("Remove..."), files != nullptr && files->isRemoveEnabled()};
+        case MenuAction::toggleAskBeforeCleaning:
+            return {tr("Ask Before Cleaning"), true, sections_.isAskingBeforeCleaning()};
+        case MenuAction::shareByMail:
+            return {tr("By Mail...")};
+        case MenuAction::sendFeedbackPressed:
+            return {tr("Send Feedback...")};
+        case MenuAction::showAboutScreen:
+            return {tr("About Brimvault")};
+        case MenuAction::quit:
+            break;
+    }
+    return {tr("Quit")};
+}
+
+void MenuCommands::perform(MenuAction what) {
+    switch (what) {
+        case MenuAction::doStartScan:
+            return sections_.doStartScan();
+        case MenuAction::doStartClean:
+            return sections_.doStartClean();
+        case MenuAction::toggleSelectAll:
+            return window_.lists()->pbtnSelectAll()->click();
+        case MenuAction::toggleDrawer:
+            return drawerAndSheets_.toggleDrawer();
+        case MenuAction::doSelShowInFinder:
+            return doSelShowInFinder();
+        case MenuAction::doSelGetInfo:
+            return doSelGetInfo();
+        case MenuAction::doSelRemove:
+            return doSelRemove();
+        case MenuAction::toggleAskBeforeCleaning:
+            return sections_.setAskingBeforeCleaning(!sections_.isAskingBeforeCleaning());
+        case MenuAction::shareByMail:
+            return help_.shareByMail();
+        case MenuAction::sendFeedbackPressed:
+            return help_.sendFeedbackPressed();
+        case MenuAction::showAboutScreen:
+            return help_.showAboutScreen();
+        case MenuAction::quit:
+            window_.close();
+    }
+}
+
+void MenuCommands::doSelShowInFinder() {
+    if (auto* current = panels_.getCurrentSectionController()) {
+        current->onClickedRevealInFinder();
+    }
+}
+
+void MenuCommands::doSelGetInfo() {
+    if (auto* current = panels_.getCurrentSectionController()) {
+        current->onClickedGetInfo();
+    }
+}
+
+void MenuCommands::finderPressed() {
+    const auto* current = panels_.getCurrentSectionController();
+    if (current != nullptr && !current->hasSelectedItem()) {
+        util_.openFirstFolder([section = current->section()] { return SectionFolders::of(section); });
+    } else {
+        doSelShowInFinder();
+    }
+}
+
+void MenuCommands::infPressed() {
+    const auto* current = panels_.getCurrentSectionController();
+    if (current != nullptr && !current->hasSelectedItem()) {
+        util_.getInformationOfFirstFolder([section = current->section()] { return SectionFolders::of(section); });
+    } else {
+        doSelGetInfo();
+    }
+}
+
+// Nothing is removed singly from the list of Language Resources.
+void MenuCommands::doSelRemove() {
+    if (auto* current = qobject_cast<FileListController*>(panels_.getCurrentSectionController())) {
+        current->onClickedRemove();
+    }
+}
+
+}  // namespace brimvault::ui

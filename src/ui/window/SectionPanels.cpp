@@ -1,0 +1,128 @@
+#include "ui/window/SectionPanels.h"
+
+#include <QLocale>
+
+#include "ui/list/ListControllers.h"
+#include "ui/services/PlaceTexts.h"
+
+namespace brimvault::ui {
+
+using engine::Section;
+
+namespace {
+
+QString countText(Section section, qsizetype items, bool more) {
+    const QString number = QLocale().toString(items);
+    if (section == Section::languageResources) {
+        if (items == 1) {
+            return more ? SectionPanels::tr("1 application so far") : SectionPanels::tr("1 application");
+        }
+        return (more ? SectionPanels::tr("%1 applications so far") : SectionPanels::tr("%1 applications")).arg(number);
+    }
+    if (items == 1) {
+        return more ? SectionPanels::tr("1 item so far") : SectionPanels::tr("1 item");
+    }
+    return (more ? SectionPanels::tr("%1 items so far") : SectionPanels::tr("%1 items")).arg(number);
+}
+
+}  // namespace
+
+SectionPanels::SectionPanels(ListPanel& panel, TSectionViewController& sections, ApplicationController& application,
+                             UtilMod& util)
+    : panel_(panel), sections_(sections), application_(application), util_(util) {
+    for (int row = 0; row < sectionRowCount; ++row) {
+        createController(row);
+    }
+}
+
+void SectionPanels::createController(int row) {
+    auto& slot = pDynControllers_[static_cast<std::size_t>(row)];
+    slot = makeListController(sectionRows()[static_cast<std::size_t>(row)].section,
+                              {sections_.getAppResDS(), sections_, application_, util_});
+    connect(slot.get(), &ItemListController::tableUpdated, this, [this, row] {
+        if (row == activeRow_) {
+            updateTitle();
+            updateSelectAllButton();
+        }
+    });
+}
+
+void SectionPanels::show(int row) {
+    activeRow_ = row;
+    auto& shown = controller(row);
+    if (shown.view() == nullptr) {
+        loadView(shown);
+    }
+    showPanel(row);
+}
+
+void SectionPanels::loadView(ItemListController& controller) {
+    controller.loadView();
+    panel_.addList(controller.view());
+    controller.updateCleaningState(isRemoving());
+}
+
+void SectionPanels::showPanel(int row) {
+    for (const auto& slot : pDynControllers_) {
+        if (slot->view() != nullptr) {
+            slot->view()->setVisible(slot.get() == &controller(row));
+        }
+    }
+    updateTitle();
+    updateSelectAllButton();
+}
+
+ItemListController* SectionPanels::getCurrentSectionController() const {
+    return activeRow_ < 0 ? nullptr : &controller(activeRow_);
+}
+
+void SectionPanels::refreshLists() {
+    for (const auto& controller : pDynControllers_) {
+        controller->updateTableKeepSelection();
+    }
+}
+
+void SectionPanels::updateCleaningState() {
+    for (const auto& controller : pDynControllers_) {
+        controller->updateCleaningState(isRemoving());
+    }
+}
+
+// Where there is nothing to list, what stands in the place of the list says so.
+void SectionPanels::updateTitle() {
+    const auto* current = getCurrentSectionController();
+    if (current == nullptr) {
+        return;
+    }
+    const bool scanning = sections_.isBeingScanned(current->section());
+    const bool listed = current->hasItems();
+    panel_.setTitle(sectionTitle(sectionRows()[static_cast<std::size_t>(activeRow_)]),
+                    listed ? countText(current->section(), current->itemCount(), scanning) : QString());
+    const auto& places = sections_.getAppResDS().places(current->section());
+    const QString refused = placeTexts::refused(places);
+    panel_.setPlaces(listed ? placeTexts::unusual(places) : QString(), placeTexts::all(places));
+    panel_.setNote(scanning            ? tr("Scanning...")
+                   : refused.isEmpty() ? sections_.subtitle(activeRow_)
+                                       : sections_.subtitle(activeRow_) + QStringLiteral("\n\n") + refused);
+    panel_.setListShown(current->view(), listed);
+}
+
+void SectionPanels::updateSelectAllButton() {
+    const auto* current = getCurrentSectionController();
+    auto* selectAll = panel_.pbtnSelectAll();
+    selectAll->setSelAllChecked(current == nullptr ? 0 : current->getcheckstate());
+    selectAll->setEnabled(!application_.sectionControllerIsScanOrRemoveProcessPerforming() && current != nullptr &&
+                          current->hasItems());
+}
+
+void SectionPanels::toggleSelectAll() {
+    auto* current = getCurrentSectionController();
+    if (current == nullptr) {
+        return;
+    }
+    const bool checked = panel_.pbtnSelectAll()->checkState() == Qt::Checked;
+    current->selectAllItems(checked ? 1 : 0);
+    sections_.setSectionChecked(current->section(), checked);
+}
+
+}  // namespace brimvault::ui

@@ -1,0 +1,36 @@
+#include "ui/window/StatusTexts.h"
+
+#include "engine/model/FileSize.h"
+#include "ui/services/DefaultsKeys.h"
+
+namespace brimvault::ui {
+
+using engine::FileSize;
+
+void StatusTexts::showSizes(quint64 selected, quint64 total, Activity activity) {
+    const QString selectedText = selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected);
+    const QString totalText = tr("Selected of %1").arg(FileSize::formatMemoryStringDot1(total));
+    plashka_.setTexts(selectedText, activity == Activity::cleaning   ? tr("Cleaning...")
+                                    : activity == Activity::removing ? tr("Removing...")
+                                                                     : totalText);
+}
+
+void StatusTexts::showHint() { ptxtStartDescClean_.setText(tr("Select sections and press Scan button")); }
+
+void StatusTexts::showCleanedSummary() {
+    const quint64 total = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
+    const quint64 last = defaults_.number(defaults_key::lastCleanedSize).value_or(0);
+    const QString totalText = FileSize::formatMemoryStringDot1(total);
+    if (total == 0) {
+        ptxtStartDescClean_.setText(tr("Select files and press Clean button"));
+        plashka_.setTexts({}, tr("Select files to clean"));
+    } else if (last == 0) {
+        ptxtStartDescClean_.setText(tr("%1 cleaned before").arg(totalText));
+        plashka_.setTexts({}, tr("%1 cleaned before").arg(totalText));
+    } else {
+        plashka_.setTexts(tr("%1 cleaned").arg(FileSize::formatMemoryStringDot1(last)),
+                          tr("%1 cleaned in total").arg(totalText));
+    }
+}
+
+}  // namespace brimvault::ui

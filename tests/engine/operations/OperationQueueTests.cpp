@@ -1,0 +1,210 @@
+#include "engine/operations/OperationQueue.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <semaphore>
+
+#include "support/EventLoop.h"
+#include "support/HeardNotifications.h"
+#include "support/SectionWork.h"
+
+namespace brimvault::tests {
+
+using engine::Operation;
+using engine::OperationQueue;
+using engine::Section;
+
+namespace {
+
+std::shared_ptr<SuppliedWork> work(SuppliedWork::Work function, Section section = Section::caches) {
+    return std::make_shared<SuppliedWork>(std::move(function), section);
+}
+
+}  // namespace
+
+TEST(OperationQueue, RunsOneAfterAnotherInTheOrderOfAddingWhenLimitedToOne) {
+    OperationQueue queue(1);
+    std::vector<int> ran;  // one thread at a time
+    std::shared_ptr<Operation> last;
+    for (int number = 0; number < 50; ++number) {
+        last = work([&ran, number](SuppliedWork&) { ran.push_back(number); });
+        queue.addOperation(last);
+    }
+    last->waitUntilFinished();
+    EXPECT_EQ(ran.size(), 50U);
+    EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
+}
+
+TEST(OperationQueue, RunsSideBySideUpToItsLimitAndNotBeyond) {
+    constexpr int limit = 3;
+    OperationQueue queue(limit);
+    std::counting_semaphore<limit> met(0);
+    std::atomic<int> running = 0;
+    std::atomic<int> most = 0;
+    std::atomic<bool> together = true;
+    for (int number = 0; number < 4 * limit; ++number) {
+        queue.addOperation(work([&](SuppliedWork&) {
+            const int now = ++running;
+            for (int before = most; before < now && !most.compare_exchange_weak(before, now);) {
+            }
+            if (now == limit) {
+                met.release(limit);
+            }
+            together = met.try_acquire_for(std::chrono::seconds(30)) && together;
+            --running;
+        }));
+    }
+    ASSERT_TRUE(runUntil([&] { return queue.operations().empty(); }));
+    EXPECT_TRUE(together);
+    EXPECT_EQ(most, limit);
+}
+
+TEST(OperationQueue, StartsAnOperationOnlyWhenAllItDependsOnHaveFinished) {
+    OperationQueue queue;
+    std::atomic<int> finished = 0;
+    int seen = -1;
+    const auto last = work([&](SuppliedWork&) { seen = finished; });
+    std::binary_semaphore go(0);
+    for (int number = 0; number < 3; ++number) {
+        const auto before = work([&](SuppliedWork&) {
+            go.acquire();
+            ++finished;
+            go.release();
+        });
+        last->addDependency(before);
+        queue.addOperation(before);
+    }
+    queue.addOperation(last);
+    EXPECT_FALSE(last->isFinished());
+    go.release();
+    last->waitUntilFinished();
+    EXPECT_EQ(seen, 3);
+}
+
+TEST(OperationQueue, FinishesAnOperationCancelledBeforeItsStartWithoutItsWork) {
+    OperationQueue queue(1);
+    std::binary_semaphore go(0);
+    std::atomic<int> completions = 0;
+    queue.addOperation(work([&](SuppliedWork&) { go.acquire(); }));
+    const auto cancelled = work([](SuppliedWork&) { ADD_FAILURE() << "its work was begun"; });
+    cancelled->setCompletionBlock([&] { ++completions; });
+    queue.addOperation(cancelled);
+    cancelled->cancel();
+    go.release();
+    cancelled->waitUntilFinished();
+    EXPECT_TRUE(runUntil([&] { return completions == 1; }));
+}
+
+TEST(OperationQueue, CancelsAndAwaitsTheChosenOnesAlone) {
+    OperationQueue queue;
+    std::atomic<bool> chosenEnded = false;
+    std::atomic<bool> otherCancelled = false;
+    std::binary_semaphore go(0);
+    std::binary_semaphore begun(0);
+    queue.addOperation(work([&](SuppliedWork& own) {
+        begun.release();
+        awaitCancel(own);
+        chosenEnded = true;
+    }));
+    begun.acquire();
+    queue.addOperation(work(
+        [&](SuppliedWork& own) {
+            go.acquire();
+            otherCancelled = own.isCancelled();
+        },
+        Section::trash));
+    cancelSectionAndWait(queue, Section::caches);
+    EXPECT_TRUE(chosenEnded);
+    EXPECT_EQ(queue.operations().size(), 1U);
+    cancelSectionAndWait(queue, Section::logs);
+    go.release();
+    EXPECT_TRUE(runUntil([&] { return queue.operations().empty(); }));
+    EXPECT_FALSE(otherCancelled);
+}
+
+TEST(OperationQueue, HasDroppedAnOperationWhenWaitingForItIsOver) {
+    OperationQueue queue;
+    for (int round = 0; round < 500; ++round) {
+        const auto operation = work([](SuppliedWork&) {});
+        queue.addOperation(operation);
+        operation->waitUntilFinished();
+        EXPECT_TRUE(queue.operations().empty());
+    }
+}
+
+TEST(OperationQueue, GivesUpWhatHangsAndGoesOnWithoutIt) {
+    const QString name = QStringLiteral("posted by what hangs");
+    const HeardNotifications heard = {name};
+    QObject context;
+    int handed = 0;
+    auto observation = engine::NotificationCenter::defaultCenter().addMainThreadObserver(
+        name, &context, [&](const auto&) { ++handed; });
+    const auto hang = std::make_shared<Hang>();
+    const auto post = [name] { engine::NotificationCenter::defaultCenter().post(name); };
+    std::optional<OperationQueue> queue(1);
+    const auto hanging = work([hang, post](SuppliedWork&) {
+        post();
+        hang->wait();
+        post();
+    });
+    int completions = 0;
+    hanging->setCompletionBlock([&] { ++completions; });
+    const auto next = work([](SuppliedWork&) {}, Section::trash);
+    next->addDependency(hanging);
+    queue->addOperation(hanging);
+    queue->addOperation(next);
+    ASSERT_TRUE(runUntil([&] { return hang->holdsAny() && handed == 1; }));
+    post();
+    cancelSectionAndWait(*queue, Section::caches);
+    EXPECT_TRUE(hanging->isFinished());
+    EXPECT_EQ(completions, 1);
+    next->waitUntilFinished();
+    ASSERT_TRUE(runUntil([&] { return handed == 2; })) << "it is not the queue that posted in between";
+    EXPECT_EQ(queue->leftBehind(), (std::vector<std::shared_ptr<Operation>>{hanging}));
+    hang->letOn();
+    ASSERT_TRUE(runUntil([&] { return queue->leftBehind().empty(); }));
+    runPending();
+    EXPECT_EQ(handed, 2);
+    EXPECT_EQ(heard.names().size(), 2);
+    EXPECT_EQ(completions, 1);
+
+    // What was handed over before is recalled as well, and a queue goes without what it has given up.
+    const auto other = std::make_shared<Hang>();
+    queue->addOperation(work([other, post](SuppliedWork&) {
+        post();
+        other->wait();
+    }));
+    while (!other->holdsAny()) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(queue->giveUp([](const Operation&) { return true; }).size(), 1U);
+    queue.reset();
+    runPending();
+    EXPECT_EQ(handed, 2);
+    other->letOn();
+}
+
+TEST(OperationQueue, CancelsAndAwaitsEverythingWhenItIsDestroyed) {
+    std::atomic<int> ended = 0;
+    std::vector<std::shared_ptr<Operation>> all;
+    {
+        OperationQueue queue(2);
+        for (int number = 0; number < 5; ++number) {
+            all.push_back(work([&](SuppliedWork& own) {
+                awaitCancel(own);
+                ++ended;
+            }));
+            queue.addOperation(all.back());
+        }
+    }
+    for (const auto& operation : all) {
+        EXPECT_TRUE(operation->isFinished());
+    }
+    EXPECT_LE(ended, 2);
+}
+
+}  // namespace brimvault::tests

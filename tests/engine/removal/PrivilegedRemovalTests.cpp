@@ -1,0 +1,354 @@
+#include <gmock/gmock.h>
+
+#include <QCoreApplication>
+#include <algorithm>
+#include <csignal>
+
+#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "engine/operations/FCutter.h"
+#include "engine/removal/AuthorizationManager.h"
+#include "engine/removal/Remover.h"
+#include "support/SubstituteHome.h"
+#include "trial/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using namespace trial;
+
+using cleaner::Operation;
+using engine::AuthorizationManager;
+using platform::Interaction;
+using testing::ElementsAre;
+using testing::SizeIs;
+
+namespace {
+
+// What an authorization is told to answer, and what it has been asked. It lives longer than the authorization.
+struct System {
+    bool isHeld = false;
+    bool grants = false;
+    bool starts = true;
+    bool toolRuns = true;
+    int questions = 0;
+    std::function<void()> whileAsked;  ///< what happens while the question is open
+    int made = 0;
+    int given = 0;  ///< back
+    std::vector<platform::RightItem> rights;
+    std::vector<std::vector<std::string>> started;  ///< the arguments
+};
+
+class ToldAuthorization final : public platform::Authorization {
+public:
+    explicit ToldAuthorization(System& system) : system_(system) { ++system_.made; }
+    bool copyRights(const std::vector<platform::RightItem>& rights, Interaction interaction,
+                    const std::function<bool()>& givesUp) override {
+        system_.rights = rights;
+        if (interaction == Interaction::allowed) {
+            ++system_.questions;
+            if (system_.whileAsked) {
+                system_.whileAsked();
+                return !givesUp();
+            }
+            system_.isHeld = system_.grants;
+        }
+        return system_.isHeld;
+    }
+    bool executeWithPrivileges(const std::filesystem::path& /*tool*/,
+                               const std::vector<std::string>& arguments) override {
+        system_.started.push_back(arguments);
+        return system_.starts;
+    }
+    bool isToolRunning() override { return system_.toolRuns; }
+    void destroyRights() override { ++system_.given; }
+
+private:
+    System& system_;
+};
+
+class Messages final : public engine::AuthorizationListener {
+public:
+    void onAuthorizationComplete() override { heard.emplace_back("complete"); }
+    void onAuthorizationFailed() override { heard.emplace_back("failed"); }
+    void onDeAuthorizationComplete() override { heard.emplace_back("given back"); }
+    void onCommadExecuteSuccess() override { heard.emplace_back("started"); }
+    void onCommadExecuteFailure() override { heard.emplace_back("not started"); }
+    std::vector<std::string> heard;
+};
+
+class Authorizing : public testing::Test {
+protected:
+    Authorizing() { manager_.setListener(&messages_); }
+
+    System system_;
+    Messages messages_;
+    AuthorizationManager manager_{[this] { return std::make_unique<ToldAuthorization>(system_); }};
+    const AuthorizationManager::ToolPaths tool_ = {"/tool"};
+};
+
+// A root remover in memory.
+struct ToldTool {
+    std::size_t start = 1;  ///< the first after which it can be met
+    bool answers = true;    ///< or its connection breaks off at a request
+    std::string greeting = *cleaner::encode(Operation::ready, {&cleaner::version, 1});
+    int met = 0;
+    std::vector<Operation> asked;
+    std::string lastPath;
+};
+
+class ToldConnection final : public platform::ToolConnection {
+public:
+    explicit ToldConnection(ToldTool& tool) : tool_(tool), pending_(tool.greeting) { ++tool.met; }
+    bool send(std::string_view bytes) override {
+        reader_.feed(bytes);
+        const auto request = reader_.take();
+        tool_.asked.push_back(request->operation);
+        tool_.lastPath = request->content;
+        if (request->operation == Operation::keepFolderAtPath) {
+            return true;
+        }
+        isBroken_ = !tool_.answers;
+        if (!isBroken_) {
+            pending_ += *cleaner::encode(Operation::working) + *cleaner::encode(Operation::done, "/in/trash");
+        }
+        return true;
+    }
+    std::optional<std::string> receive(std::chrono::milliseconds /*patience*/) override {
+        if (isBroken_) {
+            return std::nullopt;
+        }
+        return std::exchange(pending_, {});
+    }
+
+private:
+    ToldTool& tool_;
+    cleaner::MessageReader reader_;
+    std::string pending_;
+    bool isBroken_ = false;
+};
+
+class RemovingAsRoot : public Authorizing {
+protected:
+    RemovingAsRoot() { system_.isHeld = true; }
+
+    TemporaryFolder folder_;
+    SubstituteHome home_{folder_.path()};
+    ToldTool told_;
+    std::vector<std::string> lookedFor_;
+    int sleeps_ = 0;
+    engine::Remover remover_{{manager_, "/tool",
+                              [this](const std::string& name) -> std::unique_ptr<platform::ToolConnection> {
+                                  lookedFor_.push_back(name);
+                                  const bool isMet = system_.started.size() >= told_.start;
+                                  return isMet ? std::make_unique<ToldConnection>(told_) : nullptr;
+                              },
+                              [this](std::chrono::milliseconds /*duration*/) { ++sleeps_; }}};
+};
+
+class CountingRemover final : public engine::PrivilegedRemover {
+public:
+    void letAskUser() override { ++letAsk; }
+    void stopAskingUser() override { ++stopped; }
+    bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
+    int letAsk = 0;
+    int stopped = 0;
+};
+
+}  // namespace
+
+TEST_F(Authorizing, AsksNobodyForARightThatIsHeldOrUnlessItIsLet) {
+    EXPECT_FALSE(manager_.isAuthenticated({}));
+    EXPECT_FALSE(manager_.fetchPassword({}));
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    system_.isHeld = true;
+    manager_.setIsNeedAskAuthentication(true);
+    EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 0);
+    EXPECT_EQ(system_.made, 1);
+    EXPECT_THAT(messages_.heard, testing::IsEmpty());
+}
+
+TEST_F(Authorizing, AsksOnceWhenRefusedAndAgainWhenLetAgain) {
+    for (const int questions : {1, 2}) {
+        manager_.setIsNeedAskAuthentication(true);
+        EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
+        EXPECT_FALSE(manager_.authenticate(tool_));
+        EXPECT_FALSE(manager_.m_bIsNeedAskAuthentication());
+        EXPECT_FALSE(manager_.authenticate(tool_));
+        EXPECT_EQ(system_.questions, questions);
+    }
+    EXPECT_TRUE(manager_.fetchPassword(tool_)) << "the answer is that the user was asked";
+    EXPECT_THAT(messages_.heard, ElementsAre("failed", "failed", "failed"));
+}
+
+TEST_F(Authorizing, AsksOnceWhenGrantedAlsoAfterTheRightHasRunOut) {
+    system_.grants = true;
+    manager_.setIsNeedAskAuthentication(true);
+    EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication()) << "nothing was refused";
+    system_.isHeld = false;
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 1);
+    manager_.setIsNeedAskAuthentication(true);
+    EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 2);
+    EXPECT_THAT(messages_.heard, ElementsAre("complete", "complete"));
+}
+
+TEST_F(Authorizing, WithdrawsAnOpenQuestionAndAsksAgainOnlyWhenLet) {
+    manager_.setIsNeedAskAuthentication(true);
+    system_.whileAsked = [this] { manager_.giveUpAsking(); };
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 1);
+    EXPECT_THAT(messages_.heard, ElementsAre("failed"));
+    manager_.setIsNeedAskAuthentication(true);
+    manager_.giveUpAsking();
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 1);
+}
+
+TEST_F(Authorizing, WithdrawsAQuestionOfAnEarlierTimeAndAsksAgainForTheNext) {
+    manager_.setIsNeedAskAuthentication(true);
+    system_.whileAsked = [this] { manager_.setIsNeedAskAuthentication(true); };
+    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
+    system_.whileAsked = {};
+    system_.grants = true;
+    EXPECT_TRUE(manager_.authenticate(tool_));
+    EXPECT_EQ(system_.questions, 2);
+}
+
+TEST_F(Authorizing, AsksForTheFirstTwentyToolsAndForNoneThatWouldBeCutOff) {
+    system_.isHeld = true;
+    EXPECT_TRUE(manager_.isAuthenticated(AuthorizationManager::ToolPaths(21, "/tool")));
+    EXPECT_THAT(system_.rights, SizeIs(20));
+    EXPECT_EQ(system_.rights.front().name, "system.privilege.admin");
+    EXPECT_EQ(system_.rights.front().value, "/tool");
+    EXPECT_TRUE(manager_.isAuthenticated({"/" + std::string(126, 'x')}));
+    EXPECT_FALSE(manager_.isAuthenticated({"/" + std::string(127, 'x')}));
+}
+
+TEST_F(Authorizing, StartsAToolWithAtMostNineteenArguments) {
+    EXPECT_FALSE(manager_.executeCommand("/tool", {}, 0));
+    system_.isHeld = true;
+    EXPECT_TRUE(manager_.executeCommand("/tool", std::vector<std::string>(25, "x"), 0));
+    system_.starts = false;
+    EXPECT_FALSE(manager_.executeCommand("/tool", {}, 0));
+    EXPECT_THAT(system_.started, ElementsAre(SizeIs(19), SizeIs(0)));
+    EXPECT_THAT(messages_.heard, ElementsAre("started", "not started"));
+}
+
+TEST_F(Authorizing, GivesRightsBackOnceAndBeginsAnew) {
+    manager_.deauthenticate();
+    (void)manager_.isAuthenticated(tool_);
+    manager_.deauthenticate();
+    manager_.deauthenticate();
+    (void)manager_.isAuthenticated(tool_);
+    EXPECT_EQ(system_.given, 1);
+    EXPECT_EQ(system_.made, 2);
+    EXPECT_THAT(messages_.heard, ElementsAre("given back"));
+}
+
+TEST(AuthorizingNobody, IsANoWithoutAQuestion) {
+    AuthorizationManager manager([] { return nullptr; });
+    manager.setIsNeedAskAuthentication(true);
+    EXPECT_FALSE(manager.executeCommand("/tool", {}, 0));
+    EXPECT_FALSE(manager.isToolRunning());
+    manager.deauthenticate();
+}
+
+TEST_F(Authorizing, IgnoresTheEndsOfChildrenFromTheFirstStartToTheLastStop) {
+    const auto isIgnored = [] {
+        struct sigaction current {};
+        ::sigaction(SIGCHLD, nullptr, &current);
+        return current.sa_handler == SIG_IGN;
+    };
+    EXPECT_TRUE(manager_.stopIgnoreChildsSignals());
+    EXPECT_TRUE(manager_.startIgnoreChildsSignals());
+    EXPECT_TRUE(manager_.startIgnoreChildsSignals());
+    EXPECT_TRUE(manager_.stopIgnoreChildsSignals());
+    EXPECT_TRUE(isIgnored());
+    EXPECT_TRUE(manager_.stopIgnoreChildsSignals());
+    EXPECT_FALSE(isIgnored());
+}
+
+TEST_F(RemovingAsRoot, UsesOneToolAndTellsItFirstWhatToKeep) {
+    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    EXPECT_EQ(told_.asked.front(), Operation::keepFolderAtPath);
+    EXPECT_EQ(told_.asked.back(), Operation::removeFileAtPath);
+    const auto kept = std::count(told_.asked.begin(), told_.asked.end(), Operation::keepFolderAtPath);
+    EXPECT_TRUE(remover_.removeFileAtPath("/b"));
+    EXPECT_EQ(told_.lastPath, "/b");
+    EXPECT_EQ(remover_.recycleFileAtPath("/c"), "/in/trash");
+    EXPECT_EQ(std::count(told_.asked.begin(), told_.asked.end(), Operation::keepFolderAtPath), kept);
+    EXPECT_EQ(told_.met, 1);
+    EXPECT_THAT(system_.started,
+                ElementsAre(ElementsAre(lookedFor_.back(), std::to_string(QCoreApplication::applicationPid()))));
+}
+
+TEST_F(RemovingAsRoot, GivesUpWaitingAfterFiftySleepsAndStartsAnotherForTheNextRequest) {
+    told_.start = 2;
+    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    EXPECT_EQ(sleeps_, 50);
+    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    ASSERT_THAT(system_.started, SizeIs(2));
+    EXPECT_NE(system_.started[0][0], system_.started[1][0]);
+}
+
+TEST_F(RemovingAsRoot, DoesNotWaitForAToolThatHasEndedOrWasNeverStarted) {
+    told_.start = 2;
+    system_.toolRuns = false;
+    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    system_.toolRuns = true;
+    system_.isHeld = false;
+    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    EXPECT_EQ(remover_.recycleFileAtPath("/a"), std::nullopt);
+    EXPECT_EQ(sleeps_, 0);
+}
+
+TEST_F(RemovingAsRoot, ReplacesAToolThatBreaksOffAndDoesNotAskItAgainByItself) {
+    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    told_.answers = false;
+    EXPECT_FALSE(remover_.removeFileAtPath("/b"));
+    EXPECT_EQ(told_.met, 1);
+    told_.answers = true;
+    EXPECT_TRUE(remover_.removeFileAtPath("/b"));
+    EXPECT_EQ(told_.met, 2);
+}
+
+TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
+    for (const auto& greeting : {*cleaner::encode(Operation::ready, "0"), *cleaner::encode(Operation::done),
+                                 std::string("\xff\xff\xff\xff", 4)}) {
+        told_.greeting = greeting;
+        EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    }
+    EXPECT_THAT(told_.asked, testing::IsEmpty());
+}
+
+TEST_F(RemovingAsRoot, DoesNotSendAPathThatIsTooLong) {
+    EXPECT_FALSE(remover_.removeFileAtPath("/" + std::string(cleaner::longestMessage, 'x')));
+    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    EXPECT_EQ(told_.met, 1);
+}
+
+TEST(NamesOfRootRemovers, HaveSixDigitsInTheRangeThatIsDrawnFrom) {
+    for (int times = 0; times < 1000; ++times) {
+        const auto name = engine::Remover::generateRootRemoverServerName();
+        ASSERT_TRUE(cleaner::isName(name)) << name;
+        const auto number = std::stoul(name.substr(cleaner::nameBeginning.size()));
+        EXPECT_GE(number, 100'000U);
+        EXPECT_LE(number, 999'998U);
+    }
+}
+
+TEST(CleanDriver, LetsTheUserBeAskedOnceForEachClean) {
+    CountingRemover remover;
+    engine::FCutter cutter(engine::CleanTable::fileSections(remover));
+    cutter.Clean({}, {}, {}, {}, {});
+    EXPECT_EQ(remover.letAsk, 1);
+    EXPECT_EQ(remover.stopped, 0);
+    cutter.cancelCleanAll();
+    EXPECT_EQ(remover.stopped, 1);
+}
+
+}  // namespace brimvault::tests

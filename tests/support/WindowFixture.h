@@ -1,0 +1,226 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <QList>
+#include <atomic>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "app/SectionOperations.h"
+#include "engine/model/FFItem.h"
+#include "engine/operations/SBaseOperation.h"
+#include "langres/LanguagesManager.h"
+#include "langres/SAOperation.h"
+#include "platform/System.h"
+#include "platform/UserDefaults.h"
+#include "scanners/ContainersFolderScannerManager.h"
+#include "scanners/SChOperation.h"
+#include "scanners/SDwnOperation.h"
+#include "scanners/SLogsOperation.h"
+#include "scanners/STrshOperation.h"
+#include "trial/Guide.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
+#include "ui/controls/AlertPresenter.h"
+#include "ui/window/FAppDelegate.h"
+
+namespace brimvault::tests {
+
+using namespace trial;
+
+/// Answers questions as it was told to, and remembers them; a question that it was told nothing of is cancelled.
+class ToldAlerts final : public ui::AlertPresenter {
+public:
+    ui::AlertAnswer runModal(const ui::Alert& alert, QWidget* /*window*/) override {
+        asked.push_back(alert);
+        if (whileOpen) {
+            whileOpen();
+        }
+        if (answers.empty()) {
+            return {};
+        }
+        const auto answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+
+    std::deque<ui::AlertAnswer> answers;
+    std::vector<ui::Alert> asked;
+    std::function<void()> whileOpen;  ///< what happens while a question is open
+};
+
+/// Remembers what it was asked to show, and takes the request or not, as it was told to.
+class ToldFileBrowser final : public platform::FileBrowser {
+public:
+    bool showItem(const std::filesystem::path& path) override { return note("item ", path, answers); }
+    bool showItemProperties(const std::filesystem::path& path) override { return note("properties ", path, answers); }
+    bool openFolder(const std::filesystem::path& folder) override { return note("folder ", folder, opens); }
+
+    void giveUp() override {}
+
+    [[nodiscard]] std::vector<std::string> asked() const {
+        const std::lock_guard guard(mutex_);
+        return asked_;
+    }
+
+    std::atomic<bool> answers = true;  ///< to requests to show an item
+    std::atomic<bool> opens = true;    ///< folders
+
+private:
+    bool note(const std::string& what, const std::filesystem::path& path, bool answer) {
+        const std::lock_guard guard(mutex_);
+        asked_.push_back(what + path.native());
+        return answer;
+    }
+
+    mutable std::mutex mutex_;
+    std::vector<std::string> asked_;
+};
+
+/// Remembers what it was asked to open, and takes it or not, as it was told to.
+class ToldWorkspace final : public platform::Workspace {
+public:
+    bool openURL(const std::string& url) override {
+        const std::lock_guard guard(mutex_);
+        opened_.push_back(url);
+        return opens;
+    }
+    void announceStart() override { ++announced; }
+    void giveUp() override {}
+
+    [[nodiscard]] std::vector<std::string> opened() const {
+        const std::lock_guard guard(mutex_);
+        return opened_;
+    }
+
+    std::atomic<bool> opens = true;
+    std::atomic<int> announced = 0;
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<std::string> opened_;
+};
+
+/// One without rights, which notes how often it was let ask for them.
+class ToldRemover final : public engine::PrivilegedRemover {
+public:
+    void letAskUser() override { ++timesLet; }
+    bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
+
+    std::atomic<int> timesLet = 0;
+};
+
+inline constexpr ui::AlertAnswer agree{ui::AlertAnswer::firstButton, false};
+
+/// The real window over a made-up home folder, with settings of its own.
+class WindowFixture : public testing::Test {
+protected:
+    void start() { start(scans()); }
+
+    void start(engine::ScanTable table) { start(std::move(table), app::cleanOperations(remover_)); }
+
+    void start(engine::ScanTable table, engine::CleanTable cleans) {
+        defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
+        application_ =
+            std::make_unique<ui::FAppDelegate>(std::move(table), std::move(cleans),
+                                               ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_, languages_});
+        application_->applicationDidFinishLaunching();
+        window()->resize(1000, 660);
+        guide_ = std::make_unique<Guide>(*application_);
+    }
+
+    void quit() {
+        guide_.reset();
+        application_.reset();
+        defaults_.reset();
+    }
+
+    /// The scan of Caches alone.
+    engine::ScanTable scans() {
+        engine::ScanTable table;
+        table.resetShared = [this] { containers_.reset(); };
+        table.operations[engine::Section::caches] = [this] {
+            return std::make_shared<scanners::SChOperation>(containers_);
+        };
+        return table;
+    }
+
+    /// The scans of all sections.
+    engine::ScanTable allScans() {
+        auto table = scans();
+        table.operations[engine::Section::languageResources] = [this] {
+            return std::make_shared<langres::SAOperation>(folder_ / "root/Applications", home_.path() / "Applications");
+        };
+        table.operations[engine::Section::logs] = [this] {
+            return std::make_shared<scanners::SLogsOperation>(containers_, paths_);
+        };
+        table.operations[engine::Section::downloads] = [] { return std::make_shared<scanners::SDwnOperation>(); };
+        table.operations[engine::Section::trash] = [this] {
+            scanners::STrshOperation::Sources sources{.finder = finder_};
+            return std::make_shared<scanners::STrshOperation>(std::move(sources));
+        };
+        return table;
+    }
+
+    [[nodiscard]] std::filesystem::path defaultsFile() const { return folder_ / "defaults.ini"; }
+    [[nodiscard]] std::filesystem::path caches() const { return home_.caches(); }
+    [[nodiscard]] ui::MainWindow* window() const { return application_->window(); }
+    [[nodiscard]] ui::ListPanel* lists() const { return window()->lists(); }
+    [[nodiscard]] QAbstractButton* scanButton() const { return window()->sidebar()->pbtnScan(); }
+    [[nodiscard]] ui::SectionsTableView* sections() const { return window()->sidebar()->sections(); }
+    [[nodiscard]] QString status() const {
+        return lists()->plashka()->largeText() + QStringLiteral("|") + lists()->plashka()->smallText();
+    }
+    [[nodiscard]] QString subtitle(int row) const {
+        return sections()->model()->index(row, 0).data(ui::SectionListModel::subtitleRole).toString();
+    }
+    [[nodiscard]] bool isSectionChecked(int row) const {
+        return sections()->model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    }
+    void clickSectionCheck(int row) const { guide_->clickSectionCheck(row); }
+    void clickSection(int row) const { guide_->clickSection(row); }
+    [[nodiscard]] QStringList names() const {
+        QStringList found;
+        for (int row = 0; row < guide_->list()->model()->rowCount(); ++row) {
+            found.append(guide_->list()->model()->index(row, ui::ItemListModel::nameColumn).data().toString());
+        }
+        return found;
+    }
+    [[nodiscard]] bool isChecked(const QString& name) const {
+        const auto index = guide_->list()->model()->index(guide_->row(name), ui::ItemListModel::checkColumn);
+        return index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    }
+    void scan() const { ASSERT_TRUE(guide_->scan(scanButton())); }
+    /// Cleans with the answer "OK".
+    void clean() {
+        alerts_.answers.push_back(agree);
+        Guide::click(lists()->pbtnClean());
+        ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
+    }
+
+    TemporaryFolder folder_;
+    SampleHome home_{folder_ / "home"};
+    platform::SubstituteSystem system_{platform::System{
+        [this] { return std::optional(home_.path()); }, [] { return std::string("trial"); },
+        [this](const char* name) {
+            return name == std::string("BRIMVAULT_TRIAL_ROOT") ? (folder_ / "root").native() : std::string();
+        }}};
+    scanners::ContainersFolderScannerManager containers_{home_.containers()};
+    scanners::PathsGenerator paths_;
+    platform::FinderPreferences finder_;
+    ToldAlerts alerts_;
+    ToldFileBrowser fileBrowser_;
+    ToldWorkspace workspace_;
+    /// The user reads German.
+    langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
+    ToldRemover remover_;
+    ui::UtilMod util_{alerts_, fileBrowser_, workspace_, finder_, remover_};
+    std::unique_ptr<platform::UserDefaults> defaults_;
+    std::unique_ptr<ui::FAppDelegate> application_;
+    std::unique_ptr<Guide> guide_;
+};
+
+}  // namespace brimvault::tests

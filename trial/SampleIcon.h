@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace brimvault::trial {
+
+/// The icon of a made-up application: a square with round corners in one colour.
+class SampleIcon {
+public:
+    struct Colour {
+        std::uint8_t red;
+        std::uint8_t green;
+        std::uint8_t blue;
+    };
+
+    /// What an icon file (icns) holds that has it in one size.
+    [[nodiscard]] static std::string inColour(const Colour& colour);
+};
+
+}  // namespace brimvault::trial
