@@ -90,7 +90,11 @@ def without(before, home, gone):
         if os.path.dirname(path) == os.path.join(trash, "files")
     ]
     lost = [*gone, *records]
-    return {path: what for path, what in before.items() if not any(path == l or path.startswith(l + "/") for l in lost)}
+    return {
+        path: what
+        for path, what in before.items()
+        if not any(path == top or path.startswith(top + "/") for top in lost)
+    }
 
 
 def review(window, section, expected):

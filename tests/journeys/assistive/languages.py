@@ -56,7 +56,8 @@ def expected_rows(home, kept):
     for name in os.listdir(os.path.join(home, "Applications")):
         going = unneeded(os.path.join(home, "Applications", name), kept)
         size = sum(map(counted_by_du, going))
-        languages = {IDENTIFIERS.get(stem, stem) for stem in (os.path.basename(path)[: -len(".lproj")] for path in going)}
+        stems = (os.path.basename(path).removesuffix(".lproj") for path in going)
+        languages = {IDENTIFIERS.get(stem, stem) for stem in stems}
         if size > 0:
             rows[name[: -len(".app")]] = (size_text(size), str(len(languages)))
     return rows
@@ -124,7 +125,8 @@ def journey(home):
     window.press("Bereinigen")
     window.answer("Löschen")
     wait_for("the end of the clean", lambda: window.is_enabled("Scannen") and window.section(SECTION).get_description())
-    wait_for("an empty list", lambda: window.section(SECTION).get_description().startswith("Nichts Überflüssiges gefunden. "))
+    nothing = "Nichts Überflüssiges gefunden. "
+    wait_for("an empty list", lambda: window.section(SECTION).get_description().startswith(nothing))
     right = {path for path in before if not any(path == gone or path.startswith(gone + "/") for gone in going)}
     assert paths_below(folder) == right, paths_below(folder) ^ right
 

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """The caches lie on a volume that never answers: silent-volume.py SAMPLE-HOME PROGRAM TRIAL-HOME SILENT-FOLDER.
 
-After Stop the window is as it was, the other sections can be scanned and cleaned, and whatever is under way, closing the
-window ends the process within two seconds.
+After Stop the window is as it was, the other sections can be scanned and cleaned, and whatever is under way, closing
+the window ends the process within two seconds.
 """
 
 import os
