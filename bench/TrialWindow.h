@@ -38,9 +38,7 @@ public:
         trial::Guide::click(first->isVisible() ? static_cast<QAbstractButton*>(first)
                                                : window()->sidebar()->pbtnScan());
     }
-    [[nodiscard]] bool isScanning() {
-        return application_.pbScanning() || application_.psectController().performer().pscaner().isScanning();
-    }
+    [[nodiscard]] bool isScanning() const { return application_.pbScanning() || application_.isScanReturning(); }
     void awaitScan() {
         trial::Guide::waitFor([this] { return !isScanning(); });
     }

@@ -29,9 +29,7 @@ public:
     /// Presses the button and waits until the scan that it starts has ended.
     bool scan(QAbstractButton* button) {
         click(button);
-        return waitFor([this] {
-            return !application_.pbScanning() && !application_.psectController().performer().pscaner().isScanning();
-        });
+        return waitFor([this] { return !application_.pbScanning() && !application_.isScanReturning(); });
     }
 
     /// Presses "Clean", confirms the question, and waits until the clean has ended.

@@ -159,6 +159,17 @@ TEST_F(StoppingJourney, TheWindowClosesWhileAScanHangs) {
     EXPECT_TRUE(hang_->holdsAny());
 }
 
+TEST_F(StoppingJourney, AWindowThatIsClosedUnderAQuestionDoesNotWaitForTheAnswer) {
+    start(hangingScans(1));
+    scanUntilItHangs();
+    Guide::click(scanButton());
+    const ui::ApplicationController::OpenQuestion question(*application_);
+    EXPECT_FALSE(window()->close()) << "the scan has not returned";
+    hang_->letOn();
+    EXPECT_TRUE(Guide::waitFor([this] { return !window()->isVisible(); }));
+    EXPECT_FALSE(isScanReturning());
+}
+
 TEST_F(StoppingJourney, TheWindowClosesWhileACleanHangsAndRecordsWhatWent) {
     engine::CleanTable cleans;
     cleans.files[Section::caches] = [hang = hang_](const engine::ItemArray& items) {
@@ -268,8 +279,7 @@ TEST_F(StoppingJourney, ADoubleClickDoesOneThing) {
     const auto counted = engine::NotificationCenter::defaultCenter().addObserver(engine::notification::cleanFinished,
                                                                                  [&](const auto&) { ++cleans; });
     doubleClick(lists()->pbtnClean());
-    EXPECT_TRUE(application_->pbCleanning());
-    EXPECT_FALSE(application_->psectController().isCleanStopped());
+    EXPECT_EQ(application_->activity(), ui::Activity::cleaning) << "it starts, and does not stop";
     ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
     EXPECT_EQ(cleans, 1);
 

@@ -267,8 +267,6 @@ TEST_F(WindowJourney, AStoppedScanKeepsWhatItFoundAndCanBeStartedAgain) {
     EXPECT_TRUE(application_->pbScanning());
     EXPECT_EQ(scanButton()->accessibleName(), QStringLiteral("Stop Scanning"));
     ASSERT_TRUE(Guide::waitFor([this] { return guide_->list() != nullptr; }));
-    EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
-    EXPECT_FALSE(lists()->pbtnSelectAll()->isEnabled());
     clickSectionCheck(0);
     EXPECT_TRUE(isSectionChecked(0)) << "check boxes rest while a scan runs";
 
@@ -292,7 +290,7 @@ TEST_F(WindowJourney, ClosingDuringAScanWaitsForItsReturn) {
     EXPECT_TRUE(window()->isVisible());
     EXPECT_FALSE(window()->isEnabled());
     EXPECT_TRUE(Guide::waitFor([this] { return !window()->isVisible(); }));
-    EXPECT_FALSE(application_->psectController().performer().pscaner().isScanning());
+    EXPECT_FALSE(application_->isScanReturning());
 }
 
 TEST_F(WindowJourney, ClosingDuringACleanRecordsWhatItFreed) {
@@ -305,9 +303,6 @@ TEST_F(WindowJourney, ClosingDuringACleanRecordsWhatItFreed) {
     alerts_.answers.push_back(tests::agree);
     Guide::click(lists()->pbtnClean());
     ASSERT_TRUE(application_->pbCleanning());
-    EXPECT_EQ(lists()->plashka()->smallText(), QStringLiteral("Cleaning..."));
-    EXPECT_EQ(lists()->pbtnClean()->accessibleName(), QStringLiteral("Stop Cleaning"));
-    EXPECT_FALSE(scanButton()->isEnabled());
     EXPECT_FALSE(window()->close());
     asked.release();
     EXPECT_TRUE(Guide::waitFor([this] { return !window()->isVisible(); }));

@@ -126,7 +126,7 @@ protected:
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ =
             std::make_unique<ui::FAppDelegate>(std::move(table), std::move(cleans),
-                                               ui::FAppDelegate::Surroundings{*defaults_, alerts_, util_, languages_});
+                                               ui::FAppDelegate::Dependencies{*defaults_, alerts_, util_, languages_});
         application_->applicationDidFinishLaunching();
         window()->resize(1000, 660);
         guide_ = std::make_unique<Guide>(*application_);

@@ -22,13 +22,12 @@ const SectionRow& rowAt(int row) { return sectionRows()[static_cast<std::size_t>
 
 }  // namespace
 
-TSectionViewController::TSectionViewController(Surroundings surroundings, engine::ScanTable scans,
+TSectionViewController::TSectionViewController(const Dependencies& dependencies, engine::ScanTable scans,
                                                engine::CleanTable cleans)
-    : ptableView_(surroundings.tableView),
-      pAppDelegate_(surroundings.application),
-      defaults_(surroundings.defaults),
-      alerts_(surroundings.alerts),
-      neededLanguages_(std::move(surroundings.neededLanguages)),
+    : ptableView_(dependencies.tableView),
+      pAppDelegate_(dependencies.application),
+      defaults_(dependencies.defaults),
+      alerts_(dependencies.alerts),
       performer_(std::move(scans), std::move(cleans)) {
     initChecksFromPrefs();
     showChecks();
@@ -38,14 +37,14 @@ TSectionViewController::TSectionViewController(Surroundings surroundings, engine
             words.interfaceFinished, [this, section = row.section](const auto&) { scanOfSectionFinished(section); }));
         observe(words.interfaceProgress);
     }
-    timeToReturn_.setSingleShot(true);
-    timeToReturn_.setInterval(engine::OperationQueue::timeToReturn);
-    connect(&timeToReturn_, &QTimer::timeout, this, &TSectionViewController::giveUpScans);
+    giveUpTimer_.setSingleShot(true);
+    giveUpTimer_.setInterval(engine::OperationQueue::timeToReturn);
+    connect(&giveUpTimer_, &QTimer::timeout, this, [this] { performer_.giveUpScans(); });
     ptableView_.setModel(&model_);
     connect(&model_, &SectionListModel::checkRequested, this, &TSectionViewController::checkClicked);
+    selectRow(0);  // before anybody hears of it: the window is not complete yet
     connect(ptableView_.selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { pAppDelegate_.activatePanel(selectedRow()); });
-    selectRow(0);
 }
 
 void TSectionViewController::initChecksFromPrefs() {
@@ -65,7 +64,7 @@ void TSectionViewController::observe(const QString& name) {
         name, [this](const engine::Notification&) { mainThreadUpdateData(); }));
 }
 
-// A clean ends so as well, while no scan runs.
+// A clean posts the same notification at its end; no scan runs then.
 void TSectionViewController::scanOfSectionFinished(Section section) {
     scanning_[section] = false;
     mainThreadUpdateData();
@@ -118,8 +117,9 @@ void TSectionViewController::checkClicked(int row, bool checked) {
     mainThreadUpdateData();
 }
 
-void TSectionViewController::updateChecksEnabled() {
-    model_.setChecksEnabled(!pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming());
+void TSectionViewController::changedListOfLangs(const QStringList& languages) {
+    neededLanguages_ = languages;
+    performer_.changedListOfLangs(languages);
 }
 
 void TSectionViewController::selectRow(int row) {
@@ -162,11 +162,11 @@ quint64 TSectionViewController::getSize2CleanALLSel() const {
 }
 
 void TSectionViewController::doStartScan() {
-    if (pAppDelegate_.pbCleanning() || pAppDelegate_.pbRemoving() || pAppDelegate_.isQuestionOpen()) {
-        return;
-    }
     if (pAppDelegate_.pbScanning()) {
         stopScan();
+        return;
+    }
+    if (pAppDelegate_.activity() != Activity::idle) {
         return;
     }
     if (!isAnyChecked()) {
@@ -181,17 +181,15 @@ void TSectionViewController::doStartScan() {
         }
         return;
     }
-    pAppDelegate_.setPbScanning(true);
-    // What still returns of a scan that was stopped would have to be waited for here.
-    waitingToScan_ = performer_.pscaner().isScanning();
-    if (!waitingToScan_) {
+    if (isScanReturning()) {
+        pAppDelegate_.setActivity(Activity::awaitingScan);  // to start it now would block until the old one returns
+    } else {
         startScan();
     }
 }
 
 // The controls are back at once. What has not returned in time hangs, and is given up.
 void TSectionViewController::stopScan() {
-    waitingToScan_ = false;
     for (const Section section : engine::allSections) {
         if (performer_.pscaner().isScanning(section)) {
             notes_.scanStopped(section);
@@ -199,12 +197,12 @@ void TSectionViewController::stopScan() {
     }
     pAppDelegate_.setPbScanning(false);
     performer_.cancelScanAll();
-    timeToReturn_.start();
+    giveUpTimer_.start();
     updateSubTitlesTexts();
 }
 
 void TSectionViewController::startScan() {
-    waitingToScan_ = false;
+    pAppDelegate_.setPbScanning(true);
     scanning_ = toBeScanned();
     for (const Section section : engine::allSections) {
         if (scanning_[section]) {
@@ -220,21 +218,21 @@ void TSectionViewController::startScan() {
 }
 
 void TSectionViewController::doStartClean() {
-    if (pAppDelegate_.pbScanning() || pAppDelegate_.pbRemoving() || pAppDelegate_.isQuestionOpen()) {
+    if (pAppDelegate_.pbCleanning()) {
+        pAppDelegate_.setActivity(Activity::stoppingClean);
+        performer_.cancelCleanAll();
         return;
     }
-    if (pAppDelegate_.pbCleanning()) {
-        cleanStopped_ = true;
-        performer_.cancelCleanAll();
+    if (pAppDelegate_.activity() != Activity::idle) {
         return;
     }
     // While the question is open, a scan that was stopped may bring more items. The user agrees to what is ticked now.
     const auto selection =
         performer_.selection(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
                              checks_[Section::trash], checks_[Section::logs]);
-    const QStringList languages = neededLanguages_();
+    const QStringList languages = neededLanguages_;
     lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
-    if (isRemovalConfirmed() && !pAppDelegate_.sectionControllerIsScanOrRemoveProcessPerforming()) {
+    if (isRemovalConfirmed() && pAppDelegate_.activity() == Activity::idle) {
         startClean(selection, languages);
     }
 }
@@ -245,7 +243,6 @@ void TSectionViewController::startClean(const engine::CleanSelection& selection,
     for (const Section section : engine::allSections) {
         lastSelected_[section] = selection[section] ? performer_.getAppResDS().sums(section).selected : 0;
     }
-    cleanStopped_ = false;
     pAppDelegate_.setPbCleanning(true);
     performer_.setNeedLangs(languages);
     performer_.Clean(selection);
@@ -275,12 +272,12 @@ AlertAnswer TSectionViewController::ask(const Alert& alert) {
 MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
     const bool scanning = pAppDelegate_.pbScanning();
     const bool cleaning = pAppDelegate_.pbCleanning();
-    const bool free = !pAppDelegate_.pbRemoving() && !pAppDelegate_.isQuestionOpen();
+    const bool idle = pAppDelegate_.activity() == Activity::idle;
     if (what == MenuAction::doStartScan) {
-        return {scanning ? tr("Stop Scanning") : tr("Scan"), !cleaning && free};
+        return {scanning ? tr("Stop Scanning") : tr("Scan"), idle || scanning};
     }
     const bool something = pAppDelegate_.bScanStarted() && isAnyChecked() && getSize2CleanALLSel() > 0;
-    return {cleaning ? tr("Stop Cleaning") : tr("Clean"), !scanning && free && something};
+    return {cleaning ? tr("Stop Cleaning") : tr("Clean"), (idle || cleaning) && something};
 }
 
 void TSectionViewController::cleanFinished() {
@@ -300,8 +297,8 @@ void TSectionViewController::cleanFinished() {
 
 void TSectionViewController::addCleanedSizeToDefaults(quint64 freed) {
     const quint64 before = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
-    constexpr quint64 most = std::numeric_limits<quint64>::max();
-    defaults_.setNumber(defaults_key::totalCleanedSize, freed > most - before ? most : before + freed);
+    constexpr quint64 maxTotal = std::numeric_limits<quint64>::max();
+    defaults_.setNumber(defaults_key::totalCleanedSize, freed > maxTotal - before ? maxTotal : before + freed);
     defaults_.setNumber(defaults_key::lastCleanedSize, freed);
 }
 

@@ -3,7 +3,6 @@
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
-#include <functional>
 #include <vector>
 
 #include "engine/notification/NotificationCenter.h"
@@ -27,16 +26,14 @@ class TSectionViewController final : public QObject, public CheckListener {
 
 public:
     /// What it works with; all of it outlives it.
-    struct Surroundings {
+    struct Dependencies {
         SectionsTableView& tableView;
         ApplicationController& application;
         platform::UserDefaults& defaults;
         AlertPresenter& alerts;
-        /// The languages that a clean of language resources keeps.
-        std::function<QStringList()> neededLanguages;
     };
 
-    TSectionViewController(Surroundings surroundings, engine::ScanTable scans, engine::CleanTable cleans);
+    TSectionViewController(const Dependencies& dependencies, engine::ScanTable scans, engine::CleanTable cleans);
 
     [[nodiscard]] engine::CPerformer& performer() { return performer_; }
     [[nodiscard]] engine::DataMan& getAppResDS() { return performer_.getAppResDS(); }
@@ -46,17 +43,16 @@ public:
 
     /// The scan button: starts a scan, or stops the one that runs.
     void doStartScan();
-    /// A scan that was asked for begins with `startScan`, once the one before has returned.
-    [[nodiscard]] bool isWaitingToScan() const { return waitingToScan_; }
+    /// Begins the scan that was asked for; the one before has returned.
     void startScan();
+    /// Operations of a scan, even of one that was stopped, have not returned; those that were given up do not count.
+    [[nodiscard]] bool isScanReturning() const { return performer_.pscaner().isScanning(); }
     /// Sections that the scan under way has not finished yet; none while no scan runs.
     [[nodiscard]] bool isBeingScanned(engine::Section section) const;
     /// Sections that a scan starting now would take: those that are ticked and do not hang.
     [[nodiscard]] engine::PerSection<bool> toBeScanned() const;
     /// The clean button: asks and starts a clean, or stops the one that runs.
     void doStartClean();
-    /// The user has stopped the last clean: it need not have come to every item.
-    [[nodiscard]] bool isCleanStopped() const { return cleanStopped_; }
     /// Unless the user has said that the question of a clean need not be shown.
     [[nodiscard]] bool isAskingBeforeCleaning() const {
         return !defaults_.boolean(defaults_key::suppressRemovalAlert).value_or(false);
@@ -64,12 +60,10 @@ public:
     void setAskingBeforeCleaning(bool ask) { defaults_.setBoolean(defaults_key::suppressRemovalAlert, !ask); }
     /// Records what a clean has freed.
     void cleanFinished();
-    /// Gives up what was cancelled and does not return.
-    void giveUpScans() { performer_.giveUpScans(); }
-    /// How a menu is to show the two main buttons' actions, as things stand.
+    /// How a menu is to show the actions of the two main buttons at the moment.
     [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
-    /// Check boxes follow whether a scan or a clean runs.
-    void updateChecksEnabled();
+    /// The check boxes of the sections can be used, or not.
+    void setChecksEnabled(bool enabled) { model_.setChecksEnabled(enabled); }
 
     void setAllChecked();
     void setAppsChecked(bool checked) { setSectionChecked(engine::Section::languageResources, checked); }
@@ -86,7 +80,8 @@ public:
     /// What stands under the title of a row.
     [[nodiscard]] QString subtitle(int row) const;
 
-    void changedListOfLangs(const QStringList& languages) { performer_.changedListOfLangs(languages); }
+    /// The languages that a clean of language resources keeps, whenever they change.
+    void changedListOfLangs(const QStringList& languages);
 
 Q_SIGNALS:
     /// A scan has begun; what the sections in it held is forgotten, and nothing has been found yet.
@@ -111,16 +106,14 @@ private:
     ApplicationController& pAppDelegate_;
     platform::UserDefaults& defaults_;
     AlertPresenter& alerts_;
-    std::function<QStringList()> neededLanguages_;
     SectionListModel model_;
     engine::PerSection<bool> checks_;
-    bool waitingToScan_ = false;  ///< the user asked for a scan while one that was stopped still returned
-    bool cleanStopped_ = false;
+    QStringList neededLanguages_;
     qint64 lastCleanedSize_ = 0;                ///< bytes that were selected when the last clean started
     engine::PerSection<quint64> lastSelected_;  ///< the same of each section that was ticked
     engine::PerSection<bool> scanning_;         ///< the scan that was begun last has not finished these
     SectionNotes notes_;
-    QTimer timeToReturn_;  ///< that a scan has which was stopped
+    QTimer giveUpTimer_;  ///< runs out when a scan that was stopped should have returned
     engine::CPerformer performer_;
     std::vector<engine::NotificationCenter::Observation> observations_;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QScopedValueRollback>
+#include "ui/services/Activity.h"
 
 class QWidget;
 
@@ -11,41 +11,57 @@ class ApplicationController {
 public:
     virtual ~ApplicationController() = default;
 
-    [[nodiscard]] virtual bool pbScanning() const = 0;
-    virtual void setPbScanning(bool scanning) = 0;
-    [[nodiscard]] virtual bool pbCleanning() const = 0;
-    virtual void setPbCleanning(bool cleaning) = 0;
+    [[nodiscard]] virtual Activity activity() const = 0;
+    /// Has the whole window follow.
+    virtual void setActivity(Activity next) = 0;
+
+    // Questions asked of the activity, and calls that begin or end one.
+    [[nodiscard]] bool pbScanning() const { return isScan(activity()); }
+    void setPbScanning(bool scanning) { scanning ? setActivity(Activity::scanning) : endIf(pbScanning()); }
+    [[nodiscard]] bool pbCleanning() const { return isClean(activity()); }
+    void setPbCleanning(bool cleaning) { cleaning ? setActivity(Activity::cleaning) : endIf(pbCleanning()); }
     /// A single item is being removed.
-    [[nodiscard]] virtual bool pbRemoving() const = 0;
-    virtual void setPbRemoving(bool removing) = 0;
+    [[nodiscard]] bool pbRemoving() const { return activity() == Activity::removing; }
+    void setPbRemoving(bool removing) { removing ? setActivity(Activity::removing) : endIf(pbRemoving()); }
     /// Something runs beside which nothing else may begin.
     [[nodiscard]] bool sectionControllerIsScanOrRemoveProcessPerforming() const {
-        return pbScanning() || pbCleanning() || pbRemoving();
+        return workOf(activity()) != Activity::idle;
     }
-    /// Operations of a scan have not returned yet, be it one that was stopped: they still bring results. Those that
-    /// hang are given up, and bring none.
-    [[nodiscard]] virtual bool isScanReturning() const = 0;
     /// A question to the user is open; nothing begins meanwhile, however it is asked for.
-    [[nodiscard]] bool isQuestionOpen() const { return questionOpen_; }
-    /// Keeps a question open for as long as it lives.
+    [[nodiscard]] bool isQuestionOpen() const { return activity() == Activity::asking; }
+    /// Keeps a question open for as long as it lives; to be made while the window is idle.
     class OpenQuestion {
     public:
-        explicit OpenQuestion(ApplicationController& controller) : rollback_(controller.questionOpen_, true) {}
+        explicit OpenQuestion(ApplicationController& controller) : controller_(controller) {
+            controller_.setActivity(Activity::asking);
+        }
+        ~OpenQuestion() { controller_.endIf(controller_.isQuestionOpen()); }
+        OpenQuestion(const OpenQuestion&) = delete;
+        OpenQuestion& operator=(const OpenQuestion&) = delete;
 
     private:
-        QScopedValueRollback<bool> rollback_;
+        ApplicationController& controller_;
     };
+
+    /// Operations of a scan, even of one that was stopped, have not returned yet and still bring results. Those that
+    /// hang are given up, and bring none.
+    [[nodiscard]] virtual bool isScanReturning() const = 0;
     /// A scan has been started at least once in this run.
     [[nodiscard]] virtual bool bScanStarted() const = 0;
 
     /// Shows the list of the section in a row of the section list.
     virtual void activatePanel(int row) = 0;
     virtual void updateSelectAllCheck() = 0;
+    /// Shows the sizes of what is selected and of everything, and enables the controls that depend on them.
     virtual void UpdateTextsAboutFreeUpSize() = 0;
     [[nodiscard]] virtual QWidget* window() const = 0;
 
 private:
-    bool questionOpen_ = false;
+    void endIf(bool running) {
+        if (running) {
+            setActivity(Activity::idle);
+        }
+    }
 };
 
 }  // namespace brimvault::ui

@@ -234,6 +234,7 @@ bool UtilMod::isRemovalConfirmed(const std::filesystem::path& path, qsizetype it
 void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                            const std::shared_ptr<const engine::FoundIn>& foundIn) {
     remover_.letAskUser();
+    ++removalsUnderWay_;
     inBackground<engine::ItemRemoval>(
         *removals_,
         [this, file = standardized(path), foundIn] { return engine::ItemRemover(remover_).remove(file, foundIn); },
@@ -242,6 +243,7 @@ void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::functio
 
 void UtilMod::finishRemoval(const std::filesystem::path& path, const engine::ItemRemoval& removal,
                             const std::function<void(bool success)>& finished) {
+    --removalsUnderWay_;
     if (!removal.gone) {
         tell(tr("“%1” could not be removed").arg(platform::displayText(path.filename())), removal.reason);
     }

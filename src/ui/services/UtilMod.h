@@ -64,6 +64,9 @@ public:
     void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                       const std::shared_ptr<const engine::FoundIn>& foundIn = nullptr);
 
+    /// A single item is being removed, or hangs.
+    [[nodiscard]] bool isRemovalUnderWay() const { return removalsUnderWay_ > 0; }
+
     /// The item's own path, or that of its name in the folder; empty without either.
     [[nodiscard]] static std::filesystem::path getFullPathToItem(const engine::FFItem& item,
                                                                  const std::optional<std::filesystem::path>& folder);
@@ -98,6 +101,7 @@ private:
     // Each is left behind when it hangs.
     QThreadPool* requests_;  ///< what may wait for others: a removal does not wait for them
     QThreadPool* removals_;
+    int removalsUnderWay_ = 0;
 };
 
 }  // namespace brimvault::ui

@@ -14,31 +14,32 @@ namespace brimvault::ui {
 
 using engine::Section;
 
-FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings)
-    : defaults_(surroundings.defaults),
-      util_(surroundings.util),
+FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Dependencies& dependencies)
+    : defaults_(dependencies.defaults),
+      util_(dependencies.util),
       window_(std::make_unique<MainWindow>()),
-      controls_(*window_, *this),
-      statusTexts_(std::make_unique<StatusTexts>(*window_->lists()->plashka(),
-                                                 *window_->startPage()->ptxtStartDescClean(), defaults_)) {
-    pNotCleanedController_ = std::make_unique<NotCleanedController>(window_.get());
-    drawerAndSheets_ = std::make_unique<DrawerAndSheets>(*window_, *pNotCleanedController_);
-    psectController_ = std::make_unique<TSectionViewController>(
-        TSectionViewController::Surroundings{*window_->sidebar()->sections(), *this, surroundings.defaults,
-                                             surroundings.alerts,
-                                             [this] { return pLangListController_->getNeededLangsArray(); }},
-        std::move(scans), std::move(cleans));
-    const auto ticked = [this] { return psectController_->checks(); };
-    auto& model = psectController_->getAppResDS();
-    scanProgress_ = std::make_unique<SectionProgress>(model, *window_->sidebar()->pProgressScan(),
-                                                      [this] { return psectController_->toBeScanned(); });
-    cleanProgress_ = std::make_unique<SectionProgress>(model, *window_->lists()->pProgressClean(), ticked);
-    pLangListController_ = std::make_unique<langres::LangListController>(
-        surroundings.languages, defaults_,
-        [this](const QStringList& languages) { psectController_->changedListOfLangs(languages); });
-    window_->pDrawer()->ptableView()->setModel(pLangListController_.get());
-    panels_ = std::make_unique<SectionPanels>(*window_->lists(), *psectController_, *this, util_);
-    commands_ = std::make_unique<MenuCommands>(*window_, *psectController_, *panels_, *drawerAndSheets_, util_);
+      statusTexts_(*window_->lists()->plashka(), *window_->startPage()->ptxtStartDescClean(), defaults_),
+      pNotCleanedController_(window_.get()),
+      drawerAndSheets_(*window_, pNotCleanedController_),
+      psectController_({*window_->sidebar()->sections(), *this, dependencies.defaults, dependencies.alerts},
+                       std::move(scans), std::move(cleans)),
+      performer_(psectController_.performer()),
+      pLangListController_(dependencies.languages, defaults_,
+                           [this](const QStringList& languages) { psectController_.changedListOfLangs(languages); }),
+      scanProgress_(performer_.getAppResDS(), *window_->sidebar()->pProgressScan(),
+                    [this] { return psectController_.toBeScanned(); }),
+      cleanProgress_(performer_.getAppResDS(), *window_->lists()->pProgressClean(),
+                     [this] { return psectController_.checks(); }),
+      panels_(*window_->lists(), psectController_, *this, util_),
+      controls_(*window_, *this,
+                [this] {
+                    const auto* current = panels_.getCurrentSectionController();
+                    return ControlFacts{bScanStarted_, psectController_.getSize2CleanALLSel() > 0,
+                                        current != nullptr && current->hasItems()};
+                }),
+      commands_(*window_, psectController_, panels_, drawerAndSheets_, util_),
+      menu_(window_.get(), window_->sidebar()->pbtnMenu(), commands_) {
+    window_->pDrawer()->ptableView()->setModel(&pLangListController_);
     util_.setWindow(window_.get());
 }
 
@@ -55,7 +56,6 @@ void FAppDelegate::applicationDidFinishLaunching() {
     defaults_.setNumber(defaults_key::lastCleanedSize, 0);
     controls_.setImgs4Scan(true);
     controls_.setImgs4Clean(true);
-    menu_ = std::make_unique<MainMenu>(window_.get(), window_->sidebar()->pbtnMenu(), *commands_);
     window_->show();
     window_->activateWindow();
     window_->startPage()->btnStartScanButton2()->setFocus();
@@ -64,18 +64,18 @@ void FAppDelegate::applicationDidFinishLaunching() {
 }
 
 void FAppDelegate::connectControls() {
-    connect(psectController_.get(), &TSectionViewController::resultsDropped, this, &FAppDelegate::refreshLists);
-    connect(psectController_.get(), &TSectionViewController::resultsDropped, scanProgress_.get(),
-            &SectionProgress::begin);
-    connect(window_->sidebar()->pbtnScan(), &QAbstractButton::clicked, psectController_.get(),
+    connect(&psectController_, &TSectionViewController::resultsDropped, this, &FAppDelegate::refreshLists);
+    connect(&psectController_, &TSectionViewController::resultsDropped, &scanProgress_, &SectionProgress::begin);
+    connect(&panels_, &SectionPanels::currentListChanged, this, [this] { controls_.enable(); });
+    connect(window_->sidebar()->pbtnScan(), &QAbstractButton::clicked, &psectController_,
             &TSectionViewController::doStartScan);
-    connect(window_->startPage()->btnStartScanButton2(), &QAbstractButton::clicked, psectController_.get(),
+    connect(window_->startPage()->btnStartScanButton2(), &QAbstractButton::clicked, &psectController_,
             &TSectionViewController::doStartScan);
-    connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, psectController_.get(),
+    connect(window_->lists()->pbtnClean(), &QAbstractButton::clicked, &psectController_,
             &TSectionViewController::doStartClean);
     connect(window_->lists()->pbtnSelectAll(), &QAbstractButton::clicked, this, &FAppDelegate::toggleSelectAll);
-    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, commands_.get(), &MenuCommands::infPressed);
-    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, commands_.get(), &MenuCommands::finderPressed);
+    connect(window_->lists()->pbtnInf(), &QAbstractButton::clicked, &commands_, &MenuCommands::infPressed);
+    connect(window_->lists()->pbtnFinder(), &QAbstractButton::clicked, &commands_, &MenuCommands::finderPressed);
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &FAppDelegate::applicationDidBecomeActive);
     window_->setMayClose([this] { return mayClose(); });
 }
@@ -101,23 +101,60 @@ void FAppDelegate::registerObservers() {
         center.addObserver(engine::notification::plashkaPressed, [this](const auto&) { plashkaPressed(); }));
 }
 
-// --- Scanning ---------------------------------------------------------------------------------------------------
+// --- What the window is doing -----------------------------------------------------------------------------------
 
-void FAppDelegate::setPbScanning(bool scanning) {
-    dismissMenu();
-    bscanningProcess_ = scanning;
-    psectController_->updateChecksEnabled();
-    if (scanning) {
-        scanStarted();
-    } else {
+// Once the user has closed the window, it does not become idle again.
+void FAppDelegate::setActivity(Activity next) {
+    const Activity before = activity_;
+    activity_ = next == Activity::idle && closeRequested_ ? Activity::closing : next;
+    if (workOf(before) != workOf(activity_)) {
+        menu_.dismiss();
+        leave(workOf(before));
+        renderActivity(before);
+        enter(workOf(activity_));
+    }
+    closeWhenIdle();
+}
+
+void FAppDelegate::renderActivity(Activity before) {
+    const ControlStates was = controlStates(before, {});
+    const ControlStates is = controlStates(activity_, {});
+    if (is.sectionChecks != was.sectionChecks) {
+        psectController_.setChecksEnabled(is.sectionChecks);
+    }
+    if (is.itemChecks != was.itemChecks) {
+        panels_.updateCleaningState(!is.itemChecks);
+    }
+    if (is.languageChecks != was.languageChecks) {
+        pLangListController_.updateCleaningState(!is.languageChecks);
+    }
+    controls_.render();
+}
+
+void FAppDelegate::leave(Activity work) {
+    if (work == Activity::scanning) {
         scanFinished();
+    } else if (work == Activity::cleaning) {
+        cleanFinished();
+    } else if (work == Activity::removing) {
+        updateSelectAllCheck();
     }
 }
 
+void FAppDelegate::enter(Activity work) {
+    if (work == Activity::scanning) {
+        scanStarted();
+    } else if (work == Activity::cleaning) {
+        cleanStarted();
+    } else if (work == Activity::removing) {
+        updateSelectAllCheck();
+    }
+}
+
+// --- Scanning ---------------------------------------------------------------------------------------------------
+
 void FAppDelegate::scanStarted() {
-    window_->sidebar()->pProgressScan()->startAnimation();
     bScanStarted_ = true;
-    controls_.enableControlsScan(false);
     initStateAsScanStarted();
 }
 
@@ -133,101 +170,78 @@ void FAppDelegate::initStateAsScanStarted() {
 }
 
 void FAppDelegate::showSelPanel() {
-    const int row = psectController_->selectedRow();
+    const int row = psectController_.selectedRow();
     if (row >= 0 && row < sectionRowCount) {
         activatePanel(row);
     } else {
-        psectController_->selectRow(0);
+        psectController_.selectRow(0);
         activatePanel(0);
     }
 }
 
-// A scan that was stopped tells of its end when its operations have returned, or were given up; by then the next may be
-// running, and its own end is still to come.
+// A scan that was stopped posts its end when its operations have returned or were given up. The next may be running by
+// then, and posts an end of its own.
 void FAppDelegate::mainThreadScanFinished() {
     if (!isScanReturning()) {
-        if (!closing_ && psectController_->isWaitingToScan()) {
-            psectController_->startScan();
-        } else if (bscanningProcess_) {
-            scanProgress_->complete();
+        if (activity_ == Activity::awaitingScan && !closeRequested_) {
+            psectController_.startScan();
+        } else if (pbScanning()) {
+            scanProgress_.complete();
             setPbScanning(false);
         }
     }
     closeWhenIdle();
 }
 
-bool FAppDelegate::isScanReturning() const { return psectController_->performer().pscaner().isScanning(); }
-
 void FAppDelegate::scanFinished() {
-    refreshLists();  // a scan that was stopped before it began has told nothing
-    controls_.enableControlsScan(true);
+    refreshLists();  // a scan that was stopped before it began has posted nothing
     updateSelectAllCheck();
-    window_->sidebar()->pProgressScan()->stopAnimation();
-    panels_->updateTitle();
+    panels_.updateTitle();
 }
 
 void FAppDelegate::refreshLists() {
-    panels_->refreshLists();
+    panels_.refreshLists();
     UpdateTextsAboutFreeUpSize();
 }
 
 // --- Cleaning ---------------------------------------------------------------------------------------------------
 
-void FAppDelegate::setPbCleanning(bool cleaning) {
-    dismissMenu();
-    bcleaningProcess_ = cleaning;
-    psectController_->updateChecksEnabled();
-    if (cleaning) {
-        cleanStarted();
-    } else {
-        cleanFinished();
-        closeWhenIdle();
-    }
-}
-
 void FAppDelegate::cleanStarted() {
-    window_->lists()->pProgressClean()->startAnimation();
     UpdateTextsAboutFreeUpSize();
     resetNotCleanedDicts();
-    pLangListController_->updateCleaningState(true);
-    panels_->updateCleaningState();
-    controls_.enableControlsClean(false);
 }
 
 void FAppDelegate::cleanFinished() {
-    const bool focusGoes = window_->lists()->pbtnClean()->hasFocus();
-    psectController_->cleanFinished();
-    panels_->updateCleaningState();
-    controls_.enableControlsClean(true);
-    pLangListController_->updateCleaningState(false);
+    const bool focusOnClean = window_->lists()->pbtnClean()->hasFocus();
+    psectController_.cleanFinished();
     updateSelectAllCheck();
-    window_->lists()->pProgressClean()->stopAnimation();
     setPlashkaToSelectedState(false);
-    panels_->updateTitle();
-    if (focusGoes && !window_->lists()->pbtnClean()->isEnabled()) {
-        focusWhatIsNext();
+    panels_.updateTitle();
+    if (focusOnClean && !window_->lists()->pbtnClean()->isEnabled()) {
+        moveFocusFromClean();
     }
 }
 
 // The user who has closed the window waits for it to go, not for a report.
 void FAppDelegate::mainThreadCleanFinished() {
-    if (!psectController_->isCleanStopped()) {
-        cleanProgress_->complete();
+    const bool stopped = activity_ == Activity::stoppingClean;
+    if (!stopped) {
+        cleanProgress_.complete();
     }
     setPbCleanning(false);
-    if (closing_) {
+    if (activity_ != Activity::idle) {
         return;
     }
     const auto& files = notCleaned_.files;
-    pNotCleanedController_->setCleanStopped(psectController_->isCleanStopped());
-    pNotCleanedController_->updateNotCleanedRusultsApps(notCleaned_.applications, files[Section::downloads],
-                                                        files[Section::caches], files[Section::trash],
-                                                        files[Section::logs], this);
+    pNotCleanedController_.setCleanStopped(stopped);
+    pNotCleanedController_.updateNotCleanedRusultsApps(notCleaned_.applications, files[Section::downloads],
+                                                       files[Section::caches], files[Section::trash],
+                                                       files[Section::logs], this);
 }
 
-// To the list where there is one, as the button that had the focus can do nothing more.
-void FAppDelegate::focusWhatIsNext() {
-    auto* current = panels_->getCurrentSectionController();
+// The button can do nothing more: the list is next, where there is one.
+void FAppDelegate::moveFocusFromClean() {
+    auto* current = panels_.getCurrentSectionController();
     if (current != nullptr && current->hasItems()) {
         current->view()->setFocus();
     } else {
@@ -235,20 +249,9 @@ void FAppDelegate::focusWhatIsNext() {
     }
 }
 
-// While an item is being removed nothing else begins, and nothing stops it.
-void FAppDelegate::setPbRemoving(bool removing) {
-    dismissMenu();
-    removing_ = removing;
-    psectController_->updateChecksEnabled();
-    window_->sidebar()->pbtnScan()->setEnabled(!removing);
-    panels_->updateCleaningState();
-    updateSelectAllCheck();
-    closeWhenIdle();
-}
-
-// What has become of the item its list takes in, where there still is one.
+// The list that asked for the removal, where there still is one, takes the item out by itself.
 void FAppDelegate::mainThreadSingleFileRemoveFinished(const engine::Notification& heard) {
-    if (removing_ && engine::getNumberPropfromNotification(heard, engine::key::success)) {
+    if (pbRemoving() && engine::getNumberPropfromNotification(heard, engine::key::success)) {
         setPbRemoving(false);
     }
 }
@@ -256,106 +259,106 @@ void FAppDelegate::mainThreadSingleFileRemoveFinished(const engine::Notification
 // --- Panels -----------------------------------------------------------------------------------------------------
 
 void FAppDelegate::activatePanel(int row) {
-    drawerAndSheets_->updateButtonsForPanel(row);
+    drawerAndSheets_.updateButtonsForPanel(row);
     if (row >= 0 && row < sectionRowCount && bScanStarted_) {
-        panels_->show(row);
+        panels_.show(row);
     }
 }
 
 void FAppDelegate::toggleSelectAll() {
-    panels_->toggleSelectAll();
+    panels_.toggleSelectAll();
     UpdateTextsAboutFreeUpSize();
 }
 
 void FAppDelegate::updateSelectAllCheck() {
-    panels_->updateSelectAllButton();
+    panels_.updateSelectAllButton();
     UpdateTextsAboutFreeUpSize();
 }
 
 // --- Status panel -----------------------------------------------------------------------------------------------
 
-// It speaks of all sections, whichever list is on show.
 void FAppDelegate::UpdateTextsAboutFreeUpSize() {
-    if (!bScanStarted_) {
-        return;
+    if (bScanStarted_) {
+        showSizes();
+        controls_.enable();
     }
-    const quint64 selected = psectController_->getSize2CleanALLSel();
-    using Activity = StatusTexts::Activity;
-    statusTexts_->showSizes(selected, psectController_->getAppResDS().getSize2CleanALL(),
-                            bcleaningProcess_ ? Activity::cleaning
-                            : removing_       ? Activity::removing
-                                              : Activity::none);
-    if (!bcleaningProcess_) {
-        window_->lists()->pbtnClean()->setEnabled(selected >= 1 && !bscanningProcess_ && !removing_);
-    }
+}
+
+// Of all sections, whichever list is on show.
+void FAppDelegate::showSizes() {
+    statusTexts_.showSizes(psectController_.getSize2CleanALLSel(), performer_.getAppResDS().getSize2CleanALL(),
+                           activity_);
     bPlashkaStateSelectedFiles_ = true;
 }
 
 void FAppDelegate::plashkaPressed() { setPlashkaToSelectedState(!bPlashkaStateSelectedFiles_); }
 
 void FAppDelegate::setPlashkaToSelectedState(bool selected) {
-    if (bcleaningProcess_) {
+    if (pbCleanning()) {
         return;
     }
     if (selected) {
         UpdateTextsAboutFreeUpSize();
-        statusTexts_->showHint();
+        statusTexts_.showHint();
     } else {
-        statusTexts_->showCleanedSummary();
+        statusTexts_.showCleanedSummary();
     }
     bPlashkaStateSelectedFiles_ = selected;
 }
 
 // --- Coming and going -------------------------------------------------------------------------------------------
 
-// The desktop has given the program the user's attention, and there is nothing to be seen of it.
+// Activated while hidden: the window is shown again, unless it has gone for good.
 void FAppDelegate::applicationDidBecomeActive() {
-    if (QGuiApplication::applicationState() == Qt::ApplicationActive && !window_->isVisible() && !closed_) {
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive && !window_->isVisible() &&
+        activity_ != Activity::closed) {
         window_->show();
         window_->raise();
     }
 }
 
-// What runs is asked to end and the window goes once it has, so that little is cut off half-way and what was freed is
-// recorded. The user does not wait long for it.
+// What runs is cancelled and the window closes once it has returned, so that little is cut off half-way and what was
+// freed is recorded.
 bool FAppDelegate::mayClose() {
-    const bool busy = sectionControllerIsScanOrRemoveProcessPerforming() || isScanReturning();
-    if (busy && !closing_) {
-        closing_ = true;
+    if (!sectionControllerIsScanOrRemoveProcessPerforming() && !isScanReturning()) {
+        setActivity(Activity::closed);
+        return true;
+    }
+    if (!std::exchange(closeRequested_, true)) {
+        if (activity_ == Activity::idle) {
+            setActivity(Activity::closing);
+        }
         window_->setEnabled(false);
-        psectController_->performer().cancelScanAll();
-        psectController_->performer().cancelCleanAll();
+        performer_.cancelScanAll();
+        performer_.cancelCleanAll();
         removedAtLastLook_ = files::entriesRemoved();
         QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
     }
-    closed_ = !busy;
-    return closed_;
+    return false;
 }
 
-// Scans and cleans tell of their end as if they had returned; a single removal has nothing to tell. What is being
-// removed is finished as long as it gets on.
+// Scans and cleans that are given up post their end as if they had returned; a single removal posts nothing. A removal
+// is waited for as long as it gets on.
 void FAppDelegate::giveUpWhatHangs() {
-    psectController_->performer().giveUpScans();
+    performer_.giveUpScans();
     const auto removed = files::entriesRemoved();
     if (std::exchange(removedAtLastLook_, removed) != removed) {
         QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
         return;
     }
-    psectController_->performer().giveUpCleans();
-    if (removing_) {
-        removalLeftBehind_ = true;
-        setPbRemoving(false);
-    }
+    performer_.giveUpCleans();
+    setPbRemoving(false);
 }
 
 void FAppDelegate::closeWhenIdle() {
-    if (closing_ && !sectionControllerIsScanOrRemoveProcessPerforming() && !isScanReturning()) {
+    const bool idle = !sectionControllerIsScanOrRemoveProcessPerforming() && !isScanReturning();
+    if (closeRequested_ && idle && activity_ != Activity::closed) {
         window_->close();
     }
 }
 
 bool FAppDelegate::isAnythingLeftBehind() const {
-    return removalLeftBehind_ || psectController_->performer().isAnythingLeftBehind();
+    return util_.isRemovalUnderWay() || performer_.isAnythingLeftBehind();
 }
 
 }  // namespace brimvault::ui

@@ -28,57 +28,55 @@
 
 namespace brimvault::ui {
 
-/// The controller of the window: it makes the parts, shows the list of the chosen section, and turns what the engine
-/// tells into what the controls show. Main thread; what the engine posts from other threads is handed over.
+/// The controller of the window: it makes the parts, shows the list of the chosen section, and turns the engine's
+/// notifications into what the controls show. Main thread; what the engine posts on other threads is handed over.
+///
+/// What goes on is one value, the activity. `setActivity` alone changes it, and has the whole window follow.
 class FAppDelegate final : public QObject, public ApplicationController, public SheetCoordinator {
     Q_OBJECT
 
 public:
-    /// What the window gets from around it; all of it outlives the window.
-    struct Surroundings {
+    /// What the window works with; all of it outlives the window.
+    struct Dependencies {
         platform::UserDefaults& defaults;            ///< settings and statistics
         AlertPresenter& alerts;                      ///< questions to the user
         UtilMod& util;                               ///< the file browser, single removals
-        const langres::LanguagesManager& languages;  ///< what the system tells of the user's languages
+        const langres::LanguagesManager& languages;  ///< the user's languages, as the system names them
     };
 
-    FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Surroundings& surroundings);
+    FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, const Dependencies& dependencies);
     ~FAppDelegate() override;
 
     /// Brings everything to its first state and shows the window. Once.
     void applicationDidFinishLaunching();
 
     [[nodiscard]] MainWindow* window() const override { return window_.get(); }
-    [[nodiscard]] TSectionViewController& psectController() { return *psectController_; }
+    [[nodiscard]] TSectionViewController& psectController() { return psectController_; }
 
-    [[nodiscard]] bool pbScanning() const override { return bscanningProcess_; }
-    void setPbScanning(bool scanning) override;
-    [[nodiscard]] bool pbCleanning() const override { return bcleaningProcess_; }
-    void setPbCleanning(bool cleaning) override;
+    [[nodiscard]] Activity activity() const override { return activity_; }
+    void setActivity(Activity next) override;
     [[nodiscard]] bool bScanStarted() const override { return bScanStarted_; }
-    [[nodiscard]] bool pbRemoving() const override { return removing_; }
-    void setPbRemoving(bool removing) override;
-    [[nodiscard]] bool isScanReturning() const override;
+    [[nodiscard]] bool isScanReturning() const override { return psectController_.isScanReturning(); }
 
-    /// Something hangs that was given up: its threads touch what a program destroys at its end, should they ever
-    /// return.
+    /// Something that was given up still hangs: should its threads ever return, they touch what a program destroys at
+    /// its end.
     [[nodiscard]] bool isAnythingLeftBehind() const;
 
     void activatePanel(int row) override;
     void updateSelectAllCheck() override;
     void UpdateTextsAboutFreeUpSize() override;
-    /// A sheet does not come while the drawer is out: the drawer goes first, and comes again after the sheet.
+    /// No sheet is shown while the drawer is open: the drawer closes first, and opens again after the sheet.
     void willModalSheetBegin(const QObject* sender) override {
-        dismissMenu();
-        drawerAndSheets_->willModalSheetBegin(sender);
+        menu_.dismiss();
+        drawerAndSheets_.willModalSheetBegin(sender);
     }
     void didModalSheetEnd(const QObject* /*sender*/) override {
-        drawerAndSheets_->didModalSheetEnd(psectController_->selectedRow());
+        drawerAndSheets_.didModalSheetEnd(psectController_.selectedRow());
     }
     /// The reasons of the last clean, by section; of applications, how many languages were not removed.
     [[nodiscard]] const NotCleanedDictionaries& notCleaned() const { return notCleaned_; }
-    [[nodiscard]] MainMenu& menu() { return *menu_; }
-    [[nodiscard]] NotCleanedController& pNotCleanedController() { return *pNotCleanedController_; }
+    [[nodiscard]] MainMenu& menu() { return menu_; }
+    [[nodiscard]] NotCleanedController& pNotCleanedController() { return pNotCleanedController_; }
 
 private:
     void connectControls();
@@ -87,6 +85,9 @@ private:
     void observe(const QString& name, engine::NotificationCenter::Handler handler);
     void resetNotCleanedDicts() { notCleaned_ = {}; }
 
+    void renderActivity(Activity before);
+    void leave(Activity work);
+    void enter(Activity work);
     void scanStarted();
     void scanFinished();
     void mainThreadScanFinished();
@@ -97,47 +98,42 @@ private:
     void mainThreadSingleFileRemoveFinished(const engine::Notification& heard);
     void initStateAsScanStarted();
     void showSelPanel();
-    void focusWhatIsNext();
+    void moveFocusFromClean();
 
     void toggleSelectAll();
 
+    void showSizes();
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);
 
-    void dismissMenu() {
-        if (menu_) {
-            menu_->dismiss();
-        }
-    }
     void applicationDidBecomeActive();
     [[nodiscard]] bool mayClose();
     void giveUpWhatHangs();
     void closeWhenIdle();
 
+    Activity activity_ = Activity::idle;
+    bool closeRequested_ = false;             ///< the user closed the window while something ran
+    bool bScanStarted_ = false;               ///< never reset
+    bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
+    std::uint64_t removedAtLastLook_ = 0;     ///< entries, by the whole program, while it is closing
+    NotCleanedDictionaries notCleaned_;
+    // In the order in which they are made: each uses only those above it. What the model posts meanwhile changes
+    // nothing on show, as no scan has been started.
     platform::UserDefaults& defaults_;
     UtilMod& util_;
     std::unique_ptr<MainWindow> window_;
+    StatusTexts statusTexts_;
+    NotCleanedController pNotCleanedController_;
+    DrawerAndSheets drawerAndSheets_;
+    TSectionViewController psectController_;
+    engine::CPerformer& performer_;  ///< the section controller's
+    langres::LangListController pLangListController_;
+    SectionProgress scanProgress_;
+    SectionProgress cleanProgress_;
+    SectionPanels panels_;
     WindowControls controls_;
-    std::unique_ptr<StatusTexts> statusTexts_;
-    std::unique_ptr<TSectionViewController> psectController_;
-    std::unique_ptr<SectionProgress> scanProgress_;
-    std::unique_ptr<SectionProgress> cleanProgress_;
-    std::unique_ptr<langres::LangListController> pLangListController_;
-    std::unique_ptr<SectionPanels> panels_;
-    std::unique_ptr<NotCleanedController> pNotCleanedController_;
-    std::unique_ptr<DrawerAndSheets> drawerAndSheets_;
-    NotCleanedDictionaries notCleaned_;
-    bool bscanningProcess_ = false;
-    bool bcleaningProcess_ = false;
-    bool removing_ = false;
-    bool bScanStarted_ = false;               ///< never reset
-    bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
-    bool closing_ = false;                    ///< the user closed the window while something ran
-    std::uint64_t removedAtLastLook_ = 0;     ///< entries, by the whole program, while it is closing
-    bool removalLeftBehind_ = false;          ///< it hung when the window was closed
-    bool closed_ = false;                     ///< the window has gone for good
-    std::unique_ptr<MenuCommands> commands_;
-    std::unique_ptr<MainMenu> menu_;
+    MenuCommands commands_;
+    MainMenu menu_;
     std::vector<engine::NotificationCenter::Observation> observations_;
 };
 

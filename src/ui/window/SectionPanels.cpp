@@ -41,8 +41,7 @@ void SectionPanels::createController(int row) {
                               {sections_.getAppResDS(), sections_, application_, util_});
     connect(slot.get(), &ItemListController::tableUpdated, this, [this, row] {
         if (row == activeRow_) {
-            updateTitle();
-            updateSelectAllButton();
+            updateCurrentList();
         }
     });
 }
@@ -59,7 +58,6 @@ void SectionPanels::show(int row) {
 void SectionPanels::loadView(ItemListController& controller) {
     controller.loadView();
     panel_.addList(controller.view());
-    controller.updateCleaningState(isRemoving());
 }
 
 void SectionPanels::showPanel(int row) {
@@ -68,8 +66,13 @@ void SectionPanels::showPanel(int row) {
             slot->view()->setVisible(slot.get() == &controller(row));
         }
     }
+    updateCurrentList();
+}
+
+void SectionPanels::updateCurrentList() {
     updateTitle();
     updateSelectAllButton();
+    Q_EMIT currentListChanged();
 }
 
 ItemListController* SectionPanels::getCurrentSectionController() const {
@@ -82,9 +85,9 @@ void SectionPanels::refreshLists() {
     }
 }
 
-void SectionPanels::updateCleaningState() {
+void SectionPanels::updateCleaningState(bool cleaning) {
     for (const auto& controller : pDynControllers_) {
-        controller->updateCleaningState(isRemoving());
+        controller->updateCleaningState(cleaning);
     }
 }
 
@@ -109,10 +112,7 @@ void SectionPanels::updateTitle() {
 
 void SectionPanels::updateSelectAllButton() {
     const auto* current = getCurrentSectionController();
-    auto* selectAll = panel_.pbtnSelectAll();
-    selectAll->setSelAllChecked(current == nullptr ? 0 : current->getcheckstate());
-    selectAll->setEnabled(!application_.sectionControllerIsScanOrRemoveProcessPerforming() && current != nullptr &&
-                          current->hasItems());
+    panel_.pbtnSelectAll()->setSelAllChecked(current == nullptr ? 0 : current->getcheckstate());
 }
 
 void SectionPanels::toggleSelectAll() {

@@ -29,21 +29,25 @@ public:
 
     /// Takes in everything that the model holds.
     void refreshLists();
-    /// Check boxes follow whether a clean or a single removal runs.
-    void updateCleaningState();
+    /// Their check boxes can be used, unless a clean or a single removal runs.
+    void updateCleaningState(bool cleaning);
     void updateTitle();
     void updateSelectAllButton();
-    /// What the check box was clicked for.
+    /// Ticks all of the list on show, or none, as its check box was clicked.
     void toggleSelectAll();
+
+Q_SIGNALS:
+    /// Another list is on show, or the one on show holds other rows or ticks.
+    void currentListChanged();
 
 private:
     void createController(int row);
+    void updateCurrentList();
     [[nodiscard]] ItemListController& controller(int row) const {
         return *pDynControllers_[static_cast<std::size_t>(row)];
     }
     void loadView(ItemListController& controller);
     void showPanel(int row);
-    [[nodiscard]] bool isRemoving() const { return application_.pbCleanning() || application_.pbRemoving(); }
 
     ListPanel& panel_;
     TSectionViewController& sections_;

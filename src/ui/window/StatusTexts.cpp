@@ -10,9 +10,10 @@ using engine::FileSize;
 void StatusTexts::showSizes(quint64 selected, quint64 total, Activity activity) {
     const QString selectedText = selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected);
     const QString totalText = tr("Selected of %1").arg(FileSize::formatMemoryStringDot1(total));
-    plashka_.setTexts(selectedText, activity == Activity::cleaning   ? tr("Cleaning...")
-                                    : activity == Activity::removing ? tr("Removing...")
-                                                                     : totalText);
+    const Activity work = workOf(activity);
+    plashka_.setTexts(selectedText, work == Activity::cleaning   ? tr("Cleaning...")
+                                    : work == Activity::removing ? tr("Removing...")
+                                                                 : totalText);
 }
 
 void StatusTexts::showHint() { ptxtStartDescClean_.setText(tr("Select sections and press Scan button")); }

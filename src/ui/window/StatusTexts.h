@@ -5,6 +5,7 @@
 
 #include "platform/UserDefaults.h"
 #include "ui/controls/PlashkaView.h"
+#include "ui/services/Activity.h"
 
 namespace brimvault::ui {
 
@@ -14,12 +15,10 @@ class StatusTexts {
     Q_DECLARE_TR_FUNCTIONS(StatusTexts)
 
 public:
-    enum class Activity { none, cleaning, removing };
-
     StatusTexts(PlashkaView& plashka, QLabel& hint, const platform::UserDefaults& defaults)
         : plashka_(plashka), ptxtStartDescClean_(hint), defaults_(defaults) {}
 
-    /// Bytes of what is selected, and of everything.
+    /// Bytes of what is selected, and of everything; or what is being done to them.
     void showSizes(quint64 selected, quint64 total, Activity activity);
     /// What the start page says beside the sizes.
     void showHint();

@@ -18,29 +18,60 @@ void setLook(WhiteTitleButton& button, const WhiteTitleButton::Pictures& picture
     button.setTitleColor(QColor(color));
 }
 
+void setTurning(ProgressIndicator& indicator, bool turns) {
+    if (turns && !indicator.isAnimated()) {
+        indicator.startAnimation();
+    } else if (!turns && indicator.isAnimated()) {
+        indicator.stopAnimation();
+    }
+}
+
 }  // namespace
+
+ControlStates controlStates(Activity activity, const ControlFacts& facts) {
+    const Activity work = workOf(activity);
+    const bool free = work == Activity::idle;
+    const bool scanning = work == Activity::scanning;
+    const bool cleaning = work == Activity::cleaning;
+    return {
+        .scan = free || scanning,
+        .clean = cleaning || (free && facts.scanStarted && facts.anythingSelected),
+        .itemButtons = facts.scanStarted && !scanning && !cleaning,
+        .selectAll = free && facts.listHasItems,
+        .sectionChecks = free,
+        .itemChecks = free || scanning,
+        .languageChecks = !cleaning,
+    };
+}
+
+void WindowControls::render() {
+    enableControlsScan(!application_.pbScanning());
+    enableControlsClean(!application_.pbCleanning());
+}
+
+void WindowControls::enable() {
+    const ControlStates states = controlStates(application_.activity(), facts_());
+    auto* lists = window_.lists();
+    window_.sidebar()->pbtnScan()->setEnabled(states.scan);
+    lists->pbtnClean()->setEnabled(states.clean);
+    lists->pbtnInf()->setEnabled(states.itemButtons);
+    lists->pbtnFinder()->setEnabled(states.itemButtons);
+    lists->pbtnSelectAll()->setEnabled(states.selectAll);
+}
 
 void WindowControls::enableControlsScan(bool idle) {
     setImgs4Scan(idle);
-    window_.lists()->pbtnClean()->setEnabled(idle && application_.bScanStarted());
-    enableListControls(idle);
+    setTurning(*window_.sidebar()->pProgressScan(), !idle);
+    enable();
 }
 
 void WindowControls::enableControlsClean(bool idle) {
     setImgs4Clean(idle);
-    window_.sidebar()->pbtnScan()->setEnabled(idle);
-    enableListControls(idle);
+    setTurning(*window_.lists()->pProgressClean(), !idle);
+    enable();
 }
 
-void WindowControls::enableListControls(bool idle) {
-    auto* lists = window_.lists();
-    for (QWidget* control : {static_cast<QWidget*>(lists->pbtnInf()), static_cast<QWidget*>(lists->pbtnFinder()),
-                             static_cast<QWidget*>(lists->pbtnSelectAll())}) {
-        control->setEnabled(idle && application_.bScanStarted());
-    }
-}
-
-// Once there is something to clean, that is the main thing to do, and scanning steps back.
+// Once there is something to clean, cleaning is the main action and the scan button turns quiet.
 void WindowControls::setImgs4Scan(bool idle) {
     auto& button = *window_.sidebar()->pbtnScan();
     if (!idle) {
