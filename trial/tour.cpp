@@ -12,6 +12,7 @@
 #include "app/SectionOperations.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
+#include "engine/removal/Remover.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
 #include "trial/EnglishEnvironment.h"
@@ -205,9 +206,13 @@ int main(int argc, char* argv[]) {
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::WindowAlerts alerts;
+    const auto fileBrowser = platform::FileBrowser::ofSession();
+    const auto workspace = platform::Workspace::ofSession();
+    ui::UtilMod util(alerts, *fileBrowser, *workspace, platform::FinderPreferences::shared(),
+                     engine::Remover::GetInstance());
     const langres::LanguagesManager languages({{QStringLiteral("en-US"), QStringLiteral("de")}, {}});
     ui::FAppDelegate application(app::scanOperations(), app::cleanOperations(engine::PrivilegedRemover::none()),
-                                 {defaults, alerts, ui::UtilMod::sharedUtil(), languages});
+                                 {defaults, alerts, util, languages});
     application.applicationDidFinishLaunching();
     application.window()->resize(1000, 660);  // as drawn, whatever the size of the screen
     trial::Guide guide(application);

@@ -33,6 +33,25 @@
     </message>
 </context>
 <context>
+    <name>FileActions</name>
+    <message>
+        <source>Can&apos;t show file</source>
+        <translation>Die Datei kann nicht angezeigt werden</translation>
+    </message>
+    <message>
+        <source>No file manager answers. The file is in the folder %1</source>
+        <translation>Kein Dateimanager antwortet. Die Datei liegt im Ordner %1</translation>
+    </message>
+    <message>
+        <source>Can&apos;t find file</source>
+        <translation>Die Datei wurde nicht gefunden</translation>
+    </message>
+    <message>
+        <source>The file’s %1%2%1 does not exist or its existence could not be determined</source>
+        <translation>Die Datei %1%2%1 ist nicht vorhanden, oder es ließ sich nicht feststellen, ob sie vorhanden ist</translation>
+    </message>
+</context>
+<context>
     <name>Languages</name>
     <message>
         <source>Kept</source>
@@ -165,6 +184,29 @@
     <message>
         <source>Stopped, %1 items so far</source>
         <translation>Gestoppt, bisher %1 Objekte</translation>
+    </message>
+</context>
+<context>
+    <name>SingleRemoval</name>
+    <message>
+        <source>It holds 1 other item of the list, which goes with it.</source>
+        <translation>Enthält 1 weiteres Objekt der Liste, das ebenfalls entfernt wird.</translation>
+    </message>
+    <message>
+        <source>It holds %1 other items of the list, which go with it.</source>
+        <translation>Enthält %1 weitere Objekte der Liste, die ebenfalls entfernt werden.</translation>
+    </message>
+    <message>
+        <source>Are you sure you want to completely delete “%1”?</source>
+        <translation>Möchten Sie „%1“ wirklich vollständig löschen?</translation>
+    </message>
+    <message>
+        <source>Files will be  permanently removed from your Hard Drive.</source>
+        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
+    </message>
+    <message>
+        <source>“%1” could not be removed</source>
+        <translation>„%1“ konnte nicht entfernt werden</translation>
     </message>
 </context>
 <context>
@@ -715,42 +757,6 @@ Alle auswählen und scannen?</translation>
 </context>
 <context>
     <name>brimvault::ui::UtilMod</name>
-    <message>
-        <source>Can&apos;t show file</source>
-        <translation>Die Datei kann nicht angezeigt werden</translation>
-    </message>
-    <message>
-        <source>No file manager answers. The file is in the folder %1</source>
-        <translation>Kein Dateimanager antwortet. Die Datei liegt im Ordner %1</translation>
-    </message>
-    <message>
-        <source>Can&apos;t find file</source>
-        <translation>Die Datei wurde nicht gefunden</translation>
-    </message>
-    <message>
-        <source>The file’s %1%2%1 does not exist or its existence could not be determined</source>
-        <translation>Die Datei %1%2%1 ist nicht vorhanden, oder es ließ sich nicht feststellen, ob sie vorhanden ist</translation>
-    </message>
-    <message>
-        <source>It holds 1 other item of the list, which goes with it.</source>
-        <translation>Enthält 1 weiteres Objekt der Liste, das ebenfalls entfernt wird.</translation>
-    </message>
-    <message>
-        <source>It holds %1 other items of the list, which go with it.</source>
-        <translation>Enthält %1 weitere Objekte der Liste, die ebenfalls entfernt werden.</translation>
-    </message>
-    <message>
-        <source>Are you sure you want to completely delete “%1”?</source>
-        <translation>Möchten Sie „%1“ wirklich vollständig löschen?</translation>
-    </message>
-    <message>
-        <source>Files will be  permanently removed from your Hard Drive.</source>
-        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
-    </message>
-    <message>
-        <source>“%1” could not be removed</source>
-        <translation>„%1“ konnte nicht entfernt werden</translation>
-    </message>
     <message>
         <source>Can&apos;t open a mail program</source>
         <translation>Kein E-Mail-Programm gefunden</translation>

@@ -43,9 +43,13 @@ int main(int argc, char* argv[]) {
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
     ui::WindowAlerts alerts;                                                  // questions to the user
     auto& remover = engine::Remover::GetInstance();                           // what the user may not remove
+    const auto fileBrowser = platform::FileBrowser::ofSession();              // shows files
+    const auto workspace = platform::Workspace::ofSession();                  // mails; the maker's other applications
+    ui::UtilMod util(alerts, *fileBrowser, *workspace,                        // what the window has done outside of it
+                     platform::FinderPreferences::shared(), remover);
     ui::FAppDelegate delegate(app::scanOperations(),                          // what scans each section
                               app::cleanOperations(remover),                  // what cleans each section
-                              {defaults, alerts, ui::UtilMod::sharedUtil(),   // the file browser
+                              {defaults, alerts, util,                        // settings, questions, the outside
                                langres::LanguagesManager::sharedManager()});  // the user's languages; and the window
     delegate.applicationDidFinishLaunching();
     const int result = QApplication::exec();

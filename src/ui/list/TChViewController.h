@@ -15,7 +15,7 @@ public:
     }
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override {
-        return UtilMod::getFullCachePathToItem(item);
+        return surroundings().util.getFullCachePathToItem(item);
     }
     /// The name without a leading "com."; a text that is not longer than that is left as it is.
     [[nodiscard]] static QString getDisplayText(const QString& text);

@@ -15,7 +15,7 @@ public:
     }
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override {
-        return UtilMod::getFullDownloadPathToItem(item);
+        return surroundings().util.getFullDownloadPathToItem(item);
     }
 };
 

@@ -1,27 +1,35 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
-#include <QThreadPool>
-#include <QWidget>
 #include <filesystem>
 #include <functional>
-#include <vector>
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "engine/model/FFItem.h"
-#include "engine/model/FileFacts.h"
-#include "engine/removal/ItemRemoval.h"
-#include "platform/FileBrowser.h"
 #include "platform/FinderPreferences.h"
 #include "platform/Workspace.h"
-#include "ui/controls/AlertPresenter.h"
-#include "ui/services/MailMessage.h"
+#include "ui/services/BackgroundCalls.h"
+#include "ui/services/FileActions.h"
+#include "ui/services/SingleRemoval.h"
+#include "ui/services/WindowNotices.h"
 
 namespace brimvault::ui {
 
-/// What the window has done outside of it: items are shown in the file browser, with what is known of them, single
-/// items are removed, mails are begun. Main thread; what may block is done on threads of its own, and answers come
-/// later on the main thread.
+/// A mail for the user's mail program, where the user reads it before it is sent. A value.
+struct MailMessage {
+    QString recipient;  ///< empty to let the user choose
+    QString subject;
+    QString body;  ///< lines end with "\n"
+
+    /// A "mailto:" URL, each part percent-escaped in UTF-8.
+    [[nodiscard]] std::string url() const;
+};
+
+/// What the window has done outside of it: files are shown (`FileActions`), single items are removed
+/// (`SingleRemoval`), mails are begun. Main thread; what may block is called on other threads, and answers come later
+/// on the main thread.
 class UtilMod final : public QObject {
     Q_OBJECT
 
@@ -31,25 +39,25 @@ public:
             platform::FinderPreferences& finder = platform::FinderPreferences::shared(),
             engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none());
     ~UtilMod() override;
-    /// The one of the process, for the desktop that it runs on.
+    /// The one of the process: the first that was made, which must live.
     static UtilMod& sharedUtil();
 
     /// The window over which alerts and information are shown.
-    void setWindow(QWidget* window) { window_ = window; }
-    /// Before the window goes: gives up what is asked of the file browser, and blocks until no removal is under way.
-    /// What a dead volume holds, removals as well, is left behind after a moment.
+    void setWindow(QWidget* window) { notices_.setWindow(window); }
+    /// Before the window goes: gives up what is asked of the desktop, and blocks until no removal is under way. What
+    /// hangs, removals as well, is left behind after a second.
     void waitUntilIdle();
 
     /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.
-    void doRevealInFinder(const std::filesystem::path& path);
+    void doRevealInFinder(const std::filesystem::path& path) { files_.reveal(path); }
     /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
-    void doGetInformation(const std::filesystem::path& path);
-    /// Looked for on a thread of their own.
-    using Folders = std::function<std::vector<std::filesystem::path>()>;
-    /// Of several folders, does so for the first that is there: opens it in the file browser, or shows what is known.
-    void openFirstFolder(Folders folders);
-    void getInformationOfFirstFolder(Folders folders);
-    void alertFileNotExists(const std::filesystem::path& path);
+    void doGetInformation(const std::filesystem::path& path) { files_.showInformation(path); }
+    /// Of several folders, does so for the first that exists: opens it in the file browser, or shows what is known.
+    void openFirstFolder(FileActions::Folders folders) { files_.openFirst(std::move(folders)); }
+    void getInformationOfFirstFolder(FileActions::Folders folders) {
+        files_.showInformationOfFirst(std::move(folders));
+    }
+    void alertFileNotExists(const std::filesystem::path& path) { files_.alertFileNotExists(path); }
     /// Opens a new mail in the user's mail program; where there is none, says so.
     void composeMail(const MailMessage& mail);
     /// Tells the maker's other applications that this one has started.
@@ -57,51 +65,56 @@ public:
 
     /// Whether the user, being asked, wants the item at the path to be removed for good; a number of other items that
     /// are listed may lie in it, and go with it.
-    [[nodiscard]] bool isRemovalConfirmed(const std::filesystem::path& path, qsizetype itemsInIt);
-    /// Removes the file for good and then, after an alert where it failed, posts "singleFileRemoveFinished" and tells
-    /// whether it is gone. A file that was gone before counts as removed. One that a scan has found goes from where it
-    /// was found, or not at all.
+    [[nodiscard]] bool isRemovalConfirmed(const std::filesystem::path& path, qsizetype itemsInIt) const {
+        return removal_.isConfirmed(path, itemsInIt);
+    }
+    /// Removes the file for good and then, after an alert where it failed, posts "singleFileRemoveFinished" and calls
+    /// `finished` with whether it is gone. A file that was gone before counts as removed. One that a scan has found is
+    /// removed from where it was found, or not at all.
     void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                       const std::shared_ptr<const engine::FoundIn>& foundIn = nullptr);
+    /// A removal has not returned yet, or hangs.
+    [[nodiscard]] bool isRemovalUnderWay() const { return removal_.isUnderWay(); }
 
-    /// A single item is being removed, or hangs.
-    [[nodiscard]] bool isRemovalUnderWay() const { return removalsUnderWay_ > 0; }
-
+    /// Looks up the folders of the sections, for items that are known by their names alone. The answers come later.
+    void lookUpFolders();
     /// The item's own path, or that of its name in the folder; empty without either.
     [[nodiscard]] static std::filesystem::path getFullPathToItem(const engine::FFItem& item,
                                                                  const std::optional<std::filesystem::path>& folder);
-    [[nodiscard]] static std::filesystem::path getFullDownloadPathToItem(const engine::FFItem& item);
-    [[nodiscard]] static std::filesystem::path getFullCachePathToItem(const engine::FFItem& item);
-    [[nodiscard]] static std::filesystem::path getFullTrashPathToItem(const engine::FFItem& item);
+    // In the folders as they were looked up last: the disk is not asked.
+    [[nodiscard]] std::filesystem::path getFullDownloadPathToItem(const engine::FFItem& item) const {
+        return getFullPathToItem(item, folders_.downloads);
+    }
+    [[nodiscard]] std::filesystem::path getFullCachePathToItem(const engine::FFItem& item) const {
+        return getFullPathToItem(item, folders_.caches);
+    }
+    [[nodiscard]] std::filesystem::path getFullTrashPathToItem(const engine::FFItem& item) const {
+        return getFullPathToItem(item, folders_.trash);
+    }
     /// The item's own path; logs lie in several folders.
-    [[nodiscard]] static std::filesystem::path getFullLogsPathToItem(const engine::FFItem& item);
+    [[nodiscard]] static std::filesystem::path getFullLogsPathToItem(const engine::FFItem& item) {
+        return item.pfpath();
+    }
 
     [[nodiscard]] std::optional<std::filesystem::path> GetFinderPrefPath() { return finder_.GetFinderPrefPath(); }
     [[nodiscard]] bool isHiddenFilesVisibleInFinder() { return finder_.isHiddenFilesVisibleInFinder(); }
 
 private:
-    void tell(const QString& message, const QString& informativeText);
-    void withFirst(Folders folders, std::function<void(const std::filesystem::path&)> then);
-    void showWith(const std::filesystem::path& path, std::function<bool(const std::filesystem::path&)> show);
-    void showInformation(const std::filesystem::path& path);
-    void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts);
-    void finishRemoval(const std::filesystem::path& path, const engine::ItemRemoval& removal,
-                       const std::function<void(bool success)>& finished);
+    /// None where the system names none, or none is known yet.
+    struct KnownFolders {
+        std::optional<std::filesystem::path> downloads;
+        std::optional<std::filesystem::path> caches;
+        std::optional<std::filesystem::path> trash;
+    };
 
-    /// Calls `work` on a thread of a pool and `done`, with what it answered, on the main thread.
-    template <typename Answer>
-    void inBackground(QThreadPool& pool, std::function<Answer()> work, std::function<void(const Answer&)> done);
-
-    AlertPresenter& alerts_;
+    WindowNotices notices_;
     platform::FileBrowser& fileBrowser_;
     platform::Workspace& workspace_;
     platform::FinderPreferences& finder_;
-    engine::PrivilegedRemover& remover_;
-    QPointer<QWidget> window_;
-    // Each is left behind when it hangs.
-    QThreadPool* requests_;  ///< what may wait for others: a removal does not wait for them
-    QThreadPool* removals_;
-    int removalsUnderWay_ = 0;
+    KnownFolders folders_;
+    BackgroundCalls requests_;  ///< to the desktop and the disk; a removal does not wait for them
+    FileActions files_;
+    SingleRemoval removal_;
 };
 
 }  // namespace brimvault::ui

@@ -7,7 +7,6 @@
 #include "ui/look/Look.h"
 #include "ui/look/PictureLabel.h"
 #include "ui/look/TextLabel.h"
-#include "ui/services/ProductAddresses.h"
 
 namespace brimvault::ui {
 

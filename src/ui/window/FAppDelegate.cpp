@@ -59,6 +59,7 @@ void FAppDelegate::applicationDidFinishLaunching() {
     window_->show();
     window_->activateWindow();
     window_->startPage()->btnStartScanButton2()->setFocus();
+    util_.lookUpFolders();
     QMetaObject::invokeMethod(
         this, [this] { util_.announceStart(); }, Qt::QueuedConnection);
 }

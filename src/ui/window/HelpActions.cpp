@@ -1,9 +1,13 @@
 #include "ui/window/HelpActions.h"
 
-#include "ui/services/MailMessage.h"
-#include "ui/services/ProductAddresses.h"
-
 namespace brimvault::ui {
+
+namespace {
+
+// A reserved name that leads nowhere, until there is a mailbox.
+QString supportRecipient() { return QStringLiteral("support@brimvault.example"); }
+
+}  // namespace
 
 void HelpActions::showAboutScreen() {
     if (m_aboutWC_ == nullptr || !m_aboutWC_->isVisible()) {

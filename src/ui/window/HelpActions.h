@@ -8,8 +8,7 @@
 
 namespace brimvault::ui {
 
-/// What the menu offers beside the program's own work: what it is, a mail to its makers, a mail to friends. Main
-/// thread.
+/// The help items of the menu: the about window, a mail to the makers, a mail to friends. Main thread.
 class HelpActions final : public QObject {
     Q_OBJECT
 

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "ui/controls/AlertPresenter.h"
+
+namespace brimvault::ui {
+
+/// Alerts over the window, for as long as there is one. Main thread.
+class WindowNotices {
+public:
+    /// It outlives the notices.
+    explicit WindowNotices(AlertPresenter& alerts) : alerts_(alerts) {}
+
+    void setWindow(QWidget* window) { window_ = window; }
+    /// Null once the window has gone.
+    [[nodiscard]] QWidget* window() const { return window_; }
+
+    /// Asks the user; without a window the answer is no.
+    [[nodiscard]] bool isAgreedTo(const Alert& alert) const {
+        return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
+    }
+    /// What the user can only take note of.
+    void tell(const QString& message, const QString& informativeText) const {
+        if (window_) {
+            alerts_.runModal({message, informativeText, Alert::Suppression::notOffered, Alert::Buttons::takeNote},
+                             window_);
+        }
+    }
+
+private:
+    AlertPresenter& alerts_;
+    QPointer<QWidget> window_;
+};
+
+}  // namespace brimvault::ui
