@@ -1,17 +1,18 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 
 #include "ui/sections/TSectionViewController.h"
 #include "ui/services/MenuAction.h"
+#include "ui/window/AboutWC.h"
 #include "ui/window/DrawerAndSheets.h"
-#include "ui/window/HelpActions.h"
 #include "ui/window/MainWindow.h"
 #include "ui/window/SectionPanels.h"
 
 namespace brimvault::ui {
 
-/// What the menus offer: when each action may be sent, and to whom it goes. Main thread.
+/// The actions of the menus: when each is enabled, and what performs it. Main thread.
 class MenuCommands final : public QObject {
     Q_OBJECT
 
@@ -19,14 +20,9 @@ public:
     /// All of them outlive it.
     MenuCommands(MainWindow& window, TSectionViewController& sections, SectionPanels& panels,
                  DrawerAndSheets& drawerAndSheets, UtilMod& util)
-        : window_(window),
-          sections_(sections),
-          panels_(panels),
-          drawerAndSheets_(drawerAndSheets),
-          util_(util),
-          help_(&window, util) {}
+        : window_(window), sections_(sections), panels_(panels), drawerAndSheets_(drawerAndSheets), util_(util) {}
 
-    /// How a menu is to show the action, as things stand.
+    /// How a menu is to show the action at the moment.
     [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
     void perform(MenuAction what);
 
@@ -38,13 +34,18 @@ public:
     void finderPressed();
     void infPressed();
 
+    /// The help items: the about window, a mail to the makers, a mail to friends.
+    void showAboutScreen();
+    void sendFeedbackPressed();
+    void shareByMail();
+
 private:
     MainWindow& window_;
     TSectionViewController& sections_;
     SectionPanels& panels_;
     DrawerAndSheets& drawerAndSheets_;
     UtilMod& util_;
-    HelpActions help_;
+    QPointer<AboutWC> m_aboutWC_;  ///< while it is open
 };
 
 }  // namespace brimvault::ui
