@@ -359,35 +359,6 @@
     </message>
 </context>
 <context>
-    <name>brimvault::ui::HelpActions</name>
-    <message>
-        <source>Send FeedBack. Brimvault</source>
-        <translation>Rückmeldung zu Brimvault</translation>
-    </message>
-    <message>
-        <source>Thank you for using Brimvault.
-
-What would make it better? Every idea is welcome:
-
-</source>
-        <translation>Vielen Dank, dass Sie Brimvault verwenden.
-
-Was würde es besser machen? Jede Idee ist willkommen:
-
-</translation>
-    </message>
-    <message>
-        <source>Brimvault frees disk space: it shows what caches, unneeded languages, logs, downloads and the trash hold, and removes what you tick.
-
-%1
-</source>
-        <translation>Brimvault gibt Speicherplatz frei: Es zeigt, was Caches, nicht benötigte Sprachen, Protokolle, Downloads und Papierkorb enthalten, und entfernt, was man ankreuzt.
-
-%1
-</translation>
-    </message>
-</context>
-<context>
     <name>brimvault::ui::IconButton</name>
     <message>
         <source>Open</source>
@@ -583,6 +554,32 @@ Was würde es besser machen? Jede Idee ist willkommen:
     <message>
         <source>Ask Before Cleaning</source>
         <translation>Vor dem Bereinigen fragen</translation>
+    </message>
+    <message>
+        <source>Send FeedBack. Brimvault</source>
+        <translation>Rückmeldung zu Brimvault</translation>
+    </message>
+    <message>
+        <source>Thank you for using Brimvault.
+
+What would make it better? Every idea is welcome:
+
+</source>
+        <translation>Vielen Dank, dass Sie Brimvault verwenden.
+
+Was würde es besser machen? Jede Idee ist willkommen:
+
+</translation>
+    </message>
+    <message>
+        <source>Brimvault frees disk space: it shows what caches, unneeded languages, logs, downloads and the trash hold, and removes what you tick.
+
+%1
+</source>
+        <translation>Brimvault gibt Speicherplatz frei: Es zeigt, was Caches, nicht benötigte Sprachen, Protokolle, Downloads und Papierkorb enthalten, und entfernt, was man ankreuzt.
+
+%1
+</translation>
     </message>
 </context>
 <context>

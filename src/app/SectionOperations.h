@@ -7,7 +7,7 @@ namespace brimvault::app {
 
 /// What scans each section of the program.
 [[nodiscard]] engine::ScanTable scanOperations();
-/// What cleans each section; what the user may not remove, the remover is asked to. It outlives the table.
+/// What cleans each section; the remover, which outlives the table, removes what the user may not.
 [[nodiscard]] engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover);
 
 }  // namespace brimvault::app

@@ -6,15 +6,14 @@
 
 namespace brimvault::app {
 
-/// The language of the program: its own texts are English, other languages are translations that it carries along.
-/// While this lives the application speaks the language chosen; what is on show already is not told anew. Main thread.
+/// The language of the program: its own texts are English, other languages are translations inside the program. They
+/// are installed for as long as this lives; texts that are on show already are not translated again. Main thread.
 class Translations {
 public:
-    /// Of the languages in which the user wants to read, the best liked first, the program speaks the first that it
-    /// can.
+    /// Chooses the first of the user's languages, in order of preference, that is English or has a translation.
     explicit Translations(const QStringList& wanted);
 
-    /// The identifier of the language chosen; "en" when no translation is needed, or there is none to be had.
+    /// The identifier of the language chosen; "en" if no translation is needed, or there is none.
     [[nodiscard]] const QString& language() const { return language_; }
 
     /// The languages that there are translations for.

@@ -17,7 +17,7 @@
 
 namespace {
 
-// Everything is written by the time the window has gone. What a dead volume holds, nobody can end or wait for.
+// Even if a thread hangs on a dead volume, which nobody can end. Everything is written by the time the window has gone.
 void endWithinASecond(int result) {
     std::thread([result] {
         std::this_thread::sleep_for(std::chrono::seconds(1));
@@ -31,13 +31,13 @@ int main(int argc, char* argv[]) {
     using namespace brimvault;
 
     QApplication application(argc, argv);
-    // The user's languages are read from files; meanwhile the window is made.
+    // Reads the user's languages from files while the window is made.
     const auto reading = std::async(std::launch::async, [] { (void)langres::LanguagesManager::sharedManager(); });
     QApplication::setApplicationName(QStringLiteral("Brimvault"));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
     const app::Translations translations(QLocale::system().uiLanguages());  // the program's language
     ui::look::apply();                                                      // light, in the window's own type
-    ui::watchFocus();                                                       // its mark is for the keyboard alone
+    ui::watchFocus();                                                       // its ring is shown for the keyboard alone
     ui::AccessibleItemView::install();                                      // the lists, as assistive clients see them
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
@@ -54,7 +54,7 @@ int main(int argc, char* argv[]) {
     delegate.applicationDidFinishLaunching();
     const int result = QApplication::exec();
     if (delegate.isAnythingLeftBehind()) {
-        std::_Exit(result);  // nothing is destroyed under a thread that may still return
+        std::_Exit(result);  // destroy nothing under a thread that may still return
     }
     endWithinASecond(result);
     remover.giveUp();  // the rights that the user has granted

@@ -15,7 +15,7 @@ public:
 
     /// In a cell that is laid out in that direction; what does not fit is cut.
     void draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction) const;
-    /// The whole text where it is cut in the cell; empty where all of it is to be seen.
+    /// The whole text where it is cut in the cell; empty if nothing is cut.
     [[nodiscard]] QString expansionText(const QRect& cell) const;
 
 private:

@@ -24,7 +24,7 @@ std::vector<Folder> logs() {
     return folders;
 }
 
-// The desktop keeps what was trashed in one of its folder's, beside what it knows of it.
+// The desktop's trash has a sub-folder for the files, beside one for its records of them.
 std::vector<Folder> trash() {
     const auto desktop = LibraryURLs::getDesktopTrashFolderURL();
     return {LibraryURLs::getTrashFolderURL(), desktop ? Folder(*desktop / "files") : Folder(), desktop};

@@ -42,12 +42,12 @@ void SectionListModel::setChecked(int row, bool checked) {
 
 void SectionListModel::setChecksEnabled(bool enabled) {
     checksEnabled_ = enabled;
-    Q_EMIT dataChanged(index(0), index(sectionRowCount - 1));  // another look, the same states
+    Q_EMIT dataChanged(index(0), index(sectionRowCount - 1));  // drawn differently, the same states
 }
 
 int SectionListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : sectionRowCount; }
 
-// What the row says below its title, and what people are to know of the places.
+// What a screen reader reads after the title.
 QString SectionListModel::description(const Row& row) {
     QStringList sentences = {row.text.subtitle, row.note, row.unusualPlaces};
     sentences.removeAll(QString());

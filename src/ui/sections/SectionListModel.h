@@ -15,14 +15,14 @@ class SectionListModel final : public QAbstractListModel {
 public:
     enum Role {
         subtitleRole = Qt::UserRole,
-        noteRole,  ///< what there is to say beside the subtitle; mostly empty
+        noteRole,  ///< a line below the subtitle; mostly empty
     };
 
     explicit SectionListModel(QObject* parent = nullptr);
 
     void setSubtitle(int row, const QString& subtitle);
     void setNote(int row, const QString& note);
-    /// Where the section's files lie: for the tooltip, and what people are to know at once.
+    /// The section's folders: all, for the tooltip, and those that the user would not expect.
     void setPlaces(int row, const QString& all, const QString& unusual);
     void setChecked(int row, bool checked);
     void setChecksEnabled(bool enabled);
@@ -33,7 +33,7 @@ public:
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 Q_SIGNALS:
-    /// The user ticked or unticked a row; the model shows it only once it is told so.
+    /// The user ticked or unticked a row; the model shows it only after `setChecked`.
     void checkRequested(int row, bool checked);
 
 private:

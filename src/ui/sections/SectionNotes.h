@@ -7,19 +7,19 @@
 
 namespace brimvault::ui {
 
-/// What a row of the section list says beside the model's own text: that its scan was stopped, or not begun because the
-/// one before hangs, and what a clean that emptied it has freed. Until the next scan of the section. Main thread.
+/// The line below a section's subtitle: its scan was stopped, or was skipped because the one before hangs, or a clean
+/// has emptied the section. Kept until the next scan of the section. Main thread.
 class SectionNotes {
     Q_DECLARE_TR_FUNCTIONS(SectionNotes)
 
 public:
     /// A scan of the section begins.
     void scanBegun(engine::Section section) { notes_[section] = {}; }
-    /// It was stopped; what it found by then, and what it still brings while it returns, is told to `found`.
+    /// It was stopped. `found` is called with what it found by then, and with what it still brings while it returns.
     void scanStopped(engine::Section section) { notes_[section].scan = Scan::stopped; }
-    /// It was left out, since an earlier one hangs.
+    /// It was skipped, since the one before hangs.
     void scanSkipped(engine::Section section) { notes_[section].scan = Scan::skipped; }
-    /// How many items the section has. A clean takes none from what a scan has found.
+    /// How many items the section has. The largest number counts: a clean takes nothing from what a scan has found.
     void found(engine::Section section, qsizetype items);
     /// A clean has freed so many bytes, and left nothing.
     void emptied(engine::Section section, quint64 bytes) { notes_[section].cleaned = bytes; }

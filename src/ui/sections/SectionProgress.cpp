@@ -44,7 +44,7 @@ void SectionProgress::complete() {
     }
 }
 
-// More than was expected may be found: that is no more than all.
+// A scan may find more than it expected: its per cent is capped.
 void SectionProgress::takeReported(Section section) {
     if (const auto percent = model_.progressPercent(section)) {
         take(section, static_cast<int>(std::clamp<engine::Number>(*percent, 0, whole)));

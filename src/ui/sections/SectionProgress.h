@@ -11,8 +11,8 @@
 namespace brimvault::ui {
 
 /// How far a scan or a clean has come, in per cent, on an indicator: each of its sections counts as much as the others.
-/// A section goes by the per cent that the model knows of it; one that tells of none is at the beginning until it is at
-/// the end. It begins anew when the indicator starts to turn. Main thread.
+/// A section that reports no per cent to the model counts as 0 until it has ended. Progress begins anew when the
+/// indicator starts to turn. Main thread.
 class SectionProgress final : public QObject {
     Q_OBJECT
 
@@ -22,9 +22,9 @@ public:
     /// The sections that a scan or a clean starting now would take; the model and the indicator outlive it.
     SectionProgress(const engine::DataMan& model, ProgressIndicator& indicator, std::function<Sections()> sections);
 
-    /// What was heard so far was of the scan before.
+    /// Forgets the progress of the scan before.
     void begin();
-    /// All of it has been done, of whatever was not told of too; nothing if it was stopped before.
+    /// Shows 100 per cent, even if a section has reported less; nothing if the indicator was stopped before.
     void complete();
 
 private:

@@ -19,7 +19,7 @@ public:
     /// The whole text of a row in which it is cut.
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
-    /// The view alone ticks: the base class would tick once more, where a check box of its own would be.
+    /// Only the view ticks: the base class would tick a second time, where it would draw a check box of its own.
     bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/, const QStyleOptionViewItem& /*option*/,
                      const QModelIndex& /*index*/) override {
         return false;

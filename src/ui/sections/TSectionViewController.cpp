@@ -89,7 +89,7 @@ void TSectionViewController::mainThreadUpdateData() {
 
 QString TSectionViewController::subtitle(int row) const { return (performer_.getAppResDS().*rowAt(row).subtitle)(); }
 
-// Until the first scan the rows say what they said at the start.
+// Until the first scan the rows keep their texts of the start.
 void TSectionViewController::updateSubTitlesTexts() {
     if (!pAppDelegate_.bScanStarted()) {
         return;
@@ -237,7 +237,7 @@ void TSectionViewController::doStartClean() {
     }
 }
 
-// What came meanwhile stays, and does not count as freed.
+// What was found while the question was open stays, and does not count as freed.
 void TSectionViewController::startClean(const engine::CleanSelection& selection, const QStringList& languages) {
     lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
     for (const Section section : engine::allSections) {
@@ -263,7 +263,7 @@ bool TSectionViewController::isRemovalConfirmed() {
     return answer.returnCode == AlertAnswer::firstButton;
 }
 
-// The window goes on while a question is open; neither button does anything then, however it is pressed.
+// Events are handled while a question is open; the activity has both buttons ignored then.
 AlertAnswer TSectionViewController::ask(const Alert& alert) {
     const ApplicationController::OpenQuestion open(pAppDelegate_);
     return alerts_.runModal(alert, pAppDelegate_.window());

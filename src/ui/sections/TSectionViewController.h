@@ -77,7 +77,7 @@ public:
     [[nodiscard]] const engine::PerSection<bool>& checks() const { return checks_; }
     /// Bytes selected in the sections that are ticked.
     [[nodiscard]] quint64 getSize2CleanALLSel() const;
-    /// What stands under the title of a row.
+    /// The subtitle of a row.
     [[nodiscard]] QString subtitle(int row) const;
 
     /// The languages that a clean of language resources keeps, whenever they change.

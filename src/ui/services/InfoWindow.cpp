@@ -17,7 +17,7 @@ namespace {
 
 constexpr int margin = 20;
 constexpr int iconSize = 40;
-constexpr int leastWidth = 420;
+constexpr int minWidth = 420;
 constexpr qreal titleSize = 15;
 constexpr qreal textSize = 12.5;
 
@@ -46,7 +46,7 @@ QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
     return label;
 }
 
-// Read out, a value is nothing without its name.
+// A screen reader reads the value together with its name.
 void setValue(QLabel* label, const QString& name, const QString& value) {
     label->setText(value);
     label->setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
@@ -58,7 +58,7 @@ InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFact
     : QDialog(parent), path_(path), rows_(new QFormLayout) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Information: %1").arg(facts.name));
-    setMinimumWidth(look::scaled(leastWidth));
+    setMinimumWidth(look::scaled(minWidth));
 
     addFacts(facts);
     auto* close = new WhiteTitleButton;

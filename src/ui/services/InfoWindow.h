@@ -12,8 +12,8 @@ class QLayout;
 
 namespace brimvault::ui {
 
-/// What is known of one file: where it is, what it is, its size and dates, whose it is. For desktops whose file browser
-/// shows none of that. Main thread; goes when it is closed.
+/// Information about one file: its place, kind, size, dates and owner. For desktops whose file browser has no such
+/// window. Main thread; deletes itself when it is closed.
 class InfoWindow final : public QDialog {
     Q_OBJECT
 
@@ -22,9 +22,9 @@ public:
     ~InfoWindow() override;
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-    /// Bytes; until it is told, the window says that they are being counted.
+    /// Bytes. Until it is set, the window says that the size is being calculated.
     void setSize(quint64 bytes);
-    /// Stops what still counts for this window once it is closed.
+    /// Stop is requested when the window is closed, for what still counts its size.
     [[nodiscard]] std::stop_token closed() const { return closed_.get_token(); }
 
 private:

@@ -5,7 +5,7 @@
 
 namespace brimvault::ui {
 
-/// What a menu offers, by the name of the action that it sends.
+/// The actions that the menus offer.
 enum class MenuAction {
     doStartScan,
     doStartClean,

@@ -20,7 +20,7 @@ bool isRefused(const RootPlace& place) {
     return place.refusal != RootRefusal::none && place.refusal != RootRefusal::missing;
 }
 
-// Of a folder that is not itself in the way, but holds what is.
+// Why a folder is skipped: for what it is itself, or for what it holds.
 QString reason(const RootPlace& place) {
     const bool isIt = place.obstacle == place.resolved;
     const QString obstacle = shown(place.obstacle);

@@ -6,14 +6,14 @@
 
 namespace brimvault::ui {
 
-/// What people are told of where a section looks for its files. Main thread.
+/// Texts about the folders in which a section looks for files. Main thread.
 namespace placeTexts {
 
-/// All of its folders, a line for each: where it leads, and why it is not looked into where that is so.
+/// All of its folders, a line for each: where a link leads, and why a folder is skipped.
 [[nodiscard]] QString all(const engine::Places& places);
-/// Only what is not as one would expect: where links have led, and what is not looked into; empty where all is usual.
+/// Only what the user would not expect: links, and folders that are skipped; empty if there are none.
 [[nodiscard]] QString unusual(const engine::Places& places);
-/// What is not looked into, and why; empty where all is.
+/// The folders that are skipped, and why; empty if there are none.
 [[nodiscard]] QString refused(const engine::Places& places);
 
 }  // namespace placeTexts

@@ -21,13 +21,13 @@ void DrawerAndSheets::updateButtonsForPanel(int row) {
 
 void DrawerAndSheets::toggleDrawer() {
     if (modalSheetSender_ != nullptr) {
-        return;  // it makes room for a sheet
+        return;  // it is closed for a sheet
     }
     bDrawerOpened_ = !window_.pDrawer()->isOpen();
     setDrawerOpen(bDrawerOpened_);
 }
 
-// The focus does not go with the drawer.
+// The focus must not vanish with the drawer.
 void DrawerAndSheets::setDrawerOpen(bool open) {
     if (!open && window_.pDrawer()->isAncestorOf(window_.focusWidget())) {
         window_.pbtnLangs()->setFocus();
@@ -52,7 +52,7 @@ void DrawerAndSheets::drawerDidClose() {
     }
 }
 
-// By now another section may have been chosen, one without a drawer.
+// Meanwhile the user may have selected a section without a drawer.
 void DrawerAndSheets::didModalSheetEnd(int row) {
     if (std::exchange(modalSheetSender_, nullptr) != nullptr) {
         updateButtonsForPanel(row);

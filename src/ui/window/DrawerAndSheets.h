@@ -7,8 +7,8 @@
 
 namespace brimvault::ui {
 
-/// The drawer of the languages and the sheets of the window, which never lie over one another: a sheet waits until the
-/// drawer has gone, and the drawer comes again after the sheet. The window and the report outlive it. Main thread.
+/// The drawer of the languages and the sheets of the window, which are never open together: a sheet waits until the
+/// drawer has closed, and the drawer opens again after the sheet. The window and the report outlive it. Main thread.
 class DrawerAndSheets final : public QObject {
     Q_OBJECT
 
@@ -18,12 +18,12 @@ public:
     /// The languages belong to one section. Elsewhere their drawer is closed, and opens again where the user left it
     /// open.
     void updateButtonsForPanel(int row);
-    /// What the user does to open and to close the drawer.
+    /// The user opens or closes the drawer.
     void toggleDrawer();
     [[nodiscard]] bool isDrawerOffered() const { return !window_.pbtnLangs()->isHidden(); }
 
     void willModalSheetBegin(const QObject* sender);
-    /// The row of the section that is chosen by now.
+    /// The row of the section that is selected then.
     void didModalSheetEnd(int row);
 
 private:
@@ -32,8 +32,8 @@ private:
 
     MainWindow& window_;
     NotCleanedController& report_;
-    const QObject* modalSheetSender_ = nullptr;  ///< asked for a sheet while the drawer was out
-    bool focusWasInDrawer_ = false;              ///< when the drawer went for the sheet
+    const QObject* modalSheetSender_ = nullptr;  ///< asked for a sheet while the drawer was open
+    bool focusWasInDrawer_ = false;              ///< when the drawer closed for the sheet
     bool bDrawerOpened_ = false;                 ///< the user wants the drawer open
 };
 

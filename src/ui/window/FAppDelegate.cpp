@@ -159,7 +159,7 @@ void FAppDelegate::scanStarted() {
     initStateAsScanStarted();
 }
 
-// The list takes the place of the start page, and the focus with it: the start page's button is gone.
+// The list replaces the start page. If its button had the focus, the scan button gets it.
 void FAppDelegate::initStateAsScanStarted() {
     const bool focusGoes = window_->startPage()->btnStartScanButton2()->hasFocus();
     window_->showLists();

@@ -81,7 +81,7 @@ public:
 private:
     void connectControls();
     void registerObservers();
-    /// Observes on any thread, handles on this one.
+    /// Handles on the main thread what is posted on any.
     void observe(const QString& name, engine::NotificationCenter::Handler handler);
     void resetNotCleanedDicts() { notCleaned_ = {}; }
 

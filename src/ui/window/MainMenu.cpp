@@ -9,7 +9,7 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int leastWidth = 250;  // points
+constexpr int minWidth = 250;  // points
 
 }  // namespace
 
@@ -17,7 +17,7 @@ MainMenu::MainMenu(QWidget* window, IconButton* button, MenuCommands& commands)
     : menu_(new QMenu(window)), button_(button), commands_(commands) {
     button_->setOpensMenu();
     menu_->setStyleSheet(styleSheets::menu() +
-                         QStringLiteral("QMenu::item { min-width: %1px; }").arg(look::scaled(leastWidth)));
+                         QStringLiteral("QMenu::item { min-width: %1px; }").arg(look::scaled(minWidth)));
     add(menu_, MenuAction::doStartScan, {QKeySequence(Qt::CTRL | Qt::Key_R), QKeySequence(Qt::Key_F5)});
     add(menu_, MenuAction::doStartClean, {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete)});
     menu_->addSeparator();
@@ -66,7 +66,7 @@ void MainMenu::validateItems() {
     }
 }
 
-// A shortcut is heard only for an action that is enabled; whether it may be followed is asked when it is.
+// Qt follows a shortcut only for an enabled action; `perform` decides whether it may be done.
 void MainMenu::enableShortcuts() {
     for (const auto& item : items_) {
         item.action->setEnabled(true);

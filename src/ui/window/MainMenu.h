@@ -8,8 +8,8 @@
 
 namespace brimvault::ui {
 
-/// The program's menu, opened from a button of the window or by F10. Before it is shown, and before a shortcut is
-/// followed, each item asks whether it may and what it is called. Main thread.
+/// The program's menu, opened from a button of the window or by F10. Titles and states of its
+/// items are validated before it is shown and before a shortcut is followed. Main thread.
 class MainMenu final : public QObject {
     Q_OBJECT
 
@@ -21,9 +21,9 @@ public:
     /// Titles and states as they are now.
     void validateItems();
     void popUp();
-    /// Closes it where it is open: what it says does not hold any more, and the user must not choose it unawares.
+    /// Closes it if it is open: its items are out of date, and the user must not choose one by mistake.
     void dismiss();
-    /// Sends an action if it may be sent, as things stand.
+    /// Performs an action if it is enabled at the moment.
     void perform(MenuAction what);
 
 private:

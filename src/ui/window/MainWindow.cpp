@@ -15,14 +15,14 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr QSize usualSize(1000, 660);
-constexpr QSize leastSize(860, 560);
+constexpr QSize defaultSize(1000, 660);
+constexpr QSize minSize(860, 560);
 
-// Without a screen, as with one that does not tell.
-std::chrono::nanoseconds timeOfPicture(const QScreen* screen) {
-    constexpr qreal usualRate = 60;
+// 60 Hz if the refresh rate is unknown.
+std::chrono::nanoseconds frameTime(const QScreen* screen) {
+    constexpr qreal defaultRate = 60;
     const qreal rate = screen == nullptr ? 0 : screen->refreshRate();
-    return std::chrono::nanoseconds(std::llround(1e9 / (rate > 1 ? rate : usualRate)));
+    return std::chrono::nanoseconds(std::llround(1e9 / (rate > 1 ? rate : defaultRate)));
 }
 
 }  // namespace
@@ -41,8 +41,8 @@ MainWindow::MainWindow(QWidget* parent)
     icon.addPixmap(ImageLoad::LoadPNGImage(QLatin1String("AppIcon"), 2));
     setWindowIcon(icon);
     const QSize available = screen()->availableSize();
-    setMinimumSize(leastSize.boundedTo(available));
-    resize((usualSize * look::textScale()).boundedTo(available));
+    setMinimumSize(minSize.boundedTo(available));
+    resize((defaultSize * look::textScale()).boundedTo(available));
     pbtnLangs_->setPictureOn(QLatin1String("btnLangsOn"));
     startPage_->lodgeDrawer(pDrawer_, pbtnLangs_);
     right_->addWidget(startPage_);
@@ -54,9 +54,9 @@ MainWindow::MainWindow(QWidget* parent)
     layout->addWidget(sidebar_);
     layout->addWidget(right_, 1);
     setCentralWidget(content);
-    nextPicture_.setSingleShot(true);
-    nextPicture_.setTimerType(Qt::PreciseTimer);
-    connect(&nextPicture_, &QTimer::timeout, this,
+    nextFrameTimer_.setSingleShot(true);
+    nextFrameTimer_.setTimerType(Qt::PreciseTimer);
+    connect(&nextFrameTimer_, &QTimer::timeout, this,
             [this] { QCoreApplication::postEvent(this, new QEvent(QEvent::UpdateRequest), Qt::LowEventPriority); });
 }
 
@@ -67,15 +67,15 @@ void MainWindow::showLists() {
     }
 }
 
-// A scan changes something hundreds of times a second. Until a request is granted no other is made, and what has
-// changed meanwhile is drawn with it.
+// Coalesces update requests to one per frame (refresh rate): a scan changes something hundreds of times a second. Qt
+// makes no further request until this one is granted, and draws with it what has changed meanwhile.
 bool MainWindow::event(QEvent* event) {
     if (event->type() == QEvent::UpdateRequest) {
-        if (!lastPicture_.hasExpired()) {
-            nextPicture_.start(static_cast<int>(lastPicture_.remainingTime()));
+        if (!nextFrame_.hasExpired()) {
+            nextFrameTimer_.start(static_cast<int>(nextFrame_.remainingTime()));
             return true;
         }
-        lastPicture_.setRemainingTime(timeOfPicture(screen()), Qt::PreciseTimer);
+        nextFrame_.setRemainingTime(frameTime(screen()), Qt::PreciseTimer);
     }
     return QMainWindow::event(event);
 }

@@ -15,7 +15,7 @@
 namespace brimvault::ui {
 
 /// The window: the sections on the left, the start page or the lists on the right. It holds what is shown and decides
-/// nothing. However often its contents change, it is drawn no more often than its screen shows pictures. Main thread.
+/// nothing. Update requests are coalesced to one per frame of the screen. Main thread.
 class MainWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] LanguagesDrawer* pDrawer() const { return pDrawer_; }
     [[nodiscard]] IconButton* pbtnLangs() const { return pbtnLangs_; }
 
-    /// In the place of the start page, which does not come back.
+    /// Replaces the start page for good.
     void showLists();
 
     /// Asked when the user closes the window; it stays open while the answer is false.
@@ -48,8 +48,8 @@ private:
     LanguagesDrawer* pDrawer_;
     IconButton* pbtnLangs_;
     std::function<bool()> mayClose_;
-    QDeadlineTimer lastPicture_;  ///< expires when the screen is ready for the next
-    QTimer nextPicture_;
+    QDeadlineTimer nextFrame_;  ///< expires when the window may be drawn again
+    QTimer nextFrameTimer_;
 };
 
 }  // namespace brimvault::ui

@@ -5,6 +5,13 @@
 
 namespace brimvault::ui {
 
+namespace {
+
+// A reserved name that leads nowhere, until there is a mailbox.
+QString supportRecipient() { return QStringLiteral("support@brimvault.example"); }
+
+}  // namespace
+
 MenuItem MenuCommands::validateMenuItem(MenuAction what) const {
     const auto* current = panels_.getCurrentSectionController();
     const auto* files = qobject_cast<const FileListController*>(current);
@@ -58,11 +65,11 @@ void MenuCommands::perform(MenuAction what) {
         case MenuAction::toggleAskBeforeCleaning:
             return sections_.setAskingBeforeCleaning(!sections_.isAskingBeforeCleaning());
         case MenuAction::shareByMail:
-            return help_.shareByMail();
+            return shareByMail();
         case MenuAction::sendFeedbackPressed:
-            return help_.sendFeedbackPressed();
+            return sendFeedbackPressed();
         case MenuAction::showAboutScreen:
-            return help_.showAboutScreen();
+            return showAboutScreen();
         case MenuAction::quit:
             window_.close();
     }
@@ -103,6 +110,28 @@ void MenuCommands::doSelRemove() {
     if (auto* current = qobject_cast<FileListController*>(panels_.getCurrentSectionController())) {
         current->onClickedRemove();
     }
+}
+
+void MenuCommands::showAboutScreen() {
+    if (m_aboutWC_ == nullptr || !m_aboutWC_->isVisible()) {
+        m_aboutWC_ = new AboutWC(&window_);
+        m_aboutWC_->show();
+    }
+    m_aboutWC_->raise();
+    m_aboutWC_->activateWindow();
+}
+
+void MenuCommands::sendFeedbackPressed() {
+    util_.composeMail({supportRecipient(), tr("Send FeedBack. Brimvault"),
+                       tr("Thank you for using Brimvault.\n\nWhat would make it better? Every idea is welcome:\n\n")});
+}
+
+void MenuCommands::shareByMail() {
+    util_.composeMail({{},
+                       QStringLiteral("Brimvault"),
+                       tr("Brimvault frees disk space: it shows what caches, unneeded languages, logs, downloads and "
+                          "the trash hold, and removes what you tick.\n\n%1\n")
+                           .arg(productPage())});
 }
 
 }  // namespace brimvault::ui

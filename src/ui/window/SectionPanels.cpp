@@ -91,7 +91,7 @@ void SectionPanels::updateCleaningState(bool cleaning) {
     }
 }
 
-// Where there is nothing to list, what stands in the place of the list says so.
+// A section without items shows a note in the place of its list.
 void SectionPanels::updateTitle() {
     const auto* current = getCurrentSectionController();
     if (current == nullptr) {

@@ -27,7 +27,7 @@ public:
     /// The list on show; null before the first.
     [[nodiscard]] ItemListController* getCurrentSectionController() const;
 
-    /// Takes in everything that the model holds.
+    /// Shows everything that the model holds.
     void refreshLists();
     /// Their check boxes can be used, unless a clean or a single removal runs.
     void updateCleaningState(bool cleaning);

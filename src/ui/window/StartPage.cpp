@@ -29,7 +29,7 @@ QLabel* centred(const QString& text, const QFont& font, QRgb color) {
     return label;
 }
 
-// Plain text with its lines further apart than the type sets them.
+// Plain text with a line height in per cent of the font's own.
 QString withLineHeight(const QString& text, int percent) {
     QString lines = text.toHtmlEscaped();
     lines.replace(QLatin1Char('\n'), QStringLiteral("<br>"));

@@ -20,7 +20,7 @@ public:
 
     /// Bytes of what is selected, and of everything; or what is being done to them.
     void showSizes(quint64 selected, quint64 total, Activity activity);
-    /// What the start page says beside the sizes.
+    /// The hint of the start page.
     void showHint();
     /// What the last clean of this run and all cleans have freed.
     void showCleanedSummary();
