@@ -2,10 +2,7 @@
 
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
-#include "engine/operations/CChOperation.h"
-#include "engine/operations/CDwnOperation.h"
-#include "engine/operations/CLogsOperation.h"
-#include "engine/operations/CTrOperation.h"
+#include "engine/operations/FileCleanOperations.h"
 #include "engine/operations/CompletionOperation.h"
 
 namespace brimvault::engine {

@@ -6,10 +6,7 @@
 #include <system_error>
 
 #include "engine/notification/Notifications.h"
-#include "engine/operations/CChOperation.h"
-#include "engine/operations/CDwnOperation.h"
-#include "engine/operations/CLogsOperation.h"
-#include "engine/operations/CTrOperation.h"
+#include "engine/operations/FileCleanOperations.h"
 #include "engine/operations/FCutter.h"
 #include "engine/operations/OperationQueue.h"
 #include "engine/removal/ProtectedFolders.h"

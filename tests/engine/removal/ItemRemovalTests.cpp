@@ -7,7 +7,7 @@
 #include <clocale>
 #include <system_error>
 
-#include "engine/operations/CLogsOperation.h"
+#include "engine/operations/FileCleanOperations.h"
 #include "engine/removal/ProtectedFolders.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
