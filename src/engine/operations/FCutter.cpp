@@ -3,7 +3,6 @@
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "engine/operations/FileCleanOperations.h"
-#include "engine/operations/CompletionOperation.h"
 
 namespace brimvault::engine {
 

@@ -4,7 +4,6 @@
 
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
-#include "engine/operations/CompletionOperation.h"
 
 namespace brimvault::engine {
 

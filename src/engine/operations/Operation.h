@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <stop_token>
+#include <utility>
 #include <vector>
 
 namespace brimvault::engine {
@@ -59,6 +60,15 @@ private:
     mutable std::mutex mutex_;  ///< protects what follows
     mutable std::condition_variable finishedChanged_;
     bool finished_ = false;
+};
+
+/// Has no work of its own: finishes when everything that it depends on has, then calls the block, even if cancelled.
+class CompletionOperation final : public Operation {
+public:
+    explicit CompletionOperation(std::function<void()> block) { setCompletionBlock(std::move(block)); }
+
+protected:
+    void main() override {}
 };
 
 }  // namespace brimvault::engine

@@ -27,10 +27,15 @@ private:
 };
 
 /// Whether the operation works on the section; one that works on none does not.
-[[nodiscard]] bool isOf(const Operation& operation, Section section);
+[[nodiscard]] inline bool isOf(const Operation& operation, Section section) {
+    const auto* ofSection = dynamic_cast<const SectionOperation*>(&operation);
+    return ofSection != nullptr && ofSection->section() == section;
+}
 
-/// Cancels every operation of the section on the queue, then waits for each to finish; what hangs is given up. Any
-/// thread; blocks it for a moment.
-void cancelSectionAndWait(OperationQueue& queue, Section section);
+/// Cancels every operation of the section on the queue and waits for each to finish, at most
+/// `OperationQueue::timeToReturn`; what still hangs then is given up. Any thread.
+inline void cancelSectionAndWait(OperationQueue& queue, Section section) {
+    queue.cancelAndWait([section](const Operation& operation) { return isOf(operation, section); });
+}
 
 }  // namespace brimvault::engine
