@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QList>
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -23,7 +25,10 @@ public:
         }
     }
 
-    [[nodiscard]] bool holds(const CleanableItem& item) const;
+    [[nodiscard]] bool holds(const CleanableItem& item) const {
+        std::call_once(sorted_, [this] { std::sort(agreed_.begin(), agreed_.end(), std::less<>()); });
+        return std::binary_search(agreed_.begin(), agreed_.end(), &item, std::less<>());
+    }
 
 private:
     std::shared_ptr<const void> held_;  ///< the items, so that no other takes the place of one in memory

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/model/FileManager.h"
+#include "platform/LocaleIdentifiers.h"
 
 namespace brimvault::engine {
 
@@ -30,6 +31,15 @@ std::shared_ptr<LocalizationItem> lastOne(const LocalizationArray& group, const 
 }
 
 }  // namespace
+
+std::shared_ptr<LocalizationItem> LocalizationItem::initWithPath(const std::filesystem::path& path, quint64 size) {
+    auto item = std::make_shared<LocalizationItem>();
+    item->nlocSize = size;
+    item->plocNameId =
+        platform::LocaleIdentifiers::canonicalLocaleIdentifierFromString(QString::fromStdString(path.stem().native()));
+    item->plocPath = path;
+    return item;
+}
 
 std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::path& path) {
     auto item = std::make_shared<AppItemData>();

@@ -6,7 +6,6 @@
 #include <optional>
 #include <vector>
 
-#include "engine/model/ItemSums.h"
 #include "engine/model/SectionItems.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"

@@ -19,8 +19,17 @@ public:
     /// YES only when nothing is left under the path.
     [[nodiscard]] virtual bool removeFileAtPath(const std::filesystem::path& path) = 0;
 
-    /// One that has no such rights and always answers NO.
+    /// One without such rights, which always answers false.
     [[nodiscard]] static PrivilegedRemover& none();
 };
+
+inline PrivilegedRemover& PrivilegedRemover::none() {
+    class WithoutPrivileges final : public PrivilegedRemover {
+    public:
+        bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
+    };
+    static WithoutPrivileges remover;
+    return remover;
+}
 
 }  // namespace brimvault::engine

@@ -6,8 +6,8 @@
 #include <system_error>
 
 #include "engine/notification/Notifications.h"
-#include "engine/operations/FileCleanOperations.h"
 #include "engine/operations/FCutter.h"
+#include "engine/operations/FileCleanOperations.h"
 #include "engine/operations/OperationQueue.h"
 #include "engine/removal/ProtectedFolders.h"
 #include "support/ChildProcess.h"
