@@ -4,7 +4,7 @@
 #include <QtGlobal>
 #include <atomic>
 
-#include "engine/model/NameKey.h"
+#include "platform/NameKey.h"
 
 namespace brimvault::engine {
 
@@ -34,7 +34,7 @@ public:
     /// The name without its extension, to sort by.
     [[nodiscard]] virtual QString ppdisplayKeyName() const = 0;
     /// Where it stands by these two. Items come with theirs from the thread that finds them.
-    [[nodiscard]] const NameKey& nameKey() const;
+    [[nodiscard]] const platform::NameKey& nameKey() const;
     /// Bytes that the item holds, or that cleaning it would free.
     [[nodiscard]] virtual quint64 getSpace2Save() const = 0;
     /// The same as far as it is selected: 0 unless the item is checked and deletable.
@@ -54,15 +54,15 @@ private:
     }
 
     static inline std::atomic<quint64> marksRevision_ = 0;
-    mutable NameKey nameKey_;
+    mutable platform::NameKey nameKey_;
     std::atomic<bool> checked_ = true;
     std::atomic<bool> deletable_ = false;
     std::atomic<bool> watched_ = false;
 };
 
-inline const NameKey& CleanableItem::nameKey() const {
+inline const platform::NameKey& CleanableItem::nameKey() const {
     if (!nameKey_.isMade()) {
-        nameKey_ = NameKey(ppdisplayKeyName(), ppdisplayName());
+        nameKey_ = platform::NameKey(ppdisplayKeyName(), ppdisplayName());
     }
     return nameKey_;
 }

@@ -4,18 +4,18 @@
 #include <cstring>
 #include <memory>
 
-namespace brimvault::engine {
+namespace brimvault::platform {
 
-/// Where a name stands among others, in the order of the user's language with digits by value: first by the name
-/// without its extension, then by the whole. Making one takes long and comparing two does not; there may be very many,
-/// so that they are kept small. Any thread.
+/// A collation key: where a name stands in the order of the user's language, digits by value, upper and lower case
+/// alike; first by the name without its extension, then by the whole name. Slow to make and quick to compare. Lists
+/// have hundreds of thousands, so it is kept small. Any thread; keys differ between runs in different languages.
 class NameKey {
 public:
     NameKey() = default;
     NameKey(const QString& keyName, const QString& wholeName);
 
     [[nodiscard]] bool isMade() const { return keys_ != nullptr; }
-    /// Below, at or above 0. Both are made.
+    /// Below, at or above 0. Both must be made.
     [[nodiscard]] int compare(const NameKey& other) const {
         const int byKey = std::strcmp(keys_.get(), other.keys_.get());
         return byKey != 0 ? byKey : std::strcmp(wholeName(), other.wholeName());
@@ -27,7 +27,7 @@ private:
         return *second == '\0' ? keys_.get() : second;
     }
 
-    std::unique_ptr<char[]> keys_;  ///< both, each ended by a zero byte; the second empty when it is the first
+    std::unique_ptr<char[]> keys_;  ///< both keys, each NUL-terminated; the second is empty when equal to the first
 };
 
-}  // namespace brimvault::engine
+}  // namespace brimvault::platform

@@ -1,9 +1,10 @@
-#include "platform/NameOrder.h"
+#include "platform/NameKey.h"
 
 #include <unicode/ucol.h>
 
 #include <QLocale>
 #include <memory>
+#include <string>
 
 namespace brimvault::platform {
 
@@ -11,7 +12,7 @@ namespace {
 
 using Collator = std::unique_ptr<UCollator, decltype(&ucol_close)>;
 
-// None where the system has no order of names at all.
+// Null where the system has no collation at all.
 Collator naturalOrder() {
     const QLocale system = QLocale::system();
     // The plain "C" locale has no order of names and compares bytes.
@@ -25,10 +26,9 @@ Collator naturalOrder() {
     return U_SUCCESS(status) != 0 ? std::move(collator) : Collator(nullptr, ucol_close);
 }
 
-}  // namespace
-
+// A collation key in bytes, none of which is zero: compared by `strcmp`.
 std::string nameSortKey(const QString& name) {
-    thread_local const Collator collator = naturalOrder();  // one for each thread, as it serves one at a time
+    thread_local const Collator collator = naturalOrder();  // a collator must not be shared among threads
     if (collator == nullptr) {
         return name.toUtf8().toStdString();
     }
@@ -46,6 +46,16 @@ std::string nameSortKey(const QString& name) {
             return key;
         }
     }
+}
+
+}  // namespace
+
+NameKey::NameKey(const QString& keyName, const QString& wholeName) {
+    const auto first = nameSortKey(keyName);
+    const auto second = keyName == wholeName ? std::string() : nameSortKey(wholeName);
+    keys_ = std::make_unique<char[]>(first.size() + second.size() + 2);
+    std::memcpy(keys_.get(), first.c_str(), first.size() + 1);
+    std::memcpy(keys_.get() + first.size() + 1, second.c_str(), second.size() + 1);
 }
 
 }  // namespace brimvault::platform
