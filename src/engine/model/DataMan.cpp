@@ -5,9 +5,9 @@
 #include <array>
 #include <chrono>
 
+#include "engine/DeleteInBackground.h"
 #include "engine/model/AppItemData.h"
 #include "engine/model/FileSize.h"
-#include "engine/model/LetGo.h"
 
 namespace brimvault::engine {
 
@@ -116,7 +116,7 @@ void DataMan::mainThreadClean(Section section, const Notification& notification)
 void DataMan::letGoLater(Section section, const Notification& notification) {
     constexpr std::chrono::milliseconds others{200};
     if (const auto items = getArrayPropfromNotification<ItemArray>(notification, vocabulary(section).arrayKey)) {
-        QTimer::singleShot(others, qApp, [held = *items]() mutable { letGo(std::move(held)); });
+        QTimer::singleShot(others, qApp, [held = *items]() mutable { deleteInBackground(std::move(held)); });
     }
 }
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "engine/model/LetGo.h"
+#include "engine/DeleteInBackground.h"
 
 namespace brimvault::engine {
 
@@ -28,7 +28,7 @@ void SectionItems::replace(const ItemArray& items) {
         return;
     }
     beginGeneration();
-    letGo(std::exchange(items_, ItemArray()));
+    deleteInBackground(std::exchange(items_, ItemArray()));
     append(items);
 }
 
@@ -106,10 +106,10 @@ void SectionItems::removeMost(const ItemArray& gone) {
         }
     }
     items_.removeIf([&](const auto& item) { return unwanted.contains(item.get()); });
-    letGo(before);
+    deleteInBackground(before);
 }
 
-void SectionItems::forgetRemoved() { letGo(std::exchange(removed_, ItemArray())); }
+void SectionItems::forgetRemoved() { deleteInBackground(std::exchange(removed_, ItemArray())); }
 
 void SectionItems::beginGeneration() {
     ++generation_;

@@ -6,8 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "engine/DeleteInBackground.h"
 #include "engine/model/FileSize.h"
-#include "engine/model/LetGo.h"
 
 namespace brimvault::ui {
 
@@ -49,7 +49,7 @@ void mergeTail(std::vector<Value>& values, std::size_t firstNew, Before before) 
 
 ItemListModel::ItemListModel(Texts texts, QObject* parent) : QAbstractTableModel(parent), texts_(std::move(texts)) {}
 
-ItemListModel::~ItemListModel() { engine::letGo(std::move(store_)); }
+ItemListModel::~ItemListModel() { engine::deleteInBackground(std::move(store_)); }
 
 int ItemListModel::setItems(const QList<Item>& items, int row) {
     if (items.isEmpty() && !rows_.empty()) {
@@ -153,7 +153,7 @@ void ItemListModel::forget(const Rows& gone) {
         known_.remove(row->item.get());
         items.push_back(std::move(row->item));
     }
-    engine::letGo(std::move(items));
+    engine::deleteInBackground(std::move(items));
 }
 
 void ItemListModel::renewStore() {
@@ -167,7 +167,7 @@ void ItemListModel::renewStore() {
         std::transform(rows->begin(), rows->end(), rows->begin(),
                        [this](const Row* row) { return known_.value(row->item.get()); });
     }
-    engine::letGo(std::move(before));
+    engine::deleteInBackground(std::move(before));
 }
 
 void ItemListModel::removeAll() {
@@ -175,7 +175,7 @@ void ItemListModel::removeAll() {
     rows_.clear();
     byName_.clear();
     known_.clear();
-    engine::letGo(std::exchange(store_, {}));
+    engine::deleteInBackground(std::exchange(store_, {}));
     endRemoveRows();
 }
 
