@@ -1,11 +1,8 @@
 #include "engine/model/DataMan.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 #include <array>
-#include <chrono>
 
-#include "engine/DeleteInBackground.h"
 #include "engine/model/AppItemData.h"
 #include "engine/model/FileSize.h"
 
@@ -39,7 +36,6 @@ void DataMan::mainThreadFin(Section section, const Notification& notification) {
     replaceFrom(section, notification);
     progress.scanned = true;  // before the twin, whose observers ask for the subtitle
     sendNotification(vocabulary(section).interfaceFinished);
-    letGoLater(section, notification);
 }
 
 void DataMan::endScan(Section section) {
@@ -108,16 +104,6 @@ void DataMan::mainThreadClean(Section section, const Notification& notification)
     }
     sendNotification(words.interfaceFinished);
     items_[section].forgetRemoved();
-    letGoLater(section, notification);
-}
-
-// What a notification carries may hold the last of very many items, and whoever forgets it last frees them. By then
-// the other observers have forgotten it, and perhaps the model has gone.
-void DataMan::letGoLater(Section section, const Notification& notification) {
-    constexpr std::chrono::milliseconds others{200};
-    if (const auto items = getArrayPropfromNotification<ItemArray>(notification, vocabulary(section).arrayKey)) {
-        QTimer::singleShot(others, qApp, [held = *items]() mutable { deleteInBackground(std::move(held)); });
-    }
 }
 
 void DataMan::mainThreadAppResClean(const Notification& notification) {

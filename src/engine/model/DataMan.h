@@ -142,7 +142,6 @@ private:
 
     void set(Section section, const std::optional<ItemArray>& items);
     void add(Section section, const std::optional<ItemArray>& items);
-    void letGoLater(Section section, const Notification& notification);
     void updateAppsItemsForSelfLangsforApps() const;
 
     [[nodiscard]] QString subtitle(Section section) const;

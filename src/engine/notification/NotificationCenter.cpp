@@ -2,6 +2,9 @@
 
 #include <QMetaObject>
 #include <utility>
+#include <variant>
+
+#include "engine/DeleteInBackground.h"
 
 namespace brimvault::engine {
 
@@ -9,6 +12,27 @@ namespace {
 
 // Of what the thread posts just now; without a source it is never recalled.
 thread_local std::stop_token recalledHere;
+
+void deleteContents(UserInfo& userInfo) {
+    for (InfoValue& value : userInfo) {
+        std::visit(
+            [](auto& contents) {
+                if constexpr (requires { contents.size(); }) {
+                    deleteInBackground(std::move(contents));
+                }
+            },
+            value);
+    }
+}
+
+// A copy for the main thread, which as a rule drops it last, and with it perhaps the last reference to hundreds of
+// thousands of items. They are freed on a pool thread, wherever the copy is dropped, heard or not.
+std::shared_ptr<const Notification> copyForMainThread(const Notification& notification) {
+    return {new Notification(notification), [](Notification* copy) {
+                const std::unique_ptr<Notification> last(copy);
+                deleteContents(last->userInfo);
+            }};
+}
 
 }  // namespace
 
@@ -61,9 +85,9 @@ NotificationCenter::Observation NotificationCenter::addMainThreadObserver(const 
     return addObserver(name, [context, shared = std::move(handler)](const Notification& notification) {
         QMetaObject::invokeMethod(
             context,
-            [shared, notification] {
-                if (!notification.recalled.stop_requested()) {
-                    shared(notification);
+            [shared, heard = copyForMainThread(notification)] {
+                if (!heard->recalled.stop_requested()) {
+                    shared(*heard);
                 }
             },
             Qt::QueuedConnection);

@@ -61,7 +61,8 @@ public:
 
     Observation addObserver(const QString& name, Handler handler);
     /// The handler runs on the thread of the context (the main thread's objects live on the main thread), some time
-    /// after the posting; not any more once the context is gone. The observation ends before the context does.
+    /// after the posting; not any more once the context is gone. The observation ends before the context does. Large
+    /// arrays that nobody else holds by then are freed on another thread.
     Observation addMainThreadObserver(const QString& name, QObject* context, Handler handler);
 
     void post(const QString& name, const UserInfo& userInfo = {});

@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 
 #include <QThread>
+#include <QThreadPool>
 #include <atomic>
 #include <optional>
 #include <thread>
 
+#include "engine/model/FFItem.h"
 #include "engine/notification/Notifications.h"
 #include "support/EventLoop.h"
 #include "support/TextPrinting.h"
@@ -19,6 +21,33 @@ using engine::NotificationCenter;
 namespace {
 
 const QString name = QStringLiteral("somethingFinished");
+
+// Many items that count, when they are freed, on which thread that happens.
+class CountedItems {
+public:
+    static constexpr int count = 5000;
+
+    [[nodiscard]] engine::ItemArray make() {
+        engine::ItemArray items;
+        for (int number = 0; number < count; ++number) {
+            items.append({new engine::FFItem, [this](engine::FFItem* item) {
+                              (QThread::currentThread() == main_ ? freedByMain_ : freedByOthers_) += 1;
+                              delete item;
+                          }});
+        }
+        return items;
+    }
+    void expectFreedByOthers() const {
+        QThreadPool::globalInstance()->waitForDone();
+        EXPECT_EQ(freedByMain_, 0);
+        EXPECT_EQ(freedByOthers_, count);
+    }
+
+private:
+    QThread* const main_ = QThread::currentThread();
+    std::atomic<int> freedByMain_ = 0;
+    std::atomic<int> freedByOthers_ = 0;
+};
 
 }  // namespace
 
@@ -116,6 +145,34 @@ TEST(NotificationCenter, DropsWhatWasHandedOverWhenTheContextIsGone) {
     observation.end();
     context.reset();
     runPending();
+}
+
+TEST(NotificationCenter, FreesManyItemsOnAnotherThreadThanTheObservers) {
+    NotificationCenter center;
+    QObject context;
+    int calls = 0;
+    const auto hear = [&](const Notification& heard) {
+        const auto items = engine::getArrayPropfromNotification<engine::ItemArray>(heard, name);
+        calls += items && items->size() == CountedItems::count ? 1 : 0;
+    };
+    const auto first = center.addMainThreadObserver(name, &context, hear);
+    const auto second = center.addMainThreadObserver(name, &context, hear);
+    CountedItems items;
+    std::thread([&] { center.post(name, {{name, items.make()}}); }).join();
+    runPending();
+    EXPECT_EQ(calls, 2);
+    items.expectFreedByOthers();
+}
+
+TEST(NotificationCenter, FreesManyItemsOnAnotherThreadWhenNobodyHearsOfThem) {
+    NotificationCenter center;
+    auto context = std::make_unique<QObject>();
+    auto observation = center.addMainThreadObserver(name, context.get(), [](const Notification&) {});
+    CountedItems items;
+    std::thread([&] { center.post(name, {{name, items.make()}}); }).join();
+    observation.end();
+    context.reset();
+    items.expectFreedByOthers();
 }
 
 TEST(Notification, GivesAValueOnlyAsTheKindItIs) {
