@@ -104,6 +104,7 @@ public:
     static void getsizeAndSelSize(const QList<std::shared_ptr<Item>>& items, quint64* nsz, quint64* nszSel);
 
     /// What stands under a section's name: its progress, what is selected of it, or that nothing was found.
+    [[nodiscard]] QString subtitle(Section section) const;
     [[nodiscard]] QString getSubTitleApps() const { return subtitle(Section::languageResources); }
     [[nodiscard]] QString getSubTitleDwns() const { return subtitle(Section::downloads); }
     [[nodiscard]] QString getSubTitleCaches() const { return subtitle(Section::caches); }
@@ -143,8 +144,6 @@ private:
     void set(Section section, const std::optional<ItemArray>& items);
     void add(Section section, const std::optional<ItemArray>& items);
     void updateAppsItemsForSelfLangsforApps() const;
-
-    [[nodiscard]] QString subtitle(Section section) const;
 
     ApplicationArray applications_;
     PerSection<SectionItems> items_;

@@ -6,7 +6,6 @@
 #include <array>
 
 #include "engine/Section.h"
-#include "engine/model/DataMan.h"
 
 namespace brimvault::ui {
 
@@ -17,27 +16,21 @@ struct SectionRow {
     QLatin1String icon;      ///< picture; with "Sel" appended, the one on a selected row
     QLatin1String checkKey;  ///< key of the check state in the user's defaults
     bool checkedByDefault;   ///< what may be wanted later is not ticked for the user
-    QString (engine::DataMan::*subtitle)() const;
 };
 
 inline constexpr int sectionRowCount = 5;
 
 /// Rows 0 to 4, from the top.
 inline const std::array<SectionRow, sectionRowCount>& sectionRows() {
-    using engine::DataMan;
     using engine::Section;
     using Name = QLatin1String;
     static const std::array<SectionRow, sectionRowCount> rows = {{
-        {Section::caches, QT_TRANSLATE_NOOP("Section", "Caches"), Name("iccache"), Name("keyCacheCheck"), true,
-         &DataMan::getSubTitleCaches},
+        {Section::caches, QT_TRANSLATE_NOOP("Section", "Caches"), Name("iccache"), Name("keyCacheCheck"), true},
         {Section::languageResources, QT_TRANSLATE_NOOP("Section", "Language Resources"), Name("iclangs"),
-         Name("keyAppsCheck"), true, &DataMan::getSubTitleApps},
-        {Section::logs, QT_TRANSLATE_NOOP("Section", "Logs"), Name("icon_Logs"), Name("keyLogsCheck"), true,
-         &DataMan::getSubTitleLogs},
-        {Section::downloads, QT_TRANSLATE_NOOP("Section", "Downloads"), Name("icdwn"), Name("keyDwnsCheck"), false,
-         &DataMan::getSubTitleDwns},
-        {Section::trash, QT_TRANSLATE_NOOP("Section", "Trash"), Name("icbin"), Name("keyTrashCheck"), true,
-         &DataMan::getSubTitleTrash},
+         Name("keyAppsCheck"), true},
+        {Section::logs, QT_TRANSLATE_NOOP("Section", "Logs"), Name("icon_Logs"), Name("keyLogsCheck"), true},
+        {Section::downloads, QT_TRANSLATE_NOOP("Section", "Downloads"), Name("icdwn"), Name("keyDwnsCheck"), false},
+        {Section::trash, QT_TRANSLATE_NOOP("Section", "Trash"), Name("icbin"), Name("keyTrashCheck"), true},
     }};
     return rows;
 }

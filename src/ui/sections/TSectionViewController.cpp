@@ -87,7 +87,9 @@ void TSectionViewController::mainThreadUpdateData() {
     pAppDelegate_.UpdateTextsAboutFreeUpSize();
 }
 
-QString TSectionViewController::subtitle(int row) const { return (performer_.getAppResDS().*rowAt(row).subtitle)(); }
+QString TSectionViewController::subtitle(int row) const {
+    return performer_.getAppResDS().subtitle(rowAt(row).section);
+}
 
 // Until the first scan the rows keep their texts of the start.
 void TSectionViewController::updateSubTitlesTexts() {
