@@ -6,18 +6,18 @@ namespace brimvault::engine {
 
 namespace {
 
-constexpr std::size_t mostRights = 20;
-constexpr std::size_t mostArguments = 19;
-constexpr std::size_t longestPath = 127;  // a longer one would be asked for cut off, and be another program's
+constexpr std::size_t maxRights = 20;
+constexpr std::size_t maxArguments = 19;
+constexpr std::size_t maxPathLength = 127;  // a longer path would be truncated, and name another program
 
-// One for each of the first tools. None when one of them cannot be asked for.
+// One for each of the first tools; empty if the path of one is too long.
 std::vector<platform::RightItem> rightsFor(const AuthorizationManager::ToolPaths& tools) {
     std::vector<platform::RightItem> rights;
     for (const auto& tool : tools) {
-        if (rights.size() == mostRights) {
+        if (rights.size() == maxRights) {
             break;
         }
-        if (tool.native().size() > longestPath) {
+        if (tool.native().size() > maxPathLength) {
             return {};
         }
         rights.push_back({"system.privilege.admin", tool});
@@ -36,7 +36,7 @@ AuthorizationManager& AuthorizationManager::GetInstance() {
 
 void AuthorizationManager::setIsNeedAskAuthentication(bool isNeeded) {
     if (isNeeded) {
-        ++timesLet_;
+        ++timesAllowed_;
     }
     isAskingGivenUp_ = false;
     m_bIsNeedAskAuthentication_ = isNeeded;
@@ -64,27 +64,27 @@ bool AuthorizationManager::authenticate(const ToolPaths& tools) {
     if (isAuthenticated(tools)) {
         return true;
     }
-    if (!m_bIsNeedAskAuthentication_ || askedFor_ == timesLet_) {
+    if (!m_bIsNeedAskAuthentication_ || askedFor_ == timesAllowed_) {
         return false;
     }
     fetchPassword(tools);
     return isAuthenticated(tools);
 }
 
-// What was granted is kept as long as the system keeps it, and once that is over another question would be the second
-// one for the same clean: that is what is kept of it, whatever the answer. A question that is still open when the next
-// clean begins is withdrawn, and its answer says nothing of that clean's.
+// The user is asked once in a clean, whatever the answer: `askedFor_` remembers for which clean, since a right that the
+// system lets expire would otherwise bring a second question. A question that is still open when the next clean begins
+// is withdrawn, and its answer does not count for that clean.
 bool AuthorizationManager::fetchPassword(const ToolPaths& tools) {
     if (tools.empty()) {
         return false;
     }
-    const unsigned let = askedFor_ = timesLet_;
+    const unsigned clean = askedFor_ = timesAllowed_;
     auto* reference = authorizationRef();
     const auto rights = rightsFor(tools);
     const bool granted = reference != nullptr && !rights.empty() &&
                          reference->copyRights(rights, platform::Interaction::allowed,
-                                               [this, let] { return isAskingGivenUp_ || let != timesLet_; });
-    if (!granted && let == timesLet_) {
+                                               [this, clean] { return isAskingGivenUp_ || clean != timesAllowed_; });
+    if (!granted && clean == timesAllowed_) {
         m_bIsNeedAskAuthentication_ = false;
     }
     tell(granted ? &AuthorizationListener::onAuthorizationComplete : &AuthorizationListener::onAuthorizationFailed);
@@ -104,11 +104,11 @@ bool AuthorizationManager::executeCommand(const std::filesystem::path& tool, con
     if (!authenticate({tool})) {
         return false;
     }
-    const auto count = static_cast<std::ptrdiff_t>(std::min(withArgs.size(), mostArguments));
+    const auto count = static_cast<std::ptrdiff_t>(std::min(withArgs.size(), maxArguments));
     const std::vector<std::string> arguments(withArgs.begin(), withArgs.begin() + count);
     const bool started = m_pAuthorizationRef_->executeWithPrivileges(tool, arguments);
     if (!started) {
-        m_bIsNeedAskAuthentication_ = false;  // where the start asks, it was refused
+        m_bIsNeedAskAuthentication_ = false;  // where the start asks, the user has refused
     }
     tell(started ? &AuthorizationListener::onCommadExecuteSuccess : &AuthorizationListener::onCommadExecuteFailure);
     return started;
@@ -118,10 +118,8 @@ bool AuthorizationManager::isToolRunning() { return m_pAuthorizationRef_ && m_pA
 
 bool AuthorizationManager::startIgnoreChildsSignals() {
     if (m_nSignalsIgnoreCountActivated_ == 0) {
-        struct sigaction ignore {};
-        ignore.sa_handler = SIG_IGN;
-        sigemptyset(&ignore.sa_mask);
-        if (::sigaction(SIGCHLD, &ignore, &m_saOldAction_) != 0) {
+        m_saOldAction_ = platform::ignoreChildSignals();
+        if (!m_saOldAction_) {
             return false;
         }
     }
@@ -130,8 +128,7 @@ bool AuthorizationManager::startIgnoreChildsSignals() {
 }
 
 bool AuthorizationManager::stopIgnoreChildsSignals() {
-    if (m_nSignalsIgnoreCountActivated_ > 1 ||
-        (m_nSignalsIgnoreCountActivated_ == 1 && ::sigaction(SIGCHLD, &m_saOldAction_, nullptr) == 0)) {
+    if (m_nSignalsIgnoreCountActivated_ > 1 || (m_nSignalsIgnoreCountActivated_ == 1 && m_saOldAction_->restore())) {
         --m_nSignalsIgnoreCountActivated_;
     }
     return true;

@@ -1,25 +1,36 @@
 #pragma once
 
 #include <atomic>
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "engine/removal/AuthorizationListener.h"
 #include "platform/Authorization.h"
+#include "platform/ChildSignals.h"
 
 namespace brimvault::engine {
 
-/// Obtains the administrator's rights from the user, and starts programs with them.
+/// Hears what becomes of the administrator's rights, on the thread that asks for them.
+class AuthorizationListener {
+public:
+    virtual ~AuthorizationListener() = default;
+    virtual void onAuthorizationComplete() = 0;
+    virtual void onAuthorizationFailed() = 0;
+    virtual void onDeAuthorizationComplete() = 0;
+    virtual void onCommadExecuteSuccess() = 0;
+    virtual void onCommadExecuteFailure() = 0;
+};
+
+/// Obtains the administrator's rights from the user, and starts programs with them; `platform` makes the system calls.
 ///
-/// `setIsNeedAskAuthentication` and `giveUpAsking` may be called by any thread; all else by one at a time, and not by
-/// the main thread, since it blocks: the Remover sees to that.
+/// `setIsNeedAskAuthentication` and `giveUpAsking` may be called by any thread; all else by one thread at a time, and
+/// not by the main thread, since it blocks: the Remover sees to that.
 class AuthorizationManager {
 public:
     using ToolPaths = std::vector<std::filesystem::path>;
-    /// Kept of the program for the tool with the interface; the type is of no meaning.
+    /// Part of the given interface; ignored.
     using CommandType = int;
 
     explicit AuthorizationManager(platform::AuthorizationFactory factory = platform::Authorization::create);
@@ -30,40 +41,40 @@ public:
     /// The one of the process, for the system that it runs on.
     static AuthorizationManager& GetInstance();
 
-    /// Whether the next that needs rights may ask the user. NO at first, and again once that has failed or been
-    /// refused. However often rights are needed, the user is asked at most once for each time that this was set to YES.
+    /// Whether the next request for rights may ask the user: false at first, and again after a failure or a refusal.
+    /// However often rights are needed, the user is asked at most once for each time that this was set to true.
     void setIsNeedAskAuthentication(bool isNeeded);
     [[nodiscard]] bool m_bIsNeedAskAuthentication() const { return m_bIsNeedAskAuthentication_; }
-    /// Withdraws a question that is open, which then counts as refused, and lets none be asked until it is needed
-    /// again.
+    /// Withdraws an open question, which counts as refused, and allows none until `setIsNeedAskAuthentication`.
     void giveUpAsking();
 
-    /// Whether the rights for the tools are held already; asks nobody. NO for no tools.
+    /// Whether the rights for the tools are held already; asks nobody. False for no tools.
     [[nodiscard]] bool isAuthenticated(const ToolPaths& tools);
     /// Whether they are held or, where asking is allowed, could be obtained.
     [[nodiscard]] bool authenticate(const ToolPaths& tools);
-    /// Asks the user. Answers whether that was done, not what came of it.
+    /// Asks the user. True if the question was put, whatever the answer.
     bool fetchPassword(const ToolPaths& tools);
-    /// Gives the rights back. Also done at the end.
+    /// Gives the rights back. The destructor does so too.
     void deauthenticate();
-    /// Starts the tool with the administrator's rights and at most 19 arguments, and does not wait for it. YES when it
+    /// Starts the tool with the administrator's rights and at most 19 arguments, and does not wait for it. True if it
     /// was started.
     [[nodiscard]] bool executeCommand(const std::filesystem::path& tool, const std::vector<std::string>& withArgs,
                                       CommandType andType);
-    /// Whether the tool that was started last has not ended yet; takes note of its end for the system.
+    /// Whether the tool that was started last still runs. Reaps it if it has ended.
     [[nodiscard]] bool isToolRunning();
 
-    /// From the first start to as many stops, the system tells this process nothing of the end of its children. Calls
-    /// nest. YES while that is so.
-    bool startIgnoreChildsSignals();
-    /// Always YES.
-    bool stopIgnoreChildsSignals();
+    // --- Kept for callers outside of the window: nothing in src calls these ---
 
-    /// None, at first. Outlives the manager, or is taken away before.
+    /// From the first start to as many stops, the process ignores the end of its children. Calls nest. True while it
+    /// does.
+    bool startIgnoreChildsSignals();
+    /// Always true.
+    bool stopIgnoreChildsSignals();
+    /// None at first. The listener outlives the manager, or is reset before.
     void setListener(AuthorizationListener* listener) { m_pListener_ = listener; }
 
 private:
-    /// None where the system gives rights to nobody.
+    /// Null where the system gives rights to nobody.
     [[nodiscard]] platform::Authorization* authorizationRef();
     void tell(void (AuthorizationListener::*message)());
 
@@ -71,11 +82,11 @@ private:
     std::unique_ptr<platform::Authorization> m_pAuthorizationRef_;  ///< made when it is first needed
     std::atomic<bool> m_bIsNeedAskAuthentication_ = false;
     std::atomic<bool> isAskingGivenUp_ = false;
-    std::atomic<unsigned> timesLet_ = 0;  ///< how often asking was allowed
-    unsigned askedFor_ = 0;               ///< for which of these times the user has been asked
+    std::atomic<unsigned> timesAllowed_ = 0;  ///< how often asking was allowed
+    unsigned askedFor_ = 0;                   ///< the value of `timesAllowed_` for which the user was asked last
     AuthorizationListener* m_pListener_ = nullptr;
     std::int32_t m_nSignalsIgnoreCountActivated_ = 0;
-    struct sigaction m_saOldAction_ {};  ///< of the end of a child, before the first start
+    std::unique_ptr<platform::ChildSignalAction> m_saOldAction_;  ///< of before the first start
 };
 
 }  // namespace brimvault::engine
