@@ -4,9 +4,9 @@
 
 namespace brimvault::scanners {
 
-/// The home folder of the user who runs the process, as the user database has it, and the folders that always lie below
-/// it. A section's own folder is asked of platform::LibraryURLs, which knows where the system keeps it. Made on the
-/// first use, not changed afterwards; any thread.
+/// The home folder of the user who runs the process, as the user database has it, and folders that always lie below it.
+/// A section's own folder is looked up by platform::LibraryURLs, which knows where the system keeps it. Made on first
+/// use, immutable afterwards; any thread.
 class PathsGenerator {
 public:
     PathsGenerator() : m_sHomeDirectory_(findHomeDirectory()) {}
@@ -15,6 +15,8 @@ public:
     [[nodiscard]] const std::filesystem::path& getHomeDirectory() const { return m_sHomeDirectory_; }
     /// "/Users/" and the login name where the user database has no record.
     [[nodiscard]] static std::filesystem::path findHomeDirectory();
+
+    // --- Kept for callers outside of the window: nothing in src calls these ---
 
     [[nodiscard]] std::filesystem::path buildTrashDirectory() const { return m_sHomeDirectory_ / ".Trash"; }
     [[nodiscard]] std::filesystem::path buildUserApplicationsDirectory() const {

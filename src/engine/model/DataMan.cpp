@@ -34,7 +34,7 @@ void DataMan::mainThreadFin(Section section, const Notification& notification) {
     progress.count.reset();
     progress.percent.reset();
     replaceFrom(section, notification);
-    progress.scanned = true;  // before the twin, whose observers ask for the subtitle
+    progress.scanned = true;  // before the post, whose observers ask for the subtitle
     sendNotification(vocabulary(section).interfaceFinished);
 }
 
@@ -123,7 +123,7 @@ void DataMan::setApplicationsArray(const std::optional<ApplicationArray>& items)
     updateAppsItemsForSelfLangsforApps();
 }
 
-// Those that were there before are looked at as well: what they hold may have changed since they came.
+// Recomputes the earlier applications too: their localizations may have changed since they came.
 void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items) {
     applications_ += items.value_or(ApplicationArray());
     updateAppsItemsForSelfLangsforApps();

@@ -12,26 +12,65 @@
 
 namespace brimvault::engine {
 
-/// The results of all sections. It takes in what the scan and clean operations post, and answers what the window shows.
+/// The results of all sections: takes in what the scan and clean operations post, and answers what the window shows.
 ///
-/// Main thread only, from making to destroying; notifications come from any thread and are handed over without waiting.
+/// Main thread only, from construction to destruction. Notifications come from any thread and are queued for the main
+/// thread.
 class DataMan {
 public:
     DataMan();
     DataMan(const DataMan&) = delete;
     DataMan& operator=(const DataMan&) = delete;
 
+    /// Empties the array of the section.
+    void resetArray(Section section);
+    /// Ends the progress of a scan that was given up, and so posts no end of its own. Posts that the section is
+    /// finished, with what was found.
+    void endScan(Section section);
+
+    [[nodiscard]] qsizetype count(Section section) const {
+        return section == Section::languageResources ? getAppsCount() : itemsOf(section).size();
+    }
+    [[nodiscard]] const ApplicationArray& getAppsArray() const { return applications_; }
+    /// The array of a section of files; empty for Language Resources.
+    [[nodiscard]] const ItemArray& itemsOf(Section section) const { return items_[section].items(); }
+    /// The same with its generation. What was removed is known only while the notification of it is posted.
+    [[nodiscard]] const SectionItems& sectionItems(Section section) const { return items_[section]; }
+    /// Ticks or unticks an item of the section, with what lies in it; see SectionItems. Answers whether other items may
+    /// have changed as well.
+    bool setChecked(Section section, CleanableItem& item, bool checked);
+    /// To be called after the marks of many items of the section were set one by one.
+    void settleMarks(Section section) { items_[section].settleMarks(); }
+    /// Of a section's items, with the marks that they have now.
+    [[nodiscard]] ItemSums sums(Section section) const;
+
+    /// Bytes: of all items, and of those selected.
+    [[nodiscard]] quint64 getSize2CleanALL() const;
+    [[nodiscard]] quint64 getSize2CleanALLSel() const { return getSize2CleanALLSel(true, true, true, true, true); }
+    /// Of the sections whose flag is set.
+    [[nodiscard]] quint64 getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const;
+
+    /// The line under a section's name: its progress, what is selected of it, or that nothing was found.
+    [[nodiscard]] QString subtitle(Section section) const;
+
+    /// Whole per cents of the section's running scan, as it reported them; none if no scan runs.
+    [[nodiscard]] std::optional<Number> progressPercent(Section section) const { return progress_[section].percent; }
+
+    /// The folders in which the last scan of the section looked for files; empty before the first.
+    [[nodiscard]] const Places& places(Section section) const { return places_[section]; }
+
+    /// Takes the languages to keep and recomputes what every application would free.
+    void updateResSizesForApps(const QStringList& neededLanguages);
+    /// Posts the name without user info.
+    static void sendNotification(const QString& name);
+
+    // --- Kept for callers outside of the window: nothing in src but this class calls these ---
+
     void resetAppsArray() { applications_.clear(); }
     void resetDwnsArray() { setDownloadsArray(std::nullopt); }
     void resetCachesArray() { setCachesArray(std::nullopt); }
     void resetTrashArray() { setTrashArray(std::nullopt); }
     void resetLogsArray() { setLogsArray(std::nullopt); }
-
-    /// Empties the one of the section.
-    void resetArray(Section section);
-    /// The scan of the section was given up, and does not tell of its end: there is no progress any more. Posts that
-    /// the section is finished, with what was found.
-    void endScan(Section section);
 
     /// Replace; none empties.
     void setApplicationsArray(const std::optional<ApplicationArray>& items);
@@ -47,15 +86,16 @@ public:
     void add2TrashArray(const std::optional<ItemArray>& items) { add(Section::trash, items); }
     void add2LogsArray(const std::optional<ItemArray>& items) { add(Section::logs, items); }
 
+    [[nodiscard]] const ItemArray& getDownloadsArray() const { return itemsOf(Section::downloads); }
+    [[nodiscard]] const ItemArray& getCachesArray() const { return itemsOf(Section::caches); }
+    [[nodiscard]] const ItemArray& getTrashArray() const { return itemsOf(Section::trash); }
+    [[nodiscard]] const ItemArray& getLogsArray() const { return itemsOf(Section::logs); }
+
     [[nodiscard]] qsizetype getAppsCount() const { return applications_.size(); }
     [[nodiscard]] qsizetype getDownloadsCount() const { return getDownloadsArray().size(); }
     [[nodiscard]] qsizetype getCachesCount() const { return getCachesArray().size(); }
     [[nodiscard]] qsizetype getTrashCount() const { return getTrashArray().size(); }
     [[nodiscard]] qsizetype getLogsCount() const { return getLogsArray().size(); }
-
-    [[nodiscard]] qsizetype count(Section section) const {
-        return section == Section::languageResources ? getAppsCount() : itemsOf(section).size();
-    }
 
     /// Null for an index outside the array.
     [[nodiscard]] std::shared_ptr<AppItemData> getAppItem(qsizetype index) const { return at(applications_, index); }
@@ -66,61 +106,27 @@ public:
     [[nodiscard]] std::shared_ptr<FFItem> getTrashItem(qsizetype index) const { return at(getTrashArray(), index); }
     [[nodiscard]] std::shared_ptr<FFItem> getLogItem(qsizetype index) const { return at(getLogsArray(), index); }
 
-    [[nodiscard]] const ApplicationArray& getAppsArray() const { return applications_; }
-    [[nodiscard]] const ItemArray& getDownloadsArray() const { return itemsOf(Section::downloads); }
-    [[nodiscard]] const ItemArray& getCachesArray() const { return itemsOf(Section::caches); }
-    [[nodiscard]] const ItemArray& getTrashArray() const { return itemsOf(Section::trash); }
-    [[nodiscard]] const ItemArray& getLogsArray() const { return itemsOf(Section::logs); }
-    /// The array of a section of files; empty for Language Resources.
-    [[nodiscard]] const ItemArray& itemsOf(Section section) const { return items_[section].items(); }
-    /// The same with what became of it; what was removed is known while the notification of it is posted.
-    [[nodiscard]] const SectionItems& sectionItems(Section section) const { return items_[section]; }
-    /// Ticks or unticks an item of the section, with what lies in it; see SectionItems. Answers whether other items may
-    /// have changed as well.
-    bool setChecked(Section section, CleanableItem& item, bool checked);
-    /// After the marks of many items of the section were set one by one.
-    void settleMarks(Section section) { items_[section].settleMarks(); }
-    /// Of a section's items, with the marks that they have now.
-    [[nodiscard]] ItemSums sums(Section section) const;
-
-    /// Bytes: of all items of a section, and of those selected.
+    /// Bytes: of all items of one section, and of those selected.
     [[nodiscard]] quint64 getSize2CleanApps() const { return sums(Section::languageResources).all; }
     [[nodiscard]] quint64 getSize2CleanDwns() const { return sums(Section::downloads).all; }
     [[nodiscard]] quint64 getSize2CleanCaches() const { return sums(Section::caches).all; }
     [[nodiscard]] quint64 getSize2CleanTrash() const { return sums(Section::trash).all; }
     [[nodiscard]] quint64 getSize2CleanLogs() const { return sums(Section::logs).all; }
-    [[nodiscard]] quint64 getSize2CleanALL() const;
     [[nodiscard]] quint64 getSize2CleanAppsSel() const { return sums(Section::languageResources).selected; }
     [[nodiscard]] quint64 getSize2CleanDwnsSel() const { return sums(Section::downloads).selected; }
     [[nodiscard]] quint64 getSize2CleanCachesSel() const { return sums(Section::caches).selected; }
     [[nodiscard]] quint64 getSize2CleanTrashSel() const { return sums(Section::trash).selected; }
     [[nodiscard]] quint64 getSize2CleanLogsSel() const { return sums(Section::logs).selected; }
-    [[nodiscard]] quint64 getSize2CleanALLSel() const { return getSize2CleanALLSel(true, true, true, true, true); }
-    /// Of the sections whose flag is set.
-    [[nodiscard]] quint64 getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const;
 
     /// Sums `ppnSize` and `ppnSizeSel`, each stored where its pointer is not null.
     template <typename Item>
     static void getsizeAndSelSize(const QList<std::shared_ptr<Item>>& items, quint64* nsz, quint64* nszSel);
 
-    /// What stands under a section's name: its progress, what is selected of it, or that nothing was found.
-    [[nodiscard]] QString subtitle(Section section) const;
     [[nodiscard]] QString getSubTitleApps() const { return subtitle(Section::languageResources); }
     [[nodiscard]] QString getSubTitleDwns() const { return subtitle(Section::downloads); }
     [[nodiscard]] QString getSubTitleCaches() const { return subtitle(Section::caches); }
     [[nodiscard]] QString getSubTitleTrash() const { return subtitle(Section::trash); }
     [[nodiscard]] QString getSubTitleLogs() const { return subtitle(Section::logs); }
-
-    /// Whole per cents of the scan of a section that is under way, as it reported them; none otherwise.
-    [[nodiscard]] std::optional<Number> progressPercent(Section section) const { return progress_[section].percent; }
-
-    /// Where the last scan of the section has looked for files; empty before the first.
-    [[nodiscard]] const Places& places(Section section) const { return places_[section]; }
-
-    /// Takes the languages to keep and recomputes what every application would free.
-    void updateResSizesForApps(const QStringList& neededLanguages);
-    /// Posts the name without user info.
-    static void sendNotification(const QString& name);
 
 private:
     struct Progress {
@@ -151,7 +157,7 @@ private:
     PerSection<Places> places_;
     QStringList platestNeededLangs_;
 
-    QObject mainThread_;  ///< what is handed over to the main thread is dropped when the model goes
+    QObject mainThread_;  ///< context of queued notifications; those pending are dropped with it
     std::vector<NotificationCenter::Observation> observations_;
 };
 

@@ -9,7 +9,7 @@ namespace brimvault::engine {
 
 namespace {
 
-// A file's own length; for a folder, what the choice makes of the sums over its contents.
+// A file's own length; for a folder the chosen one of the sums over its contents.
 std::uint64_t sizeOfFile(const std::filesystem::path& path, std::uint64_t (*choose)(const files::TreeSizes&)) {
     const auto status = files::statusOf(path);
     if (!status) {
@@ -40,7 +40,7 @@ QStringList FileManager::extendedAttributesListAtPath(const std::filesystem::pat
 }
 
 bool FileManager::isAppPathInQuarantine(const std::filesystem::path& path) {
-    // The mark begins with flags in hexadecimal, up to the first semicolon; this one says that the user agreed.
+    // The attribute begins with hexadecimal flags up to the first semicolon; this one is set once the user agreed.
     constexpr unsigned userApproved = 0x40;
     const auto mark = extendedAttributeWithName("com.apple.quarantine", path);
     if (!mark) {
@@ -66,7 +66,7 @@ std::uint64_t FileManager::fullSizeOfFileAtPath(const std::filesystem::path& pat
 std::int64_t FileManager::numberOfFilesInFolder(const std::filesystem::path& path,
                                                 files::HiddenEntries countHiddenFiles) {
     std::int64_t count = 0;
-    // What could be read counts; a folder that cannot be read holds nothing.
+    // Counts what can be read.
     (void)files::forEachChild(path, countHiddenFiles, [&](const files::DirectoryEntry&) {
         ++count;
         return true;

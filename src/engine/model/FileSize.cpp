@@ -21,7 +21,7 @@ QString withUnit(const QString& number, std::size_t unit) {
     return number + QLatin1Char(' ') + QLatin1String(units[unit]);
 }
 
-// Rounded to the nearest as it is held, halves to the even digit.
+// Rounds the binary value to the nearest, ties to the even digit.
 QString whole(double value) {
     std::array<char, 32> text{};
     const auto end = std::to_chars(text.begin(), text.end(), value, std::chars_format::fixed, 0).ptr;

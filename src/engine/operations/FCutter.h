@@ -12,17 +12,17 @@
 
 namespace brimvault::engine {
 
-/// Where the clean driver gets its operations from. Null entries clean nothing.
+/// The factories of the clean operations. A section whose factory is null is not cleaned.
 struct CleanTable {
     using FileOperation = std::function<std::shared_ptr<SectionOperation>(const ItemArray&)>;
 
     std::function<std::shared_ptr<SectionOperation>(const ApplicationArray&, const std::shared_ptr<FCleanProps>&)>
         applications;
     PerSection<FileOperation> files;                          ///< none for Language Resources
-    PrivilegedRemover* remover = &PrivilegedRemover::none();  ///< may ask the user once in every clean
+    PrivilegedRemover* remover = &PrivilegedRemover::none();  ///< may ask the user for a password, once per clean
 
-    /// The engine's own operations for the four sections of files, which have the remover remove what the user may not.
-    /// It outlives them.
+    /// The engine's own operations for the four sections of files. They ask the remover to remove what the user may
+    /// not; it outlives them.
     static CleanTable fileSections(PrivilegedRemover& remover = PrivilegedRemover::none());
 };
 
@@ -35,7 +35,7 @@ public:
     /// What every clean of language resources respects; shared with the façade.
     [[nodiscard]] const std::shared_ptr<FCleanProps>& pclprops() const { return pclprops_; }
 
-    /// What the user has agreed to, of each section; null for all that is ticked.
+    /// What the user has agreed to have removed, by section; null for all that is ticked.
     using Agreed = PerSection<std::shared_ptr<const AgreedItems>>;
 
     /// None, or an empty array, cleans nothing of its section.
@@ -51,19 +51,22 @@ public:
     /// Posts "cleanFinished".
     static void CleanDone();
 
-    /// Cancels everything and returns at once. A question for a password is withdrawn, also that of a single removal.
+    /// Cancels everything and returns at once. Withdraws an open question for a password, a single removal's too.
     void cancelCleanAll();
-    /// Gives up what has not returned from being cancelled: what it removed by now is told, and "cleanFinished"
-    /// follows. Returns at once.
+    /// Gives up what was cancelled and has not returned: posts what it has removed so far, then "cleanFinished".
+    /// Returns at once.
     void giveUp();
-    /// Whether a clean was given up, and hangs still.
+    /// Whether a clean was given up and still hangs.
     [[nodiscard]] bool isAnythingLeftBehind() const { return !pCutQue_.leftBehind().empty(); }
-    /// Cancel one section's clean and wait until it has returned, or for a moment. Block the caller.
+    /// Cancel one section's clean and wait until it has returned, at most `OperationQueue::timeToReturn`.
     void cancelOperationByClass(Section section) { cancelSectionAndWait(pCutQue_, section); }
     void cancelCleanAppsRes() { cancelOperationByClass(Section::languageResources); }
     void cancelCleanDownloads() { cancelOperationByClass(Section::downloads); }
     void cancelCleanCaches() { cancelOperationByClass(Section::caches); }
     void cancelCleanTrash() { cancelOperationByClass(Section::trash); }
+
+    // --- Kept for callers outside of the window: nothing in src calls this ---
+
     void cancelCleanLogs() { cancelOperationByClass(Section::logs); }
 
 private:
@@ -71,7 +74,7 @@ private:
     void enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper);
 
     CleanTable table_;
-    Agreed agreed_;  ///< to the clean that is being put together
+    Agreed agreed_;  ///< for the clean that `Clean` is queueing
     std::shared_ptr<FCleanProps> pclprops_ = std::make_shared<FCleanProps>();
     OperationQueue pCutQue_{1};  ///< sections are cleaned one after another, never in parallel
 };

@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds pollInterval{100};
 
 }  // namespace
 
-Remover::Remover(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
+Remover::Remover(Dependencies dependencies) : dependencies_(std::move(dependencies)) {}
 
 Remover& Remover::GetInstance() {
     static Remover instance(
@@ -25,7 +25,7 @@ Remover& Remover::GetInstance() {
     return instance;
 }
 
-// The number is drawn from one less than there are of six digits, so that 999999 never comes.
+// One number fewer than there are of six digits: 999999 never comes.
 std::string Remover::generateRootRemoverServerName() {
     constexpr std::uint32_t numbers = 899'999;
     constexpr std::uint32_t first = 100'000;
@@ -48,7 +48,7 @@ std::optional<std::filesystem::path> Remover::recycleAsRootPath(const std::files
 void Remover::giveUp() {
     const std::lock_guard guard(mutex_);
     rootRemover_.reset();
-    surroundings_.authorization.deauthenticate();
+    dependencies_.authorization.deauthenticate();
 }
 
 RootRemover* Remover::getRootRemover() {
@@ -56,42 +56,42 @@ RootRemover* Remover::getRootRemover() {
     return connected != nullptr ? connected : createNewRootRemover();
 }
 
-// It speaks with one client only, once: the one that was met is the one to be met under the name until it ends.
+// The root remover accepts one client, once. So the connection is kept, and another is tried only after it has ended.
 RootRemover* Remover::getConnectedRootRemover() {
     if (!rootRemover_ || !rootRemover_->isConnected()) {
-        auto connection = surroundings_.connect(m_sRootRemoverServerName_);
+        auto connection = dependencies_.connect(m_sRootRemoverServerName_);
         rootRemover_ = connection ? std::make_unique<RootRemover>(std::move(connection)) : nullptr;
-        isIntroduced_ = false;
+        knowsProtectedFolders_ = false;
     }
     if (!rootRemover_ || !rootRemover_->respondsToRemoveFileAtPath()) {
         return nullptr;
     }
-    if (!isIntroduced_) {
+    if (!knowsProtectedFolders_) {
         for (const auto& folder : protectedFolders()) {
             rootRemover_->keepFolderAtPath(folder);
         }
-        isIntroduced_ = true;
+        knowsProtectedFolders_ = true;
     }
     return rootRemover_.get();
 }
 
 RootRemover* Remover::createNewRootRemover() {
-    (void)surroundings_.authorization.isToolRunning();  // one that has ended is not left to linger
+    (void)dependencies_.authorization.isToolRunning();  // reaps one that has ended
     m_sRootRemoverServerName_ = generateRootRemoverServerName();
     rootRemover_.reset();
     const std::vector<std::string> arguments = {m_sRootRemoverServerName_,
                                                 std::to_string(QCoreApplication::applicationPid())};
-    if (!surroundings_.authorization.executeCommand(surroundings_.tool, arguments, 0)) {
+    if (!dependencies_.authorization.executeCommand(dependencies_.tool, arguments, 0)) {
         return nullptr;
     }
     for (Duration waited{}; waited < m_nMaxTimeWait; waited += pollInterval) {
         if (auto* connected = getConnectedRootRemover()) {
             return connected;
         }
-        if (!surroundings_.authorization.isToolRunning()) {
-            break;  // nobody will come
+        if (!dependencies_.authorization.isToolRunning()) {
+            break;  // it has ended, and will not listen
         }
-        surroundings_.sleep(pollInterval);
+        dependencies_.sleep(pollInterval);
     }
     return getConnectedRootRemover();
 }

@@ -14,40 +14,43 @@
 
 namespace brimvault::engine {
 
-/// Has a root remover, a small program with the administrator's rights, remove what the user may not. It is started
+/// Lets a root remover, a small program with the administrator's rights, remove what the user may not. It is started
 /// when it is first needed and used from then on; one that has ended is replaced by another, under another name.
 ///
 /// Any thread but the main one: requests wait for each other, for the user's password, and for the removal itself.
 class Remover final : public PrivilegedRemover {
 public:
     /// The manager outlives the remover.
-    struct Surroundings {
+    struct Dependencies {
         AuthorizationManager& authorization;
         std::filesystem::path tool;
-        /// The root remover that can be met under the name; null for none.
+        /// Connects with the root remover that listens under the name; null if none does.
         std::function<std::unique_ptr<platform::ToolConnection>(const std::string& name)> connect;
         std::function<void(std::chrono::milliseconds)> sleep;
     };
-    explicit Remover(Surroundings surroundings);
+    explicit Remover(Dependencies dependencies);
 
     /// The one of the process, for the system that it runs on.
     static Remover& GetInstance();
 
-    void letAskUser() override { surroundings_.authorization.setIsNeedAskAuthentication(true); }
-    void stopAskingUser() override { surroundings_.authorization.giveUpAsking(); }
+    void letAskUser() override { dependencies_.authorization.setIsNeedAskAuthentication(true); }
+    void stopAskingUser() override { dependencies_.authorization.giveUpAsking(); }
     bool removeFileAtPath(const std::filesystem::path& path) override { return removeAsRootFileAtPath(path); }
     [[nodiscard]] bool removeAsRootFileAtPath(const std::filesystem::path& path);
-    /// Moves the item into the user's trash and answers where it is now; none when it was not moved.
-    [[nodiscard]] std::optional<std::filesystem::path> recycleFileAtPath(const std::filesystem::path& path) {
-        return recycleAsRootPath(path);
-    }
-    [[nodiscard]] std::optional<std::filesystem::path> recycleAsRootPath(const std::filesystem::path& path);
 
-    /// Gives up the root remover, which then ends, and the rights. Before the end of the process.
+    /// Disconnects from the root remover, which then ends, and gives the rights back. Before the end of the process.
     void giveUp();
 
     /// "com.quorvel.brimvault.BrimvaultCleaner." and a number between 100000 and 999998.
     [[nodiscard]] static std::string generateRootRemoverServerName();
+
+    // --- Kept for callers outside of the window: nothing in src calls these ---
+
+    /// Moves the item into the user's trash and answers where it is now; none if it was not moved.
+    [[nodiscard]] std::optional<std::filesystem::path> recycleFileAtPath(const std::filesystem::path& path) {
+        return recycleAsRootPath(path);
+    }
+    [[nodiscard]] std::optional<std::filesystem::path> recycleAsRootPath(const std::filesystem::path& path);
 
 private:
     using Duration = std::chrono::milliseconds;
@@ -56,12 +59,12 @@ private:
     [[nodiscard]] RootRemover* getConnectedRootRemover();
     [[nodiscard]] RootRemover* createNewRootRemover();
 
-    const Surroundings surroundings_;
-    static constexpr std::chrono::seconds m_nMaxTimeWait{5};  ///< for a root remover to be there, once started
+    const Dependencies dependencies_;
+    static constexpr std::chrono::seconds m_nMaxTimeWait{5};  ///< timeout for a started root remover to listen
     std::mutex mutex_;                                        ///< protects what follows, and the manager
     std::string m_sRootRemoverServerName_ = generateRootRemoverServerName();
-    std::unique_ptr<RootRemover> rootRemover_;  ///< the one that was met last under that name
-    bool isIntroduced_ = false;                 ///< it has been told what to keep
+    std::unique_ptr<RootRemover> rootRemover_;  ///< the last one that was connected with under that name
+    bool knowsProtectedFolders_ = false;        ///< it has been sent the folders that it must keep
 };
 
 }  // namespace brimvault::engine
