@@ -9,7 +9,7 @@ class AppItemData;
 class FFItem;
 struct LocalizationItem;
 
-// Arrays of items share their elements until one is changed: handing one to another thread costs nothing.
+// QList is copy-on-write: handing an array to another thread copies no elements.
 
 using ItemArray = QList<std::shared_ptr<FFItem>>;
 using ApplicationArray = QList<std::shared_ptr<AppItemData>>;

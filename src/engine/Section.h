@@ -5,8 +5,7 @@
 
 namespace brimvault::engine {
 
-/// The five places that are scanned and cleaned, in the order in which the engine always names them. The window lists
-/// them in an order of its own.
+/// The five sections, in the order in which the engine always lists them. The window has an order of its own.
 enum class Section { languageResources, downloads, caches, trash, logs };
 
 inline constexpr std::array<Section, 5> allSections = {Section::languageResources, Section::downloads, Section::caches,

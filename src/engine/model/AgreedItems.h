@@ -11,8 +11,8 @@
 
 namespace brimvault::engine {
 
-/// The items of a list that are ticked when this is made: what the user, being asked, agrees to have removed. They are
-/// known by what they are, so that none that comes later is among them. Quickly made for very many. Any thread.
+/// A snapshot of the items of a list that are ticked when it is made: what the user, being asked, agrees to have
+/// removed. Items are compared by address, so that none that comes later is among them. Any thread.
 class AgreedItems {
 public:
     template <typename Item>
@@ -31,8 +31,8 @@ public:
     }
 
 private:
-    std::shared_ptr<const void> held_;  ///< the items, so that no other takes the place of one in memory
-    mutable std::once_flag sorted_;     ///< when they are first asked for, since that takes longer
+    std::shared_ptr<const void> held_;  ///< keeps the items alive, so that no address is reused
+    mutable std::once_flag sorted_;     ///< sorted at the first lookup, since the snapshot is made on the main thread
     mutable std::vector<const CleanableItem*> agreed_;
 };
 

@@ -13,8 +13,8 @@ namespace {
 
 QString family(const QString& identifier) { return identifier.section(QLatin1Char('-'), 0, 0); }
 
-// Which one stays of a folder where none is to be kept: the nearest to what the user reads. That is a regional form of
-// a language to keep, English among them, else what was found last. Null where one is kept.
+// The fallback localization of a folder, where none is to be kept: a regional variant of a language to keep, in the
+// order of these, else the one found last. Null if one is kept.
 std::shared_ptr<LocalizationItem> lastOne(const LocalizationArray& group, const QStringList& needed) {
     const auto isKept = [&](const auto& item) { return !item->shouldBeRemovedWithNeedLangs(needed); };
     if (std::any_of(group.begin(), group.end(), isKept)) {
@@ -45,7 +45,7 @@ std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::pa
     auto item = std::make_shared<AppItemData>();
     item->pAppName_ = path;
     item->displayName_ = FileManager::displayNameAtPath(path);
-    (void)item->nameKey();  // made here, not where the item is shown
+    (void)item->nameKey();  // made here, not on the main thread
     return item;
 }
 
@@ -93,7 +93,7 @@ void AppItemData::forEachRemovable(const QStringList& needed,
     }
 }
 
-// Asked of all whenever some come, so that nothing is counted again that would come out the same.
+// Called for all applications whenever some come: does nothing if the input is unchanged.
 void AppItemData::recalcKeepSpaceForLocales(const QStringList& needed) {
     const Counted now{needed, ppbDeletable()};
     if (counted_ == now) {

@@ -33,15 +33,15 @@ struct LocalizationItem {
     }
 };
 
-/// One application that has localizations. Its counters follow from the languages to keep and are those of the last
+/// One application that has localizations. Its counters depend on the languages to keep, as of the last
 /// `recalcKeepSpaceForLocales`.
 ///
-/// Localizations are grouped by the folder that holds them, groups and members in the order of discovery; what is
-/// counted and what is removed come from one walk over them, so the one that always stays in each folder is the same:
-/// where none is to be kept, one that is near to what the user reads.
+/// Localizations are grouped by the folder that holds them, in the order of discovery. One localization of each folder
+/// always stays: if none is to be kept, the one closest to what the user reads. Counting and removing share one
+/// function (`forEachRemovable`), so that both spare the same one.
 ///
-/// The scan's thread until it is posted, then the main thread; a clean calls `itemsToClean` on its own thread, while
-/// nothing on the main thread changes the localizations: those change when its end is heard.
+/// Belongs to the scan's thread until it is posted, then to the main thread. A clean calls `itemsToClean` on its own
+/// thread; the main thread changes the localizations only after the clean's end.
 class AppItemData final : public CleanableItem {
 public:
     static std::shared_ptr<AppItemData> initWithName(const std::filesystem::path& path);
@@ -56,12 +56,12 @@ public:
     /// The folder that holds a localization, relative to the bundle; empty for one directly in the bundle.
     [[nodiscard]] std::filesystem::path keyForLocalizationItem(const LocalizationItem& item) const;
 
-    /// Recomputes what cleaning would free when the given languages are kept. With none given, or fewer than two
-    /// localizations, nothing can be freed and the count of languages stays as it was.
+    /// Recomputes what cleaning would free if the given languages are kept. With no languages, or fewer than two
+    /// localizations, nothing can be freed, and the count of languages stays unchanged.
     void recalcKeepSpaceForLocales(const QStringList& needed);
-    /// What to remove now; empty when nothing may go.
+    /// What to remove now; empty if nothing may be removed.
     [[nodiscard]] LocalizationArray itemsToClean(const QStringList& needed) const;
-    /// Forgets what was removed, then recomputes.
+    /// Drops what was removed, then recomputes.
     void updCleanedLocalizations(const LocalizationArray& removed, const QStringList& needed);
 
     /// The name under which the desktop presents the bundle.
@@ -74,7 +74,7 @@ public:
     }
 
 private:
-    /// For what the counters were computed.
+    /// The input of the counters.
     struct Counted {
         QStringList needed;
         bool isDeletable;
@@ -83,14 +83,14 @@ private:
 
     void recalcLocalizationsDict();
     void addToGroup(const std::shared_ptr<LocalizationItem>& item);
-    /// Calls with every localization that is not to be kept and not the last one of its folder.
+    /// Calls for every localization that is not to be kept and not the spared one of its folder.
     void forEachRemovable(const QStringList& needed,
                           const std::function<void(const std::shared_ptr<LocalizationItem>&)>& call) const;
 
     LocalizationArray pmLocalizations_;
     std::vector<LocalizationArray> pmLocalizationsDict_;
-    std::unordered_map<std::string, std::size_t> groupOfKey_;  ///< places in the above
-    std::optional<Counted> counted_;                           ///< none once the localizations are others
+    std::unordered_map<std::string, std::size_t> groupOfKey_;  ///< indexes into the above
+    std::optional<Counted> counted_;                           ///< none after the localizations have changed
     quint64 ncanKeepSpace_ = 0;
     quint64 ncanKeepSpaceSel_ = 0;
     quint64 ncanCleanLocs_ = 0;

@@ -8,9 +8,9 @@
 
 namespace brimvault::engine {
 
-/// What every row of every section answers: its name, its size, and whether it is to be cleaned. The two marks may be
-/// read on any thread while the main thread shows and changes them; all else is settled before an item is posted, or
-/// belongs to the main thread.
+/// The base of the rows of all sections: name, size, and whether the item is to be cleaned. The two marks may be read
+/// on any thread while the main thread changes them. All else is set before the item is posted, or belongs to the main
+/// thread.
 class CleanableItem {
 public:
     CleanableItem() = default;
@@ -21,19 +21,19 @@ public:
     /// Ticked for cleaning by the user.
     [[nodiscard]] bool ppbChecked() const { return checked_; }
     void setPpbChecked(bool checked) { setMark(checked_, checked); }
-    /// May be removed at all; NO until a scanner says otherwise.
+    /// May be removed at all; false until a scanner sets it.
     [[nodiscard]] bool ppbDeletable() const { return deletable_; }
     void setPpbDeletable(bool deletable) { setMark(deletable_, deletable); }
-    /// From now on a change of its marks changes `marksRevision`; before, nobody has counted them.
+    /// From now on a change of its marks changes `marksRevision`. Not before: no sum includes the item yet.
     void watchMarks() { watched_ = true; }
-    /// Another one whenever a mark of any watched item has changed.
+    /// A counter that grows whenever a mark of any watched item changes.
     [[nodiscard]] static quint64 marksRevision() { return marksRevision_; }
 
     /// For display.
     [[nodiscard]] virtual QString ppdisplayName() const = 0;
     /// The name without its extension, to sort by.
     [[nodiscard]] virtual QString ppdisplayKeyName() const = 0;
-    /// Where it stands by these two. Items come with theirs from the thread that finds them.
+    /// The sort key made of these two. The scan's thread makes it, since that takes long.
     [[nodiscard]] const platform::NameKey& nameKey() const;
     /// Bytes that the item holds, or that cleaning it would free.
     [[nodiscard]] virtual quint64 getSpace2Save() const = 0;

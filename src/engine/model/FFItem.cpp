@@ -11,7 +11,7 @@ std::shared_ptr<FFItem> FFItem::initWithName(const std::filesystem::path& name, 
     auto item = std::make_shared<FFItem>();
     item->setName(name.native());
     item->pfSize_ = nsz;
-    (void)item->nameKey();  // made here, not where the item is shown
+    (void)item->nameKey();  // made here, not on the main thread
     return item;
 }
 
@@ -38,7 +38,7 @@ void FFItem::setName(const std::string& bytes) {
 }
 
 void FFItem::setPfpath(const std::filesystem::path& path) {
-    // Items are found folder by folder.
+    // A cache of one: items are found folder by folder.
     thread_local std::shared_ptr<const FoundIn> lastHolder;
     const std::string_view bytes = path.native();
     const std::string_view name = nameBytes();

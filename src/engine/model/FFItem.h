@@ -13,14 +13,14 @@
 
 namespace brimvault::engine {
 
-/// What the window needs to find an item's picture: what the item was when it was found.
+/// What the window needs to find an item's icon: the kind of file it was when it was found.
 struct IconSource {
     files::NodeKind kind = files::NodeKind::other;
     bool operator==(const IconSource&) const = default;
 };
 
 /// One file or folder that can be removed, of the Downloads, Caches, Trash or Logs section. There may be hundreds of
-/// thousands, so that items of one folder share its path.
+/// thousands, so items of one folder share its path.
 class FFItem final : public CleanableItem {
 public:
     /// Name and size in bytes; no path: the item is addressed by its name inside its section's folder.
@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] IconSource getDisplayIcon() const { return pIcon_; }
     void setIcon(IconSource icon) { pIcon_ = icon; }
-    /// Bytes, to be used as a file name again; `ppdisplayName` is for people.
+    /// Exact bytes, for system calls; `ppdisplayName` is for people.
     [[nodiscard]] std::filesystem::path pfname() const { return nameBytes(); }
     void setPfname(const std::filesystem::path& name);
     [[nodiscard]] quint64 pfSize() const { return pfSize_; }
@@ -38,28 +38,28 @@ public:
     [[nodiscard]] std::filesystem::path pfpath() const { return pathBytes(); }
     void setPfpath(const std::filesystem::path& path);
     [[nodiscard]] bool hasPath() const { return holder_ != nullptr && holderKind_ != Holder::sectionFolder; }
-    /// How an item lies in what it was found in.
+    /// What the path of `FoundIn` names.
     enum class Holder : quint8 {
-        folder,         ///< under its name
-        wholePath,      ///< under another name: the place names the item itself
-        sectionFolder,  ///< under its name, by which alone it is addressed
+        folder,         ///< the folder of the item
+        wholePath,      ///< the item itself, which is listed under another name than its own
+        sectionFolder,  ///< the section's folder; the item has no path and is addressed by its name
     };
-    /// Takes the place of the path.
+    /// Replaces the path.
     void setFoundIn(std::shared_ptr<const FoundIn> place, Holder kind) {
         holder_ = std::move(place);
         holderKind_ = kind;
     }
-    /// Where a scan has found it; null when none has.
+    /// Where a scan found it; null if none did.
     [[nodiscard]] const std::shared_ptr<const FoundIn>& foundIn() const { return holder_; }
-    /// Where it lies: its path, or its name in the folder in which it was found; empty when neither is known.
+    /// Its path, or its name in the folder where it was found; empty if neither is known.
     [[nodiscard]] std::filesystem::path location() const;
-    /// The path as the system takes it, made sooner than a path is; empty when there is none.
+    /// The path as plain bytes, cheaper than a filesystem path; empty if there is none.
     [[nodiscard]] std::string pathBytes() const;
-    /// Whether both are known to lie in one folder; two that do may answer NO.
+    /// True only if both lie in one folder; may be false even if they do.
     [[nodiscard]] bool isBeside(const FFItem& other) const {
         return holderKind_ == Holder::folder && other.holderKind_ == Holder::folder && holder_ == other.holder_;
     }
-    /// Whether it is ticked along with an item that it lies in, or only when it is ticked itself.
+    /// Whether ticking an item that holds it ticks it too.
     [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable(); }
 
     [[nodiscard]] QString ppdisplayName() const override;
@@ -73,9 +73,9 @@ private:
 
     Holder holderKind_ = Holder::folder;
     IconSource pIcon_;
-    std::unique_ptr<char[]> pfname_;  ///< bytes, with a zero byte at their end; null for an empty name
+    std::unique_ptr<char[]> pfname_;  ///< NUL-terminated bytes; null for an empty name
     quint64 pfSize_ = 0;
-    std::shared_ptr<const FoundIn> holder_;  ///< null when it is known by its name alone
+    std::shared_ptr<const FoundIn> holder_;  ///< null if only the name is known
 };
 
 }  // namespace brimvault::engine

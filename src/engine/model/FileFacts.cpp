@@ -44,7 +44,7 @@ QString FileFacts::permissionText() const {
             text[place] = QLatin1Char('-');
         }
     }
-    // The special bits stand on the places of the right to run: for the owner, the group and all others.
+    // setuid, setgid and sticky are shown in the place of x: the owner's, the group's and everybody's.
     const QLatin1String special("sst");
     for (int who = 0; who < special.size(); ++who) {
         if (isSet(letters + 2 - who)) {

@@ -9,12 +9,12 @@
 
 namespace brimvault::engine {
 
-/// What a person wants to know of one file, folder or link; of a link itself, not of what it points at.
+/// The information window's facts about one file, folder or symbolic link (about the link itself, not its target).
 struct FileFacts {
     files::NodeKind kind = files::NodeKind::other;
     QString name;
     QString folder;  ///< full path of the folder that holds it
-    QString type;    ///< of a plain file, what its name says that it is, as "PNG image"
+    QString type;    ///< of a regular file, by its name, as "PNG image"
     QString linkTarget;
     QDateTime modified;
     QDateTime accessed;
@@ -23,7 +23,7 @@ struct FileFacts {
     QString group;
     std::uint32_t permissions = 0;  ///< the twelve permission bits
 
-    /// None where there is nothing at the path, or it cannot be looked at. Blocks; any thread but the main one.
+    /// None if there is nothing at the path, or it cannot be read. Blocks; any thread but the main one.
     [[nodiscard]] static std::optional<FileFacts> of(const std::filesystem::path& path);
 
     /// As "rwxr-xr-x", with s and t where the special bits are set.

@@ -11,7 +11,7 @@ std::string folderOf(const FFItem& item) {
     return path.substr(0, path.rfind('/') + 1);  // none without a path
 }
 
-// Calls with each folder that the folder lies in, and with itself, each with a slash at its end.
+// Calls for each ancestor of the folder and for the folder itself, each with a slash at its end.
 template <typename Call>
 void forEachPrefix(const std::string& folder, Call call) {
     for (auto slash = folder.find('/'); slash != std::string::npos; slash = folder.find('/', slash + 1)) {
@@ -21,11 +21,11 @@ void forEachPrefix(const std::string& folder, Call call) {
 
 }  // namespace
 
-void NestedItems::follow() {
-    const qsizetype firstNew = taken_;
-    std::map<std::string, qsizetype> toSearch;  // folders, and from which item on something in them may hold others
-    while (taken_ < items_.size()) {
-        takeRun(toSearch);
+void NestedItems::addNew() {
+    const qsizetype firstNew = indexed_;
+    std::map<std::string, qsizetype> toSearch;  // folder to the first item in it that may hold others
+    while (indexed_ < items_.size()) {
+        addRun(toSearch);
     }
     for (const auto& [folder, firstItem] : toSearch) {
         findHoldersIn(folders_.find(folder), firstItem);
@@ -48,12 +48,12 @@ void NestedItems::follow() {
     }
 }
 
-void NestedItems::takeRun(std::map<std::string, qsizetype>& toSearch) {
-    Run run{taken_, taken_ + 1};
+void NestedItems::addRun(std::map<std::string, qsizetype>& toSearch) {
+    Run run{indexed_, indexed_ + 1};
     while (run.end < items_.size() && items_[run.end]->isBeside(*items_[run.first])) {
         ++run.end;
     }
-    taken_ = run.end;
+    indexed_ = run.end;
     const auto folder = folderOf(*items_[run.first]);
     if (folder.empty()) {
         return;
@@ -61,7 +61,7 @@ void NestedItems::takeRun(std::map<std::string, qsizetype>& toSearch) {
     const auto [known, isNew] = folders_.try_emplace(folder);
     known->second.push_back(run);
     toSearch.try_emplace(folder, run.first);
-    if (isNew) {  // items that came before may hold it
+    if (isNew) {  // earlier items may hold it
         forEachPrefix(folder, [&](const std::string& prefix) {
             if (prefix != folder && folders_.contains(prefix)) {
                 toSearch[prefix] = 0;
@@ -73,7 +73,7 @@ void NestedItems::takeRun(std::map<std::string, qsizetype>& toSearch) {
 void NestedItems::clear() {
     folders_.clear();
     holders_.clear();
-    taken_ = 0;
+    indexed_ = 0;
 }
 
 std::set<std::string> NestedItems::namesThatHoldFolders(Folders::const_iterator folder) const {
@@ -82,7 +82,7 @@ std::set<std::string> NestedItems::namesThatHoldFolders(Folders::const_iterator 
     for (auto next = std::next(folder); next != folders_.end() && next->first.starts_with(path);) {
         const auto holder = next->first.substr(0, next->first.find('/', path.size()));
         names.insert(holder.substr(path.size()));
-        next = folders_.lower_bound(holder + static_cast<char>('/' + 1));  // behind all that begin with it and a slash
+        next = folders_.lower_bound(holder + static_cast<char>('/' + 1));  // skips all paths below the holder
     }
     return names;
 }

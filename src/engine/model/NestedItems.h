@@ -10,37 +10,38 @@
 
 namespace brimvault::engine {
 
-/// Which items of a list lie in which others, by their paths. Folders are kept in sorted order, and of the items only
-/// those that hold others, so that neither a batch of a scan nor a click looks through a very long list. Main thread.
+/// An index of which items of a list lie in which others, by their paths. It keeps the folders sorted, and of the items
+/// only those that hold others, so that neither a batch of a scan nor a click walks through a very long list. Main
+/// thread.
 class NestedItems {
 public:
     using Call = std::function<void(FFItem&)>;
 
-    /// The list outlives it. It changes behind what was taken in only, until `clear`.
+    /// The list outlives it. Until `clear`, items may only be appended to the list.
     explicit NestedItems(const ItemArray& items) : items_(items) {}
 
-    /// Takes in the items that came since, and unticks what holds one of them that is not ticked, or is one of them and
-    /// holds such an item.
-    void follow();
+    /// Indexes the items that were appended since, and unticks every holder of an unticked item, if either of the two
+    /// is new.
+    void addNew();
     void clear();
 
-    /// Every item that lies in the item, however deep.
+    /// Every item inside the item, at any depth.
     void forEachInside(const FFItem& item, const Call& call) const;
-    /// Every item that the item lies in.
+    /// Every item that holds the item.
     void forEachHolder(const FFItem& item, const Call& call) const;
     /// Unticks every item that holds one that is not ticked.
     void untickHoldersOfUnticked() const;
 
 private:
-    /// Items that follow each other in the list and lie in one folder.
+    /// Consecutive items of the list that lie in one folder.
     struct Run {
         qsizetype first;
         qsizetype end;
     };
     using Folders = std::map<std::string, std::vector<Run>>;
 
-    void takeRun(std::map<std::string, qsizetype>& toSearch);
-    /// The names in the folder with which the paths of other folders that have items go on.
+    void addRun(std::map<std::string, qsizetype>& toSearch);
+    /// The names in the folder that lead to other folders with items.
     [[nodiscard]] std::set<std::string> namesThatHoldFolders(Folders::const_iterator folder) const;
     void findHoldersIn(Folders::const_iterator folder, qsizetype firstItem);
     void forEachHolderOf(const std::string& path, const Call& call) const;
@@ -50,7 +51,7 @@ private:
     const ItemArray& items_;
     Folders folders_;                           ///< by path, with a slash at the end
     std::map<std::string, qsizetype> holders_;  ///< items that hold others, by path, with a slash at the end
-    qsizetype taken_ = 0;
+    qsizetype indexed_ = 0;                     ///< how many items of the list are in the index
 };
 
 }  // namespace brimvault::engine

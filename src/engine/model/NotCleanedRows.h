@@ -8,8 +8,8 @@
 
 namespace brimvault::engine {
 
-/// What a clean could not remove, as the rows of its report: the title of every section in which something stayed, and
-/// below it a message for each. A value; one thread at a time.
+/// The rows of the report of what a clean could not remove: for every section in which something stayed its title, and
+/// below it a message for each item. A value; one thread at a time.
 class NotCleanedRows {
 public:
     NotCleanedRows() = default;
@@ -26,11 +26,11 @@ public:
     [[nodiscard]] int count() const { return static_cast<int>(pNotCleanedMessages_.size()); }
     void removeMessages() { pNotCleanedMessages_.clear(); }
 
-    /// A row on one line, whatever stands in it; empty for a row that is not there.
+    /// A row's text with line breaks replaced by spaces; empty for a row out of range.
     [[nodiscard]] QString line(int row) const;
-    /// The title above a message; empty for a row that is none.
+    /// The title above a message; empty if the row is no message.
     [[nodiscard]] QString titleOf(int row) const;
-    /// The messages among the rows, which ascend, each on a line of its own, and above those of a section its title.
+    /// For the clipboard: the messages among the rows (ascending), one to a line, under the titles of their sections.
     [[nodiscard]] QString plainText(const QList<int>& rows) const;
 
 private:

@@ -21,7 +21,7 @@ QSet<const FFItem*> pointers(const ItemArray& items) {
 
 }  // namespace
 
-// The end of a scan brings again what its batches have brought already.
+// The end of a scan repeats what its batches brought; then only the rest is new.
 void SectionItems::replace(const ItemArray& items) {
     if (items_.size() <= items.size() && std::equal(items_.begin(), items_.end(), items.begin())) {
         append(items.mid(items_.size()));
@@ -41,16 +41,16 @@ void SectionItems::append(const ItemArray& items) {
     } else {
         items_ += items;
     }
-    nested_.follow();
+    nested_.addNew();
 }
 
 bool SectionItems::setChecked(FFItem& item, bool checked) {
-    nested_.follow();  // a clean may have changed the list
+    nested_.addNew();  // a clean may have changed the list
     const auto before = CleanableItem::marksRevision();
     const bool changes = item.ppbChecked() != checked;
     const auto untick = [](FFItem& holder) { holder.setPpbChecked(false); };
     item.setPpbChecked(checked);
-    QList<const FFItem*> spared;  // one for each folder: what lies beside each other lies in the same items
+    QList<const FFItem*> spared;  // one for each folder, as siblings have the same holders
     nested_.forEachInside(item, [&](FFItem& inner) {
         if (!checked || inner.mayBeTickedAlong()) {
             inner.setPpbChecked(checked);
@@ -68,7 +68,7 @@ bool SectionItems::setChecked(FFItem& item, bool checked) {
 }
 
 void SectionItems::settleMarks() {
-    nested_.follow();
+    nested_.addNew();
     nested_.untickHoldersOfUnticked();
 }
 
@@ -82,13 +82,13 @@ void SectionItems::remove(const ItemArray& gone) {
         const auto wanted = pointers(gone);
         items_.removeIf([&](const auto& item) { return wanted.contains(item.get()); });
     } else {
-        removeMost(gone);
+        removeMajority(gone);
     }
 }
 
-// A clean goes through the items in their order, so that hardly any need be looked for. It may still hold the array,
-// and changing that would copy what is to go.
-void SectionItems::removeMost(const ItemArray& gone) {
+// A clean removes items in the order of the list, so one parallel pass finds nearly all. The remaining items go into a
+// new array: the clean may still share the old one, and changing that would copy it first.
+void SectionItems::removeMajority(const ItemArray& gone) {
     const ItemArray before = std::exchange(items_, ItemArray());
     auto next = gone.begin();
     for (const auto& item : before) {

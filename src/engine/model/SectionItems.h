@@ -8,7 +8,7 @@
 
 namespace brimvault::engine {
 
-/// What a number of items comes to, as their sizes and marks are when they are added.
+/// Sums over items, with the sizes and marks that they have when they are added.
 struct ItemSums {
     quint64 all = 0;         ///< bytes
     quint64 selected = 0;    ///< bytes
@@ -25,13 +25,13 @@ struct ItemSums {
             unticked += !checked && item.ppbDeletable() ? 1 : 0;
         }
     }
-    /// -1 some, 0 none, 1 all; what cannot be removed counts only when it is ticked.
+    /// -1 some, 0 none, 1 all; what cannot be removed counts only if it is ticked.
     [[nodiscard]] int checkstate() const { return ticked == 0 ? 0 : unticked == 0 ? 1 : -1; }
 };
 
-/// What a section of files holds, however much that is: sums are kept as items come, and lists are told what became of
-/// the items that they have taken in. An item that holds others of the list is ticked only while all of these are,
-/// since they would go with it. Main thread.
+/// The items of a section of files, for hundreds of thousands: sums are cached as items come, and lists can update
+/// incrementally by a generation number and the removed items. An item that holds others of the list is ticked only
+/// while all of these are, since they would be removed with it. Main thread.
 class SectionItems {
 public:
     SectionItems() = default;
@@ -42,37 +42,36 @@ public:
 
     void replace(const ItemArray& items);
     void append(const ItemArray& items);
-    /// Drops every one of them that is there.
+    /// Drops those of them that are in the list.
     void remove(const ItemArray& gone);
 
-    /// Ticks or unticks the item with all that lies in it, and unticks what holds an item that is not ticked then. What
-    /// may not be ticked along stays as it is. Answers whether other items may have changed as well.
+    /// Ticks or unticks the item with all that lies in it, then unticks every holder of an unticked item. Items that
+    /// may not be ticked along keep their marks. Answers whether other items may have changed as well.
     bool setChecked(FFItem& item, bool checked);
-    /// After the marks of many were set one by one: unticks what holds an item that is not ticked.
+    /// To be called after the marks of many items were set one by one: unticks every holder of an unticked item.
     void settleMarks();
 
-    /// The items that were there stay there, and what comes is behind them, for as long as this number is the same.
+    /// While this number is unchanged, items are only appended: those that were there keep their indexes.
     [[nodiscard]] quint64 generation() const { return generation_; }
-    /// What was removed, and nothing else, since the generation before; empty when something else became of the items,
-    /// or when `forgetRemoved` was called.
+    /// The difference to the generation before, if items were only removed; empty after any other change, and after
+    /// `forgetRemoved`.
     [[nodiscard]] const ItemArray& removed() const { return removed_; }
     void forgetRemoved();
 
-    /// With the marks that the items have now.
+    /// With the current marks.
     [[nodiscard]] const ItemSums& sums() const;
 
 private:
     void beginGeneration();
-    void removeMost(const ItemArray& gone);
+    void removeMajority(const ItemArray& gone);
 
     ItemArray items_;
     NestedItems nested_{items_};
     ItemArray removed_;
     quint64 generation_ = 0;
-    // Those of the items up to a place, as long as no mark has changed.
-    mutable ItemSums sums_;
+    mutable ItemSums sums_;  ///< cache: sums of the first `summed_` items
     mutable qsizetype summed_ = 0;
-    mutable quint64 marksRevision_ = 0;
+    mutable quint64 marksRevision_ = 0;  ///< of the cache
 };
 
 }  // namespace brimvault::engine
