@@ -22,7 +22,7 @@ using files::Descend;
 
 namespace {
 
-constexpr qsizetype fewestLocalizations = 2;  // the last one of a folder always stays
+constexpr qsizetype minLocalizations = 2;  // the last one of a folder always stays
 
 }  // namespace
 
@@ -39,7 +39,7 @@ SAOperation::SAOperation(Folder applicationFolder, Folder userApplicationFolder)
 void SAOperation::main() {
     initApplicationsCount();
     collectAppsInfo();
-    leaveRoots();
+    closeRoots();
     sendOperationCompleted();
 }
 
@@ -91,7 +91,7 @@ void SAOperation::collectAppsInfo() {
         }
         const auto percent =
             static_cast<qint64>(static_cast<double>(processed) * 100.0 / static_cast<double>(nTopLevelItemsCount()));
-        if (application->pLocalizations().size() < fewestLocalizations) {
+        if (application->pLocalizations().size() < minLocalizations) {
             tryUpdateProgress({}, percent);
             continue;
         }

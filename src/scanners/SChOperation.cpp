@@ -17,7 +17,7 @@ void SChOperation::initTopLevelItemsCount() {
 void SChOperation::main() {
     initTopLevelItemsCount();
     collectCachesInfo(expect(nTopLevelItemsCount()));
-    leaveRoots({containers_.place()});
+    closeRoots({containers_.place()});
     sendOperationCompleted();
 }
 

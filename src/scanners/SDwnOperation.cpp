@@ -12,7 +12,7 @@ std::optional<std::filesystem::path> SDwnOperation::getOperationRootFolderURL() 
 void SDwnOperation::main() {
     initTopLevelItemsCount();
     collectDownloadsInfo(expect(nTopLevelItemsCount()));
-    leaveRoots();
+    closeRoots();
     sendOperationCompleted();
 }
 

@@ -23,7 +23,7 @@ void SLogsOperation::main() {
     }
     calculateFilesInContainers();
     collectLogs(expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
-    leaveRoots();
+    closeRoots();
     sendOperationCompleted();
 }
 

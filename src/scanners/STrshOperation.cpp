@@ -34,7 +34,7 @@ std::optional<fs::path> STrshOperation::getOperationRootFolderURL() const {
 void STrshOperation::main() {
     initCollectionByFinder();
     collectTrashInfoByFinder(expect(nTopLevelItemsCount()));
-    leaveRoots();
+    closeRoots();
     sendOperationCompleted();
 }
 

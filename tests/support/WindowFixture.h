@@ -107,7 +107,7 @@ private:
 /// One without rights, which notes how often it was let ask for them.
 class ToldRemover final : public engine::PrivilegedRemover {
 public:
-    void letAskUser() override { ++timesLet; }
+    void allowAskingUser() override { ++timesLet; }
     bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
 
     std::atomic<int> timesLet = 0;

@@ -24,7 +24,7 @@ using CleanedApplications = std::map<std::filesystem::path, LocalizationArray>;
 /// A whole number or, as 0 and 1, a boolean one.
 using Number = qint64;
 
-/// Where a section looks for its files.
+/// The folders in which a section looks for its files.
 using Places = QList<std::shared_ptr<const platform::RootPlace>>;
 
 using InfoValue = std::variant<Number, Places, ItemArray, ApplicationArray, NotRemovedDictionary,
@@ -35,10 +35,10 @@ using UserInfo = QHash<QString, InfoValue>;
 struct Notification {
     QString name;
     UserInfo userInfo;
-    std::stop_token recalled = {};  ///< once a stop is requested, nobody is to hear it any more
+    std::stop_token recalled = {};  ///< after a stop request it is delivered no more
 };
 
-/// The value under the key, only when it is of the asked kind; each reader below names the kinds that it is for.
+/// The value under the key, if it is of this type; each reader below names the types that it is for.
 template <typename Value>
 [[nodiscard]] std::optional<Value> getPropfromNotification(const Notification& notification, const QString& key) {
     const auto found = notification.userInfo.constFind(key);

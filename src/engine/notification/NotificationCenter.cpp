@@ -10,7 +10,7 @@ namespace brimvault::engine {
 
 namespace {
 
-// Of what the thread posts just now; without a source it is never recalled.
+// Attached to what this thread posts. The default has no source, so it never stops.
 thread_local std::stop_token recalledHere;
 
 void deleteContents(UserInfo& userInfo) {
@@ -41,8 +41,8 @@ NotificationCenter::Recallable::Recallable(std::stop_token recalled)
 
 NotificationCenter::Recallable::~Recallable() { recalledHere = std::move(before_); }
 
-// The mutex is held while the handler runs, so that ending an observation waits for a handler on another thread; it is
-// recursive, so that a handler may post what it observes, or end its own observation.
+// The mutex is held while the handler runs, so that `end` waits for a handler on another thread. It is recursive, so
+// that a handler may post what it observes, or end its own observation.
 struct NotificationCenter::Observation::Entry {
     std::recursive_mutex mutex;
     bool ended = false;

@@ -16,16 +16,16 @@ namespace brimvault::engine {
 /// Carries notifications between parts that do not know each other. Any thread may post and observe.
 ///
 /// Observers run on the posting thread, before `post` returns, in the order in which they were added. An observer that
-/// touches the model or the window hands over to the main thread without waiting: `addMainThreadObserver` does so.
+/// touches the model or the window must be queued for the main thread: `addMainThreadObserver` does so.
 ///
 /// Once an Observation has ended its handler is not running and will not run. Two exceptions: a handler may end its own
-/// observation; and what was already handed over to the main thread still runs there while its context lives. A handler
-/// must not wait for another thread that posts or ends observations.
+/// observation; and a call that is already queued for the main thread still runs if its context lives. To avoid
+/// deadlock, a handler must not wait for another thread that posts or ends observations.
 class NotificationCenter {
 public:
     using Handler = std::function<void(const Notification&)>;
 
-    /// Observes for as long as it lives. To outlive the center is allowed.
+    /// Observes while it lives. May outlive the center.
     class [[nodiscard]] Observation {
     public:
         Observation() = default;
@@ -43,8 +43,8 @@ public:
         std::shared_ptr<Entry> entry_;
     };
 
-    /// While it lives, what its thread posts can be recalled: once a stop is requested, nobody hears it, not what was
-    /// handed over to the main thread before either.
+    /// While it lives, a stop request drops what its thread posts, including what is already queued for the main
+    /// thread.
     class [[nodiscard]] Recallable {
     public:
         explicit Recallable(std::stop_token recalled);
@@ -60,9 +60,9 @@ public:
     static NotificationCenter& defaultCenter();
 
     Observation addObserver(const QString& name, Handler handler);
-    /// The handler runs on the thread of the context (the main thread's objects live on the main thread), some time
-    /// after the posting; not any more once the context is gone. The observation ends before the context does. Large
-    /// arrays that nobody else holds by then are freed on another thread.
+    /// The handler is queued on the event loop of the context's thread, the main thread, and dropped if the context is
+    /// destroyed first. The observation must end before the context does. Large arrays to which the notification has
+    /// the last reference are freed on another thread.
     Observation addMainThreadObserver(const QString& name, QObject* context, Handler handler);
 
     void post(const QString& name, const UserInfo& userInfo = {});

@@ -12,7 +12,7 @@ namespace notification {
 inline constexpr QLatin1String scanFinished("scanFinished");
 inline constexpr QLatin1String cleanFinished("cleanFinished");
 inline constexpr QLatin1String singleFileRemoveFinished("singleFileRemoveFinished");
-/// Where a scan has looked for files; by the thread of the scan, before the section's finished notification.
+/// The folders in which a scan looked for files; posted by the scan's thread before the finished notification.
 inline constexpr QLatin1String placesFound("placesFound");
 /// Reserved; observed, and posted by nobody.
 inline constexpr QLatin1String updateCleanableSizes("updateCleanableSizes");
@@ -25,7 +25,7 @@ namespace key {
 
 /// Number: how many items a scan expects to find (Language Resources: applications found).
 inline constexpr QLatin1String totalCount("pstrKeyTotalCount");
-/// Number: whole per cents of a scan, 0 to 100; above where more is found than was expected.
+/// Number: whole per cents of a scan, 0 to 100; more if it finds more than it expected.
 inline constexpr QLatin1String progressPercent("pstrKeyProgressPercent");
 /// Dictionary: application path to the localizations removed from it.
 inline constexpr QLatin1String cleanedApplications("pstrKeyCleanedApplicationsDictionary");
@@ -42,8 +42,8 @@ struct SectionVocabulary {
     QLatin1String scanFinished;       ///< array: the whole result
     QLatin1String scanProgress;       ///< delta, or array for the first batch; total count; percent
     QLatin1String cleanFinished;      ///< array: the items that are gone; not-cleaned dictionary
-    QLatin1String interfaceFinished;  ///< the twin that the model posts on the main thread after merging a result
-    QLatin1String interfaceProgress;  ///< the twin after merging progress
+    QLatin1String interfaceFinished;  ///< posted by the model on the main thread after merging a result
+    QLatin1String interfaceProgress;  ///< the same after merging progress
     QLatin1String arrayKey;           ///< array: replaces in a scan, names what is gone in a clean
     QLatin1String deltaKey;           ///< array: appended
     QLatin1String notCleanedKey;      ///< dictionary: item name to reason (Language Resources: to a count)

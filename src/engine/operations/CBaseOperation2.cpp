@@ -9,7 +9,7 @@ namespace brimvault::engine {
 
 namespace {
 
-// A name that is to be looked up inside a folder must be one name, and not that of the folder or the one above.
+// Guards against leaving the folder: the name must be one path component, neither "." nor "..".
 bool isOneName(const std::filesystem::path& name) {
     return !name.empty() && !name.has_parent_path() && name != "." && name != "..";
 }
@@ -28,7 +28,7 @@ bool CBaseOperation2::isToBeCleaned(const FFItem& item) const {
     return item.ppbChecked() && item.ppbDeletable() && item.pfSize() != 0 && isAgreed(item);
 }
 
-// The paths of what the user has spared, or was not asked about, in the order of their bytes.
+// The paths of the items that are unticked, or that the user was not asked about; sorted.
 std::set<std::string> CBaseOperation2::sparedPaths(const ItemArray& items) const {
     std::set<std::string> paths;
     for (const auto& item : items) {

@@ -39,7 +39,7 @@ void CPerformer::giveUpScans() {
     giveUpScansOf([](Section) { return true; });
 }
 
-// Nobody hears of its end, so that its progress would stay on show.
+// A scan that was given up posts no end, so its progress would stay on show.
 void CPerformer::giveUpScansOf(const std::function<bool(Section)>& chosen) {
     for (const Section section : pscaner_.giveUpCancelled(chosen)) {
         pdata_.endScan(section);
@@ -60,7 +60,7 @@ CleanSelection CPerformer::selection(bool bApps, bool bDwn, bool bCache, bool bT
     return selection;
 }
 
-// The result of a scan that is still returning would bring back what the clean removes.
+// The result of a cancelled scan that has not returned would bring back what the clean removes.
 void CPerformer::Clean(const CleanSelection& selection) {
     for (const Section section : allSections) {
         if (selection[section]) {

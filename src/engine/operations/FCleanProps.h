@@ -5,8 +5,7 @@
 
 namespace brimvault::engine {
 
-/// What a clean is to respect. Shared between the façade, which sets it on the main thread, and clean operations, which
-/// read it on theirs.
+/// The options of a clean. The façade sets them on the main thread, clean operations read them on theirs.
 class FCleanProps {
 public:
     /// Identifiers of the languages that must be kept; empty until they are set.

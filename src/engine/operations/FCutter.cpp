@@ -28,7 +28,7 @@ CleanTable CleanTable::fileSections(PrivilegedRemover& remover) {
 void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                     const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
                     const std::optional<ItemArray>& pLogs, const Agreed& agreed) {
-    table_.remover->letAskUser();
+    table_.remover->allowAskingUser();
     agreed_ = agreed;
     const auto done = std::make_shared<CompletionOperation>(&FCutter::CleanDone);
     CleanAppsRes(pApps, done);

@@ -31,7 +31,7 @@ void Operation::run() {
         return;
     }
     const NotificationCenter::Recallable posts(recall_.get_token());
-    // Nobody above could do anything about an exception, and what waits for the operation must go on.
+    // Exceptions end here: no caller could handle them, and what waits for the operation must go on.
     try {
         try {
             main();

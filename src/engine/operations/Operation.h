@@ -12,11 +12,11 @@
 namespace brimvault::engine {
 
 /// A piece of work for an OperationQueue: run once, on a thread of the queue, after the operations that it depends on
-/// have finished. Cancelling is a request: it sets a flag that the work looks at; an operation cancelled before it
-/// began finishes without its `main`. Any thread may call the public functions; what is set is set before queueing.
+/// have finished. Cancelling is a request: `main` polls a stop token. An operation that is cancelled before it began
+/// finishes without running `main`. Any thread may call the public functions; setters only before queueing.
 ///
-/// Work that hangs in the system does not look at the flag. Its operation can be given up: it counts as finished from
-/// then on, and nobody hears what its work still posts.
+/// Work that hangs in a system call cannot poll. Its operation can be given up: from then on it counts as finished, and
+/// what its work still posts is dropped.
 class Operation {
 public:
     Operation() = default;
@@ -32,16 +32,16 @@ public:
     void cancel() { stop_.request_stop(); }
     [[nodiscard]] bool isCancelled() const { return stop_.stop_requested(); }
     [[nodiscard]] bool isFinished() const;
-    /// Blocks the calling thread until the operation, queued before, has returned from its work.
+    /// Blocks until the operation has finished. It must be on a queue.
     void waitUntilFinished() const;
-    /// The same, for no longer than this; false when it has not finished by then.
+    /// The same with a timeout; false if it has not finished by then.
     [[nodiscard]] bool waitUntilFinished(std::chrono::steady_clock::time_point deadline) const;
 
 protected:
     virtual void main() = 0;
-    /// In the place of what `main` left undone when it threw, on its thread: what was done by then can be told.
+    /// Called after `main` has thrown, on its thread, to post what was done until then.
     virtual void failed() {}
-    /// On the thread that gives the operation up, while its own hangs somewhere in `main`.
+    /// Called on the thread that gives the operation up, while `main` still hangs on its own.
     virtual void givenUp() {}
     [[nodiscard]] std::stop_token stopToken() const { return stop_.get_token(); }
 
@@ -53,7 +53,7 @@ private:
     void giveUp();
 
     std::stop_source stop_;
-    std::stop_source recall_;  ///< of what its work posts
+    std::stop_source recall_;  ///< stops the delivery of what its work posts
     std::vector<std::shared_ptr<Operation>> dependencies_;
     std::function<void()> completionBlock_;
 

@@ -9,13 +9,13 @@
 
 #include "files/walk/BackgroundThread.h"
 
-// An operation waits in `waiting_` until all that it depends on has finished and a place is free, runs in `running_`,
-// and leaves the queue before it is marked finished, so that who waited for it does not find it on the queue. Only two
-// events can make an operation startable: one is added, or one has finished; after each, `startReady` looks.
+// An operation waits in `waiting_` until its dependencies have finished and the limit allows, then runs in `running_`.
+// It leaves the queue before it is marked finished, so that a thread that waited for it does not find it on the queue.
+// Only two events can make an operation startable: one is added, or one has finished. `startReady` runs after each.
 //
-// Whether an operation returned or was given up first is decided by who takes it from `running_`: that one marks it
-// finished. A thread that finds its operation given up has nothing more to do, and nobody waits for it; so the threads
-// are detached, and own what they touch together with the queue.
+// An operation may return and be given up at the same time. Whichever thread removes it from `running_` wins the race
+// and marks it finished. A thread whose operation was given up ends silently and nobody joins it; so threads are
+// detached, and share the ownership of `Work` with the queue.
 
 namespace brimvault::engine {
 
@@ -47,7 +47,7 @@ private:
     std::list<std::shared_ptr<Operation>> waiting_;
     std::list<std::shared_ptr<Operation>> running_;
     std::list<std::shared_ptr<Operation>> leftBehind_;
-    int threads_ = 0;  ///< that will look at this again, of their own accord
+    int threads_ = 0;  ///< threads that will still access this object
 };
 
 OperationQueue::OperationQueue(int maxConcurrentOperationCount)
@@ -158,7 +158,7 @@ Operations OperationQueue::Work::takeReady() {
     return ready;
 }
 
-// Where the system gives no thread, the operation ends without its work: there is nobody to do it.
+// If the system can start no thread, the operation finishes without its work.
 void OperationQueue::Work::start(const std::shared_ptr<Operation>& operation) {
     try {
         std::thread([self = shared_from_this(), operation = operation]() mutable {

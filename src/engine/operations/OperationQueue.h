@@ -9,18 +9,18 @@
 
 namespace brimvault::engine {
 
-/// Runs operations on threads of its own, in the order in which they were added, each as soon as it is ready and the
-/// limit allows. An operation is on the queue until it has finished. Any thread may call; destroying the queue cancels
-/// everything and waits. Its threads stand back for the one that shows the window.
+/// Runs operations on threads of its own, in the order in which they were added, each as soon as its dependencies have
+/// finished and the limit on concurrency allows. An operation is on the queue until it has finished. Any thread may
+/// call; the destructor cancels everything and waits. The threads run at a lower priority than the main thread.
 ///
-/// One that hangs can be given up: it leaves the queue, which neither waits for it nor counts it any more. The thread
-/// that it holds is left behind until its work returns, perhaps after the queue is gone.
+/// An operation that hangs can be given up: it leaves the queue, which no longer waits for it nor counts it. Its thread
+/// stays until the work returns, perhaps after the queue has been destroyed.
 class OperationQueue {
 public:
-    /// Every section at once, an earlier scan of each still returning, and the completions.
+    /// Room for every section, a cancelled earlier scan of each, and the completions.
     static constexpr int defaultConcurrency = 16;
-    /// Cancelled scans look at their flag many times a second; one that has not returned by then is taken to hang. A
-    /// clean finishes the item under way, so that who gives cleans up looks first whether they get on
+    /// The timeout for a cancelled operation. Scans poll their stop token many times a second, so a later one hangs. A
+    /// clean finishes its current item first: before giving one up, see whether it makes progress
     /// (files::entriesRemoved).
     static constexpr std::chrono::milliseconds timeToReturn{1000};
 
@@ -32,17 +32,16 @@ public:
     ~OperationQueue();
 
     void addOperation(const std::shared_ptr<Operation>& operation);
-    /// A snapshot: those that run, then those that wait, each in the order of adding.
+    /// A snapshot: those that run, then those that wait, each in the order in which they were added.
     [[nodiscard]] std::vector<std::shared_ptr<Operation>> operations() const;
     /// Cancels everything on the queue and returns at once.
     void cancelAllOperations();
-    /// Cancels all operations on the queue that are chosen, then waits for each of them to finish. Blocks the caller,
-    /// but no longer than `timeToReturn`: what hangs by then is given up, and what still waits finishes without its
-    /// work.
+    /// Cancels the chosen operations on the queue and blocks until they have finished, at most `timeToReturn`: what
+    /// still runs then is given up, and what still waits will finish without its work.
     void cancelAndWait(const Chosen& chosen);
-    /// Cancels and gives up those that run and are chosen; returns at once, with them.
+    /// Cancels and gives up the chosen ones of those that run. Returns them, without waiting.
     std::vector<std::shared_ptr<Operation>> giveUp(const Chosen& chosen);
-    /// A snapshot of those that were given up and have not returned from their work.
+    /// A snapshot of those that were given up and still hang.
     [[nodiscard]] std::vector<std::shared_ptr<Operation>> leftBehind() const;
 
 private:

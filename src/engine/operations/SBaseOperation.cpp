@@ -19,7 +19,7 @@ const SBaseOperation::NamedRoot& SBaseOperation::namedRoot(const std::filesystem
         return known->second;
     }
     NamedRoot found{platform::openSectionRoot(named), false};
-    found.isGivenBefore = std::any_of(roots_.begin(), roots_.end(), [&](const auto& other) {
+    found.isDuplicate = std::any_of(roots_.begin(), roots_.end(), [&](const auto& other) {
         return other.second.root.folder && other.second.root.place->resolved == found.root.place->resolved;
     });
     return roots_.insert_or_assign(named, std::move(found)).first->second;
@@ -31,10 +31,10 @@ const platform::SectionRoot& SBaseOperation::root(const std::filesystem::path& n
 
 const platform::SectionRoot* SBaseOperation::rootToList(const std::filesystem::path& named) const {
     const auto& found = namedRoot(named);
-    return found.root.folder && !found.isGivenBefore ? &found.root : nullptr;
+    return found.root.folder && !found.isDuplicate ? &found.root : nullptr;
 }
 
-void SBaseOperation::leaveRoots(const Places& others) {
+void SBaseOperation::closeRoots(const Places& others) {
     Places places;
     for (const auto& [named, found] : std::exchange(roots_, {})) {
         places.append(found.root.place);
@@ -48,7 +48,7 @@ qint64 SBaseOperation::countTopItemsInOperFolder(files::HiddenEntries hidden) co
     const auto root = getOperationRootFolderURL();
     qint64 count = 0;
     if (root) {
-        // What could be read counts; a folder that cannot be read holds nothing.
+        // Counts what can be read.
         (void)files::forEachChild(*root, hidden, [&](const files::DirectoryEntry&) {
             ++count;
             return !isCancelled();

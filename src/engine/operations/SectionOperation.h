@@ -9,13 +9,13 @@
 
 namespace brimvault::engine {
 
-/// An operation that works on one section; drivers tell their operations apart by it. Any thread.
+/// An operation that works on one section, by which the drivers find it on their queue. Any thread.
 class SectionOperation : public Operation {
 public:
     explicit SectionOperation(Section section) : section_(section) {}
     [[nodiscard]] Section section() const { return section_; }
 
-    /// What a clean removes is among these; others stay, whatever their marks. Before it is queued.
+    /// Restricts a clean to these items; others stay, whatever their marks. To be called before queueing.
     void restrictTo(std::shared_ptr<const AgreedItems> agreed) { agreed_ = std::move(agreed); }
 
 protected:

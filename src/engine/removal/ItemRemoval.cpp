@@ -12,26 +12,26 @@ namespace brimvault::engine {
 
 namespace {
 
-// Only what was removed here takes its record along: while the item is there no other can be trashed under its name,
-// but the record of one that was gone before may already be that of the next.
+// Removes the .trashinfo record, but only of an item that was removed here: if the item was gone before, another one
+// may have been trashed under its name meanwhile, and the record may be that one's.
 void removeRecordOf(const std::filesystem::path& item) {
     const auto record = platform::TrashFolders::recordOfItem(item);
     if (!record) {
         return;
     }
     if (const auto status = files::statusOf(*record); status && status->kind == files::NodeKind::regular) {
-        (void)files::remove(*record);  // one that stays tells of nothing
+        (void)files::remove(*record);  // best effort: a record without an item is harmless
     }
 }
 
 bool isRefusedForRights(const files::Failure& failure) { return failure.code == EACCES || failure.code == EPERM; }
 
-// The folder at a path, links refused, unless it is another one than it was.
+// Opens the folder at a path, without following links; `isSame` tells whether it still is the same folder.
 files::Result<files::DirectoryHandle> openSame(const std::filesystem::path& path, const files::FileIdentity& identity,
-                                               bool& isTheOne) {
+                                               bool& isSame) {
     auto opened = files::DirectoryHandle::open(path);
     const auto status = opened ? opened->status() : files::Result<files::NodeStatus>::failed(opened.code());
-    isTheOne = status && status->identity == identity;
+    isSame = status && status->identity == identity;
     return status ? std::move(opened) : files::Result<files::DirectoryHandle>::failed(status.code());
 }
 
@@ -47,43 +47,44 @@ QString ItemRemoval::exchangedText() {
 
 ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn) {
     if (!path.is_absolute()) {
-        return {false, ItemRemoval::withoutSystemText()};  // where the program was started is no place of a list
+        return {false, ItemRemoval::withoutSystemText()};  // never resolve against the working directory
     }
     if (foundIn == nullptr) {
         return removeNow(path, nullptr);
     }
     const bool leadsThere = leadsWhereItDid(*foundIn);
-    const int code = foundIn->folder ? hold(foundIn, path.parent_path()) : 0;
+    const int code = foundIn->folder ? openFolder(foundIn, path.parent_path()) : 0;
     if (code != 0 && code != ENOENT) {
         return {false, systemText({code, path})};
     }
-    if (!leadsThere || (code == 0 && foundIn->folder && !isTheOne_)) {
+    if (!leadsThere || (code == 0 && foundIn->folder && !isSameFolder_)) {
         return {false, ItemRemoval::exchangedText()};
     }
     if (code == ENOENT) {
-        return {true, {}};  // with the folder that held it
+        return {true, {}};  // gone together with its folder
     }
-    return removeNow(path, foundIn->folder ? &*held_ : nullptr);
+    return removeNow(path, foundIn->folder ? &*folder_ : nullptr);
 }
 
 bool ItemRemover::leadsWhereItDid(const FoundIn& foundIn) {
     if (foundIn.root == nullptr) {
         return true;
     }
-    const auto known = leads_.find(foundIn.root);
-    return known != leads_.end() ? known->second
-                                 : leads_.emplace(foundIn.root, platform::leadsWhereItDid(*foundIn.root)).first->second;
+    const auto known = leadsCache_.find(foundIn.root);
+    return known != leadsCache_.end()
+               ? known->second
+               : leadsCache_.emplace(foundIn.root, platform::leadsWhereItDid(*foundIn.root)).first->second;
 }
 
-int ItemRemover::hold(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder) {
-    if (holding_ == foundIn && held_) {
+int ItemRemover::openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder) {
+    if (folderFoundIn_ == foundIn && folder_) {
         return 0;
     }
-    auto opened = openSame(folder, *foundIn->folder, isTheOne_);
-    holding_ = foundIn;
-    held_.reset();
+    auto opened = openSame(folder, *foundIn->folder, isSameFolder_);
+    folderFoundIn_ = foundIn;
+    folder_.reset();
     if (opened) {
-        held_ = std::move(*opened);
+        folder_ = std::move(*opened);
     }
     return opened.code();
 }
@@ -102,7 +103,7 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
             return {false, ItemRemoval::withoutSystemText()};
         }
     }
-    // Without a stop: an item that was begun is finished.
+    // No stop token: an item that was begun is finished.
     const auto outcome = folder == nullptr ? files::remove(path) : files::removeIn(*folder, path);
     if (outcome.end != files::RemovalEnd::gone &&
         !(isRefusedForRights(*outcome.failure) && !FileManager::isFileLocked(path.parent_path()) &&
@@ -113,10 +114,10 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     return {true, {}};
 }
 
-// Who has more rights is given a path, and looks it up anew.
+// The privileged remover takes a path and resolves it again, so the path must still lead to the same folder.
 bool ItemRemover::isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const {
-    bool isTheOne = folder == nullptr;
-    return isTheOne || (openSame(path, *holding_->folder, isTheOne) && isTheOne);
+    bool isSame = folder == nullptr;
+    return isSame || (openSame(path, *folderFoundIn_->folder, isSame) && isSame);
 }
 
 ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover) {

@@ -15,42 +15,42 @@ namespace brimvault::engine {
 
 struct [[nodiscard]] ItemRemoval {
     bool gone = false;  ///< nothing is left under the path
-    QString reason;     ///< why something is left, for people: in the system's words where it gives any
+    QString reason;     ///< why something is left, for the user: the system's text if there is one
 
-    /// The reason where the system gives none.
+    /// The reason if the system gives none.
     static QString withoutSystemText();
-    /// The reason where the folder is not the one in which the item was found.
+    /// The reason if the folder was exchanged since the item was found.
     static QString exchangedText();
 };
 
-/// Removes items for good: the way that every removal of a file goes, of a whole clean as of a single item. An item
-/// goes from the very folder in which it was found, which is held open meanwhile, or not at all. A folder that no list
-/// of items can rightly hold is refused. Once an item of the desktop's trash is gone, the record of where it came from
-/// goes as well.
+/// Removes items permanently; both a whole clean and a single removal go through it. An item is removed only from the
+/// very folder (by inode) in which it was found, through an open descriptor of it, so that exchanging folders on the
+/// way cannot redirect the removal. Protected folders are refused. With an item of the desktop's trash goes its
+/// .trashinfo record.
 ///
-/// Where the user may not remove it, the remover is asked, once, unless the folder that holds the item is locked
-/// against change. Blocks; one thread, and not the main one. The remover outlives it.
+/// If permission is denied the privileged remover is asked, once, unless the folder of the item is immutable. Blocks;
+/// one thread, and not the main one. The remover outlives it.
 class ItemRemover {
 public:
     explicit ItemRemover(PrivilegedRemover& remover) : remover_(remover) {}
 
-    /// `foundIn` is null for an item that no scan has found: it is then the one that is at the path.
+    /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed.
     ItemRemoval remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn);
 
 private:
     [[nodiscard]] bool leadsWhereItDid(const FoundIn& foundIn);
-    /// 0, or the errno value that keeps the folder from being held.
-    [[nodiscard]] int hold(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
+    /// 0, or the errno value of opening the folder.
+    [[nodiscard]] int openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
     ItemRemoval removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder);
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;
-    std::optional<ProtectedFolders> protected_;  ///< looked up for the first item
-    std::map<std::shared_ptr<const platform::RootPlace>, bool> leads_;
-    // The folder of the last item.
-    std::shared_ptr<const FoundIn> holding_;
-    std::optional<files::DirectoryHandle> held_;
-    bool isTheOne_ = false;  ///< the one in which the items were found
+    std::optional<ProtectedFolders> protected_;  ///< made for the first folder that is to be removed
+    std::map<std::shared_ptr<const platform::RootPlace>, bool> leadsCache_;
+    // The folder of the last item, kept open for the next.
+    std::shared_ptr<const FoundIn> folderFoundIn_;
+    std::optional<files::DirectoryHandle> folder_;
+    bool isSameFolder_ = false;  ///< it is the one in which the items were found
 };
 
 /// Removes the item at the path.

@@ -4,19 +4,18 @@
 
 namespace brimvault::engine {
 
-/// Removes with an administrator's rights what the user may not remove. Any thread but the main one, where nothing else
-/// is said; blocks while the user is asked.
+/// Removes with an administrator's rights what the user may not remove. Any thread but the main one, unless stated
+/// otherwise; blocks while the user is asked.
 class PrivilegedRemover {
 public:
     virtual ~PrivilegedRemover() = default;
 
-    /// From now on the user may be asked for an administrator's password, and once that has been done, no more. Any
-    /// thread.
-    virtual void letAskUser() {}
-    /// Withdraws the question if it is open, and allows none from now on. Any thread.
+    /// Allows one question for an administrator's password from now on. Any thread.
+    virtual void allowAskingUser() {}
+    /// Withdraws an open question, and allows none from now on. Any thread.
     virtual void stopAskingUser() {}
 
-    /// YES only when nothing is left under the path.
+    /// True only if nothing is left under the path.
     [[nodiscard]] virtual bool removeFileAtPath(const std::filesystem::path& path) = 0;
 
     /// One without such rights, which always answers false.

@@ -11,7 +11,7 @@ namespace brimvault::engine {
 
 using platform::LibraryURLs;
 
-// What holds the home folder holds the roots that always lie in it, whether they are there or not.
+// The home folder covers the roots below it that do not exist.
 ProtectedFolders::ProtectedFolders() : ways_(platform::sectionRootWays()) {
     const auto trash = LibraryURLs::namedDesktopTrashFolder();
     auto more = platform::waysOf(
@@ -19,7 +19,7 @@ ProtectedFolders::ProtectedFolders() : ways_(platform::sectionRootWays()) {
     std::move(more.begin(), more.end(), std::back_inserter(ways_));
 }
 
-// By what they are, and by their paths: one that does not answer is known by its path alone.
+// By path too: a folder on a volume that does not answer has no inode to compare.
 bool ProtectedFolders::isOneOrHoldsOne(const std::filesystem::path& path, const files::NodeStatus& item) const {
     const auto beginning = (path / "").native();
     return item.kind == files::NodeKind::directory &&

@@ -8,24 +8,26 @@
 
 namespace brimvault::engine {
 
-/// The folders that no list of items can rightly hold: the sections' own root folders, the home folder, the program's
-/// settings, and whatever holds any of them; as they are when it is made. Known by what the folders are, however they
-/// are spelled, and by their paths, as one on a volume that does not answer is known by nothing else. Any thread but
-/// the main one.
+/// The folders that are never removed: the sections' root folders, the home folder, the program's settings, and every
+/// folder that holds one of them. A snapshot, compared by inode, however a path is spelled, and by path, for folders on
+/// a volume that does not answer. Any thread but the main one.
+///
+/// The root remover has a list of its own (`cleaner-tool/KeptFolders`). The two are deliberately separate: a process
+/// with root rights must not trust the program that asks it.
 class ProtectedFolders {
 public:
     ProtectedFolders();
 
-    /// Of what is at the path.
+    /// Whether the item at the path is a protected folder, or holds one.
     [[nodiscard]] bool isOneOrHoldsOne(const std::filesystem::path& path, const files::NodeStatus& item) const;
-    /// The root folders and the settings; some may not exist.
+    /// The protected folders themselves; some may not exist.
     [[nodiscard]] const std::vector<platform::FolderWay>& ways() const { return ways_; }
 
 private:
     std::vector<platform::FolderWay> ways_;
 };
 
-/// Where they are.
+/// Their paths, symbolic links resolved.
 [[nodiscard]] std::vector<std::filesystem::path> protectedFolders();
 
 }  // namespace brimvault::engine

@@ -33,7 +33,7 @@ public:
     /// The one of the process, for the system that it runs on.
     static Remover& GetInstance();
 
-    void letAskUser() override { dependencies_.authorization.setIsNeedAskAuthentication(true); }
+    void allowAskingUser() override { dependencies_.authorization.setIsNeedAskAuthentication(true); }
     void stopAskingUser() override { dependencies_.authorization.giveUpAsking(); }
     bool removeFileAtPath(const std::filesystem::path& path) override { return removeAsRootFileAtPath(path); }
     [[nodiscard]] bool removeAsRootFileAtPath(const std::filesystem::path& path);

@@ -8,7 +8,7 @@ using cleaner::Operation;
 
 bool RootRemover::isConnected() {
     if (connection_) {
-        takeIn({});
+        receive({});
     }
     return connection_ != nullptr;
 }
@@ -26,7 +26,7 @@ bool RootRemover::respondsToRemoveFileAtPath() {
     return isReady_ && connection_;
 }
 
-// The tool takes plain paths alone, and "/home/name/" is none.
+// The tool accepts normalized paths only: without a trailing slash.
 void RootRemover::keepFolderAtPath(const std::filesystem::path& folder) {
     const auto normal = folder.lexically_normal();
     const auto plain = normal.has_filename() ? normal : normal.parent_path();
@@ -44,15 +44,15 @@ std::optional<std::filesystem::path> RootRemover::removeToTrashFileAtPath(const 
     return answer ? std::optional<std::filesystem::path>(answer->content) : std::nullopt;
 }
 
-// The answer to a request that was done. Anything but an answer or a sign of life ends the connection: an answer that
-// comes later would be taken for that to the next request.
+// None unless the request succeeded. Anything but an answer or a heartbeat closes the connection: a late answer would
+// be taken for that to the next request.
 std::optional<cleaner::Message> RootRemover::ask(Operation operation, const std::filesystem::path& path) {
     if (!respondsToRemoveFileAtPath() || !send(operation, path)) {
         return std::nullopt;
     }
-    auto message = nextMessage(longestSilence);
+    auto message = nextMessage(maxSilence);
     while (message && message->operation == Operation::working) {
-        message = nextMessage(longestSilence);
+        message = nextMessage(maxSilence);
     }
     if (message && message->operation == Operation::done) {
         return message;
@@ -63,7 +63,7 @@ std::optional<cleaner::Message> RootRemover::ask(Operation operation, const std:
     return std::nullopt;
 }
 
-// What is too long to be sent is no path of this system.
+// A path that is too long to be encoded does not exist on this system.
 bool RootRemover::send(Operation operation, const std::filesystem::path& path) {
     const auto bytes = cleaner::encode(operation, path.native());
     if (!bytes || !connection_) {
@@ -75,8 +75,8 @@ bool RootRemover::send(Operation operation, const std::filesystem::path& path) {
     return connection_ != nullptr;
 }
 
-std::optional<cleaner::Message> RootRemover::nextMessage(std::chrono::milliseconds patience) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+std::optional<cleaner::Message> RootRemover::nextMessage(std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     for (;;) {
         arrived_.erase(0, reader_.feed(arrived_));
         if (reader_.isBroken()) {
@@ -88,7 +88,7 @@ std::optional<cleaner::Message> RootRemover::nextMessage(std::chrono::millisecon
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         const auto before = arrived_.size();
         if (connection_) {
-            takeIn(std::max(left, std::chrono::milliseconds::zero()));
+            receive(std::max(left, std::chrono::milliseconds::zero()));
         }
         if (!connection_ || (arrived_.size() == before && left.count() <= 0)) {
             return std::nullopt;
@@ -96,8 +96,8 @@ std::optional<cleaner::Message> RootRemover::nextMessage(std::chrono::millisecon
     }
 }
 
-void RootRemover::takeIn(std::chrono::milliseconds patience) {
-    const auto bytes = connection_->receive(patience);
+void RootRemover::receive(std::chrono::milliseconds timeout) {
+    const auto bytes = connection_->receive(timeout);
     if (bytes) {
         arrived_ += *bytes;
     } else {

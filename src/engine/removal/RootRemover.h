@@ -10,33 +10,33 @@
 
 namespace brimvault::engine {
 
-/// A root remover that the process is connected with. One thread at a time; the requests block until they are answered.
+/// The client's end of a connection with a root remover. One thread at a time; requests block until they are answered.
 class RootRemover {
 public:
-    /// A tool at work gives a sign of life every second; one that is silent for so long has stopped.
-    static constexpr std::chrono::seconds longestSilence{5};
+    /// The timeout between messages: a tool at work sends a heartbeat every second.
+    static constexpr std::chrono::seconds maxSilence{5};
 
     explicit RootRemover(std::unique_ptr<platform::ToolConnection> connection) : connection_(std::move(connection)) {}
 
     [[nodiscard]] bool isConnected();
-    /// Whether the tool has told that it is ready, and is of this program's version.
+    /// Whether the tool has said that it is ready, and speaks this program's version of the protocol.
     [[nodiscard]] bool respondsToRemoveFileAtPath();
-    /// The folder is kept from now on, whatever is asked for.
+    /// From now on the tool refuses to remove the folder.
     void keepFolderAtPath(const std::filesystem::path& folder);
 
-    /// YES when nothing is left under the path. NO also when the tool does not answer; the connection is then over.
+    /// True if nothing is left under the path. False also if the tool does not answer; the connection is then closed.
     [[nodiscard]] bool removeFileAtPath(const std::filesystem::path& path);
-    /// Where in the trash the item is now; none when it was not moved.
+    /// Where in the trash the item is now; none if it was not moved.
     [[nodiscard]] std::optional<std::filesystem::path> removeToTrashFileAtPath(const std::filesystem::path& path);
 
 private:
     [[nodiscard]] std::optional<cleaner::Message> ask(cleaner::Operation operation, const std::filesystem::path& path);
     bool send(cleaner::Operation operation, const std::filesystem::path& path);
-    [[nodiscard]] std::optional<cleaner::Message> nextMessage(std::chrono::milliseconds patience);
-    void takeIn(std::chrono::milliseconds patience);
+    [[nodiscard]] std::optional<cleaner::Message> nextMessage(std::chrono::milliseconds timeout);
+    void receive(std::chrono::milliseconds timeout);
 
-    std::unique_ptr<platform::ToolConnection> connection_;  ///< none once it is over
-    std::string arrived_;                                   ///< and not read yet
+    std::unique_ptr<platform::ToolConnection> connection_;  ///< null once it is closed
+    std::string arrived_;                                   ///< bytes received and not parsed yet
     cleaner::MessageReader reader_;
     bool isReady_ = false;
 };

@@ -24,7 +24,7 @@ bool SingleRemoval::isConfirmed(const std::filesystem::path& path, qsizetype ite
 
 void SingleRemoval::remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
                            const std::function<void(bool success)>& finished) {
-    remover_.letAskUser();
+    remover_.allowAskingUser();
     ++underWay_;
     calls_.call<engine::ItemRemoval>(
         [&remover = remover_, path, foundIn] { return engine::ItemRemover(remover).remove(path, foundIn); },

@@ -146,7 +146,7 @@ protected:
 
 class CountingRemover final : public engine::PrivilegedRemover {
 public:
-    void letAskUser() override { ++letAsk; }
+    void allowAskingUser() override { ++letAsk; }
     void stopAskingUser() override { ++stopped; }
     bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
     int letAsk = 0;
