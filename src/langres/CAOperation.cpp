@@ -43,12 +43,12 @@ void CAOperation::postResults() {
     engine::NotificationCenter::defaultCenter().post(words.cleanFinished, results);
 }
 
-// What is gone is noted at once, since the next removal may hang.
+// Records each removal at once, since the next may hang and the operation be given up.
 void CAOperation::clean(const engine::AppItemData& application, const QStringList& needed) {
     QSet<QString> failed;
     for (const auto& item : application.itemsToClean(needed)) {
         if (isCancelled()) {
-            break;  // what was done by now is told
+            break;  // what was done until now is posted
         }
         const bool gone = isGoneAfterRemoval(*item);
         const std::lock_guard guard(resultsMutex_);
@@ -56,7 +56,7 @@ void CAOperation::clean(const engine::AppItemData& application, const QStringLis
             results_->cleaned[application.pAppName()].append(item);
         } else if (!failed.contains(item->plocNameId)) {
             failed.insert(item->plocNameId);
-            ++results_->notCleaned[application.ppdisplayName()];  // two may share a name
+            ++results_->notCleaned[application.ppdisplayName()];  // applications may share a name
         }
     }
 }

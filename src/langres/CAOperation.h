@@ -13,11 +13,11 @@
 
 namespace brimvault::langres {
 
-/// The clean of the Language Resources section: of every application that is ticked, the localizations that none of the
-/// languages to keep asks for. Without languages to keep nothing is removed, and nothing posted.
+/// The clean of the Language Resources section: removes from every ticked application the localizations of languages
+/// that are not kept. Without languages to keep it removes and posts nothing.
 ///
-/// Of the localizations of a folder one always stays. The records tell which; where it is gone meanwhile, the last one
-/// that is there stays in its place, and counts as not removed.
+/// One localization of each folder always stays; AppItemData decides which. If that one has vanished since the scan,
+/// the last one on disk stays instead, and counts as not removed.
 class CAOperation final : public engine::SectionOperation {
 public:
     /// The remover outlives it.
@@ -36,7 +36,7 @@ protected:
 private:
     struct Results {
         engine::CleanedApplications cleaned;
-        engine::NotCleanedApplications notCleaned;  ///< by language, in however many folders it failed
+        engine::NotCleanedApplications notCleaned;  ///< languages, each counted once however many of its folders failed
     };
 
     void clean(const engine::AppItemData& application, const QStringList& needed);
@@ -46,7 +46,7 @@ private:
     const engine::ApplicationArray pCArray_;
     const std::shared_ptr<engine::FCleanProps> pclprops_;
     engine::ItemRemover remover_;
-    std::mutex resultsMutex_;         ///< protects what follows: who gives the operation up tells of it
+    std::mutex resultsMutex_;         ///< protects what follows, which is posted by the thread that gives up
     std::optional<Results> results_;  ///< none without languages to keep
 };
 

@@ -9,19 +9,19 @@ namespace brimvault::langres {
 /// One language that can be kept, with the user's choice. Main thread.
 class LangItem {
 public:
-    /// With the choice that is stored, else the default.
+    /// With the stored choice, else `bneed`.
     static LangItem initWithName(const QString& identifier, bool bneed, platform::UserDefaults& defaults);
 
     [[nodiscard]] const QString& pName() const { return pName_; }
     [[nodiscard]] bool bNeeded() const { return bNeeded_; }
     /// For this run alone.
     void setBNeeded(bool needed) { bNeeded_ = needed; }
-    /// For this run and the next ones: stored at once.
+    /// For this run and the next ones; stored at once.
     void setNEED(bool needed);
 
     /// The key under which the choice is stored.
     [[nodiscard]] QString keyString() const { return QStringLiteral("LK_%1").arg(pName_); }
-    /// The item as text, for where the language has no name.
+    /// Shown if the language has no name.
     [[nodiscard]] QString description() const { return QStringLiteral("<LangItem: %1>").arg(pName_); }
 
 private:

@@ -11,10 +11,10 @@ namespace {
 
 const QString english = QStringLiteral("en");
 
-// English and its variants are kept, and stand as one row at the top.
+// English and its variants are always kept, and share the first row.
 bool isEnglish(const QString& language) { return language.startsWith(english); }
 
-// The first letter of each word in capitals, as they are in the language of the text.
+// Title case by the rules of the language: Turkish and Azerbaijani capitalize i with its dot.
 QString capitalized(const QString& text, const QString& language) {
     const QString family = language.section(QLatin1Char('-'), 0, 0);
     const bool keepsDot = family == QLatin1String("tr") || family == QLatin1String("az");
@@ -100,7 +100,8 @@ QString LangListController::text(int row) const {
 
 void LangListController::updateCleaningState(bool cleaning) {
     bEnabled_ = !cleaning;
-    Q_EMIT dataChanged(index(0, checkColumn), index(rowCount() - 1, checkColumn));  // another look, the same states
+    Q_EMIT dataChanged(index(0, checkColumn),
+                       index(rowCount() - 1, checkColumn));  // they look different, though their states are the same
 }
 
 int LangListController::rowCount(const QModelIndex& parent) const {
@@ -132,7 +133,7 @@ bool LangListController::setData(const QModelIndex& index, const QVariant& value
     }
     const bool wasSingle = isSingleChecked();
     setLangNeededState(index.row(), value.toInt() == Qt::Checked);
-    const bool others = wasSingle || isSingleChecked();  // whether a last one may be unchecked follows
+    const bool others = wasSingle || isSingleChecked();  // the only checked row cannot be unchecked
     Q_EMIT dataChanged(others ? this->index(0, checkColumn) : index,
                        others ? this->index(rowCount() - 1, checkColumn) : index, {Qt::CheckStateRole});
     return true;

@@ -12,27 +12,26 @@
 
 namespace brimvault::langres {
 
-/// The rows of the languages list: which languages are offered, which of them are kept, and what may be changed of it.
-/// English heads the list and always stays, with all its variants. Every change is stored at once, and told. Main
-/// thread.
+/// The model of the languages list: which languages are offered, which are kept, and which may be changed. English is
+/// the first row and always stays, with all its variants. Every change is stored and reported at once. Main thread.
 class LangListController final : public QAbstractTableModel {
 public:
     enum Column { checkColumn, iconColumn, textColumn };
     static constexpr int columns = 3;
-    /// The name of a row's flag, as bytes.
+    /// The name of a row's flag picture, as bytes.
     enum Role { iconRole = Qt::UserRole };
 
-    /// Hears the languages to keep, first in the constructor and then after every change.
+    /// Called with the languages to keep, first in the constructor and then after every change.
     using ChangeListener = std::function<void(const QStringList&)>;
 
-    /// Builds the rows once; they stay the same for the life of the object. The defaults outlive it.
+    /// Builds the rows, which do not change afterwards. The defaults outlive the model.
     LangListController(const LanguagesManager& languages, platform::UserDefaults& defaults,
                        ChangeListener changedListOfLangs);
 
     /// Identifiers of the languages to keep.
     [[nodiscard]] const QStringList& getNeededLangsArray() const { return pneededStrArray_; }
 
-    /// Rows that are not there change nothing and answer NO, or nothing.
+    /// A row out of range changes nothing and answers false, or an empty text.
     void setLangNeededState(int row, bool bstate);
     [[nodiscard]] bool getLangNeededState(int row) const;
     [[nodiscard]] bool canEditRowCheck(int row) const;
@@ -40,9 +39,9 @@ public:
     [[nodiscard]] bool isSingleChecked() const;
     /// The row is the one that is checked.
     [[nodiscard]] bool isLatestCheckedItem(int row) const;
-    /// The name of the flag's picture: the identifier in capitals. There need not be such a picture.
+    /// The name of the flag's picture: the identifier in upper case. The picture may not exist.
     [[nodiscard]] QString getIconforRow(int row) const;
-    /// The language's name in the user's own, or the item's description where it has none.
+    /// The language's name in the user's own language, or the item's description if it has none.
     [[nodiscard]] QString text(int row) const;
     /// Nothing can be changed while a clean runs.
     void updateCleaningState(bool cleaning);
@@ -62,10 +61,10 @@ private:
 
     platform::UserDefaults& defaults_;
     ChangeListener pLangChangeListener_;
-    const QStringList offered_;         ///< in the order in which they are kept; English with its variants among them
+    const QStringList offered_;         ///< including English and its variants; the order of the languages to keep
     std::vector<LangItem> plangArray_;  ///< the rows: English, then the others as offered
     QStringList pneededStrArray_;
-    QHash<QString, QString> names_;  ///< identifier to name in the user's own language; empty for none
+    QHash<QString, QString> names_;  ///< identifier to name in the user's own language; may be empty
     bool bEnabled_ = true;
 };
 

@@ -12,7 +12,7 @@ namespace {
 
 const std::string systemPrefix = "com.apple.";
 
-// Only identifiers with the prefix are looked up, so the last three are never found; they are kept on purpose.
+// Only identifiers with the prefix "com.apple." are looked up, so the last three never match; kept on purpose.
 const std::unordered_set<std::string>& generateAppleSystemBundleIdentifiers() {
     static const std::unordered_set<std::string> identifiers = {
         "com.apple.ActivityMonitor",
@@ -73,7 +73,7 @@ const std::unordered_set<std::string>& generateAppleSystemBundleIdentifiers() {
     return identifiers;
 }
 
-// Those in which most applications are to be had, the most common first.
+// The languages of most applications, the most common first.
 QStringList commonLanguages() {
     QStringList languages;
     for (const char* identifier : {"en",    "fr", "de", "zh-Hans", "zh-Hant", "ja", "es", "it", "nl", "ko", "pt",
@@ -96,7 +96,7 @@ void appendNew(QStringList& languages, const QStringList& more) {
 
 const LanguagesManager& LanguagesManager::sharedManager() {
     using platform::MacOSVersion;
-    // On 10.9 the languages offered are those that the user uses.
+    // On 10.9 only the languages that the user uses are offered.
     static const LanguagesManager manager({platform::LocaleIdentifiers::preferredLanguages(),
                                            platform::currentInputSources(),
                                            MacOSVersion::is_10_10_orHigher() || !MacOSVersion::is_10_9_orHigher()});

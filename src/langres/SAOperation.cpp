@@ -55,7 +55,7 @@ void SAOperation::initApplicationsCount() {
     setTopLevelItemsCount(static_cast<qint64>(pAppsPaths_.size()));
 }
 
-// What lies in a package belongs to it.
+// Packages inside a package are not scanned by themselves.
 void SAOperation::countPackagesBelow(const platform::SectionRoot& root) {
     const auto& path = root.place->resolved;
     (void)files::forEachFolder(*root.folder, path, files::HiddenEntries::skip, stopToken(), [&](const auto& found) {
@@ -84,7 +84,7 @@ void SAOperation::collectAppsInfo() {
         ++processed;
         const auto application = applications.take(number);
         if (isCancelled()) {
-            return;  // what was read is not whole
+            return;  // it may have been read in part
         }
         if (!application) {
             continue;
@@ -110,7 +110,7 @@ std::shared_ptr<AppItemData> SAOperation::readPackage(const FoundPackage& found)
     return application;
 }
 
-// A package that cannot be judged is left alone.
+// A package whose properties cannot be read is left alone.
 bool SAOperation::isToBeScanned(const std::filesystem::path& path) {
     try {
         return isFolder(path) &&
@@ -122,7 +122,7 @@ bool SAOperation::isToBeScanned(const std::filesystem::path& path) {
     }
 }
 
-// Those of one folder share what is known of it. Where it cannot be told from another, they are left alone.
+// Localizations of one folder share its FoundIn. If the folder has no readable inode, they are left alone.
 void SAOperation::collectLocalizations(AppItemData& application,
                                        const std::shared_ptr<const platform::RootPlace>& root) const {
     std::shared_ptr<const engine::FoundIn> holder;
@@ -143,8 +143,8 @@ void SAOperation::collectLocalizations(AppItemData& application,
     (void)files::forEachFolder(application.pAppName(), files::HiddenEntries::skip, stopToken(), collect);
 }
 
-// A batch that is all there is so far replaces what the model holds; that is so of the first application, and of every
-// report before it.
+// A batch that has everything found so far replaces what the model holds: the first application, and every empty batch
+// before it.
 void SAOperation::tryUpdateProgress(const ApplicationArray& delta, qint64 nprogr) const {
     const auto words = engine::vocabulary(section());
     const bool everything = delta.size() == pAppsArray_.size();

@@ -10,13 +10,13 @@
 namespace brimvault::langres {
 
 /// The scan of the Language Resources section: every package below the Applications folders that has at least two
-/// localizations, with what each of them holds. Which of them may go is decided later, by the languages to keep.
+/// localizations, with their sizes. Which of them may be removed AppItemData decides later, by the languages to keep.
 class SAOperation final : public engine::SBaseOperation {
 public:
     using Folder = std::optional<std::filesystem::path>;
 
     SAOperation();
-    /// Of these folders, none for one that the system does not have.
+    /// Scans these folders; none for one that the system does not have.
     SAOperation(Folder applicationFolder, Folder userApplicationFolder);
 
     [[nodiscard]] Folder getOperationRootFolderURL() const override { return applicationFolder_; }
@@ -34,7 +34,7 @@ private:
     void initApplicationsCount();
     void countPackagesBelow(const platform::SectionRoot& root);
     void collectAppsInfo();
-    /// None for a package that is left alone; at once, and not whole, when the operation is cancelled meanwhile.
+    /// Null for a package that is left alone. Returns early with partial results once the operation is cancelled.
     [[nodiscard]] std::shared_ptr<engine::AppItemData> readPackage(const FoundPackage& found) const;
     [[nodiscard]] static bool isToBeScanned(const std::filesystem::path& path);
     void collectLocalizations(engine::AppItemData& application,

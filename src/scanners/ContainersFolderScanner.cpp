@@ -4,8 +4,7 @@
 
 namespace brimvault::scanners {
 
-// Only what has exactly one name counts as a container: a file with further names is none, and what cannot be looked at
-// is left out.
+// Only entries with one hard link count as containers. An entry that cannot be read is left out.
 ContainersFolderScanner::Folders ContainersFolderScanner::listContainerFolders() {
     const auto root = platform::openSectionRoot(containersFolderURL_);
     place_ = root.place;

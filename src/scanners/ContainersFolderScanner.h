@@ -8,8 +8,8 @@
 
 namespace brimvault::scanners {
 
-/// Lists the containers of sandboxed applications: for each, the folder of its caches and that of its logs, at the same
-/// index of two lists. Neither folder need exist. One thread at a time; ContainersFolderScannerManager sees to it.
+/// Lists the containers of sandboxed applications: for each, its caches folder and its logs folder, at the same index
+/// of two lists. Neither folder need exist. One thread at a time; ContainersFolderScannerManager ensures that.
 class ContainersFolderScanner {
 public:
     using Folders = std::vector<std::filesystem::path>;
@@ -19,10 +19,10 @@ public:
 
     [[nodiscard]] const Folders& logs() const { return logs_; }
     [[nodiscard]] const Folders& caches() const { return caches_; }
-    /// The lists are those of a listing since the last reset; an empty listing counts.
+    /// True after a listing since the last reset, even if it found no container.
     [[nodiscard]] bool isLoaded() const { return isLoaded_; }
 
-    /// Where the containers were looked for; null before a listing.
+    /// The folder of the containers; null before a listing.
     [[nodiscard]] const std::shared_ptr<const platform::RootPlace>& place() const { return place_; }
 
     /// Fills the empty lists.

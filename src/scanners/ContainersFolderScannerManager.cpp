@@ -18,7 +18,7 @@ ContainersFolderScannerManager::Listing ContainersFolderScannerManager::load() c
     return scanner;
 }
 
-// Who asks first leaves the promise of the answer behind, and lists without the lock.
+// The first caller leaves a future for the others, and lists without the lock.
 ContainersFolderScannerManager::Listing ContainersFolderScannerManager::loaded() {
     std::packaged_task<Listing()> listing;
     std::shared_future<Listing> answer;

@@ -9,16 +9,16 @@
 
 namespace brimvault::scanners {
 
-/// The containers' folders for scans that may run side by side: listed once, by whoever asks first after a reset, while
-/// the others wait. Any thread; answers are copies.
+/// A cache of the containers' folders for scans that run concurrently: the first caller after a reset lists them, the
+/// others wait for its result. Any thread; answers are copies.
 ///
-/// A listing that hangs holds up those who wait for it, and nobody else: after a reset the folder is listed afresh.
+/// A listing that hangs blocks only the callers that wait for it: after a reset the folder is listed afresh.
 class ContainersFolderScannerManager {
 public:
     using Folders = ContainersFolderScanner::Folders;
 
     explicit ContainersFolderScannerManager(const std::filesystem::path& containersFolder);
-    /// Over scanners of the caller's; each is asked to scan once.
+    /// With scanners made by the caller; each scans once.
     explicit ContainersFolderScannerManager(std::function<std::unique_ptr<ContainersFolderScanner>()> makeScanner)
         : makeScanner_(std::move(makeScanner)) {}
     /// The one of the process, for the user's own containers.
@@ -26,9 +26,9 @@ public:
 
     [[nodiscard]] Folders logs() { return loaded()->logs(); }
     [[nodiscard]] Folders caches() { return loaded()->caches(); }
-    /// Where they lie; never null.
+    /// The folder of the containers; never null.
     [[nodiscard]] std::shared_ptr<const platform::RootPlace> place() { return loaded()->place(); }
-    /// The next question lists the containers again.
+    /// The next call lists the containers again.
     void reset();
 
 private:
@@ -38,8 +38,8 @@ private:
     [[nodiscard]] Listing load() const;
 
     const std::function<std::unique_ptr<ContainersFolderScanner>()> makeScanner_;
-    std::mutex lock_;                      ///< protects what follows; nothing is listed under it
-    std::shared_future<Listing> listing_;  ///< since the last reset; not valid before somebody asks
+    std::mutex lock_;                      ///< protects what follows; not held while listing
+    std::shared_future<Listing> listing_;  ///< since the last reset; not valid before the first call
 };
 
 }  // namespace brimvault::scanners

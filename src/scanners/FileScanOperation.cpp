@@ -21,7 +21,7 @@ std::shared_ptr<const engine::FoundIn> foundIn(const std::string& path, const fi
 
 }  // namespace
 
-void FileScanOperation::iterateFiles(const HeldFolder& folder, files::HiddenEntries hidden,
+void FileScanOperation::iterateFiles(const OpenFolder& folder, files::HiddenEntries hidden,
                                      const std::function<void(const std::filesystem::path&)>& call) const {
     (void)files::forEachChild(folder.handle, hidden, [&](const files::DirectoryEntry& entry) {
         if (isCancelled()) {
@@ -46,7 +46,7 @@ void FileScanOperation::withFolderInside(const std::filesystem::path& path,
     }
 }
 
-void FileScanOperation::collectFilesIn(const HeldFolder& folder, files::HiddenEntries hidden, Addressed addressed,
+void FileScanOperation::collectFilesIn(const OpenFolder& folder, files::HiddenEntries hidden, Addressed addressed,
                                        ScanBatches& batches, const Skipped& skipped) const {
     const auto place = foundIn((folder.path / "").native(), folder.handle, folder.root);
     const auto sizes = [&](const char* name) {
@@ -70,7 +70,7 @@ void FileScanOperation::collectFile(FoundFile found, ScanBatches& batches) const
     if (found.size == 0) {
         found.size = getFileFolderSize(found.path);
     }
-    if (!isCancelled()) {  // else measured in part: not what the item holds
+    if (!isCancelled()) {  // else the size is a partial sum
         addItem(found, batches);
     }
 }
@@ -96,7 +96,7 @@ void FileScanOperation::sendOperationCompleted() const {
     batches_.value_or(ScanBatches(section(), 0)).sendOperationCompleted();
 }
 
-// The folder is looked up by its path, links refused; where it cannot be, the item could not be measured either.
+// The folder is opened without following links. If that fails, its inode stays unknown.
 std::shared_ptr<const engine::FoundIn> FileScanOperation::placeOf(const FoundFile& found) const {
     const auto folder = found.path.parent_path();
     const bool isNamedSo = found.name == found.path.filename();

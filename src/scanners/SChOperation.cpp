@@ -22,7 +22,7 @@ void SChOperation::main() {
 }
 
 void SChOperation::collectCachesInfo(ScanBatches& batches) const {
-    withRoot(platform::LibraryURLs::namedCachesFolder(), [&](const HeldFolder& folder) {
+    withRoot(platform::LibraryURLs::namedCachesFolder(), [&](const OpenFolder& folder) {
         collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byPath, batches);
     });
     const auto place = containers_.place();

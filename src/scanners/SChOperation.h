@@ -6,7 +6,7 @@
 namespace brimvault::scanners {
 
 /// The scan of the Caches section: every visible entry of the user's caches folder, then the caches folder of every
-/// application container as one item each, whether it exists or not. Nothing else is left out and nothing is sorted.
+/// application container as one item each, whether it exists or not. Unsorted.
 class SChOperation final : public FileScanOperation {
 public:
     explicit SChOperation(ContainersFolderScannerManager& containers = ContainersFolderScannerManager::shared())

@@ -17,7 +17,7 @@ void SDwnOperation::main() {
 }
 
 void SDwnOperation::collectDownloadsInfo(ScanBatches& batches) const {
-    withRoot(platform::LibraryURLs::namedDownloadsFolder(), [&](const HeldFolder& folder) {
+    withRoot(platform::LibraryURLs::namedDownloadsFolder(), [&](const OpenFolder& folder) {
         collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byName, batches);
     });
 }

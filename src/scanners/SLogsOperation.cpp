@@ -59,16 +59,16 @@ bool SLogsOperation::isSourceNeedToSkipFile(LogSource source, const std::filesys
 
 void SLogsOperation::iterateFilesFromSource(LogSource source, const FileBlock& block) const {
     forEachFolderOfSource(source,
-                          [&](const HeldFolder& folder) { iterateFiles(folder, files::HiddenEntries::skip, block); });
+                          [&](const OpenFolder& folder) { iterateFiles(folder, files::HiddenEntries::skip, block); });
 }
 
-// Every visible child of the folder of containers counts as a container here.
+// Here every visible child of the containers folder counts as a container.
 void SLogsOperation::forEachFolderOfSource(LogSource source, const FolderBlock& block) const {
     const auto named = urlOfSource(source);
     if (!named) {
         return;
     }
-    withRoot(*named, [&](const HeldFolder& folder) {
+    withRoot(*named, [&](const OpenFolder& folder) {
         if (source != containerLogs) {
             block(folder);
             return;
@@ -87,15 +87,15 @@ void SLogsOperation::calculateFilesInContainers() {
     setTopLevelItemsCount(nTopLevelItemsCount() + static_cast<qint64>(containers_.logs().size()));
 }
 
-// What is skipped was counted, and moves the progress on.
+// Skipped files were counted, so they advance the progress.
 void SLogsOperation::collectFilesFromSource(LogSource source, ScanBatches& batches) const {
-    forEachFolderOfSource(source, [&](const HeldFolder& folder) {
+    forEachFolderOfSource(source, [&](const OpenFolder& folder) {
         collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byPath, batches,
                        [&](const auto& name) { return isSourceNeedToSkipFile(source, name); });
     });
 }
 
-// This pass goes to its end, also once the operation is cancelled, and so do its measurements.
+// This pass and its measurements run to the end even if the operation is cancelled.
 void SLogsOperation::collectFromContainers(ScanBatches& batches) const {
     const auto place = containers_.place();
     for (const auto& logs : containers_.logs()) {

@@ -8,13 +8,13 @@
 
 namespace brimvault::scanners {
 
-/// The scan of the Logs section: the visible entries of four sources one by one, then the logs folder of every
-/// application container as one item each. What the containers hold is listed twice on purpose, singly and as a whole.
-/// A first pass counts what five passes then list.
+/// The scan of the Logs section: the visible entries of four sources, then the logs folder of every application
+/// container as one item each. The containers' logs are listed twice on purpose, singly and as a whole. A first pass
+/// counts what five passes then list.
 class SLogsOperation final : public FileScanOperation {
 public:
     /// Number of a source of logs: 0 the user's logs, 1 the crash reporter's, 2 the system's logs, 3 those inside the
-    /// containers. Any other number has no folder and gives nothing.
+    /// containers. Any other number has no folder.
     using LogSource = int;
     using FileBlock = std::function<void(const std::filesystem::path&)>;
 
@@ -24,7 +24,7 @@ public:
 
     /// The source's folder; none for an unknown number.
     [[nodiscard]] std::optional<std::filesystem::path> urlOfSource(LogSource source) const;
-    /// What the user's logs hold and other programs look after.
+    /// Whether the entry is one of the user's logs that other programs manage.
     [[nodiscard]] static bool isSourceNeedToSkipFile(LogSource source, const std::filesystem::path& name);
 
 protected:

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// 0, to be measured, for anything but a whole number of bytes.
+// 0, which means to be measured, for anything but a whole number of bytes.
 quint64 sizeFrom(const std::string& text) {
     qint64 size = 0;
     const char* const end = text.data() + text.size();
@@ -50,7 +50,7 @@ void STrshOperation::initCollectionByFinder() {
 
 std::vector<fs::path> STrshOperation::readPairs(const std::vector<std::string>& answer) {
     std::vector<fs::path> paths;
-    std::map<fs::path, bool> isTrashFolder;  // asked once for each folder: the answer takes some looking up
+    std::map<fs::path, bool> isTrashFolder;  // cache: the check reads the file system
     for (std::size_t at = 0; at + 1 < answer.size() && !isCancelled(); at += 2) {
         const fs::path path = answer[at];
         auto known = isTrashFolder.find(path.parent_path());
@@ -85,8 +85,8 @@ bool STrshOperation::mayListItemsOf(const fs::path& folder) const {
            platform::TrashFolders::holdsItems(folder);
 }
 
-// Items of one name in several trash folders may be told of under one path, as often as there are such items. They are
-// looked for in every folder that the answer mentions.
+// The script may list items of the same name in several trash folders under one path, repeated. The others are looked
+// for in every folder that its answer mentions.
 void STrshOperation::fixPathsWithSameFileNames(const std::vector<fs::path>& paths) {
     if (pathSizeDictionary_.size() >= paths.size()) {
         return;
@@ -132,7 +132,7 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
 void STrshOperation::collectTrashInfo(ScanBatches& batches) const {
     const auto hidden =
         sources_.finder.isHiddenFilesVisibleInFinder() ? files::HiddenEntries::include : files::HiddenEntries::skip;
-    withRoot(platform::LibraryURLs::namedTrashFolder(), [&](const HeldFolder& folder) {
+    withRoot(platform::LibraryURLs::namedTrashFolder(), [&](const OpenFolder& folder) {
         const bool isShared = platform::TrashFolders::isSharedByUsers(folder.path);
         collectFilesIn(folder, hidden, Addressed::byName, batches,
                        [&](const fs::path& name) { return isShared && platform::TrashFolders::isUsers(name); });

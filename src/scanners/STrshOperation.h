@@ -12,14 +12,14 @@
 namespace brimvault::scanners {
 
 /// The scan of the Trash section: every item of the Trash as the desktop shows it, on all volumes, as the script
-/// "TrashScan" lists them. Where the script tells of none, the home folder's ".Trash" is listed instead, whose items
-/// are then addressed by their names.
+/// "TrashScan" lists them. If the script lists none, the home folder's ".Trash" is listed instead, and its items are
+/// addressed by their names.
 class STrshOperation final : public FileScanOperation {
 public:
-    /// What the scan asks. The preferences outlive it.
+    /// Where the scan gets its data. The preferences outlive it.
     struct Sources {
         QString script = QStringLiteral(":/scripts/TrashScan");
-        std::chrono::milliseconds scriptLimit{10'000};  ///< a volume that does not answer is not waited for longer
+        std::chrono::milliseconds scriptLimit{10'000};  ///< timeout, as a volume may not answer
         platform::FinderPreferences& finder = platform::FinderPreferences::shared();
     };
 
@@ -34,7 +34,7 @@ protected:
 
 private:
     void initCollectionByFinder();
-    /// Takes path and size in turn; a path without a size is none, and neither is one that lies in no trash folder.
+    /// Parses alternating paths and sizes. Ignores a last path without a size, and paths outside of trash folders.
     [[nodiscard]] std::vector<std::filesystem::path> readPairs(const std::vector<std::string>& answer);
     /// The root folder whose items lie in the folder; null for a volume's trash folder.
     [[nodiscard]] std::shared_ptr<const platform::RootPlace> rootOf(const std::filesystem::path& folder) const;
@@ -45,7 +45,7 @@ private:
 
     Sources sources_;
     mutable std::map<std::filesystem::path, std::shared_ptr<const platform::RootPlace>> rootsOfFolders_;
-    std::map<std::filesystem::path, quint64> pathSizeDictionary_;  ///< bytes; 0 where the script does not know
+    std::map<std::filesystem::path, quint64> pathSizeDictionary_;  ///< bytes; 0 if the script does not know
 };
 
 }  // namespace brimvault::scanners

@@ -50,7 +50,7 @@ qint64 ScanBatches::percent() const {
     return beyondExpected_ == Percent::cappedAtHundred ? std::min<qint64>(percent, 100) : percent;
 }
 
-// The first batch is everything found so far and replaces what an earlier scan left in the model.
+// The first batch, which has all items found so far, replaces the results of an earlier scan in the model.
 void ScanBatches::tryUpdateProgress(qint64 percent) const {
     const auto words = engine::vocabulary(section_);
     const bool everything = batch_.size() == items_.size();

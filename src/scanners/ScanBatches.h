@@ -8,22 +8,22 @@
 
 namespace brimvault::scanners {
 
-/// The results of one scan of a section of files, and the batches in which they are reported while it runs: about
-/// seventy-five of them, whatever the number of items. One thread, the operation's.
+/// The results of one scan of a section of files. While the scan runs it posts them in about 75 batches, whatever the
+/// number of items, to throttle the progress. One thread, the operation's.
 ///
-/// For each item `step` comes first and then, with what was measured, `add`: so a batch never holds the item that
-/// closed it, and what came after the last batch reaches the model only with the finished notification.
+/// For each item the scan calls `step` before it measures, then `add`. So a batch does not contain the item whose
+/// `step` posted it, and items after the last batch reach the model only with the finished notification.
 class ScanBatches {
 public:
-    /// What the per cent says when more is found than was expected.
+    /// The progress if more is found than was expected.
     enum class Percent { goesOn, cappedAtHundred };
 
     ScanBatches(engine::Section section, qint64 expectedCount, Percent beyondExpected = Percent::goesOn);
 
-    /// For scans that list in several passes: counts and batches from the start again, and keeps what was found. What
-    /// the last batch of a pass held reaches the model with the finished notification.
+    /// For scans with several passes: restarts the count and the batch, and keeps what was found. Items of an unposted
+    /// batch reach the model with the finished notification.
     void beginPass();
-    /// Counts one item, and posts the batch when it is due.
+    /// Counts one item, and posts the batch if it is due.
     void step();
     void add(const std::shared_ptr<engine::FFItem>& item);
     /// Posts the finished notification with everything that was added.
