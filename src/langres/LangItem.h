@@ -10,14 +10,21 @@ namespace brimvault::langres {
 class LangItem {
 public:
     /// With the stored choice, else `bneed`.
-    static LangItem initWithName(const QString& identifier, bool bneed, platform::UserDefaults& defaults);
+    static LangItem initWithName(const QString& identifier, bool bneed, platform::UserDefaults& defaults) {
+        LangItem item(identifier, bneed, defaults);
+        item.initFromDefaults();
+        return item;
+    }
 
     [[nodiscard]] const QString& pName() const { return pName_; }
     [[nodiscard]] bool bNeeded() const { return bNeeded_; }
     /// For this run alone.
     void setBNeeded(bool needed) { bNeeded_ = needed; }
     /// For this run and the next ones; stored at once.
-    void setNEED(bool needed);
+    void setNEED(bool needed) {
+        bNeeded_ = needed;
+        saveToDefaults();
+    }
 
     /// The key under which the choice is stored.
     [[nodiscard]] QString keyString() const { return QStringLiteral("LK_%1").arg(pName_); }
@@ -27,7 +34,11 @@ public:
 private:
     LangItem(QString identifier, bool bneed, platform::UserDefaults& defaults)
         : pName_(std::move(identifier)), bNeeded_(bneed), defaults_(&defaults) {}
-    bool initFromDefaults();
+    bool initFromDefaults() {
+        const auto stored = defaults_->boolean(keyString());
+        bNeeded_ = stored.value_or(bNeeded_);
+        return stored.has_value();
+    }
     void saveToDefaults() const { defaults_->setBoolean(keyString(), bNeeded_); }
 
     QString pName_;
