@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "cleaner-tool/ApplicationProcess.h"
-#include "cleaner-tool/Descriptor.h"
+#include "files/FileDescriptor.h"
 
 namespace brimvault::cleaner {
 
@@ -22,7 +22,7 @@ struct Client {
 class ClientConnection {
 public:
     /// A connection that tells of each message who has sent it. The application outlives it.
-    ClientConnection(Descriptor connection, const Client& client)
+    ClientConnection(files::FileDescriptor connection, const Client& client)
         : connection_(std::move(connection)), client_(client) {}
 
     [[nodiscard]] int descriptor() const { return connection_.number(); }
@@ -42,7 +42,7 @@ public:
 private:
     [[nodiscard]] ssize_t receiveFromClient(std::span<char> bytes) const;
 
-    Descriptor connection_;
+    files::FileDescriptor connection_;
     Client client_;
 };
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "cleaner-tool/ClientConnection.h"
-#include "cleaner-tool/Descriptor.h"
+#include "files/FileDescriptor.h"
 
 namespace brimvault::cleaner {
 
@@ -18,7 +18,7 @@ namespace brimvault::cleaner {
 
 /// Waits under the name in the folder for the client, turns everybody else away, and then is there for nobody any more.
 /// No descriptor where the name is taken, when the application ends, or when it has not come in time.
-[[nodiscard]] Descriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
-                                     std::chrono::milliseconds patience);
+[[nodiscard]] files::FileDescriptor awaitClient(const std::filesystem::path& folder, const std::string& name,
+                                                const Client& client, std::chrono::milliseconds patience);
 
 }  // namespace brimvault::cleaner

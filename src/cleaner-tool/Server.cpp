@@ -17,16 +17,16 @@ constexpr std::chrono::seconds signOfLife{1};
 // What is done on a thread, and who waits for it: closing its end of the pipe tells that it is done. Whoever waits may
 // leave before.
 struct Work {
-    Descriptor done;
-    Descriptor tell;
+    files::FileDescriptor done;
+    files::FileDescriptor tell;
     std::optional<std::string> answer;
 
     static std::shared_ptr<Work> make() {
         std::array<int, 2> ends{};
         auto work = std::make_shared<Work>();
         if (::pipe(ends.data()) == 0) {
-            work->done = Descriptor(ends[0]);
-            work->tell = Descriptor(ends[1]);
+            work->done = files::FileDescriptor(ends[0]);
+            work->tell = files::FileDescriptor(ends[1]);
         }
         return work;
     }
@@ -92,7 +92,7 @@ bool Server::doAndAnswer(std::function<Answer()> work) {
     }
     std::thread worker([shared, work = std::move(work)] {
         shared->answer = work();
-        shared->tell = Descriptor();
+        shared->tell = files::FileDescriptor();
     });
     auto event = ClientConnection::Event::timeOut;
     while (event == ClientConnection::Event::timeOut) {

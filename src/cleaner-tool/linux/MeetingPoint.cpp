@@ -39,13 +39,13 @@ AccessList ownerAndEntryBy(uid_t user) {
 
 // A folder of the administrator's under the name; made where it is missing. No descriptor where there is something
 // else.
-Descriptor administratorsFolder(int parent, const std::filesystem::path& name, mode_t permissions) {
+files::FileDescriptor administratorsFolder(int parent, const std::filesystem::path& name, mode_t permissions) {
     (void)::mkdirat(parent, name.c_str(), permissions);
-    Descriptor folder(::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    files::FileDescriptor folder(::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     const bool isTheirs = folder.isOpen() && ::fstat(folder.number(), &status) == 0 && status.st_uid == 0;
     // Whatever the mode mask is, and whatever was there before.
-    return isTheirs && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : Descriptor();
+    return isTheirs && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : files::FileDescriptor();
 }
 
 // The place under the name, for as long as it is needed. What is there already is left alone.
@@ -80,7 +80,7 @@ public:
 private:
     [[nodiscard]] const sockaddr* generic() const { return reinterpret_cast<const sockaddr*>(&address_); }
 
-    Descriptor listener_;
+    files::FileDescriptor listener_;
     sockaddr_un address_{};
     bool isBound_ = false;
     bool isOpen_ = false;
@@ -114,8 +114,8 @@ bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user) {
     return own.isOpen() && ::fsetxattr(own.number(), accessListName, &list, sizeof list, 0) == 0;
 }
 
-Descriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
-                       std::chrono::milliseconds patience) {
+files::FileDescriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
+                                  std::chrono::milliseconds patience) {
     const MeetingPoint point(folder, name);
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (point.isOpen()) {
@@ -124,7 +124,7 @@ Descriptor awaitClient(const std::filesystem::path& folder, const std::string& n
         if (left.count() <= 0 || ::poll(events, 2, static_cast<int>(left.count())) <= 0 || events[1].revents != 0) {
             return {};
         }
-        Descriptor connection(::accept4(point.descriptor(), nullptr, nullptr, SOCK_CLOEXEC));
+        files::FileDescriptor connection(::accept4(point.descriptor(), nullptr, nullptr, SOCK_CLOEXEC));
         if (connection.isOpen() && isClient(connection.number(), client) && tellsSenders(connection.number())) {
             return connection;
         }

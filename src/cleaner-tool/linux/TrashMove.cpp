@@ -11,8 +11,8 @@
 #include <ctime>
 #include <string>
 
-#include "cleaner-tool/Descriptor.h"
 #include "files/DirectoryHandle.h"
+#include "files/FileDescriptor.h"
 
 // freedesktop.org's Trash, version 1.0: the record is made first and claims the name, then the item is moved.
 
@@ -73,7 +73,7 @@ enum class Writing { done, nameTaken, failed };
 // can be struck.
 Writing writeRecord(const DirectoryHandle& records, const std::string& name, const std::string& text) {
     constexpr mode_t readByAll = 0644;
-    const Descriptor file(
+    const files::FileDescriptor file(
         ::openat(records.descriptor(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readByAll));
     if (!file.isOpen()) {
         return errno == EEXIST ? Writing::nameTaken : Writing::failed;

@@ -4,19 +4,19 @@
 
 #include <utility>
 
-namespace brimvault::cleaner {
+namespace brimvault::files {
 
 /// A file descriptor with one owner; below 0 there is none.
-class Descriptor {
+class FileDescriptor {
 public:
-    Descriptor() = default;
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
+    FileDescriptor() = default;
+    explicit FileDescriptor(int number) : number_(number) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
         std::swap(number_, other.number_);
         return *this;
     }
-    ~Descriptor() {
+    ~FileDescriptor() {
         if (isOpen()) {
             ::close(number_);
         }
@@ -29,4 +29,4 @@ private:
     int number_ = -1;
 };
 
-}  // namespace brimvault::cleaner
+}  // namespace brimvault::files
