@@ -1,8 +1,8 @@
 #include "platform/ApplicationIcon.h"
 
 #include "files/DirectoryHandle.h"
-#include "platform/FileContents.h"
-#include "platform/PropertyList.h"
+#include "platform/formats/FileContents.h"
+#include "platform/formats/PropertyList.h"
 
 namespace brimvault::platform {
 

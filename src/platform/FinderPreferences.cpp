@@ -2,8 +2,8 @@
 
 #include <system_error>
 
-#include "platform/PropertyList.h"
 #include "platform/System.h"
+#include "platform/formats/PropertyList.h"
 
 namespace brimvault::platform {
 

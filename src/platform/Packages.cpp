@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "files/ExtendedAttributes.h"
-#include "platform/PropertyList.h"
+#include "platform/formats/PropertyList.h"
 
 namespace brimvault::platform {
 

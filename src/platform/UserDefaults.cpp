@@ -8,8 +8,8 @@
 #include <limits>
 #include <system_error>
 
-#include "platform/FileContents.h"
 #include "platform/LibraryURLs.h"
+#include "platform/formats/FileContents.h"
 
 namespace brimvault::platform {
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "platform/SettingsText.h"
+#include "platform/formats/SettingsText.h"
 
 namespace brimvault::platform {
 

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "platform/formats/PropertyList.h"
 
 namespace {
 

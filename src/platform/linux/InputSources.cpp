@@ -12,9 +12,9 @@
 #include <iterator>
 #include <memory>
 
-#include "platform/FileContents.h"
 #include "platform/LocaleIdentifiers.h"
 #include "platform/System.h"
+#include "platform/formats/FileContents.h"
 #include "platform/linux/KeyboardSettings.h"
 
 namespace brimvault::platform {

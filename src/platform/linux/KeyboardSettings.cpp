@@ -12,10 +12,10 @@
 #include <memory>
 #include <string>
 
-#include "platform/FileContents.h"
 #include "platform/LibraryURLs.h"
-#include "platform/SettingsText.h"
 #include "platform/System.h"
+#include "platform/formats/FileContents.h"
+#include "platform/formats/SettingsText.h"
 
 // Every desktop keeps the layouts that its user has enabled in a place of its own; what the machine was installed with
 // stands below /etc. Asking the display would need a connection to it, and tells nothing on Wayland.

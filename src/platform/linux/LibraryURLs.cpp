@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "files/NodeStatus.h"
-#include "platform/FileContents.h"
 #include "platform/System.h"
+#include "platform/formats/FileContents.h"
 
 namespace brimvault::platform {
 

@@ -5,7 +5,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
-#include "platform/FileContents.h"
+#include "platform/formats/FileContents.h"
 
 namespace brimvault::ui {
 

@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "platform/ApplicationIcon.h"
-#include "platform/FileContents.h"
+#include "platform/formats/FileContents.h"
 #include "ui/list/IconImage.h"
 #include "ui/list/RowIcons.h"
 #include "ui/look/IconTheme.h"

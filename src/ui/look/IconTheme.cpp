@@ -4,8 +4,8 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "platform/FileContents.h"
-#include "platform/SettingsText.h"
+#include "platform/formats/FileContents.h"
+#include "platform/formats/SettingsText.h"
 
 namespace brimvault::ui {
 

@@ -1,4 +1,4 @@
-#include "platform/PropertyList.h"
+#include "platform/formats/PropertyList.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "platform/PropertyListCheck.h"
+#include "platform/formats/PropertyListCheck.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "platform/SettingsText.h"
+#include "platform/formats/SettingsText.h"
 
 #include <algorithm>
 

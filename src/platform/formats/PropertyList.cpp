@@ -1,13 +1,13 @@
-#include "platform/PropertyList.h"
+#include "platform/formats/PropertyList.h"
 
 #include <plist/plist.h>
 
 #include <cctype>
 #include <cstdint>
 
-#include "platform/FileContents.h"
-#include "platform/PropertyListCheck.h"
-#include "platform/PropertyListText.h"
+#include "platform/formats/FileContents.h"
+#include "platform/formats/PropertyListCheck.h"
+#include "platform/formats/PropertyListText.h"
 
 namespace brimvault::platform {
 

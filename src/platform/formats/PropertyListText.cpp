@@ -1,4 +1,4 @@
-#include "platform/PropertyListText.h"
+#include "platform/formats/PropertyListText.h"
 
 #include <algorithm>
 #include <cctype>

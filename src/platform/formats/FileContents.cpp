@@ -1,4 +1,4 @@
-#include "platform/FileContents.h"
+#include "platform/formats/FileContents.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
