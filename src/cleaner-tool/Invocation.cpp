@@ -4,7 +4,7 @@
 #include <limits>
 #include <string_view>
 
-#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "cleaner-tool/protocol/SocketPath.h"
 
 namespace brimvault::cleaner {
 
@@ -24,7 +24,7 @@ std::optional<Number> positiveNumber(const char* text) {
 
 std::optional<Invocation> Invocation::of(int count, const char* const* arguments, const char* user) {
     constexpr int expected = 3;  // the program's own name before the two
-    if (count != expected || !isName(arguments[1])) {
+    if (count != expected || !isSocketName(arguments[1])) {
         return std::nullopt;
     }
     const auto application = positiveNumber<pid_t>(arguments[2]);

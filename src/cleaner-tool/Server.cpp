@@ -35,7 +35,7 @@ struct Work {
 }  // namespace
 
 Server::End Server::serve() {
-    std::array<char, longestMessage> bytes{};
+    std::array<char, maxMessageLength> bytes{};
     bool goesOn = setting_.client.send(*encode(Operation::ready, {&version, 1})) == ClientConnection::Sent::whole;
     while (goesOn) {
         const auto count = setting_.client.receive(bytes);

@@ -15,12 +15,12 @@
 #include "cleaner-tool/Confinement.h"
 #include "cleaner-tool/Invocation.h"
 #include "cleaner-tool/KeptFolders.h"
-#include "cleaner-tool/MeetingPoint.h"
+#include "cleaner-tool/ListeningSocket.h"
 #include "cleaner-tool/PinnedFolder.h"
 #include "cleaner-tool/Requester.h"
 #include "cleaner-tool/Server.h"
 #include "cleaner-tool/TrashMove.h"
-#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "cleaner-tool/protocol/SocketPath.h"
 
 // The root remover: BrimvaultCleaner NAME PROCESS
 //
@@ -33,7 +33,7 @@ namespace {
 
 using namespace brimvault::cleaner;
 
-constexpr std::chrono::seconds patience{10};  // the application gives up waiting for the tool after five
+constexpr std::chrono::seconds connectTimeout{10};  // the application stops waiting for the tool after five
 
 // By its path without links; whether it is the user's own is seen where it is pinned.
 std::optional<std::filesystem::path> homeOf(uid_t user) {
@@ -68,13 +68,13 @@ std::optional<KeptFolders> keptFolders(Requester requester, const std::optional<
 
 int run(const Invocation& invocation) {
     const auto application = ApplicationProcess::ofParent(invocation.application);
-    const auto folder = meetingFolder(invocation.user);
-    if (!application || !giveUpPrivileges() || !prepareMeetingFolder(folder, invocation.user)) {
+    const auto folder = socketFolder(invocation.user);
+    if (!application || !giveUpPrivileges() || !prepareSocketFolder(folder, invocation.user)) {
         return EXIT_FAILURE;
     }
     application->endWithIt();
     const Client expected{invocation.user, *application};
-    auto connection = awaitClient(folder, invocation.name, expected, patience);
+    auto connection = acceptClient(folder, invocation.name, expected, connectTimeout);
     auto requester = connection.isOpen() ? Requester::ofPeer(connection.number()) : std::nullopt;
     const auto home = homeOf(invocation.user);
     auto kept = requester ? keptFolders(std::move(*requester), home) : std::nullopt;

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "cleaner-tool/protocol/SocketPath.h"
 
 namespace brimvault::tests {
 
@@ -49,7 +49,7 @@ TEST(Invocation, TakesNoOtherNames) {
           std::string("012345")}) {
         EXPECT_FALSE(invoked({other, "4711"})) << other;
     }
-    EXPECT_FALSE(cleaner::isName(std::string_view("com.quorvel.brimvault.BrimvaultCleaner.01234\0", 45)));
+    EXPECT_FALSE(cleaner::isSocketName(std::string_view("com.quorvel.brimvault.BrimvaultCleaner.01234\0", 45)));
 }
 
 TEST(Invocation, TakesNoOtherNumbers) {

@@ -13,7 +13,7 @@ using namespace cleaner;
 
 namespace {
 
-static_assert(sizeof(MessageReader) < longestMessage + 64, "it holds one message and nothing else");
+static_assert(sizeof(MessageReader) < maxMessageLength + 64, "it holds one message and nothing else");
 
 constexpr std::size_t lengthSize = 4;
 constexpr unsigned char operations[] = {1, 2, 3, 16, 17, 18, 19};
@@ -102,7 +102,7 @@ public:
     }
     std::string message() {
         const auto operation = static_cast<Operation>(operations[below(std::size(operations))]);
-        return *encode(operation, bytes(below(8) == 0 ? below(longestMessage) : below(40)));
+        return *encode(operation, bytes(below(8) == 0 ? below(maxMessageLength) : below(40)));
     }
     // Some messages, and then what may come in the place of one.
     std::string stream() {
@@ -114,7 +114,8 @@ public:
             case 0:
                 return glued + bytes(below(60));
             case 1:
-                return glued + lengthOf(static_cast<std::uint32_t>(below(20) + longestMessage - 10)) + bytes(below(20));
+                return glued + lengthOf(static_cast<std::uint32_t>(below(20) + maxMessageLength - 10)) +
+                       bytes(below(20));
             case 2:
                 return glued + message().substr(0, below(12));
             case 3:

@@ -39,7 +39,7 @@ Reading read(std::span<const char> stream, std::span<const std::uint8_t> lengths
         fed += taken;
         if (const auto message = reader.take()) {
             const auto again = encode(message->operation, message->content);
-            require(again.has_value() && again->size() <= 4 + longestMessage);
+            require(again.has_value() && again->size() <= 4 + maxMessageLength);
             reading.messages += *again;
             reading.taken = fed;
             require(!reader.take() && !reader.isBroken());

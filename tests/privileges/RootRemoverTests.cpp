@@ -15,8 +15,8 @@
 #include <fstream>
 #include <map>
 
-#include "cleaner-tool/protocol/MeetingPlace.h"
 #include "cleaner-tool/protocol/Protocol.h"
+#include "cleaner-tool/protocol/SocketPath.h"
 #include "platform/ToolConnection.h"
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
@@ -38,7 +38,7 @@ using cleaner::Operation;
 const User& user = mayRemove;
 const std::string name = "com.quorvel.brimvault.BrimvaultCleaner.123456";
 
-fs::path place() { return cleaner::meetingFolder(user.number) / name; }
+fs::path place() { return cleaner::socketFolder(user.number) / name; }
 fs::path caches() { return user.home() / "Library/Caches"; }
 
 [[noreturn]] void becomeTool(pid_t application) {
@@ -149,8 +149,8 @@ pid_t startWithNumber(pid_t number) {
     return 0;
 }
 
-void makeMeetingFolder(uid_t owner) {
-    const auto folder = cleaner::meetingFolder(user.number);
+void makeSocketFolder(uid_t owner) {
+    const auto folder = cleaner::socketFolder(user.number);
     fs::create_directories(folder);
     (void)!::chown(folder.c_str(), owner, 0);
 }
@@ -266,7 +266,7 @@ TEST_F(RootRemover, EndsWhenTheApplicationEndsBeforeItHasConnected) {
 }
 
 TEST_F(RootRemover, LeavesANameThatIsTaken) {
-    makeMeetingFolder(0);
+    makeSocketFolder(0);
     writeFile(user.home() / "letter", "precious");
     fs::permissions(user.home() / "letter", static_cast<fs::perms>(0640));
     for (const bool isLink : {false, true}) {
@@ -282,18 +282,18 @@ TEST_F(RootRemover, LeavesANameThatIsTaken) {
     EXPECT_EQ(fs::status(user.home() / "letter").permissions(), static_cast<fs::perms>(0640));
 }
 
-TEST_F(RootRemover, RefusesAMeetingFolderThatIsNotTheAdministrators) {
-    makeMeetingFolder(user.number);
+TEST_F(RootRemover, RefusesASocketFolderThatIsNotRoots) {
+    makeSocketFolder(user.number);
     EXPECT_WELL_IN_CHILD([] { return endOf(startTool()) == "1" ? "" : "it starts"; });
-    fs::remove(cleaner::meetingFolder(user.number));
+    fs::remove(cleaner::socketFolder(user.number));
 }
 
-TEST_F(RootRemover, LeavesTheMeetingFolderToTheAdministrator) {
+TEST_F(RootRemover, LeavesTheSocketFolderToRoot) {
     EXPECT_WELL_IN_CHILD([]() -> std::string {
         startTool();
         become(user);
         const bool isServed = Client().isGreeted();
-        const auto folder = cleaner::meetingFolder(user.number);
+        const auto folder = cleaner::socketFolder(user.number);
         const bool mayWrite = ::access(folder.c_str(), W_OK) == 0 || ::chmod(folder.c_str(), 0777) == 0;
         return isServed && !mayWrite ? "" : "the user may change it";
     });

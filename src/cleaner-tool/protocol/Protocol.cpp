@@ -26,7 +26,7 @@ bool isKnown(unsigned char operation) {
 
 std::optional<std::string> encode(Operation operation, std::string_view content) {
     const std::size_t length = 1 + content.size();
-    if (length > longestMessage) {
+    if (length > maxMessageLength) {
         return std::nullopt;
     }
     std::string bytes;
@@ -61,7 +61,7 @@ void MessageReader::readLength() {
     for (std::size_t place = 0; place < prefix; ++place) {
         length_ = (length_ << bitsOfByte) | static_cast<unsigned char>(bytes_[place]);
     }
-    broken_ = length_ == 0 || length_ > longestMessage;
+    broken_ = length_ == 0 || length_ > maxMessageLength;
 }
 
 std::optional<Message> MessageReader::take() {

@@ -18,7 +18,7 @@ namespace brimvault::cleaner {
 // until it answers. Anything else ends the connection: neither side guesses what the other could have meant.
 
 /// Bytes after the length, the operation among them. Paths longer than this are refused by every system.
-inline constexpr std::size_t longestMessage = 8192;
+inline constexpr std::size_t maxMessageLength = 8192;
 
 enum class Operation : std::uint8_t {
     removeFileAtPath = 1,         ///< content: an absolute path. Answered with `done` or `failed`
@@ -60,7 +60,7 @@ private:
     void readLength();
     [[nodiscard]] bool isComplete() const { return held_ >= prefix && held_ == prefix + length_; }
 
-    std::array<char, prefix + longestMessage> bytes_{};
+    std::array<char, prefix + maxMessageLength> bytes_{};
     std::size_t held_ = 0;
     std::size_t length_ = 0;  ///< once the prefix is there
     bool broken_ = false;

@@ -4,7 +4,7 @@
 #include <random>
 #include <thread>
 
-#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "cleaner-tool/protocol/SocketPath.h"
 #include "engine/removal/ProtectedFolders.h"
 
 namespace brimvault::engine {
@@ -20,7 +20,7 @@ Remover::Remover(Dependencies dependencies) : dependencies_(std::move(dependenci
 Remover& Remover::GetInstance() {
     static Remover instance(
         {AuthorizationManager::GetInstance(), platform::resourcesFolder() / "BrimvaultCleaner",
-         [](const std::string& name) { return platform::ToolConnection::connect(cleaner::meetingFolder() / name); },
+         [](const std::string& name) { return platform::ToolConnection::connect(cleaner::socketFolder() / name); },
          [](Duration duration) { std::this_thread::sleep_for(duration); }});
     return instance;
 }
@@ -30,7 +30,7 @@ std::string Remover::generateRootRemoverServerName() {
     constexpr std::uint32_t numbers = 899'999;
     constexpr std::uint32_t first = 100'000;
     static_assert(sizeof(std::random_device::result_type) >= sizeof numbers);
-    return std::string(cleaner::nameBeginning) + std::to_string(std::random_device()() % numbers + first);
+    return std::string(cleaner::socketNamePrefix) + std::to_string(std::random_device()() % numbers + first);
 }
 
 bool Remover::removeAsRootFileAtPath(const std::filesystem::path& path) {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <csignal>
 
-#include "cleaner-tool/protocol/MeetingPlace.h"
+#include "cleaner-tool/protocol/SocketPath.h"
 #include "engine/operations/FCutter.h"
 #include "engine/removal/AuthorizationManager.h"
 #include "engine/removal/Remover.h"
@@ -326,7 +326,7 @@ TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
 }
 
 TEST_F(RemovingAsRoot, DoesNotSendAPathThatIsTooLong) {
-    EXPECT_FALSE(remover_.removeFileAtPath("/" + std::string(cleaner::longestMessage, 'x')));
+    EXPECT_FALSE(remover_.removeFileAtPath("/" + std::string(cleaner::maxMessageLength, 'x')));
     EXPECT_TRUE(remover_.removeFileAtPath("/a"));
     EXPECT_EQ(told_.met, 1);
 }
@@ -334,8 +334,8 @@ TEST_F(RemovingAsRoot, DoesNotSendAPathThatIsTooLong) {
 TEST(NamesOfRootRemovers, HaveSixDigitsInTheRangeThatIsDrawnFrom) {
     for (int times = 0; times < 1000; ++times) {
         const auto name = engine::Remover::generateRootRemoverServerName();
-        ASSERT_TRUE(cleaner::isName(name)) << name;
-        const auto number = std::stoul(name.substr(cleaner::nameBeginning.size()));
+        ASSERT_TRUE(cleaner::isSocketName(name)) << name;
+        const auto number = std::stoul(name.substr(cleaner::socketNamePrefix.size()));
         EXPECT_GE(number, 100'000U);
         EXPECT_LE(number, 999'998U);
     }

@@ -1,4 +1,4 @@
-#include "cleaner-tool/MeetingPoint.h"
+#include "cleaner-tool/ListeningSocket.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -23,8 +23,9 @@ struct AccessList {
     std::array<AccessEntry, 5> entries;
 };
 
-static_assert(sizeof(AccessList) == 44);  // without gaps
+static_assert(sizeof(AccessList) == 44);  // no padding: written as bytes
 
+// Everything for the owner; for one user, to enter.
 AccessList ownerAndEntryBy(uid_t user) {
     constexpr std::uint16_t all = 7;
     constexpr std::uint16_t enter = 1;
@@ -37,21 +38,20 @@ AccessList ownerAndEntryBy(uid_t user) {
               {AccessTag::others, 0, nobody}}}};
 }
 
-// A folder of the administrator's under the name; made where it is missing. No descriptor where there is something
-// else.
-files::FileDescriptor administratorsFolder(int parent, const std::filesystem::path& name, mode_t permissions) {
+// Opens root's folder of that name, made where it is missing. No descriptor where something else has the name.
+files::FileDescriptor openRootsFolder(int parent, const std::filesystem::path& name, mode_t permissions) {
     (void)::mkdirat(parent, name.c_str(), permissions);
     files::FileDescriptor folder(::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
-    const bool isTheirs = folder.isOpen() && ::fstat(folder.number(), &status) == 0 && status.st_uid == 0;
-    // Whatever the mode mask is, and whatever was there before.
-    return isTheirs && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : files::FileDescriptor();
+    const bool isRoots = folder.isOpen() && ::fstat(folder.number(), &status) == 0 && status.st_uid == 0;
+    // The umask applies to mkdirat, and the folder may be older with another mode.
+    return isRoots && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : files::FileDescriptor();
 }
 
-// The place under the name, for as long as it is needed. What is there already is left alone.
-class MeetingPoint {
+// Bound to a path and unlinked at the end. What has the name already is left alone.
+class ListeningSocket {
 public:
-    MeetingPoint(const std::filesystem::path& folder, const std::string& name)
+    ListeningSocket(const std::filesystem::path& folder, const std::string& name)
         : listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
         const std::string path = folder / name;
         if (!listener_.isOpen() || path.size() >= sizeof address_.sun_path) {
@@ -59,16 +59,16 @@ public:
         }
         address_.sun_family = AF_UNIX;
         std::memcpy(address_.sun_path, path.data(), path.size());
-        constexpr int waitingClients = 8;
-        constexpr mode_t nothingExecutable = 0111;  // whoever enters the folder may connect
-        const mode_t before = ::umask(nothingExecutable);
+        constexpr int backlog = 8;
+        constexpr mode_t noExecution = 0111;  // whoever may enter the folder may connect
+        const mode_t before = ::umask(noExecution);
         isBound_ = ::bind(listener_.number(), generic(), sizeof address_) == 0;
         ::umask(before);
-        isOpen_ = isBound_ && ::listen(listener_.number(), waitingClients) == 0;
+        isOpen_ = isBound_ && ::listen(listener_.number(), backlog) == 0;
     }
-    MeetingPoint(const MeetingPoint&) = delete;
-    MeetingPoint& operator=(const MeetingPoint&) = delete;
-    ~MeetingPoint() {
+    ListeningSocket(const ListeningSocket&) = delete;
+    ListeningSocket& operator=(const ListeningSocket&) = delete;
+    ~ListeningSocket() {
         if (isBound_) {
             ::unlink(address_.sun_path);
         }
@@ -86,7 +86,7 @@ private:
     bool isOpen_ = false;
 };
 
-// As long as the application has not ended, nobody else has its number or had it when connecting.
+// While the application lives, no other process has its process ID, nor had it when it connected.
 bool isClient(int connection, const Client& client) {
     ucred peer{};
     socklen_t size = sizeof peer;
@@ -94,38 +94,38 @@ bool isClient(int connection, const Client& client) {
            peer.pid == client.application.number() && !client.application.hasEnded();
 }
 
-// From now on each message comes with who has sent it: a connection can be handed on.
-bool tellsSenders(int connection) {
+// From now on each message carries its sender (SCM_CREDENTIALS): a connected socket can be passed to another process.
+bool receiveCredentials(int connection) {
     constexpr int yes = 1;
     return ::setsockopt(connection, SOL_SOCKET, SO_PASSCRED, &yes, sizeof yes) == 0;
 }
 
 }  // namespace
 
-bool prepareMeetingFolder(const std::filesystem::path& folder, uid_t user) {
+bool prepareSocketFolder(const std::filesystem::path& folder, uid_t user) {
     constexpr mode_t enteredByAll = 0711;
     constexpr mode_t enteredByOwner = 0700;
-    const auto common = administratorsFolder(AT_FDCWD, folder.parent_path(), enteredByAll);
+    const auto common = openRootsFolder(AT_FDCWD, folder.parent_path(), enteredByAll);
     if (!common.isOpen()) {
         return false;
     }
-    const auto own = administratorsFolder(common.number(), folder.filename(), enteredByOwner);
+    const auto own = openRootsFolder(common.number(), folder.filename(), enteredByOwner);
     const auto list = ownerAndEntryBy(user);
     return own.isOpen() && ::fsetxattr(own.number(), accessListName, &list, sizeof list, 0) == 0;
 }
 
-files::FileDescriptor awaitClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
-                                  std::chrono::milliseconds patience) {
-    const MeetingPoint point(folder, name);
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (point.isOpen()) {
+files::FileDescriptor acceptClient(const std::filesystem::path& folder, const std::string& name, const Client& client,
+                                   std::chrono::milliseconds timeout) {
+    const ListeningSocket listener(folder, name);
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (listener.isOpen()) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        pollfd events[] = {{point.descriptor(), POLLIN, 0}, {client.application.descriptor(), POLLIN, 0}};
+        pollfd events[] = {{listener.descriptor(), POLLIN, 0}, {client.application.descriptor(), POLLIN, 0}};
         if (left.count() <= 0 || ::poll(events, 2, static_cast<int>(left.count())) <= 0 || events[1].revents != 0) {
             return {};
         }
-        files::FileDescriptor connection(::accept4(point.descriptor(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (connection.isOpen() && isClient(connection.number(), client) && tellsSenders(connection.number())) {
+        files::FileDescriptor connection(::accept4(listener.descriptor(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (connection.isOpen() && isClient(connection.number(), client) && receiveCredentials(connection.number())) {
             return connection;
         }
     }
