@@ -16,4 +16,7 @@ auto uninterrupted(Call call) {
     return answer;
 }
 
+/// Whether a call with this errno failed for now only: a signal interrupted it, or it would have blocked.
+inline bool isTransient(int code) { return code == EINTR || code == EAGAIN || code == EWOULDBLOCK; }
+
 }  // namespace brimvault::files

@@ -9,18 +9,18 @@
 
 namespace brimvault::platform {
 
-/// A connection to a program of this machine that runs with the administrator's rights. One thread at a time.
+/// A connection to a root process on this machine, over a Unix socket. One thread at a time.
 class ToolConnection {
 public:
     virtual ~ToolConnection() = default;
 
-    /// Does not wait. False when not all of it could be sent; the connection is then of no use.
+    /// Does not block. False when not all bytes could be sent; the connection is then useless.
     [[nodiscard]] virtual bool send(std::string_view bytes) = 0;
-    /// What has come, or comes within the time; empty when nothing does. None once the other side has closed it.
-    [[nodiscard]] virtual std::optional<std::string> receive(std::chrono::milliseconds patience) = 0;
+    /// What has been received, or is within the timeout; empty when nothing is. None once the peer has closed it.
+    [[nodiscard]] virtual std::optional<std::string> receive(std::chrono::milliseconds timeout) = 0;
 
-    /// None where nobody can be met at the place, or somebody who is not the administrator. Does not wait.
-    [[nodiscard]] static std::unique_ptr<ToolConnection> connect(const std::filesystem::path& place);
+    /// Null if nothing listens at the path or the peer is not root (SO_PEERCRED). Does not block.
+    [[nodiscard]] static std::unique_ptr<ToolConnection> connect(const std::filesystem::path& socket);
 };
 
 }  // namespace brimvault::platform

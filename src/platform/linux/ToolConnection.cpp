@@ -9,11 +9,11 @@
 #include <cerrno>
 #include <cstring>
 
+#include "files/SystemCall.h"
+
 namespace brimvault::platform {
 
 namespace {
-
-bool maySucceedLater() { return errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK; }
 
 class LocalSocket final : public ToolConnection {
 public:
@@ -26,9 +26,9 @@ public:
         return ::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
     }
 
-    std::optional<std::string> receive(std::chrono::milliseconds patience) override {
+    std::optional<std::string> receive(std::chrono::milliseconds timeout) override {
         pollfd event{descriptor_, POLLIN, 0};
-        if (::poll(&event, 1, static_cast<int>(patience.count())) == 0) {
+        if (::poll(&event, 1, static_cast<int>(timeout.count())) == 0) {
             return std::string();
         }
         std::array<char, 4096> bytes{};
@@ -36,12 +36,12 @@ public:
         if (count > 0) {
             return std::string(bytes.data(), static_cast<std::size_t>(count));
         }
-        return count < 0 && maySucceedLater() ? std::optional(std::string()) : std::nullopt;
+        return count < 0 && files::isTransient(errno) ? std::optional(std::string()) : std::nullopt;
     }
 
-    // Who listened, not who serves now: the folder is the user's own, so that another program of the user's could wait
-    // there under the name.
-    [[nodiscard]] bool isPeerAdministrator() const {
+    // SO_PEERCRED names the process that called listen(): a socket on which a program of the user's listens is not the
+    // tool's.
+    [[nodiscard]] bool isPeerRoot() const {
         ucred peer{};
         socklen_t size = sizeof peer;
         return ::getsockopt(descriptor_, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == 0;
@@ -53,7 +53,7 @@ private:
 
 }  // namespace
 
-std::unique_ptr<ToolConnection> ToolConnection::connect(const std::filesystem::path& place) {
+std::unique_ptr<ToolConnection> ToolConnection::connect(const std::filesystem::path& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
@@ -61,13 +61,13 @@ std::unique_ptr<ToolConnection> ToolConnection::connect(const std::filesystem::p
         return nullptr;
     }
     auto socket = std::make_unique<LocalSocket>(descriptor);
-    if (place.native().size() >= sizeof address.sun_path) {
+    if (path.native().size() >= sizeof address.sun_path) {
         return nullptr;
     }
-    std::memcpy(address.sun_path, place.c_str(), place.native().size());
+    std::memcpy(address.sun_path, path.c_str(), path.native().size());
     const auto* generic = reinterpret_cast<const sockaddr*>(&address);
-    const bool met = ::connect(descriptor, generic, sizeof address) == 0 && socket->isPeerAdministrator();
-    return met ? std::move(socket) : nullptr;
+    const bool isConnected = ::connect(descriptor, generic, sizeof address) == 0 && socket->isPeerRoot();
+    return isConnected ? std::move(socket) : nullptr;
 }
 
 }  // namespace brimvault::platform
