@@ -5,34 +5,32 @@
 #include <optional>
 #include <utility>
 
+#include "files/FileDescriptor.h"
+
 namespace brimvault::cleaner {
 
-/// The process that has started the tool, held so that no other can take its place: a number is given to another
-/// process once its own has ended, what is held here is not.
+/// The process that has started the tool, held by a pidfd: the kernel may give a process ID to another process once the
+/// first has ended, a pidfd always means the same one.
 class ApplicationProcess {
 public:
-    /// None where the number is not that of the process that has started this one, or that has ended by now.
-    static std::optional<ApplicationProcess> ofParent(pid_t number);
+    /// None where the process ID is not that of the parent of this process, or the parent has ended by now.
+    static std::optional<ApplicationProcess> ofParent(pid_t id);
 
-    ApplicationProcess(ApplicationProcess&& other) noexcept
-        : number_(other.number_), descriptor_(std::exchange(other.descriptor_, -1)) {}
-    ApplicationProcess& operator=(ApplicationProcess&&) = delete;
-    ~ApplicationProcess();
-
-    /// While the process has not ended it is the only one of this number.
-    [[nodiscard]] pid_t number() const { return number_; }
-    /// To be waited for: becomes readable when the process ends.
-    [[nodiscard]] int descriptor() const { return descriptor_; }
+    /// Unique as long as the process has not ended.
+    [[nodiscard]] pid_t id() const { return id_; }
+    /// The pidfd, for poll(2): becomes readable when the process ends.
+    [[nodiscard]] int descriptor() const { return descriptor_.number(); }
     [[nodiscard]] bool hasEnded() const;
-    /// From now on this process ends within a second of the application, whatever it is doing or waiting for; it may
-    /// end in order before. Once, after privileges have been given up: threads have their own.
+    /// Starts a thread that ends this process soon after the application has ended, whatever other threads do or wait
+    /// for; within half a second they can end it in order. Call it once, after privileges have been dropped: each
+    /// thread has its own.
     void endWithIt() const;
 
 private:
-    ApplicationProcess(pid_t number, int descriptor) : number_(number), descriptor_(descriptor) {}
+    ApplicationProcess(pid_t id, files::FileDescriptor descriptor) : id_(id), descriptor_(std::move(descriptor)) {}
 
-    pid_t number_;
-    int descriptor_;
+    pid_t id_;
+    files::FileDescriptor descriptor_;
 };
 
 }  // namespace brimvault::cleaner

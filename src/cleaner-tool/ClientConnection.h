@@ -11,32 +11,32 @@
 
 namespace brimvault::cleaner {
 
-/// Who may speak with the tool.
+/// The only process that may send requests.
 struct Client {
     uid_t user;
     const ApplicationProcess& application;
 };
 
-/// The connection to the client. It ends when the client closes it, when the application ends, and when anything comes
-/// over it from another process. One thread.
+/// The connection to the client. It ends when the client closes it, when the application ends, and when another process
+/// sends anything over it. One thread.
 class ClientConnection {
 public:
-    /// A connection that tells of each message who has sent it. The application outlives it.
+    /// The socket delivers the sender of each message (SO_PASSCRED). The application outlives this object.
     ClientConnection(files::FileDescriptor connection, const Client& client)
         : connection_(std::move(connection)), client_(client) {}
 
     [[nodiscard]] int descriptor() const { return connection_.number(); }
-    /// Waits for bytes, and answers how many have come; 0 at the end.
+    /// Waits for bytes and returns how many were received; 0 at the end.
     [[nodiscard]] std::size_t receive(std::span<char> bytes) const;
 
     enum class Sent { whole, noRoom, broken };
-    /// At once or not at all, as is right for a few bytes to somebody who is waiting for them.
+    /// Does not block: the few bytes of an answer fit into the buffer of a socket whose peer reads.
     [[nodiscard]] Sent send(std::string_view bytes) const;
 
-    enum class Event { workDone, timeOut, end };
-    /// Waits for the descriptor, if any, to become readable or closed at its other side. What the client sends
-    /// meanwhile stays.
-    [[nodiscard]] Event waitFor(int work, std::chrono::milliseconds patience) const;
+    enum class Event { workDone, timeout, end };
+    /// Waits until the descriptor (if not below 0) is readable or its other end is closed. What the client sends
+    /// meanwhile stays in the socket.
+    [[nodiscard]] Event waitFor(int work, std::chrono::milliseconds timeout) const;
     [[nodiscard]] bool hasEnded() const { return waitFor(-1, {}) == Event::end; }
 
 private:

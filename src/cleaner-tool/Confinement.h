@@ -2,12 +2,12 @@
 
 namespace brimvault::cleaner {
 
-/// Gives up what the process was started with: environment, open files, working folder, mode mask, memory dumps,
-/// terminal and timers. First of all, while there is one thread. False when something could not be given up.
-[[nodiscard]] bool giveUpSurroundings();
+/// Resets what the process inherits: environment, open descriptors, working folder, umask, core dumps, terminal and
+/// timers. Call it first of all, while there is one thread. False when something could not be reset.
+[[nodiscard]] bool resetInheritedState();
 
-/// Gives up, for good, every privilege but those that removing takes: to enter and change any folder, and to remove
-/// from folders in which only owners may. False when one could not be given up.
-[[nodiscard]] bool giveUpPrivileges();
+/// Drops, for good, every capability but those that a removal needs: to enter and change any folder (CAP_DAC_OVERRIDE),
+/// and to remove from sticky folders (CAP_FOWNER). False when one could not be dropped.
+[[nodiscard]] bool dropPrivileges();
 
 }  // namespace brimvault::cleaner

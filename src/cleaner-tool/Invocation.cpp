@@ -10,20 +10,20 @@ namespace brimvault::cleaner {
 
 namespace {
 
-// Decimal digits and nothing else, up to the largest value of the type; 0 is none of them.
+// Parses decimal digits and nothing else, up to the maximum of the type; 0 is refused.
 template <typename Number>
 std::optional<Number> positiveNumber(const char* text) {
     const std::string_view digits = text == nullptr ? "" : text;
     Number number = 0;
-    const auto [end, problem] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    const bool whole = problem == std::errc() && end == digits.data() + digits.size();
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const bool whole = error == std::errc() && end == digits.data() + digits.size();
     return whole && number > 0 ? std::optional(number) : std::nullopt;
 }
 
 }  // namespace
 
 std::optional<Invocation> Invocation::of(int count, const char* const* arguments, const char* user) {
-    constexpr int expected = 3;  // the program's own name before the two
+    constexpr int expected = 3;  // with the name of the program itself
     if (count != expected || !isSocketName(arguments[1])) {
         return std::nullopt;
     }

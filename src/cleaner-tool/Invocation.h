@@ -7,14 +7,14 @@
 
 namespace brimvault::cleaner {
 
-/// What the tool was started with; nothing of it is believed before it has been looked at.
+/// The arguments of the tool, parsed and checked: they come from an unprivileged process.
 struct Invocation {
-    std::string name;       ///< under which it is to be met
-    pid_t application = 0;  ///< the process that may use it
-    uid_t user = 0;         ///< who started it, as told by what gave it its rights
+    std::string name;       ///< of the socket to listen on
+    pid_t application = 0;  ///< the process that may connect
+    uid_t user = 0;         ///< who started the tool, as pkexec says
 
-    /// None unless there are exactly two arguments, a name and a process number, and the user is a number and not the
-    /// administrator, who needs no such tool.
+    /// None unless there are exactly two arguments, a socket name and a process ID, and the user is a number other than
+    /// root's, who needs no such tool.
     static std::optional<Invocation> of(int count, const char* const* arguments, const char* user);
 };
 

@@ -15,7 +15,7 @@ constexpr std::ptrdiff_t maxNames = 64;  // in a path
 
 bool isMissing(int code) { return code == ENOENT || code == ENOTDIR; }
 
-// A volume of a user's own lets nobody else in, nor does one whose server has gone.
+// A FUSE volume refuses every user but its own, root too; one whose server has ended refuses all.
 bool isClosedVolume(int code) { return code == EACCES || code == ENOTCONN; }
 
 }  // namespace
@@ -43,11 +43,11 @@ bool KeptFolders::add(const KeptPath& folder) {
 }
 
 bool KeptFolders::lookUp() {
-    bool looked = true;
+    bool areAllKnown = true;
     Entries now;
     for (auto& folder : folders_) {
         Entries found;
-        looked = lookUp(folder.kept, found) && looked;
+        areAllKnown = lookUp(folder.kept, found) && areAllKnown;
         for (const auto& entry : found) {
             set(now, entry);
             if (!folder.wasFound) {
@@ -60,16 +60,16 @@ bool KeptFolders::lookUp() {
     for (const auto& entry : now) {
         set(entries_, entry);
     }
-    return looked;
+    return areAllKnown;
 }
 
 bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) const {
     auto path = folder.path;
     if (folder.links == LinksOnWay::follow) {
-        std::error_code problem;
-        path = std::filesystem::canonical(folder.path, problem);
-        if (problem) {
-            return isMissing(problem.value());
+        std::error_code error;
+        path = std::filesystem::canonical(folder.path, error);
+        if (error) {
+            return isMissing(error.value());
         }
     }
     bool isClosed = false;
@@ -79,7 +79,7 @@ bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) const {
         return !isClosed;
     });
     if (isClosed) {
-        return true;  // as far as they can see it themselves, it is kept
+        return true;  // kept as far as the user can see it
     }
     if (!opened) {
         found.clear();
@@ -128,7 +128,7 @@ void KeptFoldersGuard::beginMount() {
     isUsers_ = false;
 }
 
-bool KeptFoldersGuard::mayRemoveBelowWay() const {
+bool KeptFoldersGuard::mayRemoveItem() const {
     switch (nearest_) {
         case Keep::contentsMayGo:
             return true;
@@ -142,7 +142,7 @@ bool KeptFoldersGuard::mayRemoveBelowWay() const {
 bool KeptFoldersGuard::mayRemove(const files::NodeStatus& node) {
     const bool isItem = !isItemAsked_;
     isItemAsked_ = true;
-    return isSound_ && (!isItem || mayRemoveBelowWay()) && !kept_.keepOf(node);
+    return isValid_ && (!isItem || mayRemoveItem()) && !kept_.keepOf(node);
 }
 
 }  // namespace brimvault::cleaner

@@ -13,19 +13,19 @@
 
 namespace brimvault::cleaner {
 
-/// How far a folder is kept. It is never removed itself; of what is below it, the nearest folder that says something of
-/// that decides. Where two say something of one folder, the last of these holds.
+/// How far a folder is protected. The folder itself is never removed; for what is below it, the rule of the nearest
+/// listed ancestor decides. Of two rules for one folder the stricter holds: the later in this order.
 enum class Keep {
-    itself,         ///< says nothing of what is below
-    contentsMayGo,  ///< what is in it may go, whoever owns it; said only of folders that are pinned
-    deeperMayGo,    ///< nothing directly in it goes; what is deeper may, below a folder that the user owns
-    everything,     ///< nothing below it goes
+    itself,         ///< no rule for what is below
+    contentsMayGo,  ///< its contents may be removed, whoever owns them; for pinned folders only
+    deeperMayGo,    ///< its direct children stay; what is deeper may go, below a folder that the user owns
+    everything,     ///< nothing below it may be removed
 };
 
-/// The links on the way to a folder that is to be kept.
+/// Symbolic links in the path of a folder that is to be kept.
 enum class LinksOnWay {
-    follow,  ///< only the administrator can have put them there
-    refuse,  ///< others can: they would be told what is at the other end, if only by what is kept
+    follow,  ///< only root can have made them
+    refuse,  ///< others could: by what is kept they would learn what is at the target
 };
 
 struct KeptPath {
@@ -34,36 +34,37 @@ struct KeptPath {
     LinksOnWay links = LinksOnWay::refuse;
 };
 
-/// The folders that hold the system, as a whole or as such.
+/// The folders of the operating system.
 [[nodiscard]] std::vector<KeptPath> systemFolders();
-/// Those that all users share and whose contents may go.
+/// Section folders that all users share; their contents may be removed.
 [[nodiscard]] std::vector<std::filesystem::path> sharedSectionFolders();
-/// The folders of a user's home that sections are made of.
+/// The folders of a user's home that the sections list. `engine/removal/ProtectedFolders` has a list of its own, on
+/// purpose: the tool runs as root and must not trust the application, nor what it is sent by it.
 [[nodiscard]] std::vector<std::filesystem::path> sectionFoldersOf(const std::filesystem::path& home);
 
-/// The folders that are never removed, and those whose contents may go. The first are named by their paths, and known
-/// by what is found there: each removal looks anew, as a folder may have been made, replaced or mounted since. What was
-/// found first stays kept as well, wherever it is by then. The second are what was found when they were added, and
-/// nothing else. One thread at a time.
+/// The folders that are never removed, and those whose contents may be. The former are given by path and recognised by
+/// device and inode; each removal looks them up again, as a folder may have been made, replaced or mounted since. What
+/// a path led to at first stays protected too, wherever it has been moved. The latter (pinned) are looked up once, when
+/// they are added. One thread at a time.
 class KeptFolders {
 public:
-    /// As many as a home with every section elsewhere has, many times over.
+    /// Many times the number that a home has with every section elsewhere.
     static constexpr std::size_t maxFolders = 256;
 
     explicit KeptFolders(Requester requester) : requester_(std::move(requester)) {}
 
-    /// False once there are too many, for a path of too many names to be looked up time and again, and for one whose
-    /// contents were to go.
+    /// False for more than `maxFolders`, for a path of more than 64 names, which each removal would look up, and for a
+    /// folder whose contents may be removed: that must be pinned.
     [[nodiscard]] bool add(const KeptPath& folder);
-    /// Keeps the folder itself; what is in it may go.
+    /// Keeps the folder itself; its contents may be removed.
     void add(PinnedFolder folder) { pinned_.push_back(std::move(folder)); }
-    /// Looks the folders up, and with each those that hold it, which are kept themselves; on a way that is closed to
-    /// the user, up to the folder that is closed. One that does not exist, or that is on a volume which keeps even the
-    /// administrator out, is not kept: nothing of it can be removed either. False when one cannot be looked at for
-    /// another reason: then nothing may go.
+    /// Looks the folders up, and with each its ancestors, which are kept themselves; no further than to a folder that
+    /// the user may not search. A folder that does not exist, or is on a volume that refuses even root (FUSE), is not
+    /// kept: nothing in it can be removed either. False when one cannot be looked up for another reason: then nothing
+    /// may be removed.
     [[nodiscard]] bool lookUp();
 
-    /// How far this folder is kept; none for one that is not listed.
+    /// None for a folder that is not listed.
     [[nodiscard]] std::optional<Keep> keepOf(const files::NodeStatus& folder) const;
     [[nodiscard]] const Requester& requester() const { return requester_; }
 
@@ -77,44 +78,43 @@ private:
         bool wasFound;
     };
     using Entries = std::vector<Entry>;
-    /// What the path leads to and what holds that.
+    /// Finds the folder at the path and its ancestors.
     [[nodiscard]] bool lookUp(const KeptPath& folder, Entries& found) const;
     static void set(Entries& entries, const Entry& entry);
 
     Requester requester_;
     std::vector<PinnedFolder> pinned_;
     std::vector<Folder> folders_;
-    Entries first_;    ///< as each folder was found first
-    Entries entries_;  ///< as last looked up, and those
+    Entries first_;    ///< where each path led when it was first found
+    Entries entries_;  ///< `first_`, and where the paths led at the last look
 };
 
-/// Keeps a removal away from them, and to what is the user's: the way to the item must lead through a folder that the
-/// user owns, or into one whose contents may go, and the user must be able to go it. Who may remove with the
-/// administrator's rights what lies elsewhere could take the places of others: their files in a folder for all, or what
-/// a service expects to find.
+/// Confines a removal to what is the user's, and away from the folders that are kept. The path to the item must lead
+/// through a folder that the user owns, or into one whose contents may be removed, and the user must be able to search
+/// every folder on it. Otherwise a user could use our root rights to replace other users' files in shared folders such
+/// as /tmp, or files that a service trusts.
 ///
-/// Where another mount begins, the way has to show anew that it is the user's: what an administrator has mounted in a
-/// home is not the user's for being there.
+/// At each mount point ownership must be shown again: what an administrator has mounted in a home is not the user's.
 ///
-/// For one removal: it looks the folders up when it is made.
+/// For one removal: the constructor looks the folders up.
 class KeptFoldersGuard final : public files::RemovalGuard {
 public:
-    explicit KeptFoldersGuard(KeptFolders& kept) : kept_(kept), isSound_(kept.lookUp()) {}
+    explicit KeptFoldersGuard(KeptFolders& kept) : kept_(kept), isValid_(kept.lookUp()) {}
 
     [[nodiscard]] bool onWay(const files::DirectoryHandle& folder, const files::NodeStatus& status) override;
     [[nodiscard]] bool mayRemove(const files::NodeStatus& node) override;
 
 private:
     void beginMount();
-    [[nodiscard]] bool mayRemoveBelowWay() const;
+    [[nodiscard]] bool mayRemoveItem() const;
 
     const KeptFolders& kept_;
-    const bool isSound_;
-    std::optional<std::uint64_t> mount_;  ///< of the folder that the way has come to
-    Keep nearest_ = Keep::everything;     ///< what the nearest folder on the way says of what is below it
-    bool isNearestParent_ = false;        ///< that folder holds the item
-    bool isUsers_ = false;                ///< the way has come through a folder of the user's on this mount
-    bool isItemAsked_ = false;            ///< the first question is that for the item, the next are for what is in it
+    const bool isValid_;
+    std::optional<std::uint64_t> mount_;  ///< of the folder that the path has come to
+    Keep nearest_ = Keep::everything;     ///< the rule of the nearest listed ancestor
+    bool isNearestParent_ = false;        ///< that ancestor is the item's parent
+    bool isUsers_ = false;                ///< the path has led through a folder of the user's on this mount
+    bool isItemAsked_ = false;            ///< the first question is for the item, later ones for its contents
 };
 
 }  // namespace brimvault::cleaner

@@ -11,44 +11,44 @@ namespace brimvault::cleaner {
 
 namespace {
 
-constexpr uid_t administrator = 0;
+constexpr uid_t root = 0;
 
-bool isAdministratorsAlone(const files::NodeStatus& node) {
-    constexpr std::uint32_t writtenByOthers = 022;
-    const bool isWritten = node.kind != files::NodeKind::link && (node.permissions & writtenByOthers) != 0;
-    return node.owner == administrator && !isWritten;
+bool isChangedByRootOnly(const files::NodeStatus& node) {
+    constexpr std::uint32_t writableByOthers = 022;
+    const bool isWritable = node.kind != files::NodeKind::link && (node.permissions & writableByOthers) != 0;
+    return node.owner == root && !isWritable;
 }
 
-// What a link of the administrator's leads to, as it stands there; none for anything else.
+// The target of a symbolic link that only root can change, as it stands there; none for anything else.
 std::optional<std::filesystem::path> systemLinkAt(const std::filesystem::path& folder, const char* name) {
     const auto holder = files::DirectoryHandle::open(folder);
     const auto holderStatus = holder ? holder->status() : files::Result<files::NodeStatus>::failed(holder.code());
-    if (!holderStatus || !isAdministratorsAlone(*holderStatus)) {
+    if (!holderStatus || !isChangedByRootOnly(*holderStatus)) {
         return std::nullopt;
     }
     const auto status = files::statusAt(holder->descriptor(), name);
     std::array<char, PATH_MAX> target{};
     const ssize_t length = ::readlinkat(holder->descriptor(), name, target.data(), target.size());
     const bool isWhole = length > 0 && length < static_cast<ssize_t>(target.size());
-    return status && isAdministratorsAlone(*status) && isWhole
+    return status && isChangedByRootOnly(*status) && isWhole
                ? std::optional<std::filesystem::path>(std::string(target.data(), static_cast<std::size_t>(length)))
                : std::nullopt;
 }
 
-struct Way {
-    std::filesystem::path passed;
-    std::filesystem::path rest;  ///< from the first name on that is a link or missing
+struct SplitPath {
+    std::filesystem::path opened;
+    std::filesystem::path rest;  ///< from the first name on that is a symbolic link or missing
 };
 
-Way openAsFarAsPossible(const std::filesystem::path& path) {
-    Way way{"/", {}};
+SplitPath openAsFarAsPossible(const std::filesystem::path& path) {
+    SplitPath split{"/", {}};
     for (const auto& name : path.relative_path()) {
-        const bool isPassed = way.rest.empty() && files::DirectoryHandle::open(way.passed / name);
-        if (!name.empty()) {  // as one is that a slash at the end stands for
-            (isPassed ? way.passed : way.rest) /= name;
+        const bool isOpened = split.rest.empty() && files::DirectoryHandle::open(split.opened / name);
+        if (!name.empty()) {  // a trailing slash makes an empty name
+            (isOpened ? split.opened : split.rest) /= name;
         }
     }
-    return way;
+    return split;
 }
 
 }  // namespace
@@ -63,19 +63,19 @@ std::optional<PinnedFolder> PinnedFolder::open(const std::filesystem::path& path
 }
 
 std::optional<std::filesystem::path> withoutSystemLinks(const std::filesystem::path& path) {
-    constexpr int maxLinks = 40;  // as many as the system itself follows
-    auto way = path;
+    constexpr int maxLinks = 40;  // as many as the kernel follows
+    auto resolved = path;
     for (int links = 0; links <= maxLinks; ++links) {
-        const auto [passed, rest] = openAsFarAsPossible(way);
+        const auto [opened, rest] = openAsFarAsPossible(resolved);
         if (rest.empty()) {
-            return passed;
+            return opened;
         }
-        const auto target = systemLinkAt(passed, rest.begin()->c_str());
+        const auto target = systemLinkAt(opened, rest.begin()->c_str());
         if (!target) {
             return std::nullopt;
         }
-        way = (passed / *target).lexically_normal();
-        std::for_each(std::next(rest.begin()), rest.end(), [&](const auto& name) { way /= name; });
+        resolved = (opened / *target).lexically_normal();
+        std::for_each(std::next(rest.begin()), rest.end(), [&](const auto& name) { resolved /= name; });
     }
     return std::nullopt;
 }

@@ -9,11 +9,11 @@
 
 namespace brimvault::cleaner {
 
-/// A folder whose contents may go, whoever owns them. It is looked up once and held open from then on: what is put
-/// under its name later is another folder, and its number is given to no other.
+/// A folder whose contents may be removed, whoever owns them. It is looked up once and held open from then on: what is
+/// put at its path later is another folder, and its inode number cannot be reused.
 class PinnedFolder {
 public:
-    /// None where the path is no folder of that owner, or leads through a link.
+    /// None where the path is no folder of that owner, or leads through a symbolic link.
     static std::optional<PinnedFolder> open(const std::filesystem::path& path, uid_t owner);
 
     /// Whether it is this folder, reached on the same mount.
@@ -27,8 +27,8 @@ private:
     files::NodePlace place_;
 };
 
-/// The path of a folder without the links that only the administrator can have put on the way to it, as /home is one in
-/// some systems. None where another link is on it, or nothing.
+/// Resolves the symbolic links in the path of a folder that only root can have made, as /home is one on some systems.
+/// None where any other link is in the path, or nothing is at it.
 [[nodiscard]] std::optional<std::filesystem::path> withoutSystemLinks(const std::filesystem::path& path);
 
 }  // namespace brimvault::cleaner

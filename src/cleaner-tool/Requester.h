@@ -9,17 +9,17 @@
 
 namespace brimvault::cleaner {
 
-/// Who asks for a removal: the user, and the groups of the process that speaks for them.
+/// Who asks for a removal: the user, and the groups of the application's process.
 struct Requester {
     uid_t user = 0;
     std::vector<gid_t> groups;
 
-    /// None where the system does not tell who is at the other side of a connection.
+    /// None where the kernel does not tell the peer of the connection (SO_PEERCRED, SO_PEERGROUPS).
     static std::optional<Requester> ofPeer(int connection);
 
-    /// Whether they may pass through the folder by its mode and its access list (POSIX 1003.1e, as the system itself
-    /// decides). What lies on a way that is closed to them is not theirs, whoever's number it bears: the number may
-    /// stand for another user there, as in a container. No where it cannot be told.
+    /// Whether they may search the folder by its mode and its access control list (POSIX 1003.1e, as the kernel
+    /// decides). What they cannot reach is not theirs, even if it has their user ID: below such a folder, as in a
+    /// container, the ID may belong to another user. False where it cannot be determined.
     [[nodiscard]] bool maySearch(const files::DirectoryHandle& folder, const files::NodeStatus& status) const;
 
 private:

@@ -12,13 +12,13 @@ namespace brimvault::cleaner {
 
 namespace {
 
-constexpr std::chrono::seconds signOfLife{1};
+constexpr std::chrono::seconds keepAliveInterval{1};
 
-// What is done on a thread, and who waits for it: closing its end of the pipe tells that it is done. Whoever waits may
-// leave before.
+// Shared by a worker thread and the thread that waits for it. The worker closes its end of the pipe when the work is
+// done, which poll(2) reports. The waiting thread may leave earlier.
 struct Work {
     files::FileDescriptor done;
-    files::FileDescriptor tell;
+    files::FileDescriptor doneByWorker;
     std::optional<std::string> answer;
 
     static std::shared_ptr<Work> make() {
@@ -26,7 +26,7 @@ struct Work {
         auto work = std::make_shared<Work>();
         if (::pipe(ends.data()) == 0) {
             work->done = files::FileDescriptor(ends[0]);
-            work->tell = files::FileDescriptor(ends[1]);
+            work->doneByWorker = files::FileDescriptor(ends[1]);
         }
         return work;
     }
@@ -36,15 +36,15 @@ struct Work {
 
 Server::End Server::serve() {
     std::array<char, maxMessageLength> bytes{};
-    bool goesOn = setting_.client.send(*encode(Operation::ready, {&version, 1})) == ClientConnection::Sent::whole;
+    bool goesOn = context_.client.send(*encode(Operation::ready, {&version, 1})) == ClientConnection::Sent::whole;
     while (goesOn) {
-        const auto count = setting_.client.receive(bytes);
-        goesOn = count > 0 && handleWhatHasCome({bytes.data(), count});
+        const auto count = context_.client.receive(bytes);
+        goesOn = count > 0 && handleReceived({bytes.data(), count});
     }
     return isLeftAtWork_ ? End::atWork : End::idle;
 }
 
-bool Server::handleWhatHasCome(std::string_view bytes) {
+bool Server::handleReceived(std::string_view bytes) {
     while (!bytes.empty()) {
         bytes.remove_prefix(reader_.feed(bytes));
         const auto request = reader_.take();
@@ -63,42 +63,42 @@ bool Server::handle(const Message& request) {
         case Operation::removeToTrashFileAtPath:
             return doAndAnswer([this, path] { return recycle(path); });
         case Operation::keepFolderAtPath:
-            return files::isPlainAbsolute(path) && setting_.kept.add({path, Keep::itself});
+            return files::isPlainAbsolute(path) && context_.kept.add({path, Keep::itself});
         default:
-            return false;  // what only the tool says
+            return false;  // only the tool sends it
     }
 }
 
 Server::Answer Server::remove(const std::filesystem::path& path) const {
-    KeptFoldersGuard guard(setting_.kept);
+    KeptFoldersGuard guard(context_.kept);
     const auto outcome = files::remove(path, {}, &guard);
     return outcome.end == files::RemovalEnd::gone ? Answer("") : std::nullopt;
 }
 
 Server::Answer Server::recycle(const std::filesystem::path& path) const {
-    KeptFoldersGuard guard(setting_.kept);
-    const auto place = moveToTrash(path, setting_.trash, setting_.kept.requester(), guard);
+    KeptFoldersGuard guard(context_.kept);
+    const auto place = moveToTrash(path, context_.trash, context_.kept.requester(), guard);
     return place ? Answer(place->native()) : std::nullopt;
 }
 
 bool Server::doAndAnswer(std::function<Answer()> work) {
     using Sent = ClientConnection::Sent;
     const auto shared = Work::make();
-    if (setting_.client.hasEnded()) {
-        return false;  // who asked has given up meanwhile, and reported that the item is still there
+    if (context_.client.hasEnded()) {
+        return false;  // the application has reported meanwhile that the item is still there
     }
     if (!shared->done.isOpen()) {
-        return setting_.client.send(*encode(Operation::failed)) == Sent::whole;
+        return context_.client.send(*encode(Operation::failed)) == Sent::whole;
     }
     std::thread worker([shared, work = std::move(work)] {
         shared->answer = work();
-        shared->tell = files::FileDescriptor();
+        shared->doneByWorker = files::FileDescriptor();
     });
-    auto event = ClientConnection::Event::timeOut;
-    while (event == ClientConnection::Event::timeOut) {
-        event = setting_.client.waitFor(shared->done.number(), signOfLife);
-        if (event == ClientConnection::Event::timeOut) {
-            (void)setting_.client.send(*encode(Operation::working));  // where there is no room, life is plain to see
+    auto event = ClientConnection::Event::timeout;
+    while (event == ClientConnection::Event::timeout) {
+        event = context_.client.waitFor(shared->done.number(), keepAliveInterval);
+        if (event == ClientConnection::Event::timeout) {
+            (void)context_.client.send(*encode(Operation::working));  // a full buffer holds earlier ones
         }
     }
     if (event == ClientConnection::Event::end) {
@@ -108,7 +108,7 @@ bool Server::doAndAnswer(std::function<Answer()> work) {
     }
     worker.join();
     const auto message = shared->answer ? encode(Operation::done, *shared->answer) : encode(Operation::failed);
-    return message && setting_.client.send(*message) == Sent::whole;
+    return message && context_.client.send(*message) == Sent::whole;
 }
 
 }  // namespace brimvault::cleaner

@@ -12,35 +12,35 @@
 
 namespace brimvault::cleaner {
 
-/// Answers the client's requests, one after the other. What is asked for is done on a thread of its own, so that the
-/// end of the application is seen at once. One thread.
+/// Answers the client's requests, one after the other. A worker thread carries each out, so that the end of the
+/// application is noticed at once. One thread.
 class Server {
 public:
     /// Both outlive it.
-    struct Setting {
+    struct Context {
         const ClientConnection& client;
         KeptFolders& kept;
         std::filesystem::path trash;  ///< of the user
     };
-    explicit Server(Setting setting) : setting_(std::move(setting)) {}
+    explicit Server(Context context) : context_(std::move(context)) {}
 
     enum class End {
-        idle,    ///< nothing is being done any more
-        atWork,  ///< a removal still goes on, on its thread
+        idle,    ///< no removal goes on
+        atWork,  ///< a removal still goes on, on its worker thread
     };
-    /// Until the connection ends, or brings what is no request.
+    /// Returns when the connection ends, or brings what is no request.
     [[nodiscard]] End serve();
 
 private:
-    using Answer = std::optional<std::string>;  ///< the content, of a request that was done
+    using Answer = std::optional<std::string>;  ///< the content of `done`; none for `failed`
 
-    bool handleWhatHasCome(std::string_view bytes);
+    bool handleReceived(std::string_view bytes);
     bool handle(const Message& request);
     bool doAndAnswer(std::function<Answer()> work);
     [[nodiscard]] Answer remove(const std::filesystem::path& path) const;
     [[nodiscard]] Answer recycle(const std::filesystem::path& path) const;
 
-    Setting setting_;
+    Context context_;
     MessageReader reader_;
     bool isLeftAtWork_ = false;
 };

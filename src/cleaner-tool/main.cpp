@@ -24,10 +24,10 @@
 
 // The root remover: BrimvaultCleaner NAME PROCESS
 //
-// It runs with the administrator's rights and removes what the application, which runs without, asks it to. Whoever
-// started it may be hostile, and so may whatever reaches it: it finds out by itself who speaks with it, what it must
-// keep and whether the item is what it was a moment ago. It starts no program, is told nothing but its two arguments
-// and who started it, asks the system for that user's home folder and the time, and ends with the application.
+// It runs as root and removes what the application, which does not, asks it to remove. Whoever started it may be
+// hostile, and so may everything that reaches it: the tool itself checks who its peer is, which folders it must keep,
+// and that the item is still the one that it looked at. It starts no program. Its only input are two arguments, who
+// started it (PKEXEC_UID), that user's home folder in the user database, and the time. It ends with the application.
 
 namespace {
 
@@ -35,7 +35,7 @@ using namespace brimvault::cleaner;
 
 constexpr std::chrono::seconds connectTimeout{10};  // the application stops waiting for the tool after five
 
-// By its path without links; whether it is the user's own is seen where it is pinned.
+// Its path without symbolic links; pinning it checks that the user owns it.
 std::optional<std::filesystem::path> homeOf(uid_t user) {
     const passwd* record = ::getpwuid(user);
     const bool isKnown = record != nullptr && record->pw_dir != nullptr && record->pw_dir[0] == '/';
@@ -48,9 +48,9 @@ void pin(KeptFolders& kept, const std::filesystem::path& path, uid_t owner) {
     }
 }
 
-// None where something cannot be kept: what cannot be kept is not put at risk.
+// None where a folder cannot be kept: then nothing is removed at all.
 std::optional<KeptFolders> keptFolders(Requester requester, const std::optional<std::filesystem::path>& home) {
-    constexpr uid_t administrator = 0;
+    constexpr uid_t root = 0;
     KeptFolders kept(std::move(requester));
     std::vector<KeptPath> folders = systemFolders();
     if (home) {
@@ -60,7 +60,7 @@ std::optional<KeptFolders> keptFolders(Requester requester, const std::optional<
         }
     }
     for (const auto& folder : sharedSectionFolders()) {
-        pin(kept, folder, administrator);
+        pin(kept, folder, root);
     }
     const bool all = std::all_of(folders.begin(), folders.end(), [&](const auto& folder) { return kept.add(folder); });
     return all && kept.lookUp() ? std::optional(std::move(kept)) : std::nullopt;
@@ -69,7 +69,7 @@ std::optional<KeptFolders> keptFolders(Requester requester, const std::optional<
 int run(const Invocation& invocation) {
     const auto application = ApplicationProcess::ofParent(invocation.application);
     const auto folder = socketFolder(invocation.user);
-    if (!application || !giveUpPrivileges() || !prepareSocketFolder(folder, invocation.user)) {
+    if (!application || !dropPrivileges() || !prepareSocketFolder(folder, invocation.user)) {
         return EXIT_FAILURE;
     }
     application->endWithIt();
@@ -84,7 +84,7 @@ int run(const Invocation& invocation) {
     const ClientConnection client(std::move(connection), expected);
     Server server({client, *kept, trashOfHome(home.value_or(""))});
     if (server.serve() == Server::End::atWork) {
-        ::_exit(EXIT_FAILURE);  // at once, and with it what is being removed
+        ::_exit(EXIT_FAILURE);  // at once, in the middle of that removal
     }
     return EXIT_SUCCESS;
 }
@@ -95,11 +95,11 @@ int main(int count, char** arguments) {
     try {
         const char* user = std::getenv("PKEXEC_UID");
         const auto invocation = Invocation::of(count, arguments, user);
-        if (::geteuid() != 0 || !invocation || !giveUpSurroundings()) {
+        if (::geteuid() != 0 || !invocation || !resetInheritedState()) {
             return EXIT_FAILURE;
         }
         return run(*invocation);
     } catch (...) {
-        return EXIT_FAILURE;  // there is nobody to tell
+        return EXIT_FAILURE;  // there is nobody to report it to
     }
 }

@@ -49,7 +49,7 @@ protected:
         return files::remove(path, {}, &guard);
     }
 
-    // Nothing when the removal left everything as it was, with this error, else what it did instead.
+    // Empty when the removal failed with this error and changed nothing, else what it did instead.
     [[nodiscard]] std::string refuses(const fs::path& path, int code = EPERM) const {
         const auto before = fingerprint(folder_.path());
         const auto outcome = remove(path);
@@ -59,7 +59,7 @@ protected:
         return outcome.failure->code == code ? "" : outcome.failure->text() + ": " + path.native();
     }
 
-    // Takes away the item, and nothing but the item.
+    // Removes the item and nothing else.
     void expectGoes(const fs::path& path) const {
         auto before = fingerprint(folder_.path());
         EXPECT_EQ(remove(folder_ / path).end, RemovalEnd::gone) << path;
@@ -69,10 +69,10 @@ protected:
     }
 
     TemporaryFolder folder_;
-    mutable KeptFolders kept_{{::getuid(), {::getgid()}}};  ///< is looked up anew for each removal
+    mutable KeptFolders kept_{{::getuid(), {::getgid()}}};  ///< looked up again for each removal
 };
 
-// What the guard says of a name in a folder of the machine's own; nothing is removed.
+// The guard's answer for a name in a folder of this machine; nothing is removed.
 bool mayGo(const fs::path& folder) {
     static KeptFolders kept = [] {
         KeptFolders system({::getuid(), {::getgid()}});
@@ -138,7 +138,7 @@ TEST_F(KeptFolderTree, RefusesPathsThatAreNotPlain) {
         EXPECT_EQ(refuses(path, EINVAL), "");
     }
     for (const char* path : {"", "item", "free/item", ".", "..", "./item", "/", "//", "/.", "/.."}) {
-        EXPECT_FALSE(files::isPlainAbsolute(path)) << path;  // not tried: they lead out of the tree
+        EXPECT_FALSE(files::isPlainAbsolute(path)) << path;  // not removed: they lead out of the tree
     }
 }
 
@@ -173,7 +173,7 @@ TEST_F(KeptFolderTree, IsKnownWhereItIsMountedOnceMore) {
         if (const auto reason = keepMountsPrivate(); !reason.empty()) {
             return cannotTry(reason);
         }
-        open("");  // the mounts are others from here on
+        open("");  // other mounts from here on
         open("system/open");
         const auto alias = folder_ / "free/alias";
         if (::mount((folder_ / "system").c_str(), alias.c_str(), nullptr, MS_BIND, nullptr) != 0 ||
@@ -184,7 +184,7 @@ TEST_F(KeptFolderTree, IsKnownWhereItIsMountedOnceMore) {
         std::string wrong = refuses(alias) + refuses(alias / "tool") + refuses(alias / "inner");
         wrong += refuses(again / "section") + refuses(again / "holder") + refuses(again / "system/inner/tool");
         wrong += refuses(again / "system");
-        // All around the mounts goes, and nothing on them.
+        // Everything around the mounts is removed, and nothing on them.
         const auto outcome = remove(folder_ / "free");
         if (outcome.end != RemovalEnd::kept || outcome.failure->code != EBUSY) {
             wrong += "a folder with mounts went ";
@@ -197,8 +197,8 @@ TEST_F(KeptFolderTree, IsKnownWhereItIsMountedOnceMore) {
 TEST_F(KeptFolderTree, KnowsAFolderThatIsMadeAnew) {
     ASSERT_TRUE(kept_.lookUp());
     fs::rename(folder_ / "section", folder_ / "free/section");
-    EXPECT_EQ(remove(folder_ / "section").end, RemovalEnd::gone);  // there is none now
-    EXPECT_EQ(refuses(folder_ / "free/section"), "");              // and this is what it was
+    EXPECT_EQ(remove(folder_ / "section").end, RemovalEnd::gone);  // its path leads to nothing now
+    EXPECT_EQ(refuses(folder_ / "free/section"), "");              // and this is where the folder is
     fs::create_directories(folder_ / "section/item");
     EXPECT_EQ(refuses(folder_ / "section"), "");
     expectGoes("section/item");
@@ -212,7 +212,7 @@ TEST_F(KeptFolderTree, HasNoMoreFoldersThanItSays) {
     EXPECT_FALSE(kept.add({folder_ / "missing", Keep::itself}));
 }
 
-// What another user owns, or nobody but the administrator, goes only where it lies in a folder of the user's.
+// What another user or root owns is removed only in a folder of the user's.
 TEST_F(KeptFolderTree, LetsGoWhatLiesInAFolderOfTheUsers) {
     constexpr uid_t other = 4711;
     KeptFolders kept({other, {}});
@@ -231,7 +231,7 @@ TEST_F(KeptFolderTree, LetsGoWhatLiesInAFolderOfTheUsers) {
     EXPECT_EQ(ends("volumes/volume/item"), RemovalEnd::gone);
 }
 
-// What an administrator has mounted in a home is no more the user's than where it comes from.
+// What an administrator has mounted in a home is not the user's.
 TEST_F(KeptFolderTree, AsksAnewWhereAnotherMountBegins) {
     constexpr uid_t other = 4711;
     if (::getuid() != 0) {
@@ -272,7 +272,7 @@ TEST_F(KeptFolderTree, AsksAnewWhereAnotherMountBegins) {
     });
 }
 
-// Whose number a folder bears says nothing where its user cannot come to it.
+// The owner of a folder does not count where the user cannot reach it.
 TEST_F(KeptFolderTree, StaysOnAWayThatIsClosedToTheUser) {
     constexpr uid_t other = 4711;
     KeptFolders kept({other, {}});
@@ -291,7 +291,7 @@ TEST_F(KeptFolderTree, StaysOnAWayThatIsClosedToTheUser) {
     EXPECT_EQ(end("volumes/volume/item/file"), RemovalEnd::gone);
 }
 
-// What is kept by the word of others tells them nothing of what they cannot see.
+// A path that the application asks to keep reveals nothing that the user cannot see.
 TEST_F(KeptFolderTree, IsNotLookedUpThroughLinksOrClosedFolders) {
     fs::create_directory_symlink(folder_ / "system/../free/item", folder_ / "section/link");
     fs::create_directories(folder_ / "closed/there");
@@ -338,13 +338,13 @@ TEST(SystemFolders, AreKeptWithWhatIsBelowThem) {
           "/srv",        "/mnt", "/media"}) {
         EXPECT_TRUE(!fs::exists(path) || !mayGo(path)) << path;
     }
-    const TemporaryFolder folder;  // in a folder for temporary files of all
+    const TemporaryFolder folder;  // in /tmp, which all users share
     fs::create_directory(folder / "item");
     EXPECT_FALSE(mayGo(folder.path()));
     EXPECT_TRUE(mayGo(folder / "item"));
 }
 
-// Which of the machine's folders a name is in that is not there: told the ways, without looking for them.
+// For names that do not exist in folders of the machine: the guard is given the ancestors, none is looked up.
 TEST(SystemFolders, SayOfTheirContentsWhatIsCustomary) {
     constexpr uid_t user = 4711;
     KeptFolders kept({user, {}});
@@ -354,7 +354,7 @@ TEST(SystemFolders, SayOfTheirContentsWhatIsCustomary) {
     const auto contentsMayGo = [&](const fs::path& folder, bool deeper) {
         KeptFoldersGuard guard(kept);
         auto handle = files::DirectoryHandle::open(fs::canonical(folder), [&](const auto& passed, auto status) {
-            status.permissions = 0777;  // whatever else this machine lets a user do
+            status.permissions = 0777;  // so that only the kept folders decide
             return guard.onWay(passed, status);
         });
         if (deeper) {

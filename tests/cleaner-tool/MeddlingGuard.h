@@ -6,8 +6,8 @@
 
 namespace brimvault::tests {
 
-/// Asks the guard of the root remover, and lets something happen before it answers: what was asked about need not be
-/// what has the name by then.
+/// Asks the guard of the root remover and runs a callback before it answers, as a racing thread could: another object
+/// may have the name by then.
 class MeddlingGuard final : public files::RemovalGuard {
 public:
     MeddlingGuard(cleaner::KeptFolders& kept, std::function<void(const files::NodeStatus&)> meddle)

@@ -36,7 +36,7 @@ struct Reading {
 
 unsigned byteAt(const std::string& stream, std::size_t place) { return static_cast<unsigned char>(stream.at(place)); }
 
-// What the form of the messages says of a whole stream, written apart from the reader.
+// Decodes a whole stream by the format alone, independently of the reader.
 Reading expected(const std::string& stream) {
     Reading reading;
     std::size_t start = 0;
@@ -61,7 +61,7 @@ Reading expected(const std::string& stream) {
     return reading;
 }
 
-// The reader is always shown all that has come, up to the end of the piece.
+// Feeds the reader all bytes that have arrived, up to the end of the piece.
 Reading read(const std::string& stream, const std::function<std::size_t()>& nextPiece) {
     MessageReader reader;
     Reading reading;
@@ -104,7 +104,7 @@ public:
         const auto operation = static_cast<Operation>(operations[below(std::size(operations))]);
         return *encode(operation, bytes(below(8) == 0 ? below(maxMessageLength) : below(40)));
     }
-    // Some messages, and then what may come in the place of one.
+    // Some messages, then perhaps garbage.
     std::string stream() {
         std::string glued;
         for (std::size_t count = below(4); count > 0; --count) {

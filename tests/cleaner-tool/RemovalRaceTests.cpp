@@ -1,4 +1,4 @@
-// Removals with a guard, while another thread exchanges what they work on for what is kept.
+// Removals with a guard, while another thread exchanges their items for folders that are kept.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -37,8 +37,8 @@ protected:
         if (!exchangesNames(folder_.path())) {
             GTEST_SKIP() << "the file system exchanges no names";
         }
-        // Both have the same names as what may go. Of the one outside of it nothing is said: only that no link is
-        // followed keeps it.
+        // Both have the same names as what may be removed. No rule keeps the one outside: only that symbolic links are
+        // not followed.
         for (const char* name : {"kept", "kept/item", "outside", "outside/item"}) {
             fill(folder_ / name);
         }
@@ -46,16 +46,16 @@ protected:
         ASSERT_TRUE(kept_.add({folder_ / "kept", Keep::everything}) && kept_.lookUp());
     }
 
-    // Each answer of the guard comes after the names were exchanged a few times, or not at all.
+    // Before each answer of the guard the names are exchanged a few times, or not at all.
     files::RemovalOutcome remove(const Exchanger& exchanger, const fs::path& item) {
         ++rounds_;
         int first = -1;
         MeddlingGuard guard(kept_, [&](const files::NodeStatus& /*node*/) {
-            constexpr int mostTries = 300;  // for names that cannot be exchanged any more
+            constexpr int maxTries = 300;  // some names cannot be exchanged any more
             const int now = exchanger.exchanges();
             const int awaited = now + std::uniform_int_distribution(0, 2)(random_);
             first = first < 0 ? now : first;
-            for (int tries = 0; tries < mostTries && exchanger.exchanges() < awaited; ++tries) {
+            for (int tries = 0; tries < maxTries && exchanger.exchanges() < awaited; ++tries) {
                 std::this_thread::yield();
             }
         });
@@ -68,7 +68,7 @@ protected:
         return exchanger.exchanges() >= wantedExchanges && rounds_ >= wantedRounds;
     }
 
-    // Prepares and removes again and again, until there were enough exchanges; what is held is complete after each.
+    // Prepares and removes until there were enough exchanges; after each removal what is kept is complete.
     void race(const Exchanger& exchanger, const fs::path& item, const HeldFolder& held,
               const std::function<void()>& prepare) {
         const auto complete = fingerprint(held.path());
@@ -82,7 +82,7 @@ protected:
         EXPECT_GT(overtaken_, 0) << "no exchange met a removal in " << rounds_ << " rounds";
     }
 
-    // A new tree under the name, unless something is there.
+    // Makes a tree at the name, unless something is there.
     void renew(const fs::path& name) const {
         if (!fs::exists(fs::symlink_status(name))) {
             fill(folder_ / "made");
@@ -156,7 +156,7 @@ TEST_F(RemovalRace, OfAnInnerFolderWithOneThatIsKept) {
     });
 }
 
-// Where nothing may go, nothing goes, whatever it is by the time of its removal.
+// Where nothing may be removed, nothing is, whatever object has the name by then.
 TEST_F(RemovalRace, OfAFolderBelowOneThatIsKeptWithAFile) {
     const Exchanger exchanger(folder_ / "kept/inner", folder_ / "kept/one");
     while (!isEnough(exchanger)) {
@@ -165,7 +165,7 @@ TEST_F(RemovalRace, OfAFolderBelowOneThatIsKeptWithAFile) {
     EXPECT_GT(overtaken_, 0);
 }
 
-// Exchanged once, at the worst moment: when the folder has been asked about, before it is found to be empty.
+// Exchanged once, at the worst time: after the question for the folder, before it is found to be empty.
 TEST_F(RemovalRace, OfAnEmptyFolderWithAnEmptyOneThatIsKept) {
     fs::create_directories(folder_ / "item/inner");
     fs::create_directories(folder_ / "section");

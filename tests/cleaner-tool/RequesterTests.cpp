@@ -29,7 +29,7 @@ constexpr gid_t ownGroup = 4711;
 constexpr gid_t otherGroup = 4712;
 constexpr std::uint32_t nobody = 0xFFFFFFFF;
 
-// Gives the folder a list with entries for some users and groups.
+// Sets an access control list with entries for some users and groups.
 bool giveRandomList(const fs::path& folder, std::mt19937& random) {
     const auto entry = [&](AccessTag tag, std::uint32_t number) {
         return AccessEntry{tag, static_cast<std::uint16_t>(random() % 8), number};
@@ -56,7 +56,7 @@ bool giveRandomList(const fs::path& folder, std::mt19937& random) {
 
 }  // namespace
 
-// The system decides of each folder for a process with the same numbers.
+// The oracle is the kernel: a process with the same IDs tries to enter each folder.
 TEST(Requester, MaySearchWhatTheSystemLetsThemSearch) {
     constexpr int folders = 2000;
     const TemporaryFolder folder;

@@ -45,7 +45,7 @@ protected:
         writeFile(folder_ / "system/tool", "1");
         kept_.add(*PinnedFolder::open(folder_.path(), ::getuid()));
         EXPECT_TRUE(kept_.add({folder_ / "system", Keep::everything}));
-        modeMask_ = ::umask(077);  // as the root remover sets it
+        modeMask_ = ::umask(077);  // as in the root remover
     }
     void TearDown() override { ::umask(modeMask_); }
 
@@ -54,7 +54,7 @@ protected:
         return moveToTrash(path, trash_, {user, {}}, guard);
     }
 
-    // Nothing when it is refused and everything is as before.
+    // Empty when it is refused and nothing has changed.
     std::string refuses(const fs::path& path, uid_t user = ::geteuid()) {
         const auto before = fingerprint(folder_.path());
         const bool moved = move(path, user).has_value();

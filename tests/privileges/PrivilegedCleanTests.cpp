@@ -51,7 +51,7 @@ std::string firstOf(std::initializer_list<std::string> problems) {
 
 fs::path cachesOf(const User& user) { return user.home() / "Library" / "Caches"; }
 
-// Folders of the administrator's in the user's caches, and one of the user's own.
+// Folders of root's in the user's caches, and one of the user's own.
 void makeThreeItems(const User& user) {
     makeHome(user);
     makeLockedFolder(user, "first");
@@ -142,7 +142,7 @@ TEST(PrivilegedClean, WithdrawsTheQuestionWhenItIsStopped) {
     });
 }
 
-// Who is not at the machine itself is asked by the start of the tool, once as well.
+// In a remote session the start of the tool asks, once as well.
 TEST(PrivilegedClean, AsksOnceWhereWhatIsGrantedIsNotKept) {
     makeThreeItems(remoteUser);
     EXPECT_WELL_IN_CHILD([] {
@@ -155,7 +155,7 @@ TEST(PrivilegedClean, AsksOnceWhereWhatIsGrantedIsNotKept) {
         trial.beginClean({"first", "second"});
         const bool asked = comes([&] { return trial.questions() == 1; });
         trial.stopClean();
-        // Whether the dialog goes as well is polkitd's: it does not always notice that who asked has ended.
+        // Whether the dialog closes is up to polkitd, which does not always notice that pkexec has ended.
         return firstOf({asked ? "" : "nobody is asked", expected(trial.finishClean(), 0, {"first"}),
                         trial.tool() == 0 ? "" : "the tool was started"});
     });
@@ -301,7 +301,7 @@ TEST(PrivilegedClean, MovesIntoTheUsersTrash) {
                             ? ""
                             : "the record is: " + text});
     });
-    // What a closed folder hides is not opened by moving it.
+    // The contents of a folder that the user cannot search are not made accessible by a move.
     makeLockedFolder(mayRemove, "closed");
     fs::permissions(cachesOf(mayRemove) / "closed", static_cast<fs::perms>(0700));
     EXPECT_WELL_IN_CHILD([&] {

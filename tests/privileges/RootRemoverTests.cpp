@@ -23,7 +23,7 @@
 #include "support/NameExchange.h"
 #include "trial/SampleHome.h"
 
-// The root remover as it is installed, started as pkexec starts it, and clients that speak with it byte by byte.
+// The installed root remover, started as pkexec starts it, and clients that speak the wire protocol byte by byte.
 
 namespace brimvault::tests {
 
@@ -50,7 +50,7 @@ fs::path caches() { return user.home() / "Library/Caches"; }
     ::_exit(126);
 }
 
-// As a child of the calling process, which it is told to serve, or another one.
+// As a child of the calling process; it is told to serve that one, or another.
 pid_t startTool(pid_t application = ::getpid()) {
     const pid_t tool = ::fork();
     if (tool == 0) {
@@ -59,7 +59,7 @@ pid_t startTool(pid_t application = ::getpid()) {
     return tool;
 }
 
-// How the tool ended by itself: its status, or a text.
+// The exit code of the tool, or how it ended otherwise.
 std::string endOf(pid_t tool) {
     int status = 0;
     if (!comes([&] { return ::waitpid(tool, &status, WNOHANG) == tool; })) {
@@ -71,7 +71,7 @@ std::string endOf(pid_t tool) {
 
 class Client {
 public:
-    /// Waits until somebody is there.
+    /// Waits until the tool listens.
     bool connect() {
         return comes([this] {
             connection_ = platform::ToolConnection::connect(place());
@@ -79,7 +79,7 @@ public:
         });
     }
     bool send(std::string_view bytes) { return connection_->send(bytes); }
-    /// The operation of the next message that is no sign of life; none when the other side has closed.
+    /// The operation of the next message but `working`; none when the peer has closed.
     std::optional<Operation> next() {
         while (true) {
             const auto message = reader_.take();
@@ -103,7 +103,7 @@ private:
     cleaner::MessageReader reader_;
 };
 
-// Over the one connection of this process with the administrator.
+// Over the only connection of this process to a root process.
 void sendWithDescriptor(std::string bytes) {
     constexpr int maxDescriptor = 256;
     for (int number = 3; number < maxDescriptor; ++number) {
@@ -121,7 +121,7 @@ void sendWithDescriptor(std::string bytes) {
     }
 }
 
-// Whether a process of the user's own that is not the application is turned away.
+// Whether another process of the same user is refused.
 std::string asOtherProcess() {
     const pid_t other = ::fork();
     if (other == 0) {
@@ -131,7 +131,7 @@ std::string asOtherProcess() {
     return endOf(other) == "0" ? "" : "another process was served";
 }
 
-// A process that gets the number of one that has ended; waits to be killed.
+// A process that reuses the ID of one that has ended; waits to be killed.
 pid_t startWithNumber(pid_t number) {
     for (int tries = 0; tries < 1000; ++tries) {
         std::ofstream("/proc/sys/kernel/ns_last_pid") << number - 1;
@@ -213,7 +213,7 @@ TEST_F(RootRemover, RefusesANumberThatIsNotThatOfItsParent) {
     });
 }
 
-// The application ends before the tool has looked at it, and another process of its user gets its number.
+// The application ends before the tool opens its pidfd, and another process of its user gets its process ID.
 TEST_F(RootRemover, RefusesAProcessThatHasTakenOverTheNumber) {
     EXPECT_WELL_IN_CHILD([]() -> std::string {
         int go[2];
@@ -299,10 +299,10 @@ TEST_F(RootRemover, LeavesTheSocketFolderToRoot) {
     });
 }
 
-// Whoever waits under the name without the administrator's rights is not taken for the tool.
+// A process that listens on the socket without root's rights is not taken for the tool.
 TEST_F(RootRemover, IsNotMistakenForAProgramOfTheUsers) {
     const auto elsewhere = user.home() / "socket";
-    fs::remove(elsewhere);  // of a run before
+    fs::remove(elsewhere);  // of an earlier run
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
         const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
         sockaddr_un address{};
@@ -335,7 +335,7 @@ TEST_F(RootRemover, EndsAtWhatIsNoRequest) {
                                         *cleaner::encode(Operation::keepFolderAtPath, "relative"),
                                         *cleaner::encode(Operation::keepFolderAtPath, "/srv/../run")};
     for (auto& stream : streams) {
-        stream += request;  // is not reached
+        stream += request;  // is never read
     }
     for (const auto& stream : streams) {
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
@@ -401,7 +401,7 @@ TEST_F(RootRemover, RefusesWhatIsToBeKept) {
     ASSERT_EQ(::umount((caches() / "mounted").c_str()), 0);
 }
 
-// Whoever has been handed the connection is not the application.
+// A process to which the application passes the connected socket is not the application.
 TEST_F(RootRemover, TakesNoRequestFromAnotherProcess) {
     for (const bool isDescriptorSent : {false, true}) {
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
@@ -425,8 +425,8 @@ TEST_F(RootRemover, TakesNoRequestFromAnotherProcess) {
     EXPECT_TRUE(fs::exists(caches() / "item/2/2"));
 }
 
-// Each of these once let the user remove what is not theirs: with the home renamed and a link in its place, through
-// what an administrator had mounted in it, or by a number that stands for another user behind a closed folder.
+// Attacks that once let the user remove what is not theirs: the home renamed and a symbolic link in its place, a mount
+// of the administrator's inside it, or a user ID that belongs to another user behind a closed folder.
 TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
     const fs::path precious = "/srv/precious";
     const auto mounted = caches() / "mounted";
@@ -482,7 +482,7 @@ TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
     EXPECT_EQ(::umount("/srv"), 0);
 }
 
-// What is kept by a link of the user's is not told by whether it can be followed.
+// Keeping a path with a symbolic link of the user's does not reveal whether its target exists.
 TEST_F(RootRemover, TellsNothingOfFoldersThatAreClosed) {
     ASSERT_EQ(::mount("none", "/srv", "tmpfs", MS_NOSUID, "mode=700"), 0);
     fs::create_directory("/srv/there");
@@ -507,7 +507,7 @@ TEST_F(RootRemover, TellsNothingOfFoldersThatAreClosed) {
     EXPECT_EQ(::umount("/srv"), 0);
 }
 
-// A volume of the user's own keeps even the administrator out, and with it nothing but itself.
+// A FUSE volume of the user's refuses even root; nothing else is affected by it.
 TEST_F(RootRemover, ServesAUserWhoseDownloadsNobodyElseMayEnter) {
     const int server = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
     const auto downloads = user.home() / "Downloads";
@@ -533,8 +533,8 @@ TEST_F(RootRemover, ServesAUserWhoseDownloadsNobodyElseMayEnter) {
     ::close(server);
 }
 
-// The user exchanges the item, its parent or an inner folder for a link to what only the administrator may change,
-// while the tool removes it again and again.
+// The user exchanges the item, its parent or an inner folder for a symbolic link to what only root may change, while
+// the tool removes it again and again.
 TEST_F(RootRemover, LosesNothingToAUserWhoExchangesNames) {
     constexpr int wanted = 20'000;
     const fs::path precious = "/srv/precious";
@@ -575,7 +575,7 @@ TEST_F(RootRemover, LosesNothingToAUserWhoExchangesNames) {
 
 TEST_F(RootRemover, HasGivenUpWhatItDoesNotNeed) {
     int done[2];
-    ASSERT_EQ(::pipe(done), 0);  // which is not to be inherited
+    ASSERT_EQ(::pipe(done), 0);  // without O_CLOEXEC: the tool must close it
     const pid_t application = ::fork();
     if (application == 0) {
         startTool();
@@ -599,14 +599,14 @@ TEST_F(RootRemover, HasGivenUpWhatItDoesNotNeed) {
     std::sort(open.begin(), open.end());
     EXPECT_EQ(greeted, 'g');
     for (const char* set : {"CapEff", "CapPrm", "CapBnd"}) {
-        EXPECT_EQ(status[set], "000000000000000a") << set;  // to pass by permissions, and to act as an owner
+        EXPECT_EQ(status[set], "000000000000000a") << set;  // CAP_DAC_OVERRIDE and CAP_FOWNER
     }
     EXPECT_EQ(status["CapInh"], "0000000000000000");
     EXPECT_EQ(status["CapAmb"], "0000000000000000");
     EXPECT_EQ(status["NoNewPrivs"], "1");
     EXPECT_EQ(status["Umask"], "0077");
     EXPECT_EQ(fs::read_symlink(tool / "cwd"), "/");
-    // The application's process, its connection, the home folder, and nothing else.
+    // The pidfd of the application, the connection, the home folder, and nothing else.
     EXPECT_EQ(open, (std::vector<std::string>{"/dev/nul", "/dev/nul", "/dev/nul", "/run/hom", "anon_ino", "socket:["}));
     ::kill(application, SIGKILL);
     ::waitpid(application, nullptr, 0);

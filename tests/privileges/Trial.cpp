@@ -27,10 +27,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<int> lifelines;  // of the processes that end with this one
+std::vector<int> lifelines;  // writing ends of pipes: the processes that read from them end with this one
 
-// What it reads from ends with the calling process, whatever that dies of; a signal at its death would not be allowed
-// to strike what has more rights.
+// The reading end of a pipe whose writing end closes with the calling process, however that ends. PR_SET_PDEATHSIG
+// would not do: it cannot signal a process with more rights.
 int endOfLifeline() {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) {
@@ -40,7 +40,7 @@ int endOfLifeline() {
     return ends[0];
 }
 
-void letGoOfLifelines() {
+void closeLifelines() {
     for (const int lifeline : lifelines) {
         ::close(lifeline);
     }
@@ -79,7 +79,7 @@ AdministratorsHand::AdministratorsHand() {
     requests_ = lifelines.back();
     answers_ = answers[0];
     if (::fork() == 0) {
-        letGoOfLifelines();
+        closeLifelines();
         SignalRequest request{};
         while (::read(requests, &request, sizeof request) == static_cast<ssize_t>(sizeof request)) {
             const int result = ::kill(request.process, request.signal);
@@ -121,7 +121,7 @@ pid_t startIdler(const User& user) {
     const int lifeline = endOfLifeline();
     const pid_t idler = ::fork();
     if (idler == 0) {
-        letGoOfLifelines();
+        closeLifelines();
         become(user);
         char nothing = 0;
         (void)!::read(lifeline, &nothing, 1);
@@ -221,7 +221,7 @@ void makeLockedFolder(const User& user, const std::string& name, int files) {
     }
 }
 
-// The first thread can have ended while another still holds what is open.
+// The main thread can have ended while another one still runs.
 bool isAlive(pid_t process) {
     const auto folder = fs::path("/proc") / std::to_string(process);
     std::ifstream status(folder / "stat");
@@ -255,8 +255,8 @@ pid_t toolOf(pid_t application) {
     return 0;
 }
 
-bool comes(const std::function<bool()>& condition, std::chrono::seconds patience) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+bool comes(const std::function<bool()>& condition, std::chrono::seconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

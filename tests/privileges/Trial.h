@@ -22,17 +22,17 @@ struct User {
 
     [[nodiscard]] std::filesystem::path home() const { return std::filesystem::path("/run/home") / name; }
 };
-inline constexpr User mayRemove{"may", 60001};      ///< without being asked
-inline constexpr User deniedUser{"denied", 60002};  ///< without being asked
+inline constexpr User mayRemove{"may", 60001};      ///< allowed without a question
+inline constexpr User deniedUser{"denied", 60002};  ///< denied without a question
 inline constexpr User askedUser{"asked", 60003};
-inline constexpr User remoteUser{"remote", 60004};  ///< asked each time: what is granted is not kept
+inline constexpr User remoteUser{"remote", 60004};  ///< asked each time: grants are not kept (auth_admin)
 
 enum class Agent { none, grants, refuses, hesitates };
 
-/// Gives up all rights but those of the user, for good.
+/// Drops all rights but those of the user, for good.
 void become(const User& user);
 
-/// A process that sends signals with the administrator's rights, for one that has given them up.
+/// A process that sends signals as root, for one that has dropped its rights.
 class AdministratorsHand {
 public:
     AdministratorsHand();
@@ -45,14 +45,14 @@ private:
     int answers_ = -1;
 };
 
-/// Starts an agent that answers for a process, and waits until it does. It ends with the calling process.
+/// Starts a polkit agent for a process, and waits until it is registered. It ends with the calling process.
 void startAgent(pid_t process, Agent agent, const std::filesystem::path& questions);
 
 /// A process of the user's that does nothing, and ends with the calling one.
 [[nodiscard]] pid_t startIdler(const User& user);
 
-/// The program, as one of the users runs it, in a child process that has given up all other rights: the real remover
-/// and clean operations over that user's home folder.
+/// The program as one of the users runs it, in a child process that has dropped all other rights: the real remover and
+/// clean operations over that user's home folder.
 class Trial {
 public:
     Trial(const User& user, Agent agent);
@@ -62,7 +62,7 @@ public:
         std::size_t removed = 0;
         std::map<std::string, std::string> notRemoved;  ///< name to reason
     };
-    /// Cleans so many items of the caches folder, and waits for the end.
+    /// Cleans these items of the caches folder, and waits for the end.
     Result clean(const std::vector<std::string>& names);
     /// The same, without waiting.
     void beginClean(const std::vector<std::string>& names);
@@ -77,7 +77,7 @@ public:
     [[nodiscard]] pid_t tool() const;
     [[nodiscard]] engine::Remover& remover() const;
     void sendAsAdministrator(int signal, pid_t process) const { hand_.send(signal, process); }
-    /// From now on there is no system bus to be found.
+    /// From now on the system bus cannot be found.
     void loseSystemBus();
 
 private:
@@ -91,15 +91,15 @@ private:
 
 /// Makes the user's home folder anew, with a caches folder.
 void makeHome(const User& user);
-/// A folder of the administrator's in it, with files that the user may not remove.
+/// A folder of root's in its caches, with files that the user may not remove.
 void makeLockedFolder(const User& user, const std::string& name, int files = 3);
 
-/// Whether it still works at something; one that has ended and waits to be taken note of does not.
+/// False for a zombie.
 [[nodiscard]] bool isAlive(pid_t process);
 /// The root remover that has been started by a process; 0 for none.
 [[nodiscard]] pid_t toolOf(pid_t application);
-/// Whether the condition came to hold within a time in which everything does that works, or within the time given.
+/// Whether the condition becomes true within the timeout; the default is ample for everything that works.
 [[nodiscard]] bool comes(const std::function<bool()>& condition,
-                         std::chrono::seconds patience = std::chrono::seconds(60));
+                         std::chrono::seconds timeout = std::chrono::seconds(60));
 
 }  // namespace brimvault::tests

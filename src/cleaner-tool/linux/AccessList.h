@@ -4,8 +4,9 @@
 
 namespace brimvault::cleaner {
 
-// An access list as the kernel takes and gives it in "system.posix_acl_access", version 2: <linux/posix_acl_xattr.h>,
-// <linux/posix_acl.h>. A version, and then entries in the order of their tags.
+// An access control list in the kernel's format of the extended attribute "system.posix_acl_access", version 2
+// (<linux/posix_acl_xattr.h>, <linux/posix_acl.h>): the version, then entries in the order of their tags. It has been
+// the same since Linux 2.6, so that a process that runs as root needs no library for it.
 
 inline constexpr std::uint32_t accessListVersion = 2;
 inline constexpr const char* accessListName = "system.posix_acl_access";
@@ -15,7 +16,7 @@ enum class AccessTag : std::uint16_t {
     user = 0x02,
     owningGroup = 0x04,
     group = 0x08,
-    mask = 0x10,  ///< at most this for all between the owner and the others
+    mask = 0x10,  ///< the maximum for all between the owner and the others
     others = 0x20,
 };
 

@@ -7,32 +7,29 @@
 #include <cerrno>
 #include <cstring>
 
+#include "files/SystemCall.h"
+
 namespace brimvault::cleaner {
 
-namespace {
-
-bool maySucceedLater() { return errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK; }
-
-}  // namespace
-
 std::size_t ClientConnection::receive(std::span<char> bytes) const {
-    constexpr int withoutEnd = -1;
+    constexpr int noTimeout = -1;
     for (;;) {
         pollfd events[] = {{connection_.number(), POLLIN, 0}, {client_.application.descriptor(), POLLIN, 0}};
-        if (::poll(events, 2, withoutEnd) < 0 && !maySucceedLater()) {
+        if (::poll(events, 2, noTimeout) < 0 && !files::isTransient(errno)) {
             return 0;
         }
         if (events[1].revents != 0) {
             return 0;
         }
         const ssize_t count = receiveFromClient(bytes);
-        if (count >= 0 || !maySucceedLater()) {
+        if (count >= 0 || !files::isTransient(errno)) {
             return count > 0 ? static_cast<std::size_t>(count) : 0;
         }
     }
 }
 
-// Bytes of different senders never come together. Descriptors that come along find no room and are closed.
+// One recvmsg never returns bytes of two senders. The control buffer has no room for passed descriptors: the kernel
+// closes them.
 ssize_t ClientConnection::receiveFromClient(std::span<char> bytes) const {
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(ucred))> control{};
     iovec content{bytes.data(), bytes.size()};
@@ -52,7 +49,7 @@ ssize_t ClientConnection::receiveFromClient(std::span<char> bytes) const {
         return 0;
     }
     std::memcpy(&sender, CMSG_DATA(header), sizeof sender);
-    return sender.uid == client_.user && sender.pid == client_.application.number() ? count : 0;
+    return sender.uid == client_.user && sender.pid == client_.application.id() ? count : 0;
 }
 
 ClientConnection::Sent ClientConnection::send(std::string_view bytes) const {
@@ -60,20 +57,20 @@ ClientConnection::Sent ClientConnection::send(std::string_view bytes) const {
     if (sent == static_cast<ssize_t>(bytes.size())) {
         return Sent::whole;
     }
-    return sent < 0 && maySucceedLater() ? Sent::noRoom : Sent::broken;
+    return sent < 0 && files::isTransient(errno) ? Sent::noRoom : Sent::broken;
 }
 
-ClientConnection::Event ClientConnection::waitFor(int work, std::chrono::milliseconds patience) const {
+ClientConnection::Event ClientConnection::waitFor(int work, std::chrono::milliseconds timeout) const {
     pollfd events[] = {
         {work, POLLIN, 0}, {client_.application.descriptor(), POLLIN, 0}, {connection_.number(), POLLRDHUP, 0}};
-    const int count = ::poll(events, 3, static_cast<int>(patience.count()));
+    const int count = ::poll(events, 3, static_cast<int>(timeout.count()));
     if (count < 0) {
-        return maySucceedLater() ? Event::timeOut : Event::end;
+        return files::isTransient(errno) ? Event::timeout : Event::end;
     }
     if (events[1].revents != 0 || events[2].revents != 0) {
         return Event::end;
     }
-    return events[0].revents != 0 ? Event::workDone : Event::timeOut;
+    return events[0].revents != 0 ? Event::workDone : Event::timeout;
 }
 
 }  // namespace brimvault::cleaner

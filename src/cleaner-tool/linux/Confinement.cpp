@@ -36,7 +36,7 @@ bool closeEverything() {
     return ::syscall(SYS_close_range, firstOther, ~0U, 0U) == 0 && done;
 }
 
-// A terminal would let whoever sits at it stop and end the process in the middle of anything.
+// The user at a controlling terminal could stop or end the process in the middle of a removal.
 bool leaveTerminal() {
     for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTSTP, SIGTTIN, SIGTTOU, SIGPIPE}) {
         (void)::signal(signal, SIG_IGN);
@@ -44,7 +44,7 @@ bool leaveTerminal() {
     if (::setsid() >= 0) {
         return true;
     }
-    const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC);  // the first of its group cannot begin a session
+    const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC);  // a process group leader cannot begin a session
     const bool hasLeft = terminal < 0 || ::ioctl(terminal, TIOCNOTTY) == 0;
     if (terminal >= 0) {
         ::close(terminal);
@@ -52,7 +52,7 @@ bool leaveTerminal() {
     return hasLeft;
 }
 
-bool giveUpTimers() {
+bool stopTimers() {
     for (const int signal : {SIGALRM, SIGVTALRM, SIGPROF, SIGXCPU, SIGXFSZ}) {
         (void)::signal(signal, SIG_IGN);
     }
@@ -61,12 +61,12 @@ bool giveUpTimers() {
            ::setitimer(ITIMER_PROF, &never, nullptr) == 0;
 }
 
-// So that no program that it could ever be made to start gets one of them back.
-bool boundCapabilities() {
+// With a limited bounding set no program that the process executes could regain a capability.
+bool limitBoundingSet() {
     for (unsigned capability = 0;; ++capability) {
         const int held = ::prctl(PR_CAPBSET_READ, capability, 0, 0, 0);
         if (held < 0) {
-            return errno == EINVAL && capability > CAP_FOWNER;  // beyond the last that this system knows
+            return errno == EINVAL && capability > CAP_FOWNER;  // beyond the last one that this kernel knows
         }
         if (held == 1 && !isNeeded(capability) && ::prctl(PR_CAPBSET_DROP, capability, 0, 0, 0) != 0) {
             return false;
@@ -88,16 +88,16 @@ bool keepNeededCapabilities() {
 
 }  // namespace
 
-bool giveUpSurroundings() {
+bool resetInheritedState() {
     constexpr mode_t ownerOnly = 077;
     constexpr rlimit none{0, 0};
     ::umask(ownerOnly);
-    return leaveTerminal() && giveUpTimers() && ::clearenv() == 0 && ::chdir("/") == 0 &&
+    return leaveTerminal() && stopTimers() && ::clearenv() == 0 && ::chdir("/") == 0 &&
            ::setrlimit(RLIMIT_CORE, &none) == 0 && closeEverything();
 }
 
-bool giveUpPrivileges() {
-    return boundCapabilities() && ::prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_CLEAR_ALL, 0, 0, 0) == 0 &&
+bool dropPrivileges() {
+    return limitBoundingSet() && ::prctl(PR_CAP_AMBIENT, PR_CAP_AMBIENT_CLEAR_ALL, 0, 0, 0) == 0 &&
            keepNeededCapabilities() && ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0;
 }
 

@@ -91,7 +91,7 @@ bool isClient(int connection, const Client& client) {
     ucred peer{};
     socklen_t size = sizeof peer;
     return ::getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == client.user &&
-           peer.pid == client.application.number() && !client.application.hasEnded();
+           peer.pid == client.application.id() && !client.application.hasEnded();
 }
 
 // From now on each message carries its sender (SCM_CREDENTIALS): a connected socket can be passed to another process.

@@ -21,11 +21,11 @@ constexpr unsigned ownerShift = 6;
 
 using AccessList = std::vector<AccessEntry>;
 
-// Empty where the folder has no list of its own; none where it cannot be told.
+// Empty where the folder has no list of its own; none where it cannot be read.
 std::optional<AccessList> accessListOf(int folder) {
-    constexpr std::size_t maxSize = 65536;  // the system's limit of an attribute
+    constexpr std::size_t maxSize = 65536;  // the kernel's maximum of an extended attribute
     std::vector<char> bytes(maxSize);
-    const auto path = "/proc/self/fd/" + std::to_string(folder);  // one that is open for passing has no attributes
+    const auto path = "/proc/self/fd/" + std::to_string(folder);  // fgetxattr refuses an O_PATH descriptor
     const ssize_t size = ::getxattr(path.c_str(), accessListName, bytes.data(), bytes.size());
     if (size < 0) {
         return errno == ENODATA || errno == EOPNOTSUPP ? std::optional(AccessList()) : std::nullopt;
@@ -61,23 +61,24 @@ std::optional<Requester> Requester::ofPeer(int connection) {
 
 bool Requester::isIn(gid_t group) const { return std::find(groups.begin(), groups.end(), group) != groups.end(); }
 
-// The first that is meant decides: the owner, a user that the list names, the groups together, the others.
+// The first match decides: the owner, a user that the list names, all groups together, the others.
 bool Requester::maySearch(const files::DirectoryHandle& folder, const files::NodeStatus& status) const {
     if (status.owner == user) {
         return (status.permissions >> ownerShift & search) != 0;
     }
     const bool isOfGroup = isIn(status.group);
-    const std::uint32_t mask = status.permissions >> groupShift & 07U;  // where there is a list, it shows in the mode
+    const std::uint32_t mask =
+        status.permissions >> groupShift & 07U;  // the group bits of the mode, which are the mask of a list
     const auto list = mask == 0 ? AccessList() : accessListOf(folder.descriptor());
     if (!list) {
         return false;
     }
-    bool isMeant = false;
+    bool isMatched = false;
     for (const auto& entry : *list) {
         const bool isUser = entry.tag == AccessTag::user && entry.number == user;
         const bool isGroup =
             (entry.tag == AccessTag::owningGroup && isOfGroup) || (entry.tag == AccessTag::group && isIn(entry.number));
-        isMeant = isMeant || isUser || isGroup;
+        isMatched = isMatched || isUser || isGroup;
         if ((isUser || isGroup) && (entry.permissions & mask & search) != 0) {
             return true;
         }
@@ -86,7 +87,7 @@ bool Requester::maySearch(const files::DirectoryHandle& folder, const files::Nod
         }
     }
     if (!list->empty()) {
-        return !isMeant && (status.permissions & search) != 0;
+        return !isMatched && (status.permissions & search) != 0;
     }
     return ((isOfGroup ? mask : status.permissions) & search) != 0;
 }

@@ -2,7 +2,7 @@
 
 #include "cleaner-tool/KeptFolders.h"
 
-// The Filesystem Hierarchy Standard 3.0, and where current systems depart from it (/home in /var, volumes in /run).
+// The Filesystem Hierarchy Standard 3.0, and what current systems add (homes in /var/home, volumes in /run/media).
 
 namespace brimvault::cleaner {
 
@@ -13,11 +13,11 @@ std::vector<KeptPath> systemFolders() {
             folders.push_back({path, keep, LinksOnWay::follow});
         }
     };
-    // Where homes are, the user's own is added with more freedom.
+    // The user's own home is pinned elsewhere: its contents may be removed.
     add(Keep::everything,
         {"/bin", "/boot",   "/dev",  "/efi",  "/etc", "/home", "/lib",  "/lib32", "/lib64",   "/libx32", "/lost+found",
          "/nix", "/ostree", "/proc", "/root", "/run", "/sbin", "/snap", "/sys",   "/sysroot", "/usr",    "/var"});
-    // The folders of volumes, those that all users share, and "/" itself.
+    // Mount points of volumes, folders that all users share, and "/" itself.
     add(Keep::deeperMayGo,
         {"/", "/media", "/mnt", "/opt", "/run/media", "/srv", "/tmp", "/var/home", "/var/mnt", "/var/tmp", "/Library"});
     return folders;

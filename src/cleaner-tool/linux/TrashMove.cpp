@@ -14,7 +14,8 @@
 #include "files/DirectoryHandle.h"
 #include "files/FileDescriptor.h"
 
-// freedesktop.org's Trash, version 1.0: the record is made first and claims the name, then the item is moved.
+// The freedesktop.org Trash specification, version 1.0: the record is made first and reserves the name (O_EXCL), then
+// the item is moved.
 
 namespace brimvault::cleaner {
 
@@ -22,7 +23,7 @@ namespace {
 
 using files::DirectoryHandle;
 
-constexpr int mostNames = 10'000;  // tried before giving up
+constexpr int maxNames = 10'000;  // tried before giving up
 
 struct Trash {
     DirectoryHandle items;
@@ -69,8 +70,8 @@ std::string recordOf(const std::filesystem::path& path) {
 
 enum class Writing { done, nameTaken, failed };
 
-// Readable by the desktop, which runs as the user. Written through the descriptor, so that nothing else under the name
-// can be struck.
+// Readable by the desktop, which runs as the user. Written and made readable through the descriptor, as the name could
+// be exchanged meanwhile.
 Writing writeRecord(const DirectoryHandle& records, const std::string& name, const std::string& text) {
     constexpr mode_t readByAll = 0644;
     const files::FileDescriptor file(
@@ -86,25 +87,25 @@ Writing writeRecord(const DirectoryHandle& records, const std::string& name, con
     return Writing::done;
 }
 
-// The names that an item can have in the trash: its own and, where that is taken, with a number before the extension.
-// Names are at most 255 bytes, the record's among them.
+// The names for an item in the trash: its own and, where that is taken, with a number before the extension. No name may
+// have more than 255 bytes, the record's included.
 std::string candidate(const std::filesystem::path& name, int number) {
     if (number == 1) {
         return name;
     }
-    constexpr std::size_t longest = 255 - sizeof(".10000.trashinfo");
+    constexpr std::size_t maxLength = 255 - sizeof(".10000.trashinfo");
     std::string stem = name.stem();
     std::string extension = name.extension();
-    if (extension.size() > longest / 2) {  // a name with a full stop in it, that has to be shortened at its end
+    if (extension.size() > maxLength / 2) {  // no extension, but a full stop inside a long name
         stem += extension;
         extension.clear();
     }
-    stem.resize(std::min(stem.size(), longest - extension.size()));
+    stem.resize(std::min(stem.size(), maxLength - extension.size()));
     return stem + "." + std::to_string(number) + extension;
 }
 
-// 0, or an errno value: EEXIST where the new name is taken. What is moved is the object that was looked at; another one
-// that was put under its name meanwhile is moved back.
+// 0, or an errno value: EEXIST where the new name is taken. If another object was put at the name since the look (a
+// race), that one is moved back.
 int moveItem(const DirectoryHandle& parent, const std::string& name, const files::FileIdentity& identity,
              const DirectoryHandle& target, const std::string& newName) {
     if (::renameat2(parent.descriptor(), name.c_str(), target.descriptor(), newName.c_str(), RENAME_NOREPLACE) != 0) {
@@ -121,7 +122,7 @@ int moveItem(const DirectoryHandle& parent, const std::string& name, const files
 std::optional<std::string> moveUnderFreeName(const DirectoryHandle& parent, const std::filesystem::path& path,
                                              const files::FileIdentity& identity, const Trash& trash) {
     const auto record = recordOf(path);
-    for (int number = 1; number <= mostNames; ++number) {
+    for (int number = 1; number <= maxNames; ++number) {
         const auto name = candidate(path.filename(), number);
         const auto recordName = name + ".trashinfo";
         const auto writing = writeRecord(trash.records, recordName, record);

@@ -37,7 +37,7 @@ std::optional<std::string> encode(Operation operation, std::string_view content)
     return bytes.append(content);
 }
 
-// What is asked for is never more than the message under way, so that the next one stays with the caller.
+// Never consumes bytes behind the message under way: the next message stays with the caller.
 std::size_t MessageReader::feed(std::span<const char> bytes) {
     std::size_t taken = 0;
     while (taken < bytes.size() && !broken_ && !isComplete()) {

@@ -10,20 +10,20 @@
 
 namespace brimvault::cleaner {
 
-// How the application and its root remover speak with each other, over a stream between two processes of one machine.
+// The wire protocol between the application and its root remover, over a Unix stream socket.
 //
-// Everything is a message: its length (four bytes, the most significant first), and then so many bytes, of which the
-// first is the operation and the rest its content. The tool speaks first, with `ready`, once it knows whom it speaks
-// with. From then on the application asks, one request at a time, and the tool sends `working` about once a second
-// until it answers. Anything else ends the connection: neither side guesses what the other could have meant.
+// A message is its length (four bytes, big-endian), then that many bytes: the first is the operation, the rest its
+// content. The tool begins with `ready` once it has checked its peer. From then on the application sends one request at
+// a time, and the tool sends `working` about once a second until it answers. Anything else ends the connection: neither
+// side guesses what the other could have meant.
 
-/// Bytes after the length, the operation among them. Paths longer than this are refused by every system.
+/// In bytes after the length field, the operation included. More than the longest path of any system (PATH_MAX).
 inline constexpr std::size_t maxMessageLength = 8192;
 
 enum class Operation : std::uint8_t {
     removeFileAtPath = 1,         ///< content: an absolute path. Answered with `done` or `failed`
     removeToTrashFileAtPath = 2,  ///< content: an absolute path. Answered with `done` and the new path, or `failed`
-    /// Content: an absolute path without "." or "..", whose folder is never to be removed from now on. Not answered
+    /// Content: an absolute path without "." or ".." of a folder that is never to be removed from now on. Not answered
     keepFolderAtPath = 3,
     ready = 16,    ///< content: the version
     working = 17,  ///< no content
@@ -31,7 +31,7 @@ enum class Operation : std::uint8_t {
     failed = 19,  ///< no content
 };
 
-/// Which both sides must be of.
+/// Of the protocol; both sides must have the same.
 inline constexpr char version = '1';
 
 struct Message {
@@ -39,19 +39,18 @@ struct Message {
     std::string content;
 };
 
-/// The bytes to send; none where the content is too long.
+/// The message as bytes; none where the content is too long.
 [[nodiscard]] std::optional<std::string> encode(Operation operation, std::string_view content = {});
 
-/// Makes messages from bytes as they come, in pieces of any length. What it holds is never more than one message.
-/// One thread.
+/// Parses messages from bytes that arrive in pieces of any length. Buffers one message at most. One thread.
 class MessageReader {
 public:
-    /// Takes bytes in up to the end of a message, and answers how many; all of them where none ends in them. None where
-    /// a message waits to be taken, nor once what has come can be no message.
+    /// Consumes bytes up to the end of a message, and returns how many: all of them where no message ends in them, 0
+    /// while a message waits to be taken, and 0 once the stream is broken.
     std::size_t feed(std::span<const char> bytes);
-    /// The message that has come to its end; its place is free for the next.
+    /// The message that is complete, if one is; makes room for the next.
     [[nodiscard]] std::optional<Message> take();
-    /// What has come is no message, nor the beginning of one. It stays so.
+    /// What was fed is no message, nor the beginning of one. It stays so.
     [[nodiscard]] bool isBroken() const { return broken_; }
 
 private:
@@ -62,7 +61,7 @@ private:
 
     std::array<char, prefix + maxMessageLength> bytes_{};
     std::size_t held_ = 0;
-    std::size_t length_ = 0;  ///< once the prefix is there
+    std::size_t length_ = 0;  ///< of the message under way, once its prefix is complete
     bool broken_ = false;
 };
 
