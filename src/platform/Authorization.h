@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -22,28 +23,28 @@ class Authorization {
 public:
     virtual ~Authorization() = default;
 
-    /// YES when all of the rights are held now. With interaction, the user may be asked for an administrator's
-    /// password; once `givesUp` answers true, the question is withdrawn and the answer is NO. Where what is granted
-    /// holds for one use, YES says that the user will be asked by the start of the program, which is given up alike.
+    /// True when all of the rights are held now. With interaction, the user may be asked for an administrator's
+    /// password; a stop withdraws the question, and the answer is then false. Where a grant holds for one use only,
+    /// true says that the start of the program will ask; the same stop ends that start.
     [[nodiscard]] virtual bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
-                                          const std::function<bool()>& givesUp) = 0;
-    /// Starts the program with the administrator's rights and does not wait for it, but for the user's answer where
-    /// that is asked for now. YES when it was started.
+                                          const std::stop_token& stop) = 0;
+    /// Starts the program with the administrator's rights; waits for the user's answer where that is asked for now, but
+    /// not for the program. True when it was started.
     [[nodiscard]] virtual bool executeWithPrivileges(const std::filesystem::path& tool,
                                                      const std::vector<std::string>& arguments) = 0;
-    /// Whether the program that was started last has not ended yet. Takes note, for the system, of all that have.
+    /// Whether the program that was started last has not ended yet. Reaps all that have.
     [[nodiscard]] virtual bool isToolRunning() = 0;
     /// Gives all rights back.
     virtual void destroyRights() = 0;
 
-    /// The one of this system. None where rights can be given to nobody: what gives them is not installed or, in a
-    /// trial, out of reach. Asks nobody.
+    /// The one of this system. Null where nobody can be given rights: what grants them is not installed or, in a trial,
+    /// out of reach. Asks nobody.
     [[nodiscard]] static std::unique_ptr<Authorization> create();
 };
 
 using AuthorizationFactory = std::function<std::unique_ptr<Authorization>()>;
 
-/// The folder of the programs that belong to this one and are run with other rights than its own.
-[[nodiscard]] std::filesystem::path resourcesFolder();
+/// The program that this one runs with the administrator's rights.
+[[nodiscard]] std::filesystem::path rootRemoverPath();
 
 }  // namespace brimvault::platform

@@ -9,10 +9,15 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTimer>
+#include <csignal>
+#include <fstream>
 #include <future>
 
 #include "platform/Workspace.h"
+#include "platform/linux/DefaultProgram.h"
 #include "support/EventLoop.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
@@ -24,7 +29,7 @@ namespace {
 
 const QString service = QStringLiteral("org.freedesktop.FileManager1");
 
-// A file browser on the bus that keeps what it was asked, and answers as it was told to.
+// A fake file browser on the bus: records the requests, and answers as it is set to.
 class HeardRequests final : public QDBusVirtualObject {
 public:
     enum class Answer { reply, error, none };
@@ -44,7 +49,7 @@ public:
     QStringList heard;
 };
 
-// A session bus of the test's own, without services.
+// A session bus for the test alone, without services.
 class OnASessionBus : public testing::Test {
 protected:
     void SetUp() override {
@@ -67,7 +72,7 @@ protected:
         daemon_.waitForFinished();
     }
 
-    // As the program does: on another thread, while the main one goes on.
+    // On another thread, as in the program, while the main thread runs its event loop.
     static bool answerTo(const std::function<bool()>& call) {
         auto answer = std::async(std::launch::async, call);
         EXPECT_TRUE(runUntil([&] { return answer.wait_for(0s) == std::future_status::ready; }));
@@ -120,6 +125,32 @@ TEST_F(OnASessionBus, TheStartIsAnnouncedToWhoeverListens) {
     QTimer::singleShot(10s, &listening, [&] { listening.exit(1); });
     const auto announced = std::async(std::launch::async, [] { Workspace::ofSession()->announceStart(); });
     EXPECT_EQ(listening.exec(), 0);
+}
+
+TEST(DefaultProgram, AnswersAsTheOpenerEndsAndAtOnceWhenItIsStopped) {
+    const trial::TemporaryFolder folder;
+    const QByteArray before = qgetenv("PATH");
+    qputenv("PATH", QByteArray::fromStdString(folder.path().native()) + ':' + before);
+    const auto started = folder / "started";
+    std::stop_source stop;
+    const auto opens = [&](const std::string& script) {
+        trial::writeFile(folder / "xdg-open", "#!/bin/sh\n" + script);
+        std::filesystem::permissions(folder / "xdg-open", std::filesystem::perms::owner_all);
+        return platform::openWithDefaultProgram("file:///a%20b", stop.get_token());
+    };
+    EXPECT_TRUE(opens("test \"$1\" = file:///a%20b"));
+    EXPECT_FALSE(opens("exit 1"));
+    EXPECT_FALSE(opens("kill -9 $$"));
+    auto answer = std::async(std::launch::async, opens, "echo $$ >'" + started.native() + "'\nexec sleep 1000");
+    ASSERT_TRUE(runUntil([&] { return std::filesystem::exists(started) && !std::filesystem::is_empty(started); }));
+    const auto stopped = std::chrono::steady_clock::now();
+    stop.request_stop();
+    EXPECT_FALSE(answer.get());
+    EXPECT_LT(std::chrono::steady_clock::now() - stopped, 2s);  // it would be waited for three seconds
+    pid_t opener = 0;
+    std::ifstream(started) >> opener;
+    EXPECT_EQ(::kill(opener, SIGKILL), 0) << "it goes on by itself";
+    qputenv("PATH", before);
 }
 
 }  // namespace brimvault::tests

@@ -35,16 +35,21 @@ AuthorizationManager& AuthorizationManager::GetInstance() {
 }
 
 void AuthorizationManager::setIsNeedAskAuthentication(bool isNeeded) {
+    const std::lock_guard guard(questionMutex_);
     if (isNeeded) {
         ++timesAllowed_;
+        question_.request_stop();  // one of the clean before
     }
-    isAskingGivenUp_ = false;
+    if (question_.stop_requested()) {
+        question_ = std::stop_source();
+    }
     m_bIsNeedAskAuthentication_ = isNeeded;
 }
 
 void AuthorizationManager::giveUpAsking() {
     m_bIsNeedAskAuthentication_ = false;
-    isAskingGivenUp_ = true;
+    const std::lock_guard guard(questionMutex_);
+    question_.request_stop();
 }
 
 platform::Authorization* AuthorizationManager::authorizationRef() {
@@ -78,12 +83,14 @@ bool AuthorizationManager::fetchPassword(const ToolPaths& tools) {
     if (tools.empty()) {
         return false;
     }
+    std::unique_lock guard(questionMutex_);
     const unsigned clean = askedFor_ = timesAllowed_;
+    const auto stop = question_.get_token();
+    guard.unlock();
     auto* reference = authorizationRef();
     const auto rights = rightsFor(tools);
-    const bool granted = reference != nullptr && !rights.empty() &&
-                         reference->copyRights(rights, platform::Interaction::allowed,
-                                               [this, clean] { return isAskingGivenUp_ || clean != timesAllowed_; });
+    const bool granted =
+        reference != nullptr && !rights.empty() && reference->copyRights(rights, platform::Interaction::allowed, stop);
     if (!granted && clean == timesAllowed_) {
         m_bIsNeedAskAuthentication_ = false;
     }

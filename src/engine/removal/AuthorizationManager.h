@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <mutex>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -81,9 +83,10 @@ private:
     const platform::AuthorizationFactory factory_;
     std::unique_ptr<platform::Authorization> m_pAuthorizationRef_;  ///< made when it is first needed
     std::atomic<bool> m_bIsNeedAskAuthentication_ = false;
-    std::atomic<bool> isAskingGivenUp_ = false;
     std::atomic<unsigned> timesAllowed_ = 0;  ///< how often asking was allowed
-    unsigned askedFor_ = 0;                   ///< the value of `timesAllowed_` for which the user was asked last
+    unsigned askedFor_ = 0;               ///< for which of these times the user has been asked
+    std::mutex questionMutex_;            ///< protects `question_`
+    std::stop_source question_;           ///< withdraws the question that is open; stopped while none may be asked
     AuthorizationListener* m_pListener_ = nullptr;
     std::int32_t m_nSignalsIgnoreCountActivated_ = 0;
     std::unique_ptr<platform::ChildSignalAction> m_saOldAction_;  ///< of before the first start

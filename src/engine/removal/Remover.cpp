@@ -19,7 +19,7 @@ Remover::Remover(Dependencies dependencies) : dependencies_(std::move(dependenci
 
 Remover& Remover::GetInstance() {
     static Remover instance(
-        {AuthorizationManager::GetInstance(), platform::resourcesFolder() / "BrimvaultCleaner",
+        {AuthorizationManager::GetInstance(), platform::rootRemoverPath(),
          [](const std::string& name) { return platform::ToolConnection::connect(cleaner::socketFolder() / name); },
          [](Duration duration) { std::this_thread::sleep_for(duration); }});
     return instance;

@@ -1,10 +1,6 @@
 #include "platform/linux/BusCall.h"
 
-#include <QDBusConnection>
-#include <QDBusPendingCall>
-#include <QUuid>
-#include <algorithm>
-#include <thread>
+#include <string>
 
 #include "platform/System.h"
 
@@ -12,57 +8,74 @@ namespace brimvault::platform {
 
 namespace {
 
-// Between looks whether there is an answer: most come at once, and some when the user has decided.
-constexpr std::chrono::milliseconds shortestInterval{1};
-constexpr std::chrono::milliseconds longestInterval{20};
-constexpr std::chrono::milliseconds withdrawalLimit{1000};
+// Cancels what is done with it once a stop is requested.
+class StopCancellable {
+public:
+    explicit StopCancellable(const std::stop_token& stop)
+        : cancellable_(g_cancellable_new()), callback_(stop, Cancel{cancellable_.get()}) {}
+    [[nodiscard]] GCancellable* get() const { return cancellable_.get(); }
 
-// Where the environment names the bus, that one: the library would keep to the first that it was told of.
-QDBusConnection connectTo(Bus bus, const QString& name) {
+private:
+    struct Cancel {
+        GCancellable* cancellable;
+        void operator()() const noexcept { g_cancellable_cancel(cancellable); }
+    };
+    const Owned<GCancellable, g_object_unref> cancellable_;
+    std::stop_callback<Cancel> callback_;
+};
+
+struct Close {
+    void operator()(GDBusConnection* connection) const {
+        g_dbus_connection_close_sync(connection, nullptr, nullptr);
+        g_object_unref(connection);
+    }
+};
+using Connection = std::unique_ptr<GDBusConnection, Close>;
+
+// The environment that the program goes by, which a test may have replaced, before that of the process.
+Connection connectTo(Bus bus, GCancellable* cancellable) {
     const bool isSession = bus == Bus::session;
-    const auto address =
+    std::string address =
         system().environmentVariable(isSession ? "DBUS_SESSION_BUS_ADDRESS" : "DBUS_SYSTEM_BUS_ADDRESS");
-    return address.empty() ? QDBusConnection::connectToBus(
-                                 isSession ? QDBusConnection::SessionBus : QDBusConnection::SystemBus, name)
-                           : QDBusConnection::connectToBus(QString::fromStdString(address), name);
+    if (address.empty()) {
+        const Owned<char, g_free> found(
+            g_dbus_address_get_for_bus_sync(isSession ? G_BUS_TYPE_SESSION : G_BUS_TYPE_SYSTEM, cancellable, nullptr));
+        address = found ? found.get() : "";
+    }
+    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    return Connection(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr, cancellable, nullptr));
 }
 
-std::optional<QDBusMessage> call(const QDBusConnection& bus, const QDBusMessage& request,
-                                 std::chrono::milliseconds limit, const GivingUp& givingUp) {
-    const auto isGivenUp = [&] { return givingUp.isWanted && givingUp.isWanted(); };
-    if (!bus.isConnected() || isGivenUp()) {
-        return std::nullopt;
-    }
-    const auto answer = bus.asyncCall(request, static_cast<int>(limit.count()));
-    auto interval = shortestInterval;
-    while (!answer.isFinished() && !isGivenUp()) {
-        std::this_thread::sleep_for(interval);
-        interval = std::min(interval * 2, longestInterval);
-    }
-    if (answer.isFinished()) {
-        return answer.isError() ? std::nullopt : std::optional(answer.reply());
-    }
-    if (givingUp.withdrawal) {
-        (void)bus.call(*givingUp.withdrawal, QDBus::Block, static_cast<int>(withdrawalLimit.count()));
-    }
-    return std::nullopt;
+Variant call(GDBusConnection* connection, const BusRequest& request, std::chrono::milliseconds timeout,
+             GCancellable* cancellable) {
+    return Variant(g_dbus_connection_call_sync(connection, request.service, request.object, request.interface,
+                                               request.method, request.arguments.get(), nullptr, G_DBUS_CALL_FLAGS_NONE,
+                                               static_cast<int>(timeout.count()), cancellable, nullptr));
 }
 
 }  // namespace
 
-std::optional<QDBusMessage> callOnBus(Bus bus, const QDBusMessage& request, std::chrono::milliseconds limit,
-                                      const GivingUp& givingUp) {
-    const QString name = QUuid::createUuid().toString();
-    auto answer = call(connectTo(bus, name), request, limit, givingUp);
-    QDBusConnection::disconnectFromBus(name);
+Variant callOnBus(Bus bus, const BusRequest& request, std::chrono::milliseconds timeout,
+                  const BusCancellation& cancellation) {
+    constexpr std::chrono::seconds withdrawalTimeout{1};
+    const StopCancellable stopped(cancellation.stop);
+    const auto connection = connectTo(bus, stopped.get());
+    if (!connection) {
+        return nullptr;
+    }
+    auto answer = call(connection.get(), request, timeout, stopped.get());
+    if (!answer && cancellation.stop.stop_requested() && cancellation.withdrawal != nullptr) {
+        (void)call(connection.get(), *cancellation.withdrawal, withdrawalTimeout, nullptr);
+    }
     return answer;
 }
 
-// The connection hands over what it was given before it goes.
-void sendOnBus(Bus bus, const QDBusMessage& signal) {
-    const QString name = QUuid::createUuid().toString();
-    (void)connectTo(bus, name).send(signal);
-    QDBusConnection::disconnectFromBus(name);
+void broadcastOnBus(Bus bus, const char* object, const char* interface, const char* signal, const Variant& arguments) {
+    if (const auto connection = connectTo(bus, nullptr)) {
+        g_dbus_connection_emit_signal(connection.get(), nullptr, object, interface, signal, arguments.get(), nullptr);
+        g_dbus_connection_flush_sync(connection.get(), nullptr, nullptr);
+    }
 }
 
 }  // namespace brimvault::platform

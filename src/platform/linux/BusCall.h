@@ -1,27 +1,43 @@
 #pragma once
 
-#include <QDBusMessage>
+#include <gio/gio.h>
+
 #include <chrono>
-#include <functional>
-#include <optional>
+#include <stop_token>
+
+#include "platform/linux/Owned.h"
 
 namespace brimvault::platform {
 
 enum class Bus { session, system };
 
-/// How a request is given up before it is answered.
-struct GivingUp {
-    std::function<bool()> isWanted;          ///< asked time and again
-    std::optional<QDBusMessage> withdrawal;  ///< what is sent then, by the same connection
+using Variant = Owned<GVariant, g_variant_unref>;
+
+/// A method call on D-Bus.
+struct BusRequest {
+    const char* service;
+    const char* object;
+    const char* interface;
+    const char* method;
+    Variant arguments;  ///< a tuple
+};
+
+/// How a call ends before it is answered.
+struct BusCancellation {
+    std::stop_token stop;
+    const BusRequest* withdrawal = nullptr;  ///< sent after a stop, on the same connection; null for none
 };
 
 /// Sends the request on a connection of its own, so that a bus that has come or gone concerns nothing but this request,
-/// and waits for the answer. None without a bus, for an error, after the time, and once it is given up. Any thread but
-/// the main one.
-[[nodiscard]] std::optional<QDBusMessage> callOnBus(Bus bus, const QDBusMessage& request,
-                                                    std::chrono::milliseconds limit, const GivingUp& givingUp = {});
+/// and waits for the reply. Null without a bus, for an error, after the timeout, and once a stop is requested, which
+/// ends the wait at once. Any thread but the main one.
+[[nodiscard]] Variant callOnBus(Bus bus, const BusRequest& request, std::chrono::milliseconds timeout,
+                                const BusCancellation& cancellation = {});
 
-/// Sends a signal likewise; nothing comes back. Any thread but the main one.
-void sendOnBus(Bus bus, const QDBusMessage& signal);
+/// Broadcasts a signal likewise. Any thread but the main one.
+void broadcastOnBus(Bus bus, const char* object, const char* interface, const char* signal, const Variant& arguments);
+
+/// The arguments of a request or a signal, from a floating reference.
+[[nodiscard]] inline Variant variant(GVariant* floating) { return Variant(g_variant_ref_sink(floating)); }
 
 }  // namespace brimvault::platform

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <functional>
+#include <stop_token>
 #include <string>
 
 namespace brimvault::platform {
 
-/// Has the desktop's default program open what an escaped URI names. YES once it has, or has not failed within a few
-/// seconds; NO without a desktop that knows default programs, and once it is not wanted any more. Any thread but the
-/// main one.
-[[nodiscard]] bool openWithDefaultProgram(const std::string& uri, const std::function<bool()>& isGivenUp);
+/// Opens what an escaped URI names with the desktop's default program. True once that has succeeded, or has not failed
+/// within a few seconds; false without a desktop that knows default programs, and after a stop, which ends the wait at
+/// once. Any thread but the main one.
+[[nodiscard]] bool openWithDefaultProgram(const std::string& uri, const std::stop_token& stop);
 
 }  // namespace brimvault::platform

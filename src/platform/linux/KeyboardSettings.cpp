@@ -9,36 +9,27 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
-#include <memory>
 #include <string>
 
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
 #include "platform/formats/FileContents.h"
 #include "platform/formats/SettingsText.h"
+#include "platform/linux/Owned.h"
 
-// Every desktop keeps the layouts that its user has enabled in a place of its own; what the machine was installed with
-// stands below /etc. Asking the display would need a connection to it, and tells nothing on Wayland.
+// Every desktop keeps the layouts that its user has enabled in a place of its own; the layouts chosen at installation
+// are in /etc. The display server is not asked: that takes a connection, and Wayland compositors do not tell.
+
 namespace brimvault::platform {
 
 namespace {
 
 using Layouts = std::vector<KeyboardLayout>;
 
-constexpr std::size_t largestFile = 1024UL * 1024;
-constexpr std::size_t largestDatabase = 64UL * 1024 * 1024;
+constexpr std::size_t maxFileBytes = 1024UL * 1024;
+constexpr std::size_t maxDatabaseBytes = 64UL * 1024 * 1024;
 
-template <auto release>
-struct Released {
-    template <typename Object>
-    void operator()(Object* object) const {
-        release(object);
-    }
-};
-template <typename Object, auto release>
-using Owned = std::unique_ptr<Object, Released<release>>;
-
-// Layouts and variants as two lists that belong together: "us,de" and ",nodeadkeys".
+// Layouts and variants as two parallel lists: "us,de" and ",nodeadkeys".
 Layouts fromLists(const QString& names, const QString& variants) {
     const QStringList allVariants = variants.split(QLatin1Char(','));
     Layouts layouts;
@@ -52,7 +43,7 @@ Layouts fromLists(const QString& names, const QString& variants) {
     return layouts;
 }
 
-// One name for layout and variant, with what stands between them: "de+nodeadkeys".
+// Layout and variant in one name with a separator: "de+nodeadkeys".
 KeyboardLayout fromName(const std::string& name, char separator) {
     const auto at = name.find(separator);
     return at == std::string::npos ? KeyboardLayout{name, {}} : KeyboardLayout{name.substr(0, at), name.substr(at + 1)};
@@ -76,7 +67,7 @@ constexpr SettingsPlace settingsPlaces[] = {
     {"MATE", "org.mate.peripherals-keyboard-xkb.kbd", "layouts"},
 };
 
-// Pairs of a kind and a name, which is that of a layout ("xkb") or of an input method ("ibus"); or layouts alone.
+// Pairs of a kind and a name: of a layout ("xkb") or of an input method ("ibus"). Or names of layouts alone.
 InputSettings fromVariant(GVariant* value) {
     InputSettings found;
     const std::string type = g_variant_get_type_string(value);
@@ -101,7 +92,7 @@ InputSettings fromVariant(GVariant* value) {
     return found;
 }
 
-// GLib reads files of the user by itself, and would wait for a pipe in the place of one.
+// GLib opens files of the user by itself, and would block on a FIFO in their place.
 bool mayAskSettings() {
     const auto configuration = LibraryURLs::getConfigurationFolderURL();
     const std::filesystem::path data = system().environmentVariable("XDG_DATA_HOME");
@@ -109,10 +100,10 @@ bool mayAskSettings() {
     const std::filesystem::path files[] = {configuration / "dconf/user", configuration / "glib-2.0/settings/keyfile",
                                            data / schemas, homeFolder() / ".local/share" / schemas};
     return std::all_of(std::begin(files), std::end(files),
-                       [](const auto& file) { return FileContents::isHarmless(file, largestDatabase); });
+                       [](const auto& file) { return FileContents::isHarmless(file, maxDatabaseBytes); });
 }
 
-// Asking for a schema or a key that is not installed would end the process.
+// GLib aborts the process when a schema or a key that is not installed is asked for.
 InputSettings fromSettings(const SettingsPlace& place) {
     auto* installed = g_settings_schema_source_get_default();
     if (installed == nullptr) {
@@ -130,9 +121,9 @@ InputSettings fromSettings(const SettingsPlace& place) {
 
 // --- Desktops with files of their own ----------------------------------------------------------------------------
 
-// They are the user's, and may be anything; what a desktop writes there is short.
+// Untrusted files; what a desktop writes there is short.
 std::string contentsBelowConfiguration(const char* name) {
-    return FileContents::read(LibraryURLs::getConfigurationFolderURL() / name, largestFile).value_or(std::string());
+    return FileContents::read(LibraryURLs::getConfigurationFolderURL() / name, maxFileBytes).value_or(std::string());
 }
 
 Layouts fromPlasma() {
@@ -156,7 +147,7 @@ Layouts fromXfce() {
                           attributes.value(QLatin1String("value")).toString());
         }
     }
-    // "XkbDisable" leaves the keyboard as the machine has it.
+    // "XkbDisable" leaves the layouts of the machine.
     return values.value(QStringLiteral("XkbDisable")) == QLatin1String("true")
                ? Layouts()
                : fromLists(values.value(QStringLiteral("XkbLayout")), values.value(QStringLiteral("XkbVariant")));
@@ -180,9 +171,9 @@ InputSettings ofDesktop() {
 
 // --- The machine -------------------------------------------------------------------------------------------------
 
-// What stands in quotes or alone behind the key in a line of the file; empty without such a line.
+// What the expression captures in the first line that it matches; empty without such a line.
 QString valueInLine(const std::filesystem::path& path, const QRegularExpression& line) {
-    const auto contents = FileContents::read(path, largestFile);
+    const auto contents = FileContents::read(path, maxFileBytes);
     return line.match(QString::fromStdString(contents.value_or(std::string()))).captured(1);
 }
 

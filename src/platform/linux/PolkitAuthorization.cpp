@@ -1,91 +1,53 @@
-#include <fcntl.h>
-#include <spawn.h>
+#include <poll.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusMetaType>
-#include <QMap>
-#include <QString>
-#include <QVariant>
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <limits>
 #include <optional>
 #include <sstream>
-#include <thread>
 #include <utility>
 
 #include "platform/Authorization.h"
 #include "platform/System.h"
 #include "platform/linux/BusCall.h"
+#include "platform/linux/ChildProcess.h"
+#include "platform/linux/StopEvent.h"
 
-// How rights are had of polkit
+// How authorization works
 //
-// The right to run the root remover is an action of its own, com.quorvel.brimvault.remove, which is bound to the path
-// of that program. Polkit is asked whether this very process, told by its number and the time of its start, may do
-// that, first without and then with a question to the user. What the user grants is kept for some minutes, and for this
-// process alone. Within them pkexec, which starts the program, asks for its parent, which is this process, and finds
-// the right there: the user is not asked a second time.
+// The right to run the root remover is a polkit action of its own, com.quorvel.brimvault.remove, which is bound to the
+// path of that program. Polkit is asked whether this very process, identified by its process ID and start time, may do
+// that: first without, then with a question to the user. Polkit keeps what the user grants for some minutes, for this
+// process alone. When pkexec then starts the program, it checks its parent, which is this process, and finds the grant:
+// the user is not asked a second time.
 //
-// Where what is granted is not kept (auth_admin: sessions that are not at the machine itself, and an administrator's
-// own rules), there would be nothing for the second check to find. There pkexec alone asks, and is waited for until it
-// has become the program or has ended.
+// Some grants are not kept (auth_admin: sessions that are not at the machine itself, and rules of an administrator):
+// pkexec's check would not find them. There only pkexec asks, and this process waits until pkexec has become the
+// program or has ended.
 //
-// Whoever could read the memory of this process, or take its descriptors, would have what the user granted to it. From
-// the first question on, other processes of the user can do neither (PR_SET_DUMPABLE); one that traces it already can.
-
-namespace brimvault::platform {
-
-struct PolkitSubject {
-    QString kind;
-    QVariantMap details;
-};
-
-QDBusArgument& operator<<(QDBusArgument& argument, const PolkitSubject& subject) {
-    argument.beginStructure();
-    argument << subject.kind << subject.details;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, PolkitSubject& subject) {
-    argument.beginStructure();
-    argument >> subject.kind >> subject.details;
-    argument.endStructure();
-    return argument;
-}
-
-}  // namespace brimvault::platform
-
-Q_DECLARE_METATYPE(brimvault::platform::PolkitSubject)
+// Who can read the memory of this process, or take its descriptors, has what the user granted to it. So from the first
+// question on other processes of the user can do neither (PR_SET_DUMPABLE); one that traces it already still can.
 
 namespace brimvault::platform {
 
 namespace {
 
-using Details = QMap<QString, QString>;
-
 constexpr const char* launcher = "/usr/bin/pkexec";
-constexpr std::chrono::seconds answerLimit{5};  // for what asks nobody
-constexpr std::chrono::milliseconds pollInterval{100};
-constexpr std::chrono::milliseconds withoutLimit{std::numeric_limits<int>::max()};
-
-QString actionName() { return QStringLiteral("com.quorvel.brimvault.remove"); }
-
-std::filesystem::path toolPath() { return resourcesFolder() / "BrimvaultCleaner"; }
+constexpr const char* action = "com.quorvel.brimvault.remove";
+constexpr std::chrono::seconds checkTimeout{5};  // for a check that asks nobody
+constexpr std::chrono::milliseconds noTimeout{std::numeric_limits<int>::max()};
 
 bool isProgram(const std::filesystem::path& path) { return ::access(path.c_str(), X_OK) == 0; }
 
-// The 22nd field of the record, in the system's ticks; the second is a name in parentheses and may hold anything.
-quint64 startOfThisProcess() {
+// The 22nd field of /proc/PID/stat, in clock ticks; the second is a name in parentheses and may hold anything.
+std::uint64_t startOfThisProcess() {
     constexpr int fieldsBetween = 20;  // from the third to the one that is wanted
     std::ifstream file("/proc/self/stat");
     const std::string record{std::istreambuf_iterator<char>(file), {}};
@@ -93,134 +55,118 @@ quint64 startOfThisProcess() {
     std::string field;
     for (int number = 0; number < fieldsBetween && fields >> field; ++number) {
     }
-    return QString::fromStdString(field).toULongLong();
+    return std::strtoull(field.c_str(), nullptr, 10);
 }
 
-PolkitSubject thisProcess() {
-    return {QStringLiteral("unix-process"),
-            {{QStringLiteral("pid"), QVariant::fromValue(static_cast<quint32>(::getpid()))},
-             {QStringLiteral("start-time"), QVariant::fromValue(startOfThisProcess())},
-             {QStringLiteral("uid"), QVariant::fromValue(static_cast<qint32>(::getuid()))}}};
+BusRequest requestTo(const char* method, GVariant* arguments) {
+    return {"org.freedesktop.PolicyKit1", "/org/freedesktop/PolicyKit1/Authority",
+            "org.freedesktop.PolicyKit1.Authority", method, variant(arguments)};
 }
 
-QDBusMessage requestTo(const QString& method) {
-    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.PolicyKit1"),
-                                          QStringLiteral("/org/freedesktop/PolicyKit1/Authority"),
-                                          QStringLiteral("org.freedesktop.PolicyKit1.Authority"), method);
+// Whether this process may do the action. The name of the question lets the same connection withdraw it.
+BusRequest checkRequest(Interaction interaction, const char* question) {
+    GVariantBuilder process;
+    g_variant_builder_init(&process, G_VARIANT_TYPE_VARDICT);
+    g_variant_builder_add(&process, "{sv}", "pid", g_variant_new_uint32(static_cast<guint32>(::getpid())));
+    g_variant_builder_add(&process, "{sv}", "start-time", g_variant_new_uint64(startOfThisProcess()));
+    g_variant_builder_add(&process, "{sv}", "uid", g_variant_new_int32(static_cast<gint32>(::getuid())));
+    const guint32 flags = interaction == Interaction::allowed ? 1 : 0;
+    return requestTo("CheckAuthorization",
+                     g_variant_new("((sa{sv})sa{ss}us)", "unix-process", &process, action, nullptr, flags, question));
 }
 
-struct Standing {
+struct CheckResult {
     bool isAuthorized = false;
     bool isForOneUse = false;  ///< what the user would grant
-    QString keptAs;            ///< the name of what was granted for some minutes; empty for a right that is always held
+    std::string grant;         ///< the name of a temporary grant; empty for a right that is always held
 };
 
-std::optional<Standing> standingIn(const QDBusMessage& answer) {
-    if (answer.signature() != QLatin1String("(bba{ss})")) {
-        return std::nullopt;
-    }
-    const auto argument = answer.arguments().constFirst().value<QDBusArgument>();
-    Standing standing;
-    bool isChallenge = false;
-    Details details;
-    argument.beginStructure();
-    argument >> standing.isAuthorized >> isChallenge >> details;
-    argument.endStructure();
-    standing.isForOneUse =
-        isChallenge && details.value(QStringLiteral("polkit.retains_authorization_after_challenge")).isEmpty();
-    standing.keptAs = details.value(QStringLiteral("polkit.temporary_authorization_id"));
-    return standing;
+std::string detail(GVariant* details, const char* key) {
+    const char* text = "";
+    (void)g_variant_lookup(details, key, "&s", &text);
+    return text;
 }
 
-// A few words of environment and no open files: the launcher refuses to work in an environment that it finds odd.
-std::optional<pid_t> spawn(std::vector<std::string> words) {
-    std::vector<char*> arguments;
-    std::transform(words.begin(), words.end(), std::back_inserter(arguments), [](auto& word) { return word.data(); });
-    arguments.push_back(nullptr);
-    std::string path = "PATH=/usr/sbin:/usr/bin:/sbin:/bin";
-    const std::array<char*, 2> environment = {path.data(), nullptr};
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        ::posix_spawn_file_actions_addopen(&actions, standard, "/dev/null", O_RDWR, 0);
+std::optional<CheckResult> resultIn(const Variant& reply) {
+    if (!reply || g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("((bba{ss}))")) == FALSE) {
+        return std::nullopt;
     }
-    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-    pid_t child = -1;
-    const int code = ::posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environment.data());
-    ::posix_spawn_file_actions_destroy(&actions);
-    return code == 0 ? std::optional(child) : std::nullopt;
+    gboolean isAuthorized = FALSE;
+    gboolean isChallenge = FALSE;
+    GVariant* taken = nullptr;
+    g_variant_get(reply.get(), "((bb@a{ss}))", &isAuthorized, &isChallenge, &taken);
+    const Variant details(taken);
+    const bool isKept = !detail(taken, "polkit.retains_authorization_after_challenge").empty();
+    return CheckResult{isAuthorized != FALSE, isChallenge != FALSE && !isKept,
+                       detail(taken, "polkit.temporary_authorization_id")};
 }
 
 class PolkitAuthorization final : public Authorization {
 public:
-    PolkitAuthorization() {
-        qDBusRegisterMetaType<PolkitSubject>();
-        qDBusRegisterMetaType<Details>();
-        (void)::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
-    }
+    PolkitAuthorization() { (void)::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0); }
 
     bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
-                    const std::function<bool()>& givesUp) override {
+                    const std::stop_token& stop) override {
         if (!std::all_of(rights.begin(), rights.end(), isKnown)) {
             return false;
         }
         if (interaction == Interaction::allowed && isForOneUse_) {
-            startGivesUp_ = givesUp;
+            startStop_ = stop;
             return true;
         }
-        return startGivesUp_ || isActionAuthorized(interaction, givesUp);
+        return startStop_ || isActionAuthorized(interaction, stop);
     }
 
+    // With a minimal environment: pkexec refuses to work in one that it finds odd.
     bool executeWithPrivileges(const std::filesystem::path& tool, const std::vector<std::string>& arguments) override {
-        std::vector<std::string> words = {launcher, "--disable-internal-agent", tool};
-        words.insert(words.end(), arguments.begin(), arguments.end());
-        const auto givesUp = std::exchange(startGivesUp_, {});
-        const auto child = spawn(std::move(words));
-        if (child) {
-            tools_.push_back(*child);
+        ProgramStart start{.words = {launcher, "--disable-internal-agent", tool},
+                           .environment = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin"}};
+        start.words.insert(start.words.end(), arguments.begin(), arguments.end());
+        const auto stop = std::exchange(startStop_, std::nullopt);
+        auto child = ChildProcess::start(start);
+        if (!child) {
+            return false;
         }
-        return child && (!givesUp || isGrantedTo(*child, tool, givesUp));
+        tools_.push_back(std::move(*child));
+        return !stop || isStartGranted(tool, *stop);
     }
 
     bool isToolRunning() override {
-        const auto last = tools_.empty() ? -1 : tools_.back();
-        tools_.erase(std::remove_if(tools_.begin(), tools_.end(), hasEnded), tools_.end());
-        return !tools_.empty() && tools_.back() == last;
+        const auto last = tools_.empty() ? -1 : tools_.back().id();
+        std::erase_if(tools_, [](ChildProcess& tool) { return tool.hasEnded(); });
+        return !tools_.empty() && tools_.back().id() == last;
     }
 
     void destroyRights() override {
-        if (!keptAs_.isEmpty()) {
-            auto request = requestTo(QStringLiteral("RevokeTemporaryAuthorizationById"));
-            request << keptAs_;
-            keptAs_.clear();
-            (void)callOnBus(Bus::system, request, answerLimit);
+        if (!grant_.empty()) {
+            const auto request = requestTo("RevokeTemporaryAuthorizationById", g_variant_new("(s)", grant_.c_str()));
+            grant_.clear();
+            (void)callOnBus(Bus::system, request, checkTimeout);
         }
     }
 
 private:
     static bool isKnown(const RightItem& right) {
-        return right.name == "system.privilege.admin" && right.value == toolPath().native();
+        return right.name == "system.privilege.admin" && right.value == rootRemoverPath().native();
     }
 
-    static bool hasEnded(pid_t tool) {
-        const pid_t ended = ::waitpid(tool, nullptr, WNOHANG);
-        const bool isNoMoreWaitedFor = ended < 0 && errno == ECHILD;  // the ends of children are being ignored
-        return isNoMoreWaitedFor ? ::kill(tool, 0) != 0 && errno != EPERM : ended != 0;
-    }
-
-    // The launcher asks, and becomes the program once that is granted.
-    bool isGrantedTo(pid_t launched, const std::filesystem::path& tool, const std::function<bool()>& givesUp) {
-        constexpr std::size_t maxLength = 15;  // of a name, as the system tells it
+    // Whether pkexec, which was started last and asks the user, becomes the program. Its end and a stop end the wait at
+    // once; nothing reports that a process executes another program, so its name is polled for that.
+    bool isStartGranted(const std::filesystem::path& tool, const std::stop_token& stop) {
+        constexpr std::chrono::milliseconds pollInterval{100};
+        constexpr std::size_t maxLength = 15;  // of a process's name in /proc
         const auto name = tool.filename().native().substr(0, maxLength);
+        const StopEvent stopped(stop);
         while (isToolRunning()) {
-            if (nameOf(launched) == name) {
+            if (nameOf(tools_.back().id()) == name) {
                 return true;
             }
-            if (givesUp()) {
-                ::kill(launched, SIGTERM);  // with it goes its question
+            if (stop.stop_requested()) {
+                (void)::kill(tools_.back().id(), SIGTERM);  // which ends its question
                 return false;
             }
-            std::this_thread::sleep_for(pollInterval);
+            pollfd events[] = {{tools_.back().descriptor(), POLLIN, 0}, {stopped.descriptor(), POLLIN, 0}};
+            waitForAny(events, std::chrono::steady_clock::now() + pollInterval);
         }
         return false;
     }
@@ -232,43 +178,43 @@ private:
         return name;
     }
 
-    bool isActionAuthorized(Interaction interaction, const std::function<bool()>& givesUp) {
+    bool isActionAuthorized(Interaction interaction, const std::stop_token& stop) {
         const bool mayAsk = interaction == Interaction::allowed;
         if (mayAsk && !answers_) {
-            return false;  // a question would be waited for without end
+            return false;  // a question has no timeout
         }
-        const QString question = mayAsk ? QStringLiteral("question") : QString();  // told from others by the connection
-        auto request = requestTo(QStringLiteral("CheckAuthorization"));
-        request << QVariant::fromValue(thisProcess()) << actionName() << QVariant::fromValue(Details())
-                << static_cast<quint32>(mayAsk ? 1 : 0) << question;
-        auto withdrawal = requestTo(QStringLiteral("CancelCheckAuthorization"));
-        withdrawal << question;
-        const auto answer = mayAsk ? callOnBus(Bus::system, request, withoutLimit, {givesUp, withdrawal})
-                                   : callOnBus(Bus::system, request, answerLimit);
-        answers_ = answer.has_value();
-        const auto standing = answer ? standingIn(*answer) : std::nullopt;
-        if (!standing) {
+        const char* question = mayAsk ? "question" : "";
+        const auto request = checkRequest(interaction, question);
+        const auto withdrawal = requestTo("CancelCheckAuthorization", g_variant_new("(s)", question));
+        const auto reply = mayAsk ? callOnBus(Bus::system, request, noTimeout, {stop, &withdrawal})
+                                  : callOnBus(Bus::system, request, checkTimeout);
+        const auto result = resultIn(reply);
+        answers_ = reply != nullptr;
+        if (!result) {
             return false;
         }
-        isForOneUse_ = standing->isForOneUse;
-        keptAs_ = standing->keptAs.isEmpty() ? keptAs_ : standing->keptAs;
-        return standing->isAuthorized;
+        isForOneUse_ = result->isForOneUse;
+        grant_ = result->grant.empty() ? grant_ : result->grant;
+        return result->isAuthorized;
     }
 
-    QString keptAs_;
-    bool isForOneUse_ = false;            ///< as was told last
-    std::function<bool()> startGivesUp_;  ///< set while the next start may ask
-    std::vector<pid_t> tools_;            ///< that have been started, and whose end has not been seen yet
-    bool answers_ = true;                 ///< polkit did, when it was asked last
+    std::string grant_;                         ///< the temporary grant to give back; empty for none
+    bool isForOneUse_ = false;                  ///< a grant would be, by the last check
+    std::optional<std::stop_token> startStop_;  ///< set while the next start may ask: ends that
+    std::vector<ChildProcess> tools_;           ///< that have been started and not been reaped
+    bool answers_ = true;                       ///< polkit did, when it was asked last
 };
 
 }  // namespace
 
 std::unique_ptr<Authorization> Authorization::create() {
     const bool isTrial = systemRoot() != "/";
-    return !isTrial && isProgram(launcher) && isProgram(toolPath()) ? std::make_unique<PolkitAuthorization>() : nullptr;
+    return !isTrial && isProgram(launcher) && isProgram(rootRemoverPath()) ? std::make_unique<PolkitAuthorization>()
+                                                                           : nullptr;
 }
 
-std::filesystem::path resourcesFolder() { return BRIMVAULT_RESOURCES_FOLDER; }
+std::filesystem::path rootRemoverPath() {
+    return std::filesystem::path(BRIMVAULT_RESOURCES_FOLDER) / "BrimvaultCleaner";
+}
 
 }  // namespace brimvault::platform

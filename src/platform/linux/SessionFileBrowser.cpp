@@ -1,52 +1,50 @@
 #include <QByteArray>
-#include <QDBusMessage>
-#include <atomic>
 #include <chrono>
+#include <stop_token>
+#include <string>
 
 #include "platform/FileBrowser.h"
 #include "platform/linux/BusCall.h"
 #include "platform/linux/DefaultProgram.h"
 
-// File browsers answer to one interface on the session bus, org.freedesktop.FileManager1, which the bus starts one for
-// when none is running.
+// File browsers answer to one interface on the session bus, org.freedesktop.FileManager1. The bus starts a file browser
+// where none is running.
 
 namespace brimvault::platform {
 
 namespace {
 
-constexpr std::chrono::seconds answerLimit{15};  // a file browser that starts from a cold disk takes some seconds
+constexpr std::chrono::seconds replyTimeout{15};  // a file browser that starts from a cold disk takes some seconds
 
 // The bytes of the path, escaped: a name need not be text.
-QString uriOf(const std::filesystem::path& path) {
-    const QByteArray bytes = QByteArray::fromStdString(path.native());
-    return QStringLiteral("file://") + QString::fromLatin1(bytes.toPercentEncoding("/"));
+std::string uriOf(const std::filesystem::path& path) {
+    return "file://" + QByteArray::fromStdString(path.native()).toPercentEncoding("/").toStdString();
 }
 
 class SessionFileBrowser final : public FileBrowser {
 public:
-    bool showItem(const std::filesystem::path& path) override {
-        return callFileManager(QStringLiteral("ShowItems"), path);
-    }
+    bool showItem(const std::filesystem::path& path) override { return callFileManager("ShowItems", path); }
     bool showItemProperties(const std::filesystem::path& path) override {
-        return callFileManager(QStringLiteral("ShowItemProperties"), path);
+        return callFileManager("ShowItemProperties", path);
     }
     bool openFolder(const std::filesystem::path& folder) override {
-        return openWithDefaultProgram(uriOf(folder).toStdString(), [this] { return givenUp_.load(); });
+        return openWithDefaultProgram(uriOf(folder), stop_.get_token());
     }
-    void giveUp() override { givenUp_ = true; }
+    void giveUp() override { stop_.request_stop(); }
 
 private:
-    bool callFileManager(const QString& method, const std::filesystem::path& path);
+    bool callFileManager(const char* method, const std::filesystem::path& path);
 
-    std::atomic<bool> givenUp_ = false;
+    std::stop_source stop_;
 };
 
-bool SessionFileBrowser::callFileManager(const QString& method, const std::filesystem::path& path) {
-    const QString service = QStringLiteral("org.freedesktop.FileManager1");
-    auto request =
-        QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/FileManager1"), service, method);
-    request << QStringList{uriOf(path)} << QString();  // no start-up notification
-    return callOnBus(Bus::session, request, answerLimit, {[this] { return givenUp_.load(); }, {}}).has_value();
+bool SessionFileBrowser::callFileManager(const char* method, const std::filesystem::path& path) {
+    constexpr const char* interface = "org.freedesktop.FileManager1";
+    const auto uri = uriOf(path);
+    const char* uris[] = {uri.c_str(), nullptr};
+    const BusRequest request{interface, "/org/freedesktop/FileManager1", interface, method,
+                             variant(g_variant_new("(^ass)", uris, ""))};  // no start-up notification
+    return callOnBus(Bus::session, request, replyTimeout, {.stop = stop_.get_token()}) != nullptr;
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-#include <QDBusMessage>
-#include <atomic>
+#include <stop_token>
 
 #include "platform/Workspace.h"
 #include "platform/linux/BusCall.h"
@@ -11,20 +10,15 @@ namespace {
 
 class SessionWorkspace final : public Workspace {
 public:
-    bool openURL(const std::string& url) override {
-        return openWithDefaultProgram(url, [this] { return givenUp_.load(); });
-    }
+    bool openURL(const std::string& url) override { return openWithDefaultProgram(url, stop_.get_token()); }
     void announceStart() override {
-        auto signal = QDBusMessage::createSignal(QStringLiteral("/com/quorvel/applications"),
-                                                 QStringLiteral("com.quorvel.Applications"),
-                                                 QStringLiteral("ApplicationStarted"));
-        signal << QStringLiteral("com.quorvel.brimvault");
-        sendOnBus(Bus::session, signal);
+        broadcastOnBus(Bus::session, "/com/quorvel/applications", "com.quorvel.Applications", "ApplicationStarted",
+                       variant(g_variant_new("(s)", "com.quorvel.brimvault")));
     }
-    void giveUp() override { givenUp_ = true; }
+    void giveUp() override { stop_.request_stop(); }
 
 private:
-    std::atomic<bool> givenUp_ = false;
+    std::stop_source stop_;
 };
 
 }  // namespace

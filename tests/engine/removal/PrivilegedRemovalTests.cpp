@@ -41,13 +41,13 @@ class ToldAuthorization final : public platform::Authorization {
 public:
     explicit ToldAuthorization(System& system) : system_(system) { ++system_.made; }
     bool copyRights(const std::vector<platform::RightItem>& rights, Interaction interaction,
-                    const std::function<bool()>& givesUp) override {
+                    const std::stop_token& stop) override {
         system_.rights = rights;
         if (interaction == Interaction::allowed) {
             ++system_.questions;
             if (system_.whileAsked) {
                 system_.whileAsked();
-                return !givesUp();
+                return !stop.stop_requested();
             }
             system_.isHeld = system_.grants;
         }
