@@ -15,14 +15,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a root folder must not be, nor hold. Roots of one section may be one folder, which is then listed once.
+/// A folder that a root folder must not be, nor hold. Two roots of one section may be the same folder: it is listed
+/// once.
 struct Obstacle {
     enum class Kind { home, userFolder, caches, downloads, logs, containers, trash, applications };
     Kind kind;
     fs::path named;
 };
 
-// Named without a look at any of them: each may be on a volume that does not answer.
+// Does not access the disk: each may be on a volume that does not answer.
 std::vector<Obstacle> sectionRoots() {
     using Kind = Obstacle::Kind;
     const auto home = homeFolder();
@@ -52,11 +53,11 @@ std::vector<Obstacle> obstacles() {
     return all;
 }
 
-std::vector<FolderWay> waysOfAll(const std::vector<Obstacle>& obstacles) {
+std::vector<FolderLocation> locateAll(const std::vector<Obstacle>& obstacles) {
     std::vector<fs::path> named;
     std::transform(obstacles.begin(), obstacles.end(), std::back_inserter(named),
                    [](const Obstacle& obstacle) { return obstacle.named; });
-    return waysOf(named);
+    return locate(named);
 }
 
 bool holds(const fs::path& folder, const fs::path& inner) {
@@ -69,25 +70,27 @@ RootRefusal refusalFor(Obstacle::Kind kind) {
                                                 : RootRefusal::otherRootFolder;
 }
 
-// By what the folders are; and by their paths, since those on a volume that does not answer are known by nothing else.
+// Compares device and inode, and paths as well: of a folder on a volume that does not answer only the path is known.
 void judge(RootPlace& place, const files::FileIdentity& folder) {
     const auto all = obstacles();
-    const auto ways = waysOfAll(all);
+    const auto locations = locateAll(all);
     const auto own = std::find_if(all.begin(), all.end(), [&](const Obstacle& obstacle) {
         return obstacle.kind > Obstacle::Kind::userFolder && obstacle.named == place.named;
     });
     for (std::size_t number = 0; number < all.size(); ++number) {
         const auto& obstacle = all[number];
-        const auto& way = ways[number];
-        const bool isIt = (!way.folders.empty() && way.folders.back() == folder) || way.resolved == place.resolved;
-        const bool isOrHolds = std::find(way.folders.begin(), way.folders.end(), folder) != way.folders.end() ||
-                               holds(place.resolved, way.resolved);
+        const auto& location = locations[number];
+        const bool isIt =
+            (!location.folders.empty() && location.folders.back() == folder) || location.resolved == place.resolved;
+        const bool isOrHolds =
+            std::find(location.folders.begin(), location.folders.end(), folder) != location.folders.end() ||
+            holds(place.resolved, location.resolved);
         const bool isOfOneSection = own != all.end() && obstacle.kind == own->kind;
-        // Of a trash folder's own folder nothing is listed but what lies in "files".
+        // A trash folder lists only the contents of its "files", so it may hold another trash root.
         const bool mayBe = isOfOneSection && (isIt || obstacle.kind == Obstacle::Kind::trash);
         if (isOrHolds && !mayBe) {
             place.refusal = refusalFor(obstacle.kind);
-            place.obstacle = way.resolved;
+            place.obstacle = location.resolved;
             return;
         }
     }
@@ -143,12 +146,12 @@ bool leadsWhereItDid(const RootPlace& place) {
     std::error_code unresolved;
     const auto resolved = fs::canonical(place.named, unresolved);
     if (unresolved) {
-        // Gone with all that was in it, and no link that was taken away from where it led.
+        // True only if the folder itself is gone: if just a symbolic link to it is, it is still where the link led.
         return unresolved.value() == ENOENT && !files::mayExist(place.named) && !files::mayExist(place.resolved);
     }
     return resolved == place.resolved;
 }
 
-std::vector<FolderWay> sectionRootWays() { return waysOfAll(sectionRoots()); }
+std::vector<FolderLocation> locateSectionRoots() { return locateAll(sectionRoots()); }
 
 }  // namespace brimvault::platform

@@ -6,15 +6,15 @@
 #include <vector>
 
 #include "files/DirectoryHandle.h"
-#include "platform/FolderWays.h"
+#include "platform/FolderLocations.h"
 
 namespace brimvault::platform {
 
-/// Why nothing in a section's root folder is listed.
+/// Why a section's root folder is not listed.
 enum class RootRefusal {
     none,             ///< it is listed
     missing,          ///< there is no such folder
-    leadsNowhere,     ///< a link, and where it leads there is nothing, or it leads in a circle
+    leadsNowhere,     ///< a symbolic link that is dangling or circular
     noFolder,         ///< something else stands in its place
     closed,           ///< it may not be read
     homeFolder,       ///< it is the home folder, or holds it
@@ -22,31 +22,30 @@ enum class RootRefusal {
     otherRootFolder,  ///< it is the root folder of another section, or holds such a folder
 };
 
-/// Where a section looks for its files, and where that has led.
+/// The root folder of a section, and where its path has led.
 struct RootPlace {
     std::filesystem::path named;
-    std::filesystem::path resolved;  ///< without links
+    std::filesystem::path resolved;  ///< without symbolic links
     RootRefusal refusal = RootRefusal::none;
     std::filesystem::path obstacle;  ///< what it is or holds, for the last three refusals
     bool operator==(const RootPlace&) const = default;
 };
 
-/// A section's root folder, looked up once and held from then on. How the user has arranged the home folder and these
-/// folders, links included, is followed; inside them nothing is.
+/// A section's root folder, opened once and held open. Symbolic links in its path are followed, as users move these
+/// folders to other disks; inside of it none is.
 struct SectionRoot {
     std::shared_ptr<const RootPlace> place;
     std::optional<files::DirectoryHandle> folder;  ///< to be listed; set exactly when nothing is refused
 };
 
-/// Looks the folder up, by the one rule for all root folders. A path that is none of the sections' own is held against
-/// these as well. Any thread but the main one.
+/// Opens the folder if the rules for root folders allow it. They hold for any path, also one that is no section's own.
+/// Any thread but the main one.
 [[nodiscard]] SectionRoot openSectionRoot(const std::filesystem::path& named);
 
-/// Whether the folder that is named still leads where it has led.
+/// Whether the path still resolves to the same folder.
 [[nodiscard]] bool leadsWhereItDid(const RootPlace& place);
 
-/// The sections' own root folders, where they are and in what they lie; some may not exist. Any thread but the main
-/// one.
-[[nodiscard]] std::vector<FolderWay> sectionRootWays();
+/// Where the root folders of all sections are; some may not exist. Any thread but the main one.
+[[nodiscard]] std::vector<FolderLocation> locateSectionRoots();
 
 }  // namespace brimvault::platform

@@ -12,9 +12,9 @@ namespace brimvault::engine {
 using platform::LibraryURLs;
 
 // The home folder covers the roots below it that do not exist.
-ProtectedFolders::ProtectedFolders() : ways_(platform::sectionRootWays()) {
+ProtectedFolders::ProtectedFolders() : ways_(platform::locateSectionRoots()) {
     const auto trash = LibraryURLs::namedDesktopTrashFolder();
-    auto more = platform::waysOf(
+    auto more = platform::locate(
         {trash / "files", trash / "info", LibraryURLs::getPreferencesFolderURL(), platform::homeFolder()});
     std::move(more.begin(), more.end(), std::back_inserter(ways_));
 }
@@ -23,7 +23,7 @@ ProtectedFolders::ProtectedFolders() : ways_(platform::sectionRootWays()) {
 bool ProtectedFolders::isOneOrHoldsOne(const std::filesystem::path& path, const files::NodeStatus& item) const {
     const auto beginning = (path / "").native();
     return item.kind == files::NodeKind::directory &&
-           std::any_of(ways_.begin(), ways_.end(), [&](const platform::FolderWay& way) {
+           std::any_of(ways_.begin(), ways_.end(), [&](const platform::FolderLocation& way) {
                return (way.resolved / "").native().starts_with(beginning) ||
                       std::find(way.folders.begin(), way.folders.end(), item.identity) != way.folders.end();
            });
@@ -33,7 +33,7 @@ std::vector<std::filesystem::path> protectedFolders() {
     const ProtectedFolders found;
     std::vector<std::filesystem::path> folders;
     std::transform(found.ways().begin(), found.ways().end(), std::back_inserter(folders),
-                   [](const platform::FolderWay& way) { return way.resolved; });
+                   [](const platform::FolderLocation& way) { return way.resolved; });
     return folders;
 }
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+#include "files/NodeStatus.h"
+
+namespace brimvault::platform {
+
+/// Where a folder is, and in what it lies.
+struct FolderLocation {
+    std::filesystem::path named;
+    /// With symbolic links resolved, as far as the path exists; as named where the volume does not answer.
+    std::filesystem::path resolved;
+    /// The existing ones from the root folder on; the folder itself is the last.
+    std::vector<files::FileIdentity> folders;
+};
+
+/// Looks the folders up. The timeout is a second for each; a folder on a volume that does not answer is not looked up
+/// again until it does. Any thread but the main one.
+[[nodiscard]] std::vector<FolderLocation> locate(const std::vector<std::filesystem::path>& named);
+
+}  // namespace brimvault::platform
