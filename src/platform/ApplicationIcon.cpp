@@ -10,7 +10,7 @@ namespace {
 
 using files::DirectoryHandle;
 
-// Where a kind of bundle keeps its list and its pictures, and what the list calls the application's own picture.
+// Where a kind of bundle keeps its property list and its pictures, and the key of the icon.
 struct Layout {
     const char* folder;
     const char* list;       ///< in the folder
@@ -22,21 +22,21 @@ constexpr Layout layouts[] = {
     {"Contents", "Info.plist", "Resources", "CFBundleIconFile"},
     {"Resources", "Info-gnustep.plist", ".", "NSIcon"},
     {"Resources", "Info-gnustep.plist", ".", "ApplicationIcon"},
-    {".", "Info-gnustep.plist", ".", "NSIcon"},  // the resources alone, as some systems keep them
+    {".", "Info-gnustep.plist", ".", "NSIcon"},  // a bundle that is only the resources
     {".", "Info-gnustep.plist", ".", "ApplicationIcon"},
 };
 
-// In the place of what a list leaves away.
+// Property lists may leave the extension away.
 constexpr const char* extensions[] = {"", ".icns", ".tiff", ".png"};
 
-// The list is data of others: what it names must not lead out of the folder.
+// The property list is untrusted: what it names must not lead out of the folder.
 bool isNameOfOneFile(const std::string& name) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
 }
 
 std::optional<std::string> pictureNamed(const DirectoryHandle& resources, const std::string& name) {
     for (const char* extension : extensions) {
-        auto contents = FileContents::read(resources, (name + extension).c_str(), ApplicationIcon::mostBytes);
+        auto contents = FileContents::read(resources, (name + extension).c_str(), ApplicationIcon::maxBytes);
         if (contents) {
             return contents;
         }

@@ -4,10 +4,9 @@
 
 namespace brimvault::platform {
 
-/// The number with at most one or two decimals, none of them a trailing zero, and a point in every locale. It is
-/// rounded to the nearest, halves to the even digit, as the decimal number that it is read as, not as the binary one
-/// that the machine holds: 1.015 becomes "1.02" though what is held lies below it. Empty where the system cannot tell.
-/// Any thread.
+/// The number with at most one or two decimals, no trailing zeros, and a point in every locale. The shortest decimal
+/// form of the value is rounded, half to even, not its binary value: 1.015 becomes "1.02" although the nearest double
+/// is less than 1.015. Empty where ICU fails. Any thread.
 [[nodiscard]] QString withAtMostOneDecimal(double value);
 [[nodiscard]] QString withAtMostTwoDecimals(double value);
 

@@ -12,8 +12,8 @@ bool isShown(QChar character) {
             return false;
         case QChar::Other_Format: {
             const auto code = character.unicode();
-            const bool turnsDirection = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
-            return !turnsDirection;
+            const bool changesDirection = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+            return !changesDirection;
         }
         default:
             return true;

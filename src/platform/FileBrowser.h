@@ -5,7 +5,7 @@
 
 namespace brimvault::platform {
 
-/// The desktop's file browser, asked to show something. YES once someone has taken the request. A call may block for
+/// The desktop's file browser. A request returns true once a file browser has accepted it. A call may block for
 /// seconds: any thread but the main one, several at once.
 class FileBrowser {
 public:
@@ -13,15 +13,15 @@ public:
 
     /// Shows the item selected, in the folder that holds it.
     virtual bool showItem(const std::filesystem::path& path) = 0;
-    /// Opens the file browser's own window with what is known of the item.
+    /// Opens the file browser's window with the properties of the item.
     virtual bool showItemProperties(const std::filesystem::path& path) = 0;
     /// Opens a folder with the desktop's default program for folders.
     virtual bool openFolder(const std::filesystem::path& folder) = 0;
 
-    /// Ends the calls under way, which then answer NO, and lets no other begin.
+    /// Ends the calls under way, which then return false, and those that begin later.
     virtual void giveUp() = 0;
 
-    /// That of the session which the process belongs to.
+    /// The one of the session that the process belongs to.
     [[nodiscard]] static std::unique_ptr<FileBrowser> ofSession();
 };
 

@@ -6,11 +6,11 @@
 
 namespace brimvault::platform {
 
-/// The standard folders of the user who runs the process. Each call asks anew, but for the one that says otherwise;
-/// none when the system names no such folder. The folder itself may be missing. Any thread.
+/// The standard folders of the user who runs the process. Nothing is cached unless a function says so; none when the
+/// system names no such folder. The folder itself may be missing. Any thread.
 ///
-/// An answer is resolved: how the user has arranged these folders, links included, is followed. It is never the home
-/// folder, nor a folder that holds it. Whether what is in it may be listed, SectionRoots says.
+/// Symbolic links in the result are resolved. It is never the home folder, nor a folder that holds it. Whether its
+/// contents may be listed is decided by SectionRoots.
 class LibraryURLs {
 public:
     static std::optional<std::filesystem::path> getCachesFolderURL();
@@ -20,21 +20,21 @@ public:
     /// The trash folder in which the desktop keeps what is trashed from the home folder; none where that is ".Trash".
     static std::optional<std::filesystem::path> getDesktopTrashFolderURL();
     static std::optional<std::filesystem::path> getApplicationFolderURL();
-    /// Asked once in the life of the process.
+    /// Cached for the life of the process.
     static std::optional<std::filesystem::path> getUserApplicationFolderURL();
 
-    /// Where these are looked for, before any link is followed.
+    /// The same folders before symbolic links are resolved.
     static std::filesystem::path namedCachesFolder();
-    /// Those between which it is chosen, without a look at the disk.
+    /// The candidates for the caches folder; does not access the disk.
     static std::vector<std::filesystem::path> namedCachesFolders();
     static std::filesystem::path namedDownloadsFolder();
     static std::filesystem::path namedTrashFolder();
     static std::filesystem::path namedDesktopTrashFolder();
-    /// The desktop's folders for what is the user's own: documents, pictures, the desktop itself and the like, without
-    /// the downloads; before any link is followed. One that the user has switched off is left out.
+    /// The desktop's folders for the user's own files (documents, pictures, the desktop and the like, without
+    /// downloads), symbolic links unresolved. One that the user has disabled is left out.
     static std::vector<std::filesystem::path> namedUserFolders();
 
-    /// Where the programs of the user keep their settings, and where this one does.
+    /// Where programs keep the settings of the user, and where this one does.
     static std::filesystem::path getConfigurationFolderURL();
     static std::filesystem::path getPreferencesFolderURL();
 };

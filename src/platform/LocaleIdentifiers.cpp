@@ -32,8 +32,7 @@ QString nameKey(const QString& name) {
     return key;
 }
 
-// The English names of all languages, as the locale data has them, and names of the time before identifiers that it
-// does not have: those that applications ship.
+// The English names of all languages in ICU's locale data, and legacy names that applications use and ICU lacks.
 QHash<QString, QString> makeLanguageNames() {
     QHash<QString, QString> names;
     for (const char* const* code = uloc_getISOLanguages(); *code != nullptr; ++code) {
@@ -73,15 +72,15 @@ QString languageOfName(const QString& name) {
     return names.value(nameKey(name));
 }
 
-// A language of two or three letters with, each after a line, a script and a region; POSIX adds an encoding and a
-// modifier.
+// A language of two or three letters, then optionally a script and a region after "-" or "_"; POSIX adds an encoding
+// and a modifier.
 bool looksLikeIdentifier(const QString& text) {
     static const QRegularExpression form(QStringLiteral(
         "^[A-Za-z]{2,3}([-_][A-Za-z]{4})?([-_]([A-Za-z]{2}|[0-9]{3}))?(\\.[A-Za-z0-9-]+)?(@[A-Za-z]+)?\\z"));
     return form.match(text).hasMatch();
 }
 
-// Encodings say nothing of the language; of modifiers, those that are scripts take their usual place.
+// Drops the encoding. A modifier that names a script becomes the script subtag; others are dropped.
 QString withoutPosixParts(const QString& text) {
     QString plain = text.section(QLatin1Char('@'), 0, 0).section(QLatin1Char('.'), 0, 0);
     const QString modifier = text.section(QLatin1Char('@'), 1).toLower();
@@ -105,36 +104,36 @@ QString joined(const char* language, const char* script, const char* region) {
     return identifier;
 }
 
-// Chinese is told apart by its script, whatever is likely of a region; other languages by what is unlikely of them.
+// Chinese always keeps its script; other languages keep only the subtags that are not likely by default.
 QString shortestForm(const icu::Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
     icu::Locale full = locale;
     full.addLikelySubtags(status);
     if (U_SUCCESS(status) && qstrcmp(full.getLanguage(), "zh") == 0) {
-        icu::Locale usual("zh", qstrcmp(full.getScript(), "Hant") == 0 ? "TW" : "CN");
-        const bool inUsualRegion = qstrcmp(full.getCountry(), usual.getCountry()) == 0;
-        return joined("zh", full.getScript(), inUsualRegion ? "" : full.getCountry());
+        icu::Locale defaultLocale("zh", qstrcmp(full.getScript(), "Hant") == 0 ? "TW" : "CN");
+        const bool isDefaultRegion = qstrcmp(full.getCountry(), defaultLocale.getCountry()) == 0;
+        return joined("zh", full.getScript(), isDefaultRegion ? "" : full.getCountry());
     }
-    icu::Locale least = locale;
-    least.minimizeSubtags(status);
-    const icu::Locale& answer = U_SUCCESS(status) ? least : locale;
+    icu::Locale minimal = locale;
+    minimal.minimizeSubtags(status);
+    const icu::Locale& answer = U_SUCCESS(status) ? minimal : locale;
     return joined(answer.getLanguage(), answer.getScript(), answer.getCountry());
 }
 
-// "en-US" is the same as "en" to all who compare, but not to those who ask whether a region was named.
+// Canonical "en-US" is "en"; for English the region that was named is kept.
 QString withRegion(const QString& identifier) {
     const icu::Locale locale(identifier.section(QLatin1Char('.'), 0, 0).toLatin1().constData());
     return joined(locale.getLanguage(), "", locale.getCountry());
 }
 
-// What a language's regional form belongs to, the nearest first.
+// The more general forms of a regional form, the nearest first.
 QStringList familyOf(const QString& identifier) {
     const QString language = identifier.section(QLatin1Char('-'), 0, 0);
     if (language == QLatin1String("zh")) {
         return {identifier.section(QLatin1Char('-'), 0, 1)};
     }
     if (language == QLatin1String("es") && identifier.size() > language.size()) {
-        // The Spanish of Latin America has an identifier of its own: that of the region of the United Nations.
+        // Latin American Spanish has an identifier of its own, with the UN code of the region.
         UErrorCode status = U_ZERO_ERROR;
         const auto* america = icu::Region::getInstance("419", status);
         const auto* own =
@@ -154,7 +153,7 @@ QSet<QString> makeKnownLanguages() {
     return languages;
 }
 
-// In the place of a language that it does not know, the locale data would take the one of the process's locale.
+// For a reader's language that it does not know, ICU would fall back to the locale of the process.
 QString nameIn(const QString& readersLanguage, const icu::Locale& asked) {
     static const QSet<QString> knownLanguages = makeKnownLanguages();
     const icu::Locale reader(readersLanguage.toLatin1().constData());
@@ -164,7 +163,7 @@ QString nameIn(const QString& readersLanguage, const icu::Locale& asked) {
     icu::UnicodeString language;
     asked.getDisplayLanguage(reader, language);
     if (*asked.getLanguage() == '\0' || fromIcu(language) == QLatin1String(asked.getLanguage())) {
-        return {};  // where the locale data has no name it answers with the code
+        return {};  // ICU returns the code where it has no name
     }
     icu::UnicodeString name;
     asked.getDisplayName(reader, name);
@@ -185,7 +184,7 @@ QString LocaleIdentifiers::canonicalLocaleIdentifierFromString(const QString& te
         return text;
     }
     if (qstrcmp(locale.getLanguage(), "no") == 0) {
-        // The written form that nearly all mean by it, and that a list of languages offers.
+        // Bokmål is what nearly all mean by it, and what lists of languages offer.
         locale = icu::Locale("nb", locale.getCountry());
     }
     return shortestForm(locale);
@@ -193,7 +192,7 @@ QString LocaleIdentifiers::canonicalLocaleIdentifierFromString(const QString& te
 
 QStringList LocaleIdentifiers::preferredLanguages() {
     QStringList languages = QLocale::system().uiLanguages();
-    // That list leaves out modifiers, of which some name the script.
+    // Qt drops modifiers, some of which name the script.
     QString locale;
     for (const char* variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
         if (locale.isEmpty()) {
@@ -216,11 +215,11 @@ QStringList LocaleIdentifiers::preferredLanguagesFrom(const QStringList& languag
     };
     for (const QString& language : languages) {
         if (language == QLatin1String("C") || language == QLatin1String("POSIX")) {
-            continue;  // no language: the programs' own texts, which are English
+            continue;  // no language: untranslated texts, which are English
         }
         const QString identifier = canonicalLocaleIdentifierFromString(language);
         if (identifier.section(QLatin1Char('-'), 0, 0) == QLatin1String("en")) {
-            // The system's list follows a regional form by its family itself.
+            // QLocale lists "en" after a regional form by itself.
             const QString english = withRegion(language);
             add(hasRegionalEnglish && english == QLatin1String("en") ? QString() : english);
             hasRegionalEnglish = hasRegionalEnglish || english != QLatin1String("en");

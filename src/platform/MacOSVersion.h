@@ -4,7 +4,7 @@
 
 namespace brimvault::platform {
 
-/// The version of macOS that the program runs on; another system is none, and answers NO. Any thread.
+/// The version of macOS that the program runs on; false on other systems. Any thread.
 class MacOSVersion {
 public:
     [[nodiscard]] static bool is_10_9_orHigher() { return isAtLeast(9); }

@@ -12,9 +12,9 @@ namespace brimvault::platform {
 
 namespace {
 
-// The extensions of the types that macOS declares as packages ("com.apple.package" and what conforms to it, in the type
-// declarations of its core types and of the applications that come with it), in order. A framework is a bundle and no
-// package there: its folder is shown open, as is one with localizations (lproj).
+// The extensions of the types that macOS declares as packages (those that conform to "com.apple.package", of the core
+// types and of the bundled applications), sorted. There a framework is a bundle but no package, and neither is a folder
+// of localizations (lproj): both are shown as folders.
 constexpr std::string_view extensions[] = {
     "action",       "app",          "appex",         "aplibrary",
     "backupbundle", "band",         "bundle",        "caction",
@@ -32,15 +32,15 @@ constexpr std::string_view extensions[] = {
     "xpc",
 };
 
-// The file browser's own attribute: 32 bytes, of which two from the ninth on are its marks, the higher first
-// (Finder.h: the fields "finderFlags" and "kHasBundle").
-bool hasBundleMark(const std::filesystem::path& folder) {
-    constexpr std::size_t wholeLength = 32;
-    constexpr std::size_t higherByteOfMarks = 8;
-    constexpr unsigned hasBundle = 0x20;  // in that byte
+// The extended attribute of the Finder: 32 bytes, with 16 big-endian flag bits at offset 8 ("finderFlags" and
+// "kHasBundle" in Finder.h).
+bool hasBundleFlag(const std::filesystem::path& folder) {
+    constexpr std::size_t attributeLength = 32;
+    constexpr std::size_t flagsOffset = 8;
+    constexpr unsigned hasBundle = 0x20;  // in the high byte
     const auto information = files::extendedAttribute(folder, "com.apple.FinderInfo");
-    return information.size() == wholeLength &&
-           (static_cast<unsigned char>(information[higherByteOfMarks]) & hasBundle) != 0;
+    return information.size() == attributeLength &&
+           (static_cast<unsigned char>(information[flagsOffset]) & hasBundle) != 0;
 }
 
 }  // namespace
@@ -52,7 +52,7 @@ bool Packages::isPackageExtension(const std::string& extension) {
 
 bool Packages::isPackage(const std::filesystem::path& folder) {
     const auto extension = folder.extension().native();
-    return (!extension.empty() && isPackageExtension(extension.substr(1))) || hasBundleMark(folder);
+    return (!extension.empty() && isPackageExtension(extension.substr(1))) || hasBundleFlag(folder);
 }
 
 std::optional<std::string> Packages::bundleIdentifier(const std::filesystem::path& bundle) {
@@ -60,7 +60,7 @@ std::optional<std::string> Packages::bundleIdentifier(const std::filesystem::pat
     if (!opened) {
         return std::nullopt;
     }
-    // In the order in which the platform looks for it: modern bundles, flat ones, those with a folder of resources.
+    // In macOS's order of lookup: modern bundles, flat ones, those with a folder of resources.
     for (const char* folder : {"Contents", ".", "Resources"}) {
         const auto holder = opened->openChild(folder);
         const auto list = holder ? PropertyList::read(*holder, "Info.plist") : std::nullopt;

@@ -6,17 +6,17 @@
 
 namespace brimvault::platform {
 
-/// Folders that the desktop presents as one thing: applications, plug-ins, documents made of many files. Any thread.
+/// Folders that the desktop presents as one item: applications, plug-ins, documents made of many files. Any thread.
 class Packages {
 public:
-    /// Whether the folder, which may not be a link, is one: by its name's extension, in any letter case, or by the mark
-    /// that the file browser sets on it.
+    /// Whether the folder is a package: by its extension, in any letter case, or by the file browser's bundle flag. The
+    /// path must not be a symbolic link.
     [[nodiscard]] static bool isPackage(const std::filesystem::path& folder);
-    /// The extension is one of a package; without its full stop.
+    /// Without the full stop.
     [[nodiscard]] static bool isPackageExtension(const std::string& extension);
 
-    /// "CFBundleIdentifier" of the bundle's own "Info.plist"; none where that is missing, damaged, too large, or
-    /// reached through a link.
+    /// "CFBundleIdentifier" of the bundle's "Info.plist"; none where that is missing, damaged, too large, or reached
+    /// through a symbolic link.
     [[nodiscard]] static std::optional<std::string> bundleIdentifier(const std::filesystem::path& bundle);
 };
 

@@ -5,7 +5,7 @@
 
 namespace brimvault::platform {
 
-// An absolute path: by a name alone it would be searched for elsewhere too.
+// Only an absolute path: the loader would search its own folders for a bare name.
 bool QuorvelFallManager::start(const std::filesystem::path& folder) {
     if (!folder.is_absolute()) {
         return false;

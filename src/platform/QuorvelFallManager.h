@@ -4,13 +4,13 @@
 
 namespace brimvault::platform {
 
-/// The maker's library of notices. It may be installed beside the program, under the name that the system gives to a
-/// library "QuorvelFallManager" (on Linux libQuorvelFallManager.so), and exports one C function without arguments,
-/// `QuorvelFallManager_start`. Nothing else is asked of it, and nothing is missed where there is none.
+/// The maker's library of notices, an optional plug-in. It may be installed beside the program, under the system's file
+/// name for a library "QuorvelFallManager" (on Linux libQuorvelFallManager.so), and exports one C function without
+/// arguments, `QuorvelFallManager_start`.
 class QuorvelFallManager {
 public:
-    /// Loads the library from the folder, from nowhere else, and starts it; it stays for the life of the process. NO
-    /// where there is none, or none that can be started. Main thread, where the library is at home.
+    /// Loads the library from the folder, from nowhere else, and starts it; it stays loaded for the life of the
+    /// process. False where there is none, or none that exports the function. Main thread.
     static bool start(const std::filesystem::path& folder);
 };
 

@@ -7,10 +7,9 @@
 
 namespace brimvault::platform {
 
-/// What the process is told by the system that it runs on. Read through `system()`, so that a test can put its own in.
+/// What the process learns from its operating system, behind `system()` so that a test can substitute it.
 struct System {
-    /// The home folder in the user database's record of the user who runs the process; none without a record. The
-    /// environment has no say in it.
+    /// The home folder of the user who runs the process, by the user database; none without a record. HOME is ignored.
     std::function<std::optional<std::filesystem::path>()> recordedHomeFolder;
     /// The login name of that user.
     std::function<std::string()> userName;
@@ -21,7 +20,7 @@ struct System {
 /// Any thread.
 const System& system();
 
-/// Puts another system in the place of the real one for as long as it lives. For tests; while no other thread reads it.
+/// Replaces the real system during its lifetime. For tests; while no other thread reads it.
 class SubstituteSystem {
 public:
     explicit SubstituteSystem(System system);
@@ -34,15 +33,15 @@ private:
     const System* before_;
 };
 
-/// The system that the process really runs on; each system's folder holds its own.
+/// The real one; implemented in the folder of each operating system.
 [[nodiscard]] System realSystem();
 
-/// The home folder with the links on the way to it resolved, so that no path below it needs to lead through one:
-/// the user database's, or "/Users/" and the login name where it has no record. Any thread.
+/// The home folder by the user database, or "/Users/" and the login name where it has no record. Its symbolic links are
+/// resolved, so that a path below it need not lead through one. Any thread.
 [[nodiscard]] std::filesystem::path homeFolder();
 
-/// Where the folders begin that belong to the whole system: "/". A trial or a test, which must touch nothing of the
-/// machine's own, names a folder in BRIMVAULT_TRIAL_ROOT that stands for it. Any thread.
+/// The root of the system-wide folders: "/". A trial or a test, which must not touch the machine's own, sets
+/// BRIMVAULT_TRIAL_ROOT to a folder that replaces it. Any thread.
 [[nodiscard]] std::filesystem::path systemRoot();
 
 }  // namespace brimvault::platform

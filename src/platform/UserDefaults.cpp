@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t largestFile = 1024UL * 1024;  // the program itself writes some dozens of lines
+constexpr std::size_t maxFileBytes = 1024UL * 1024;  // the program itself writes some dozens of lines
 constexpr const char* group = "General";
 
 enum class FileState { usable, damaged, unreadable };
@@ -27,7 +27,7 @@ struct Found {
     SettingsText text;
 };
 
-// Settings are plain text. What holds anything else would be read as if it were, and be lost with the next change.
+// Settings are plain text. Anything else could be parsed in part, and the rest be lost with the next change.
 bool isPlainText(const std::string& contents) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder(QByteArrayView(contents));
@@ -37,7 +37,7 @@ bool isPlainText(const std::string& contents) {
 }
 
 Found look(const fs::path& file) {
-    const auto contents = FileContents::read(file, largestFile);
+    const auto contents = FileContents::read(file, maxFileBytes);
     if (!contents) {
         std::error_code ignored;
         const bool isMissing = fs::symlink_status(file, ignored).type() == fs::file_type::not_found;
@@ -55,7 +55,7 @@ bool moveAside(const fs::path& file) {
     return !failed;
 }
 
-// The whole file takes the place of the one before, or nothing does.
+// Atomic: writes a new file and renames it over the old one.
 bool save(const fs::path& path, const std::string& text) {
     std::error_code failed;
     fs::create_directories(path.parent_path(), failed);
@@ -70,7 +70,7 @@ bool save(const fs::path& path, const std::string& text) {
     return file.write(QByteArray::fromStdString(text)) == static_cast<qint64>(text.size()) && file.commit();
 }
 
-// Letters and digits as they are, anything else by its number: as the file has always had it.
+// Escapes all but letters, digits, "_", "-" and "." by their codes, in the format that existing files have.
 std::string nameInFile(const QString& key) {
     QString name;
     for (const QChar character : key) {
@@ -87,10 +87,10 @@ std::string nameInFile(const QString& key) {
 
 }  // namespace
 
-UserDefaults::UserDefaults(fs::path file) : file_(std::move(file)) { takeIn(); }
+UserDefaults::UserDefaults(fs::path file) : file_(std::move(file)) { reload(); }
 
-// What another process has changed meanwhile is kept, and what has become of the file is seen.
-void UserDefaults::takeIn() {
+// Reads the file again, so that changes of another process are kept and damage is noticed.
+void UserDefaults::reload() {
     auto found = look(file_);
     if (found.state == FileState::usable) {
         text_ = std::move(found.text);
@@ -143,7 +143,7 @@ QString UserDefaults::text(const QString& key) const {
 void UserDefaults::write(const QString& key, const QString& value) {
     unsaved_.insert_or_assign(nameInFile(key), value.toStdString());
     if (writable_) {
-        takeIn();
+        reload();
     }
     if (!writable_) {
         return;

@@ -12,10 +12,9 @@ namespace brimvault::platform {
 /// The user's settings and statistics: numbers under fixed keys, in one text file. A change is written and flushed at
 /// once.
 ///
-/// A file that cannot be understood is moved aside, under its name with ".damaged-" and the time, and a new one is
-/// begun; where it cannot be moved, or not be read at all, or is no plain file of a sensible size, nothing is written
-/// from then on, so that what is there is never lost. One thread, the one that made it; it waits for nothing but the
-/// disk.
+/// A file that cannot be parsed is renamed, to its name with ".damaged-" and the time, and a new one is begun. Where it
+/// cannot be renamed or read, or is no regular file of at most 1 MiB, nothing is written from then on, so that no
+/// settings are lost. One thread, the one that made it; blocks only for the disk.
 class UserDefaults {
 public:
     explicit UserDefaults(std::filesystem::path file);
@@ -24,7 +23,7 @@ public:
 
     /// The value, only when it reads as a whole number that is not negative.
     [[nodiscard]] std::optional<quint64> number(const QString& key) const;
-    /// The value, only when it reads as "true", "false" or a whole number (0 is NO).
+    /// The value, only when it reads as "true", "false" or a whole number (0 is false).
     [[nodiscard]] std::optional<bool> boolean(const QString& key) const;
 
     void setNumber(const QString& key, quint64 value);
@@ -34,7 +33,7 @@ public:
 
 private:
     [[nodiscard]] QString text(const QString& key) const;
-    void takeIn();
+    void reload();
     void write(const QString& key, const QString& value);
 
     const std::filesystem::path file_;

@@ -1,4 +1,4 @@
-// A stream gives the same messages in whatever pieces it comes, and the messages give the stream again.
+// A stream gives the same messages however it is split, and encoding the messages gives the stream again.
 
 #include <algorithm>
 #include <cstddef>
@@ -20,13 +20,13 @@ void require(bool holds) {
 }
 
 struct Reading {
-    std::string messages;   ///< as they would be sent again
+    std::string messages;   ///< encoded again
     std::size_t taken = 0;  ///< bytes up to the end of the last message
     bool broken = false;
     bool operator==(const Reading&) const = default;
 };
 
-// The stream in pieces, whose lengths the bytes of `lengths` tell, from the first on and over again.
+// Feeds the stream in pieces, whose lengths are the bytes of `lengths`, used in a circle.
 Reading read(std::span<const char> stream, std::span<const std::uint8_t> lengths) {
     MessageReader reader;
     Reading reading;
@@ -56,7 +56,7 @@ Reading read(std::span<const char> stream, std::span<const std::uint8_t> lengths
 
 }  // namespace
 
-// The first byte tells how many lengths of pieces follow it; the rest is the stream.
+// The first byte is the number of piece lengths that follow it; the rest is the stream.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span<const std::uint8_t> input(data, size);
     const std::size_t count = input.empty() ? 0 : std::min<std::size_t>(input[0], size - 1);

@@ -1,4 +1,4 @@
-// Whatever a property list file holds, it is read or refused, and in either case within 32 MiB of memory.
+// Any property list file is parsed or refused, with at most 32 MiB of memory.
 
 #include <sanitizer/allocator_interface.h>
 #include <sys/mman.h>
@@ -22,11 +22,11 @@ void require(bool holds) {
     }
 }
 
-constexpr std::size_t mostMemory = 32UL * 1024 * 1024;
+constexpr std::size_t maxMemory = 32UL * 1024 * 1024;
 std::size_t memoryAtStart = 0;  ///< 0 while nothing is being read
 
 void checkMemory(const volatile void* /*memory*/, std::size_t /*size*/) {
-    if (memoryAtStart != 0 && __sanitizer_get_current_allocated_bytes() > memoryAtStart + mostMemory) {
+    if (memoryAtStart != 0 && __sanitizer_get_current_allocated_bytes() > memoryAtStart + maxMemory) {
         memoryAtStart = 0;  // the report allocates, too
         std::abort();
     }
@@ -36,7 +36,7 @@ void ask(const PropertyList& list) {
     for (const char* key : {"AppleShowAllFiles", "CFBundleIdentifier", "k", ""}) {
         const auto text = list.text(key);
         const auto yes = list.boolean(key);
-        require(!text || yes);  // every text reads as one or the other
+        require(!text || yes);  // every string reads as a boolean
         require(list.text(key) == text && list.boolean(key) == yes);
     }
     require(!list.text("no such key") || list.boolean("no such key"));

@@ -101,10 +101,10 @@ TEST_F(ApplicationIcons, ArePlainFilesOfABoundedLength) {
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);  // not waited for
     EXPECT_EQ(icon(), "none");
     fs::remove(file);
-    writeSparseFile(file, ApplicationIcon::mostBytes + 1);
+    writeSparseFile(file, ApplicationIcon::maxBytes + 1);
     EXPECT_EQ(icon(), "none");
-    writeSparseFile(file, ApplicationIcon::mostBytes);
-    EXPECT_EQ(icon().size(), ApplicationIcon::mostBytes);
+    writeSparseFile(file, ApplicationIcon::maxBytes);
+    EXPECT_EQ(icon().size(), ApplicationIcon::maxBytes);
     writeFile(bundle_ / "Contents/Info.plist", listNaming("icon") + std::string(1024UL * 1024, ' '));
     EXPECT_EQ(icon(), "none") << "a list without end";
 }

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// What a file of settings holds, to the layouts that come of it, as "us ch(fr)".
+/// The contents of a settings file, and the layouts expected from it, as "us ch(fr)".
 using Examples = std::initializer_list<std::pair<std::string, const char*>>;
 
 class InputSources : public testing::Test {
@@ -51,8 +51,8 @@ protected:
         }
     }
 
-    // The languages of these sources in GNOME's settings, where they are not those expected. In a child process: GLib
-    // keeps where the settings are for the life of one.
+    // The languages of these sources in GNOME's settings; empty if they are as expected. In a child process: GLib
+    // caches where the settings are for the life of a process.
     [[nodiscard]] std::string otherThan(const std::string& expected, const std::string& sources) const {
         if (!fs::exists("/usr/share/glib-2.0/schemas/org.gnome.desktop.input-sources.gschema.xml")) {
             return cannotTry("the schema of the settings is not installed");
@@ -137,7 +137,7 @@ TEST_F(InputSources, AreTheMachinesWhereAFileOfTheDesktopIsNoPlainFile) {
     forEachHostileKind(machine_, [&](const std::string& kind) { EXPECT_EQ(layoutsOn(""), "") << kind; });
 }
 
-// The libraries that read these files ask the environment of the process where they are.
+// The libraries that read these files take their places from the environment of the process.
 TEST_F(InputSources, AreTheMachinesWhereALibraryWouldReadNoPlainFile) {
     writeFile(machine_, "XKBLAYOUT=ru\n");
     for (const char* file : {".config/xkb/rules/evdev.xml", ".xkb/rules/evdev.xml", ".config/dconf/user",

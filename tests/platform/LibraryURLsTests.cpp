@@ -120,7 +120,7 @@ TEST_F(LibraryURLsTest, DownloadsAreTheHomeFoldersWhereTheUsersDirectoriesAreNoP
         EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Downloads") << kind;
     });
     writeFile(home_ / "elsewhere", "XDG_DOWNLOAD_DIR=\"$HOME/Loads\"\n");
-    fs::create_symlink(home_ / "elsewhere", file);  // the user's own arrangement
+    fs::create_symlink(home_ / "elsewhere", file);  // as users move it to another disk
     EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Loads");
 }
 

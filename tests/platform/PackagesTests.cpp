@@ -27,7 +27,7 @@ std::string identifiedAs(const std::string& identifier) {
                  identifier + "</string></dict>");
 }
 
-// A dictionary of one key and one text in the binary form: three objects, the table of their places, the trailer.
+// A binary list of a dictionary with one key and one string: three objects, their offset table, the trailer.
 std::string identifiedInBinary(const std::string& identifier) {
     const auto text = [](const std::string& value) {
         return std::string("\x5f\x10") + static_cast<char>(value.size()) + value;
@@ -63,7 +63,7 @@ TEST(Packages, AreKnownByTheFileBrowsersMark) {
         information[place] = bits;
         return ::lsetxattr(bundle.c_str(), "user.com.apple.FinderInfo", information.data(), length, 0) == 0;
     };
-    if (!mark(32, 8, '\x5f')) {  // every mark but the one
+    if (!mark(32, 8, '\x5f')) {  // every flag but that one
         GTEST_SKIP() << "no extended attributes here: " << std::generic_category().message(errno);
     }
     EXPECT_FALSE(Packages::isPackage(bundle));
@@ -71,7 +71,7 @@ TEST(Packages, AreKnownByTheFileBrowsersMark) {
     EXPECT_FALSE(Packages::isPackage(bundle));
     ASSERT_TRUE(mark(31, 8, '\x20'));
     EXPECT_FALSE(Packages::isPackage(bundle));
-    ASSERT_TRUE(mark(32, 8, '\x64'));  // with other marks
+    ASSERT_TRUE(mark(32, 8, '\x64'));  // with other flags
     EXPECT_TRUE(Packages::isPackage(bundle));
     fs::create_directory_symlink("Some", folder / "link");
     EXPECT_FALSE(Packages::isPackage(folder / "link"));
@@ -79,7 +79,8 @@ TEST(Packages, AreKnownByTheFileBrowsersMark) {
 
 TEST(Packages, TellTheirIdentifierFromThreePlaces) {
     const TemporaryFolder folder;
-    for (const char* place : {"Resources/Info.plist", "Info.plist", "Contents/Info.plist"}) {  // the last comes first
+    for (const char* place :
+         {"Resources/Info.plist", "Info.plist", "Contents/Info.plist"}) {  // the last one has precedence
         for (const std::string identifier : {"com.vendor.editor", "com.vendor.an-editor-of-some-length"}) {
             writeFile(folder / "Some.app" / place, identifiedAs(identifier + ".xml"));
             EXPECT_EQ(Packages::bundleIdentifier(folder / "Some.app"), identifier + ".xml") << place;

@@ -21,7 +21,7 @@ class SectionRoots : public testing::Test {
 protected:
     SectionRoots() { fs::create_directories(home_ / "Library"); }
 
-    // What is said of a root folder that is a link.
+    // The answer for a root folder that is a symbolic link.
     RootRefusal refusalOfLinkTo(const fs::path& target, const fs::path& root = "Downloads") const {
         fs::remove(home_ / root);
         fs::create_directory_symlink(target, home_ / root);

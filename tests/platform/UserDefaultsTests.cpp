@@ -28,7 +28,7 @@ std::string contents(const fs::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// What the files beside the settings hold that were moved aside.
+// The contents of the damaged files that were renamed.
 std::vector<std::string> keptAside(const fs::path& file) {
     std::vector<std::string> kept;
     for (const auto& entry : fs::directory_iterator(file.parent_path())) {
@@ -113,7 +113,7 @@ TEST(UserDefaults, LeaveAnEmptyFileWhereItIs) {
     EXPECT_EQ(UserDefaults(folder / "defaults.ini").number(counter), 7U);
 }
 
-// Also where it was a plain file when the program began.
+// Also where it was a regular file when the program started.
 TEST(UserDefaults, NeitherWaitForWhatIsNoPlainFileNorReplaceIt) {
     const TemporaryFolder folder;
     const auto file = folder / "defaults.ini";

@@ -4,32 +4,32 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "files/FileDescriptor.h"
+
 namespace brimvault::platform {
 
 namespace {
 
-constexpr int readOnly = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;  // a pipe is not waited for
+constexpr int readOnly = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;  // does not block on a FIFO
 
-bool isShortFile(const struct stat& status, std::size_t mostBytes) {
-    return S_ISREG(status.st_mode) && static_cast<std::size_t>(status.st_size) <= mostBytes;
+bool isShortFile(const struct stat& status, std::size_t maxBytes) {
+    return S_ISREG(status.st_mode) && static_cast<std::size_t>(status.st_size) <= maxBytes;
 }
 
-// Closes the descriptor, which may be one that could not be opened.
-std::optional<std::string> take(int descriptor, std::size_t mostBytes) {
-    if (descriptor < 0) {
+std::optional<std::string> readWhole(const files::FileDescriptor& file, std::size_t maxBytes) {
+    if (!file.isOpen()) {
         return std::nullopt;
     }
     struct stat status {};
-    bool good = ::fstat(descriptor, &status) == 0 && isShortFile(status, mostBytes);
+    bool good = ::fstat(file.number(), &status) == 0 && isShortFile(status, maxBytes);
     std::string contents(good ? static_cast<std::size_t>(status.st_size) + 1 : 0, '\0');
     std::size_t length = 0;
     for (ssize_t got = 1; good && got > 0 && length < contents.size();) {
-        got = ::read(descriptor, contents.data() + length, contents.size() - length);
+        got = ::read(file.number(), contents.data() + length, contents.size() - length);
         good = got >= 0;
         length += good ? static_cast<std::size_t>(got) : 0;
     }
-    ::close(descriptor);
-    good = good && length < contents.size();  // else it grows under the hand
+    good = good && length < contents.size();  // else it has grown meanwhile
     contents.resize(length);
     return good ? std::optional(std::move(contents)) : std::nullopt;
 }
@@ -37,17 +37,17 @@ std::optional<std::string> take(int descriptor, std::size_t mostBytes) {
 }  // namespace
 
 std::optional<std::string> FileContents::read(const files::DirectoryHandle& folder, const char* name,
-                                              std::size_t mostBytes) {
-    return take(::openat(folder.descriptor(), name, readOnly | O_NOFOLLOW), mostBytes);
+                                              std::size_t maxBytes) {
+    return readWhole(files::FileDescriptor(::openat(folder.descriptor(), name, readOnly | O_NOFOLLOW)), maxBytes);
 }
 
-std::optional<std::string> FileContents::read(const std::filesystem::path& file, std::size_t mostBytes) {
-    return take(::open(file.c_str(), readOnly), mostBytes);
+std::optional<std::string> FileContents::read(const std::filesystem::path& file, std::size_t maxBytes) {
+    return readWhole(files::FileDescriptor(::open(file.c_str(), readOnly)), maxBytes);
 }
 
-bool FileContents::isHarmless(const std::filesystem::path& file, std::size_t mostBytes) {
+bool FileContents::isHarmless(const std::filesystem::path& file, std::size_t maxBytes) {
     struct stat status {};
-    return ::stat(file.c_str(), &status) != 0 || isShortFile(status, mostBytes);
+    return ::stat(file.c_str(), &status) != 0 || isShortFile(status, maxBytes);
 }
 
 }  // namespace brimvault::platform

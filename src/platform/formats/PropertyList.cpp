@@ -13,15 +13,15 @@ namespace brimvault::platform {
 
 namespace {
 
-constexpr std::size_t largestFile = 1024UL * 1024;  // what people and applications write is a few KiB
+constexpr std::size_t maxFileBytes = 1024UL * 1024;  // people and applications write a few KiB
 
-// Up to a zero byte, where there is one: the library's call that copies a text ends the program over it.
+// Up to the first NUL: plist_get_string_val aborts over a string that holds one.
 std::string textOf(plist_t value) {
     const char* text = plist_get_string_ptr(value, nullptr);
     return text == nullptr ? std::string() : std::string(text);
 }
 
-// Null where the contents are not of the oldest form, of which the library knows nothing.
+// Parses the old text form, which libplist does not know. Null where the contents are not of that form.
 plist_t dictionaryOfTexts(const std::string& contents) {
     const auto texts = textsOfPropertyListText(contents);
     plist_t dictionary = texts ? plist_new_dict() : nullptr;
@@ -32,7 +32,7 @@ plist_t dictionaryOfTexts(const std::string& contents) {
     return dictionary;
 }
 
-bool beginsAsYes(const char* text) {
+bool beginsAsTrue(const char* text) {
     while (std::isspace(static_cast<unsigned char>(*text)) != 0) {
         ++text;
     }
@@ -49,11 +49,11 @@ bool beginsAsYes(const char* text) {
 void PropertyList::Free::operator()(void* node) const { plist_free(node); }
 
 std::optional<PropertyList> PropertyList::read(const std::filesystem::path& file) {
-    return of(FileContents::read(file, largestFile));
+    return of(FileContents::read(file, maxFileBytes));
 }
 
 std::optional<PropertyList> PropertyList::read(const files::DirectoryHandle& folder, const char* name) {
-    return of(FileContents::read(folder, name, largestFile));
+    return of(FileContents::read(folder, name, maxFileBytes));
 }
 
 std::optional<PropertyList> PropertyList::of(const std::optional<std::string>& contents) {
@@ -94,7 +94,7 @@ std::optional<bool> PropertyList::boolean(const std::string& key) const {
             return answer != 0;
         }
         case PLIST_STRING:
-            return beginsAsYes(textOf(value).c_str());
+            return beginsAsTrue(textOf(value).c_str());
         default:
             return std::nullopt;
     }

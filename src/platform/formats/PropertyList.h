@@ -9,19 +9,19 @@
 
 namespace brimvault::platform {
 
-/// A property list file in XML or binary form whose outermost value is a dictionary, or, of its texts alone, one in the
-/// oldest form (`{ key = value; }`). Any thread; not to be used by two at once.
+/// A property list whose root is a dictionary: in XML or binary form, or in the old text form (`{ key = value; }`), of
+/// which only the strings are read. Any thread, one at a time.
 class PropertyList {
 public:
-    /// None for a file that is missing, no plain file, damaged, larger than 1 MiB, or no dictionary.
+    /// None for a file that is missing, no regular file, damaged, larger than 1 MiB, or whose root is no dictionary.
     [[nodiscard]] static std::optional<PropertyList> read(const std::filesystem::path& file);
-    /// The same of a name in an open folder; none where it is a link.
+    /// The same for a name in an open folder; none where it is a symbolic link.
     [[nodiscard]] static std::optional<PropertyList> read(const files::DirectoryHandle& folder, const char* name);
 
-    /// A boolean, a number (0 is NO), or a text that begins as a yes does: with Y, T, or a number other than 0, as the
-    /// platform reads what users have set by hand. None without such a value.
+    /// The value as a boolean: a boolean, a number (0 is false), or a string, which is true if it begins with Y, T or a
+    /// number other than 0, as macOS reads what users have set by hand. None without such a value.
     [[nodiscard]] std::optional<bool> boolean(const std::string& key) const;
-    /// A text, in UTF-8. None where the value is missing or of another kind.
+    /// A string, in UTF-8. None where the value is missing or of another type.
     [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
 
 private:

@@ -9,12 +9,11 @@ namespace brimvault::platform {
 
 namespace {
 
-constexpr std::size_t mostXmlElements =
-    40'000;  // were each inside the one before, the library's stack still holds them
+constexpr std::size_t maxXmlElements = 40'000;  // even all nested, they fit on the stack that libplist recurses on
 
-// Looks over a binary list without building anything. The form: objects, then a table of their offsets, then a trailer
-// of 32 bytes with the widths of an offset and of a reference, the number of objects, the outermost one, and where the
-// table is. An object's first byte holds its kind and a count; all numbers have their highest byte first.
+// Walks a binary property list without building anything. The format: objects, then a table of their offsets, then a
+// trailer of 32 bytes with the widths of an offset and of a reference, the number of objects, the index of the root,
+// and the offset of the table. An object's first byte holds its type and a count; all numbers are big-endian.
 class BinaryListCheck {
 public:
     explicit BinaryListCheck(const std::string& contents) : contents_(contents) {}
@@ -35,7 +34,7 @@ public:
         for (std::size_t seen = 0; !open.empty(); ++seen) {
             const Place place = open.back();
             open.pop_back();
-            if (seen > mostObjects || place.depth > deepest || !openObject(place, open)) {
+            if (seen > maxObjects || place.depth > maxDepth || !openObject(place, open)) {
                 return false;
             }
         }
@@ -48,12 +47,11 @@ private:
         int depth;
     };
     static constexpr std::size_t trailerSize = 32;
-    static constexpr std::size_t mostObjects = 100'000;  // as often as they are referred to
-    static constexpr int deepest = 200;
-    static constexpr std::uint64_t mostValueBytes =
-        8ULL * 1024 * 1024;  // several times what a whole file can hold once
+    static constexpr std::size_t maxObjects = 100'000;  // each counts as often as it is referenced
+    static constexpr int maxDepth = 200;
+    static constexpr std::uint64_t maxValueBytes = 8ULL * 1024 * 1024;  // several times the size of a whole file
 
-    // Beyond the end everything is as large as can be, and nothing that large is in the file.
+    // Big-endian. Out of bounds it is the maximum of the type, which no valid offset or index reaches.
     [[nodiscard]] std::uint64_t number(std::uint64_t at, std::uint64_t width) const {
         if (at > contents_.size() || width > contents_.size() - at) {
             return std::numeric_limits<std::uint64_t>::max();
@@ -65,17 +63,17 @@ private:
         return value;
     }
 
-    // What is no container is copied as often as it is referred to.
+    // libplist copies a value as often as it is referenced.
     bool takeValue(std::uint64_t kind, std::uint64_t length) {
         constexpr std::uint64_t bytes = 0x4;
         constexpr std::uint64_t wideText = 0x6;
         if (kind >= bytes && kind <= wideText) {
             valueBytes_ += length * (kind == wideText ? 2 : 1);
         }
-        return valueBytes_ <= mostValueBytes;
+        return valueBytes_ <= maxValueBytes;
     }
 
-    // Adds what the object refers to.
+    // Pushes the objects that this one references.
     bool openObject(const Place& place, std::vector<Place>& open) {
         if (place.object >= count_ || place.object > contents_.size()) {
             return false;
@@ -91,7 +89,7 @@ private:
         constexpr std::uint64_t dictionary = 0xD;
         std::uint64_t length = marker & 0xFU;
         std::uint64_t first = at + 1;
-        if (length == 0xFU) {  // the count stands in a number of its own
+        if (length == 0xFU) {  // the count is a separate integer object
             const std::uint64_t width = std::uint64_t{1} << (number(at + 1, 1) & 0xFU);
             length = width > 8 ? contents_.size() : number(at + 2, width);
             first = at + 2 + width;
@@ -101,7 +99,7 @@ private:
             return takeValue(kind, length);
         }
         const std::uint64_t references = length * (kind == dictionary ? 2 : 1);
-        if (references > mostObjects || open.size() + references > mostObjects) {
+        if (references > maxObjects || open.size() + references > maxObjects) {
             return false;
         }
         for (std::uint64_t index = 0; index < references; ++index) {
@@ -125,7 +123,7 @@ bool isHarmlessXmlPropertyList(const std::string& contents) {
     for (std::size_t at = contents.find('<'); at != std::string::npos; at = contents.find('<', at + 1)) {
         elements += contents.compare(at, 2, "</") == 0 ? 0 : 1;
     }
-    return elements <= mostXmlElements;
+    return elements <= maxXmlElements;
 }
 
 bool isHarmlessBinaryPropertyList(const std::string& contents) { return BinaryListCheck(contents).isHarmless(); }

@@ -4,9 +4,8 @@
 
 namespace brimvault::platform {
 
-/// Whether the contents of a property list file can be given to the library that reads such files. It builds the whole
-/// tree and takes it down again by calls within calls, and copies what is referred to twice: a small file can say so
-/// much, or nest so deep, that memory or the stack is used up. Any thread.
+/// Whether libplist can parse the contents safely. It recurses over the tree and expands shared references, so a small
+/// file can exhaust the stack (nesting) or memory (billion laughs). Any thread.
 [[nodiscard]] bool isHarmlessXmlPropertyList(const std::string& contents);
 [[nodiscard]] bool isHarmlessBinaryPropertyList(const std::string& contents);
 

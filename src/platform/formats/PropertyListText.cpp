@@ -9,21 +9,21 @@ namespace brimvault::platform {
 
 namespace {
 
-constexpr std::size_t mostKeys = 1000;
-constexpr char32_t notACharacter = 0xFFFD;
+constexpr std::size_t maxKeys = 1000;
+constexpr char32_t replacementCharacter = 0xFFFD;
 
 bool isSpace(char letter) { return std::isspace(static_cast<unsigned char>(letter)) != 0; }
 
-// What a text without quotation marks is made of.
+// The characters of an unquoted string.
 bool isPlain(char letter) {
     return std::isalnum(static_cast<unsigned char>(letter)) != 0 ||
            (letter != '\0' && std::string_view("_.$/:-").find(letter) != std::string_view::npos);
 }
 
-// The value of as many digits as there are, up to a number of them.
-std::optional<char32_t> digits(const std::string& contents, std::size_t& place, char32_t base, int most) {
+// Parses up to `maxCount` digits.
+std::optional<char32_t> digits(const std::string& contents, std::size_t& place, char32_t base, int maxCount) {
     std::optional<char32_t> value;
-    for (int count = 0; count < most && place < contents.size(); ++count, ++place) {
+    for (int count = 0; count < maxCount && place < contents.size(); ++count, ++place) {
         const auto letter = static_cast<unsigned char>(contents[place]);
         if (std::isxdigit(letter) == 0) {
             break;
@@ -37,10 +37,10 @@ std::optional<char32_t> digits(const std::string& contents, std::size_t& place, 
     return value;
 }
 
-// A character of up to sixteen bits; half of one beyond them is none.
+// For a UTF-16 code unit; a surrogate becomes U+FFFD.
 void appendUtf8(std::string& text, char32_t character) {
     if (character == 0 || (character >= 0xD800 && character <= 0xDFFF)) {
-        character = notACharacter;
+        character = replacementCharacter;
     }
     if (character < 0x80) {
         text += static_cast<char>(character);
@@ -54,23 +54,23 @@ void appendUtf8(std::string& text, char32_t character) {
     }
 }
 
-// Goes over the contents once and never calls itself, so that neither length nor depth can use anything up.
-class Reader {
+// One pass without recursion, so that deep nesting cannot exhaust the stack.
+class Parser {
 public:
-    explicit Reader(const std::string& contents) : contents_(contents) {}
+    explicit Parser(const std::string& contents) : contents_(contents) {}
 
-    [[nodiscard]] std::optional<std::vector<std::pair<std::string, std::string>>> read() {
+    [[nodiscard]] std::optional<std::vector<std::pair<std::string, std::string>>> parse() {
         std::vector<std::pair<std::string, std::string>> found;
         if (!take('{')) {
             return std::nullopt;
         }
         while (!take('}')) {
             auto key = text();
-            if (!key || !take('=') || found.size() == mostKeys) {
+            if (!key || !take('=') || found.size() == maxKeys) {
                 return std::nullopt;
             }
             auto value = text();
-            if (!value && !passOver()) {
+            if (!value && !skipValue()) {
                 return std::nullopt;
             }
             if (value) {
@@ -84,10 +84,10 @@ public:
     }
 
 private:
-    // Zero at the end; what stands there otherwise is no part of the form.
+    // NUL at the end; elsewhere a NUL is no valid character.
     [[nodiscard]] char here() const { return place_ < contents_.size() ? contents_[place_] : '\0'; }
 
-    // Past spaces and remarks.
+    // Skips whitespace and comments.
     char next() {
         for (;;) {
             while (place_ < contents_.size() && isSpace(contents_[place_])) {
@@ -142,7 +142,7 @@ private:
     void appendEscaped(std::string& value) {
         if (here() == 'U' || here() == 'u') {
             ++place_;
-            appendUtf8(value, digits(contents_, place_, 16, 4).value_or(notACharacter));
+            appendUtf8(value, digits(contents_, place_, 16, 4).value_or(replacementCharacter));
         } else if (const auto octal = digits(contents_, place_, 8, 3)) {
             appendUtf8(value, *octal);
         } else if (place_ < contents_.size()) {
@@ -151,8 +151,8 @@ private:
         }
     }
 
-    // A dictionary, an array or data: all that matters is where it ends.
-    bool passOver() {
+    // Skips a dictionary, an array or data by its brackets.
+    bool skipValue() {
         std::size_t open = 0;
         do {
             const char letter = next();
@@ -180,7 +180,7 @@ private:
 }  // namespace
 
 std::optional<std::vector<std::pair<std::string, std::string>>> textsOfPropertyListText(const std::string& contents) {
-    return Reader(contents).read();
+    return Parser(contents).parse();
 }
 
 }  // namespace brimvault::platform

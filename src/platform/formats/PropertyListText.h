@@ -7,9 +7,9 @@
 
 namespace brimvault::platform {
 
-/// The texts of a property list in the oldest of its forms, `{ key = value; ... }`, which some applications still
-/// carry: the outermost dictionary's keys and values, in UTF-8, as far as a value is a text; what else it holds is
-/// passed over. None where the contents are not of this form, or have more than a thousand keys. Any thread.
+/// Parses a property list in the old text form, `{ key = value; ... }`, which some applications still have: the keys
+/// and strings of the root dictionary, in UTF-8; values of other types are skipped. None where the contents are not of
+/// this form, or have more than a thousand keys. Any thread.
 [[nodiscard]] std::optional<std::vector<std::pair<std::string, std::string>>> textsOfPropertyListText(
     const std::string& contents);
 

@@ -65,7 +65,7 @@ std::optional<std::string> SettingsText::value(std::string_view group, std::stri
     return found == values->second.end() ? std::nullopt : std::optional(found->second);
 }
 
-// In the place of the line that counts, else behind the last line of the group, else in a group of its own at the end.
+// Replaces the line that counts, else adds one behind the last line of the group, else adds the group at the end.
 void SettingsText::setValue(std::string_view group, std::string_view key, std::string_view value) {
     groups_[std::string(group)].insert_or_assign(std::string(key), std::string(value));
     std::string line = std::string(key).append("=").append(value);

@@ -9,8 +9,8 @@
 
 namespace brimvault::platform {
 
-/// A text of settings as desktops write them: lines "[group]" and "key=value", and comments. Reading and changing are
-/// done in memory, so that the file can be read as carefully as any other. What is not changed stays as it is.
+/// A settings file in INI format: lines "[group]" and "key=value", and comments. Parses and edits in memory;
+/// FileContents reads the file. What is not changed stays byte for byte.
 class SettingsText {
 public:
     using Values = std::map<std::string, std::string, std::less<>>;
@@ -18,14 +18,14 @@ public:
     SettingsText() = default;
     explicit SettingsText(std::string_view text);
 
-    /// Every line was one of settings.
+    /// Every line could be parsed.
     [[nodiscard]] bool isUnderstood() const { return isUnderstood_; }
-    /// By the names of their groups; what stands before the first group is in one without a name. Where a key is given
-    /// twice, the later value counts.
+    /// By name; what stands before the first group is in a group with an empty name. Of two values for a key the later
+    /// counts.
     [[nodiscard]] const std::map<std::string, Values, std::less<>>& groups() const { return groups_; }
     [[nodiscard]] std::optional<std::string> value(std::string_view group, std::string_view key) const;
 
-    /// Neither of the texts holds what a line or a key ends with.
+    /// Precondition: no line break in any of these, and no "=" in the key.
     void setValue(std::string_view group, std::string_view key, std::string_view value);
     [[nodiscard]] std::string text() const;
 

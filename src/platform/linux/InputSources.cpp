@@ -23,15 +23,15 @@ namespace {
 
 using Registry = std::unique_ptr<rxkb_context, decltype(&rxkb_context_unref)>;
 
-constexpr std::size_t largestFile = 4UL * 1024 * 1024;  // the machine's own are a tenth of it
+constexpr std::size_t maxFileBytes = 4UL * 1024 * 1024;  // ten times the size of the installed files
 
-// The registry reads rules of the user's own by itself, and would wait for a pipe in the place of one.
+// libxkbregistry opens the user's own rules by itself, and would block on a FIFO in their place.
 bool hasHarmlessRules() {
     const std::filesystem::path home = system().environmentVariable("HOME");
     const std::filesystem::path configuration = system().environmentVariable("XDG_CONFIG_HOME");
     const std::filesystem::path folders[] = {configuration / "xkb", home / ".config/xkb", home / ".xkb"};
     return std::all_of(std::begin(folders), std::end(folders), [](const auto& folder) {
-        return FileContents::isHarmless(folder / "rules/evdev.xml", largestFile);
+        return FileContents::isHarmless(folder / "rules/evdev.xml", maxFileBytes);
     });
 }
 
@@ -42,7 +42,7 @@ Registry loadRegistry() {
     if (registry && !all) {
         (void)rxkb_context_include_path_append(registry.get(), "/usr/share/X11/xkb");
     }
-    constexpr const char* rules = "evdev";  // those of every keyboard that Linux drives
+    constexpr const char* rules = "evdev";  // the rules for all keyboards on Linux
     if (registry && !rxkb_context_parse(registry.get(), rules)) {
         registry.reset();
     }
@@ -71,11 +71,11 @@ QString languageSpokenIn(const QString& country) {
     return U_SUCCESS(status) ? QString::fromLatin1(spoken.getLanguage()) : QString();
 }
 
-// Registries name languages by three letters and in no order that says which is meant first.
+// The registry names languages by ISO 639-2 codes, and not the main one first.
 QString languageOf(rxkb_layout* layout) {
     const QString country = countryOf(layout);
     const QString spoken = languageSpokenIn(country);
-    // What a panel shows for the layout is its language's code where the list has only a smaller one (Taiwan's).
+    // The brief name of a layout is the code of its main language where the list lacks that one (Taiwan's).
     const char* brief = rxkb_layout_get_brief(layout);
     QString language = !spoken.isEmpty() && spoken == QLatin1String(brief) ? spoken : QString();
     for (auto* code = rxkb_layout_get_iso639_first(layout); code != nullptr; code = rxkb_iso639_code_next(code)) {
@@ -86,7 +86,8 @@ QString languageOf(rxkb_layout* layout) {
             language = named;
         }
     }
-    // Countries tell Portuguese and Chinese of two kinds apart; those of other languages say no more than a keyboard.
+    // The country tells the two kinds of Portuguese and of Chinese apart; for other languages it means only the
+    // keyboard.
     const bool ofTwoKinds = language == QLatin1String("zh") || language == QLatin1String("pt");
     return LocaleIdentifiers::canonicalLocaleIdentifierFromString(
         ofTwoKinds && !country.isEmpty() ? language + QLatin1Char('-') + country : language);
@@ -102,9 +103,9 @@ QStringList languagesOf(const std::vector<KeyboardLayout>& layouts) {
     return languages;
 }
 
-// An installed input method is described by a file with an element "engine" for each, its "name" and "language" in it.
+// Each input method is described by an element "engine" with a "name" and a "language".
 void readEngines(const std::filesystem::path& path, QHash<QString, QString>& languageOfEngine) {
-    const auto contents = FileContents::read(path, largestFile);
+    const auto contents = FileContents::read(path, maxFileBytes);
     QXmlStreamReader reader(QByteArray::fromStdString(contents.value_or(std::string())));
     QString name;
     QString language;
@@ -113,7 +114,7 @@ void readEngines(const std::filesystem::path& path, QHash<QString, QString>& lan
         if (token == QXmlStreamReader::EndElement && reader.name() == QLatin1String("engine")) {
             languageOfEngine.insert(name, language);
         } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("engine")) {
-            name.clear();  // that of what holds it
+            name.clear();  // of the enclosing element
             language.clear();
         } else if (token == QXmlStreamReader::StartElement && reader.name() == QLatin1String("name")) {
             name = reader.readElementText(QXmlStreamReader::SkipChildElements);

@@ -12,14 +12,14 @@ struct KeyboardLayout {
     bool operator==(const KeyboardLayout&) const = default;
 };
 
-/// With what the user types.
+/// What the user types with.
 struct InputSettings {
     std::vector<KeyboardLayout> layouts;
-    std::vector<std::string> engines;  ///< names of input methods, for languages that no keyboard holds
+    std::vector<std::string> engines;  ///< names of input methods, for scripts with more characters than a keyboard
 };
 
-/// What the user has enabled in the settings of the desktop that runs; where it keeps no layouts, those of the machine.
-/// Empty without either. Reads files; any thread.
+/// What the user has enabled in the settings of the running desktop; the layouts of the machine as a fallback. Empty
+/// without either. Reads files; any thread.
 [[nodiscard]] InputSettings enabledInputSettings();
 
 }  // namespace brimvault::platform

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder of the XDG base directories: the variable's where it holds an absolute path, else the default below home.
+// An XDG base directory: the variable's value if that is an absolute path, else the default below the home folder.
 fs::path baseFolder(const char* variable, const char* defaultName) {
     const fs::path named = system().environmentVariable(variable);
     return named.is_absolute() ? named : homeFolder() / defaultName;
@@ -28,13 +28,13 @@ bool holds(const fs::path& folder, const fs::path& inner) {
     return end == folder.end();
 }
 
-// Without a slash at its end.
+// Normalised, without a trailing slash.
 fs::path plain(const fs::path& named) {
     const auto normal = named.lexically_normal();
     return normal.has_filename() ? normal : normal.parent_path();
 }
 
-// The folder with its links resolved, as far as it is there; none where emptying it would empty the home folder.
+// The folder with symbolic links resolved, as far as it exists; none where emptying it would empty the home folder.
 std::optional<fs::path> standardFolder(const fs::path& named) {
     std::error_code unresolved;
     auto folder = fs::canonical(named, unresolved);
@@ -48,8 +48,8 @@ std::optional<fs::path> standardFolder(const fs::path& named) {
     return folder;
 }
 
-// The value of a line `KEY="$HOME/Downloads"`: a quoted absolute path, or one below $HOME, with a
-// backslash before any of "$`\ in it (the format that xdg-user-dirs documents in the file itself).
+// Parses a line `KEY="$HOME/Downloads"`: a quoted absolute path, or one below $HOME, with a backslash before any of
+// "$`\ in it (the format that xdg-user-dirs documents in the file itself).
 std::optional<fs::path> userDirectory(std::string_view line, std::string_view key) {
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     if (!line.starts_with(key) || !line.substr(key.size()).starts_with("=\"")) {
@@ -62,7 +62,7 @@ std::optional<fs::path> userDirectory(std::string_view line, std::string_view ke
         start = homeFolder();
         line.remove_prefix(home.size());
         if (!line.empty() && line.front() != '/' && line.front() != '"') {
-            return std::nullopt;  // another variable, whose name begins alike
+            return std::nullopt;  // another variable, such as $HOMEPAGE
         }
     }
     std::string rest;
@@ -76,8 +76,7 @@ std::optional<fs::path> userDirectory(std::string_view line, std::string_view ke
     return fs::path(start.string() + rest);
 }
 
-// What the user's directories name under the key, the last line counting; else the folder of that name in the home
-// folder.
+// The folder that user-dirs.dirs has for the key, where the last line counts; else the default below the home folder.
 fs::path userFolder(std::string_view key, const char* defaultName) {
     constexpr std::size_t maxBytes = 1024UL * 1024;  // the desktop writes a dozen lines
     fs::path folder = homeFolder() / defaultName;
@@ -116,7 +115,7 @@ std::vector<fs::path> LibraryURLs::namedUserFolders() {
     std::vector<fs::path> named;
     for (const auto& [key, name] : folders) {
         if (auto folder = userFolder(key, name);
-            folder != homeFolder()) {  // naming the home folder is the way to have none
+            folder != homeFolder()) {  // the home folder means that the user has disabled it
             named.push_back(std::move(folder));
         }
     }
@@ -125,7 +124,7 @@ std::vector<fs::path> LibraryURLs::namedUserFolders() {
 
 std::optional<fs::path> LibraryURLs::getCachesFolderURL() { return standardFolder(namedCachesFolder()); }
 
-// Naming the home folder is the way to have no such folder.
+// The home folder means that the user has disabled it: standardFolder() answers none.
 std::optional<fs::path> LibraryURLs::getDownloadsFolderURL() { return standardFolder(namedDownloadsFolder()); }
 
 std::optional<fs::path> LibraryURLs::getTrashFolderURL() { return standardFolder(namedTrashFolder()); }

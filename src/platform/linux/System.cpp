@@ -10,12 +10,13 @@ namespace brimvault::platform {
 
 namespace {
 
-constexpr std::size_t firstBufferSize = 1024;
-constexpr std::size_t lastBufferSize = 1024UL * 1024;  // a record larger than this is no record
+constexpr std::size_t initialBufferSize = 1024;
+constexpr std::size_t maxBufferSize = 1024UL * 1024;  // a larger record is treated as missing
 
-// Calls with the record of the user who runs the process; false when the database has none.
+// Calls back with the database record of the user who runs the process; false when there is none.
 bool withUserRecord(const std::function<void(const passwd&)>& call) {
-    for (std::vector<char> buffer(firstBufferSize); buffer.size() <= lastBufferSize; buffer.resize(buffer.size() * 2)) {
+    for (std::vector<char> buffer(initialBufferSize); buffer.size() <= maxBufferSize;
+         buffer.resize(buffer.size() * 2)) {
         passwd record{};
         passwd* found = nullptr;
         const int code = ::getpwuid_r(::getuid(), &record, buffer.data(), buffer.size(), &found);

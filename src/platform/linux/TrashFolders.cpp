@@ -8,8 +8,8 @@
 #include "files/NodeStatus.h"
 #include "platform/LibraryURLs.h"
 
-// The layout is that of freedesktop.org's Trash, version 1.0: items in "files", and for each a record
-// "info/NAME.trashinfo". resources/TrashScan says where such folders lie.
+// The freedesktop.org Trash specification, version 1.0: items in "files", and for each a record "info/NAME.trashinfo".
+// resources/TrashScan finds these folders.
 
 namespace brimvault::platform {
 

@@ -25,7 +25,7 @@ struct IconPicture {
 /// that costs little to decode. Drawings (SVG) and photographs (JPEG) can take any time, and are no icons. Any thread.
 class IconFile {
 public:
-    static constexpr qsizetype mostBytes = platform::ApplicationIcon::mostBytes;
+    static constexpr qsizetype mostBytes = platform::ApplicationIcon::maxBytes;
     /// In pixels: twice the largest icons there are. Larger ones are none, and would cost more than they show.
     static constexpr int largestSide = 2048;
 

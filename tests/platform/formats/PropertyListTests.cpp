@@ -43,7 +43,7 @@ std::string bigEndian(std::uint64_t value, int width) {
     return bytes;
 }
 
-// The objects, the first of them outermost, with references of two bytes.
+// A binary list of these objects, the first is the root; references have two bytes.
 std::string listOf(const std::vector<std::string>& objects) {
     std::string file = "bplist00";
     std::string offsets;
@@ -55,7 +55,7 @@ std::string listOf(const std::vector<std::string>& objects) {
            bigEndian(file.size(), 8);
 }
 
-// A dictionary whose one value is an array that holds one text again and again.
+// A dictionary whose only value is an array with many references to one string.
 std::string repeated(int times, const std::string& text) {
     std::string array = "\xaf\x11" + bigEndian(static_cast<std::uint64_t>(times), 2);
     for (int reference = 0; reference < times; ++reference) {
@@ -65,7 +65,7 @@ std::string repeated(int times, const std::string& text) {
         {"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x51k", array, "\x5f\x12" + bigEndian(text.size(), 4) + text});
 }
 
-// A dictionary whose one value is the first of a chain of arrays, each with so many references to the next.
+// A dictionary whose only value is the first of a chain of arrays, each with so many references to the next.
 std::string chainOfArrays(int length, int references) {
     std::vector<std::string> objects = {"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), "\x51k"};
     for (int array = 0; array < length; ++array) {

@@ -1,8 +1,8 @@
-// The program allocates memory with jemalloc: with very many items, the C library's own allocator keeps what a scan has
-// freed, and giving that back holds up for tens of milliseconds whoever allocates meanwhile, the main thread among
-// them. Here threads seldom meet, and one of the library's own gives back what has been free for a fifth of a second;
-// so few arenas that the next scan finds there what the last has freed.
+// The program allocates with jemalloc. After a scan of very many items glibc's malloc keeps the freed memory, and
+// malloc_trim blocks every thread that allocates meanwhile, the main thread too, for tens of milliseconds. jemalloc has
+// an arena for few threads, so they seldom contend, and a background thread that purges what has been free for 200 ms.
+// There are only four arenas, so that the next scan reuses what the last one freed.
 //
-// The library looks for this name when it starts: https://jemalloc.net/jemalloc.3.html, "TUNING".
+// jemalloc reads this variable when it starts: https://jemalloc.net/jemalloc.3.html, "TUNING".
 extern "C" const char* malloc_conf;
 const char* malloc_conf = "background_thread:true,narenas:4,dirty_decay_ms:200,muzzy_decay_ms:0";
