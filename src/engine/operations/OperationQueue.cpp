@@ -7,7 +7,7 @@
 #include <system_error>
 #include <thread>
 
-#include "files/walk/BackgroundThread.h"
+#include "files/walk/ThreadPriority.h"
 
 // An operation waits in `waiting_` until its dependencies have finished and the limit allows, then runs in `running_`.
 // It leaves the queue before it is marked finished, so that a thread that waited for it does not find it on the queue.
@@ -162,7 +162,7 @@ Operations OperationQueue::Work::takeReady() {
 void OperationQueue::Work::start(const std::shared_ptr<Operation>& operation) {
     try {
         std::thread([self = shared_from_this(), operation = operation]() mutable {
-            files::standBack();
+            files::lowerThreadPriority();
             self->runToEnd(std::move(operation));
         }).detach();
     } catch (const std::system_error&) {

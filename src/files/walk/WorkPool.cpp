@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "files/walk/BackgroundThread.h"
+#include "files/walk/ThreadPriority.h"
 
 namespace brimvault::files {
 
@@ -111,7 +111,7 @@ void WorkPool::startThreads() {
 }
 
 void WorkPool::helpForEver() {
-    standBack();
+    lowerThreadPriority();
     std::unique_lock lock(mutex_);
     for (std::size_t inVain = 0;;) {
         offered_.wait(lock, [this] { return !offers_.empty(); });

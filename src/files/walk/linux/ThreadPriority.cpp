@@ -1,4 +1,4 @@
-#include "files/walk/BackgroundThread.h"
+#include "files/walk/ThreadPriority.h"
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -7,12 +7,12 @@ namespace brimvault::files {
 
 namespace {
 
-constexpr int niceness = 5;  // a third of the share that a thread with the usual 0 is given
+constexpr int niceness = 5;  // a third of the CPU time that a thread with the default of 0 gets
 
 }  // namespace
 
 // On Linux each thread has a niceness of its own, whatever POSIX says of processes.
-void standBack() {
+void lowerThreadPriority() {
     const auto thread = static_cast<id_t>(::gettid());
     if (::getpriority(PRIO_PROCESS, thread) < niceness) {
         (void)::setpriority(PRIO_PROCESS, thread, niceness);
