@@ -1,8 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <exception>
 #include <functional>
@@ -16,86 +14,96 @@
 
 namespace brimvault::files {
 
-/// Answers that one thread takes in order, and that whoever of the pool has time works out ahead of it. One that is
-/// waited for while another thread is at it leaves time for those after it.
+/// An ordered parallel map: one thread, the owner, consumes the results in order while pool threads compute ahead of
+/// it. Where the owner needs a result that another thread is computing, it computes later ones meanwhile.
 ///
-/// `answer` is called once for each number below `count`, by several threads at once; where it throws, it
-/// is called again by the thread that takes the answer. After a stop no helper begins another.
-template <typename Answer>
+/// `compute` is called once for each number below `count`, by several threads at once; where it throws, the owner calls
+/// it again in `take`. After a stop no helper begins another.
+template <typename Value>
 class AheadOf final : public SharedWork {
 public:
-    AheadOf(std::size_t count, std::stop_token stop, std::function<Answer(std::size_t)> answer)
-        : stop_(std::move(stop)), answer_(std::move(answer)), answers_(count) {
-        if (count >= fewestWorthHelp) {
+    AheadOf(std::size_t count, std::stop_token stop, std::function<Value(std::size_t)> compute)
+        : stop_(std::move(stop)), compute_(std::move(compute)), results_(count) {
+        if (count >= minShared) {
             WorkPool::shared().offer(*this);
         }
     }
     AheadOf(const AheadOf&) = delete;
     AheadOf& operator=(const AheadOf&) = delete;
     ~AheadOf() override {
-        next_.store(answers_.size(), std::memory_order_relaxed);  // what was not taken is not wanted
+        next_.store(results_.size(), std::memory_order_relaxed);  // results that were not taken are not wanted
         WorkPool::shared().withdraw(*this);
     }
 
-    /// The numbers are given in order, each once. One thread.
-    Answer take(std::size_t number) {
+    /// The numbers are given in order, each once. The owner.
+    Value take(std::size_t number) {
         for (;;) {
-            if (auto known = takeKnown(number)) {
-                return known->answer ? std::move(*known->answer) : answer_(number);
+            if (auto result = takeIfKnown(number)) {
+                return result->value ? std::move(*result->value) : compute_(number);
             }
-            if (!workOutNext() && !WorkPool::shared().helpFellowsOf(*this)) {
-                std::unique_lock lock(mutex_);
-                changed_.wait_for(lock, untilAskedAgain, [&] { return answers_[number].has_value(); });
+            if (!computeNext()) {
+                WorkPool::shared().helpUntil(*this, [&] { return isKnownElseAwaited(number); });
             }
         }
     }
 
-    bool help() noexcept override {
-        bool hasHelped = false;
-        while (!stop_.stop_requested() && workOutNext()) {
-            hasHelped = true;
+    [[nodiscard]] bool hasWork() const noexcept override {
+        return next_.load(std::memory_order_relaxed) < results_.size() && !stop_.stop_requested();
+    }
+    void help() noexcept override {
+        while (!stop_.stop_requested() && computeNext()) {
         }
-        return hasHelped;
     }
     [[nodiscard]] const std::stop_token& stopToken() const override { return stop_; }
 
 private:
-    static constexpr std::size_t fewestWorthHelp = 4;
-    static constexpr std::chrono::milliseconds untilAskedAgain{1};
+    static constexpr std::size_t minShared = 4;
 
-    struct Known {
-        std::optional<Answer> answer;  ///< none where it was not to be had
+    struct Result {
+        std::optional<Value> value;  ///< none where `compute` threw
     };
 
-    std::optional<Known> takeKnown(std::size_t number) {
+    std::optional<Result> takeIfKnown(std::size_t number) {
         const std::lock_guard lock(mutex_);
-        return std::exchange(answers_[number], std::nullopt);
+        return std::exchange(results_[number], std::nullopt);
+    }
+    bool isKnownElseAwaited(std::size_t number) {
+        const std::lock_guard lock(mutex_);
+        awaited_ = number;
+        return results_[number].has_value();
     }
 
-    bool workOutNext() {
+    bool computeNext() {
         const std::size_t number = next_.fetch_add(1, std::memory_order_relaxed);
-        if (number >= answers_.size()) {
+        if (number >= results_.size()) {
             return false;
         }
-        Known known;
+        Result result;
         try {
-            known.answer = answer_(number);
+            result.value = compute_(number);
         } catch (const std::exception&) {
-            known.answer.reset();
+            result.value.reset();
         }
-        const std::lock_guard lock(mutex_);
-        answers_[number] = std::move(known);
-        changed_.notify_all();
+        if (keep(number, std::move(result))) {
+            WorkPool::shared().wakeOwner(*this);
+        }
         return true;
     }
 
+    /// True when the owner waits for it.
+    bool keep(std::size_t number, Result result) {
+        const std::lock_guard lock(mutex_);
+        results_[number] = std::move(result);
+        return number == awaited_;
+    }
+
     const std::stop_token stop_;
-    const std::function<Answer(std::size_t)> answer_;
+    const std::function<Value(std::size_t)> compute_;
     std::atomic<std::size_t> next_ = 0;
 
-    std::mutex mutex_;  ///< protects what follows
-    std::condition_variable changed_;
-    std::vector<std::optional<Known>> answers_;
+    std::mutex mutex_;                    ///< protects what follows
+    std::optional<std::size_t> awaited_;  ///< the number that the owner waits for, or waited for last
+    std::vector<std::optional<Result>> results_;
 };
 
 }  // namespace brimvault::files

@@ -4,14 +4,7 @@
 
 namespace brimvault::files {
 
-namespace {
-
-// For a helper, who may find more to do elsewhere.
-constexpr std::chrono::milliseconds aMoment(2);
-
-}  // namespace
-
-// A worker that cannot go on leaves its share undone; who asked for the walk is told in the end.
+// A worker that throws abandons its share; the walk then reports failure to its caller.
 template <typename Part>
 bool SharedWalk::work(Part part) noexcept {
     bool toItsEnd = false;
@@ -24,7 +17,7 @@ bool SharedWalk::work(Part part) noexcept {
     const std::lock_guard lock(mutex_);
     trouble_ = trouble_ ? trouble_ : trouble;
     if (--working_ == 0 && shares_.empty()) {
-        changed_.notify_all();
+        changed_.notify_one();
     }
     return toItsEnd;
 }
@@ -34,11 +27,11 @@ bool SharedWalk::visit(const DirectoryHandle& parent, const char* name) {
     working_ = 1;
     TreeWalk walk(visitor_, parent, stop_, this);
     bool toItsEnd = work([&] { return walk.visit(name); });
-    if (isOffered_) {
-        while (auto share = awaitShare(std::nullopt)) {
+    if (pool_ != nullptr) {
+        while (auto share = awaitShare()) {
             toItsEnd = work([&] { return walk.visitShare(std::move(*share)); }) && toItsEnd;
         }
-        WorkPool::shared().withdraw(*this);
+        pool_->withdraw(*this);
     }
     if (trouble_) {
         std::rethrow_exception(trouble_);
@@ -46,60 +39,70 @@ bool SharedWalk::visit(const DirectoryHandle& parent, const char* name) {
     return toItsEnd && !stop_.stop_requested();
 }
 
-bool SharedWalk::help() noexcept {
-    auto share = awaitShare(aMoment);
-    if (!share) {
-        return false;
-    }
-    Fellows* const fellows = this;
+void SharedWalk::help() noexcept {
+    WorkSharing* const sharing = this;
     std::unique_ptr<TreeVisitor> visitor;
     std::optional<TreeWalk> walk;
-    for (; share; share = awaitShare(aMoment)) {
+    while (auto share = takeShare()) {
         (void)work([&] {
             if (!walk) {
                 visitor = visitor_.another();
-                walk.emplace(*visitor, *parent_, stop_, fellows);
+                walk.emplace(*visitor, *parent_, stop_, sharing);
             }
             return walk->visitShare(std::move(*share));
         });
     }
-    return true;
 }
 
-std::optional<FolderReference> SharedWalk::awaitShare(std::optional<std::chrono::milliseconds> longest) {
+std::optional<FolderReference> SharedWalk::takeShare() {
+    const std::lock_guard lock(mutex_);
+    return takeFirst();
+}
+
+std::optional<FolderReference> SharedWalk::awaitShare() {
     std::unique_lock lock(mutex_);
-    const auto isDecided = [this] { return !shares_.empty() || working_ == 0; };
-    ++waiting_;
-    updateWish();
-    if (longest) {
-        changed_.wait_for(lock, *longest, isDecided);
-    } else {
-        changed_.wait(lock, isDecided);
-    }
-    --waiting_;
+    isOwnerWaiting_.store(true, std::memory_order_relaxed);
+    changed_.wait(lock, [this] { return !shares_.empty() || working_ == 0; });
+    isOwnerWaiting_.store(false, std::memory_order_relaxed);
+    return takeFirst();
+}
+
+// Called with the lock held.
+std::optional<FolderReference> SharedWalk::takeFirst() {
     if (shares_.empty()) {
-        updateWish();
         return std::nullopt;
     }
     std::optional<FolderReference> share(std::move(shares_.front()));
     shares_.pop_front();
+    pending_.store(shares_.size(), std::memory_order_relaxed);
     ++working_;
-    updateWish();
     return share;
 }
 
-void SharedWalk::give(FolderReference share) {
-    const std::lock_guard lock(mutex_);
-    shares_.push_back(std::move(share));
-    updateWish();
-    changed_.notify_one();
+// One that nobody has taken yet is enough: each holds a descriptor open.
+bool SharedWalk::isShareWanted() const {
+    return pool_ != nullptr && !hasWork() &&
+           (isOwnerWaiting_.load(std::memory_order_relaxed) || pool_->hasIdleThread());
 }
 
-// Helpers' walks grow large as well, but they are helpers because it is known.
+void SharedWalk::give(FolderReference share) {
+    {
+        const std::lock_guard lock(mutex_);
+        shares_.push_back(std::move(share));
+        pending_.store(shares_.size(), std::memory_order_relaxed);
+        if (shares_.size() == 1 && isOwnerWaiting_.load(std::memory_order_relaxed)) {
+            changed_.notify_one();
+            return;
+        }
+    }
+    pool_->wakeHelper(*this);
+}
+
+// Helpers' walks grow large as well, but by then the walk is offered.
 void SharedWalk::onLargeTree() {
-    if (!isOffered_) {
-        isOffered_ = true;
-        WorkPool::shared().offer(*this);
+    if (pool_ == nullptr) {
+        pool_ = &WorkPool::shared();
+        pool_->offer(*this);
     }
 }
 

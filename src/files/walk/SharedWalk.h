@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -15,43 +14,47 @@
 
 namespace brimvault::files {
 
-/// One tree, visited by the calling thread and, once it has turned out to be large, by whoever of the pool has time.
-/// Used once, by one thread.
-class SharedWalk final : public SharedWork, private Fellows {
+/// One tree, visited by the calling thread, its owner, and once it has turned out to be large also by idle threads of
+/// the pool. Used once, by one thread.
+class SharedWalk final : public SharedWork, private WorkSharing {
 public:
-    /// The visitor is told by the calling thread, visitors that it makes (`another`) by the others.
+    /// The visitor is called on the owner's thread, those that it makes (`another`) on the helpers'.
     SharedWalk(TreeVisitor& visitor, std::stop_token stop) : visitor_(visitor), stop_(std::move(stop)) {}
 
-    /// The folder is a name in an open folder. Returns when nobody is at work any more: false when the walk was stopped
-    /// before its end. Throws what kept one of the workers from going on: where memory ran out, std::bad_alloc.
+    /// The folder is a name in an open folder. Returns when no thread works on it any more: false when the walk was
+    /// stopped before its end. Rethrows the first exception that made a worker abandon its share, such as
+    /// std::bad_alloc.
     [[nodiscard]] bool visit(const DirectoryHandle& parent, const char* name);
 
-    bool help() noexcept override;
+    [[nodiscard]] bool hasWork() const noexcept override { return pending_.load(std::memory_order_relaxed) > 0; }
+    void help() noexcept override;
     [[nodiscard]] const std::stop_token& stopToken() const override { return stop_; }
 
 private:
-    [[nodiscard]] bool wantShare() const override { return isShareWanted_.load(std::memory_order_relaxed); }
+    [[nodiscard]] bool isShareWanted() const override;
     void give(FolderReference share) override;
     void onLargeTree() override;
 
     template <typename Part>
     bool work(Part part) noexcept;
-    /// The next share, which counts as worked on from then; none once all is done, or when it takes too long.
-    std::optional<FolderReference> awaitShare(std::optional<std::chrono::milliseconds> longest);
-    void updateWish() { isShareWanted_.store(waiting_ > shares_.size(), std::memory_order_relaxed); }
+    /// The next share, which counts as worked on from then; none when there is none just now.
+    std::optional<FolderReference> takeShare();
+    /// Waits for one; none once the whole tree has been visited. The owner.
+    std::optional<FolderReference> awaitShare();
+    std::optional<FolderReference> takeFirst();
 
     TreeVisitor& visitor_;
     const std::stop_token stop_;
-    const DirectoryHandle* parent_ = nullptr;  ///< set before others are called
-    bool isOffered_ = false;                   ///< set by the calling thread, before others are called
-    std::atomic<bool> isShareWanted_ = false;
+    const DirectoryHandle* parent_ = nullptr;   ///< set before helpers come
+    WorkPool* pool_ = nullptr;                  ///< to which it is offered; set by the owner, before helpers come
+    std::atomic<std::size_t> pending_ = 0;      ///< shares_.size(), for who asks without the lock
+    std::atomic<bool> isOwnerWaiting_ = false;  ///< written with the lock held
 
     std::mutex mutex_;  ///< protects what follows
     std::condition_variable changed_;
     std::deque<FolderReference> shares_;
-    std::size_t waiting_ = 0;     ///< threads that wait for a share
-    int working_ = 0;             ///< threads that could still give one
-    std::exception_ptr trouble_;  ///< the first; of a worker that could not go on
+    int working_ = 0;             ///< threads that could still give a share
+    std::exception_ptr trouble_;  ///< the first of them
 };
 
 }  // namespace brimvault::files

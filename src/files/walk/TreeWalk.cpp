@@ -84,8 +84,8 @@ bool TreeWalk::visitPending() {
         if (stop_.stop_requested()) {
             return false;
         }
-        if (fellows_ != nullptr && fellows_->wantShare()) {
-            giveShare();
+        if (sharing_ != nullptr && sharing_->isShareWanted()) {
+            shareWork();
         }
         visitor_.setPlace(top->fsref.folder.get());
         if (!top->fsref.pendingFiles.files.empty()) {
@@ -134,8 +134,8 @@ void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> fold
     entered.folder->listingCode = listEntries(entered);
     const bool wasLarge = seen_ >= largeTree;
     seen_ += 1 + listed_ / entriesLikeAFolder;
-    if (!wasLarge && seen_ >= largeTree && fellows_ != nullptr) {
-        fellows_->onLargeTree();
+    if (!wasLarge && seen_ >= largeTree && sharing_ != nullptr) {
+        sharing_->onLargeTree();
     }
 }
 
@@ -225,7 +225,7 @@ bool TreeWalk::mayClose(FolderReference& folder) const {
 
 // From the folder nearest to the tree's top among those held open. Who gives keeps something: or a last folder would be
 // handed to and fro between two who have nothing else.
-void TreeWalk::giveShare() {
+void TreeWalk::shareWork() {
     StackItem* from = nullptr;
     bool hasMore = false;
     for (auto* item = stack_.topItem(); item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
@@ -242,7 +242,7 @@ void TreeWalk::giveShare() {
         return;
     }
     from->fsref.folder->parts.fetch_add(1, std::memory_order_relaxed);
-    fellows_->give(from->fsref.takeHalf(std::move(*handle)));
+    sharing_->give(from->fsref.takeHalf(std::move(*handle)));
 }
 
 bool TreeWalk::leave() {

@@ -10,14 +10,14 @@
 
 namespace brimvault::files {
 
-/// Who else visits the same tree. Called by the thread of the walk.
-class Fellows {
+/// Lets a walk hand pending folders to idle workers. Called on the walk's thread.
+class WorkSharing {
 public:
-    virtual ~Fellows() = default;
-    /// Whether somebody has nothing to do.
-    [[nodiscard]] virtual bool wantShare() const = 0;
+    virtual ~WorkSharing() = default;
+    /// True while a worker is idle.
+    [[nodiscard]] virtual bool isShareWanted() const = 0;
     virtual void give(FolderReference share) = 0;
-    /// The walk has seen so much that others are worth calling.
+    /// The walk has seen so many folders that helpers are worth their cost.
     virtual void onLargeTree() = 0;
 };
 
@@ -42,8 +42,9 @@ public:
     /// The folders that a walk sees before it calls for others; fewer, if they are large.
     static constexpr int largeTree = 64;
 
-    TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop, Fellows* fellows = nullptr)
-        : visitor_(visitor), outermost_(outermost), stop_(std::move(stop)), fellows_(fellows) {}
+    TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop,
+             WorkSharing* sharing = nullptr)
+        : visitor_(visitor), outermost_(outermost), stop_(std::move(stop)), sharing_(sharing) {}
 
     /// The folder is a name in the outermost one. False when the walk was stopped before its end.
     [[nodiscard]] bool visit(const char* name);
@@ -63,7 +64,7 @@ private:
 
     int holdNoMoreThan(int folders);
     [[nodiscard]] bool mayClose(FolderReference& folder) const;
-    void giveShare();
+    void shareWork();
 
     bool leave();
     bool returnTo(FolderReference& holder, const FolderReference& left);
@@ -72,7 +73,7 @@ private:
     TreeVisitor& visitor_;
     const DirectoryHandle& outermost_;
     std::stop_token stop_;
-    Fellows* const fellows_;
+    WorkSharing* const sharing_;
     StackCollection stack_;
     DirectoryReader reader_;
     int listed_ = 0;  ///< entries of the folder listed last

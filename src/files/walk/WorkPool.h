@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <list>
@@ -8,59 +9,84 @@
 
 namespace brimvault::files {
 
-/// Work that others can help with while it is under way.
+/// Work that pool threads can help with while its owner is at it.
 class SharedWork {
 public:
     virtual ~SharedWork() = default;
-    /// Does of it what there is to do, and returns once that is nothing: false when it was nothing from the beginning.
-    /// Called by several threads at once.
-    virtual bool help() noexcept = 0;
-    /// With whom it ends. Work of the same token serves the same caller.
+    /// Whether `help` would find something to do. Any thread; called with the pool locked, so it must not call the
+    /// pool.
+    [[nodiscard]] virtual bool hasWork() const noexcept = 0;
+    /// Works until nothing is left to take. Called by several threads at once.
+    virtual void help() noexcept = 0;
+    /// Stops the work. Works with the same token serve the same caller.
     [[nodiscard]] virtual const std::stop_token& stopToken() const = 0;
 };
 
-/// The threads that help with whatever work is offered, whoever does it. Who offers work does it himself all the same;
-/// with no thread to be had it is done, later. Any thread.
+/// Process-wide worker threads. The owner always works on its own task too, so it finishes even if no thread can be
+/// started. An idle thread sleeps until it is woken for work: nothing polls. Any thread.
 class WorkPool {
 public:
-    /// With who offers the work two for each processor, as one of them may wait for the disk; and no more than this:
-    /// what each holds open of a deep tree is to fit into what a process may.
-    static constexpr unsigned mostThreads = 15;
+    /// Two threads per CPU including the owner, to overlap disk waits; capped so that their open descriptors stay
+    /// within RLIMIT_NOFILE.
+    static constexpr unsigned maxThreads = 15;
 
-    /// One for the process; its threads start with the first work offered, and end with the process. A process that was
-    /// forked from one with threads has none, and does its work alone.
+    /// One for the process; its threads start with the first offer and end with the process. A process that was forked
+    /// from one with threads has none, and does its work alone.
     static WorkPool& shared();
+    /// How many threads it starts, where the system grants them.
+    static unsigned threadCount();
 
     WorkPool(const WorkPool&) = delete;
     WorkPool& operator=(const WorkPool&) = delete;
 
-    /// To stay until it is withdrawn.
+    /// Offered until it is withdrawn.
     void offer(SharedWork& work);
-    /// Returns when nobody helps with it any more, and nobody will.
+    /// Returns when no thread helps any more, and none will.
     void withdraw(SharedWork& work);
-    /// Helps, on the calling thread, with other work of the same token, if that can be stopped at all; false when there
-    /// is nothing to do.
-    bool helpFellowsOf(const SharedWork& work);
+
+    /// Whether a thread is idle. Cheap enough to ask for each folder.
+    [[nodiscard]] bool hasIdleThread() const { return hasIdleThread_.load(std::memory_order_relaxed); }
+    /// Wakes one idle thread. Call it after offered work has got something more to take: `hasWork` answers true.
+    void wakeHelper(const SharedWork& work);
+
+    /// Blocks until `isDone` answers true, and meanwhile helps other works with the same token, if that one can be
+    /// stopped at all. `isDone` is called with the pool locked: on entry, and after each `wakeOwner` of the work.
+    void helpUntil(const SharedWork& work, const std::function<bool()>& isDone);
+    /// Wakes the thread that waits in `helpUntil` for this work. Call it after `isDone` has become true.
+    void wakeOwner(const SharedWork& work);
 
 private:
     struct Offer {
         SharedWork* work;
         int helpers = 0;
-        bool withdrawn = false;
+        std::condition_variable* withdrawer = nullptr;  ///< who waits for the last helper to leave
     };
     using Offers = std::list<Offer>;
+    using Filter = std::function<bool(const SharedWork&)>;
+
+    /// A sleeping thread, on its own stack.
+    struct Sleeper {
+        const SharedWork* owned = nullptr;  ///< what it waits for in `helpUntil`; null for a thread of the pool
+        Sleeper* next = nullptr;
+        bool isWoken = false;
+        std::condition_variable wake;
+    };
 
     explicit WorkPool(bool mayStart);
-    static unsigned threadsToStart();
     void startThreads();
-    void helpForEver();
-    bool helpOne(std::unique_lock<std::mutex>& lock, const std::function<bool(const Offer&)>& chosen);
+    void runThread();
+    Offers::iterator findWork(const Filter& filter);
+    bool helpOne(std::unique_lock<std::mutex>& lock, const Filter& filter);
+    void sleep(std::unique_lock<std::mutex>& lock, Sleeper& self);
+    bool wakeOne(const std::function<bool(const Sleeper&)>& chosen);
+    bool wakeFor(const SharedWork& work);
 
     const int process_;  ///< whose it is
-    std::mutex mutex_;   ///< protects what follows
-    std::condition_variable offered_;
-    std::condition_variable left_;
+    std::atomic<bool> hasIdleThread_ = false;
+
+    std::mutex mutex_;  ///< protects what follows
     Offers offers_;
+    Sleeper* sleepers_ = nullptr;  ///< not woken yet; the one that fell asleep last comes first
     bool mayStart_;
 };
 

@@ -61,9 +61,9 @@ private:
 };
 
 // One who always has nothing to do, and keeps what he is given.
-class IdleFellow final : public files::Fellows {
+class IdleWorker final : public files::WorkSharing {
 public:
-    [[nodiscard]] bool wantShare() const override { return true; }
+    [[nodiscard]] bool isShareWanted() const override { return true; }
     void give(files::FolderReference share) override { shares.push_back(std::move(share)); }
     void onLargeTree() override {}
 
@@ -273,16 +273,16 @@ TEST(TreeWalk, GivesAwayFilesOfAFolderThatHasVeryMany) {
     }
     writeFile(folder / "top/inner/file", "");
     const auto parent = DirectoryHandle::open(folder.path());
-    IdleFellow fellow;
+    IdleWorker worker;
     Recorder recorder;
-    EXPECT_TRUE(TreeWalk(recorder, *parent, {}, &fellow).visit("top"));
-    EXPECT_GT(fellow.shares.size(), 1U);
+    EXPECT_TRUE(TreeWalk(recorder, *parent, {}, &worker).visit("top"));
+    EXPECT_GT(worker.shares.size(), 1U);
     EXPECT_LT(recorder.lines.size(), fileCount / 4);
     EXPECT_NE(recorder.lines.back(), "left top") << "that is for who comes last";
-    while (!fellow.shares.empty()) {
-        auto share = std::move(fellow.shares.back());
-        fellow.shares.pop_back();
-        EXPECT_TRUE(TreeWalk(recorder, *parent, {}, &fellow).visitShare(std::move(share)));
+    while (!worker.shares.empty()) {
+        auto share = std::move(worker.shares.back());
+        worker.shares.pop_back();
+        EXPECT_TRUE(TreeWalk(recorder, *parent, {}, &worker).visitShare(std::move(share)));
     }
     EXPECT_EQ(recorder.lines.back(), "left top");
     EXPECT_THAT(recorder.lines, testing::UnorderedElementsAreArray(expected));
@@ -307,25 +307,25 @@ TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
     for (const char* name : {"top/a/file", "top/b/file", "top/c/file", "top/d/file"}) {
         writeFile(folder / name, "");
     }
-    const auto visit = [&](IdleFellow& fellow) {
+    const auto visit = [&](IdleWorker& worker) {
         Recorder recorder;
         const auto parent = DirectoryHandle::open(folder.path());
-        (void)TreeWalk(recorder, *parent, {}, &fellow).visit("top");
+        (void)TreeWalk(recorder, *parent, {}, &worker).visit("top");
         return std::count(recorder.lines.begin(), recorder.lines.end(), "file file");
     };
-    IdleFellow fellow;
-    EXPECT_EQ(visit(fellow), 2) << "who gives keeps something";
-    EXPECT_EQ(fellow.shares.size(), 1U);
+    IdleWorker worker;
+    EXPECT_EQ(visit(worker), 2) << "the victim keeps an entry";
+    EXPECT_EQ(worker.shares.size(), 1U);
 
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
-        IdleFellow fellowInChild;
+        IdleWorker workerInChild;
         if (!refuseToTellOfDescriptors()) {
             return cannotTry("the system takes no filter of its calls");
         }
-        const auto files = visit(fellowInChild);
-        return fellowInChild.shares.empty() && files == 4
+        const auto files = visit(workerInChild);
+        return workerInChild.shares.empty() && files == 4
                    ? ""
-                   : std::to_string(fellowInChild.shares.size()) + " given away, " + std::to_string(files) + " visited";
+                   : std::to_string(workerInChild.shares.size()) + " given away, " + std::to_string(files) + " visited";
     });
 }
 
