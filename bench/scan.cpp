@@ -1,8 +1,9 @@
 // The whole program over a home folder: what two scans of all five sections take, one after the other, from the click
-// on "Scan" to "scanFinished", with the window open; and what memory they take above that of the idle window. The home
-// folder stays as it is.
+// on "Scan" to "scanFinished", with the window open; how often they wake a thread; and what memory they take above that
+// of the idle window. With "idle" also how often the idle window wakes a thread in five seconds, before the scans and
+// after them. The home folder stays as it is.
 //
-//     brimvault-scan HOME    prints a name and a value on each line
+//     brimvault-scan HOME [idle]    prints a name and a value on each line
 
 #include <QEventLoop>
 #include <QTimer>
@@ -18,6 +19,7 @@
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "trial/TemporaryFolder.h"
+#include "trial/WakeUps.h"
 #include "ui/accessibility/AccessibleItemView.h"
 #include "ui/look/FocusRing.h"
 #include "ui/look/Look.h"
@@ -52,34 +54,54 @@ void runFor(int milliseconds) {
     loop.exec();
 }
 
-// The seconds to "scanFinished", as it is posted; below 0 when it does not come.
-double scan(TrialWindow& window) {
-    constexpr int patience = 120'000;
+struct Scan {
+    std::atomic<double> seconds = -1;  ///< to "scanFinished", as it is posted; below 0 when it does not come
+    std::atomic<long> wakeUps = 0;     ///< of all threads of the process, until then
+};
+
+void scan(TrialWindow& window, Scan& figures) {
+    constexpr int timeout = 120'000;
     QEventLoop loop;
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     auto& center = engine::NotificationCenter::defaultCenter();
-    std::atomic<double> seconds = -1;
     const auto start = Clock::now();
+    const long before = trial::wakeUps();
     const auto posted = center.addObserver(engine::notification::scanFinished, [&](const auto&) {
-        seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        figures.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        figures.wakeUps = trial::wakeUps() - before;
     });
     const auto heard =
         center.addMainThreadObserver(engine::notification::scanFinished, &loop, [&](const auto&) { loop.quit(); });
     window.startScan();
     loop.exec();
-    return seconds;
 }
 
 void report(MainThreadClock& clock, TrialWindow& window, const std::string& name) {
     constexpr int enoughToShow = 500;
     clock.takeFigures();
-    const double seconds = scan(window);
+    Scan figuresOfScan;
+    scan(window, figuresOfScan);
     runFor(enoughToShow);
     const auto figures = clock.takeFigures();
+    const double seconds = figuresOfScan.seconds;
+    const auto wakeUps = figuresOfScan.wakeUps.load();
     std::cout << name << "-seconds " << seconds << '\n'
+              << name << "-wake-ups " << wakeUps << '\n'
+              << name << "-wake-ups-per-second " << static_cast<double>(wakeUps) / seconds << '\n'
               << name << "-longest " << figures.elapsed.longest << '\n'
               << name << "-longest-of-a-processor " << figures.worked.longest << '\n'
               << name << "-longest-event " << figures.worked.longestEvent.toStdString() << std::endl;
+}
+
+// The window is open and nothing runs.
+void reportIdle(const std::string& name) {
+    constexpr int enoughToSettle = 3000;
+    constexpr int measured = 5000;
+    constexpr long ourOwn = 1;  // by the timer that ends it
+    runFor(enoughToSettle);
+    const long before = trial::wakeUps();
+    runFor(measured);
+    std::cout << name << "-wake-ups " << trial::wakeUps() - before - ourOwn << std::endl;
 }
 
 void reportFound(engine::DataMan& model) {
@@ -93,8 +115,9 @@ void reportFound(engine::DataMan& model) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    if (argc != 2) {
-        std::cerr << "usage: brimvault-scan HOME\n";
+    const bool withIdle = argc == 3 && argv[2] == std::string("idle");
+    if (argc != 2 && !withIdle) {
+        std::cerr << "usage: brimvault-scan HOME [idle]\n";
         return 2;
     }
     MainThreadClock clock(argc, argv);
@@ -108,12 +131,18 @@ int main(int argc, char* argv[]) {
     window.application().psectController().setAllChecked();
     constexpr int enoughToIdle = 500;
     runFor(enoughToIdle);
+    if (withIdle) {
+        reportIdle("idle-before");
+    }
     const auto idle = memory("VmRSS");
     forgetPeak();
     report(clock, window, "first");
     std::cout << "idle-bytes " << idle << "\nfirst-peak-bytes " << memory("VmHWM") << '\n';
     report(clock, window, "second");
     std::cout << "second-peak-bytes " << memory("VmHWM") << '\n';
+    if (withIdle) {
+        reportIdle("idle-after");
+    }
     reportFound(window.application().psectController().getAppResDS());
     return 0;
 }

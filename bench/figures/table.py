@@ -41,8 +41,9 @@ class Table:
             limit is not None and ratio > limit,
         )
 
-    def figure(self, what, value, unit, limit, beside="", takes=""):
-        self._row(what, f"{value:.1f} {unit}", beside, takes, "", f"{limit:g} {unit}", value > limit)
+    def figure(self, what, value, unit, limit=None, beside="", takes=""):
+        at_most = "" if limit is None else f"{limit:g} {unit}"
+        self._row(what, f"{value:.1f} {unit}", beside, takes, "", at_most, limit is not None and value > limit)
 
     def failed(self, what, why, limit):
         self._row(what, why, "", "", "", limit, True)

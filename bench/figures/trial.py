@@ -92,9 +92,9 @@ def chain(trees, table, rounds):
     table.figure(name, statistics.median(seconds), "s", limit)
 
 
-def scan_once(trees, home, made):
+def scan_once(trees, home, made, *more):
     environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "XDG_RUNTIME_DIR": trees.folder}
-    scan = run([os.path.join(trees.programs, "brimvault-scan"), home], environment=environment)
+    scan = run([os.path.join(trees.programs, "brimvault-scan"), home, *more], environment=environment)
     for what in ("listed", "items", "applications"):
         expect_same(f"the scan: {what}", scan.count(what), made.count(what))
     return scan
@@ -106,7 +106,7 @@ def scanning(trees, table, rounds):
     floor = [os.path.join(trees.programs, "brimvault-floor"), "measure", str(cores())]
     floor += [os.path.join(home, folder) for folder in inside]
     run(floor)
-    scan_once(trees, home, made)
+    idle = scan_once(trees, home, made, "idle")
     floors, scans = [], []
     for _ in range(rounds):
         floors.append(run(floor))
@@ -117,6 +117,18 @@ def scanning(trees, table, rounds):
         median = statistics.median(scan.number(f"{which}-seconds") for scan in scans)
         table.ratio(f"the {which} scan of five sections", median, floor_median, "floor", 1.4)
     stretches(table, scans, "300,000 files")
+    wake_ups(table, scans, idle)
+
+
+def wake_ups(table, scans, idle):
+    """Of all threads of the process together: voluntary context switches, so that a busy machine adds none."""
+    for which in ("first", "second"):
+        rate = statistics.median(scan.number(f"{which}-wake-ups-per-second") for scan in scans)
+        count = statistics.median(scan.number(f"{which}-wake-ups") for scan in scans)
+        table.figure(f"wake-ups, {which} scan of 300,000 files", rate, "per s", beside="in all", takes=f"{count:.0f}")
+    for when in ("before", "after"):
+        count = idle.count(f"idle-{when}-wake-ups")
+        table.figure(f"wake-ups of the idle window in 5 s, {when} the scans", count, "in all", 0)
 
 
 def stretches(table, scans, over):
