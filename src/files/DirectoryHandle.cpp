@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "files/OpenDirectory.h"
-
 namespace brimvault::files {
 
 Result<DirectoryHandle> DirectoryHandle::adopt(int descriptor) {
@@ -19,7 +17,7 @@ Result<DirectoryHandle> DirectoryHandle::open(const std::filesystem::path& path,
     if (!path.is_absolute() || std::find(names.begin(), names.end(), "..") != names.end()) {
         return Result<DirectoryHandle>::failed(EINVAL);
     }
-    return onWay ? openTold(path, onWay) : adopt(openWithoutLinks(path.c_str()));
+    return onWay ? openStepwise(path, onWay) : adopt(openWithoutLinks(path.c_str()));
 }
 
 Result<DirectoryHandle> DirectoryHandle::openForReading(const std::filesystem::path& path) {
@@ -27,8 +25,8 @@ Result<DirectoryHandle> DirectoryHandle::openForReading(const std::filesystem::p
     return passed ? passed->reopenForReading() : std::move(passed);
 }
 
-// Name by name: what is told is known of the very folders that were passed.
-Result<DirectoryHandle> DirectoryHandle::openTold(const std::filesystem::path& path, const OnWay& onWay) {
+// Name by name: `onWay` is asked about the very folders that were passed.
+Result<DirectoryHandle> DirectoryHandle::openStepwise(const std::filesystem::path& path, const OnWay& onWay) {
     auto handle = adopt(openWithoutLinks("/"));
     auto name = path.relative_path();
     for (auto part = name.begin();; ++part) {
@@ -48,34 +46,20 @@ Result<DirectoryHandle> DirectoryHandle::openTold(const std::filesystem::path& p
         if (part == name.end()) {
             return handle;
         }
-        handle = adopt(openChildWithoutLinks(handle->descriptor_, part->c_str()));
-    }
-}
-
-DirectoryHandle& DirectoryHandle::operator=(DirectoryHandle&& other) noexcept {
-    if (this != &other) {
-        close();
-        descriptor_ = std::exchange(other.descriptor_, -1);
-    }
-    return *this;
-}
-
-void DirectoryHandle::close() {
-    if (descriptor_ >= 0) {
-        ::close(std::exchange(descriptor_, -1));
+        handle = adopt(openChildWithoutLinks(handle->descriptor(), part->c_str()));
     }
 }
 
 Result<DirectoryHandle> DirectoryHandle::openChild(const char* name) const {
-    return adopt(openOnSameMount(descriptor_, name));
+    return adopt(openOnSameMount(descriptor(), name));
 }
 
-Result<DirectoryHandle> DirectoryHandle::reopenForReading() const { return adopt(openOnSameMount(descriptor_, ".")); }
+Result<DirectoryHandle> DirectoryHandle::reopenForReading() const { return adopt(openOnSameMount(descriptor(), ".")); }
 
-Result<DirectoryHandle> DirectoryHandle::duplicate() const { return adopt(::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0)); }
+Result<DirectoryHandle> DirectoryHandle::duplicate() const { return adopt(::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0)); }
 
 Result<DirectoryHandle> DirectoryHandle::openParent(const NodePlace& expected) const {
-    auto parent = adopt(openOnSameMount(descriptor_, ".."));
+    auto parent = adopt(openOnSameMount(descriptor(), ".."));
     const auto status = parent ? parent->status() : Result<NodeStatus>::failed(parent.code());
     if (!status) {
         return Result<DirectoryHandle>::failed(status.code() == EXDEV ? ESTALE : status.code());
@@ -84,10 +68,10 @@ Result<DirectoryHandle> DirectoryHandle::openParent(const NodePlace& expected) c
 }
 
 int DirectoryHandle::forEachEntry(const std::function<bool(const DirectoryEntry&)>& call) const {
-    if (::lseek(descriptor_, 0, SEEK_SET) != 0) {  // an earlier reading may have gone on from here
+    if (::lseek(descriptor(), 0, SEEK_SET) != 0) {  // an earlier reading may have gone on from here
         return errno;
     }
-    return DirectoryReader().forEachEntry(descriptor_, call);
+    return DirectoryReader().forEachEntry(descriptor(), call);
 }
 
 int forEachChild(const std::filesystem::path& folder, HiddenEntries hidden,

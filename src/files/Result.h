@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <variant>
 
@@ -13,7 +14,7 @@ struct Failure {
     std::filesystem::path path;  ///< where it struck; bytes, not for display
 
     /// The system's own text for the code, in the language of the process.
-    [[nodiscard]] std::string text() const;
+    [[nodiscard]] std::string text() const { return std::generic_category().message(code); }
 };
 
 /// A value, or the errno value that says why there is none.

@@ -91,4 +91,16 @@ Result<EntrySize> sizeAt(int directory, const char* name, SizesAsked asked) {
                      (raw.stx_mask & STATX_MNT_ID) != 0 ? raw.stx_mnt_id : 0};
 }
 
+Result<NodeStatus> statusOf(const std::filesystem::path& path) {
+    if (path.empty()) {
+        return Result<NodeStatus>::failed(ENOENT);
+    }
+    return statusAt(AT_FDCWD, path.c_str());
+}
+
+bool mayExist(const std::filesystem::path& path) {
+    const int code = statusOf(path).code();
+    return code != ENOENT && code != ENOTDIR;
+}
+
 }  // namespace brimvault::files

@@ -2,10 +2,19 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
-#include "files/walk/StackItem.h"
+#include "files/walk/FolderReference.h"
 
 namespace brimvault::files {
+
+/// One element of a StackCollection.
+struct StackItem {
+    explicit StackItem(FolderReference ref) : fsref(std::move(ref)) {}
+
+    FolderReference fsref;
+    std::unique_ptr<StackItem> prevItem;  ///< the item below
+};
 
 /// The explicit stack of a walk: last in, first out, without a limit, so that the depth of a tree costs heap and never
 /// the thread's stack. One thread.

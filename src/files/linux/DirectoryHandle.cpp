@@ -1,4 +1,4 @@
-#include "files/OpenDirectory.h"
+#include "files/DirectoryHandle.h"
 
 #include <fcntl.h>
 #include <linux/openat2.h>
@@ -6,9 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 
-#include "files/NodeStatus.h"
 #include "files/SystemCall.h"
 
 namespace brimvault::files {
@@ -28,7 +26,7 @@ int openAtOnce(int directory, const char* path, unsigned flags, std::uint64_t re
     return static_cast<int>(uninterrupted([&] { return ::syscall(SYS_openat2, directory, path, &how, sizeof how); }));
 }
 
-int open(int directory, const char* name, unsigned flags) {
+int openStep(int directory, const char* name, unsigned flags) {
     return uninterrupted([&] { return ::openat(directory, name, static_cast<int>(flags)); });
 }
 
@@ -55,7 +53,7 @@ int openStepwiseOnSameMount(int directory, const char* name) {
         errno = holder.code();
         return -1;
     }
-    const int opened = open(directory, name, readable);
+    const int opened = openStep(directory, name, readable);
     if (opened < 0) {
         return -1;
     }
@@ -68,7 +66,7 @@ int openStepwiseOnSameMount(int directory, const char* name) {
 }
 
 int openStepwiseWithoutLinks(const char* path) {
-    int opened = open(AT_FDCWD, "/", passThrough);
+    int opened = openStep(AT_FDCWD, "/", passThrough);
     for (const auto& part : std::filesystem::path(path).relative_path()) {
         if (opened < 0) {
             return -1;
@@ -76,14 +74,15 @@ int openStepwiseWithoutLinks(const char* path) {
         if (part.empty()) {
             continue;  // a slash at the end
         }
-        const int next = open(opened, part.c_str(), passThrough);
+        const int next = openStep(opened, part.c_str(), passThrough);
         closeKeepingCode(opened, errno);
         opened = next;
     }
     return opened;
 }
 
-int withoutTellingLinks(int opened) {
+// The system says ELOOP of a symbolic link that it was told not to follow.
+int enotdirForLinks(int opened) {
     if (opened < 0 && errno == ELOOP) {
         errno = ENOTDIR;
     }
@@ -92,20 +91,20 @@ int withoutTellingLinks(int opened) {
 
 }  // namespace
 
-int openChildWithoutLinks(int directory, const char* name) {
-    return withoutTellingLinks(open(directory, name, passThrough));
+int DirectoryHandle::openChildWithoutLinks(int directory, const char* name) {
+    return enotdirForLinks(openStep(directory, name, passThrough));
 }
 
-int openOnSameMount(int directory, const char* name) {
-    return withoutTellingLinks(canOpenAtOnce()
-                                   ? openAtOnce(directory, name, readable, RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS)
-                                   : openStepwiseOnSameMount(directory, name));
+int DirectoryHandle::openOnSameMount(int directory, const char* name) {
+    return enotdirForLinks(canOpenAtOnce()
+                               ? openAtOnce(directory, name, readable, RESOLVE_NO_XDEV | RESOLVE_NO_SYMLINKS)
+                               : openStepwiseOnSameMount(directory, name));
 }
 
-int openWithoutLinks(const char* path) {
+int DirectoryHandle::openWithoutLinks(const char* path) {
     const int opened = canOpenAtOnce() ? openAtOnce(AT_FDCWD, path, passThrough, RESOLVE_NO_SYMLINKS) : -1;
     const bool mustWalk = opened < 0 && (!canOpenAtOnce() || errno == ENAMETOOLONG);  // longer than one call takes
-    return withoutTellingLinks(mustWalk ? openStepwiseWithoutLinks(path) : opened);
+    return enotdirForLinks(mustWalk ? openStepwiseWithoutLinks(path) : opened);
 }
 
 }  // namespace brimvault::files
