@@ -10,15 +10,14 @@
 
 namespace brimvault::bench {
 
-/// An application that measures how long each event keeps the main thread; what an event brings about while it is
-/// handled is part of it. Main thread.
+/// An application that measures how long each event blocks the main thread, nested events included. Main thread.
 class MainThreadClock final : public QApplication {
 public:
-    /// What a screen of 60 pictures a second leaves for one of them.
+    /// The time for one frame at 60 Hz.
     static constexpr double calmMilliseconds = 16;
 
-    /// In milliseconds, once by the clock and once only what the thread had of a processor: on a busy machine the
-    /// latter tells what the window itself does.
+    /// In milliseconds, once wall-clock time and once CPU time: on a busy machine the latter shows what the window
+    /// itself does.
     struct Durations {
         double longest = 0;
         int overCalm = 0;  ///< events that took more than `calmMilliseconds`

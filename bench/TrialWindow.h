@@ -12,7 +12,7 @@
 
 namespace brimvault::bench {
 
-/// The system as a home folder and a root that are made for a trial: nothing of the machine's own is looked at.
+/// A system with a home folder and a root made for a trial: nothing of the machine's own is read.
 inline platform::System trialSystem(const std::filesystem::path& home, const std::filesystem::path& root) {
     return {[home] { return std::optional(home); }, [] { return std::string("trial"); },
             [root](const char* name) {

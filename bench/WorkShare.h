@@ -11,8 +11,8 @@
 
 namespace brimvault::bench {
 
-/// Work that makes more work, on a number of threads. Each has a list of its own, taken from the end; who runs out of
-/// it is given the older half of another's.
+/// A thread pool with work stealing. Each thread has a list of its own, taken from the end; a thread that runs out of
+/// work gets the older half of another's list.
 template <typename Work>
 class WorkShare {
 public:
@@ -20,8 +20,8 @@ public:
 
     WorkShare(unsigned threads, List first) : threads_(threads), shared_(std::move(first)) {}
 
-    /// Each thread has a worker of its own, which `make` makes: worker(work, list) does the work and adds to the list
-    /// what it finds to do. Comes back when nothing is left.
+    /// `make` makes a worker for each thread: worker(work, list) does the work and appends new work to the list.
+    /// Returns when nothing is left.
     template <typename Make>
     void run(Make make) {
         std::vector<std::jthread> others;

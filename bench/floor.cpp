@@ -1,5 +1,5 @@
-// The yardstick: a tree measured, or removed, by the system calls that this takes and nothing else. Nothing is checked,
-// mounts among it. What cannot be read counts nothing; what cannot be removed ends it.
+// The lower bound: measures or removes a tree with the system calls that this takes and nothing else, without a check,
+// even of mounts. What cannot be read counts nothing; what cannot be removed ends the program.
 //
 //     brimvault-floor measure THREADS DIR...    prints the bytes of everything in the folders that is no folder
 //     brimvault-floor remove THREADS DIR...
@@ -26,12 +26,12 @@ namespace {
 
 using brimvault::bench::WorkShare;
 
-[[noreturn]] void giveUp(const char* what) {
+[[noreturn]] void fail(const char* what) {
     std::perror(what);
     std::exit(1);
 }
 
-/// An open folder in which there is still work; whoever lets go last ends it.
+/// An open folder in which there is still work, reference-counted: the last user closes it.
 struct Folder {
     Folder* parent;
     std::string name;
@@ -99,7 +99,7 @@ public:
 
     void operator()(const Work& work, List& more) {
         const int descriptor = openFolder(work);
-        letGo(work.parent);
+        release(work.parent);
         if (descriptor < 0) {
             return;
         }
@@ -118,7 +118,7 @@ public:
         if (self == nullptr) {
             ::close(descriptor);
         } else {
-            letGo(self);
+            release(self);
         }
     }
 
@@ -129,7 +129,7 @@ private:
         return known ? status.stx_size : 0;
     }
 
-    static void letGo(Folder* folder) {
+    static void release(Folder* folder) {
         if (folder != nullptr && --folder->users == 0) {
             ::close(folder->descriptor);
             delete folder;
@@ -145,7 +145,7 @@ public:
     void operator()(Work work, List& more) {
         const int descriptor = openFolder(work);
         if (descriptor < 0) {
-            giveUp(work.name.c_str());
+            fail(work.name.c_str());
         }
         auto* self = new Folder{work.parent, std::move(work.name), descriptor};
         std::vector<std::pair<ino64_t, std::string>> files;
@@ -160,19 +160,19 @@ public:
         std::sort(files.begin(), files.end());  // side by side on the disk, whatever the order of the names
         for (const auto& [inode, name] : files) {
             if (::unlinkat(descriptor, name.c_str(), 0) != 0) {
-                giveUp(name.c_str());
+                fail(name.c_str());
             }
         }
-        letGo(self);
+        release(self);
     }
 
 private:
     // A folder goes when the last one inside it has gone.
-    static void letGo(Folder* folder) {
+    static void release(Folder* folder) {
         while (folder != nullptr && --folder->users == 0) {
             ::close(folder->descriptor);
             if (::unlinkat(descriptorOf(folder->parent), folder->name.c_str(), AT_REMOVEDIR) != 0) {
-                giveUp(folder->name.c_str());
+                fail(folder->name.c_str());
             }
             delete std::exchange(folder, folder->parent);
         }

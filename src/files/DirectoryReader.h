@@ -9,16 +9,15 @@
 
 namespace brimvault::files {
 
-/// One entry of a directory as the listing names it. The kind is a hint: what is done to the entry must hold if it was
-/// exchanged meanwhile.
+/// One entry of a directory's listing. The kind is a hint: the entry may have been replaced meanwhile.
 struct DirectoryEntry {
-    const char* name;  ///< bytes, zero-terminated, valid during the call only
+    const char* name;  ///< bytes, NUL-terminated, valid during the call only
     NodeKind kind;
-    std::uint64_t inode = 0;  ///< near to that of entries which lie near to it on the disk, on most file systems
+    std::uint64_t inode = 0;  ///< on most file systems close to those of entries that are close on the disk
 };
 
-/// Reads the entries of open directories in large batches, into a buffer that it keeps: reading a tree costs the same
-/// memory however large its folders are. One thread at a time, one directory at a time.
+/// Reads the entries of open directories in large batches, into a buffer that it reuses: memory does not grow with the
+/// size of the folders. One thread at a time, one directory at a time.
 class DirectoryReader {
 public:
     DirectoryReader();

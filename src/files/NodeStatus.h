@@ -11,13 +11,12 @@ namespace brimvault::files {
 
 enum class NodeKind { regular, directory, link, other };
 
-/// Which object of which file system a name stood for; two equal identities are one object. A number that was freed is
-/// soon given to another object, which is told from the first by when it was made. Where the file system does not tell
-/// that, two equal identities are one object only as long as the object is held open.
+/// Identifies an object of a file system; two equal identities are one object. Inode numbers are reused, so the time of
+/// birth is part of it. Where the file system has none, two equal identities are one object only while it is open.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    std::optional<std::chrono::system_clock::time_point> born;  ///< none where the file system does not tell
+    std::optional<std::chrono::system_clock::time_point> born;  ///< none where the file system has none
     bool operator==(const FileIdentity&) const = default;
 };
 
@@ -28,7 +27,7 @@ struct NodePlace {
     bool operator==(const NodePlace&) const = default;
 };
 
-/// What the system knows of one file, folder or link; a link is described itself, never what it points at.
+/// What the system knows of one file, folder or symbolic link; a link is not followed.
 struct NodeStatus {
     FileIdentity identity;
     std::uint64_t mount = 0;  ///< the mount it was reached through; 0 when the system does not tell
@@ -48,7 +47,7 @@ struct NodeStatus {
     [[nodiscard]] NodePlace place() const { return {identity, mount}; }
 };
 
-/// The sizes of one file or link, and no more: some file systems give these sooner than all they know.
+/// The sizes of one file or symbolic link alone: on some file systems these cost less than the whole status.
 struct EntrySize {
     std::uint64_t logical = 0;    ///< bytes
     std::uint64_t allocated = 0;  ///< bytes on disk; 0 when they were not asked for
@@ -66,7 +65,7 @@ enum class SizesAsked { logical, logicalAndAllocated };
 /// The status at a path; links in its folders are followed, a link at its end is not. Any thread.
 [[nodiscard]] Result<NodeStatus> statusOf(const std::filesystem::path& path);
 
-/// NO only where the system says that no such name exists; what cannot be looked at counts as there.
+/// False only where the system says that no such name exists; true for what cannot be looked at.
 [[nodiscard]] bool mayExist(const std::filesystem::path& path);
 
 }  // namespace brimvault::files

@@ -8,10 +8,10 @@
 
 namespace brimvault::files {
 
-/// Why a piece of file work did not succeed: the system's error number and the path that it struck.
+/// An error: the system's error number and the path that it concerns.
 struct Failure {
     int code = 0;                ///< an errno value, never 0 in a failure
-    std::filesystem::path path;  ///< where it struck; bytes, not for display
+    std::filesystem::path path;  ///< bytes, not for display
 
     /// The system's own text for the code, in the language of the process.
     [[nodiscard]] std::string text() const { return std::generic_category().message(code); }

@@ -4,13 +4,13 @@
 
 namespace brimvault::files {
 
-/// Makes a system call again that a signal interrupted, a few times: a file system that answers so for ever does not
-/// hold the caller up. Not for closing, which is done even when it is interrupted.
+/// Retries a system call on EINTR, at most 8 times, so that a file system that keeps returning EINTR cannot hang us.
+/// Not for `close`, which has taken effect even when it is interrupted.
 template <typename Call>
 auto uninterrupted(Call call) {
-    constexpr int mostTimes = 8;
+    constexpr int maxTimes = 8;
     auto answer = call();
-    for (int times = 1; answer < 0 && errno == EINTR && times < mostTimes; ++times) {
+    for (int times = 1; answer < 0 && errno == EINTR && times < maxTimes; ++times) {
         answer = call();
     }
     return answer;

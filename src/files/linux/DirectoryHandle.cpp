@@ -15,10 +15,10 @@ namespace {
 
 constexpr unsigned oneDirectory = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr unsigned readable = O_RDONLY | O_NONBLOCK | oneDirectory;
-// Passing through a folder asks for less than reading it: one that may be entered but not listed is passed.
+// O_PATH needs no read permission: a folder that may be entered but not listed can be passed.
 constexpr unsigned passThrough = O_PATH | oneDirectory;
 
-// One call that looks at links and mounts itself. Kernels before 5.6 do not have it, and some sandboxes forbid it.
+// openat2 checks symbolic links and mounts itself. Kernels before 5.6 lack it, and some sandboxes forbid it.
 int openAtOnce(int directory, const char* path, unsigned flags, std::uint64_t resolve) {
     open_how how{};
     how.flags = flags;
@@ -36,7 +36,7 @@ bool canOpenAtOnce() {
         if (root >= 0) {
             ::close(root);
         }
-        // Any other failure says nothing of the next call.
+        // Any other failure says nothing about the next call.
         return root >= 0 || (errno != ENOSYS && errno != EPERM && errno != EINVAL && errno != E2BIG);
     }();
     return can;

@@ -13,7 +13,7 @@ namespace brimvault::files {
 
 namespace {
 
-// A thousand entries and more at a time; not so much that the memory is fetched from the system for each reader.
+// Over a thousand entries at a time; below the size at which an allocator maps new memory for each reader.
 constexpr std::size_t batchSize = std::size_t{64} * 1024;
 
 // As the kernel writes it, with the name behind it.
@@ -35,7 +35,7 @@ NodeKind kindOf(int directory, std::uint8_t type, const char* name) {
             return NodeKind::link;
         case DT_UNKNOWN: {  // some file systems keep no kinds in their listings
             const auto status = statusAt(directory, name);
-            return status ? status->kind : NodeKind::directory;  // opening it as one tells what it is
+            return status ? status->kind : NodeKind::directory;  // opening it as one will show
         }
         default:
             return NodeKind::other;

@@ -14,7 +14,7 @@ namespace brimvault::files {
 
 namespace {
 
-// A path that comes upon an automount point must not mount it: looking is not using.
+// A lookup must not trigger an automount.
 constexpr int lookOnly = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_SYNC_AS_STAT;
 constexpr unsigned wanted = STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID;
 constexpr std::uint64_t blockSize = 512;  // the unit of stx_blocks, whatever the file system's own block size
@@ -34,7 +34,7 @@ std::chrono::system_clock::time_point timeOf(const statx_timestamp& time) {
                                                  std::chrono::nanoseconds(time.tv_nsec));
 }
 
-// Kernels before 5.8 do not tell the mount with the status; they tell it of an open descriptor.
+// Before kernel 5.8 statx has no mount ID; /proc shows it for an open descriptor.
 std::uint64_t mountFromDescriptor(int descriptor) {
     std::ifstream info("/proc/self/fdinfo/" + std::to_string(descriptor));
     for (std::string line; std::getline(info, line);) {

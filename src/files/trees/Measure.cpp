@@ -11,18 +11,18 @@ namespace brimvault::files {
 
 namespace {
 
-// A file can be a mount point as well as a folder. A mount that the system does not tell counts as the folder's.
+// A file can be a mount point as well as a folder. An unknown mount counts as the folder's own.
 bool isOnMount(std::uint64_t mount, std::uint64_t expected) { return mount == 0 || mount == expected; }
 
 enum class FoldersAsked { no, yes };
 
 struct Question {
-    std::uint64_t mount;  ///< all else is left out
+    std::uint64_t mount;  ///< entries on other mounts are left out
     SizesAsked sizes;
     FoldersAsked folders;
 };
 
-// What the visitors of one tree have found together.
+// The sum over all visitors of one tree.
 class Sum {
 public:
     void add(const TreeSizes& sizes) {
@@ -80,7 +80,7 @@ private:
     TreeSizes sizes_;
 };
 
-// An item as its folder, held, and its name there.
+// An item: its open parent folder, and its name there.
 struct HeldItem {
     DirectoryHandle folder;
     std::filesystem::path name;

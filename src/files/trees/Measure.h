@@ -8,18 +8,17 @@
 
 namespace brimvault::files {
 
-/// Byte sums over a tree. A file with several names counts once for each name; a link counts as itself.
+/// Byte sums over a tree. A file with several names counts once for each name; a symbolic link counts as itself.
 struct TreeSizes {
     std::uint64_t logical = 0;       ///< lengths of everything that is no folder
     std::uint64_t allocated = 0;     ///< bytes on disk of everything that is no folder
     std::uint64_t regularFiles = 0;  ///< lengths of regular files alone
-    std::uint64_t folders = 0;       ///< what the file system states as the lengths of the folders below the top
+    std::uint64_t folders = 0;       ///< lengths of the folders below the top, as the file system states them
 };
 
-/// A large tree is measured by the calling thread and by those of the pool that have nothing else to do, a small one
-/// where the caller stands. What is seen costs no memory but the names of the folders that are still to be visited.
-/// No measurement leaves the file system that the item itself is on, through no mount below it and not by being one. A
-/// stop ends it within milliseconds, with what was summed by then.
+/// The calling thread measures, helped by idle threads of the pool where the tree is large. Memory is needed only for
+/// the names of pending folders. Mounts below an item are left out, and so is an item that is a mount point itself. A
+/// stop ends a measurement within milliseconds, with the sum so far.
 
 /// Sums over the contents of a folder; all zero when the path is no folder, or is reached through a link. Folders that
 /// cannot be read add nothing, nor do other mounts below. Any thread.

@@ -11,9 +11,9 @@ namespace brimvault::files {
 
 namespace {
 
-constexpr std::size_t mostAhead = 1024;  // entries listed, and perhaps measured, before their turn
+constexpr std::size_t maxAhead = 1024;  // entries listed, and perhaps measured, before their turn
 
-// Entries that were listed together. Folders are measured ahead; a file is sooner asked for its size than handed over.
+// A batch of listed entries. Folders are measured ahead; for a file that would cost more than its size does.
 class Batch {
 public:
     Batch(const DirectoryHandle& folder, std::uint64_t mount, const std::stop_token& stop)
@@ -23,9 +23,9 @@ public:
         listed_.push_back({names_.size(), entry.kind, sizes});
         names_.append(entry.name).push_back('\0');
     }
-    [[nodiscard]] bool isFull() const { return listed_.size() >= mostAhead; }
+    [[nodiscard]] bool isFull() const { return listed_.size() >= maxAhead; }
 
-    // Whether all were told; empties the batch, which nobody measures any more by then.
+    // Whether all were told; empties the batch, once no helper measures it any more.
     bool tell(const std::function<bool(const MeasurableEntry&)>& call) {
         const bool goesOn = tellEach(call);
         listed_.clear();

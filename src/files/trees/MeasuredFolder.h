@@ -15,15 +15,15 @@ enum class Sizes { wanted, unwanted };
 struct MeasurableEntry {
     const char* name;
     NodeKind kind;  ///< as it was listed
-    Sizes sizes;    ///< as it was said of the name
+    Sizes sizes;    ///< as the caller answered for the name
     /// Its logical size in bytes as `measureItem` has it; asked at most once. May be less after a stop.
     const std::function<std::uint64_t()>& size;
 };
 
 /// Calls with every direct child of the folder, in the listing's order, on the calling thread, until the call answers
-/// false or a stop is requested. While it is at one, those after it are measured by whoever of the pool has time: the
-/// calling thread is never ahead of itself, and many small folders keep all processors busy as one large one does.
-/// `sizes` says of a name, on the calling thread, whether its size will be asked for: else nothing is measured ahead.
+/// false or a stop is requested. Meanwhile pool threads measure the next ones ahead, so that many small folders keep
+/// all CPUs busy as one large one does. `sizes` says, on the calling thread, whether a name's size will be asked for;
+/// others are not measured ahead.
 ///
 /// Hidden are the names that begin with a full stop. 0, or the errno value that kept the folder from being read to its
 /// end. The folder is held open for listing, and listed from its start. Any thread.

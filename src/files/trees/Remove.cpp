@@ -13,15 +13,15 @@
 #include "files/SystemCall.h"
 #include "files/walk/SharedWalk.h"
 
-// How a removal keeps to what was looked at
+// How a removal avoids races
 //
-// A path is a promise that anyone may break: between a look at "a/b" and the removal of "a/b", "a" can become a link to
-// somewhere else, and the removal would happen there. So nothing here is removed by path. The folder that holds the
-// item is reached from the root one name at a time, refusing links, and then held open; from there on every step takes
-// one name of a held folder: open it (refusing links and other mounts), or take it away with unlinkat, which never
-// follows a link. An exchange can then only do two things: make a step fail, or put something into the very tree that
-// the user asked to remove. What stays possible is that a folder of the tree is moved out while it is being emptied; it
-// was asked to be removed, and its contents go. The walk notices on its way back and stops.
+// Paths are open to races (TOCTOU): between a check of "a/b" and the removal of "a/b", "a" can become a symbolic link
+// to somewhere else, and the removal would happen there. So nothing here is removed by path. The item's parent folder
+// is opened from the root on, refusing symbolic links, and held open; from there on every step works on one name in an
+// open folder: open it (refusing symbolic links and other mounts), or remove it with unlinkat, which never follows a
+// link. An attacker can then only make a step fail, or put something into the very tree that the user asked to remove.
+// A folder of the tree can still be moved out while it is being emptied; the user asked for its removal, and its
+// contents go. The walk notices when it returns to the parent, and stops.
 //
 // A name listed as a file that has become a folder is refused by the system (EISDIR) and reported, not chased.
 
@@ -33,8 +33,8 @@ enum class Kind : int { file = 0, emptyFolder = AT_REMOVEDIR };
 
 std::atomic<std::uint64_t> removedCount = 0;
 
-// 0, or the errno value that kept it. What is not there is gone.
-int takeAway(const DirectoryHandle& parent, const char* name, Kind kind) {
+// 0, or an errno value. An entry that does not exist counts as removed.
+int unlinkEntry(const DirectoryHandle& parent, const char* name, Kind kind) {
     const bool isGone =
         uninterrupted([&] { return ::unlinkat(parent.descriptor(), name, static_cast<int>(kind)); }) == 0;
     if (isGone) {
@@ -43,7 +43,7 @@ int takeAway(const DirectoryHandle& parent, const char* name, Kind kind) {
     return isGone || errno == ENOENT ? 0 : errno;
 }
 
-// What those have to tell who work on one removal.
+// What the workers of one removal have found.
 class Report {
 public:
     void noteFailure(int code, const std::function<std::filesystem::path()>& path) {
@@ -52,16 +52,16 @@ public:
             firstFailure_ = Failure{code, path()};
         }
     }
-    void noteItemTaken() { isItemTaken_ = true; }
+    void noteItemRemoved() { isItemRemoved_ = true; }
 
-    // Once nobody works on it any more.
+    // Read once no worker is left.
     [[nodiscard]] const std::optional<Failure>& firstFailure() const { return firstFailure_; }
-    [[nodiscard]] bool isItemTaken() const { return isItemTaken_; }
+    [[nodiscard]] bool isItemRemoved() const { return isItemRemoved_; }
 
 private:
     std::mutex mutex_;
     std::optional<Failure> firstFailure_;
-    std::atomic<bool> isItemTaken_ = false;
+    std::atomic<bool> isItemRemoved_ = false;
 };
 
 class RemovalVisitor final : public TreeVisitor {
@@ -72,7 +72,7 @@ public:
         return std::make_unique<RemovalVisitor>(guard_, report_);
     }
 
-    // What a guard was asked of is not taken for granted of another folder.
+    // A guard's answer about one folder must not be used for another that reuses its inode.
     [[nodiscard]] WayBack wayBack() const override {
         return guard_ != nullptr ? WayBack::byTimeOfBirth : WayBack::byNumber;
     }
@@ -90,24 +90,24 @@ public:
     }
 
     void onFile(const DirectoryHandle& folder, const char* name, NodeKind /*kind*/) override {
-        if (const int code = takeAway(folder, name, Kind::file); code != 0) {
+        if (const int code = unlinkEntry(folder, name, Kind::file); code != 0) {
             note(code, name);
         }
     }
 
-    // Asked once more, of what has the name by now: an empty folder that was put there would go.
+    // Asks the guard again about what has the name by now: another empty folder may have been put there.
     void onFolderLeft(const DirectoryHandle& parent, const VisitedFolder& folder) override {
         const char* name = folder.name.c_str();
-        const int code = mayStillRemove(parent, name) ? takeAway(parent, name, Kind::emptyFolder) : EPERM;
+        const int code = mayStillRemove(parent, name) ? unlinkEntry(parent, name, Kind::emptyFolder) : EPERM;
         if (code != 0) {
             note(reason(code, folder.listingCode), name);
         } else if (folder.holder == nullptr) {
-            report_.noteItemTaken();
+            report_.noteItemRemoved();
         }
     }
 
-    // A folder that may not be read can still be removed when it is empty. Where there is a guard, it could not be
-    // asked.
+    // A folder that may not be read can still be removed when it is empty; not with a guard, which could not be asked
+    // about it.
     void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
         if (code == ENOENT) {
             return;
@@ -116,10 +116,10 @@ public:
             note(EBUSY, name);  // what the system itself says of a mount point
         } else if (guard_ != nullptr) {
             note(code, name);
-        } else if (const int refusal = takeAway(parent, name, Kind::emptyFolder); refusal != 0) {
+        } else if (const int refusal = unlinkEntry(parent, name, Kind::emptyFolder); refusal != 0) {
             note(reason(refusal, code), name);
         } else if (isBeforeFirstFolder()) {
-            report_.noteItemTaken();
+            report_.noteItemRemoved();
         }
     }
 
@@ -130,7 +130,7 @@ private:
         report_.noteFailure(code, [&] { return pathOf(name); });
     }
 
-    // That a folder is not empty is no reason of its own where it could not be read, or not to its end.
+    // "Not empty" is only the consequence where the folder could not be read to its end: report that error instead.
     [[nodiscard]] static int reason(int refusal, int reading) {
         const bool isNotEmpty = refusal == ENOTEMPTY || refusal == EEXIST;
         return isNotEmpty && reading != 0 ? reading : refusal;
@@ -150,7 +150,7 @@ private:
 
 RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
 
-// With a guard, by one thread: it is asked in an order.
+// With a guard on one thread, which asks it in a fixed order.
 bool visit(RemovalVisitor& visitor, const DirectoryHandle& parent, const char* name, const std::stop_token& stop,
            bool isGuarded) {
     return isGuarded ? TreeWalk(visitor, parent, stop).visit(name) : SharedWalk(visitor, stop).visit(parent, name);
@@ -164,7 +164,7 @@ RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem
     const bool toItsEnd = visit(visitor, parent, name.c_str(), stop, guard != nullptr);
     // Neither a stop nor a failure on the way matters when the item went all the same.
     const int code = statusAt(parent.descriptor(), name.c_str()).code();
-    if (code == ENOENT || (code != 0 && report.isItemTaken())) {
+    if (code == ENOENT || (code != 0 && report.isItemRemoved())) {
         return {RemovalEnd::gone, std::nullopt};
     }
     if (!toItsEnd) {
@@ -180,7 +180,7 @@ RemovalOutcome removeOfKind(NodeKind kind, const DirectoryHandle& parent, const 
     if (kind == NodeKind::directory) {
         return removeFolder(parent, path, stop, guard);
     }
-    const int code = takeAway(parent, path.filename().c_str(), Kind::file);
+    const int code = unlinkEntry(parent, path.filename().c_str(), Kind::file);
     return code == 0 ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
 }
 

@@ -21,10 +21,9 @@ struct [[nodiscard]] RemovalOutcome {
     std::optional<Failure> failure;  ///< the first one met; set exactly when `end` is `kept`
 };
 
-/// Says what a removal must keep away from. It is told what is held open, or about to be removed by its name in a
-/// folder that is held open, never a path: no exchange of names can show it one folder and empty another. A folder that
-/// is empty can still be exchanged for another empty one between the last question and its removal, by whoever may
-/// change both folders that hold them.
+/// Says what a removal must keep. It is asked about open folders and about names in open folders, never about paths, so
+/// that no race can show it one folder and empty another. Only an empty folder can still be replaced by another empty
+/// one between the last question and its removal, by a process that may change both their parents.
 class RemovalGuard {
 public:
     virtual ~RemovalGuard() = default;
@@ -40,8 +39,8 @@ public:
 /// byte.
 [[nodiscard]] bool isPlainAbsolute(const std::filesystem::path& path);
 
-/// How many files and folders this process has removed so far. One that stays the same while something is being removed
-/// tells that it hangs. Any thread.
+/// How many files and folders this process has removed so far. If it does not grow during a removal, that one hangs.
+/// Any thread.
 [[nodiscard]] std::uint64_t entriesRemoved();
 
 /// Removes a file, a link or a folder with its contents, for good.
@@ -51,8 +50,8 @@ public:
 /// goes on after a failure, so that all that can go goes, and answers the first.
 /// A guard is asked before anything is removed that it could want to keep.
 ///
-/// A large tree is removed by the calling thread and by those of the pool that have nothing else to do, each with fewer
-/// than 16 descriptors open however deep the tree. With a guard it is the calling thread alone, as the guard is asked.
+/// The calling thread removes, helped by idle threads of the pool where the tree is large, each with fewer than 16 open
+/// descriptors however deep the tree. With a guard the calling thread works alone, and calls the guard.
 ///
 /// Any thread. A stop is seen before each entry.
 RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& stop = {},

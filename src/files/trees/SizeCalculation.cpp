@@ -21,7 +21,7 @@ std::uint64_t SizeCalculation::getFolderSize(const std::filesystem::path& path) 
     try {
         runningTotal_ += measureContents(path).regularFiles;
     } catch (const std::bad_alloc&) {
-        std::exit(1);
+        std::exit(1);  // as it is defined: there is no answer that would tell of it
     }
     return runningTotal_;
 }

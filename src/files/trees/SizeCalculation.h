@@ -7,7 +7,8 @@
 
 namespace brimvault::files {
 
-/// Two folder sizes for callers outside the scans. Everything unreadable counts as nothing.
+/// Two folder sizes, kept for callers outside of the window: the scans measure with files/trees/Measure. What cannot be
+/// read counts as nothing.
 class SizeCalculation {
 public:
     /// One for the process, made on first use.

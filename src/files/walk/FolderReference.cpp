@@ -6,7 +6,7 @@ namespace brimvault::files {
 
 namespace {
 
-constexpr std::size_t filesToShare = 256;  // fewer are told of sooner than handed over
+constexpr std::size_t filesToShare = 256;  // visiting fewer costs less than sharing them
 
 std::string takeHalfOfNames(std::string& names) {
     auto last = names.rfind('\0', names.size() / 2 - 1);

@@ -5,14 +5,13 @@
 
 // How several walks visit one tree
 //
-// Each walk keeps what it has to do to itself, on its stack: no lock, no queue and no count shared with others for each
-// folder. Only when somebody has nothing to do, a walk looks down its stack for the folder nearest to the top of the
-// tree in which something waits, and gives about half of that away, with a descriptor of the folder that holds it: of
-// its subfolders, or of its files where there are very many.
+// Work stealing. Each walk has a private stack and takes no lock per folder. When a worker is idle, the walk splits off
+// half of the pending entries of its bottom-most stack frame, subfolders or, where there are very many, files, and
+// hands them over together with an open descriptor of that folder.
 //
-// Such a folder is then finished in parts. VisitedFolder::parts counts them; a walk that comes to the end of its own
-// part while others are not through leaves the folder to them and goes on above. Who finishes the last part leaves the
-// folder, and then, as that was a part of the folder above, perhaps that one too, on the way up.
+// Such a folder is finished in parts, which VisitedFolder::parts counts. A walk that has finished its own part before
+// the others goes on in the parent folder. The walk that finishes the last part reports the folder as left; as the
+// folder was one part of its parent, it may then finish the parent too, and so on up the tree.
 
 namespace brimvault::files {
 
@@ -20,13 +19,12 @@ namespace {
 
 constexpr int entriesBetweenStops = 64;
 
-// From so many on, the files of a folder are told of in the order of their inodes: the system then comes upon what it
-// keeps together on the disk one after the other. In a listing they stand in no order. They are told of in parts,
-// between which some may be given away.
+// From this many on, the files of a folder are visited in the order of their inodes, which on most file systems is the
+// order on the disk; a listing has no order. They are visited in parts, between which some may be given away.
 constexpr std::size_t sortedFiles = 1000;
 constexpr int filesOfAPart = 64;
 
-// Before somebody may have to come back to the folder without its handle.
+// Needed before the folder's handle is closed, to recognize the folder when it is reopened.
 bool makeKnown(FolderReference& folder) {
     if (!folder.folder->place) {
         if (const auto status = folder.handle.status()) {
@@ -60,7 +58,7 @@ bool wasLastPart(VisitedFolder& folder, VisitedFolder& holder) {
 
 bool isOutOfDescriptors(int code) { return code == EMFILE || code == ENFILE; }
 
-// One that holds so many entries counts as two.
+// A folder with this many entries counts as two.
 constexpr int entriesLikeAFolder = 16;
 
 }  // namespace
@@ -108,7 +106,7 @@ void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std:
     const bool canHoldIt = holdNoMoreThan(heldFolders - 1) < maxFoldersHeld;
     auto opened = canHoldIt ? open(parent, name.c_str()) : Result<DirectoryHandle>::failed(EMFILE);
     if (!opened && opened.code() == ENOTDIR) {
-        visitor_.onFile(parent, name.c_str(), NodeKind::link);  // exchanged for something else since it was listed
+        visitor_.onFile(parent, name.c_str(), NodeKind::link);  // replaced by something else since it was listed
     } else if (!opened) {
         visitor_.onFolderClosed(parent, name.c_str(), opened.code());
     } else if (visitor_.entersFolder(*opened, name.c_str())) {
@@ -116,7 +114,7 @@ void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std:
     }
 }
 
-// A process may have fewer descriptors to give than the walks would like to hold.
+// When the process runs out of descriptors, the walk closes its own and tries once more.
 Result<DirectoryHandle> TreeWalk::open(const DirectoryHandle& parent, const char* name) {
     auto opened = parent.openChild(name);
     if (!opened && isOutOfDescriptors(opened.code())) {
@@ -196,18 +194,18 @@ void TreeWalk::tellSomePending(FolderReference& folder) {
         tell(folder, pending.entries->c_str() + place);
     }
     if (pending.files.empty()) {
-        pending = {};  // however long its subfolders take
+        pending = {};  // frees the names before the subfolders are visited
     }
 }
 
-// Those nearest to where the walk is stay open, and those that could not be known again. Answers how many are open.
+// Keeps the innermost folders open, and those that could not be recognized again. Answers how many are open.
 int TreeWalk::holdNoMoreThan(int folders) {
     int open = 0;
     StackItem* item = stack_.topItem();
     for (; item != nullptr && open < folders; ++open) {
         item = item->prevItem.get();
     }
-    // What holds a closed one is closed.
+    // The parents of a closed folder are closed.
     for (; item != nullptr && item->fsref.handle.isOpen(); item = item->prevItem.get()) {
         if (mayClose(item->fsref)) {
             item->fsref.handle.close();
@@ -223,8 +221,8 @@ bool TreeWalk::mayClose(FolderReference& folder) const {
            (visitor_.wayBack() == WayBack::byNumber || folder.folder->place->identity.born.has_value());
 }
 
-// From the folder nearest to the tree's top among those held open. Who gives keeps something: or a last folder would be
-// handed to and fro between two who have nothing else.
+// Splits the outermost open folder that has pending entries. The victim always keeps at least one entry; otherwise two
+// idle workers could pass the last folder back and forth (livelock).
 void TreeWalk::shareWork() {
     StackItem* from = nullptr;
     bool hasMore = false;
@@ -280,7 +278,7 @@ bool TreeWalk::returnTo(FolderReference& holder, const FolderReference& left) {
     return true;
 }
 
-// The last of this walk, though perhaps not of the tree: as far up as nobody else is at work.
+// The last folder of this walk, though perhaps not of the tree: goes up as long as this walk finishes the last part.
 bool TreeWalk::leaveLast(FolderReference left) {
     while (left.folder->parts.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         const auto holder = left.folder->holder;

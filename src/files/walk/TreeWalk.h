@@ -21,25 +21,25 @@ public:
     virtual void onLargeTree() = 0;
 };
 
-/// Visits a folder and everything in it, depth first, each folder's files before its subfolders; only those files of it
-/// that were given to another walk may come later.
+/// Visits a folder and everything in it, depth first, each folder's files before its subfolders; only files that
+/// were given to another walk may come later.
 ///
-/// No name is followed through a link and no mount is entered: every folder is opened as one name of the open folder
-/// that holds it, and everything is done relative to that. However deep the tree, at most `heldFolders` folders are
-/// kept open: those nearest to where the walk is. Coming back to one that was closed, the walk opens ".." and goes on
-/// only if that is the very folder it came from; a folder that was moved meanwhile ends the walk there. A folder that
-/// could not be told from another is not closed where the visitor says so (WayBack): such a walk holds up to
-/// `maxFoldersHeld` and finds deeper ones closed (EMFILE).
+/// No symbolic link is followed and no mount is entered: every folder is opened by its name in its open parent folder,
+/// and everything is done relative to that. However deep the tree, at most `heldFolders` folders are kept open, the
+/// innermost ones. To return to one that was closed, the walk opens ".." and goes on only if that is the very folder it
+/// came from; a folder that was moved meanwhile ends the walk there. Where the visitor asks for it (WayBack), a folder
+/// that could not be recognized again stays open: such a walk holds up to `maxFoldersHeld` and reports deeper ones as
+/// closed (EMFILE).
 ///
-/// A walk is used by one thread. It can give shares of what it has to do to fellows, each with a walk of its own; who
-/// finishes the last of a folder leaves it. A stop ends it before the next entries.
+/// A walk is used by one thread. It can share its pending work with other workers, each with a walk of its own; the
+/// worker that finishes the last part of a folder leaves it. A stop ends it before the next entries.
 class TreeWalk {
 public:
-    /// One for the folder that holds the item, one for a share and two in passing come on top: below 16.
+    /// Below 16 together with the item's parent folder, a share and two that are open for a moment.
     static constexpr int heldFolders = 10;
-    /// Well below the 256 descriptors that a process has at least, everywhere.
+    /// Well below 256, the smallest default of RLIMIT_NOFILE on any system.
     static constexpr int maxFoldersHeld = 128;
-    /// The folders that a walk sees before it calls for others; fewer, if they are large.
+    /// The folders that a walk sees before it calls for helpers; fewer, if they are large.
     static constexpr int largeTree = 64;
 
     TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop,

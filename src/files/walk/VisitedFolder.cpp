@@ -4,22 +4,21 @@
 
 namespace brimvault::files {
 
-// Letting go of the folder above may destroy it, and so on up to the first: instead of going down into each other, the
-// destructors hand what they let go of to the outermost.
+// Destroys the parent chain iteratively: nested destructors would overflow the stack on deep trees.
 VisitedFolder::~VisitedFolder() {
-    static thread_local std::shared_ptr<VisitedFolder>* handedOut = nullptr;
-    if (handedOut != nullptr) {
-        *handedOut = std::move(holder);
+    static thread_local std::shared_ptr<VisitedFolder>* released = nullptr;
+    if (released != nullptr) {
+        *released = std::move(holder);
         return;
     }
     std::shared_ptr<VisitedFolder> above;
-    handedOut = &above;
+    released = &above;
     auto current = std::move(holder);
     while (current != nullptr) {
         current.reset();
         current = std::move(above);
     }
-    handedOut = nullptr;
+    released = nullptr;
 }
 
 std::filesystem::path VisitedFolder::position() const {

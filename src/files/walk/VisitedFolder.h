@@ -10,25 +10,25 @@
 
 namespace brimvault::files {
 
-/// A folder of a walk, as all know it who work in it or below it.
+/// A folder of a walk. Shared by all workers in this folder or below.
 struct VisitedFolder {
     VisitedFolder(std::string itsName, std::shared_ptr<VisitedFolder> itsHolder)
         : name(std::move(itsName)), holder(std::move(itsHolder)) {}
     VisitedFolder(const VisitedFolder&) = delete;
     VisitedFolder& operator=(const VisitedFolder&) = delete;
-    /// However deep it lies, without recursion.
+    /// Without recursion, however deep the folder is.
     ~VisitedFolder();
 
-    /// From the first folder's name on, for a report.
+    /// Its path from the first folder's name on, for a report.
     [[nodiscard]] std::filesystem::path position() const;
 
-    const std::string name;                 ///< in the folder that holds it
+    const std::string name;                 ///< in its parent folder
     std::shared_ptr<VisitedFolder> holder;  ///< null for the first one
-    /// Known before its handle is closed, and before anybody else works in it or below: by this it is known again.
+    /// Identifies the folder when it is reopened. Set before its handle is closed and before another worker gets it.
     std::optional<NodePlace> place;
     int listingCode = 0;  ///< the errno value with which the listing broke off; what it gave is visited. 0: it did not
-    /// What has to be finished before the folder is: the shares of its own entries, and the folders in it that were
-    /// left to others to be finished. Who finishes the last is who leaves the folder.
+    /// Outstanding parts (reference count): shares of its own entries, and subfolders that other workers finish. The
+    /// worker that drops it to 0 finishes the folder.
     std::atomic<int> parts = 1;
 };
 
