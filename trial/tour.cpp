@@ -18,7 +18,7 @@
 #include "trial/EnglishEnvironment.h"
 #include "trial/Guide.h"
 #include "trial/SampleHome.h"
-#include "ui/controls/WindowAlerts.h"
+#include "ui/controls/AlertWindow.h"
 #include "ui/look/FocusRing.h"
 #include "ui/look/Look.h"
 #include "ui/window/FAppDelegate.h"

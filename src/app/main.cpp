@@ -10,7 +10,7 @@
 #include "engine/removal/Remover.h"
 #include "platform/UserDefaults.h"
 #include "ui/accessibility/AccessibleItemView.h"
-#include "ui/controls/WindowAlerts.h"
+#include "ui/controls/AlertWindow.h"
 #include "ui/look/FocusRing.h"
 #include "ui/look/Look.h"
 #include "ui/window/FAppDelegate.h"

@@ -11,7 +11,7 @@
 #include "langres/LangListController.h"
 #include "support/TextPrinting.h"
 #include "support/WindowFixture.h"
-#include "ui/controls/WindowAlerts.h"
+#include "ui/controls/AlertWindow.h"
 #include "ui/services/InfoWindow.h"
 
 namespace brimvault::tests {

@@ -4,7 +4,7 @@
 
 #include "engine/model/FileSize.h"
 #include "support/WindowFixture.h"
-#include "ui/controls/WindowAlerts.h"
+#include "ui/controls/AlertWindow.h"
 
 using namespace brimvault;
 using trial::Guide;

@@ -8,9 +8,7 @@
 
 #include "ui/accessibility/AccessibleCell.h"
 #include "ui/accessibility/AccessibleHeaderCell.h"
-#include "ui/controls/AccessibleButton.h"
-#include "ui/controls/AccessibleProgress.h"
-#include "ui/controls/AccessibleSheet.h"
+#include "ui/controls/AccessibleControls.h"
 #include "ui/controls/AlertWindow.h"
 #include "ui/report/NotCleanedListView.h"
 #include "ui/sections/SectionsTableView.h"

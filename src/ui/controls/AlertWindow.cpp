@@ -1,9 +1,11 @@
 #include "ui/controls/AlertWindow.h"
 
+#include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "ui/controls/MCheckCellT.h"
+#include "ui/controls/MCheckCell.h"
 #include "ui/look/Look.h"
 #include "ui/look/PictureLabel.h"
 #include "ui/look/TextLabel.h"
@@ -102,6 +104,28 @@ WhiteTitleButton* makeButton(const QString& title, const WhiteTitleButton::Pictu
     return button;
 }
 
+// Lies over a window that waits for an answer.
+class Shade final : public QWidget {
+public:
+    explicit Shade(QWidget* window) : QWidget(window) {
+        setGeometry(window->rect());
+        window->installEventFilter(this);
+        raise();
+        show();
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == parentWidget() && event->type() == QEvent::Resize) {
+            setGeometry(parentWidget()->rect());
+        }
+        return QWidget::eventFilter(watched, event);
+    }
+    void paintEvent(QPaintEvent* event) override {
+        QPainter(this).fillRect(event->rect(), QColor::fromRgba(look::questionShade));
+    }
+};
+
 }  // namespace
 
 AlertWindow::AlertWindow(const Alert& alert, QWidget* window) : QDialog(window) {
@@ -163,6 +187,15 @@ QLayout* AlertWindow::makeButtons(const Alert& alert) {
 void AlertWindow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), QColor(look::row));
+}
+
+AlertAnswer WindowAlerts::runModal(const Alert& alert, QWidget* window) {
+    const Shade shade(window);
+    AlertWindow shown(alert, window);
+    AlertAnswer answer;
+    answer.returnCode = shown.exec() == QDialog::Accepted ? AlertAnswer::firstButton : AlertAnswer::secondButton;
+    answer.suppressed = shown.isSuppressionTicked();
+    return answer;
 }
 
 }  // namespace brimvault::ui

@@ -40,4 +40,10 @@ private:
     TitledCheckBox* suppressionBox_ = nullptr;
 };
 
+/// Asks with an AlertWindow over the window.
+class WindowAlerts final : public AlertPresenter {
+public:
+    AlertAnswer runModal(const Alert& alert, QWidget* window) override;
+};
+
 }  // namespace brimvault::ui

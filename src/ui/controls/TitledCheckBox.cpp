@@ -3,7 +3,7 @@
 #include <QPainter>
 #include <algorithm>
 
-#include "ui/controls/MCheckCellT.h"
+#include "ui/controls/MCheckCell.h"
 #include "ui/look/FocusRing.h"
 #include "ui/look/Look.h"
 

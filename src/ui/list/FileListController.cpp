@@ -5,7 +5,7 @@
 
 #include "engine/notification/Notifications.h"
 #include "platform/DisplayText.h"
-#include "ui/table/FilePicture.h"
+#include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {
 

@@ -2,8 +2,10 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include "ui/list/ItemListModel.h"
+#include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
 #include "ui/look/TextLine.h"
 
@@ -11,9 +13,51 @@ namespace brimvault::ui {
 
 namespace {
 
+constexpr int margin = 10;
+constexpr int arrowGap = 6;
 constexpr qreal textSize = 11.5;
 
 }  // namespace
+
+QLatin1String HTableHeaderCell::arrow() const {
+    return QLatin1String((order == Qt::AscendingOrder) != bReverceSort ? "sortTrAsc" : "sortTrDesc");
+}
+
+// The ends of the header have a part of their own; between them the middle is stretched.
+void HTableHeaderCell::drawGround(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction) const {
+    using Name = QLatin1String;
+    const bool lit = isHighlighted();
+    const int end = qRound(ImageLoad::sizeOf(Name("table_top_left")).width());
+    const bool leftEnd = direction == Qt::RightToLeft ? last : first;
+    const bool rightEnd = direction == Qt::RightToLeft ? first : last;
+    const QRect middle = cell.adjusted(leftEnd ? end : 0, 0, rightEnd ? -end : 0, 0);
+    ImageLoad::drawFilled(painter, middle, Name(lit ? "table_top_select_mid" : "table_top_mid"));
+    if (leftEnd) {
+        ImageLoad::drawFilled(painter, {cell.left(), cell.top(), end, cell.height()},
+                              Name(lit ? "table_top_select_left" : "table_top_left"));
+    }
+    if (rightEnd) {
+        ImageLoad::drawFilled(painter, {cell.right() + 1 - end, cell.top(), end, cell.height()},
+                              Name(lit ? "table_top_select_right" : "table_top_right"));
+    }
+}
+
+void HTableHeaderCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction,
+                            const QFont& font) const {
+    drawGround(painter, cell, direction);
+    QRect text = cell.adjusted(margin, 0, -margin, 0);
+    if (order) {
+        const QSize size = ImageLoad::sizeOf(arrow()).toSize();
+        const QRect place(text.right() + 1 - size.width(), text.center().y() - size.height() / 2 + 1, size.width(),
+                          size.height());
+        ImageLoad::draw(painter, QStyle::visualRect(direction, text, place).topLeft(), arrow());
+        text = QStyle::visualRect(direction, text, text.adjusted(0, 0, -size.width() - arrowGap, 0));
+    }
+    painter.setPen(QColor(isHighlighted()            ? look::accentDark
+                          : pointer == Pointer::over ? look::textPrimary
+                                                     : look::textHeader));
+    drawTextLine(painter, text, side, font, title);
+}
 
 HTableHeaderView::HTableHeaderView(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
     setSectionsClickable(true);

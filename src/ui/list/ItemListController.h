@@ -9,7 +9,6 @@
 
 #include "engine/model/DataMan.h"
 #include "engine/notification/NotificationCenter.h"
-#include "ui/controls/CheckListener.h"
 #include "ui/list/ItemListModel.h"
 #include "ui/list/TTableView.h"
 #include "ui/services/ApplicationController.h"

@@ -1,14 +1,92 @@
 #include "ui/list/ListControllers.h"
 
-#include "ui/list/TAppsViewController.h"
-#include "ui/list/TChViewController.h"
-#include "ui/list/TDwnViewController.h"
-#include "ui/list/TLogsViewController.h"
-#include "ui/list/TTrViewController.h"
+#include <QCoreApplication>
+
+#include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {
 
 using engine::Section;
+
+namespace {
+
+const engine::AppItemData& application(const engine::CleanableItem& item) {
+    return static_cast<const engine::AppItemData&>(item);
+}
+
+// Other packages, plug-ins for instance, get the picture of a folder.
+RowPicture packagePicture(const std::filesystem::path& package) {
+    return package.extension() == ".app"
+               ? RowPicture(QLatin1String("icApp"), RowPicture::Better::ofApplication, package.native())
+               : filePicture(files::NodeKind::directory);
+}
+
+}  // namespace
+
+TChViewController::TChViewController(const Surroundings& surroundings)
+    : FileListController(Section::caches, surroundings) {
+    awake(QCoreApplication::translate("Section", "Caches"));
+}
+
+std::filesystem::path TChViewController::getPathByItem(const engine::FFItem& item) const {
+    return surroundings().util.getFullCachePathToItem(item);
+}
+
+QString TChViewController::getDisplayText(const QString& text) {
+    const QLatin1String prefix("com.");
+    return text.size() > prefix.size() && text.startsWith(prefix) ? text.mid(prefix.size()) : text;
+}
+
+TLogsViewController::TLogsViewController(const Surroundings& surroundings)
+    : FileListController(Section::logs, surroundings) {
+    awake(QCoreApplication::translate("Section", "Logs"));
+}
+
+std::filesystem::path TLogsViewController::getPathByItem(const engine::FFItem& item) const {
+    return item.pfpath().empty() ? item.pfname() : item.pfpath();
+}
+
+std::filesystem::path TLogsViewController::fullPathOf(const engine::FFItem& item) const {
+    return UtilMod::getFullLogsPathToItem(item);
+}
+
+TDwnViewController::TDwnViewController(const Surroundings& surroundings)
+    : FileListController(Section::downloads, surroundings) {
+    awake(QCoreApplication::translate("Section", "Downloads"));
+}
+
+std::filesystem::path TDwnViewController::getPathByItem(const engine::FFItem& item) const {
+    return surroundings().util.getFullDownloadPathToItem(item);
+}
+
+TTrViewController::TTrViewController(const Surroundings& surroundings)
+    : FileListController(Section::trash, surroundings) {
+    awake(QCoreApplication::translate("Section", "Trash"));
+}
+
+std::filesystem::path TTrViewController::getPathByItem(const engine::FFItem& item) const {
+    return surroundings().util.getFullTrashPathToItem(item);
+}
+
+TAppsViewController::TAppsViewController(const Surroundings& surroundings)
+    : ItemListController(Section::languageResources, surroundings) {
+    awake(QCoreApplication::translate("Section", "Language Resources"));
+}
+
+ItemListModel::Texts TAppsViewController::texts() const {
+    return {[](const engine::CleanableItem& item) { return application(item).displayName(); },
+            [](const engine::CleanableItem& /*item*/) { return QString(); },
+            [](const engine::CleanableItem& item) { return packagePicture(application(item).pAppName()); },
+            [](const engine::CleanableItem& item) { return application(item).cleanableLocsCount(); }, true};
+}
+
+std::filesystem::path TAppsViewController::pathOf(const engine::CleanableItem& item) const {
+    return application(item).pAppName();
+}
+
+std::shared_ptr<engine::AppItemData> TAppsViewController::getSelectedApp() const {
+    return std::static_pointer_cast<engine::AppItemData>(selectedItem());
+}
 
 std::unique_ptr<ItemListController> makeListController(Section section,
                                                        const ItemListController::Surroundings& surroundings) {

@@ -9,7 +9,6 @@
 #include "engine/operations/CPerformer.h"
 #include "platform/UserDefaults.h"
 #include "ui/controls/AlertPresenter.h"
-#include "ui/controls/CheckListener.h"
 #include "ui/sections/SectionListModel.h"
 #include "ui/sections/SectionNotes.h"
 #include "ui/sections/SectionsTableView.h"

@@ -2,6 +2,8 @@
 
 #include "ui/services/Activity.h"
 
+#include "engine/Section.h"
+
 class QWidget;
 
 namespace brimvault::ui {
@@ -62,6 +64,15 @@ private:
             setActivity(Activity::idle);
         }
     }
+};
+
+/// What an item list tells the section list. Main thread.
+class CheckListener {
+public:
+    virtual ~CheckListener() = default;
+
+    /// An item of the section was ticked or unticked. Ticking one ticks its section; unticking never unticks it.
+    virtual void setSectionChecked(engine::Section section, bool checked) = 0;
 };
 
 }  // namespace brimvault::ui

@@ -9,7 +9,7 @@
 #include "ui/controls/WhiteTitleButton.h"
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
-#include "ui/table/FilePicture.h"
+#include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {
 

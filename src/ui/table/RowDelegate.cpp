@@ -10,9 +10,14 @@
 #include "ui/look/FocusRing.h"
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
-#include "ui/table/TextCellSmall.h"
+#include "ui/look/TextLine.h"
 
 namespace brimvault::ui {
+
+void TextCellSmall::draw(QPainter& painter, const QRect& cell, Qt::Alignment side, const TextData& value) {
+    painter.setPen(QColor(value.selected ? look::textOnAccent : look::textPrimary));
+    drawTextLine(painter, cell, side, look::font(textSize), value.title, Qt::ElideMiddle);
+}
 
 void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     painter->save();

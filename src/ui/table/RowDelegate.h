@@ -2,9 +2,19 @@
 
 #include <QStyledItemDelegate>
 
+#include "ui/look/TextData.h"
 #include "ui/table/CheckTableView.h"
 
 namespace brimvault::ui {
+
+/// A cell of a table with one line of text, as it is drawn. Main thread.
+struct TextCellSmall {
+    static constexpr qreal textSize = 13;
+
+    /// The text stands beside that edge: a name where lines begin, a number where they end. What does not fit is elided
+    /// in the middle, since names differ at either end.
+    static void draw(QPainter& painter, const QRect& cell, Qt::Alignment side, const TextData& value);
+};
 
 /// Draws the cells of a table of rows that can be ticked: the check box, the text, and the mark of the keyboard's focus
 /// around the current row. Each kind of table draws its own pictures. Main thread.

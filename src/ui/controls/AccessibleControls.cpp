@@ -1,11 +1,10 @@
-#include "ui/controls/AccessibleButton.h"
+#include "ui/controls/AccessibleControls.h"
 
 #include <QCheckBox>
 #include <QTimer>
 
 #include "ui/controls/IconButton.h"
 #include "ui/controls/PlashkaView.h"
-#include "ui/controls/Sheet.h"
 
 namespace brimvault::ui {
 

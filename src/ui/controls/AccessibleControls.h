@@ -1,10 +1,31 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QAccessibleWidget>
 
 #include "ui/controls/ProgressIndicator.h"
+#include "ui/controls/Sheet.h"
 
 namespace brimvault::ui {
+
+/// What an assistive client sees of the window's own buttons. Qt's presentation ticks a check box without the click
+/// that the program waits for, does not know that something opens and closes, and can press what a sheet covers. Main
+/// thread.
+class AccessibleButton final : public QAccessibleWidget {
+public:
+    explicit AccessibleButton(QAbstractButton* button);
+
+    [[nodiscard]] QString text(QAccessible::Text kind) const override;
+    [[nodiscard]] QAccessible::State state() const override;
+    [[nodiscard]] QStringList actionNames() const override;
+    void doAction(const QString& action) override;
+
+private:
+    [[nodiscard]] static bool isUsable(const QAbstractButton* button);
+    [[nodiscard]] QString clickAction() const;
+
+    QAbstractButton* button_;
+};
 
 /// What an assistive client sees of a progress indicator: a bar from 0 to 100 per cent. Main thread.
 class AccessibleProgress final : public QAccessibleWidget, public QAccessibleValueInterface {
@@ -31,6 +52,18 @@ public:
 
 private:
     ProgressIndicator* indicator_;
+};
+
+/// What an assistive client sees of a sheet: a dialog that is to be answered first. Main thread.
+class AccessibleSheet final : public QAccessibleWidget {
+public:
+    explicit AccessibleSheet(Sheet* sheet) : QAccessibleWidget(sheet, QAccessible::Dialog) {}
+
+    [[nodiscard]] QAccessible::State state() const override {
+        auto state = QAccessibleWidget::state();
+        state.modal = true;
+        return state;
+    }
 };
 
 }  // namespace brimvault::ui
