@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <functional>
 
 #include "ui/controls/AlertWindow.h"
@@ -25,6 +26,14 @@ public:
     }
 
     static void click(QWidget* widget) { QTest::mouseClick(widget, Qt::LeftButton); }
+
+    /// The button in the widget that has that name for an assistive client; null for none.
+    static QAbstractButton* button(const QWidget* parent, const QString& name) {
+        const auto buttons = parent->findChildren<QAbstractButton*>();
+        const auto found = std::find_if(buttons.begin(), buttons.end(),
+                                        [&](const auto* button) { return button->accessibleName() == name; });
+        return found == buttons.end() ? nullptr : *found;
+    }
 
     /// Presses the button and waits until the scan that it starts has ended.
     bool scan(QAbstractButton* button) {

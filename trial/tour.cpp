@@ -180,7 +180,7 @@ void notCleanedScene(ui::FAppDelegate& application, const Camera& camera) {
     if (sheet != nullptr) {
         QTest::qWait(sliding);
         camera.take(application.window(), QStringLiteral("not-cleaned"));
-        trial::Guide::click(sheet->closeButton());
+        trial::Guide::click(trial::Guide::button(sheet, QStringLiteral("Close")));
         expect(!sheet->isVisible(), "the sheet closes");
     }
 }

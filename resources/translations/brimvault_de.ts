@@ -324,10 +324,6 @@
         <translation>Version %1</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Schließen</translation>
-    </message>
-    <message>
         <source>Frees disk space: it shows what your caches, unneeded languages, logs, downloads and trash hold, and removes what you tick.</source>
         <translation>Gibt Speicherplatz frei: zeigt, was Caches, nicht benötigte Sprachen, Protokolle, Downloads und Papierkorb enthalten, und entfernt, was Sie ankreuzen.</translation>
     </message>
@@ -382,10 +378,6 @@
     <message>
         <source>Information: %1</source>
         <translation>Informationen: %1</translation>
-    </message>
-    <message>
-        <source>Close</source>
-        <translation>Schließen</translation>
     </message>
     <message>
         <source>Kind</source>
@@ -611,10 +603,6 @@ Was würde es besser machen? Jede Idee ist willkommen:
 <context>
     <name>brimvault::ui::NotCleanedSheet</name>
     <message>
-        <source>Close</source>
-        <translation>Schließen</translation>
-    </message>
-    <message>
         <source>Some items were not removed</source>
         <translation>Einige Objekte wurden nicht entfernt</translation>
     </message>
@@ -765,6 +753,13 @@ Alle auswählen und scannen?</translation>
     <message>
         <source>No program for mail answers. The address is %1</source>
         <translation>Kein E-Mail-Programm antwortet. Die Adresse lautet %1</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::WhiteTitleButton</name>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
     </message>
 </context>
 </TS>

@@ -62,6 +62,7 @@ protected:
     }
     [[nodiscard]] ui::NotCleanedController& controller() const { return application_->pNotCleanedController(); }
     [[nodiscard]] ui::NotCleanedSheet* sheet() const { return controller().pNotCleanedInfoPanel(); }
+    [[nodiscard]] QAbstractButton* closeButton() const { return Guide::button(sheet(), QStringLiteral("Close")); }
     [[nodiscard]] ui::NotCleanedListView* rows() const { return sheet()->pNotCleanedTView(); }
     [[nodiscard]] QRect place(int row) const { return rows()->visualRect(controller().index(row)); }
     [[nodiscard]] QList<int> selected() const {
@@ -110,7 +111,7 @@ TEST_F(NotCleanedJourney, ACleanTellsWhatItCouldNotRemove) {
     EXPECT_EQ(place(0).top(), 0);
 
     auto* before = lists()->pbtnClean();  // there is still something to clean
-    Guide::click(sheet()->closeButton());
+    Guide::click(closeButton());
     EXPECT_EQ(sheet(), nullptr);
     EXPECT_EQ(controller().rowCount(), 0);
     EXPECT_EQ(QApplication::focusWidget(), before);
@@ -188,13 +189,13 @@ TEST_F(NotCleanedJourney, TheKeyboardStaysInIt) {
     report();
     EXPECT_EQ(QApplication::focusWidget(), rows());
     type(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), sheet()->closeButton());
+    EXPECT_EQ(QApplication::focusWidget(), closeButton());
     type(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), rows());
     type(Qt::Key_Tab, Qt::ShiftModifier);
-    EXPECT_EQ(QApplication::focusWidget(), sheet()->closeButton());
+    EXPECT_EQ(QApplication::focusWidget(), closeButton());
     guide_->list()->setFocus();
-    EXPECT_EQ(QApplication::focusWidget(), sheet()->closeButton()) << "taken back";
+    EXPECT_EQ(QApplication::focusWidget(), closeButton()) << "taken back";
     QTest::keyClick(window()->windowHandle(), Qt::Key_F10);
     EXPECT_FALSE(isMenuOpen());
     type(Qt::Key_Return);
@@ -365,7 +366,7 @@ TEST_F(NotCleanedControllerTest, KeepsInsideItsWindowAndBreaksLongMessagesIntoLi
     EXPECT_TRUE(Guide::waitFor([&] { return height(1) > lines; }));
     EXPECT_EQ(sheet->geometry(), window_.rect());
     EXPECT_TRUE(sheet->rect().contains(sheet->panel()->geometry()));
-    const auto* button = sheet->closeButton();
+    const auto* button = Guide::button(sheet, QStringLiteral("Close"));
     EXPECT_TRUE(window_.rect().contains(QRect(button->mapTo(&window_, QPoint()), button->size())));
 }
 

@@ -22,16 +22,16 @@ constexpr int buttonWidth = 104;
 constexpr qreal messageSize = 14;
 constexpr qreal informativeSize = 12.5;
 constexpr qreal buttonTextSize = 13;
-constexpr qsizetype longestRun = 32;  // characters
+constexpr qsizetype maxRun = 32;  // characters
 
-// Names of files can be longer than a line, without a place to break it: they get places that are not to be seen.
+// Names of files can be longer than a line without a place to break it: they get invisible ones (zero-width spaces).
 QString breakable(const QString& text) {
     QString result;
     qsizetype run = 0;
     for (const QChar letter : text) {
         run = letter.isSpace() ? 0 : run + 1;
         result += letter;
-        if (run >= longestRun && !letter.isHighSurrogate()) {
+        if (run >= maxRun && !letter.isHighSurrogate()) {
             result += QChar(0x200B);
             run = 0;
         }
@@ -39,13 +39,9 @@ QString breakable(const QString& text) {
     return result;
 }
 
-// A name may look like markup, and is shown as it is.
 QLabel* paragraph(const QString& text, const QFont& font, QRgb color, int width = textWidth) {
-    auto* label = makeLabel({}, font, color);
-    label->setTextFormat(Qt::PlainText);
-    label->setText(breakable(text));
+    auto* label = makeNameLabel(breakable(text), font, color);
     label->setAccessibleName(text);
-    label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setContentsMargins(MCheckCellT::margin, 0, MCheckCellT::margin, 0);  // a check box stands below it
     label->setFixedWidth(look::scaled(width));
@@ -93,14 +89,9 @@ QWidget* factsPanel(const Alert::Facts& facts) {
     return panel;
 }
 
-WhiteTitleButton* makeButton(const QString& title, const WhiteTitleButton::Pictures& pictures, QRgb color) {
-    auto* button = new WhiteTitleButton;
-    button->setPictures(pictures);
-    button->setTitleColor(QColor(color));
-    button->setTitleSize(buttonTextSize);
-    button->setTitle(title, title);
-    button->setMinimumWidth(look::scaled(buttonWidth));
-    button->setFixedHeight(look::scaled(look::smallButtonHeight));
+WhiteTitleButton* makeButton(const QString& title, const WhiteTitleButton::Pictures& pictures) {
+    auto* button = WhiteTitleButton::make(title, pictures, buttonTextSize);
+    button->setSmall(buttonWidth);
     return button;
 }
 
@@ -144,9 +135,9 @@ AlertWindow::AlertWindow(const Alert& alert, QWidget* window) : QDialog(window) 
     rows->setSizeConstraint(QLayout::SetFixedSize);
     rows->addLayout(content);
     rows->addLayout(makeButtons(alert));
-    auto* const usual = alert.buttons == Alert::Buttons::deleteAndCancel ? secondButton_ : firstButton_;
-    usual->setDefault(true);
-    usual->setFocus();
+    auto* const defaultButton = alert.buttons == Alert::Buttons::deleteAndCancel ? secondButton_ : firstButton_;
+    defaultButton->setDefault(true);
+    defaultButton->setFocus();
 }
 
 QVBoxLayout* AlertWindow::makeTexts(const Alert& alert) {
@@ -169,14 +160,13 @@ QVBoxLayout* AlertWindow::makeTexts(const Alert& alert) {
 QLayout* AlertWindow::makeButtons(const Alert& alert) {
     const bool deletes = alert.buttons == Alert::Buttons::deleteAndCancel;
     firstButton_ =
-        deletes ? makeButton(tr("Delete"), {QLatin1String("btnStopDes"), QLatin1String("btnStop")}, look::textOnAccent)
-                : makeButton(tr("OK"), {QLatin1String("btnScanDes"), QLatin1String("btnScan")}, look::textOnAccent);
+        deletes ? makeButton(tr("Delete"), WhiteTitleButton::danger) : makeButton(tr("OK"), WhiteTitleButton::accent);
     connect(firstButton_, &QAbstractButton::clicked, this, &QDialog::accept);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     if (alert.buttons != Alert::Buttons::takeNote) {
-        secondButton_ =
-            makeButton(tr("Cancel"), {QLatin1String("btnQuietDes"), QLatin1String("btnQuiet")}, look::accentDark);
+        secondButton_ = makeButton(tr("Cancel"), WhiteTitleButton::quiet);
+        secondButton_->setTitleColor(QColor(look::accentDark));
         connect(secondButton_, &QAbstractButton::clicked, this, &QDialog::reject);
         buttons->addWidget(secondButton_);
     }

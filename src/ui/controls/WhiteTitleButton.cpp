@@ -18,16 +18,31 @@ constexpr int cornerRadius = 10;
 constexpr qreal indicatorGap = 10;
 constexpr qreal hoverOpacity = 0.92;
 constexpr int titleMargin = 24;
-constexpr qreal usualTitleSize = 15;
+constexpr qreal defaultTitleSize = 15;
 
 }  // namespace
 
 WhiteTitleButton::WhiteTitleButton(QWidget* parent) : QPushButton(parent), titleColor_(look::textOnAccent) {
-    setTitleSize(usualTitleSize);
+    setTitleSize(defaultTitleSize);
     setCursor(Qt::PointingHandCursor);
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
     setAutoDefault(true);
+}
+
+WhiteTitleButton* WhiteTitleButton::make(const QString& title, const Pictures& pictures, qreal titleSize) {
+    auto* button = new WhiteTitleButton;
+    button->setPictures(pictures);
+    button->setTitle(title, title);
+    button->setTitleSize(titleSize);
+    return button;
+}
+
+WhiteTitleButton* WhiteTitleButton::makeClose(qreal titleSize) { return make(tr("Close"), accent, titleSize); }
+
+void WhiteTitleButton::setSmall(int minWidth) {
+    setMinimumWidth(look::scaled(minWidth));
+    setFixedHeight(look::scaled(look::smallButtonHeight));
 }
 
 void WhiteTitleButton::setPictures(const Pictures& pictures) {

@@ -21,7 +21,15 @@ public:
         QLatin1String pressed;
     };
 
+    static constexpr Pictures accent{QLatin1String("btnScanDes"), QLatin1String("btnScan")};
+    static constexpr Pictures danger{QLatin1String("btnStopDes"), QLatin1String("btnStop")};
+    static constexpr Pictures quiet{QLatin1String("btnQuietDes"), QLatin1String("btnQuiet")};
+
     explicit WhiteTitleButton(QWidget* parent = nullptr);
+    /// A button without an owner, whose title is its accessible name as well. The size is that of the title in points.
+    [[nodiscard]] static WhiteTitleButton* make(const QString& title, const Pictures& pictures, qreal titleSize);
+    /// "Close".
+    [[nodiscard]] static WhiteTitleButton* makeClose(qreal titleSize);
 
     /// Loaded by name when they are drawn first.
     void setPictures(const Pictures& pictures);
@@ -30,6 +38,8 @@ public:
     void setTitleColor(const QColor& color);
     /// In points.
     void setTitleSize(qreal size);
+    /// As low as the buttons of alerts and sheets are, and at least that wide, in points that grow with the text.
+    void setSmall(int minWidth);
     /// Gives the button an indicator beside its title; the name says what it shows to be going on.
     ProgressIndicator* addIndicator(const QString& accessibleName);
 

@@ -9,7 +9,6 @@
 
 #include "ui/look/Look.h"
 #include "ui/look/TextLabel.h"
-#include "ui/look/TextLine.h"
 
 namespace brimvault::ui {
 
@@ -28,10 +27,8 @@ QMargins margins(const QWidget* widget, int leading, int top, int trailing) {
     return widget->isRightToLeft() ? QMargins(trailing, top, leading, 0) : QMargins(leading, top, trailing, 0);
 }
 
-QLabel* makeParagraph(const QString& text, const QFont& font, QRgb color) {
-    auto* label = makeLabel(text, font, color);
-    label->setWordWrap(true);
-    label->setAlignment(leadingSide(label->layoutDirection()) | Qt::AlignAbsolute | Qt::AlignVCenter);
+QLabel* makeText(const QString& text, const QFont& font, QRgb color) {
+    auto* label = makeParagraph(text, font, color);
     label->setContentsMargins(margins(label, textMargin, 0, textEndMargin));
     return label;
 }
@@ -43,11 +40,10 @@ LanguagesDrawer::LanguagesDrawer(QWidget* parent)
     auto* layout = new QVBoxLayout(content_);
     layout->setContentsMargins(margins(this, 1, 16, 0));
     layout->setSpacing(0);
-    layout->addWidget(
-        makeParagraph(tr("Languages to keep"), look::font(titleSize, QFont::DemiBold), look::textPrimary));
+    layout->addWidget(makeText(tr("Languages to keep"), look::font(titleSize, QFont::DemiBold), look::textPrimary));
     layout->addSpacing(3);
-    layout->addWidget(makeParagraph(tr("Localizations in unchecked languages can be removed. English always stays."),
-                                    look::font(noteSize), look::textSecondary));
+    layout->addWidget(makeText(tr("Localizations in unchecked languages can be removed. English always stays."),
+                               look::font(noteSize), look::textSecondary));
     layout->addSpacing(10);
     layout->addWidget(ptableView_, 1);
     connect(&slide_, &QVariantAnimation::valueChanged, this, [this](const QVariant& width) { slideTo(width.toInt()); });

@@ -56,7 +56,7 @@ ListPanel::ListPanel(QWidget* parent)
       middle_(new QHBoxLayout),
       pDestView_(new QWidget),
       lists_(new QVBoxLayout(pDestView_)),
-      note_(makeLabel({}, look::font(noteSize), look::textSecondary)),
+      note_(makeNameLabel({}, look::font(noteSize), look::textSecondary)),
       pbtnSelectAll_(new SelectAllButton),
       plashka_(new PlashkaView),
       pbtnClean_(new WhiteTitleButton),
@@ -68,8 +68,6 @@ ListPanel::ListPanel(QWidget* parent)
     lists_->setContentsMargins({});
     lists_->setSpacing(0);
     note_->setAlignment(Qt::AlignCenter);
-    note_->setWordWrap(true);
-    note_->setTextFormat(Qt::PlainText);
     lists_->addWidget(note_);
 
     auto* panel = new QVBoxLayout(this);

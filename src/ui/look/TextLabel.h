@@ -17,7 +17,32 @@ namespace brimvault::ui {
     return label;
 }
 
-/// A label of one line, in the same way, whose text is cut where it does not fit. Main thread.
+/// One whose text is broken into lines; they begin at the leading side, in whichever direction the text runs.
+[[nodiscard]] inline QLabel* makeParagraph(const QString& text, const QFont& font, QRgb color) {
+    auto* label = makeLabel(text, font, color);
+    label->setWordWrap(true);
+    label->setAlignment(leadingSide(label->layoutDirection()) | Qt::AlignAbsolute | Qt::AlignVCenter);
+    return label;
+}
+
+/// One whose lines stand in the middle.
+[[nodiscard]] inline QLabel* makeCentredLabel(const QString& text, const QFont& font, QRgb color) {
+    auto* label = makeLabel(text, font, color);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignCenter);
+    return label;
+}
+
+/// One for names of files: they may look like markup, and are shown as they are.
+[[nodiscard]] inline QLabel* makeNameLabel(const QString& text, const QFont& font, QRgb color) {
+    auto* label = makeLabel({}, font, color);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setText(text);
+    return label;
+}
+
+/// A label of one line, in the same way, whose text is elided where it does not fit. Main thread.
 class ElidedLabel final : public QLabel {
 public:
     ElidedLabel(const QFont& font, QRgb color) : color_(color) { setFont(font); }

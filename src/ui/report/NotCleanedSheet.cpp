@@ -8,7 +8,6 @@
 #include "ui/controls/WhiteTitleButton.h"
 #include "ui/look/Look.h"
 #include "ui/look/TextLabel.h"
-#include "ui/look/TextLine.h"
 #include "ui/report/NotCleanedRowDelegate.h"
 
 namespace brimvault::ui {
@@ -25,7 +24,7 @@ constexpr int buttonGap = 12;
 constexpr int buttonWidth = 114;
 constexpr int cornerRadius = 8;
 constexpr int shadowWidth = 2;
-constexpr int leastListHeight = 60;
+constexpr int minListHeight = 60;
 constexpr qreal headingSize = 15;
 constexpr qreal noteSize = 12.5;
 constexpr qreal buttonTextSize = 13;
@@ -56,35 +55,19 @@ QWidget* framed(QWidget* content) {
     layers->addWidget(content);
     layers->addWidget(new RoundedFrame);
     layers->setCurrentIndex(1);
-    frame->setMinimumHeight(leastListHeight);
+    frame->setMinimumHeight(minListHeight);
     return frame;
-}
-
-QAbstractButton* makeCloseButton() {
-    auto* button = new WhiteTitleButton;
-    const QString text = NotCleanedSheet::tr("Close");
-    button->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
-    button->setTitle(text, text);
-    button->setTitleSize(buttonTextSize);
-    button->setFixedHeight(look::scaled(look::smallButtonHeight));
-    button->setMinimumWidth(look::scaled(buttonWidth));
-    return button;
 }
 
 }  // namespace
 
 NotCleanedSheet::NotCleanedSheet(QAbstractItemModel* rows, QWidget* window)
     : Sheet(panelSize, window),
-      note_(makeLabel({}, look::font(noteSize), look::textSecondary)),
-      pNotCleanedTView_(new NotCleanedListView),
-      closeButton_(makeCloseButton()) {
+      note_(makeParagraph({}, look::font(noteSize), look::textSecondary)),
+      pNotCleanedTView_(new NotCleanedListView) {
     auto* heading =
-        makeLabel(tr("Some items were not removed"), look::font(headingSize, QFont::Bold), look::textPrimary);
+        makeParagraph(tr("Some items were not removed"), look::font(headingSize, QFont::Bold), look::textPrimary);
     setAccessibleName(heading->text());
-    for (auto* text : {heading, note_}) {
-        text->setWordWrap(true);
-        text->setAlignment(leadingSide(layoutDirection()) | Qt::AlignAbsolute | Qt::AlignVCenter);
-    }
     pNotCleanedTView_->setItemDelegate(new NotCleanedRowDelegate(pNotCleanedTView_));
     pNotCleanedTView_->setModel(rows);
     auto* layout = new QVBoxLayout(panel());
@@ -100,8 +83,10 @@ NotCleanedSheet::NotCleanedSheet(QAbstractItemModel* rows, QWidget* window)
     report->addSpacing(listGap);
     report->addWidget(framed(pNotCleanedTView_), 1);
     layout->addLayout(report, 1);
-    layout->addWidget(closeButton_, 0, Qt::AlignTrailing);
-    connect(closeButton_, &QAbstractButton::clicked, this, &Sheet::closeRequested);
+    auto* close = WhiteTitleButton::makeClose(buttonTextSize);
+    close->setSmall(buttonWidth);
+    layout->addWidget(close, 0, Qt::AlignTrailing);
+    connect(close, &QAbstractButton::clicked, this, &Sheet::closeRequested);
 }
 
 void NotCleanedSheet::setNote(const QString& note) {

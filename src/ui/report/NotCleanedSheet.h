@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QAbstractButton>
 #include <QLabel>
 
 #include "ui/controls/Sheet.h"
@@ -17,7 +16,6 @@ public:
     NotCleanedSheet(QAbstractItemModel* rows, QWidget* window);
 
     [[nodiscard]] NotCleanedListView* pNotCleanedTView() const { return pNotCleanedTView_; }
-    [[nodiscard]] QAbstractButton* closeButton() const { return closeButton_; }
     /// What is said below the heading.
     [[nodiscard]] QString note() const { return note_->text(); }
     void setNote(const QString& note);
@@ -25,7 +23,6 @@ public:
 private:
     QLabel* note_;
     NotCleanedListView* pNotCleanedTView_;
-    QAbstractButton* closeButton_;
 };
 
 }  // namespace brimvault::ui

@@ -9,6 +9,7 @@
 #include "ui/controls/WhiteTitleButton.h"
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
+#include "ui/look/TextLabel.h"
 #include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {
@@ -35,17 +36,6 @@ QString kindText(const engine::FileFacts& facts) {
     return InfoWindow::tr("Special file");
 }
 
-QLabel* makeLabel(const QString& text, const QFont& font, QRgb color) {
-    auto* label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);  // a name may look like markup
-    label->setWordWrap(true);
-    label->setFont(font);
-    QPalette colors = label->palette();
-    colors.setColor(QPalette::WindowText, QColor(color));
-    label->setPalette(colors);
-    return label;
-}
-
 // A screen reader reads the value together with its name.
 void setValue(QLabel* label, const QString& name, const QString& value) {
     label->setText(value);
@@ -61,10 +51,7 @@ InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFact
     setMinimumWidth(look::scaled(minWidth));
 
     addFacts(facts);
-    auto* close = new WhiteTitleButton;
-    close->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
-    close->setTitle(tr("Close"), tr("Close"));
-    close->setTitleSize(textSize);
+    auto* close = WhiteTitleButton::makeClose(textSize);
     close->setDefault(true);
     connect(close, &QAbstractButton::clicked, this, &QDialog::close);
     auto* content = new QVBoxLayout(this);
@@ -86,7 +73,7 @@ QLayout* InfoWindow::makeTitle(const engine::FileFacts& facts) const {
     auto* title = new QHBoxLayout;
     title->setSpacing(margin / 2);
     title->addWidget(icon, 0, Qt::AlignTop);
-    title->addWidget(makeLabel(facts.name, look::font(titleSize, QFont::DemiBold), look::textPrimary), 1,
+    title->addWidget(makeNameLabel(facts.name, look::font(titleSize, QFont::DemiBold), look::textPrimary), 1,
                      Qt::AlignVCenter);
     return title;
 }
@@ -116,10 +103,10 @@ void InfoWindow::setSize(quint64 bytes) {
 }
 
 QLabel* InfoWindow::addRow(const QString& name, const QString& value) {
-    auto* text = makeLabel({}, look::font(textSize), look::textPrimary);
+    auto* text = makeNameLabel({}, look::font(textSize), look::textPrimary);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setValue(text, name, value);
-    rows_->addRow(makeLabel(name, look::font(textSize), look::textSecondary), text);
+    rows_->addRow(makeNameLabel(name, look::font(textSize), look::textSecondary), text);
     return text;
 }
 

@@ -20,9 +20,7 @@ constexpr qreal textSize = 13;
 constexpr qreal smallSize = 12;
 
 QLabel* centred(const QString& text, const QFont& font, QRgb color) {
-    auto* label = makeLabel(text, font, color);
-    label->setAlignment(Qt::AlignCenter);
-    label->setWordWrap(true);
+    auto* label = makeCentredLabel(text, font, color);
     label->setMinimumWidth(look::scaled(textWidth));
     return label;
 }
@@ -37,10 +35,7 @@ AboutWC::AboutWC(QWidget* parent) : QDialog(parent) {
     version->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     auto* address = centred(productPage(), look::font(smallSize), look::textSecondary);
     address->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    auto* close = new WhiteTitleButton;
-    close->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
-    close->setTitle(tr("Close"), tr("Close"));
-    close->setTitleSize(textSize);
+    auto* close = WhiteTitleButton::makeClose(textSize);
     connect(close, &QAbstractButton::clicked, this, &QDialog::close);
 
     auto* content = new QVBoxLayout(this);

@@ -22,13 +22,6 @@ constexpr qreal descriptionSize = 14;
 constexpr int descriptionLineHeight = 122;  // per cent
 constexpr qreal hintSize = 12.5;
 
-QLabel* centred(const QString& text, const QFont& font, QRgb color) {
-    auto* label = makeLabel(text, font, color);
-    label->setAlignment(Qt::AlignCenter);
-    label->setWordWrap(true);
-    return label;
-}
-
 // Plain text with a line height in per cent of the font's own.
 QString withLineHeight(const QString& text, int percent) {
     QString lines = text.toHtmlEscaped();
@@ -46,17 +39,19 @@ StartPage::StartPage(QWidget* parent)
 }
 
 QVBoxLayout* StartPage::makePage() {
-    btnStartScanButton2_->setPictures({QLatin1String("btnScanDes"), QLatin1String("btnScan")});
+    btnStartScanButton2_->setPictures(WhiteTitleButton::accent);
     btnStartScanButton2_->setTitle(tr("Start Scan"), tr("Start Scan"));
     btnStartScanButton2_->setMinimumWidth(look::scaled(buttonWidth));
 
-    auto* headline = centred(tr("Free up disk space"), look::font(headlineSize, QFont::Bold), look::textPrimary);
-    auto* description = centred(withLineHeight(tr("Caches, unneeded languages, logs, downloads and the trash:\n"
-                                                  "see what each one holds, tick what may go, and clean."),
-                                               descriptionLineHeight),
-                                look::font(descriptionSize), look::textSecondary);
+    auto* headline =
+        makeCentredLabel(tr("Free up disk space"), look::font(headlineSize, QFont::Bold), look::textPrimary);
+    auto* description =
+        makeCentredLabel(withLineHeight(tr("Caches, unneeded languages, logs, downloads and the trash:\n"
+                                           "see what each one holds, tick what may go, and clean."),
+                                        descriptionLineHeight),
+                         look::font(descriptionSize), look::textSecondary);
     ptxtStartDescClean_ =
-        centred(tr("Select sections and press Scan button"), look::font(hintSize), look::textSecondary);
+        makeCentredLabel(tr("Select sections and press Scan button"), look::font(hintSize), look::textSecondary);
 
     auto* page = new QVBoxLayout;
     page->setContentsMargins(pageMargin, pageMargin, pageMargin, pageMargin);
