@@ -4,7 +4,6 @@
 
 #include "ui/list/TTableView.h"
 #include "ui/table/CheckTableView.h"
-#include "ui/table/CheckToggle.h"
 
 namespace brimvault::ui {
 

@@ -1,12 +1,11 @@
 #include "ui/report/NotCleanedRowDelegate.h"
 
-#include <QHelpEvent>
 #include <QPainter>
 #include <QTextLayout>
-#include <QToolTip>
 
 #include "ui/look/FocusRing.h"
 #include "ui/look/Look.h"
+#include "ui/look/PlainToolTip.h"
 #include "ui/look/TextLine.h"
 
 namespace brimvault::ui {
@@ -108,13 +107,12 @@ void NotCleanedRowDelegate::drawMessage(QPainter& painter, const QStyleOptionVie
 bool NotCleanedRowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                                       const QModelIndex& index) {
     const QString text = index.data().toString();
-    const bool cut = index.isValid() && !wraps(index) &&
-                     QFontMetrics(messageFont()).horizontalAdvance(text) > textPlace(option, messageIndent).width();
-    if (event->type() != QEvent::ToolTip || !cut) {
+    const bool elided =
+        index.isValid() && !wraps(index) && isElided(text, messageFont(), textPlace(option, messageIndent).width());
+    if (event->type() != QEvent::ToolTip || !elided) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
-    // A name may look like markup, and is shown as it is.
-    QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
+    showPlainToolTip(*event, text, view);
     return true;
 }
 

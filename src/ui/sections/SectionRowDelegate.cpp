@@ -1,14 +1,11 @@
 #include "ui/sections/SectionRowDelegate.h"
 
-#include <QHelpEvent>
 #include <QPainter>
-#include <QTextDocument>
-#include <QToolTip>
 
-#include "ui/controls/MCheckCell.h"
 #include "ui/look/FocusRing.h"
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
+#include "ui/look/PlainToolTip.h"
 #include "ui/sections/ImageTextCell.h"
 #include "ui/sections/SectionListModel.h"
 
@@ -78,12 +75,7 @@ void SectionRowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem
     const QRect row = card(option.rect);
     const int side = MCheckCell::side();
     const QRect place(row.left() + look::scaled(checkLeft), row.top() + (row.height() - side) / 2, side, side);
-    MCheckCell check;
-    check.state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
-    check.highlighted = view_->pressedCheck() == index;
-    check.hovered = (option.state & QStyle::State_MouseOver) != 0;
-    check.enabled = index.flags().testFlag(Qt::ItemIsUserCheckable);
-    check.ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
+    const MCheckCell check = checkCell(option, index, view_->pressedCheck());
     check.draw(painter, QStyle::visualRect(option.direction, row, place).topLeft());
 }
 
@@ -96,7 +88,7 @@ bool SectionRowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, c
     QString whole = ImageTextCell(value).expansionText(textCell(option.rect, option.direction));
     const QString places = index.data(Qt::ToolTipRole).toString();
     whole += (whole.isEmpty() || places.isEmpty() ? QString() : QStringLiteral("\n")) + places;
-    QToolTip::showText(event->globalPos(), whole.isEmpty() ? QString() : Qt::convertFromPlainText(whole), view);
+    showPlainToolTip(*event, whole, view);
     return true;
 }
 

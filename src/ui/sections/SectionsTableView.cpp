@@ -3,10 +3,8 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyle>
-#include <utility>
 
 #include "ui/look/Look.h"
-#include "ui/table/CheckToggle.h"
 
 namespace brimvault::ui {
 
@@ -36,22 +34,15 @@ void SectionsTableView::mousePressEvent(QMouseEvent* event) {
     const QModelIndex index = indexAt(event->position().toPoint());
     if (event->button() == Qt::LeftButton && index.isValid() &&
         checkRect(index).contains(event->position().toPoint())) {
-        pressedCheck_ = index;
-        viewport()->update();
+        press_.begin(index);
         return;
     }
     QListView::mousePressEvent(event);
 }
 
 void SectionsTableView::mouseReleaseEvent(QMouseEvent* event) {
-    const QModelIndex pressed = std::exchange(pressedCheck_, QPersistentModelIndex());
-    if (!pressed.isValid()) {
+    if (!press_.end([&](const auto& check) { return checkRect(check).contains(event->position().toPoint()); })) {
         QListView::mouseReleaseEvent(event);
-        return;
-    }
-    viewport()->update();
-    if (checkRect(pressed).contains(event->position().toPoint())) {
-        toggleCheck(this, pressed);
     }
 }
 

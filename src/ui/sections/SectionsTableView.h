@@ -2,6 +2,8 @@
 
 #include <QListView>
 
+#include "ui/table/CheckPress.h"
+
 namespace brimvault::ui {
 
 /// The list of sections on the left: one card to a row, with a check box, an icon, a title and a subtitle. A click in a
@@ -17,7 +19,7 @@ public:
     /// Where a row's check box reacts, in the view's coordinates.
     [[nodiscard]] QRect checkRect(const QModelIndex& index) const;
     /// The row whose check box is held down; invalid for none.
-    [[nodiscard]] QModelIndex pressedCheck() const { return pressedCheck_; }
+    [[nodiscard]] QModelIndex pressedCheck() const { return press_.check(); }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -26,7 +28,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    QPersistentModelIndex pressedCheck_;  ///< follows its row, which may move while the button is held
+    CheckPress press_{this};
 };
 
 }  // namespace brimvault::ui

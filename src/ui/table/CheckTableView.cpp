@@ -4,11 +4,9 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
-#include <utility>
 
 #include "ui/look/Look.h"
 #include "ui/look/StyleSheets.h"
-#include "ui/table/CheckToggle.h"
 
 namespace brimvault::ui {
 
@@ -60,33 +58,26 @@ void CheckTableView::mousePressEvent(QMouseEvent* event) {
         QTableView::mousePressEvent(event);
     }
     if (check && index.flags().testFlag(Qt::ItemIsUserCheckable)) {
-        pressedCheck_ = index;
-        viewport()->update();
+        press_.begin(index);
     }
 }
 
 void CheckTableView::mouseMoveEvent(QMouseEvent* event) {
-    if (!pressedCheck_.isValid() || checkSelects_) {
+    if (!press_.check().isValid() || checkSelects_) {
         QTableView::mouseMoveEvent(event);
     }
 }
 
 void CheckTableView::mouseReleaseEvent(QMouseEvent* event) {
     QTableView::mouseReleaseEvent(event);
-    const QModelIndex pressed = std::exchange(pressedCheck_, QPersistentModelIndex());
-    if (pressed.isValid()) {
-        viewport()->update();
-        if (indexAt(event->position().toPoint()) == pressed) {
-            toggleCheck(this, pressed);
-        }
-    }
+    press_.end([&](const QModelIndex& check) { return indexAt(event->position().toPoint()) == check; });
 }
 
 void CheckTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
         toggleCheck(this, currentIndex().siblingAtColumn(checkColumn));
     } else if (event->key() == Qt::Key_Escape) {
-        event->ignore();  // it is no letter of a name to be looked for
+        event->ignore();  // the base class would search the rows for a name that begins so
     } else {
         QTableView::keyPressEvent(event);
     }

@@ -2,6 +2,8 @@
 
 #include <QTableView>
 
+#include "ui/table/CheckPress.h"
+
 namespace brimvault::ui {
 
 /// A table of rows that can be ticked: a check box in the first column that a click or the space bar ticks, a picture,
@@ -16,7 +18,7 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
     /// The cell whose check box is held down; invalid for none.
-    [[nodiscard]] QModelIndex pressedCheck() const { return pressedCheck_; }
+    [[nodiscard]] QModelIndex pressedCheck() const { return press_.check(); }
     /// Whether a click in a check box selects its row as well; it does unless told otherwise.
     void setCheckSelects(bool selects) { checkSelects_ = selects; }
 
@@ -35,7 +37,7 @@ private:
     /// Some assistive bridges crash on a table without a current cell.
     void keepCurrentRow();
 
-    QPersistentModelIndex pressedCheck_;  ///< follows its row, which may move while the button is held
+    CheckPress press_{this};
     bool checkSelects_ = true;
 };
 

@@ -1,15 +1,12 @@
 #include "ui/table/RowDelegate.h"
 
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QPainter>
-#include <QTextDocument>
-#include <QToolTip>
 
-#include "ui/controls/MCheckCell.h"
 #include "ui/look/FocusRing.h"
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
+#include "ui/look/PlainToolTip.h"
 #include "ui/look/TextLine.h"
 
 namespace brimvault::ui {
@@ -47,12 +44,7 @@ QRect RowDelegate::placed(const QStyleOptionViewItem& option, const QModelIndex&
 }
 
 void RowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    MCheckCell check;
-    check.state = static_cast<Qt::CheckState>(index.data(Qt::CheckStateRole).toInt());
-    check.highlighted = view_->pressedCheck() == index;
-    check.hovered = (option.state & QStyle::State_MouseOver) != 0;
-    check.enabled = index.flags().testFlag(Qt::ItemIsUserCheckable);
-    check.ground = isSelected(option) ? CheckGround::selected : CheckGround::plain;
+    const MCheckCell check = checkCell(option, index, view_->pressedCheck());
     check.draw(painter, placed(option, index, {MCheckCell::side(), MCheckCell::side()}).topLeft());
 }
 
@@ -67,15 +59,15 @@ bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QS
                             const QModelIndex& index) {
     const QString text = index.data().toString();
     const int room = option.rect.width() - 2 * margin(index.column());
-    const bool cut = QFontMetrics(look::font(TextCellSmall::textSize)).horizontalAdvance(text) > room;
-    if (event->type() != QEvent::ToolTip || !index.isValid() || !cut || index.data(Qt::ToolTipRole).isValid()) {
+    const bool elided = isElided(text, look::font(TextCellSmall::textSize), room);
+    if (event->type() != QEvent::ToolTip || !index.isValid() || !elided || index.data(Qt::ToolTipRole).isValid()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
-    QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text), view);
+    showPlainToolTip(*event, text, view);
     return true;
 }
 
-// The focus of the keyboard is on a row: a line above and below it, closed at both ends.
+// Frames the whole row: each cell draws the lines above and below, the first and the last one its end.
 void RowDelegate::drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     if (!isFocusShown(view_) || view_->currentIndex().row() != index.row()) {
         return;

@@ -25,10 +25,10 @@ public:
     explicit RowDelegate(CheckTableView* view) : QStyledItemDelegate(view), view_(view) {}
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
-    /// The whole text of a cell in which it is cut, unless the row has more to tell.
+    /// Shows the whole text of a cell in which it is elided, unless the model has a tooltip for it.
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
-    /// The view alone ticks: the base class would tick once more, where a check box of its own would be.
+    /// The view ticks check boxes; the base class would tick them a second time.
     bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/, const QStyleOptionViewItem& /*option*/,
                      const QModelIndex& /*index*/) override {
         return false;
@@ -39,7 +39,7 @@ protected:
     virtual void drawGround(QPainter& painter, const QRect& cell, int row) const = 0;
     virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
     /// Between the edge of a column and what stands in it.
-    [[nodiscard]] virtual int margin(int /*column*/) const { return usualMargin; }
+    [[nodiscard]] virtual int margin(int /*column*/) const { return defaultMargin; }
     /// Numbers stand at the end of their column.
     [[nodiscard]] virtual bool isNumber(int /*column*/) const { return false; }
 
@@ -54,7 +54,7 @@ private:
     void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
 
-    static constexpr int usualMargin = 10;
+    static constexpr int defaultMargin = 10;
 
     const CheckTableView* view_;
 };
