@@ -20,7 +20,6 @@ constexpr int slideTime = 200;   // milliseconds; quick enough not to be waited 
 constexpr int cornerRadius = 10;
 constexpr int shadowReach = 28;
 constexpr qreal shadowStrength = 0.045;
-const QColor dim(20, 30, 45, 51);
 
 bool takesTab(const QWidget* widget) {
     return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
@@ -31,8 +30,9 @@ void drawShadow(QPainter& painter, const QRectF& shape) {
     painter.setBrush(Qt::NoBrush);
     for (int distance = 0; distance < shadowReach; ++distance) {
         const qreal near = 1 - static_cast<qreal>(distance) / shadowReach;
-        painter.setPen(
-            QPen(QColor::fromRgbF(0.08F, 0.12F, 0.18F, static_cast<float>(shadowStrength * near * near)), 2));
+        QColor color(look::shadow);
+        color.setAlphaF(static_cast<float>(shadowStrength * near * near));
+        painter.setPen(QPen(color, 2));
         painter.drawRoundedRect(shape.adjusted(-distance, 0, distance, distance), cornerRadius + distance,
                                 cornerRadius + distance);
     }
@@ -172,7 +172,7 @@ void Sheet::resizeEvent(QResizeEvent* event) {
 
 void Sheet::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.fillRect(event->rect(), dim);
+    painter.fillRect(event->rect(), QColor::fromRgba(look::sheetShade));
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF shape =
         QRectF(panel_->geometry()).adjusted(0, -cornerRadius - shadowReach, 0, 0);  // square at the edge

@@ -20,7 +20,6 @@ constexpr int nextMargin = 6;
 constexpr int checkColumnWidth = 36;  // as wide as a check box and a flag need with their margins
 constexpr int iconColumnWidth = 33;
 constexpr qreal cornerRadius = 2.5;
-const QColor edge(0, 0, 0, 46);  // flags with a white edge stand on white rows
 
 class LanguageRowDelegate final : public RowDelegate {
 public:
@@ -52,7 +51,7 @@ void LanguageRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem
     painter.fillRect(place, Qt::white);
     ImageLoad::draw(painter, place.topLeft(), QLatin1String(name));
     painter.setClipping(false);
-    painter.setPen(QPen(edge, 1));
+    painter.setPen(QPen(QColor::fromRgba(look::flagEdge), 1));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
 }

@@ -37,8 +37,8 @@ void chooseTypeface() {
 }
 
 QPalette lightPalette() {
-    QPalette palette(QColor(0xf3, 0xf6, 0xfa));
-    palette.setColor(QPalette::Window, QColor(0xf3, 0xf6, 0xfa));
+    QPalette palette{QColor(sidebarTop)};
+    palette.setColor(QPalette::Window, QColor(sidebarTop));
     palette.setColor(QPalette::Base, QColor(row));
     palette.setColor(QPalette::AlternateBase, QColor(rowAlternate));
     palette.setColor(QPalette::Highlight, QColor(selection));
