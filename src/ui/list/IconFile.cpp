@@ -39,8 +39,14 @@ qint64 little32(QByteArrayView contents, qsizetype place) { return qFromLittleEn
 
 bool isSideOfIcon(qint64 side) { return side > 0 && side <= IconFile::largestSide; }
 
+// Empty for sizes that no icon has.
+QSize iconSize(qint64 width, qint64 height) {
+    return isSideOfIcon(width) && isSideOfIcon(height) ? QSize(static_cast<int>(width), static_cast<int>(height))
+                                                       : QSize();
+}
+
 void append(Pictures& pictures, Form form, const QSize& size, QByteArrayView contents) {
-    if (isSideOfIcon(size.width()) && isSideOfIcon(size.height())) {
+    if (!iconSize(size.width(), size.height()).isEmpty()) {
         pictures.push_back({form, std::max(size.width(), size.height()), contents, {}});
     }
 }
@@ -86,10 +92,7 @@ QSize sizeOfBitmap(QByteArrayView bitmap) {
     if (bitmap.size() < bitmapHead || little32(bitmap, 0) != bitmapHead) {
         return {};
     }
-    const auto width = little32(bitmap, 4);
-    const auto height = little32(bitmap, 8) / 2;
-    return isSideOfIcon(width) && isSideOfIcon(height) ? QSize(static_cast<int>(width), static_cast<int>(height))
-                                                       : QSize();
+    return iconSize(little32(bitmap, 4), little32(bitmap, 8) / 2);
 }
 
 Pictures inBitmaps(QByteArrayView contents) {
@@ -114,12 +117,7 @@ Pictures inBitmaps(QByteArrayView contents) {
 
 QSize sizeOfGif(QByteArrayView contents) { return {little16(contents, 6), little16(contents, 8)}; }
 
-QSize sizeOfBmp(QByteArrayView contents) {
-    const auto width = little32(contents, 18);
-    const auto height = std::abs(little32(contents, 22));
-    return isSideOfIcon(width) && isSideOfIcon(height) ? QSize(static_cast<int>(width), static_cast<int>(height))
-                                                       : QSize();
-}
+QSize sizeOfBmp(QByteArrayView contents) { return iconSize(little32(contents, 18), std::abs(little32(contents, 22))); }
 
 // A list of one bitmap. A side of 0 in it is told by the bitmap itself.
 QByteArray asOnlyBitmap(QByteArrayView bitmap) {

@@ -7,7 +7,6 @@
 
 #include "engine/notification/Notifications.h"
 #include "ui/controls/PopUpMenu.h"
-#include "ui/look/StyleSheets.h"
 
 namespace brimvault::ui {
 
@@ -103,9 +102,7 @@ void ItemListController::didClickTableColumn(int column) {
 }
 
 void ItemListController::showMenu(const QPoint& globalPosition) {
-    auto* menu = new QMenu(ptableView_);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setStyleSheet(styleSheets::menu());
+    auto* menu = makePopUpMenu(ptableView_);
     const bool selected = hasSelectedItem();
     menu->addAction(tr("Show in File Manager"), this, &ItemListController::onClickedRevealInFinder)
         ->setEnabled(selected);

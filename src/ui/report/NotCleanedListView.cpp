@@ -106,9 +106,7 @@ void NotCleanedListView::showMenuOfCurrentRow() {
 }
 
 void NotCleanedListView::showMenu(const QPoint& globalPosition) {
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setStyleSheet(styleSheets::menu());
+    auto* menu = makePopUpMenu(this);
     menu->addAction(tr("Copy"), this, [this] { Q_EMIT copyRequested(selectedRows()); })
         ->setEnabled(selectionModel()->hasSelection());
     menu->addAction(tr("Copy All"), this, [this] { Q_EMIT copyRequested(allRows()); });
