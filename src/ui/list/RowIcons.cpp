@@ -1,7 +1,6 @@
 #include "ui/list/RowIcons.h"
 
 #include <QTableView>
-#include <QThreadPool>
 #include <QtConcurrentRun>
 
 #include "ui/list/ItemListModel.h"
@@ -10,22 +9,15 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int mostWanted = 200;    // several screens full; older wishes are gone from the view
-constexpr int pagesKeptNear = 1;   // whose icons are still loaded when the view has moved on
-constexpr int timeToGiveUp = 200;  // milliseconds
+constexpr int mostWanted = 200;   // several screens full; older wishes are gone from the view
+constexpr int pagesKeptNear = 1;  // whose icons are still loaded when the view has moved on
+constexpr std::chrono::milliseconds threadTimeout{200};
 
 }  // namespace
 
-RowIcons::RowIcons(QTableView* view, Load load) : view_(view), load_(std::move(load)), thread_(new QThreadPool) {
-    thread_->setMaxThreadCount(1);
+RowIcons::RowIcons(QTableView* view, Load load) : view_(view), load_(std::move(load)), thread_(1, threadTimeout) {
     thread_->setThreadPriority(QThread::LowPriority);
     connect(&loading_, &QFutureWatcherBase::finished, this, &RowIcons::take);
-}
-
-RowIcons::~RowIcons() {
-    if (thread_->waitForDone(timeToGiveUp)) {
-        delete thread_;  // its own end would wait for what hangs
-    }
 }
 
 QPixmap RowIcons::of(const RowPicture& picture, qreal density) {
@@ -63,7 +55,7 @@ void RowIcons::loadNext() {
             busy_ = true;
             const int pixels = qCeil(side * current_.density);
             loading_.setFuture(QtConcurrent::run(
-                thread_, [load = load_, picture = current_.picture, pixels] { return load(picture, pixels); }));
+                &*thread_, [load = load_, picture = current_.picture, pixels] { return load(picture, pixels); }));
             return;
         }
     }

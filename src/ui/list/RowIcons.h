@@ -8,10 +8,10 @@
 #include <QPixmap>
 #include <functional>
 
+#include "ui/services/AbandonablePool.h"
 #include "ui/table/RowPicture.h"
 
 class QTableView;
-class QThreadPool;
 
 namespace brimvault::ui {
 
@@ -32,7 +32,6 @@ public:
 
     /// The view shows an ItemListModel by the time of the first question.
     RowIcons(QTableView* view, Load load);
-    ~RowIcons() override;
 
     /// At a screen's density (pixels to the point); null where there is none, and until it is there: it is asked for,
     /// and the rows that show it are drawn anew when it comes.
@@ -60,8 +59,8 @@ private:
     QList<Wanted> wanted_;                     ///< the latest last
     Wanted current_;                           ///< what is being loaded
     QFutureWatcher<QImage> loading_;
-    bool busy_ = false;    ///< until what has been loaded is taken in
-    QThreadPool* thread_;  ///< left behind when a dead volume holds it
+    bool busy_ = false;  ///< until what has been loaded is taken in
+    AbandonablePool thread_;
 };
 
 }  // namespace brimvault::ui
