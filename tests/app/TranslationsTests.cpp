@@ -235,7 +235,7 @@ TEST_F(SpeakingWindow, SpeaksGerman) {
 
     QStringList buttons;
     Guide::confirmNextQuestion([&](const ui::AlertWindow& alert) {
-        buttons = {alert.firstButton()->text(), alert.secondButton()->text(), alert.suppressionBox()->text()};
+        buttons = {alert.firstButton()->text(), alert.secondButton()->text(), alert.findChild<QCheckBox*>()->text()};
     });
     ui::WindowAlerts().runModal(alerts_.asked[0], window());
     EXPECT_THAT(buttons, testing::ElementsAre(QStringLiteral("Löschen"), QStringLiteral("Abbrechen"),

@@ -97,7 +97,7 @@ TEST_F(WindowJourney, ScanReviewClean) {
         }
     }
     EXPECT_THAT(names(), testing::UnorderedElementsAreArray(expected));
-    EXPECT_EQ(status(), sizeText(total()) + QStringLiteral("|Selected of ") + sizeText(total()));
+    EXPECT_EQ(status(), sizeText(total()) + QStringLiteral(", Selected of ") + sizeText(total()));
     EXPECT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::Checked);
 
     guide_->clickCell(guide_->row(photos), ui::ItemListModel::checkColumn);
@@ -109,7 +109,7 @@ TEST_F(WindowJourney, ScanReviewClean) {
     EXPECT_EQ(alerts_.asked.back().message,
               QStringLiteral("Are you sure you want to  completely delete the selected items?"));
     EXPECT_EQ(names(), QStringList{photos});
-    EXPECT_EQ(status(), QStringLiteral("%1 cleaned|%1 cleaned in total").arg(sizeText(selected)));
+    EXPECT_EQ(status(), QStringLiteral("%1 cleaned, %1 cleaned in total").arg(sizeText(selected)));
     EXPECT_EQ(defaults_->number(ui::defaults_key::totalCleanedSize), selected);
     EXPECT_EQ(defaults_->number(ui::defaults_key::cleanNumber), 1U);
 
@@ -127,7 +127,7 @@ TEST_F(WindowJourney, WithNothingSelectedThereIsNothingToClean) {
     EXPECT_TRUE(lists()->pbtnClean()->isEnabled());
     Guide::click(lists()->pbtnSelectAll());
     EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
-    EXPECT_EQ(lists()->plashka()->largeText(), QStringLiteral("Zero Bytes"));
+    EXPECT_TRUE(status().startsWith(QStringLiteral("Zero Bytes, ")));
     EXPECT_TRUE(isSectionChecked(0)) << "emptying a list leaves its section ticked";
     guide_->clickCell(0, ui::ItemListModel::checkColumn);
     EXPECT_EQ(lists()->pbtnSelectAll()->checkState(), Qt::PartiallyChecked);
@@ -229,21 +229,21 @@ TEST_F(WindowJourney, TheStatusPanelTellsWhatWasCleanedInThisRunOnly) {
     clean();
     const QString freed = sizeText(total());
     Guide::click(lists()->plashka());
-    EXPECT_EQ(status(), QStringLiteral("Zero Bytes|Selected of 0 B"));
+    EXPECT_EQ(status(), QStringLiteral("Zero Bytes, Selected of 0 B"));
     quit();
     start();
     scan();
     Guide::click(lists()->plashka());
-    EXPECT_EQ(status(), QStringLiteral("|%1 cleaned before").arg(freed));
+    EXPECT_EQ(status(), QStringLiteral("%1 cleaned before").arg(freed));
 }
 
 TEST_F(WindowJourney, TheStatusPanelOfAFirstRunAsksToSelect) {
     start();
     scan();
     Guide::click(lists()->plashka());
-    EXPECT_EQ(status(), QStringLiteral("|Select files to clean"));
+    EXPECT_EQ(status(), QStringLiteral("Select files to clean"));
     Guide::click(lists()->plashka());
-    EXPECT_EQ(lists()->plashka()->smallText(), QStringLiteral("Selected of ") + sizeText(total()));
+    EXPECT_TRUE(status().endsWith(QStringLiteral(", Selected of ") + sizeText(total())));
 }
 
 TEST_F(WindowJourney, WhatCannotBeRemovedStaysListedWithItsReason) {
@@ -356,7 +356,7 @@ TEST_F(WindowJourney, ANewScanShowsNothingOfTheOldOne) {
     // The operation has begun anew and found nothing yet that the window has heard of.
     Guide::click(scanButton());
     EXPECT_EQ(guide_->list(), nullptr);
-    EXPECT_EQ(status(), QStringLiteral("Zero Bytes|Selected of 0 B"));
+    EXPECT_EQ(status(), QStringLiteral("Zero Bytes, Selected of 0 B"));
     letOn_.release();
     ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbScanning(); }));
     EXPECT_EQ(names(), QStringList{QStringLiteral("found")});

@@ -171,9 +171,8 @@ protected:
     [[nodiscard]] ui::ListPanel* lists() const { return window()->lists(); }
     [[nodiscard]] QAbstractButton* scanButton() const { return window()->sidebar()->pbtnScan(); }
     [[nodiscard]] ui::SectionsTableView* sections() const { return window()->sidebar()->sections(); }
-    [[nodiscard]] QString status() const {
-        return lists()->plashka()->largeText() + QStringLiteral("|") + lists()->plashka()->smallText();
-    }
+    /// The texts of the status panel, as an assistive client reads them: "large, small", or the small one alone.
+    [[nodiscard]] QString status() const { return lists()->plashka()->spokenText(); }
     [[nodiscard]] QString subtitle(int row) const {
         return sections()->model()->index(row, 0).data(ui::SectionListModel::subtitleRole).toString();
     }

@@ -22,8 +22,6 @@ public:
     [[nodiscard]] WhiteTitleButton* firstButton() const { return firstButton_; }
     /// Null where there is nothing to be cancelled.
     [[nodiscard]] WhiteTitleButton* secondButton() const { return secondButton_; }
-    /// The box "do not show again"; null where it is not offered.
-    [[nodiscard]] TitledCheckBox* suppressionBox() const { return suppressionBox_; }
     [[nodiscard]] bool isSuppressionTicked() const {
         return suppressionBox_ != nullptr && suppressionBox_->isChecked();
     }
@@ -37,7 +35,7 @@ private:
 
     WhiteTitleButton* firstButton_ = nullptr;
     WhiteTitleButton* secondButton_ = nullptr;
-    TitledCheckBox* suppressionBox_ = nullptr;
+    TitledCheckBox* suppressionBox_ = nullptr;  ///< "do not show again"; null where that is not offered
 };
 
 /// Asks with an AlertWindow over the window.

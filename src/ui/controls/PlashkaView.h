@@ -15,9 +15,6 @@ public:
     explicit PlashkaView(QWidget* parent = nullptr);
 
     void setTexts(const QString& large, const QString& small);
-    [[nodiscard]] const QString& largeText() const { return large_; }
-    [[nodiscard]] const QString& smallText() const { return small_; }
-
     /// Both, as an assistive client reads them.
     [[nodiscard]] QString spokenText() const;
 
