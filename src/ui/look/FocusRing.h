@@ -7,14 +7,13 @@ class QWidget;
 
 namespace brimvault::ui {
 
-/// Starts to watch whether the user works with the keyboard or with the mouse. Once, after the application is made.
+/// Installs the event filter that tells keyboard from mouse use. Once, after the application is made.
 void watchFocus();
 
-/// Whether the widget is to show that it has the keyboard's focus: it has it, and the keyboard was used last. Main
-/// thread.
+/// Whether the widget shows its focus ring: it has the keyboard focus, and the last input was a key. Main thread.
 [[nodiscard]] bool isFocusShown(const QWidget* widget);
 
-/// The mark of keyboard focus around a shape, the same everywhere: white inside, so that it stands out on any colour.
+/// Draws the focus ring around a shape: dark outside and white inside, so that it stands out on any colour.
 void drawFocusRing(QPainter& painter, const QRectF& shape, qreal radius);
 
 }  // namespace brimvault::ui

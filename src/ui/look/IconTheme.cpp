@@ -13,14 +13,14 @@ using platform::FileContents;
 
 namespace {
 
-constexpr std::size_t largestIndex = 1024UL * 1024;  // those of large themes are some dozens of KiB
-constexpr int deepest = 8;                           // themes that build upon one another
-const QString lastTheme = QStringLiteral("hicolor");
+constexpr std::size_t maxIndexBytes = 1024UL * 1024;  // large themes have some dozens of KiB
+constexpr int maxDepth = 8;                           // of a chain of themes that inherit from each other
+const QString fallbackTheme = QStringLiteral("hicolor");
 
-// How far pictures are from what is wanted: too large is better than too small.
-int distance(int smallest, int largest, int pixels) {
-    constexpr int tooSmall = 10000;
-    return largest < pixels ? tooSmall + pixels - largest : std::max(0, smallest - pixels);
+// How badly a folder of icons fits the wanted size; a picture that must be enlarged is always worse than any other.
+int distance(int minSize, int maxSize, int pixels) {
+    constexpr int enlarged = 10000;
+    return maxSize < pixels ? enlarged + pixels - maxSize : std::max(0, minSize - pixels);
 }
 
 }  // namespace
@@ -45,12 +45,12 @@ void IconTheme::readOnce() {
     if (!read_) {
         read_ = true;
         readTheme(name_, 0);
-        readTheme(lastTheme, 0);
+        readTheme(fallbackTheme, 0);
     }
 }
 
 void IconTheme::readTheme(const QString& name, int depth) {
-    if (depth > deepest || seen_.contains(name)) {
+    if (depth > maxDepth || seen_.contains(name)) {
         return;
     }
     seen_.append(name);
@@ -59,7 +59,7 @@ void IconTheme::readTheme(const QString& name, int depth) {
     for (const QString& folder : folders_) {
         const QString theme = folder + QLatin1Char('/') + name;
         const QString list = theme + QStringLiteral("/index.theme");
-        if (const auto contents = FileContents::read(QFile::encodeName(list).toStdString(), largestIndex)) {
+        if (const auto contents = FileContents::read(QFile::encodeName(list).toStdString(), maxIndexBytes)) {
             const platform::SettingsText index(*contents);
             const auto names = index.value("Icon Theme", "Inherits").value_or(std::string());
             inherited += QString::fromStdString(names).split(QLatin1Char(','), Qt::SkipEmptyParts);
@@ -94,7 +94,7 @@ void IconTheme::appendTypeFolders(const platform::SettingsText& index, const QSt
 
 QString IconTheme::find(std::vector<Folder> folders, const QString& icon, int pixels) {
     std::stable_sort(folders.begin(), folders.end(), [&](const Folder& left, const Folder& right) {
-        return distance(left.smallest, left.largest, pixels) < distance(right.smallest, right.largest, pixels);
+        return distance(left.minSize, left.maxSize, pixels) < distance(right.minSize, right.maxSize, pixels);
     });
     for (const Folder& folder : folders) {
         for (const char* extension : {".png", ".svg", ".xpm"}) {

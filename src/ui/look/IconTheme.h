@@ -10,23 +10,22 @@ class SettingsText;
 
 namespace brimvault::ui {
 
-/// The desktop's icons of the types of files. Its lists are read when it is first asked, then kept. One thread at a
-/// time; blocks as long as the disk does, which Qt's own would do on the main thread.
+/// The file type icons of the desktop's icon theme. The theme's index files are read at the first call and cached. One
+/// thread at a time; blocks on the disk. QIcon::fromTheme is no alternative: it would block the main thread.
 class IconTheme {
 public:
-    /// The theme's name, empty for none, and the folders in which themes lie.
+    /// The theme's name, empty for none, and the folders that hold themes.
     IconTheme(QString name, QStringList folders) : name_(std::move(name)), folders_(std::move(folders)) {}
 
-    /// The file of the first of the icons that there is, in the size that serves best for so many pixels; empty where
-    /// there is none.
+    /// The file of the first of these icons that any theme has, in the size that fits best; empty if none has any.
     [[nodiscard]] QString fileOf(const QStringList& icons, int pixels);
 
 private:
-    // A folder of icons of one size, which may stand for a range of sizes.
+    // A folder of icons that serve for a range of sizes.
     struct Folder {
         QString path;
-        int smallest;
-        int largest;  ///< pixels
+        int minSize;
+        int maxSize;  ///< pixels
     };
 
     void readOnce();
@@ -39,7 +38,7 @@ private:
     const QStringList folders_;
     bool read_ = false;
     QStringList seen_;
-    std::vector<std::vector<Folder>> themes_;  ///< the desktop's own, then those that it builds upon
+    std::vector<std::vector<Folder>> themes_;  ///< the desktop's theme, then those that it inherits from
 };
 
 }  // namespace brimvault::ui

@@ -27,7 +27,7 @@ QHash<QString, QPixmap>& loadedPictures() {
     return pictures;
 }
 
-// Pictures must be gone before the application object is.
+// Pixmaps must be destroyed before the application object.
 void forgetPictures() { loadedPictures().clear(); }
 
 struct Span {
@@ -40,7 +40,7 @@ std::array<Span, 3> spans(int length, int kept) {
     return {{{0, kept}, {kept, length - 2 * kept}, {length - kept, kept}}};
 }
 
-// In whole device pixels, so that no seam shows between the parts.
+// In whole device pixels: fractions would leave seams between the parts.
 QPixmap stretched(const QPixmap& picture, const QSize& size, qreal density) {
     const auto sourceKept = qRound(corner * picture.devicePixelRatio());
     const auto targetKept = qRound(corner * density);

@@ -12,9 +12,9 @@ namespace brimvault::ui::look {
 
 namespace {
 
-// Desktops set their text at 9 to 11 points, up to 15 pixels; what is larger was made larger by the user.
-constexpr qreal usualPixels = 15.0;
-constexpr qreal largestScale = 3.0;
+// Desktops set their text to 9 to 11 points, at most 15 pixels; a larger size is the choice of the user.
+constexpr qreal maxDefaultPixels = 15.0;
+constexpr qreal maxScale = 3.0;
 
 struct Typeface {
     QString family;  ///< empty for the desktop's own
@@ -29,7 +29,7 @@ Typeface& typeface() {
 void chooseTypeface() {
     auto& chosen = typeface();
     const auto pixels = static_cast<qreal>(QFontInfo(QApplication::font()).pixelSize());
-    chosen.scale = std::clamp(pixels / usualPixels, 1.0, largestScale);
+    chosen.scale = std::clamp(pixels / maxDefaultPixels, 1.0, maxScale);
     const QString preferred = QStringLiteral("Inter");
     if (QFontDatabase::families().contains(preferred)) {
         chosen.family = preferred;
@@ -62,7 +62,8 @@ QFont font(qreal points, QFont::Weight weight) {
     if (!typeface().family.isEmpty()) {
         result.setFamily(typeface().family);
     }
-    // Sizes are lengths of the window, whatever the density that the screen states; a pixel size has no halves.
+    // Type sizes are lengths of the window and must not depend on the DPI of the screen. setPixelSize takes no
+    // fractions.
     constexpr qreal typographicPointsPerInch = 72;
     const qreal perInch = QGuiApplication::primaryScreen()->logicalDotsPerInchY();
     result.setPointSizeF(points * textScale() * typographicPointsPerInch / perInch);

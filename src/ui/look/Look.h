@@ -8,9 +8,9 @@
 namespace brimvault::ui::look {
 
 inline constexpr QRgb accentDark = 0xff1f5fd8;
-/// A selected row; dark enough for white text on it to keep a contrast of 4.5 to 1.
+/// A selected row; white text on it has a contrast of 4.5 to 1.
 inline constexpr QRgb selection = 0xff2a6ae4;
-// Every text has a contrast of 4.5 to 1 at least with the ground that it stands on, what is disabled too.
+// Every text, disabled ones included, has a contrast of at least 4.5 to 1 with its background.
 inline constexpr QRgb textPrimary = 0xff1b2430;
 inline constexpr QRgb textSecondary = 0xff5d6b80;
 inline constexpr QRgb textHeader = 0xff56647a;
@@ -50,14 +50,14 @@ inline constexpr int bottomBarHeight = 84;
 inline constexpr int buttonHeight = 44;
 inline constexpr int smallButtonHeight = 40;  ///< with the shadow; in alerts and sheets
 
-/// How much larger than usual the user's own text is: 1 and up. Lengths that hold text grow with it.
+/// The user's text size relative to the desktop's default, at least 1. Lengths that hold text are multiplied by it.
 [[nodiscard]] qreal textScale();
-/// A length in points, grown with the text.
+/// A length in points, multiplied by the text scale.
 [[nodiscard]] int scaled(int points);
-/// The window's typeface at a size in points, grown with the text.
+/// The window's typeface at a size in points, multiplied by the text scale.
 [[nodiscard]] QFont font(qreal points, QFont::Weight weight = QFont::Normal);
 
-/// Makes the application look so: light, whatever the desktop's theme. Once, before the first window.
+/// Sets style, palette and font of the application: light, whatever the desktop's theme. Once, before the first window.
 void apply();
 
 }  // namespace brimvault::ui::look

@@ -8,8 +8,8 @@
 
 namespace brimvault::ui {
 
-/// A picture in a square of its own, drawn at the density of the screen. It says nothing that a text beside it does not
-/// say, so an assistive client is not told of it. Main thread.
+/// A square picture, drawn at the density of the screen. It is decoration beside a text and has no accessible name.
+/// Main thread.
 class PictureLabel final : public QWidget {
 public:
     PictureLabel(QLatin1String picture, int side, QWidget* parent = nullptr) : QWidget(parent), picture_(picture) {

@@ -9,14 +9,14 @@ namespace brimvault::ui {
 struct TextData {
     QString title;
     QString subtitle;       ///< empty for a cell of one line
-    bool selected = false;  ///< its row is
-    bool muted = false;     ///< its row counts for nothing at present
+    bool selected = false;  ///< whether its row is
+    bool muted = false;     ///< whether its section is unticked
 };
 
-/// The same with a picture before it.
+/// The same with a picture before the text.
 struct TextImgData : TextData {
-    QString note = {};      ///< below the subtitle; mostly empty
-    QLatin1String picture;  ///< by name; on a selected row it has another form, of the same name with "Sel"
+    QString note = {};      ///< a third line; mostly empty
+    QLatin1String picture;  ///< its name; a selected row shows the one with "Sel" appended
 };
 
 }  // namespace brimvault::ui

@@ -17,7 +17,7 @@ namespace brimvault::ui {
     return label;
 }
 
-/// One whose text is broken into lines; they begin at the leading side, in whichever direction the text runs.
+/// A label that wraps its text. Lines start at the leading side of the layout, whatever the direction of the text.
 [[nodiscard]] inline QLabel* makeParagraph(const QString& text, const QFont& font, QRgb color) {
     auto* label = makeLabel(text, font, color);
     label->setWordWrap(true);
@@ -25,7 +25,7 @@ namespace brimvault::ui {
     return label;
 }
 
-/// One whose lines stand in the middle.
+/// A label that wraps and centres its text.
 [[nodiscard]] inline QLabel* makeCentredLabel(const QString& text, const QFont& font, QRgb color) {
     auto* label = makeLabel(text, font, color);
     label->setWordWrap(true);
@@ -33,7 +33,7 @@ namespace brimvault::ui {
     return label;
 }
 
-/// One for names of files: they may look like markup, and are shown as they are.
+/// A label that wraps names of files and the like, which may look like markup and are shown as they are.
 [[nodiscard]] inline QLabel* makeNameLabel(const QString& text, const QFont& font, QRgb color) {
     auto* label = makeLabel({}, font, color);
     label->setTextFormat(Qt::PlainText);
@@ -42,7 +42,7 @@ namespace brimvault::ui {
     return label;
 }
 
-/// A label of one line, in the same way, whose text is elided where it does not fit. Main thread.
+/// A label of one line that is elided where it does not fit. Main thread.
 class ElidedLabel final : public QLabel {
 public:
     ElidedLabel(const QFont& font, QRgb color) : color_(color) { setFont(font); }
