@@ -54,8 +54,8 @@ QStringList AccessibleButton::actionNames() const {
     return isUsable(button_) ? QStringList{clickAction()} + QAccessibleWidget::actionNames() : QStringList();
 }
 
-// The click comes once the client has its answer, since what it opens may wait for the user; by then the button may be
-// gone from view.
+// The click is queued: it may open a modal question, and the client waits for the return of this call until its
+// timeout. By then the button may be hidden.
 void AccessibleButton::doAction(const QString& action) {
     if (!isUsable(button_)) {
         return;

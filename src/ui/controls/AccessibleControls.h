@@ -8,9 +8,8 @@
 
 namespace brimvault::ui {
 
-/// What an assistive client sees of the window's own buttons. Qt's presentation ticks a check box without the click
-/// that the program waits for, does not know that something opens and closes, and can press what a sheet covers. Main
-/// thread.
+/// What an assistive client sees of the window's own buttons. Qt's interface changes a check box without emitting
+/// `clicked`, has no expanded state, and presses buttons that a sheet covers. Main thread.
 class AccessibleButton final : public QAccessibleWidget {
 public:
     explicit AccessibleButton(QAbstractButton* button);
@@ -54,7 +53,7 @@ private:
     ProgressIndicator* indicator_;
 };
 
-/// What an assistive client sees of a sheet: a dialog that is to be answered first. Main thread.
+/// What an assistive client sees of a sheet: a modal dialog. Main thread.
 class AccessibleSheet final : public QAccessibleWidget {
 public:
     explicit AccessibleSheet(Sheet* sheet) : QAccessibleWidget(sheet, QAccessible::Dialog) {}

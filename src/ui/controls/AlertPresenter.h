@@ -7,18 +7,17 @@ class QWidget;
 
 namespace brimvault::ui {
 
-/// A question to the user, with a confirming button first and a cancelling one second; or something to be told, with
-/// one button to take note of it. Where agreeing deletes something, the first button says so, and the second is the one
-/// that a hasty key presses.
+/// A question to the user, whose first button confirms and whose second cancels; or a message with an OK button alone.
+/// If confirming deletes something, the first button is named "Delete" and the second one is the default.
 struct Alert {
     enum class Suppression { notOffered, offered };
     enum class Buttons { confirmAndCancel, deleteAndCancel, takeNote };
-    /// What the answer is about: all of it together, then its parts.
+    /// The figures of the question: the sum, then its parts.
     struct Facts {
-        QString sum;  ///< empty for no facts
+        QString sum;  ///< empty for a question without figures
         QStringList parts;
 
-        /// On one line, as it is read out.
+        /// On one line, for assistive clients.
         [[nodiscard]] QString line() const {
             return parts.isEmpty() ? sum : sum + QStringLiteral(": ") + parts.join(QStringLiteral(", "));
         }
@@ -36,7 +35,7 @@ struct AlertAnswer {
     static constexpr int secondButton = 1001;
 
     int returnCode = secondButton;
-    bool suppressed = false;  ///< the box "do not show again" was ticked
+    bool suppressed = false;  ///< whether "do not show again" was ticked
 };
 
 /// Asks the user. Main thread; returns when the question is answered.

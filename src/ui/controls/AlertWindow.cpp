@@ -43,12 +43,12 @@ QLabel* paragraph(const QString& text, const QFont& font, QRgb color, int width 
     auto* label = makeNameLabel(breakable(text), font, color);
     label->setAccessibleName(text);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setContentsMargins(MCheckCellT::margin, 0, MCheckCellT::margin, 0);  // a check box stands below it
+    label->setContentsMargins(MCheckCellT::margin, 0, MCheckCellT::margin, 0);  // in line with the check box below
     label->setFixedWidth(look::scaled(width));
     return label;
 }
 
-// As many parts on a line as there is room for.
+// Puts as many parts on each line as fit.
 QString partsText(const QStringList& parts, const QFont& font, int room) {
     const QString between = QStringLiteral("%1 \u00b7%1 ").arg(QChar(QChar::Nbsp));
     QStringList lines;
@@ -74,7 +74,7 @@ QWidget* factsPanel(const Alert::Facts& facts) {
     auto* lines = new QVBoxLayout(panel);
     lines->setContentsMargins(within);
     lines->setSpacing(lineGap);
-    // As wide as the texts above and below it, which stand in from the edge.
+    // As wide as the texts above and below it, without their margins.
     const int width = textWidth - 2 * MCheckCellT::margin;
     panel->setFixedWidth(look::scaled(width));
     const int room = width - within.left() - within.right();
@@ -95,7 +95,7 @@ WhiteTitleButton* makeButton(const QString& title, const WhiteTitleButton::Pictu
     return button;
 }
 
-// Lies over a window that waits for an answer.
+// Dims the window behind a question.
 class Shade final : public QWidget {
 public:
     explicit Shade(QWidget* window) : QWidget(window) {

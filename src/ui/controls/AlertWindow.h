@@ -10,9 +10,9 @@ class QVBoxLayout;
 
 namespace brimvault::ui {
 
-/// A question to the user, or something to be told, in a window of its own over the main one. Accepted by the first
-/// button; the second, the escape key and closing it are the other answer. The return key presses the first, or the
-/// second where the first deletes something. Main thread.
+/// A question or a message in a dialog over the main window. The first button accepts it; the second one, the escape
+/// key and closing it reject it. The return key presses the default button: the first, or the second one if the first
+/// deletes something. Main thread.
 class AlertWindow final : public QDialog {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ public:
     AlertWindow(const Alert& alert, QWidget* window);
 
     [[nodiscard]] WhiteTitleButton* firstButton() const { return firstButton_; }
-    /// Null where there is nothing to be cancelled.
+    /// Null for a message.
     [[nodiscard]] WhiteTitleButton* secondButton() const { return secondButton_; }
     [[nodiscard]] bool isSuppressionTicked() const {
         return suppressionBox_ != nullptr && suppressionBox_->isChecked();
@@ -38,7 +38,7 @@ private:
     TitledCheckBox* suppressionBox_ = nullptr;  ///< "do not show again"; null where that is not offered
 };
 
-/// Asks with an AlertWindow over the window.
+/// Asks with an AlertWindow, and shades the window behind it.
 class WindowAlerts final : public AlertPresenter {
 public:
     AlertAnswer runModal(const Alert& alert, QWidget* window) override;

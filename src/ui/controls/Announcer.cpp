@@ -6,32 +6,32 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int pauseTime = 250;  // milliseconds; more often nobody can listen
+constexpr int minInterval = 250;  // milliseconds; a screen reader cannot keep up with more
 
 }  // namespace
 
 Announcer::Announcer(std::function<void()> announce) : announce_(std::move(announce)) {
-    pause_.setInterval(pauseTime);
-    pause_.setSingleShot(true);
-    QObject::connect(&pause_, &QTimer::timeout, &pause_, [this] { tellPending(); });
+    interval_.setInterval(minInterval);
+    interval_.setSingleShot(true);
+    QObject::connect(&interval_, &QTimer::timeout, &interval_, [this] { flush(); });
 }
 
-void Announcer::tellPending() {
-    if (std::exchange(changedMeanwhile_, false)) {
+void Announcer::flush() {
+    if (std::exchange(pending_, false)) {
         announceNow();
     }
 }
 
 void Announcer::changed() {
-    if (pause_.isActive()) {
-        changedMeanwhile_ = true;
+    if (interval_.isActive()) {
+        pending_ = true;
     } else {
         announceNow();
     }
 }
 
 void Announcer::announceNow() {
-    pause_.start();
+    interval_.start();
     announce_();
 }
 

@@ -5,23 +5,23 @@
 
 namespace brimvault::ui {
 
-/// Keeps a stream of changes, such as a scan brings, from flooding those who are told of them: the first is told at
-/// once, those that follow a few times a second, by what holds then. The last one is always told. Main thread.
+/// Throttles accessibility events: the first change is announced at once, later ones at most every 250 ms, and the last
+/// state always. Main thread.
 class Announcer final {
 public:
-    /// The function tells of what holds now.
+    /// The callback announces the present state.
     explicit Announcer(std::function<void()> announce);
 
     void changed();
-    /// Tells at once of what has changed and was not told yet.
-    void tellPending();
+    /// Announces a pending change without waiting.
+    void flush();
 
 private:
     void announceNow();
 
     std::function<void()> announce_;
-    QTimer pause_;
-    bool changedMeanwhile_ = false;
+    QTimer interval_;
+    bool pending_ = false;
 };
 
 }  // namespace brimvault::ui

@@ -30,7 +30,7 @@ IconButton::IconButton(QLatin1String picture, const QString& name, QWidget* pare
 
 QSize IconButton::sizeHint() const { return buttonSize * look::textScale(); }
 
-// Not every client is told that something is expanded; what the button says of itself all of them hear.
+// Not every assistive client reports the expanded state, so the description says it as well.
 void IconButton::setOn(bool on) {
     if (std::exchange(on_, on) == on) {
         return;

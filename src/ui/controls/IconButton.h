@@ -5,16 +5,16 @@
 
 namespace brimvault::ui {
 
-/// A small button that shows a picture alone; its name is in the tooltip and for those who cannot see it. Main thread.
+/// A small button with a picture and no text; its tooltip and its accessible name say what it does. Main thread.
 class IconButton final : public QAbstractButton {
     Q_OBJECT
 
 public:
     IconButton(QLatin1String picture, const QString& name, QWidget* parent = nullptr);
 
-    /// Shows the button as that of something that is on, with another picture.
+    /// Shows that what the button opens is open, with another picture.
     void setOn(bool on);
-    /// None for a button that is never on.
+    /// The picture for `setOn`; a button without one opens nothing.
     void setPictureOn(QLatin1String picture) { pictureOn_ = picture; }
     [[nodiscard]] bool opensSomething() const { return !pictureOn_.isEmpty(); }
     [[nodiscard]] bool isOn() const { return on_; }

@@ -16,19 +16,19 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int usualHeight = 62;
-constexpr int usualWidth = 370;
-constexpr int leastWidth = 200;
+constexpr int defaultHeight = 62;
+constexpr int defaultWidth = 370;
+constexpr int minWidth = 200;
 constexpr int margin = 12;
 constexpr int cornerRadius = 10;
 constexpr qreal largeSize = 21;
-constexpr qreal leastLargeSize = 15;
+constexpr qreal minLargeSize = 15;
 constexpr qreal smallSize = 12;
 
-// In a narrow window the large text becomes smaller before any of it is cut.
+// A narrow window shrinks the large text before it is elided.
 QFont largeFont(const QString& text, int room) {
     QFont font = look::font(largeSize, QFont::Bold);
-    for (qreal size = largeSize; size > leastLargeSize && QFontMetrics(font).horizontalAdvance(text) > room; --size) {
+    for (qreal size = largeSize; size > minLargeSize && QFontMetrics(font).horizontalAdvance(text) > room; --size) {
         font = look::font(size - 1, QFont::Bold);
     }
     return font;
@@ -63,9 +63,9 @@ void PlashkaView::setTexts(const QString& large, const QString& small) {
 
 QString PlashkaView::spokenText() const { return large_.isEmpty() ? small_ : large_ + QStringLiteral(", ") + small_; }
 
-QSize PlashkaView::sizeHint() const { return {look::scaled(usualWidth), look::scaled(usualHeight)}; }
+QSize PlashkaView::sizeHint() const { return {look::scaled(defaultWidth), look::scaled(defaultHeight)}; }
 
-QSize PlashkaView::minimumSizeHint() const { return {leastWidth, look::scaled(usualHeight)}; }
+QSize PlashkaView::minimumSizeHint() const { return {minWidth, look::scaled(defaultHeight)}; }
 
 bool PlashkaView::event(QEvent* event) {
     const bool handled = QAbstractButton::event(event);
@@ -85,8 +85,8 @@ bool PlashkaView::event(QEvent* event) {
     return handled;
 }
 
-// What comes between the pointer and the panel, or takes the panel from under it, need not tell the panel. While it is
-// lit, it therefore hears of everything that moves, comes or goes, and looks once that is done.
+// No event tells the panel that another widget came between it and the pointer, or that the window moved away from
+// under the pointer. While it is highlighted, it therefore filters the events of the whole application.
 bool PlashkaView::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::Show:
@@ -116,7 +116,7 @@ void PlashkaView::updateHover() {
     update();
 }
 
-// Where the pointer is outside of the window not every desktop tells; the window knows that it has left.
+// Some desktops do not report the pointer outside of the window; underMouse() of the window is right even then.
 bool PlashkaView::isUnderPointer() const {
     const auto* modal = QApplication::activeModalWidget();
     const bool reachable = QApplication::activePopupWidget() == nullptr && (modal == nullptr || modal == window());

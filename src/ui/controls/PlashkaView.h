@@ -15,10 +15,10 @@ public:
     explicit PlashkaView(QWidget* parent = nullptr);
 
     void setTexts(const QString& large, const QString& small);
-    /// Both, as an assistive client reads them.
+    /// Both texts, as an assistive client reads them.
     [[nodiscard]] QString spokenText() const;
 
-    /// Lit up, since the pointer is on it and a press would reach it.
+    /// Whether it is highlighted: the pointer is on it, and a press would reach it.
     [[nodiscard]] bool isHovered() const { return hovered_; }
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -36,7 +36,7 @@ private:
     bool hovered_ = false;
     QString large_;
     QString small_;
-    Announcer textNews_;  ///< a scan changes the texts all the time
+    Announcer textNews_;  ///< a scan changes the texts many times a second
 };
 
 }  // namespace brimvault::ui

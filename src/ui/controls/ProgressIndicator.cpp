@@ -11,10 +11,10 @@ namespace brimvault::ui {
 namespace {
 
 constexpr int steps = 12;
-constexpr int interval = 80;  // milliseconds; slow enough to cost nothing
+constexpr int interval = 80;  // milliseconds; slow, to keep the processor idle
 constexpr int side = 19;
 constexpr qreal stroke = 2;
-constexpr float faint = 0.35F;
+constexpr float groundOpacity = 0.35F;
 
 }  // namespace
 
@@ -42,7 +42,7 @@ void ProgressIndicator::startAnimation() {
 
 void ProgressIndicator::stopAnimation() {
     turning_.stop();
-    percentNews_.tellPending();  // nobody hears of what is hidden
+    percentNews_.flush();  // events of a hidden widget are not delivered
     hide();
     Q_EMIT animationChanged();
 }
@@ -56,12 +56,12 @@ void ProgressIndicator::setPercent(int percent) {
 QSize ProgressIndicator::sizeHint() const { return QSize(side, side) * look::textScale(); }
 
 void ProgressIndicator::paintEvent(QPaintEvent* /*event*/) {
-    constexpr int turn = 360 * 16;  // angles are counted in sixteenths of a degree
+    constexpr int turn = 360 * 16;  // QPainter counts in sixteenths of a degree
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF ring = QRectF(rect()).adjusted(1, 1, -1, -1);
     QColor ground = color_;
-    ground.setAlphaF(faint);
+    ground.setAlphaF(groundOpacity);
     painter.setPen(QPen(ground, stroke));
     painter.drawEllipse(ring);
     painter.setPen(QPen(color_, stroke, Qt::SolidLine, Qt::RoundCap));

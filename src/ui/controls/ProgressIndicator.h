@@ -8,20 +8,19 @@
 
 namespace brimvault::ui {
 
-/// A turning ring beside the text of a button: something is going on. It is drawn in the colour of the text, lets the
-/// mouse through to the button, and is hidden while nothing goes on. Assistive clients are told how far it has come.
-/// Main thread.
+/// A spinner beside the text of a button, in the colour of the text. It is transparent for the mouse and hidden while
+/// it is not animated. Assistive clients see it as a progress bar. Main thread.
 class ProgressIndicator final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The name says what goes on.
+    /// The name says what is in progress.
     ProgressIndicator(const QString& accessibleName, QWidget* parent);
 
     void startAnimation();
     void stopAnimation();
     [[nodiscard]] bool isAnimated() const { return turning_.isActive(); }
-    /// How far it has come; 0 when it starts.
+    /// The progress for assistive clients; 0 when the animation starts.
     void setPercent(int percent);
     [[nodiscard]] int percent() const { return percent_; }
     void setColor(const QColor& color) { color_ = color; }

@@ -17,7 +17,7 @@ void SelectAllButton::setSelAllChecked(int state) {
 }
 
 void SelectAllButton::nextCheckState() {
-    const bool all = checkState() == Qt::Checked;  // before the mixed state is given up: without it, mixed reads as all
+    const bool all = checkState() == Qt::Checked;  // read first: setTristate(false) turns mixed into checked
     setTristate(false);
     setCheckState(all ? Qt::Unchecked : Qt::Checked);
     updateBtnSelectAllLook();

@@ -12,7 +12,7 @@ class SelectAllButton final : public TitledCheckBox {
 public:
     explicit SelectAllButton(QWidget* parent = nullptr);
 
-    /// Shows a state without telling anyone: -1 mixed, 0 none, 1 all.
+    /// Shows a state without a signal: -1 mixed, 0 none, 1 all.
     void setSelAllChecked(int state);
 
     [[nodiscard]] QSize sizeHint() const override;

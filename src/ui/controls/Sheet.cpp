@@ -15,8 +15,8 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int leastMargin = 16;  // of the window beside and below the panel
-constexpr int slideTime = 200;   // milliseconds; quick enough not to be waited for
+constexpr int minMargin = 16;   // beside and below the panel
+constexpr int slideTime = 200;  // milliseconds; too short to wait for
 constexpr int cornerRadius = 10;
 constexpr int shadowReach = 28;
 constexpr qreal shadowStrength = 0.045;
@@ -25,7 +25,7 @@ bool takesTab(const QWidget* widget) {
     return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
 }
 
-// Outlines one around the other, each fainter than the one within.
+// Nested outlines, fainter from inside to outside.
 void drawShadow(QPainter& painter, const QRectF& shape) {
     painter.setBrush(Qt::NoBrush);
     for (int distance = 0; distance < shadowReach; ++distance) {
@@ -40,8 +40,8 @@ void drawShadow(QPainter& painter, const QRectF& shape) {
 
 }  // namespace
 
-Sheet::Sheet(const QSize& usualSize, QWidget* window)
-    : QWidget(window), usualSize_(usualSize), panel_(new QWidget(this)) {
+Sheet::Sheet(const QSize& defaultSize, QWidget* window)
+    : QWidget(window), defaultSize_(defaultSize), panel_(new QWidget(this)) {
     hide();
     setAttribute(Qt::WA_NoMousePropagation);
     setGeometry(window->rect());
@@ -58,7 +58,7 @@ Sheet::Sheet(const QSize& usualSize, QWidget* window)
 }
 
 void Sheet::beginSheet(QWidget* first) {
-    before_ = window()->focusWidget();
+    focusBefore_ = window()->focusWidget();
     setGeometry(parentWidget()->rect());
     if (parentWidget()->isVisible() && style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0) {
         slide_.start();
@@ -67,15 +67,15 @@ void Sheet::beginSheet(QWidget* first) {
     show();
     lastInside_ = first;
     first->setFocus();
-    tellCoveringChanged();
+    announceCovering();
 }
 
 void Sheet::endSheet() {
     slide_.stop();
     hide();
-    tellCoveringChanged();
-    if (before_ && before_->isVisible() && before_->isEnabled()) {
-        before_->setFocus();
+    announceCovering();
+    if (focusBefore_ && focusBefore_->isVisible() && focusBefore_->isEnabled()) {
+        focusBefore_->setFocus();
     }
 }
 
@@ -85,8 +85,8 @@ bool Sheet::covers(const QWidget* widget) {
                        [widget](const Sheet* sheet) { return !sheet->isHidden() && !sheet->isAncestorOf(widget); });
 }
 
-// Clients remember what can be used.
-void Sheet::tellCoveringChanged() const {
+// Assistive clients cache the state of the widgets behind.
+void Sheet::announceCovering() const {
     if (!QAccessible::isActive()) {
         return;
     }
@@ -102,10 +102,10 @@ void Sheet::tellCoveringChanged() const {
     }
 }
 
-// It grows with the text, and leaves a strip of the window to be seen.
+// The panel scales with the text, and leaves a strip of the window visible.
 void Sheet::placePanel() {
-    const QSize room = size() - QSize(2 * leastMargin, leastMargin);
-    const QSize wanted = QSize(look::scaled(usualSize_.width()), look::scaled(usualSize_.height())).boundedTo(room);
+    const QSize room = size() - QSize(2 * minMargin, minMargin);
+    const QSize wanted = QSize(look::scaled(defaultSize_.width()), look::scaled(defaultSize_.height())).boundedTo(room);
     const QRect before = panelWithShadow();
     panel_->setGeometry((width() - wanted.width()) / 2, qRound((out_ - 1) * wanted.height()), wanted.width(),
                         wanted.height());
@@ -116,7 +116,7 @@ QRect Sheet::panelWithShadow() const {
     return panel_->geometry().adjusted(-shadowReach - 1, 0, shadowReach + 1, shadowReach + 1);
 }
 
-// Someone else may give the keyboard to what is behind; the sheet takes it back.
+// Takes the focus back if other code gives it to a widget behind the sheet.
 void Sheet::keepFocus(QWidget* now) {
     if (now == nullptr || isHidden() || now->window() != window()) {
         return;
@@ -140,7 +140,7 @@ bool Sheet::focusNextPrevChild(bool next) {
     return true;
 }
 
-// The window's shortcuts rest.
+// Keeps the window's shortcuts from working.
 bool Sheet::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         event->accept();
@@ -149,7 +149,7 @@ bool Sheet::event(QEvent* event) {
     return QWidget::event(event);
 }
 
-// Every key ends here: what is behind hears of none.
+// Does not pass keys on to the widgets behind.
 void Sheet::keyPressEvent(QKeyEvent* event) {
     const bool closes =
         event->key() == Qt::Key_Escape || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;

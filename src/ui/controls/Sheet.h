@@ -6,26 +6,26 @@
 
 namespace brimvault::ui {
 
-/// A panel that hangs from the top edge of a window until it is closed. It covers what the window shows and dims it,
-/// and the mouse and the keyboard reach nothing behind it. It is a part of the window and no window of its own, as not
-/// every desktop lets a program place one. Main thread.
+/// A modal panel that hangs from the top edge of a window. It dims the window, and the mouse and the keyboard reach
+/// nothing behind it. It is a child widget and no window, since not every desktop lets a program place its windows.
+/// Main thread.
 class Sheet : public QWidget {
     Q_OBJECT
 
 public:
-    /// The size of the panel in points, where the window has room for it.
-    Sheet(const QSize& usualSize, QWidget* window);
+    /// The size of the panel in points; a small window makes it smaller.
+    Sheet(const QSize& defaultSize, QWidget* window);
 
-    /// Comes out of the edge; the keyboard goes to the widget, one of the panel's.
+    /// Slides out; the widget, a child of the panel, gets the focus.
     void beginSheet(QWidget* first);
-    /// Goes, and the keyboard is again where it was.
+    /// Hides, and gives the focus back.
     void endSheet();
     [[nodiscard]] QWidget* panel() const { return panel_; }
-    /// Whether a sheet lies over the widget, of which nothing can be used then.
+    /// Whether a sheet covers the widget, which then cannot be used.
     [[nodiscard]] static bool covers(const QWidget* widget);
 
 Q_SIGNALS:
-    /// The user wants it closed.
+    /// The user wants to close it.
     void closeRequested();
 
 protected:
@@ -39,15 +39,15 @@ protected:
 private:
     void placePanel();
     void keepFocus(QWidget* now);
-    void tellCoveringChanged() const;
+    void announceCovering() const;
     [[nodiscard]] QRect panelWithShadow() const;
 
-    const QSize usualSize_;
+    const QSize defaultSize_;
     QWidget* panel_;
     QVariantAnimation slide_;
-    qreal out_ = 1;                 ///< how far it has come out: 0 to 1
-    QPointer<QWidget> before_;      ///< had the keyboard when the sheet came
-    QPointer<QWidget> lastInside_;  ///< has it now
+    qreal out_ = 1;                  ///< how far it is out: 0 to 1
+    QPointer<QWidget> focusBefore_;  ///< had the focus when the sheet began
+    QPointer<QWidget> lastInside_;   ///< has the focus now
 };
 
 }  // namespace brimvault::ui

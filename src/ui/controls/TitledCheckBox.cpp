@@ -23,12 +23,12 @@ TitledCheckBox::TitledCheckBox(const QString& title, QWidget* parent) : QCheckBo
 }
 
 QSize TitledCheckBox::sizeWith(const QString& title) const {
-    constexpr int slack = 4;  // for fractions of the letters' widths
+    constexpr int slack = 4;  // for rounding of the letters' widths
     return {MCheckCellT::widthBesideTitle() + fontMetrics().horizontalAdvance(title) + slack,
             std::max(MCheckCell::side(), fontMetrics().height()) + 2 * verticalMargin};
 }
 
-// At rest there is none to be seen: the check box and its title stand on the ground itself.
+// The pictures for the state at rest are transparent.
 QLatin1String TitledCheckBox::plate() const {
     const bool all = checkState() == Qt::Checked;
     if (isDown()) {

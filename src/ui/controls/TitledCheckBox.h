@@ -17,7 +17,7 @@ public:
 protected:
     [[nodiscard]] bool hitButton(const QPoint& position) const override { return rect().contains(position); }
     void paintEvent(QPaintEvent* event) override;
-    /// What it needs in points with a title.
+    /// The size that it needs with a title.
     [[nodiscard]] QSize sizeWith(const QString& title) const;
 
 private:

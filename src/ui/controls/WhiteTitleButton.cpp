@@ -51,7 +51,7 @@ void WhiteTitleButton::setPictures(const Pictures& pictures) {
 }
 
 void WhiteTitleButton::setTitle(const QString& title, const QString& accessibleName) {
-    meaning_ += accessibleName == this->accessibleName() ? 0 : 1;
+    action_ += accessibleName == this->accessibleName() ? 0 : 1;
     setText(title);
     setAccessibleName(accessibleName);
     placeIndicator();
@@ -119,12 +119,12 @@ void WhiteTitleButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void WhiteTitleButton::mousePressEvent(QMouseEvent* event) {
-    pressedMeaning_ = meaning_;
+    pressedAction_ = action_;
     QPushButton::mousePressEvent(event);
 }
 
 void WhiteTitleButton::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (meaning_ == pressedMeaning_) {
+    if (action_ == pressedAction_) {
         mousePressEvent(event);
     }
 }

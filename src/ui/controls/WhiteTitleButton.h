@@ -7,10 +7,10 @@
 
 namespace brimvault::ui {
 
-/// A borderless button: a picture stretched behind its title, which is white unless another colour is set. Main thread.
+/// A button with a picture stretched behind its title, which is white unless another colour is set. Main thread.
 ///
-/// The first press of a double click may turn it into a button that does something else, as starting a scan does. The
-/// second press is not meant for that one, and does nothing.
+/// The first click of a double click may change what the button does, as "Scan" becomes "Stop". The second click was
+/// not meant for the new action and is ignored.
 class WhiteTitleButton final : public QPushButton {
     Q_OBJECT
 
@@ -31,16 +31,15 @@ public:
     /// "Close".
     [[nodiscard]] static WhiteTitleButton* makeClose(qreal titleSize);
 
-    /// Loaded by name when they are drawn first.
     void setPictures(const Pictures& pictures);
-    /// The title, and the name that an assistive client reads.
+    /// A changed accessible name says that the button does something else now.
     void setTitle(const QString& title, const QString& accessibleName);
     void setTitleColor(const QColor& color);
     /// In points.
     void setTitleSize(qreal size);
     /// As low as the buttons of alerts and sheets are, and at least that wide, in points that grow with the text.
     void setSmall(int minWidth);
-    /// Gives the button an indicator beside its title; the name says what it shows to be going on.
+    /// Adds a progress indicator beside the title; its name says what is in progress.
     ProgressIndicator* addIndicator(const QString& accessibleName);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -60,8 +59,8 @@ private:
 
     Pictures pictures_;
     QColor titleColor_;
-    int meaning_ = 0;         ///< another one whenever the button stands for something else
-    int pressedMeaning_ = 0;  ///< the one at the last press
+    int action_ = 0;         ///< counts up when the action changes
+    int pressedAction_ = 0;  ///< `action_` at the last press
     ProgressIndicator* indicator_ = nullptr;
 };
 

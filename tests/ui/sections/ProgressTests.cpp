@@ -85,9 +85,9 @@ TEST(Announcer, TellsAtOnceThenNowAndThenAndAtLast) {
     }
     value = 1000;
     EXPECT_EQ(told, QList<int>{1});
-    announcer.tellPending();  // as when nobody will hear of it later
+    announcer.flush();  // as when nobody will hear of it later
     EXPECT_EQ(told, QList<int>({1, 1000}));
-    announcer.tellPending();
+    announcer.flush();
     EXPECT_EQ(told.size(), 2) << "nothing is pending";
     told.removeLast();
     announcer.changed();
