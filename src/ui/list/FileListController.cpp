@@ -13,7 +13,7 @@ namespace {
 
 const engine::FFItem& file(const engine::CleanableItem& item) { return static_cast<const engine::FFItem&>(item); }
 
-// Folders and links look the same on every desktop.
+// Folders and links always have the window's own pictures.
 RowPicture pictureOf(const engine::FFItem& item) {
     const auto kind = item.getDisplayIcon().kind;
     return kind == files::NodeKind::regular
@@ -30,8 +30,9 @@ void FileListController::viewDidLoad() {
     connect(view(), &TTableView::removeRequested, this, &FileListController::onClickedRemove);
 }
 
-// While a scan goes on a very long list is told again and again that it has grown a little, and a clean tells it what
-// has gone; what stays is not looked at.
+// Called for every batch of a scan and after each clean. Items that stay are not looked at, so that the cost depends on
+// the size of the change and not on that of the list. A new generation of the section's items means that some were
+// removed or all were replaced; within a generation, items are only appended.
 int FileListController::updateRows(int row) {
     const auto& found = surroundings().pDS.sectionItems(section());
     const auto generation = found.generation();
@@ -86,7 +87,7 @@ void FileListController::onClickedRemove() {
     const auto item = getSelectedItem();
     const auto path = getPathByItem(*item);
     if (!path.is_absolute()) {
-        surroundings().util.alertFileNotExists(path);  // the section's folder is gone
+        surroundings().util.alertFileNotExists(path);  // the section's folder no longer exists
         return;
     }
     const auto going = engine::ItemArray{item} + itemsIn(path);
@@ -97,7 +98,7 @@ void FileListController::onClickedRemove() {
         }
     }
     if (!isRemoveEnabled() || model().rowOf(item.get()) < 0) {
-        return;  // while the question was open, the window went on
+        return;  // the window kept running while the question was open
     }
     surroundings().dataSource.setPbRemoving(true);
     const auto finished = [list = QPointer(this), going](bool success) {
@@ -108,8 +109,8 @@ void FileListController::onClickedRemove() {
     surroundings().util.doRemoveFile(path, finished, item->foundIn());
 }
 
-// What is listed singly and lies in a folder that is listed as well. Scans spell paths in one way, so comparing bytes
-// is enough, and quick enough for the longest list.
+// The items that lie in a folder which is itself an item of the list: they go with it. Scans write paths in one way, so
+// that comparing bytes is enough, and fast enough for the longest list.
 engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folder) const {
     engine::ItemArray inside;
     const auto beginning = folder.native() + "/";
@@ -122,6 +123,8 @@ engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folde
     return inside;
 }
 
+// Posts the section's "cleanFinished", which otherwise only the engine posts after a clean, so that a single removal
+// goes the same way: the model drops the items and everything that shows them follows.
 void FileListController::removed(const engine::ItemArray& items) {
     const auto words = engine::vocabulary(section());
     engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});

@@ -8,8 +8,8 @@
 
 namespace brimvault::ui {
 
-/// The list of one section of files, whose items can be removed singly as well. Each section's own list names its items
-/// and finds their paths. Main thread.
+/// The list of a section of files, whose items can also be removed singly. Subclasses know the paths of their items.
+/// Main thread.
 class FileListController : public ItemListController {
     Q_OBJECT
 
@@ -17,12 +17,12 @@ public:
     /// Null when no row is selected.
     [[nodiscard]] std::shared_ptr<engine::FFItem> getSelectedItem() const;
 
-    /// Asks, removes the item for good, and drops it from the list once it is gone.
+    /// Asks, removes the selected item permanently, and then drops it from the list.
     void onClickedRemove();
     /// Whether `onClickedRemove` would do anything.
     [[nodiscard]] bool isRemoveEnabled() const;
 
-    /// Where the item lies, for what is done to it.
+    /// The path for removing, revealing and so on.
     [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
 
 protected:
@@ -42,8 +42,8 @@ private:
     [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
     void removed(const engine::ItemArray& items);
 
-    quint64 generation_ = 0;    ///< of the section's items, as far as the rows hold them
-    qsizetype takenCount_ = 0;  ///< how many of them the rows have taken in
+    quint64 generation_ = 0;    ///< of the section's items, at the last update of the rows
+    qsizetype takenCount_ = 0;  ///< how many of them were there at that time
 };
 
 }  // namespace brimvault::ui

@@ -23,7 +23,7 @@ QLatin1String HTableHeaderCell::arrow() const {
     return QLatin1String((order == Qt::AscendingOrder) != bReverceSort ? "sortTrAsc" : "sortTrDesc");
 }
 
-// The ends of the header have a part of their own; between them the middle is stretched.
+// The first and the last cell have a picture for their outer end; the middle part is stretched.
 void HTableHeaderCell::drawGround(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction) const {
     using Name = QLatin1String;
     const bool lit = isHighlighted();
@@ -91,7 +91,7 @@ HTableHeaderCell HTableHeaderView::cell(int logicalIndex) const {
     if (logicalIndex == sortIndicatorSection()) {
         cell.order = sortIndicatorOrder();
     }
-    cell.bReverceSort = number;  // the largest first is the usual order of numbers
+    cell.bReverceSort = number;  // the default order of numbers is the largest first
     cell.first = place == 0;
     cell.last = place == count() - 1;
     cell.pointer = pointerOn(logicalIndex);

@@ -5,17 +5,17 @@
 
 namespace brimvault::ui {
 
-/// A column's header as it is drawn: a ground in three parts, the title, and the arrow of the column by which the rows
-/// are sorted. Main thread.
+/// A column's header as it is drawn: a background in three parts, the title, and an arrow if the rows are sorted by the
+/// column. Main thread.
 struct HTableHeaderCell {
     enum class Pointer { elsewhere, over, down };
 
     QString title;
-    Qt::Alignment side;                  ///< where the title stands: at the beginning of lines or at their end
+    Qt::Alignment side;                  ///< the alignment of the title
     std::optional<Qt::SortOrder> order;  ///< none when the rows are sorted by another column
     bool bReverceSort = false;           ///< inverts the arrow
-    bool first = false;                  ///< stands at the beginning of the header
-    bool last = false;                   ///< stands at its end
+    bool first = false;                  ///< is the leading one of the header
+    bool last = false;                   ///< is the trailing one
     Pointer pointer = Pointer::elsewhere;
 
     void draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction, const QFont& font) const;
@@ -34,7 +34,7 @@ public:
     explicit HTableHeaderView(QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
-    /// The header of a column as it is now.
+    /// The present state of the header of a column.
     [[nodiscard]] HTableHeaderCell cell(int logicalIndex) const;
 
 protected:
@@ -45,7 +45,7 @@ protected:
 private:
     [[nodiscard]] HTableHeaderCell::Pointer pointerOn(int logicalIndex) const;
 
-    int pressed_ = -1;  ///< the column whose header is held down
+    int pressed_ = -1;  ///< the column whose header is pressed; -1 for none
 };
 
 }  // namespace brimvault::ui

@@ -15,11 +15,11 @@ namespace {
 using Form = IconPicture::Form;
 using Pictures = std::vector<IconPicture>;
 
-constexpr qsizetype mostElements = 256;  // an icon file has one for each size, about a dozen, and a few that are none
-constexpr qsizetype elementHead = 8;     // of an element of an icon file: its kind and its length
+constexpr qsizetype maxElements = 256;  // an icns file has about a dozen pictures and a few other elements
+constexpr qsizetype elementHead = 8;    // of an element of an icns file: its kind and its length
 constexpr QByteArrayView elementsKind("icns");
 
-// The elements that are no files of their own: colours packed in a simple way, and the masks that belong to them.
+// The old icns elements hold run-length encoded colours, with the mask in a second element; newer ones are PNG files.
 struct ElementKind {
     QByteArrayView colours;
     QByteArrayView mask;
@@ -28,7 +28,7 @@ struct ElementKind {
 constexpr std::array<ElementKind, 4> elementKinds = {
     {{"is32", "s8mk", 16}, {"il32", "l8mk", 32}, {"ih32", "h8mk", 48}, {"it32", "t8mk", 128}}};
 
-// Of a file (ico) that begins with a list of the bitmaps in it.
+// An ico file starts with a directory of its bitmaps.
 constexpr QByteArrayView bitmapsStart("\0\0\1\0", 4);
 constexpr qsizetype bitmapsHead = 6;
 constexpr qsizetype bitmapsEntry = 16;
@@ -37,7 +37,7 @@ constexpr qsizetype bitmapHead = 40;
 int little16(QByteArrayView contents, qsizetype place) { return qFromLittleEndian<quint16>(contents.data() + place); }
 qint64 little32(QByteArrayView contents, qsizetype place) { return qFromLittleEndian<qint32>(contents.data() + place); }
 
-bool isSideOfIcon(qint64 side) { return side > 0 && side <= IconFile::largestSide; }
+bool isSideOfIcon(qint64 side) { return side > 0 && side <= IconFile::maxSide; }
 
 // Empty for sizes that no icon has.
 QSize iconSize(qint64 width, qint64 height) {
@@ -57,7 +57,7 @@ QByteArrayView elementOf(const std::vector<QByteArrayView>& elements, QByteArray
     return found == elements.end() ? QByteArrayView() : *found;
 }
 
-// Empty for more of them than an icon has.
+// Empty if there are too many.
 std::vector<QByteArrayView> elementsIn(QByteArrayView contents) {
     std::vector<QByteArrayView> elements;
     for (qsizetype place = elementHead; place + elementHead <= contents.size();) {
@@ -68,7 +68,7 @@ std::vector<QByteArrayView> elementsIn(QByteArrayView contents) {
         elements.push_back(contents.sliced(place, length));
         place += length;
     }
-    return elements.size() > mostElements ? std::vector<QByteArrayView>() : elements;
+    return elements.size() > maxElements ? std::vector<QByteArrayView>() : elements;
 }
 
 Pictures inElements(QByteArrayView contents) {
@@ -87,7 +87,7 @@ Pictures inElements(QByteArrayView contents) {
     return pictures;
 }
 
-// Without the list; its pictures are as high again as they look, for the mask below them.
+// A bitmap of an ico file states twice its height, since the mask follows the colours.
 QSize sizeOfBitmap(QByteArrayView bitmap) {
     if (bitmap.size() < bitmapHead || little32(bitmap, 0) != bitmapHead) {
         return {};
@@ -98,7 +98,7 @@ QSize sizeOfBitmap(QByteArrayView bitmap) {
 Pictures inBitmaps(QByteArrayView contents) {
     Pictures pictures;
     const qsizetype listed = little16(contents, 4);
-    for (qsizetype index = 0; index < std::min(listed, mostElements); ++index) {
+    for (qsizetype index = 0; index < std::min(listed, maxElements); ++index) {
         const qsizetype entry = bitmapsHead + index * bitmapsEntry;
         if (entry + bitmapsEntry > contents.size()) {
             break;
@@ -119,7 +119,7 @@ QSize sizeOfGif(QByteArrayView contents) { return {little16(contents, 6), little
 
 QSize sizeOfBmp(QByteArrayView contents) { return iconSize(little32(contents, 18), std::abs(little32(contents, 22))); }
 
-// A list of one bitmap. A side of 0 in it is told by the bitmap itself.
+// An ico file with this bitmap alone. Sides of 0 in its directory mean that the bitmap states them.
 QByteArray asOnlyBitmap(QByteArrayView bitmap) {
     constexpr qint32 placeOfOnly = bitmapsHead + bitmapsEntry;
     QByteArray file = bitmapsStart.toByteArray();
@@ -140,9 +140,9 @@ QByteArray asOnlyElement(QByteArrayView colours, QByteArrayView mask) {
 }  // namespace
 
 Pictures IconFile::pictures(QByteArrayView contents) {
-    constexpr qsizetype least = 26;  // of the shortest head
+    constexpr qsizetype minBytes = 26;  // the shortest header of these formats
     Pictures found;
-    if (contents.size() < least || contents.size() > mostBytes) {
+    if (contents.size() < minBytes || contents.size() > maxBytes) {
         return found;
     }
     if (contents.startsWith(elementsKind)) {
@@ -186,9 +186,9 @@ QByteArray IconPicture::reader() const {
 QByteArray IconPicture::contents() const {
     switch (form) {
         case Form::png:
-            return PngPicture::bare(picture);
+            return PngPicture::withoutMetadata(picture);
         case Form::tiff:
-            return TiffPicture::bare(picture);
+            return TiffPicture::withoutMetadata(picture);
         case Form::iconElement:
             return asOnlyElement(picture, mask);
         case Form::iconBitmap:

@@ -11,13 +11,13 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int mostMemory = 40;           // MiB; what a picture of the largest size takes, and a little
-constexpr std::size_t mostAttempts = 4;  // to read one of several: some are in forms of older days
+constexpr int maxMemory = 40;           // MiB; room for a picture of the maximum size
+constexpr std::size_t maxAttempts = 4;  // pictures of one file; some are in formats that Qt cannot read
 
-// That which serves best first: the smallest that is large enough, else the largest.
+// The best fit first: the smallest one that is large enough, else the largest.
 void sortByUse(std::vector<IconPicture>& pictures, int pixels) {
     const auto rank = [pixels](const IconPicture& picture) {
-        return picture.side < pixels ? 2 * IconFile::largestSide - picture.side : picture.side;
+        return picture.side < pixels ? 2 * IconFile::maxSide - picture.side : picture.side;
     };
     std::stable_sort(pictures.begin(), pictures.end(),
                      [&](const auto& left, const auto& right) { return rank(left) < rank(right); });
@@ -29,7 +29,7 @@ QImage fitted(const QImage& image, int pixels) {
 
 bool isTooLarge(const QImageReader& reader) {
     const QSize size = reader.size();
-    return size.width() > IconFile::largestSide || size.height() > IconFile::largestSide;
+    return size.width() > IconFile::maxSide || size.height() > IconFile::maxSide;
 }
 
 QImage decoded(const IconPicture& picture) {
@@ -37,21 +37,21 @@ QImage decoded(const IconPicture& picture) {
     QBuffer buffer(&contents);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer, picture.reader());
-    reader.setAutoDetectImageFormat(false);  // no other reader is asked whether it knows it
+    reader.setAutoDetectImageFormat(false);  // or Qt would try all plug-ins
     return isTooLarge(reader) ? QImage() : reader.read();
 }
 
-// A drawing can name other files, have parts defined as texts that grow, and repeat its parts again and again. Themes
-// of icons do hardly any of this.
+// An SVG file can refer to other files, define entities that expand exponentially, and repeat parts with nested <use>.
+// Icon themes hardly use any of this.
 bool isPlainDrawing(const QByteArray& contents) {
     if (!contents.trimmed().startsWith('<') || contents.contains('\0')) {
         return false;
     }
-    constexpr qsizetype mostRepeated = 16;
+    constexpr qsizetype maxRepeated = 16;
     static const QRegularExpression refused(QStringLiteral("<!ENTITY|<([\\w.-]+:)?(image|foreignObject)\\b"));
     static const QRegularExpression repeated(QStringLiteral("<([\\w.-]+:)?use\\b"));
     const QString text = QString::fromUtf8(contents);
-    return !text.contains(refused) && text.count(repeated) <= mostRepeated;
+    return !text.contains(refused) && text.count(repeated) <= maxRepeated;
 }
 
 QImage ofDrawing(QByteArray contents, int pixels) {
@@ -69,12 +69,12 @@ QImage ofDrawing(QByteArray contents, int pixels) {
 
 }  // namespace
 
-void IconImage::limitMemory() { QImageReader::setAllocationLimit(mostMemory); }
+void IconImage::limitMemory() { QImageReader::setAllocationLimit(maxMemory); }
 
 QImage IconImage::ofContents(const QByteArray& contents, int pixels) {
     auto pictures = IconFile::pictures(contents);
     sortByUse(pictures, pixels);
-    for (std::size_t attempt = 0; attempt < std::min(pictures.size(), mostAttempts); ++attempt) {
+    for (std::size_t attempt = 0; attempt < std::min(pictures.size(), maxAttempts); ++attempt) {
         const QImage image = decoded(pictures[attempt]);
         if (!image.isNull()) {
             return fitted(image, pixels);
@@ -85,7 +85,7 @@ QImage IconImage::ofContents(const QByteArray& contents, int pixels) {
 
 QImage IconImage::ofDesktopFile(const QString& file, int pixels) {
     const auto read =
-        platform::FileContents::read(std::filesystem::path(file.toStdString()), std::size_t{IconFile::mostBytes});
+        platform::FileContents::read(std::filesystem::path(file.toStdString()), std::size_t{IconFile::maxBytes});
     const auto contents = QByteArray::fromStdString(read.value_or(std::string()));
     return isPlainDrawing(contents) ? ofDrawing(contents, pixels) : ofContents(contents, pixels);
 }

@@ -8,20 +8,20 @@
 
 namespace brimvault::ui {
 
-/// A picture of others, made to fit into a square of that many pixels with its shape kept. Any thread.
+/// Decodes untrusted pictures and scales them into a square of that many pixels, keeping their proportions. Any thread.
 class IconImage {
 public:
-    static constexpr int largestSide = IconFile::largestSide;
+    static constexpr int maxSide = IconFile::maxSide;
 
-    /// Of what a picture file of an application holds: of several pictures in it the one that serves best. Null where
-    /// it is broken, too large, or of a format that is no icon's or cannot be read here.
+    /// The picture of an icon file that fits best. Null if the file is damaged, too large, or of a format that is
+    /// refused or has no plug-in.
     [[nodiscard]] static QImage ofContents(const QByteArray& contents, int pixels);
-    /// Of a file of the desktop's own, which may be a drawing; null where there is none, or one that names other files
-    /// or repeats itself.
+    /// The same for a file of the desktop's icon theme, which may be SVG as well; null for drawings that refer to other
+    /// files or repeat parts many times.
     [[nodiscard]] static QImage ofDesktopFile(const QString& file, int pixels);
 
-    /// How much memory a picture may take while it is read, for the whole process; to be called before the first is.
-    /// Main thread.
+    /// Limits the memory that Qt allocates for a picture, in the whole process. Call it before the first one is
+    /// decoded. Main thread.
     static void limitMemory();
 };
 

@@ -18,11 +18,12 @@ namespace brimvault::ui {
 
 namespace {
 
-// Qt reads the database of types by itself, parts of which are the user's, and would wait for a pipe in its place.
-bool mayAskForTypes() {
-    constexpr std::size_t largestPart = 64UL * 1024 * 1024;
+// QMimeDatabase reads files of the user's on its own, and would block for ever if one of them were a pipe or hung on a
+// dead volume.
+bool isTypeDatabaseHarmless() {
+    constexpr std::size_t maxPart = 64UL * 1024 * 1024;
     const auto isHarmless = [](const QString& file) {
-        return platform::FileContents::isHarmless(QFile::encodeName(file).toStdString(), largestPart);
+        return platform::FileContents::isHarmless(QFile::encodeName(file).toStdString(), maxPart);
     };
     const auto folders = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
     return std::all_of(folders.begin(), folders.end(), [&](const QString& folder) {
@@ -34,20 +35,19 @@ bool mayAskForTypes() {
     });
 }
 
-// The types of files are few: the icon of each is looked for once.
+// Caches one icon for each file type.
 class TypeIcons {
 public:
     TypeIcons(const QString& theme, const QStringList& folders) : theme_(theme, folders) {}
 
     QImage of(const QByteArray& fileName, int pixels) {
-        if (!mayAsk_) {
-            mayAsk_ = mayAskForTypes();
+        if (!harmless_) {
+            harmless_ = isTypeDatabaseHarmless();
         }
-        if (!*mayAsk_) {
+        if (!*harmless_) {
             return {};
         }
-        const auto type =
-            QMimeDatabase().mimeTypeForFile(QString::fromUtf8(fileName), QMimeDatabase::MatchExtension);  // by its name
+        const auto type = QMimeDatabase().mimeTypeForFile(QString::fromUtf8(fileName), QMimeDatabase::MatchExtension);
         if (type.isDefault()) {
             return {};
         }
@@ -62,7 +62,7 @@ public:
 
 private:
     IconTheme theme_;
-    std::optional<bool> mayAsk_;  ///< once that is known
+    std::optional<bool> harmless_;  ///< checked once, at the first call
     QHash<std::pair<QString, int>, QImage> known_;
 };
 
@@ -73,7 +73,7 @@ QImage applicationIcon(const QByteArray& bundle, int pixels) {
 
 }  // namespace
 
-// What it keeps is used by one thread, that of the icons.
+// The cache of types needs no lock: RowIcons loads on one thread.
 RowIcons::Load RowIcons::installed() {
     static std::once_flag limited;
     std::call_once(limited, IconImage::limitMemory);
@@ -83,7 +83,7 @@ RowIcons::Load RowIcons::installed() {
             return picture.better == RowPicture::Better::ofApplication ? applicationIcon(picture.source, pixels)
                                                                        : types->of(picture.source, pixels);
         } catch (const std::exception&) {
-            return QImage();  // for want of memory
+            return QImage();  // out of memory
         }
     };
 }

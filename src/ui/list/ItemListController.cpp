@@ -32,13 +32,13 @@ void ItemListController::loadView() {
     auto* header = ptableView_->horizontalHeader();
     header->setSortIndicator(model_->sortColumn(), model_->sortOrder());
     connect(header, &QHeaderView::sectionClicked, this, &ItemListController::didClickTableColumn);
-    // The second of two quick clicks counts as one too.
+    // The header reports the second click of a double click with this signal only.
     connect(header, &QHeaderView::sectionDoubleClicked, this, &ItemListController::didClickTableColumn);
     connect(ptableView_, &TTableView::menuRequested, this, &ItemListController::showMenu);
     viewDidLoad();
 }
 
-// The twins are posted on the main thread, so the list refreshes before they return.
+// These notifications are posted on the main thread, and the list is up to date when the post returns.
 void ItemListController::observe(const QString& name) {
     observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
         name, [this](const engine::Notification&) { updateTableKeepSelection(); }));
@@ -61,8 +61,8 @@ void ItemListController::updateTableKeepSelection() {
     Q_EMIT tableUpdated();
 }
 
-// Rows take the selection with them. Only where the current item is gone, the one that now stands in its place follows
-// it, selected if that was.
+// The selection moves with its row. Only if the current item is gone, the row that took its place becomes current, and
+// selected if the old one was.
 void ItemListController::replaceCurrent(int row, bool selected) {
     const auto next = model_->index(std::min(row, model_->rowCount() - 1), ItemListModel::nameColumn);
     ptableView_->selectionModel()->setCurrentIndex(
@@ -90,8 +90,8 @@ void ItemListController::setItemChecked(int row, bool checked) {
     surroundings_.pCheckListener.setSectionChecked(section_, checked);
 }
 
-// A first click shows names from A, what is ticked and what is large from the top; each further one turns the order
-// round. By then the header has turned its arrow as it sees fit, whichever column it was.
+// The first click on a column sorts names from A to Z, and ticked or large items first; each further click reverses the
+// order. QHeaderView has already changed its indicator by its own rules, which is set right here.
 void ItemListController::didClickTableColumn(int column) {
     if (column != ItemListModel::iconColumn) {
         const bool again = column == model_->sortColumn();

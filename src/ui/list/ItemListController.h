@@ -18,14 +18,14 @@ class QMenu;
 
 namespace brimvault::ui {
 
-/// The list of one section: it shows what the model holds, keeps the order, and passes on what the user does. What its
-/// items are, and what else can be done to them, is each list's own. The rows follow the model from the start, so that
-/// they need not be made when the list is shown first; the view is made then. Main thread.
+/// The controller of the list of one section: it keeps an ItemListModel in step with the engine's model and passes on
+/// what the user does. The rows exist from the start, so that showing a list for the first time has only to make its
+/// view. Subclasses know their kind of item. Main thread.
 class ItemListController : public QObject {
     Q_OBJECT
 
 public:
-    /// Whom a list works with; all of them outlive it.
+    /// The objects that a list works with; all of them outlive it.
     struct Surroundings {
         engine::DataMan& pDS;
         CheckListener& pCheckListener;
@@ -44,39 +44,39 @@ public:
     [[nodiscard]] bool hasItems() const { return model_->rowCount() > 0; }
     [[nodiscard]] qsizetype itemCount() const { return model_->rowCount(); }
     [[nodiscard]] bool hasSelectedItem() const { return selectedItem() != nullptr; }
-    /// -1 some, 0 none, 1 all; what cannot be removed counts only when it is ticked.
+    /// -1 some, 0 none, 1 all; an item that cannot be removed counts only if it is ticked.
     [[nodiscard]] int getcheckstate() const { return surroundings_.pDS.sums(section_).checkstate(); }
-    /// Ticks (1) or unticks (0) everything; what cannot be removed is never ticked.
+    /// Ticks (1) or unticks (0) everything; items that cannot be removed are never ticked.
     void selectAllItems(int state);
 
     /// Bytes of this section.
     [[nodiscard]] quint64 getSize2CleanMyItems() const { return surroundings_.pDS.sums(section_).all; }
 
-    /// Check boxes may be changed unless a clean runs.
+    /// Disables the check boxes while a clean runs.
     void updateCleaningState(bool cleaning);
     void updateTableKeepSelection();
 
-    /// What the menus and buttons offer for the selected item; nothing without one.
+    /// Actions of menus and buttons for the selected item; without one they do nothing.
     void onClickedRevealInFinder();
     void onClickedGetInfo();
 
 Q_SIGNALS:
-    /// The rows, or what is ticked of them, are other than before.
+    /// The rows or their check marks have changed.
     void tableUpdated();
 
 protected:
     using Item = ItemListModel::Item;
 
     ItemListController(engine::Section section, const Surroundings& surroundings);
-    /// To be called once, at the end of the constructor of a section's own list.
+    /// Call it once, at the end of the constructor of the final class.
     void awake(const QString& accessibleName);
-    /// The view is there, and not yet shown.
+    /// Called when the view is made, before it is shown.
     virtual void viewDidLoad() {}
 
-    /// Has the rows be what the model holds for the section and is not empty. Answers how many rows above the one given
-    /// have stayed.
+    /// Brings the rows in step with the items of the section that are not empty. Answers how many rows above the given
+    /// one have stayed.
     virtual int updateRows(int row) = 0;
-    /// What is empty frees nothing, and is not listed. Of what was found, from the index on.
+    /// The items to list, from an index on: empty ones free no space and are left out.
     template <typename Found>
     [[nodiscard]] static QList<Item> notEmpty(const QList<std::shared_ptr<Found>>& found, qsizetype first = 0) {
         QList<Item> items;
@@ -85,9 +85,9 @@ protected:
         return items;
     }
     [[nodiscard]] virtual ItemListModel::Texts texts() const = 0;
-    /// Where the item lies, for what is done to it.
+    /// The path for revealing and so on.
     [[nodiscard]] virtual std::filesystem::path pathOf(const engine::CleanableItem& item) const = 0;
-    /// The menu of a row offers to show the item; a list may offer more.
+    /// Adds actions to the context menu, below those for showing the item.
     virtual void addActions(QMenu& /*menu*/) {}
 
     /// Null when no row is selected.
@@ -106,7 +106,7 @@ private:
     const Surroundings surroundings_;
     QString accessibleName_;
     ItemListModel* model_ = nullptr;
-    TTableView* ptableView_ = nullptr;  ///< the window that shows it becomes its owner
+    TTableView* ptableView_ = nullptr;  ///< owned by the window that shows it
     std::vector<engine::NotificationCenter::Observation> observations_;
 };
 

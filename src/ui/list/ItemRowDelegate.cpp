@@ -11,7 +11,7 @@ void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) 
     ImageLoad::drawFilled(painter, cell, QLatin1String(row % 2 == 0 ? "table_row1" : "table_row2"));
 }
 
-// On the ground of a selected row a picture of the window's own has another form, of the same name with "Inv".
+// While its own icon is not loaded, or if it has none, a row shows a general picture.
 void ItemRowDelegate::drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const auto picture = index.data(ItemListModel::iconRole).value<RowPicture>();
     const QRect place = placed(option, index, {look::scaled(RowIcons::side), look::scaled(RowIcons::side)});

@@ -106,9 +106,9 @@ QWidget* ListPanel::makeBottomBar() {
     layout->setSpacing(11);
     layout->addWidget(pbtnSelectAll_);
     layout->addSpacing(9);
-    constexpr int most = 1000;  // what room there is, it takes first
+    constexpr int beforeTheSpacers = 1000;  // takes the room up to its maximum width; the spacers share the rest
     layout->addStretch(1);
-    layout->addWidget(plashka_, most);
+    layout->addWidget(plashka_, beforeTheSpacers);
     layout->addStretch(1);
     layout->addWidget(pbtnClean_);
     return bar;
@@ -120,7 +120,7 @@ void ListPanel::addList(QWidget* list) {
     setTabOrder(pbtnFinder_, list);
 }
 
-// The keyboard comes from the button to the others, through the lists, and then to the drawer.
+// Tab order: the drawer's button, the other buttons, the lists, the drawer, "Select All".
 void ListPanel::adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
     buttons_->insertWidget(0, pbtnLangs);
     middle_->addWidget(drawer);

@@ -13,28 +13,29 @@ class QVBoxLayout;
 
 namespace brimvault::ui {
 
-/// What stands on the right from the first scan on: the title of the section, its list, and the bar below. Main thread.
+/// The right side of the window once a scan was started: the title of the section, its list, the bar below. Main
+/// thread.
 class ListPanel final : public QWidget {
     Q_OBJECT
 
 public:
     explicit ListPanel(QWidget* parent = nullptr);
 
-    /// Adds a list to the container that all lists share; it is hidden until it is shown by its owner.
+    /// Adds a list to the container that all lists share, hidden.
     void addList(QWidget* list);
-    /// Takes the drawer of the languages, which shrinks the lists, and its button.
+    /// Puts the languages drawer beside the lists, and its button into the title bar.
     void adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
     void setTitle(const QString& title, const QString& count);
-    /// Where the section's files lie: what there is to say at once, on one line, and all of it as a tooltip.
+    /// Where the section looks: the unusual folders beside the title, all of them as a tooltip.
     void setPlaces(const QString& unusual, const QString& all);
-    /// What is said in the place of a list.
+    /// The text that is shown instead of an empty list.
     void setNote(const QString& note);
-    /// Shows the list, or the note in its place, which keeps the keyboard's focus for it meanwhile.
+    /// Shows the list or the note instead of it; the focus goes with the change.
     void setListShown(QWidget* list, bool shown);
 
     [[nodiscard]] WhiteTitleButton* pbtnClean() const { return pbtnClean_; }
     [[nodiscard]] ProgressIndicator* pProgressClean() const { return pProgressClean_; }
-    /// What is known of the selected item, and where it lies.
+    /// "Show Information" and "Show in File Manager", for the selected item.
     [[nodiscard]] IconButton* pbtnInf() const { return pbtnInf_; }
     [[nodiscard]] IconButton* pbtnFinder() const { return pbtnFinder_; }
     [[nodiscard]] SelectAllButton* pbtnSelectAll() const { return pbtnSelectAll_; }

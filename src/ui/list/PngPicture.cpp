@@ -28,11 +28,11 @@ QSize PngPicture::sizeOf(QByteArrayView contents) {
     }
     const auto width = numberAt(contents, first + 2 * word);
     const auto height = numberAt(contents, first + 3 * word);
-    constexpr quint32 most = 0x7fffffff;
-    return width > most || height > most ? QSize() : QSize(static_cast<int>(width), static_cast<int>(height));
+    constexpr quint32 maxInt = 0x7fffffff;
+    return width > maxInt || height > maxInt ? QSize() : QSize(static_cast<int>(width), static_cast<int>(height));
 }
 
-QByteArray PngPicture::bare(QByteArrayView contents) {
+QByteArray PngPicture::withoutMetadata(QByteArrayView contents) {
     QByteArray picture = signature.toByteArray();
     picture.reserve(contents.size());
     qsizetype place = signature.size();

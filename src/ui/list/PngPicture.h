@@ -5,14 +5,14 @@
 
 namespace brimvault::ui {
 
-/// A picture of others in the form of PNG, looked at without being decoded. Any thread.
+/// Parses an untrusted PNG file without decoding it. Any thread.
 class PngPicture {
 public:
-    /// Pixels; empty where it is no such picture.
+    /// In pixels; empty if it is no PNG file.
     [[nodiscard]] static QSize sizeOf(QByteArrayView contents);
-    /// The picture with the chunks that make it, and none of those that tell of it: texts and colour profiles may be
-    /// packed a thousandfold, and a decoder unpacks them all.
-    [[nodiscard]] static QByteArray bare(QByteArrayView contents);
+    /// The picture without metadata: texts and colour profiles are compressed up to a thousandfold, and a decoder
+    /// inflates them all.
+    [[nodiscard]] static QByteArray withoutMetadata(QByteArrayView contents);
 };
 
 }  // namespace brimvault::ui

@@ -9,8 +9,8 @@ namespace brimvault::ui {
 
 namespace {
 
-constexpr int mostWanted = 200;   // several screens full; older wishes are gone from the view
-constexpr int pagesKeptNear = 1;  // whose icons are still loaded when the view has moved on
+constexpr int maxWanted = 200;    // several screens full; older requests are no longer visible
+constexpr int pagesKeptNear = 1;  // icons of rows so near the visible ones are still loaded
 constexpr std::chrono::milliseconds threadTimeout{200};
 
 }  // namespace
@@ -33,11 +33,11 @@ QPixmap RowIcons::of(const RowPicture& picture, qreal density) {
     }
     wanted_.removeOne(wanted);
     wanted_.append(wanted);
-    if (wanted_.size() > mostWanted) {
+    if (wanted_.size() > maxWanted) {
         wanted_.removeFirst();
     }
     if (wanted_.size() == 1) {
-        QMetaObject::invokeMethod(this, &RowIcons::loadNext, Qt::QueuedConnection);  // nothing more while drawing
+        QMetaObject::invokeMethod(this, &RowIcons::loadNext, Qt::QueuedConnection);  // not while painting
     }
     return {};
 }
@@ -91,7 +91,7 @@ void RowIcons::forEachRowNear(int pages, const std::function<void(int row, const
     }
 }
 
-// A new scan begins: what it finds may have other icons by now.
+// An empty list means that a new scan begins; icons may have changed since the last one.
 void RowIcons::forgetWhenEmpty() {
     if (view_->model()->rowCount() == 0) {
         known_.clear();

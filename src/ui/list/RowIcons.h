@@ -15,26 +15,25 @@ class QTableView;
 
 namespace brimvault::ui {
 
-/// The icons that applications and types of files have for themselves, for the rows of a list that are on show. Files
-/// are read and pictures decoded on one thread of its own, what was asked for last before the rest; what has gone off
-/// the view meanwhile is given up. Main thread.
+/// A cache of the icons of applications and file types for the visible rows of a list. One thread of its own reads and
+/// decodes them, the latest request first; requests for rows that have been scrolled away are dropped. Main thread.
 class RowIcons final : public QObject {
     Q_OBJECT
 
 public:
-    /// Finds an icon and makes it fit into a square of that many pixels; null for none. Called on the icons' thread.
+    /// Finds an icon and scales it into a square of that many pixels; null for none. Called on the icons' thread.
     using Load = std::function<QImage(const RowPicture& picture, int pixels)>;
-    /// That which reads what is installed. Main thread.
+    /// Loads the icons that are installed on this computer. Main thread.
     [[nodiscard]] static Load installed();
 
     static constexpr int side = 20;  ///< points
-    static constexpr int mostKept = 2000;
+    static constexpr int maxKept = 2000;
 
-    /// The view shows an ItemListModel by the time of the first question.
+    /// The view has an ItemListModel before the first icon is asked for.
     RowIcons(QTableView* view, Load load);
 
-    /// At a screen's density (pixels to the point); null where there is none, and until it is there: it is asked for,
-    /// and the rows that show it are drawn anew when it comes.
+    /// The icon at a screen's density (pixels per point); null if there is none or it is not loaded yet. In that case
+    /// it is requested, and the rows that show it are repainted when it arrives.
     [[nodiscard]] QPixmap of(const RowPicture& picture, qreal density);
 
 private:
@@ -50,16 +49,16 @@ private:
     void loadNext();
     void take();
     void forgetWhenEmpty();
-    /// Calls for the rows on show and so many pages above and below.
+    /// Calls for each visible row, and for the rows of so many pages above and below.
     void forEachRowNear(int pages, const std::function<void(int row, const RowPicture&)>& call) const;
 
     QTableView* view_;
     Load load_;
-    QCache<Wanted, QPixmap> known_{mostKept};  ///< null pictures too: of what has none
-    QList<Wanted> wanted_;                     ///< the latest last
-    Wanted current_;                           ///< what is being loaded
+    QCache<Wanted, QPixmap> known_{maxKept};  ///< null pixmaps too, for pictures without an icon
+    QList<Wanted> wanted_;                    ///< a stack: the latest request is last
+    Wanted current_;                          ///< the request that is being loaded
     QFutureWatcher<QImage> loading_;
-    bool busy_ = false;  ///< until what has been loaded is taken in
+    bool busy_ = false;  ///< until the loaded icon is in the cache
     AbandonablePool thread_;
 };
 

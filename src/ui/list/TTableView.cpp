@@ -18,7 +18,7 @@ namespace {
 static_assert(static_cast<int>(ItemListModel::nameColumn) == CheckTableView::textColumn);
 
 constexpr int sizeColumnWidth = 120;
-// Where numbers stand in two columns.
+// With two columns of numbers.
 constexpr int countColumnWidth = 66;
 constexpr int narrowSizeColumnWidth = 94;
 
@@ -38,7 +38,7 @@ void TTableView::setModel(QAbstractItemModel* model) {
         horizontalHeader()->moveSection(ItemListModel::countColumn, ItemListModel::sizeColumn);
     }
     addSortActions();
-    connect(static_cast<ItemListModel*>(model), &ItemListModel::rowsReordered, this, &TTableView::tellRowsReordered,
+    connect(static_cast<ItemListModel*>(model), &ItemListModel::rowsReordered, this, &TTableView::announceReorder,
             Qt::QueuedConnection);
 }
 
@@ -62,7 +62,7 @@ void TTableView::addSortActions() {
     showSorting();
 }
 
-// An assistive client reads these when it asks a header how the rows are sorted.
+// The "Sort By" menu shows the checked action.
 void TTableView::showSorting() {
     for (auto sort = sortActions_.cbegin(); sort != sortActions_.cend(); ++sort) {
         (*sort)->setChecked(sort.key() == horizontalHeader()->sortIndicatorSection());
@@ -74,13 +74,13 @@ void TTableView::keyPressEvent(QKeyEvent* event) {
         selectCurrentRow();
         Q_EMIT removeRequested();
     } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
-        requestMenuOfCurrentRow();  // the menu key of keyboards without one
+        requestMenuOfCurrentRow();  // the standard replacement of the menu key
     } else {
         CheckTableView::keyPressEvent(event);
     }
 }
 
-// What the menu offers is done to the selected row: a click selects its row first.
+// The menu acts on the selected row, so a click selects its row first.
 void TTableView::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Keyboard) {
         requestMenuOfCurrentRow();
@@ -93,7 +93,7 @@ void TTableView::contextMenuEvent(QContextMenuEvent* event) {
     }
 }
 
-// What a key does is done to the row that the keyboard is at, which need not have been selected before.
+// The current row of the keyboard need not be the selected one.
 void TTableView::selectCurrentRow() {
     selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
@@ -109,7 +109,7 @@ void TTableView::requestMenuOfCurrentRow() {
     Q_EMIT menuRequested(viewport()->mapToGlobal(isRightToLeft() ? name.bottomRight() : name.bottomLeft()));
 }
 
-void TTableView::tellRowsReordered() {
+void TTableView::announceReorder() {
     QAccessibleTableModelChangeEvent reordered(this, QAccessibleTableModelChangeEvent::ModelReset);
     QAccessible::updateAccessibility(&reordered);
 }

@@ -8,8 +8,8 @@ class QAction;
 
 namespace brimvault::ui {
 
-/// The table of an item list: below a header that sorts it, striped rows with a menu of what can be done to each. What
-/// a click in the header does, Ctrl with a digit does too: 1 for the first column that sorts, and so on. Main thread.
+/// The table of an item list, with a context menu for each row. A click on a column header sorts, and so do the
+/// shortcuts Ctrl+1 for the first sortable column, Ctrl+2 for the next, and so on. Main thread.
 class TTableView final : public CheckTableView {
     Q_OBJECT
 
@@ -18,18 +18,18 @@ public:
 
     /// An ItemListModel.
     void setModel(QAbstractItemModel* model) override;
-    /// Sorts by the column, the other way round when it is sorted by it already; null for the icons. They are also this
-    /// widget's `actions`, as the columns stand.
+    /// Does what a click on the column's header does; null for the icon column. The widget's `actions` are the same
+    /// ones, in the order of the columns.
     [[nodiscard]] QAction* sortAction(int column) const { return sortActions_.value(column); }
 
 Q_SIGNALS:
-    /// The user asks, with the mouse or the keyboard, for what can be done to the selected row.
+    /// The user asks for the context menu of the selected row.
     void menuRequested(const QPoint& globalPosition);
     /// The user pressed the delete key.
     void removeRequested();
 
 public Q_SLOTS:
-    /// Selects the current row and asks for its menu, beside the row.
+    /// Selects the current row and requests its menu beside it.
     void requestMenuOfCurrentRow();
 
 protected:
@@ -40,8 +40,8 @@ private:
     void addSortActions();
     void showSorting();
     void selectCurrentRow();
-    /// Assistive clients remember what stood in a place; after a sort they are to ask anew.
-    void tellRowsReordered();
+    /// Assistive clients cache cells by their place; a reset makes them read the rows again.
+    void announceReorder();
 
     QHash<int, QAction*> sortActions_;  ///< by column
 };

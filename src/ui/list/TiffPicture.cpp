@@ -21,20 +21,20 @@ enum Tag : quint16 {
     compression = 259,
     samplesPerPixel = 277,
 };
-// These, and how the samples are to be understood and where their strips lie.
+// The fields that a decoder needs: those above, and the ones for the meaning of samples and the places of strips.
 constexpr std::array<quint16, 15> needed = {width,           height, bitsPerSample, compression, 262, 266, 273, 274,
                                             samplesPerPixel, 278,    279,           284,         317, 320, 338};
-constexpr std::array<quint32, 5> packings = {1, 5, 8, 32773, 32946};  // none, LZW, Deflate, PackBits, Deflate of old
-constexpr quint32 mostBits = 16;
-constexpr quint32 mostSamples = 5;
-constexpr quint32 mostSide = 0x7fff;
+constexpr std::array<quint32, 5> compressions = {1, 5, 8, 32773, 32946};  // none, LZW, Deflate, PackBits, old Deflate
+constexpr quint32 maxBits = 16;
+constexpr quint32 maxSamples = 5;
+constexpr quint32 maxSide = 0x7fff;
 
 /// The fields of the first picture in a file.
 class Directory {
 public:
     explicit Directory(QByteArrayView contents) : contents_(contents), little_(contents.startsWith(littleEndian)) {
         constexpr qsizetype placeOfDirectory = 4;
-        const auto at = static_cast<qsizetype>(TiffPicture::isOne(contents) ? number32(placeOfDirectory) : 0);
+        const auto at = static_cast<qsizetype>(TiffPicture::isTiff(contents) ? number32(placeOfDirectory) : 0);
         if (at < headerLength || at + 2 > contents.size()) {
             return;
         }
@@ -50,7 +50,7 @@ public:
     [[nodiscard]] qsizetype entry(qsizetype index) const { return start_ + 2 + index * entryLength; }
     [[nodiscard]] quint16 tag(qsizetype index) const { return number16(entry(index)); }
 
-    /// The first value of a field; none where the field is missing or is no number.
+    /// The first value of a field; none if the field is missing or is no number.
     [[nodiscard]] std::optional<quint32> value(quint16 wanted) const {
         for (qsizetype index = 0; index < count_; ++index) {
             if (tag(index) == wanted) {
@@ -98,7 +98,7 @@ private:
 
 }  // namespace
 
-bool TiffPicture::isOne(QByteArrayView contents) {
+bool TiffPicture::isTiff(QByteArrayView contents) {
     return contents.size() >= headerLength && (contents.startsWith(littleEndian) || contents.startsWith(bigEndian));
 }
 
@@ -106,16 +106,16 @@ QSize TiffPicture::sizeOf(QByteArrayView contents) {
     const Directory fields(contents);
     const auto across = fields.value(width).value_or(0);
     const auto down = fields.value(height).value_or(0);
-    const auto packing = fields.value(compression).value_or(packings.front());
-    const bool usual = fields.value(bitsPerSample).value_or(1) <= mostBits &&
-                       fields.value(samplesPerPixel).value_or(1) <= mostSamples &&
-                       std::find(packings.begin(), packings.end(), packing) != packings.end();
-    return !usual || across > mostSide || down > mostSide ? QSize()
-                                                          : QSize(static_cast<int>(across), static_cast<int>(down));
+    const auto used = fields.value(compression).value_or(compressions.front());
+    const bool supported = fields.value(bitsPerSample).value_or(1) <= maxBits &&
+                           fields.value(samplesPerPixel).value_or(1) <= maxSamples &&
+                           std::find(compressions.begin(), compressions.end(), used) != compressions.end();
+    return !supported || across > maxSide || down > maxSide ? QSize()
+                                                            : QSize(static_cast<int>(across), static_cast<int>(down));
 }
 
-// The fields that stay move together, and nothing else in the file moves: their values are found by their places.
-QByteArray TiffPicture::bare(QByteArrayView contents) {
+// Only the entries of the directory move: they refer to their values by absolute places in the file.
+QByteArray TiffPicture::withoutMetadata(QByteArrayView contents) {
     const Directory fields(contents);
     QByteArray picture = contents.toByteArray();
     QByteArray kept;

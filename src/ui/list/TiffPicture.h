@@ -5,15 +5,15 @@
 
 namespace brimvault::ui {
 
-/// A picture of others in the form of TIFF, looked at without being decoded. Any thread.
+/// Parses an untrusted TIFF file without decoding it. Any thread.
 class TiffPicture {
 public:
-    [[nodiscard]] static bool isOne(QByteArrayView contents);
-    /// Pixels of the first picture; empty where it is none, or is packed in a way that no icon is: as a photograph, or
-    /// in tiles, which may be of any size.
+    [[nodiscard]] static bool isTiff(QByteArrayView contents);
+    /// Of the first picture, in pixels; empty if it is no TIFF file, or is compressed as no icon is: as a photograph,
+    /// or in tiles, which may be of any size.
     [[nodiscard]] static QSize sizeOf(QByteArrayView contents);
-    /// The first picture with the fields that make it, and none of those that tell of it or lead elsewhere.
-    [[nodiscard]] static QByteArray bare(QByteArrayView contents);
+    /// The first picture without metadata and without references to further pictures.
+    [[nodiscard]] static QByteArray withoutMetadata(QByteArrayView contents);
 };
 
 }  // namespace brimvault::ui

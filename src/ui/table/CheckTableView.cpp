@@ -83,7 +83,7 @@ void CheckTableView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// The keyboard goes from row to row; where it is, an assistive client hears everything of the row.
+// The keyboard moves by rows; an assistive client reads the whole row in its text cell.
 QModelIndex CheckTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
     if (action == MoveHome || action == MoveEnd) {
         return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, textColumn);
@@ -92,7 +92,7 @@ QModelIndex CheckTableView::moveCursor(CursorAction action, Qt::KeyboardModifier
     return next.siblingAtColumn(textColumn);
 }
 
-// Until the user has chosen a row, the keyboard begins at the first, whatever came before it since.
+// Rows may have been inserted above the current one; until the user selects a row, the keyboard starts at the first.
 void CheckTableView::focusInEvent(QFocusEvent* event) {
     if (selectionModel()->selectedRows().isEmpty() && event->reason() != Qt::MouseFocusReason) {
         selectionModel()->setCurrentIndex(model()->index(0, textColumn), QItemSelectionModel::NoUpdate);

@@ -6,8 +6,8 @@
 
 namespace brimvault::ui {
 
-/// A table of rows that can be ticked: a check box in the first column that a click or the space bar ticks, a picture,
-/// the text, and always a current row while there is any. Home and End go to the first and the last row. Main thread.
+/// A table of rows with a check box, a picture and text. A click or the space bar toggles the check box; Home and End
+/// go to the first and the last row; there is always a current row unless the table is empty. Main thread.
 class CheckTableView : public QTableView {
     Q_OBJECT
 
@@ -17,9 +17,9 @@ public:
     explicit CheckTableView(QWidget* parent = nullptr);
 
     void setModel(QAbstractItemModel* model) override;
-    /// The cell whose check box is held down; invalid for none.
+    /// The cell whose check box is pressed; invalid for none.
     [[nodiscard]] QModelIndex pressedCheck() const { return press_.check(); }
-    /// Whether a click in a check box selects its row as well; it does unless told otherwise.
+    /// Whether a click in a check box also selects its row; true by default.
     void setCheckSelects(bool selects) { checkSelects_ = selects; }
 
 protected:
@@ -34,7 +34,7 @@ protected:
     void fixWidth(int column, int width);
 
 private:
-    /// Some assistive bridges crash on a table without a current cell.
+    /// Some assistive technologies crash on a table without a current cell.
     void keepCurrentRow();
 
     CheckPress press_{this};

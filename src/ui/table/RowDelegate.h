@@ -11,13 +11,13 @@ namespace brimvault::ui {
 struct TextCellSmall {
     static constexpr qreal textSize = 13;
 
-    /// The text stands beside that edge: a name where lines begin, a number where they end. What does not fit is elided
-    /// in the middle, since names differ at either end.
+    /// A name stands on the leading side, a number on the trailing one. A text that does not fit is elided in the
+    /// middle, since names differ at either end.
     static void draw(QPainter& painter, const QRect& cell, Qt::Alignment side, const TextData& value);
 };
 
-/// Draws the cells of a table of rows that can be ticked: the check box, the text, and the mark of the keyboard's focus
-/// around the current row. Each kind of table draws its own pictures. Main thread.
+/// Draws the cells of a CheckTableView: the check box, the text, and the focus frame around the current row. Subclasses
+/// draw the background and the picture. Main thread.
 class RowDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -35,18 +35,18 @@ public:
     }
 
 protected:
-    /// What a cell of an unselected row stands on.
+    /// The background of a cell of an unselected row.
     virtual void drawGround(QPainter& painter, const QRect& cell, int row) const = 0;
     virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
-    /// Between the edge of a column and what stands in it.
+    /// Between the edge of a column and its content.
     [[nodiscard]] virtual int margin(int /*column*/) const { return defaultMargin; }
-    /// Numbers stand at the end of their column.
+    /// Numbers are aligned to the trailing side of their column.
     [[nodiscard]] virtual bool isNumber(int /*column*/) const { return false; }
 
     [[nodiscard]] static bool isSelected(const QStyleOptionViewItem& option) {
         return (option.state & QStyle::State_Selected) != 0;
     }
-    /// Where a picture of that size stands in its cell.
+    /// The place of a picture of that size in its cell.
     [[nodiscard]] QRect placed(const QStyleOptionViewItem& option, const QModelIndex& index, const QSize& size) const;
 
 private:

@@ -21,8 +21,7 @@ namespace brimvault::ui {
     }
 }
 
-/// Which picture stands in a row: one of the window's own, and what is needed to find a better one where there is any.
-/// Any thread.
+/// The picture of a row: one of the window's own, and where to look for a more specific icon. Any thread.
 struct RowPicture {
     enum class Better {
         none,
@@ -35,7 +34,7 @@ struct RowPicture {
     RowPicture(QLatin1String picture, Better kind, const std::string& bytes)
         : general(picture), better(kind), source(QByteArray::fromStdString(bytes)) {}
 
-    QLatin1String general;  ///< its name; with "Inv" behind it, that on the ground of a selected row
+    QLatin1String general;  ///< its name; a selected row shows the one with "Inv" appended
     Better better = Better::none;
     QByteArray source;
 

@@ -136,7 +136,7 @@ TEST_F(IconImages, AreNoneWhereTheContentsAreBrokenTooLargeOrNoIcon) {
     for (const auto& contents :
          {element("icns", small.repeated(100'000)), QByteArray(), QByteArray("text"), whole.left(20), drawing,
           QByteArray("icns\xff\xff\xff\xff"), element("icns", element("ic07", "no picture")),
-          png(filled(IconImage::largestSide + 1, 1, Qt::red)), png(filled(1, IconImage::largestSide + 1, Qt::red)),
+          png(filled(IconImage::maxSide + 1, 1, Qt::red)), png(filled(1, IconImage::maxSide + 1, Qt::red)),
           element("icns", element("ic07", png(filled(5000, 5000, Qt::red))))}) {
         EXPECT_TRUE(IconImage::ofContents(contents, 20).isNull()) << contents.left(40).toStdString();
     }
@@ -170,7 +170,7 @@ TEST_F(IconImages, TakeLittleMemoryHoweverMuchIsPackedBesideThem) {
     const QByteArray profile =
         chunk("iCCP", QByteArray("x\0\0", 3) + qCompress(QByteArray(unpacked, 'x'), 9).mid(lengthBefore));
     const QByteArray hostile = with(text.repeated(100) + profile, png(filled(64, 64, Qt::red)));
-    ASSERT_LT(hostile.size(), ui::IconFile::mostBytes);
+    ASSERT_LT(hostile.size(), ui::IconFile::maxBytes);
     for (const auto& contents : {hostile, element("icns", element("ic07", hostile)), onlyOne(hostile)}) {
         std::ofstream("/proc/self/clear_refs") << "5" << std::flush;  // the most so far is forgotten
         const long before = memory("VmRSS:");
