@@ -35,7 +35,7 @@ QString AccessibleCell::text(QAccessible::Text kind) const {
     return spoken.isValid() ? spoken.toString() : index().data(Qt::DisplayRole).toString();
 }
 
-// As they stand: the count before the size.
+// In visual order: the count is shown before the size.
 QString AccessibleCell::furtherColumns() const {
     const auto* table = qobject_cast<const QTableView*>(list()->view());
     QStringList said;
@@ -52,7 +52,7 @@ QRect AccessibleCell::rect() const {
     return view->visualRect(index()).translated(view->viewport()->mapToGlobal(QPoint()));
 }
 
-// A row that cannot be chosen says what those below it are.
+// A row that cannot be selected is the title of those below it.
 QAccessible::Role AccessibleCell::role() const {
     if (index().isValid() && !index().flags().testFlag(Qt::ItemIsSelectable)) {
         return QAccessible::Heading;
@@ -77,7 +77,7 @@ QAccessible::State AccessibleCell::state() const {
     const QModelIndex box = check();
     state.checkable = box.isValid();
     state.checked = box.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-    // Where the check box cannot be ticked, its row can still be chosen.
+    // A row whose check box is locked can still be selected, so that only the cell of the check box is disabled.
     const bool locked = state.checkable && !isTickable();
     const bool boxAlone = list()->headers() != 0 && column() == CheckTableView::checkColumn;
     state.readOnly = locked;

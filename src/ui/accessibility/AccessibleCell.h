@@ -6,8 +6,8 @@
 
 namespace brimvault::ui {
 
-/// A cell of a row; it can be chosen. The check box of a row can be ticked in its own cell and in that of the text,
-/// where the keyboard is: this one tells everything of its row.
+/// A cell of a row. A row's check box can be toggled in its own cell and in the text cell: the keyboard focus is on the
+/// text cell, which therefore describes the whole row.
 class AccessibleCell final : public AccessiblePlace, public QAccessibleTableCellInterface {
 public:
     using AccessiblePlace::AccessiblePlace;
@@ -33,10 +33,10 @@ public:
 
 private:
     [[nodiscard]] QModelIndex index() const;
-    /// Where the check box is that is told of and ticked here; invalid where none is.
+    /// The check box that this cell reports and toggles; invalid for none.
     [[nodiscard]] QModelIndex check() const;
     [[nodiscard]] bool isTickable() const { return check().flags().testFlag(Qt::ItemIsUserCheckable); }
-    /// What the columns behind the text say of the row.
+    /// The headers and values of the columns behind the text.
     [[nodiscard]] QString furtherColumns() const;
 };
 

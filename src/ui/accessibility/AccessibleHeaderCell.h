@@ -6,7 +6,7 @@ class QAction;
 
 namespace brimvault::ui {
 
-/// The header of a column, which sorts by it when pressed and says so while it is the one; or the empty one of a row.
+/// The header of a column, which sorts by it when pressed and describes the sort order; or the empty header of a row.
 class AccessibleHeaderCell final : public AccessiblePlace {
 public:
     using AccessiblePlace::AccessiblePlace;
@@ -23,7 +23,7 @@ public:
 
 private:
     [[nodiscard]] QString sortedHow() const;
-    /// Null where the rows cannot be sorted by the column.
+    /// Null if the rows cannot be sorted by the column.
     [[nodiscard]] QAction* sortAction() const;
 };
 

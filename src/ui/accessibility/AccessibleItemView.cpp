@@ -18,7 +18,7 @@ namespace brimvault::ui {
 
 namespace {
 
-// Buttons of Qt's own dialogs are presented by Qt.
+// Buttons of Qt's own dialogs keep Qt's interface.
 bool isOurs(const QString& className) { return className.startsWith(QLatin1String("brimvault::")); }
 
 QAccessibleInterface* present(const QString& className, QObject* object) {
@@ -161,7 +161,7 @@ bool AccessibleItemView::unselectRow(int row) {
     return index.isValid();
 }
 
-// A client may ask for the view before it has a model; then there is nothing to follow yet.
+// Called again at each model change, since a client may ask for the view before it has a model.
 void AccessibleItemView::followModel() {
     auto* model = view()->model();
     if (model == nullptr || std::exchange(followed_, model) == model) {
@@ -177,7 +177,7 @@ void AccessibleItemView::followModel() {
     }
 }
 
-// A place stays a place whatever stands there; only places that are no more go. Setting a model is such a change too.
+// Cells stand for places, so only places beyond the end of the model are deleted. Also called when a model is set.
 void AccessibleItemView::modelChange(QAccessibleTableModelChangeEvent* /*event*/) {
     followModel();
     const int count = childCount();
@@ -206,7 +206,7 @@ void AccessibleItemView::announceDataChange(const QModelIndex& first, const QMod
     }
 }
 
-// The check box of a row is in the first column; a table tells its state in the cell of the text as well.
+// The text cell of a table reports the check state as well.
 void AccessibleItemView::announceChecks(int firstRow, int lastRow) const {
     const QRect shown = view()->viewport()->rect();
     const QModelIndex bottom = view()->indexAt(shown.bottomLeft());  // none below a short list

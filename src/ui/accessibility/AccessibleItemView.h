@@ -9,16 +9,17 @@
 
 namespace brimvault::ui {
 
-/// What an assistive client sees of the window's lists. Qt's own presentation of a table can neither tick a check box
-/// nor follow rows that change places; this one does both. A cell is a place (row and column), and answers for whatever
-/// stands there. It follows the view's model by itself: changed check boxes among the rows on show, descriptions of a
-/// plain list, and the order of a table are announced as they change.
+/// The accessible interface of the window's lists. Qt's own one for tables can neither toggle a check box nor cope with
+/// rows that move. Here a cell stands for a place (row and column) and answers for the item that is there now. Changes
+/// of the view's model are announced: check boxes of visible rows, descriptions of a plain list, the sort order of a
+/// table.
 ///
-/// Children are numbered as Qt's views number them in their events: row by row; a table has its column headers before
-/// the first row and a row header before each row. Main thread.
+/// Children are numbered as in the events of Qt's views: row by row; a table has its column headers before the first
+/// row and a row header before each row. Main thread.
 class AccessibleItemView final : public AccessibleList {
 public:
-    /// Has the lists presented so, and sheets as dialogs. Once, before the first window.
+    /// Installs the factory of these interfaces, and of those in `ui/controls/AccessibleControls`. Once, before the
+    /// first window.
     static void install();
 
     explicit AccessibleItemView(QAbstractItemView* view);
@@ -65,11 +66,11 @@ private:
     void announceDescriptions();
     void announceHeaders() const;
 
-    mutable QHash<int, QAccessible::Id> children_;  ///< those that a client has asked for
-    QSet<int> changedDescriptions_;                 ///< rows whose description clients are still to be told of
+    mutable QHash<int, QAccessible::Id> children_;  ///< made when a client asks for them
+    QSet<int> changedDescriptions_;                 ///< rows whose changed description is not announced yet
     Announcer descriptionNews_;
-    const QAbstractItemModel* followed_ = nullptr;  ///< compared only
-    QObject connections_;  ///< to the view, its model and its header; they end with this object
+    const QAbstractItemModel* followed_ = nullptr;  ///< compared, never dereferenced
+    QObject connections_;                           ///< the receiver of all connections, which end with it
 };
 
 }  // namespace brimvault::ui

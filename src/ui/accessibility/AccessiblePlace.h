@@ -7,17 +7,17 @@
 
 namespace brimvault::ui {
 
-/// What the cells of a list ask it. Main thread.
+/// The list as its cells see it. Main thread.
 class AccessibleList : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
     Q_DISABLE_COPY_MOVE(AccessibleList)
 
     [[nodiscard]] QAbstractItemView* view() const { return view_; }
-    /// Nothing else is to be answered first.
+    /// True unless it is disabled or covered by a sheet.
     [[nodiscard]] bool isUsable() const { return view_->isEnabled() && !Sheet::covers(view_); }
-    /// 1 where the view has headers, 0 for a plain list.
+    /// 1 for a table with headers, 0 for a plain list.
     [[nodiscard]] int headers() const { return headers_; }
-    /// The child that stands for a place; -1 is the header's row or column.
+    /// The index of the child at a row and column; -1 stands for the header.
     [[nodiscard]] int childIndex(int row, int column) const {
         return (row + headers_) * (columnCount() + headers_) + column + headers_;
     }
@@ -34,7 +34,7 @@ private:
     int headers_;
 };
 
-/// A child of an AccessibleList: a row and a column, -1 for the header's. Main thread.
+/// A child of an AccessibleList, known by its row and column; -1 stands for the header. Main thread.
 class AccessiblePlace : public QAccessibleInterface, public QAccessibleActionInterface {
 public:
     AccessiblePlace(const AccessibleList* list, int row, int column) : list_(list), row_(row), column_(column) {}

@@ -15,14 +15,14 @@ namespace brimvault::ui {
 namespace {
 
 constexpr int drawerWidth = 252;
-constexpr int usualWindowWidth = 1000;
-constexpr int slideTime = 200;  // milliseconds; quick enough not to be waited for
+constexpr int defaultWindowWidth = 1000;
+constexpr int slideTime = 200;  // milliseconds; too short to wait for
 constexpr qreal titleSize = 14;
 constexpr qreal noteSize = 11.5;
 constexpr int textMargin = 15;
-constexpr int textEndMargin = 6;  // as little as lets the note stand on two lines
+constexpr int textEndMargin = 6;  // small, so that the note fits on two lines
 
-// Margins are not mirrored by themselves.
+// Qt does not mirror contents margins.
 QMargins margins(const QWidget* widget, int leading, int top, int trailing) {
     return widget->isRightToLeft() ? QMargins(trailing, top, leading, 0) : QMargins(leading, top, trailing, 0);
 }
@@ -54,7 +54,7 @@ LanguagesDrawer::LanguagesDrawer(QWidget* parent)
 }
 
 int LanguagesDrawer::fullWidth() const {
-    return std::min(look::scaled(drawerWidth), window()->width() * drawerWidth / usualWindowWidth);
+    return std::min(look::scaled(drawerWidth), window()->width() * drawerWidth / defaultWindowWidth);
 }
 
 void LanguagesDrawer::fitWindow() {
@@ -63,7 +63,7 @@ void LanguagesDrawer::fitWindow() {
     }
 }
 
-// From where it is, so that one that is called back on its way turns around there.
+// Starts from the present width: a drawer that is sliding turns around where it is.
 void LanguagesDrawer::setOpen(bool open) {
     if (open == open_) {
         return;
@@ -79,7 +79,7 @@ void LanguagesDrawer::setOpen(bool open) {
         return;
     }
     {
-        const QSignalBlocker untilItStarts(slide_);
+        const QSignalBlocker noValueYet(slide_);
         slide_.setDuration(slideTime);
         slide_.setStartValue(width());
         slide_.setEndValue(goal);
@@ -95,7 +95,7 @@ void LanguagesDrawer::slideTo(int width) {
 
 void LanguagesDrawer::arrived() {
     if (open_) {
-        slideTo(fullWidth());  // the window may have changed on the way
+        slideTo(fullWidth());  // the window may have been resized meanwhile
     } else {
         Q_EMIT drawerDidClose();
     }

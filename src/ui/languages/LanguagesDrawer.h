@@ -7,8 +7,8 @@
 
 namespace brimvault::ui {
 
-/// The drawer with the languages to keep. It slides out of the window's edge, and what stands beside it makes room.
-/// While it is closed it is hidden. Main thread.
+/// The drawer with the languages to keep. It slides out of the window's edge and takes its room from the widgets beside
+/// it. A closed drawer is hidden. Main thread.
 class LanguagesDrawer final : public QWidget {
     Q_OBJECT
 
@@ -16,15 +16,15 @@ public:
     explicit LanguagesDrawer(QWidget* parent = nullptr);
 
     [[nodiscard]] LanguagesTableView* ptableView() const { return ptableView_; }
-    /// It is out, or on its way.
+    /// True while it is open or sliding out.
     [[nodiscard]] bool isOpen() const { return open_; }
     void setOpen(bool open);
-    /// Takes in that the window has another width: in a narrow one the drawer leaves the list its room.
+    /// Adapts to a new width of the window: in a narrow one the drawer is narrower.
     void fitWindow();
 
 Q_SIGNALS:
     void drawerDidClose();
-    /// The user pressed the escape key in it.
+    /// The user pressed the escape key in the drawer.
     void closeRequested();
 
 protected:
@@ -37,7 +37,7 @@ private:
     void slideTo(int width);
     void arrived();
 
-    QWidget* content_;  ///< as wide as the open drawer, however far that is out
+    QWidget* content_;  ///< as wide as the open drawer, even while it slides
     LanguagesTableView* ptableView_;
     QVariantAnimation slide_;
     bool open_ = false;

@@ -27,7 +27,7 @@ void NotCleanedController::updateNotCleanedRusultsApps(const std::optional<engin
     endResetModel();
     if (rows_.count() == 0) {
         if (!pNotCleanedInfoPanel_.isNull()) {
-            doCloseNotCleanedPanel();  // what it told of is gone
+            doCloseNotCleanedPanel();  // its messages no longer hold
         }
         return;
     }
@@ -66,7 +66,7 @@ void NotCleanedController::makePanel(QWidget* window) {
 void NotCleanedController::doCloseNotCleanedPanel() {
     if (auto* panel = pNotCleanedInfoPanel_.data()) {
         panel->endSheet();
-        panel->deleteLater();  // it may be the one that asks
+        panel->deleteLater();  // this may be called by a signal of the panel
         pNotCleanedInfoPanel_.clear();
     }
     beginResetModel();
@@ -89,7 +89,7 @@ QVariant NotCleanedController::data(const QModelIndex& index, int role) const {
         return index.isValid() ? rows_.line(index.row()) : QVariant();
     }
     if (role == Qt::AccessibleDescriptionRole) {
-        return rows_.titleOf(index.row());  // who is told of a message alone learns its section as well
+        return rows_.titleOf(index.row());  // assistive clients read a message together with its section
     }
     return {};
 }

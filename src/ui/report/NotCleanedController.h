@@ -10,33 +10,35 @@
 
 namespace brimvault::ui {
 
-/// Tells the user what a clean could not remove: one list of messages, grouped by section, in a sheet over the window.
-/// It holds the rows of the list; titles cannot be selected. Main thread.
+/// The report of what a clean could not remove: a list of messages, grouped by section, in a sheet over the window. It
+/// is the sheet's controller and the model of its list in one; `engine::NotCleanedRows` builds the rows. Titles cannot
+/// be selected. Main thread.
 class NotCleanedController final : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    /// The application's main window, which outlives it.
+    /// The application's main window outlives it.
     explicit NotCleanedController(QWidget* mainWindow) : mainWindow_(mainWindow) {}
     ~NotCleanedController() override;
 
-    /// Whether the user stopped the clean that the next report is of.
+    /// Whether the user stopped the clean of the next report.
     void setCleanStopped(bool stopped) { cleanStopped_ = stopped; }
-    /// Builds the rows from what each section left, none and nothing meaning the same. Where anything was left, the
-    /// application controller decides when and over which window the report is shown; without one it is shown at once.
+    /// Builds the rows from the reasons of each section; `nullopt` is the same as an empty dictionary. If there are
+    /// any, the application controller decides when and over which window to show the report; without one it is shown
+    /// at once.
     void updateNotCleanedRusultsApps(const std::optional<engine::NotCleanedApplications>& apps,
                                      const std::optional<engine::NotRemovedDictionary>& dwns,
                                      const std::optional<engine::NotRemovedDictionary>& caches,
                                      const std::optional<engine::NotRemovedDictionary>& trash,
                                      const std::optional<engine::NotRemovedDictionary>& logs,
                                      SheetCoordinator* appDelegate);
-    /// Shows the report over the main window; without rows there is none.
+    /// Shows the report over the main window; does nothing without rows.
     void showNotCleanedInfoPanel() { showNotCleanedInfoPanelModalFor(mainWindow_); }
     void showNotCleanedInfoPanelModalFor(QWidget* window);
-    /// Closes the report and forgets its messages. The application controller hears of it a tenth of a second later.
+    /// Closes the report and drops its messages. The application controller is told after 100 ms.
     void doCloseNotCleanedPanel();
 
-    /// The sheet on show; null for none.
+    /// The visible sheet; null for none.
     [[nodiscard]] NotCleanedSheet* pNotCleanedInfoPanel() const { return pNotCleanedInfoPanel_; }
     [[nodiscard]] const engine::NotCleanedRows& rows() const { return rows_; }
     [[nodiscard]] bool isGroupRow(int row) const { return rows_.isGroupRow(row); }
@@ -50,7 +52,7 @@ private:
     void copy(const QList<int>& rows) const;
 
     QWidget* mainWindow_;
-    QPointer<NotCleanedSheet> pNotCleanedInfoPanel_;  ///< the window's, for as long as it is shown
+    QPointer<NotCleanedSheet> pNotCleanedInfoPanel_;  ///< owned by the window while it is shown
     engine::NotCleanedRows rows_;
     SheetCoordinator* pAppDelegate_ = nullptr;
     bool cleanStopped_ = false;

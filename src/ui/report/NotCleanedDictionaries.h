@@ -5,12 +5,12 @@
 
 namespace brimvault::ui {
 
-/// What the last clean could not remove, as its sections told. A value; one thread at a time.
+/// Collects what the sections of the last clean could not remove. A value; one thread at a time.
 struct NotCleanedDictionaries {
     engine::NotCleanedApplications applications;
-    engine::PerSection<engine::NotRemovedDictionary> files;  ///< none for Language Resources
+    engine::PerSection<engine::NotRemovedDictionary> files;  ///< Language Resources stays empty
 
-    /// Takes what a section's clean-finished notification brings; that of a single removal brings nothing.
+    /// Takes the reasons from a section's "cleanFinished" notification; after a single removal it has none.
     void take(engine::Section section, const engine::Notification& heard) {
         using Reasons = engine::NotRemovedDictionary;
         using Counts = engine::NotCleanedApplications;

@@ -15,16 +15,16 @@ namespace brimvault::ui {
 
 namespace {
 
-// What is wrapped is laid out at once; so many characters take a few milliseconds, and each row its own part.
-constexpr int mostRowsThatWrap = 500;
-constexpr qsizetype mostCharactersThatWrap = 10'000;
+// The view lays out all wrapped rows when it opens. These limits keep that within a few milliseconds.
+constexpr int maxWrappedRows = 500;
+constexpr qsizetype maxWrappedCharacters = 10'000;
 
-bool isSoonLaidOut(const QAbstractItemModel& rows) {
+bool isCheapToWrap(const QAbstractItemModel& rows) {
     qsizetype characters = 0;
-    for (int row = 0; row < rows.rowCount() && row <= mostRowsThatWrap && characters <= mostCharactersThatWrap; ++row) {
+    for (int row = 0; row < rows.rowCount() && row <= maxWrappedRows && characters <= maxWrappedCharacters; ++row) {
         characters += rows.index(row, 0).data().toString().size();
     }
-    return rows.rowCount() <= mostRowsThatWrap && characters <= mostCharactersThatWrap;
+    return rows.rowCount() <= maxWrappedRows && characters <= maxWrappedCharacters;
 }
 
 }  // namespace
@@ -42,11 +42,11 @@ NotCleanedListView::NotCleanedListView(QWidget* parent) : QListView(parent) {
 }
 
 void NotCleanedListView::reset() {
-    setUniformItemSizes(model() != nullptr && !isSoonLaidOut(*model()));
+    setUniformItemSizes(model() != nullptr && !isCheapToWrap(*model()));
     QListView::reset();
 }
 
-// The first message of a section is shown with its title.
+// Scrolling to the first message of a section shows its title as well.
 void NotCleanedListView::scrollTo(const QModelIndex& index, ScrollHint hint) {
     const QModelIndex above = index.siblingAtRow(index.row() - 1);
     if (hint == EnsureVisible && isTitle(above)) {
@@ -83,9 +83,9 @@ void NotCleanedListView::keyPressEvent(QKeyEvent* event) {
             Q_EMIT copyRequested(selectedRows());
         }
     } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
-        showMenuOfCurrentRow();  // the menu key of keyboards without one
+        showMenuOfCurrentRow();  // the standard replacement of the menu key
     } else if (event->key() == Qt::Key_Escape) {
-        event->ignore();  // it is no letter of a message to be looked for
+        event->ignore();  // the base class would search the rows for a text that begins so
     } else {
         QListView::keyPressEvent(event);
     }

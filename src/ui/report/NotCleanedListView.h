@@ -4,9 +4,9 @@
 
 namespace brimvault::ui {
 
-/// The list of the not-cleaned report: shaded titles, which cannot be selected, and below each its messages, of which
-/// any number can be selected and copied. A long message takes several lines, unless the list itself is long: then
-/// every row has one line, so that it opens at once. Main thread.
+/// The list of the not-cleaned report: titles, which cannot be selected, and below each its messages, which can be
+/// selected and copied. Long messages wrap, unless the list is long: laying out many wrapped rows would delay its
+/// opening, so that each row then has one line. Main thread.
 class NotCleanedListView final : public QListView {
     Q_OBJECT
 
@@ -15,13 +15,13 @@ public:
 
     void reset() override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
-    /// Rows of titles cannot be selected, and the keyboard passes over them.
+    /// Titles cannot be selected, and the keyboard skips them.
     [[nodiscard]] static bool isTitle(const QModelIndex& index) {
         return index.isValid() && !index.flags().testFlag(Qt::ItemIsSelectable);
     }
 
 Q_SIGNALS:
-    /// The user wants the text of these rows, which ascend.
+    /// The user copies the text of these rows, in ascending order.
     void copyRequested(const QList<int>& rows);
 
 protected:

@@ -26,7 +26,7 @@ QRect textPlace(const QStyleOptionViewItem& option, int indent) {
     return QStyle::visualRect(option.direction, option.rect, place);
 }
 
-// Breaks the text into lines, in the midst of a name where it is longer than a line; answers how high they are.
+// Breaks the text into lines, within a word if it is longer than a line, and returns the total height.
 qreal breakIntoLines(QTextLayout& layout, qreal width, Qt::Alignment side) {
     QTextOption how(side);
     how.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

@@ -6,7 +6,7 @@
 
 namespace brimvault::ui {
 
-/// Draws the rows of the not-cleaned report: shaded titles, and messages a little further in. Main thread.
+/// Draws the rows of the not-cleaned report: shaded titles and indented messages. Main thread.
 class NotCleanedRowDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 

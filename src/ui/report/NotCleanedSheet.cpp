@@ -17,7 +17,7 @@ namespace {
 constexpr QSize panelSize(560, 352);
 constexpr int sideMargin = 20;
 constexpr int topMargin = 18;
-constexpr int bottomMargin = 14;  // with the shadow of the button
+constexpr int bottomMargin = 14;  // includes the shadow of the button
 constexpr int headingGap = 3;
 constexpr int listGap = 10;
 constexpr int buttonGap = 12;
@@ -29,7 +29,7 @@ constexpr qreal headingSize = 15;
 constexpr qreal noteSize = 12.5;
 constexpr qreal buttonTextSize = 13;
 
-// Rounds the corners of what lies below it and draws a line around that.
+// An overlay that paints over the corners of the list, to round them, and draws a line around it.
 class RoundedFrame final : public QWidget {
 public:
     RoundedFrame() { setAttribute(Qt::WA_TransparentForMouseEvents); }

@@ -12,11 +12,11 @@ class NotCleanedSheet final : public Sheet {
     Q_OBJECT
 
 public:
-    /// The rows outlive it, or are gone before it is shown again.
+    /// The model outlives the sheet.
     NotCleanedSheet(QAbstractItemModel* rows, QWidget* window);
 
     [[nodiscard]] NotCleanedListView* pNotCleanedTView() const { return pNotCleanedTView_; }
-    /// What is said below the heading.
+    /// The text below the heading.
     [[nodiscard]] QString note() const { return note_->text(); }
     void setNote(const QString& note);
 
