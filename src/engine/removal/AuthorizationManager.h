@@ -84,9 +84,9 @@ private:
     std::unique_ptr<platform::Authorization> m_pAuthorizationRef_;  ///< made when it is first needed
     std::atomic<bool> m_bIsNeedAskAuthentication_ = false;
     std::atomic<unsigned> timesAllowed_ = 0;  ///< how often asking was allowed
-    unsigned askedFor_ = 0;               ///< for which of these times the user has been asked
-    std::mutex questionMutex_;            ///< protects `question_`
-    std::stop_source question_;           ///< withdraws the question that is open; stopped while none may be asked
+    unsigned askedFor_ = 0;                   ///< for which of these times the user has been asked
+    std::mutex questionMutex_;                ///< protects `question_`
+    std::stop_source question_;               ///< withdraws the question that is open; stopped while none may be asked
     AuthorizationListener* m_pListener_ = nullptr;
     std::int32_t m_nSignalsIgnoreCountActivated_ = 0;
     std::unique_ptr<platform::ChildSignalAction> m_saOldAction_;  ///< of before the first start

@@ -27,7 +27,7 @@ protected:
     }
     // What is said to be going on; nothing where the sizes are shown.
     [[nodiscard]] QString going() const {
-        const QString text = lists()->plashka()->smallText();
+        const QString text = status().section(QStringLiteral(", "), -1);
         return text.startsWith(QStringLiteral("Selected of ")) ? QString() : text;
     }
 
