@@ -13,7 +13,6 @@
 namespace fs = std::filesystem;
 
 using namespace brimvault;
-using engine::Section;
 using trial::Guide;
 
 namespace {

@@ -131,7 +131,9 @@ TEST_F(InputSources, AreTheMachinesWhereAFileOfTheDesktopIsNoPlainFile) {
         {"KDE", configuration / "kxkbrc"},
         {"XFCE", configuration / "xfce4/xfconf/xfce-perchannel-xml/keyboard-layout.xml"},
     };
-    for (const auto& [desktop, file] : files) {
+    for (const auto& [name, place] : files) {
+        const auto* desktop = name;  // a lambda captures no structured bindings
+        const auto file = place;
         forEachHostileKind(file, [&](const std::string& kind) { EXPECT_EQ(layoutsOn(desktop), "xx") << file << kind; });
     }
     forEachHostileKind(machine_, [&](const std::string& kind) { EXPECT_EQ(layoutsOn(""), "") << kind; });

@@ -486,10 +486,10 @@ TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
 TEST_F(RootRemover, TellsNothingOfFoldersThatAreClosed) {
     ASSERT_EQ(::mount("none", "/srv", "tmpfs", MS_NOSUID, "mode=700"), 0);
     fs::create_directory("/srv/there");
-    for (const std::string name : {"there", "missing"}) {
+    for (const std::string folder : {"there", "missing"}) {
         makeLockedFolder(user, "item");
         fs::remove(user.home() / "Downloads");
-        fs::create_directory_symlink("/srv/" + name + "/../.." + (caches() / "item").native(),
+        fs::create_directory_symlink("/srv/" + folder + "/../.." + (caches() / "item").native(),
                                      user.home() / "Downloads");
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
             startTool();
@@ -498,7 +498,7 @@ TEST_F(RootRemover, TellsNothingOfFoldersThatAreClosed) {
             if (!client.isGreeted()) {
                 return "it is not there";
             }
-            client.send(*cleaner::encode(Operation::keepFolderAtPath, "/srv/" + name + "/" + std::string(300, 'n')));
+            client.send(*cleaner::encode(Operation::keepFolderAtPath, "/srv/" + folder + "/" + std::string(300, 'n')));
             client.send(*cleaner::encode(Operation::keepFolderAtPath, (user.home() / "Downloads/2").native()));
             return client.ask(Operation::removeFileAtPath, caches() / "item") == Operation::done ? "" : "it refuses";
         });

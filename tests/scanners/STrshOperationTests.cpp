@@ -115,7 +115,6 @@ protected:
 };
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 }  // namespace

@@ -26,7 +26,6 @@ using engine::FScaner;
 using engine::ItemArray;
 using engine::ScanTable;
 using engine::Section;
-using engine::SectionOperation;
 
 namespace {
 

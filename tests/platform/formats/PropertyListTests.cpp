@@ -16,7 +16,6 @@ using namespace trial;
 
 using platform::FinderPreferences;
 using platform::PropertyList;
-namespace fs = std::filesystem;
 
 namespace {
 

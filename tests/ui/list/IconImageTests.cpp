@@ -177,8 +177,8 @@ TEST_F(IconImages, TakeLittleMemoryHoweverMuchIsPackedBesideThem) {
         ASSERT_GT(before, 0);
         const QImage icon = IconImage::ofContents(contents, 20);
         EXPECT_EQ(icon.pixelColor(10, 10), QColor(Qt::red)) << "the picture itself is good";
-        constexpr long most = 32 * 1024;
-        EXPECT_LT(memory("VmHWM:") - before, most);
+        constexpr long maxKiB = 32L * 1024;
+        EXPECT_LT(memory("VmHWM:") - before, maxKiB);
     }
 }
 
