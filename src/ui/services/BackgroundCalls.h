@@ -2,9 +2,10 @@
 
 #include <QFutureWatcher>
 #include <QPromise>
-#include <QThreadPool>
 #include <functional>
 #include <memory>
+
+#include "ui/services/AbandonablePool.h"
 
 namespace brimvault::ui {
 
@@ -13,14 +14,7 @@ namespace brimvault::ui {
 /// A call that hangs, as on a volume that does not answer, is left behind at the end with its thread.
 class BackgroundCalls final : public QObject {
 public:
-    explicit BackgroundCalls(int maxThreads) : pool_(new QThreadPool) { pool_->setMaxThreadCount(maxThreads); }
-    ~BackgroundCalls() override {
-        if (pool_->waitForDone(timeToGiveUp)) {
-            delete pool_;  // whose destructor would wait for a call that hangs
-        }
-    }
-    BackgroundCalls(const BackgroundCalls&) = delete;
-    BackgroundCalls& operator=(const BackgroundCalls&) = delete;
+    explicit BackgroundCalls(int maxThreads) : pool_(maxThreads, timeToGiveUp) {}
 
     /// Calls `work` on a thread and later `done`, with what it answered, on the main thread.
     template <typename Answer>
@@ -41,12 +35,12 @@ public:
     /// The same with nobody who waits for an answer.
     void call(std::function<void()> work) { pool_->start(std::move(work)); }
     /// Blocks until all calls have returned, a second at most.
-    void waitUntilIdle() { pool_->waitForDone(timeToGiveUp); }
+    void waitUntilIdle() { pool_.waitForDone(); }
 
 private:
-    static constexpr int timeToGiveUp = 1000;  // milliseconds
+    static constexpr std::chrono::seconds timeToGiveUp{1};
 
-    QThreadPool* pool_;
+    AbandonablePool pool_;
 };
 
 }  // namespace brimvault::ui

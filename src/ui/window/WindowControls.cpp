@@ -8,10 +8,7 @@ namespace {
 
 using Name = QLatin1String;
 
-constexpr WhiteTitleButton::Pictures scanPictures{Name("btnScanDes"), Name("btnScan")};
-constexpr WhiteTitleButton::Pictures quietPictures{Name("btnQuietDes"), Name("btnQuiet")};
 constexpr WhiteTitleButton::Pictures cleanPictures{Name("btnCleanDes"), Name("btnClean")};
-constexpr WhiteTitleButton::Pictures stopPictures{Name("btnStopDes"), Name("btnStop")};
 
 void setLook(WhiteTitleButton& button, const WhiteTitleButton::Pictures& pictures, QRgb color) {
     button.setPictures(pictures);
@@ -75,21 +72,21 @@ void WindowControls::enableControlsClean(bool idle) {
 void WindowControls::setImgs4Scan(bool idle) {
     auto& button = *window_.sidebar()->pbtnScan();
     if (!idle) {
-        setLook(button, stopPictures, look::textOnAccent);
+        setLook(button, WhiteTitleButton::danger, look::textOnAccent);
         button.setTitle(tr("Stop"), tr("Stop Scanning"));
         return;
     }
     if (application_.bScanStarted()) {
-        setLook(button, quietPictures, look::accentDark);
+        setLook(button, WhiteTitleButton::quiet, look::accentDark);
     } else {
-        setLook(button, scanPictures, look::textOnAccent);
+        setLook(button, WhiteTitleButton::accent, look::textOnAccent);
     }
     button.setTitle(tr("Scan"), tr("Scan"));
 }
 
 void WindowControls::setImgs4Clean(bool idle) {
     auto& button = *window_.lists()->pbtnClean();
-    setLook(button, idle ? cleanPictures : stopPictures, look::textOnAccent);
+    setLook(button, idle ? cleanPictures : WhiteTitleButton::danger, look::textOnAccent);
     button.setTitle(idle ? tr("Clean") : tr("Stop"), idle ? tr("Clean") : tr("Stop Cleaning"));
 }
 
