@@ -111,20 +111,20 @@ std::optional<std::vector<std::string>> runListScript(const QString& script, std
     const auto deadline = steady_clock::now() + timeout;
     QFile source(script);
     const StopEvent stopped(stop);
-    auto [reading, writing] = makePipe();
-    if (!stopped.isOpen() || !reading.isOpen() || !source.open(QIODevice::ReadOnly)) {
+    Pipe pipe = makePipe();
+    if (!stopped.isOpen() || !pipe.reading.isOpen() || !source.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
     auto shell = ChildProcess::start({.words = {"/bin/sh", "-c", source.readAll().toStdString()},
                                       .environment = environmentOfScripts(),
                                       .leads = ProgramStart::Leads::processGroup,
                                       .streams = ProgramStart::Streams::null,
-                                      .output = writing.number()});
-    writing = files::FileDescriptor();  // else the stream would never end
+                                      .output = pipe.writing.number()});
+    pipe.writing = files::FileDescriptor();  // else the stream would never end
     if (!shell) {
         return std::nullopt;
     }
-    const auto printed = readOutput(*shell, reading, stopped, deadline);
+    const auto printed = readOutput(*shell, pipe.reading, stopped, deadline);
     const bool isLate = !shell->hasEnded();
     if (isLate) {
         endGroup(*shell);
