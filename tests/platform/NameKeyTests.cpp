@@ -9,7 +9,7 @@ namespace brimvault::tests {
 
 // The same order as the text library's own comparison of the whole texts.
 TEST(NameKey, OrdersAsTheUsersLanguageDoes) {
-    QCollator collator(QLocale(QLocale::English));
+    QCollator collator{QLocale(QLocale::English)};
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     const auto sign = [](int number) { return (number > 0) - (number < 0); };
