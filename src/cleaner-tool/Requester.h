@@ -9,7 +9,7 @@
 
 namespace brimvault::cleaner {
 
-/// Who asks for a removal: the user, and the groups of the application's process.
+/// The peer that asks for a removal: the user, and the groups of the application's process.
 struct Requester {
     uid_t user = 0;
     std::vector<gid_t> groups;

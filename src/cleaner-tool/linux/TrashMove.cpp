@@ -14,8 +14,8 @@
 #include "files/DirectoryHandle.h"
 #include "files/FileDescriptor.h"
 
-// The freedesktop.org Trash specification, version 1.0: the record is made first and reserves the name (O_EXCL), then
-// the item is moved.
+// The rules of freedesktop.org for the Trash, version 1.0: the record is made first and reserves the name (O_EXCL),
+// then the item is moved.
 
 namespace brimvault::cleaner {
 

@@ -32,7 +32,7 @@
 // pkexec's check would not find them. There only pkexec asks, and this process waits until pkexec has become the
 // program or has ended.
 //
-// Who can read the memory of this process, or take its descriptors, has what the user granted to it. So from the first
+// A process that reads the memory of this one, or takes its descriptors, has what the user granted. So from the first
 // question on other processes of the user can do neither (PR_SET_DUMPABLE); one that traces it already still can.
 
 namespace brimvault::platform {

@@ -8,7 +8,7 @@
 #include "files/NodeStatus.h"
 #include "platform/LibraryURLs.h"
 
-// The freedesktop.org Trash specification, version 1.0: items in "files", and for each a record "info/NAME.trashinfo".
+// The rules of freedesktop.org for the Trash, version 1.0: items in "files", for each a record "info/NAME.trashinfo".
 // resources/TrashScan finds these folders.
 
 namespace brimvault::platform {
