@@ -94,7 +94,7 @@ bool AuthorizationManager::fetchPassword(const ToolPaths& tools) {
     if (!granted && clean == timesAllowed_) {
         m_bIsNeedAskAuthentication_ = false;
     }
-    tell(granted ? &AuthorizationListener::onAuthorizationComplete : &AuthorizationListener::onAuthorizationFailed);
+    notify(granted ? &AuthorizationListener::onAuthorizationComplete : &AuthorizationListener::onAuthorizationFailed);
     return true;
 }
 
@@ -102,7 +102,7 @@ void AuthorizationManager::deauthenticate() {
     if (m_pAuthorizationRef_) {
         m_pAuthorizationRef_->destroyRights();
         m_pAuthorizationRef_.reset();
-        tell(&AuthorizationListener::onDeAuthorizationComplete);
+        notify(&AuthorizationListener::onDeAuthorizationComplete);
     }
 }
 
@@ -117,7 +117,7 @@ bool AuthorizationManager::executeCommand(const std::filesystem::path& tool, con
     if (!started) {
         m_bIsNeedAskAuthentication_ = false;  // where the start asks, the user has refused
     }
-    tell(started ? &AuthorizationListener::onCommadExecuteSuccess : &AuthorizationListener::onCommadExecuteFailure);
+    notify(started ? &AuthorizationListener::onCommadExecuteSuccess : &AuthorizationListener::onCommadExecuteFailure);
     return started;
 }
 
@@ -141,7 +141,7 @@ bool AuthorizationManager::stopIgnoreChildsSignals() {
     return true;
 }
 
-void AuthorizationManager::tell(void (AuthorizationListener::*message)()) {
+void AuthorizationManager::notify(void (AuthorizationListener::*message)()) {
     if (m_pListener_ != nullptr) {
         (m_pListener_->*message)();
     }

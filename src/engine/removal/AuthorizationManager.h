@@ -78,7 +78,7 @@ public:
 private:
     /// Null where the system gives rights to nobody.
     [[nodiscard]] platform::Authorization* authorizationRef();
-    void tell(void (AuthorizationListener::*message)());
+    void notify(void (AuthorizationListener::*message)());
 
     const platform::AuthorizationFactory factory_;
     std::unique_ptr<platform::Authorization> m_pAuthorizationRef_;  ///< made when it is first needed

@@ -21,10 +21,10 @@ public:
     /// Whether the item at the path is a protected folder, or holds one.
     [[nodiscard]] bool isOneOrHoldsOne(const std::filesystem::path& path, const files::NodeStatus& item) const;
     /// The protected folders themselves; some may not exist.
-    [[nodiscard]] const std::vector<platform::FolderLocation>& ways() const { return ways_; }
+    [[nodiscard]] const std::vector<platform::FolderLocation>& locations() const { return locations_; }
 
 private:
-    std::vector<platform::FolderLocation> ways_;
+    std::vector<platform::FolderLocation> locations_;
 };
 
 /// Their paths, symbolic links resolved.

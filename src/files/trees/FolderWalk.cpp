@@ -26,7 +26,7 @@ public:
         }
     }
     void onFile(const DirectoryHandle& /*folder*/, const char* /*name*/, NodeKind /*kind*/) override {}
-    [[nodiscard]] FilesTold filesTold() const override { return FilesTold::whileListing; }
+    [[nodiscard]] FileVisits fileVisits() const override { return FileVisits::whileListing; }
     void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/) override {
         current_ = current_.parent_path();
     }

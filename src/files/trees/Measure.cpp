@@ -49,7 +49,7 @@ public:
     [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
         return std::make_unique<SizeVisitor>(question_, sum_);
     }
-    [[nodiscard]] FilesTold filesTold() const override { return FilesTold::whileListing; }
+    [[nodiscard]] FileVisits fileVisits() const override { return FileVisits::whileListing; }
 
     void onFolderEntered(const DirectoryHandle& folder) override {
         if (question_.folders == FoldersAsked::no || isInFirstFolder()) {  // whose own entry lies elsewhere

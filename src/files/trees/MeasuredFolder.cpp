@@ -25,9 +25,9 @@ public:
     }
     [[nodiscard]] bool isFull() const { return listed_.size() >= maxAhead; }
 
-    // Whether all were told; empties the batch, once no helper measures it any more.
-    bool tell(const std::function<bool(const MeasurableEntry&)>& call) {
-        const bool goesOn = tellEach(call);
+    // Whether all were reported; empties the batch, once no helper measures it any more.
+    bool report(const std::function<bool(const MeasurableEntry&)>& call) {
+        const bool goesOn = reportEach(call);
         listed_.clear();
         names_.clear();
         return goesOn;
@@ -40,7 +40,7 @@ private:
         Sizes sizes;
     };
 
-    bool tellEach(const std::function<bool(const MeasurableEntry&)>& call) const {
+    bool reportEach(const std::function<bool(const MeasurableEntry&)>& call) const {
         std::vector<std::size_t> folders;
         for (std::size_t number = 0; number < listed_.size(); ++number) {
             if (isMeasuredAhead(number)) {
@@ -104,11 +104,11 @@ int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const
         if (hidden == HiddenEntries::include || entry.name[0] != '.') {
             batch.add(entry, sizes(entry.name));
         }
-        goesOn = !batch.isFull() || batch.tell(call);
+        goesOn = !batch.isFull() || batch.report(call);
         return goesOn;
     });
     if (goesOn) {
-        (void)batch.tell(call);
+        (void)batch.report(call);
     }
     return code;
 }

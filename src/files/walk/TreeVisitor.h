@@ -9,8 +9,8 @@
 
 namespace brimvault::files {
 
-/// When a walk reports the entries of a folder that are no folders.
-enum class FilesTold {
+/// When a walk visits the entries of a folder that are no folders.
+enum class FileVisits {
     afterListing,  ///< a directory that is changed under its listing may show an entry twice or not at all
     whileListing,  ///< sooner, and without storing their names: for a visitor that changes nothing
 };
@@ -32,7 +32,7 @@ public:
     /// visitor that is used by one thread alone.
     [[nodiscard]] virtual std::unique_ptr<TreeVisitor> another() { return nullptr; }
 
-    [[nodiscard]] virtual FilesTold filesTold() const { return FilesTold::afterListing; }
+    [[nodiscard]] virtual FileVisits fileVisits() const { return FileVisits::afterListing; }
     [[nodiscard]] virtual WayBack wayBack() const { return WayBack::byNumber; }
     /// Whether to open a folder below the first one at all. Called once for each, just before it is opened.
     virtual bool wantsFolder(const DirectoryHandle& /*parent*/, const char* /*name*/) { return true; }

@@ -87,7 +87,7 @@ bool TreeWalk::visitPending() {
         }
         visitor_.setPlace(top->fsref.folder.get());
         if (!top->fsref.pendingFiles.files.empty()) {
-            tellSomePending(top->fsref);
+            visitPendingFiles(top->fsref);
             continue;
         }
         std::string next = top->fsref.takePendingFolder();
@@ -138,10 +138,11 @@ void TreeWalk::begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> fold
 }
 
 int TreeWalk::listEntries(FolderReference& folder) {
-    return visitor_.filesTold() == FilesTold::whileListing ? tellWhileListing(folder) : tellAfterListing(folder);
+    return visitor_.fileVisits() == FileVisits::whileListing ? visitFilesWhileListing(folder)
+                                                             : visitFilesAfterListing(folder);
 }
 
-int TreeWalk::tellWhileListing(FolderReference& folder) {
+int TreeWalk::visitFilesWhileListing(FolderReference& folder) {
     listed_ = 0;
     return reader_.forEachEntry(folder.handle.descriptor(), [&](const DirectoryEntry& entry) {
         if (entry.kind == NodeKind::directory) {
@@ -153,7 +154,7 @@ int TreeWalk::tellWhileListing(FolderReference& folder) {
     });
 }
 
-int TreeWalk::tellAfterListing(FolderReference& folder) {
+int TreeWalk::visitFilesAfterListing(FolderReference& folder) {
     ListedFiles listed;
     std::string entries;
     listed_ = 0;
@@ -177,21 +178,21 @@ int TreeWalk::tellAfterListing(FolderReference& folder) {
         if (stop_.stop_requested()) {
             break;
         }
-        tell(folder, entries.c_str() + file.place);
+        visitFile(folder, entries.c_str() + file.place);
     }
     return code;
 }
 
-void TreeWalk::tell(const FolderReference& folder, const char* entry) {
+void TreeWalk::visitFile(const FolderReference& folder, const char* entry) {
     visitor_.onFile(folder.handle, entry + 1, static_cast<NodeKind>(*entry));
 }
 
-void TreeWalk::tellSomePending(FolderReference& folder) {
+void TreeWalk::visitPendingFiles(FolderReference& folder) {
     auto& pending = folder.pendingFiles;
     for (int count = 0; count < filesOfAPart && !pending.files.empty() && !stop_.stop_requested(); ++count) {
         const auto place = pending.files.back().place;
         pending.files.pop_back();
-        tell(folder, pending.entries->c_str() + place);
+        visitFile(folder, pending.entries->c_str() + place);
     }
     if (pending.files.empty()) {
         pending = {};  // frees the names before the subfolders are visited

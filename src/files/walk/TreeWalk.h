@@ -57,10 +57,10 @@ private:
     Result<DirectoryHandle> open(const DirectoryHandle& parent, const char* name);
     void begin(DirectoryHandle handle, std::shared_ptr<VisitedFolder> folder);
     int listEntries(FolderReference& folder);
-    int tellWhileListing(FolderReference& folder);
-    int tellAfterListing(FolderReference& folder);
-    void tell(const FolderReference& folder, const char* entry);
-    void tellSomePending(FolderReference& folder);
+    int visitFilesWhileListing(FolderReference& folder);
+    int visitFilesAfterListing(FolderReference& folder);
+    void visitFile(const FolderReference& folder, const char* entry);
+    void visitPendingFiles(FolderReference& folder);
 
     int holdNoMoreThan(int folders);
     [[nodiscard]] bool mayClose(FolderReference& folder) const;

@@ -63,7 +63,7 @@ void FileActions::showWith(const Path& path, std::function<bool(const Path&)> sh
         if (request == Request::noSuchFile) {
             alertFileNotExists(path);
         } else if (request == Request::nobodyAnswers) {
-            notices_.tell(tr("Can't show file"), tr("No file manager answers. The file is in the folder %1")
+            notices_.show(tr("Can't show file"), tr("No file manager answers. The file is in the folder %1")
                                                      .arg(platform::displayText(standardized(path).parent_path())));
         }
     });
@@ -116,7 +116,7 @@ void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& fact
 }
 
 void FileActions::alertFileNotExists(const Path& path) const {
-    notices_.tell(tr("Can't find file"), tr("The file’s %1%2%1 does not exist or its existence could not be determined")
+    notices_.show(tr("Can't find file"), tr("The file’s %1%2%1 does not exist or its existence could not be determined")
                                              .arg(QStringLiteral("\""), platform::displayText(path)));
 }
 

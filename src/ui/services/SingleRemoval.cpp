@@ -35,7 +35,7 @@ void SingleRemoval::finish(const std::filesystem::path& path, const engine::Item
                            const std::function<void(bool success)>& finished) {
     --underWay_;
     if (!removal.gone) {
-        notices_.tell(tr("“%1” could not be removed").arg(platform::displayText(path.filename())), removal.reason);
+        notices_.show(tr("“%1” could not be removed").arg(platform::displayText(path.filename())), removal.reason);
     }
     engine::NotificationCenter::defaultCenter().post(engine::notification::singleFileRemoveFinished,
                                                      {{engine::key::success, engine::Number{removal.gone ? 1 : 0}}});

@@ -66,7 +66,7 @@ void UtilMod::composeMail(const MailMessage& mail) {
     requests_.call<bool>([&workspace = workspace_, url = mail.url()] { return workspace.openURL(url); },
                          [this, recipient = mail.recipient](bool opened) {
                              if (!opened) {
-                                 notices_.tell(
+                                 notices_.show(
                                      tr("Can't open a mail program"),
                                      recipient.isEmpty()
                                          ? tr("No program for mail answers.")

@@ -22,7 +22,7 @@ public:
         return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
     }
     /// What the user can only take note of.
-    void tell(const QString& message, const QString& informativeText) const {
+    void show(const QString& message, const QString& informativeText) const {
         if (window_) {
             alerts_.runModal({message, informativeText, Alert::Suppression::notOffered, Alert::Buttons::takeNote},
                              window_);
