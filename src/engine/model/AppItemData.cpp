@@ -1,45 +1,12 @@
 #include "engine/model/AppItemData.h"
 
 #include <QSet>
-#include <algorithm>
 #include <utility>
 
 #include "engine/model/FileManager.h"
-#include "platform/LocaleIdentifiers.h"
+#include "engine/model/KeptLocalizations.h"
 
 namespace brimvault::engine {
-
-namespace {
-
-QString family(const QString& identifier) { return identifier.section(QLatin1Char('-'), 0, 0); }
-
-// The fallback localization of a folder, where none is to be kept: a regional variant of a language to keep, in the
-// order of these, else the one found last. Null if one is kept.
-std::shared_ptr<LocalizationItem> lastOne(const LocalizationArray& group, const QStringList& needed) {
-    const auto isKept = [&](const auto& item) { return !item->shouldBeRemovedWithNeedLangs(needed); };
-    if (std::any_of(group.begin(), group.end(), isKept)) {
-        return nullptr;
-    }
-    for (const QString& language : needed) {
-        const auto relative = std::find_if(
-            group.begin(), group.end(), [&](const auto& item) { return family(item->plocNameId) == family(language); });
-        if (relative != group.end()) {
-            return *relative;
-        }
-    }
-    return group.last();
-}
-
-}  // namespace
-
-std::shared_ptr<LocalizationItem> LocalizationItem::initWithPath(const std::filesystem::path& path, quint64 size) {
-    auto item = std::make_shared<LocalizationItem>();
-    item->nlocSize = size;
-    item->plocNameId =
-        platform::LocaleIdentifiers::canonicalLocaleIdentifierFromString(QString::fromStdString(path.stem().native()));
-    item->plocPath = path;
-    return item;
-}
 
 std::shared_ptr<AppItemData> AppItemData::initWithName(const std::filesystem::path& path) {
     auto item = std::make_shared<AppItemData>();
@@ -83,13 +50,8 @@ void AppItemData::forEachRemovable(const QStringList& needed,
     if (needed.isEmpty() || pmLocalizations_.size() < 2) {
         return;
     }
-    for (const auto& group : pmLocalizationsDict_) {
-        const auto spared = lastOne(group, needed);
-        for (const auto& item : group) {
-            if (item != spared && item->shouldBeRemovedWithNeedLangs(needed)) {
-                call(item);
-            }
-        }
+    for (const auto& folder : pmLocalizationsDict_) {
+        forEachNotKept(folder, needed, call);
     }
 }
 

@@ -13,32 +13,15 @@
 
 #include "engine/ItemArrays.h"
 #include "engine/model/CleanableItem.h"
-#include "engine/model/FoundIn.h"
+#include "engine/model/LocalizationItem.h"
 
 namespace brimvault::engine {
-
-/// One localization folder of one application, as the scan measured it. Not changed after it is posted.
-struct LocalizationItem {
-    /// The identifier is that of the folder's name; the size is in bytes.
-    static std::shared_ptr<LocalizationItem> initWithPath(const std::filesystem::path& path, quint64 size);
-
-    quint64 nlocSize = 0;                              ///< bytes
-    QString plocNameId;                                ///< canonical identifier of its language
-    std::filesystem::path plocPath;                    ///< full path of the folder
-    std::shared_ptr<const FoundIn> foundIn = nullptr;  ///< the folder that holds it; null when no scan has found it
-
-    /// True unless the identifier is among those to keep, compared letter by letter.
-    [[nodiscard]] bool shouldBeRemovedWithNeedLangs(const QStringList& needed) const {
-        return !needed.contains(plocNameId);
-    }
-};
 
 /// One application that has localizations. Its counters depend on the languages to keep, as of the last
 /// `recalcKeepSpaceForLocales`.
 ///
-/// Localizations are grouped by the folder that holds them, in the order of discovery. One localization of each folder
-/// always stays: if none is to be kept, the one closest to what the user reads. Counting and removing share one
-/// function (`forEachRemovable`), so that both spare the same one.
+/// Localizations are grouped by the folder that holds them, in the order of discovery. `engine/model/KeptLocalizations`
+/// decides which of a folder stay; counting and removing both ask it, so that they spare the same ones.
 ///
 /// Belongs to the scan's thread until it is posted, then to the main thread. A clean calls `itemsToClean` on its own
 /// thread; the main thread changes the localizations only after the clean's end.
@@ -83,13 +66,13 @@ private:
 
     void recalcLocalizationsDict();
     void addToGroup(const std::shared_ptr<LocalizationItem>& item);
-    /// Calls for every localization that is not to be kept and not the spared one of its folder.
+    /// Calls for every localization that may go; for none where there are fewer than two, or no language is to be kept.
     void forEachRemovable(const QStringList& needed,
                           const std::function<void(const std::shared_ptr<LocalizationItem>&)>& call) const;
 
     LocalizationArray pmLocalizations_;
     std::vector<LocalizationArray> pmLocalizationsDict_;
-    std::unordered_map<std::string, std::size_t> groupOfKey_;  ///< indexes into the above
+    std::unordered_map<std::string, std::size_t> groupOfKey_;  ///< indexes into pmLocalizationsDict_
     std::optional<Counted> counted_;                           ///< none after the localizations have changed
     quint64 ncanKeepSpace_ = 0;
     quint64 ncanKeepSpaceSel_ = 0;
