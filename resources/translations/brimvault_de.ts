@@ -17,7 +17,15 @@
     </message>
 </context>
 <context>
-    <name>CleanFacts</name>
+    <name>CleanQuestion</name>
+    <message>
+        <source>Are you sure you want to  completely delete the selected items?</source>
+        <translation>Möchten Sie die ausgewählten Objekte wirklich vollständig löschen?</translation>
+    </message>
+    <message>
+        <source>Files will be  permanently removed from your Hard Drive.</source>
+        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
+    </message>
     <message>
         <source>1 item, %1</source>
         <translation>1 Objekt, %1</translation>
@@ -189,6 +197,10 @@
 <context>
     <name>SingleRemoval</name>
     <message>
+        <source>Files will be  permanently removed from your Hard Drive.</source>
+        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
+    </message>
+    <message>
         <source>It holds 1 other item of the list, which goes with it.</source>
         <translation>Enthält 1 weiteres Objekt der Liste, das ebenfalls entfernt wird.</translation>
     </message>
@@ -199,10 +211,6 @@
     <message>
         <source>Are you sure you want to completely delete “%1”?</source>
         <translation>Möchten Sie „%1“ wirklich vollständig löschen?</translation>
-    </message>
-    <message>
-        <source>Files will be  permanently removed from your Hard Drive.</source>
-        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
     </message>
     <message>
         <source>“%1” could not be removed</source>
@@ -714,14 +722,6 @@ ansehen, was sie enthalten, auswählen, was weg kann, und bereinigen.</translati
 Select all and scan?</source>
         <translation>Zum Scannen muss mindestens ein Bereich ausgewählt sein.
 Alle auswählen und scannen?</translation>
-    </message>
-    <message>
-        <source>Are you sure you want to  completely delete the selected items?</source>
-        <translation>Möchten Sie die ausgewählten Objekte wirklich vollständig löschen?</translation>
-    </message>
-    <message>
-        <source>Files will be  permanently removed from your Hard Drive.</source>
-        <translation>Die Dateien werden endgültig von Ihrer Festplatte entfernt.</translation>
     </message>
     <message>
         <source>Stop Scanning</source>

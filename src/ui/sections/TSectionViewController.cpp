@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <limits>
 
 #include "engine/notification/Notifications.h"
-#include "ui/sections/CleanFacts.h"
+#include "ui/sections/CleanQuestion.h"
 #include "ui/sections/SectionRows.h"
 #include "ui/services/PlaceTexts.h"
 
@@ -28,6 +27,7 @@ TSectionViewController::TSectionViewController(const Dependencies& dependencies,
       pAppDelegate_(dependencies.application),
       defaults_(dependencies.defaults),
       alerts_(dependencies.alerts),
+      statistics_(dependencies.defaults),
       performer_(std::move(scans), std::move(cleans)) {
     initChecksFromPrefs();
     showChecks();
@@ -233,7 +233,6 @@ void TSectionViewController::doStartClean() {
         performer_.selection(checks_[Section::languageResources], checks_[Section::downloads], checks_[Section::caches],
                              checks_[Section::trash], checks_[Section::logs]);
     const QStringList languages = neededLanguages_;
-    lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
     if (isRemovalConfirmed() && pAppDelegate_.activity() == Activity::idle) {
         startClean(selection, languages);
     }
@@ -241,7 +240,7 @@ void TSectionViewController::doStartClean() {
 
 // What was found while the question was open stays, and does not count as freed.
 void TSectionViewController::startClean(const engine::CleanSelection& selection, const QStringList& languages) {
-    lastCleanedSize_ = static_cast<qint64>(getSize2CleanALLSel());
+    statistics_.cleanStarted(getSize2CleanALLSel());
     for (const Section section : engine::allSections) {
         lastSelected_[section] = selection[section] ? performer_.getAppResDS().sums(section).selected : 0;
     }
@@ -254,11 +253,7 @@ bool TSectionViewController::isRemovalConfirmed() {
     if (!isAskingBeforeCleaning()) {
         return true;
     }
-    // Both texts have a double space; they are used as they stand.
-    const Alert alert{tr("Are you sure you want to  completely delete the selected items?"),
-                      tr("Files will be  permanently removed from your Hard Drive."), Alert::Suppression::offered,
-                      Alert::Buttons::deleteAndCancel, cleanFacts(performer_.getAppResDS(), checks_)};
-    const AlertAnswer answer = ask(alert);
+    const AlertAnswer answer = ask(cleanQuestion(performer_.getAppResDS(), checks_));
     if (answer.suppressed) {
         setAskingBeforeCleaning(false);
     }
@@ -283,11 +278,7 @@ MenuItem TSectionViewController::validateMenuItem(MenuAction what) const {
 }
 
 void TSectionViewController::cleanFinished() {
-    const auto remaining = static_cast<qint64>(getSize2CleanALLSel());
-    if (lastCleanedSize_ > remaining) {
-        addCleanedSizeToDefaults(static_cast<quint64>(lastCleanedSize_ - remaining));
-        defaults_.increase(defaults_key::cleanNumber);
-    }
+    statistics_.cleanFinished(getSize2CleanALLSel());
     for (const Section section : engine::allSections) {
         const auto left = performer_.getAppResDS().sums(section);
         if (left.all == 0 && lastSelected_[section] > left.selected) {
@@ -295,13 +286,6 @@ void TSectionViewController::cleanFinished() {
         }
     }
     updateSubTitlesTexts();
-}
-
-void TSectionViewController::addCleanedSizeToDefaults(quint64 freed) {
-    const quint64 before = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
-    constexpr quint64 maxTotal = std::numeric_limits<quint64>::max();
-    defaults_.setNumber(defaults_key::totalCleanedSize, freed > maxTotal - before ? maxTotal : before + freed);
-    defaults_.setNumber(defaults_key::lastCleanedSize, freed);
 }
 
 }  // namespace brimvault::ui

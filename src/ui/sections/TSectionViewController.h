@@ -9,6 +9,7 @@
 #include "engine/operations/CPerformer.h"
 #include "platform/UserDefaults.h"
 #include "ui/controls/AlertPresenter.h"
+#include "ui/sections/CleanStatistics.h"
 #include "ui/sections/SectionListModel.h"
 #include "ui/sections/SectionNotes.h"
 #include "ui/sections/SectionsTableView.h"
@@ -99,7 +100,6 @@ private:
     void checkClicked(int row, bool checked);
     [[nodiscard]] AlertAnswer ask(const Alert& alert);
     [[nodiscard]] bool isRemovalConfirmed();
-    void addCleanedSizeToDefaults(quint64 freed);
 
     SectionsTableView& ptableView_;
     ApplicationController& pAppDelegate_;
@@ -108,8 +108,8 @@ private:
     SectionListModel model_;
     engine::PerSection<bool> checks_;
     QStringList neededLanguages_;
-    qint64 lastCleanedSize_ = 0;                ///< bytes that were selected when the last clean started
-    engine::PerSection<quint64> lastSelected_;  ///< the same of each section that was ticked
+    CleanStatistics statistics_;
+    engine::PerSection<quint64> lastSelected_;  ///< bytes selected in each section when the last clean started
     engine::PerSection<bool> scanning_;         ///< the scan that was begun last has not finished these
     SectionNotes notes_;
     QTimer giveUpTimer_;  ///< runs out when a scan that was stopped should have returned

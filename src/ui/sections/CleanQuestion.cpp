@@ -1,0 +1,49 @@
+#include "ui/sections/CleanQuestion.h"
+
+#include <QLocale>
+
+#include "engine/model/FileSize.h"
+#include "ui/sections/SectionRows.h"
+
+namespace brimvault::ui {
+
+using engine::FileSize;
+
+namespace {
+
+QString sumText(qsizetype items, quint64 bytes) {
+    const QString size = FileSize::formatMemoryStringDot1(bytes);
+    return items == 1
+               ? QCoreApplication::translate("CleanQuestion", "1 item, %1").arg(size)
+               : QCoreApplication::translate("CleanQuestion", "%1 items, %2").arg(QLocale().toString(items), size);
+}
+
+// How much goes, in all and of each section.
+Alert::Facts cleanFacts(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
+    Alert::Facts facts;
+    qsizetype items = 0;
+    quint64 bytes = 0;
+    for (const auto& row : sectionRows()) {
+        const auto sums = ticked[row.section] ? model.sums(row.section) : engine::ItemSums();
+        items += sums.ticked;
+        bytes += sums.selected;
+        if (sums.selected != 0) {
+            facts.parts.append(QCoreApplication::translate("CleanQuestion", "%1 %2", "section and size")
+                                   .arg(sectionTitle(row), FileSize::formatMemoryStringDot1(sums.selected)));
+        }
+    }
+    facts.sum = sumText(items, bytes);
+    return facts;
+}
+
+}  // namespace
+
+// Both texts have a double space; they are used as they stand.
+Alert cleanQuestion(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
+    return {
+        QCoreApplication::translate("CleanQuestion", "Are you sure you want to  completely delete the selected items?"),
+        QCoreApplication::translate("CleanQuestion", "Files will be  permanently removed from your Hard Drive."),
+        Alert::Suppression::offered, Alert::Buttons::deleteAndCancel, cleanFacts(model, ticked)};
+}
+
+}  // namespace brimvault::ui
