@@ -14,34 +14,34 @@ namespace brimvault::bench {
 class MainThreadClock final : public QApplication {
 public:
     /// The time for one frame at 60 Hz.
-    static constexpr double calmMilliseconds = 16;
+    static constexpr double frameMilliseconds = 16;
 
-    /// In milliseconds, once wall-clock time and once CPU time: on a busy machine the latter shows what the window
-    /// itself does.
+    /// In milliseconds.
     struct Durations {
         double longest = 0;
-        int overCalm = 0;  ///< events that took more than `calmMilliseconds`
+        int overFrame = 0;  ///< events that took more than `frameMilliseconds`
         double total = 0;
-        QString longestEvent;  ///< whose it was, and of which kind
+        QString longestEvent;  ///< the receiver's class, and the type of the event
 
         void add(double milliseconds, const QString& name) {
             if (milliseconds > longest) {
                 longest = milliseconds;
                 longestEvent = name;
             }
-            overCalm += milliseconds > calmMilliseconds ? 1 : 0;
+            overFrame += milliseconds > frameMilliseconds ? 1 : 0;
             total += milliseconds;
         }
     };
+    /// On a busy machine the CPU time shows what the window itself does.
     struct Figures {
-        Durations elapsed;
-        Durations worked;
+        Durations elapsed;  ///< wall-clock time
+        Durations worked;   ///< CPU time
         int events = 0;
     };
 
     using QApplication::QApplication;
 
-    /// Of the events since the last call.
+    /// The figures of the events since the last call.
     Figures takeFigures() { return std::exchange(figures_, Figures()); }
 
     bool notify(QObject* receiver, QEvent* event) override {
@@ -49,7 +49,7 @@ public:
             return QApplication::notify(receiver, event);
         }
         inside_ = true;
-        const QString name = describe(receiver, event);  // neither need be there afterwards
+        const QString name = describe(receiver, event);  // before the call, which may destroy both
         const double cpuBefore = cpuMilliseconds();
         const auto before = std::chrono::steady_clock::now();
         const bool answer = QApplication::notify(receiver, event);

@@ -20,7 +20,7 @@ inline platform::System trialSystem(const std::filesystem::path& home, const std
             }};
 }
 
-/// One start of the program: the real window, with nobody to ask and no desktop around it. Main thread.
+/// One start of the program: the real window, which agrees to every question, without a desktop. Main thread.
 class TrialWindow {
 public:
     explicit TrialWindow(const std::filesystem::path& settings) : defaults_(settings) {
@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    class Agreeing final : public ui::AlertPresenter {
+    class AgreeingAlerts final : public ui::AlertPresenter {
     public:
         ui::AlertAnswer runModal(const ui::Alert& /*alert*/, QWidget* /*window*/) override {
             return {ui::AlertAnswer::firstButton, false};
@@ -67,7 +67,7 @@ private:
     };
 
     platform::UserDefaults defaults_;
-    Agreeing alerts_;
+    AgreeingAlerts alerts_;
     NoFileBrowser fileBrowser_;
     NoWorkspace workspace_;
     ui::UtilMod util_{alerts_, fileBrowser_, workspace_};

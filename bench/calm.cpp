@@ -1,5 +1,5 @@
-// How calm the window is over a section with very many entries: what keeps the main thread, in milliseconds, while the
-// real window is driven over a home folder that is made for it and goes with it.
+// How long the main thread is blocked, in milliseconds, while the real window is driven over a section with very many
+// entries in a temporary home folder.
 
 #include <QAccessible>
 #include <QScrollBar>
@@ -35,8 +35,8 @@ constexpr int trashRow = 4;
 constexpr int logCount = 1000;
 constexpr int trashCount = 200;
 
-// Names as caches have them, in no order; sizes of every magnitude. Only the folder changes on the disk: files have
-// lengths and no contents.
+// Names as caches have them, in no order; sizes of every magnitude. The files are sparse: nothing is written but their
+// folder.
 void makeEntries(const fs::path& folder, int count, const std::string& suffix) {
     const std::vector<std::string> vendors = {"com.vendor", "org.example", "Äpfel", "io.sample", "Browser Data"};
     std::uint64_t state = 12345;
@@ -78,7 +78,7 @@ public:
         const auto figures = clock_.takeFigures();
         std::cout << std::left << std::setw(nameWidth) << name << std::right << std::fixed << std::setprecision(1);
         for (const auto& kind : {figures.elapsed, figures.worked}) {
-            std::cout << std::setw(figureWidth) << kind.longest << std::setw(figureWidth) << kind.overCalm
+            std::cout << std::setw(figureWidth) << kind.longest << std::setw(figureWidth) << kind.overFrame
                       << std::setw(figureWidth) << kind.total;
         }
         std::cout << std::setw(figureWidth) << figures.events << "  " << figures.worked.longestEvent.toStdString()
@@ -89,7 +89,7 @@ private:
     static constexpr int nameWidth = 40;
     static constexpr int figureWidth = 9;
 
-    // What was asked for is done and drawn.
+    // Waits until what was asked for is done and drawn.
     static void settle() {
         constexpr int enough = 300;
         QTest::qWait(enough);
@@ -116,7 +116,7 @@ const engine::CleanableItem* selectedItem(const ui::TTableView& list) {
     return rows.isEmpty() ? nullptr : itemAt(list, rows.first().row());
 }
 
-// A row is chosen and scrolled to while the scan goes on; both stay to its end, whatever comes before it.
+// A row is selected and scrolled to during the scan; selection and position must stay, whatever rows are inserted.
 void scanWithASelection(TrialWindow& window) {
     window.startScan();
     Guide::waitFor([&] { return window.list() != nullptr && window.list()->model()->rowCount() > 3000; });
@@ -223,7 +223,7 @@ void shownAfterTheScan(const fs::path& settings, int entries, Table& table) {
            "one file is left in the folder");
 }
 
-// A client that asks whoever an event is about for its name and its state.
+// An assistive client that asks the object of each event for its name and its state.
 void askAsAClient(QAccessibleEvent* event) {
     if (auto* about = event->accessibleInterface()) {
         (void)about->text(QAccessible::Name);

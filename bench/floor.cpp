@@ -20,11 +20,11 @@
 #include <utility>
 #include <vector>
 
-#include "WorkShare.h"
+#include "StealingPool.h"
 
 namespace {
 
-using brimvault::bench::WorkShare;
+using brimvault::bench::StealingPool;
 
 [[noreturn]] void fail(const char* what) {
     std::perror(what);
@@ -44,7 +44,7 @@ struct Work {
     std::string name;
 };
 
-using List = WorkShare<Work>::List;
+using List = StealingPool<Work>::List;
 
 int descriptorOf(const Folder* folder) { return folder == nullptr ? AT_FDCWD : folder->descriptor; }
 
@@ -62,7 +62,7 @@ bool isFolder(int folder, const dirent64& entry) {
 
 bool isDots(const char* name) { return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)); }
 
-/// Lists folders: one on each thread.
+/// Lists folders. Each thread has a lister of its own.
 class Lister {
 public:
     template <typename Call>
@@ -157,7 +157,7 @@ public:
             ++self->users;
             more.push_back({self, entry.d_name});
         });
-        std::sort(files.begin(), files.end());  // side by side on the disk, whatever the order of the names
+        std::sort(files.begin(), files.end());  // by inode: most likely their order on the disk
         for (const auto& [inode, name] : files) {
             if (::unlinkat(descriptor, name.c_str(), 0) != 0) {
                 fail(name.c_str());
@@ -202,7 +202,7 @@ int main(int argc, char* argv[]) {
     for (std::size_t at = 2; at < words.size(); ++at) {
         folders.push_back({nullptr, words[at]});
     }
-    WorkShare<Work> share(static_cast<unsigned>(std::atoi(words[1].c_str())), std::move(folders));
+    StealingPool<Work> share(static_cast<unsigned>(std::atoi(words[1].c_str())), std::move(folders));
     if (words[0] == "remove") {
         share.run([] { return Remover(); });
         return 0;

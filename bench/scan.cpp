@@ -32,7 +32,7 @@ using bench::TrialWindow;
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
-// Bytes, of a line of the kernel's account of this process.
+// A line of /proc/self/status, in bytes.
 std::uint64_t memory(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
@@ -47,7 +47,7 @@ std::uint64_t memory(const std::string& name) {
 
 void forgetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
 
-// The program runs, without being asked in between.
+// Runs the event loop for that time.
 void runFor(int milliseconds) {
     QEventLoop loop;
     QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
@@ -97,7 +97,7 @@ void report(MainThreadClock& clock, TrialWindow& window, const std::string& name
 void reportIdle(const std::string& name) {
     constexpr int enoughToSettle = 3000;
     constexpr int measured = 5000;
-    constexpr long ourOwn = 1;  // by the timer that ends it
+    constexpr long ourOwn = 1;  // by the timer that ends the measurement
     runFor(enoughToSettle);
     const long before = trial::wakeUps();
     runFor(measured);

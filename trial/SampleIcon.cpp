@@ -8,8 +8,8 @@ namespace brimvault::trial {
 namespace {
 
 constexpr int side = 48;
-constexpr double edge = 2.4;    // what is free around the square
-constexpr double corner = 9.6;  // its radius
+constexpr double edge = 2.4;    // the margin around the square
+constexpr double corner = 9.6;  // the radius of its corners
 
 std::string bigEndian(std::size_t value) {
     std::string bytes;
@@ -29,7 +29,7 @@ std::string everywhere(std::uint8_t value) {
     std::string runs;
     for (int left = side * side; left > 0; left -= longestRun) {
         const int length = std::min(left, longestRun);
-        runs += static_cast<char>(0x80 + length - 3);  // three at least
+        runs += static_cast<char>(0x80 + length - 3);  // the format counts from a run of three
         runs += static_cast<char>(value);
     }
     return runs;
@@ -37,7 +37,7 @@ std::string everywhere(std::uint8_t value) {
 
 // How much of the point the square covers.
 char coverage(int x, int y) {
-    const auto outside = [](int place) {  // of the cross that the corners leave
+    const auto outside = [](int place) {  // beyond the centres of the corners
         const double fromMiddle = std::abs(place + 0.5 - side / 2.0);
         return std::max(0.0, fromMiddle - (side / 2.0 - edge - corner));
     };

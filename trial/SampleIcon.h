@@ -14,7 +14,7 @@ public:
         std::uint8_t blue;
     };
 
-    /// What an icon file (icns) holds that has it in one size.
+    /// The contents of an icns file with the icon in one size.
     [[nodiscard]] static std::string inColour(const Colour& colour);
 };
 

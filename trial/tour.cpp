@@ -35,8 +35,8 @@ constexpr int settling = 100;  // milliseconds; what was handed over to the main
 constexpr int sliding = 400;   // milliseconds; a drawer is out by then
 constexpr const char* spared = "com.vendor.photos";
 
-// Where items lie, and what the program itself writes.
-const std::vector<fs::path> cleanedFolders = {
+// The folders that may change: those with items, and the program's settings.
+const std::vector<fs::path> changingFolders = {
     "Library/Caches", "Library/Containers", "Library/Logs", "Library/Application Support/CrashReporter",
     ".Trash",         ".local/share/Trash", "Applications", ".config"};
 
@@ -61,7 +61,7 @@ class Camera {
 public:
     explicit Camera(QString folder) : folder_(std::move(folder)) { QDir().mkpath(folder_); }
 
-    // Of a screen with two pixels to the point the picture is named so.
+    // On a 2x screen the picture's name ends in "@2x".
     void take(QWidget* window, const QString& scene) const {
         const QString density = window->devicePixelRatio() > 1 ? QStringLiteral("@2x") : QString();
         const QString file = QDir(folder_).filePath(scene + density + QStringLiteral(".png"));
@@ -114,7 +114,7 @@ void scanScenes(ui::FAppDelegate& application, trial::Guide& guide, const Camera
     expect(trial::Guide::waitFor([&] { return !application.pbScanning(); }), "the scan ends");
 }
 
-// What the program's menu offers, and what it says of itself.
+// The program's menu, and its about window.
 void menuScenes(ui::FAppDelegate& application, const Camera& camera) {
     auto* window = application.window();
     trial::Guide::click(window->sidebar()->pbtnMenu());
@@ -136,7 +136,7 @@ void menuScenes(ui::FAppDelegate& application, const Camera& camera) {
     }
 }
 
-// The languages of someone who reads German, and what applications hold beside them.
+// The drawer of languages to keep, of a user who reads German, beside the list of applications.
 void languagesScene(ui::FAppDelegate& application, trial::Guide& guide, const Camera& camera) {
     guide.clickSection(languagesRow);
     guide.clickHeader(ui::ItemListModel::sizeColumn);
@@ -168,7 +168,7 @@ void reviewAndClean(ui::FAppDelegate& application, trial::Guide& guide, const Ca
     camera.take(application.window(), QStringLiteral("cleaned"));
 }
 
-// What it looks like when not everything goes.
+// The report of items that were not removed.
 void notCleanedScene(ui::FAppDelegate& application, const Camera& camera) {
     application.pNotCleanedController().updateNotCleanedRusultsApps(
         engine::NotCleanedApplications{{QStringLiteral("Chess"), 1}, {QStringLiteral("Office Writer"), 3}}, {}, {},
@@ -202,7 +202,7 @@ int main(int argc, char* argv[]) {
     }
     ui::look::apply();
     ui::watchFocus();
-    const auto before = trial::fingerprint(home, cleanedFolders);
+    const auto before = trial::fingerprint(home, changingFolders);
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::WindowAlerts alerts;
@@ -214,7 +214,7 @@ int main(int argc, char* argv[]) {
     ui::FAppDelegate application(app::scanOperations(), app::cleanOperations(engine::PrivilegedRemover::none()),
                                  {defaults, alerts, util, languages});
     application.applicationDidFinishLaunching();
-    application.window()->resize(1000, 660);  // as drawn, whatever the size of the screen
+    application.window()->resize(1000, 660);  // the designed size, whatever that of the screen
     trial::Guide guide(application);
     const Camera camera(QString::fromLocal8Bit(argv[1]));
     scanScenes(application, guide, camera);
@@ -234,7 +234,7 @@ int main(int argc, char* argv[]) {
                                                                                     "German.lproj", "en.lproj"},
                "of the languages of " + bundle.path().native() + " those to keep are left");
     }
-    expect(trial::fingerprint(home, cleanedFolders) == before, "nothing outside was touched");
+    expect(trial::fingerprint(home, changingFolders) == before, "nothing outside was touched");
     std::cout << (failures == 0 ? "The folders are as they should be.\n" : "The tour failed.\n");
     return failures == 0 ? 0 : 1;
 }

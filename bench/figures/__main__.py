@@ -1,4 +1,4 @@
-"""What ../run starts, with the folder of the programs in front of its own arguments."""
+"""What ../run executes: the first argument is the folder of the built programs, the rest are those of ../run."""
 
 import argparse
 import signal
@@ -37,7 +37,7 @@ def main(programs, words):
 
 
 def end(*_):
-    """Once: the trees go before the process does."""
+    """Exits by an exception, so that the trees are removed first; a second SIGTERM is ignored."""
     signal.signal(signal.SIGTERM, signal.SIG_IGN)
     sys.exit(1)
 

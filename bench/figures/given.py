@@ -1,4 +1,4 @@
-"""Folders that somebody names: measured, or removed."""
+"""Measures or removes folders named on the command line."""
 
 import os
 import sys
@@ -23,7 +23,7 @@ def measure_given(programs, folder, rounds):
 
 
 def absolute(path):
-    """Without following a link: at the end it would be another folder that is removed, and on the way it is refused."""
+    """Follows no link: a link at the end is removed itself, and one on the way must be refused."""
     path = path.rstrip("/") or "/"
     if path.startswith("/"):
         return path
@@ -36,7 +36,7 @@ def absolute(path):
 
 
 def remove_given(programs, folders):
-    """What is kept, and why, is told on standard error by whoever kept it."""
+    """brimvault-files prints on standard error what it keeps, and why."""
     kept = False
     for folder in map(absolute, folders):
         try:

@@ -1,4 +1,4 @@
-"""What the figures are printed in: a table for people, which a README takes as it is."""
+"""Prints the figures as a Markdown table, which a README can take as it is."""
 
 import os
 import platform

@@ -14,8 +14,8 @@ PARTS = ("measure", "scan", "memory", "chain", "remove")
 class Trees:
     """A temporary folder in which trees are made; nothing of it stays.
 
-    What was measured goes at the end only: file systems that do not give the places of files away again at once look
-    for others very long after so many were removed, and that would be part of what is timed next.
+    Measured trees are removed at the end only: after so many removals some file systems search very long for free
+    places, and that would be part of what is timed next.
     """
 
     def __init__(self, programs, written):
@@ -30,7 +30,7 @@ class Trees:
         self.remove(self.folder)
 
     def make(self, kind, name=None):
-        """Its path, and what was made. Nothing is left to be written when it is there."""
+        """Makes a tree and flushes it to the disk; returns its path and what was made."""
         path = os.path.join(self.folder, name or kind)
         made = run([os.path.join(self.programs, "brimvault-trees"), kind, path, *self.how])
         subprocess.run(["sync", "-f", self.folder], check=True)
@@ -132,7 +132,7 @@ def wake_ups(table, scans, idle):
 
 
 def stretches(table, scans, over):
-    """By the clock, and beside it what of them the thread had of a processor: on a busy machine they part."""
+    """Wall-clock time, and beside it the CPU time of the thread: on a busy machine they differ."""
     for which in ("first", "second"):
         longest = statistics.median(scan.number(f"{which}-longest") for scan in scans)
         worked = statistics.median(scan.number(f"{which}-longest-of-a-processor") for scan in scans)

@@ -20,7 +20,7 @@ class Run:
         self.output = output
 
     def value(self, name):
-        """What stands behind a name at the beginning of a line."""
+        """The rest of the line that begins with the name."""
         for line in self.output.splitlines():
             if line.startswith(name + " "):
                 return line[len(name) + 1 :]
@@ -40,7 +40,7 @@ def few_descriptors():
 
 
 def run(command, check=True, limits=None, environment=None):
-    """Runs it to its end. With `check`, it has to succeed; without, its output is not wanted and costs it nothing."""
+    """Runs a command to its end. With `check` it must succeed; without, its output is discarded at no cost to it."""
     with tempfile.TemporaryFile("w+", errors="surrogateescape") as printed:
         begin = time.perf_counter()
         process = subprocess.Popen(
@@ -49,7 +49,7 @@ def run(command, check=True, limits=None, environment=None):
         )
         try:
             status = process.wait()
-        except BaseException:  # the trial ends here, and so does what it started
+        except BaseException:  # interrupted: end the command too
             process.kill()
             process.wait()
             raise
@@ -83,7 +83,7 @@ def cores():
 
 
 def measurers(programs):
-    """Ours first, the floor on all cores last. Some end with an error where they cannot read."""
+    """Ours first, the floor on all cores last. du and gdu may fail where they cannot read: not checked."""
     floor = [os.path.join(programs, "brimvault-floor"), "measure"]
     contenders = [
         Contender("brimvault", [os.path.join(programs, "brimvault-files"), "measure"]),
@@ -96,7 +96,7 @@ def measurers(programs):
 
 
 def measure(programs, folder, rounds):
-    """Everybody measures the folder once to warm it up, and then in turn."""
+    """Each contender measures the folder once to warm the cache, and then in turn."""
     contenders = measurers(programs)
     for contender in contenders:
         contender.take_turn(folder)

@@ -25,7 +25,7 @@ public:
 private:
     QString language_;
     QTranslator own_;
-    QTranslator qt_;  ///< what Qt itself says: menus of texts, names of keys
+    QTranslator qt_;  ///< Qt's own texts: context menus of text fields, names of keys
 };
 
 }  // namespace brimvault::app

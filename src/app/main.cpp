@@ -17,7 +17,7 @@
 
 namespace {
 
-// Even if a thread hangs on a dead volume, which nobody can end. Everything is written by the time the window has gone.
+// Ends the process even if a thread hangs on a dead volume. All files are written by the time the window has closed.
 void endWithinASecond(int result) {
     std::thread([result] {
         std::this_thread::sleep_for(std::chrono::seconds(1));
@@ -36,8 +36,8 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName(QStringLiteral("Brimvault"));
     QApplication::setDesktopFileName(QStringLiteral("com.quorvel.brimvault"));
     const app::Translations translations(QLocale::system().uiLanguages());  // the program's language
-    ui::look::apply();                                                      // light, in the window's own type
-    ui::watchFocus();                                                       // its ring is shown for the keyboard alone
+    ui::look::apply();                                                      // light colours, the window's own font
+    ui::watchFocus();                                                       // the focus ring, for the keyboard alone
     ui::AccessibleItemView::install();                                      // the lists, as assistive clients see them
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
@@ -45,7 +45,7 @@ int main(int argc, char* argv[]) {
     auto& remover = engine::Remover::GetInstance();                           // what the user may not remove
     const auto fileBrowser = platform::FileBrowser::ofSession();              // shows files
     const auto workspace = platform::Workspace::ofSession();                  // mails; the maker's other applications
-    ui::UtilMod util(alerts, *fileBrowser, *workspace,                        // what the window has done outside of it
+    ui::UtilMod util(alerts, *fileBrowser, *workspace,                        // acts outside the window: files, mails
                      platform::FinderPreferences::shared(), remover);
     ui::FAppDelegate delegate(app::scanOperations(),                          // what scans each section
                               app::cleanOperations(remover),                  // what cleans each section

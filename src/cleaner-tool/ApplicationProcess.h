@@ -10,7 +10,7 @@
 namespace brimvault::cleaner {
 
 /// The process that has started the tool, held by a pidfd: the kernel may give a process ID to another process once the
-/// first has ended, a pidfd always means the same one.
+/// first has ended, whereas a pidfd always refers to the same one.
 class ApplicationProcess {
 public:
     /// None where the process ID is not that of the parent of this process, or the parent has ended by now.
@@ -21,10 +21,10 @@ public:
     /// The pidfd, for poll(2): becomes readable when the process ends.
     [[nodiscard]] int descriptor() const { return descriptor_.number(); }
     [[nodiscard]] bool hasEnded() const;
-    /// Starts a thread that ends this process soon after the application has ended, whatever other threads do or wait
-    /// for; within half a second they can end it in order. Call it once, after privileges have been dropped: each
-    /// thread has its own.
-    void endWithIt() const;
+    /// Starts a thread that ends this process half a second after the application has ended, whatever other threads do
+    /// or wait for; until then `main` may still return. Call it once, after privileges have been dropped: each thread
+    /// has its own.
+    void exitAfterItEnds() const;
 
 private:
     ApplicationProcess(pid_t id, files::FileDescriptor descriptor) : id_(id), descriptor_(std::move(descriptor)) {}

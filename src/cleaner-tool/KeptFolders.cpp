@@ -51,12 +51,12 @@ bool KeptFolders::lookUp() {
         for (const auto& entry : found) {
             set(now, entry);
             if (!folder.wasFound) {
-                set(first_, entry);
+                set(firstFound_, entry);
             }
         }
         folder.wasFound = folder.wasFound || !found.empty();
     }
-    entries_ = first_;
+    entries_ = firstFound_;
     for (const auto& entry : now) {
         set(entries_, entry);
     }
@@ -119,13 +119,13 @@ bool KeptFoldersGuard::onWay(const files::DirectoryHandle& folder, const files::
     const auto keep = kept_.keepOf(status);
     isNearestParent_ = keep && *keep != Keep::itself;
     nearest_ = isNearestParent_ ? *keep : nearest_;
-    isUsers_ = isUsers_ || status.owner == kept_.requester().user;
+    isBelowUsersFolder_ = isBelowUsersFolder_ || status.owner == kept_.requester().user;
     return true;
 }
 
 void KeptFoldersGuard::beginMount() {
     nearest_ = std::max(nearest_, Keep::deeperMayGo);
-    isUsers_ = false;
+    isBelowUsersFolder_ = false;
 }
 
 bool KeptFoldersGuard::mayRemoveItem() const {
@@ -133,7 +133,7 @@ bool KeptFoldersGuard::mayRemoveItem() const {
         case Keep::contentsMayGo:
             return true;
         case Keep::deeperMayGo:
-            return !isNearestParent_ && isUsers_;
+            return !isNearestParent_ && isBelowUsersFolder_;
         default:
             return false;
     }

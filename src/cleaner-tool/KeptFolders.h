@@ -25,7 +25,7 @@ enum class Keep {
 /// Symbolic links in the path of a folder that is to be kept.
 enum class LinksOnWay {
     follow,  ///< only root can have made them
-    refuse,  ///< others could: by what is kept they would learn what is at the target
+    refuse,  ///< others may have made them, to learn from a refusal what is at the target
 };
 
 struct KeptPath {
@@ -39,7 +39,7 @@ struct KeptPath {
 /// Section folders that all users share; their contents may be removed.
 [[nodiscard]] std::vector<std::filesystem::path> sharedSectionFolders();
 /// The folders of a user's home that the sections list. `engine/removal/ProtectedFolders` has a list of its own, on
-/// purpose: the tool runs as root and must not trust the application, nor what it is sent by it.
+/// purpose: the tool runs as root and must trust neither the application nor its messages.
 [[nodiscard]] std::vector<std::filesystem::path> sectionFoldersOf(const std::filesystem::path& home);
 
 /// The folders that are never removed, and those whose contents may be. The former are given by path and recognised by
@@ -48,7 +48,7 @@ struct KeptPath {
 /// they are added. One thread at a time.
 class KeptFolders {
 public:
-    /// Many times the number that a home has with every section elsewhere.
+    /// Many times the number of folders of a home in which every section's folder lies elsewhere.
     static constexpr std::size_t maxFolders = 256;
 
     explicit KeptFolders(Requester requester) : requester_(std::move(requester)) {}
@@ -58,13 +58,13 @@ public:
     [[nodiscard]] bool add(const KeptPath& folder);
     /// Keeps the folder itself; its contents may be removed.
     void add(PinnedFolder folder) { pinned_.push_back(std::move(folder)); }
-    /// Looks the folders up, and with each its ancestors, which are kept themselves; no further than to a folder that
-    /// the user may not search. A folder that does not exist, or is on a volume that refuses even root (FUSE), is not
-    /// kept: nothing in it can be removed either. False when one cannot be looked up for another reason: then nothing
-    /// may be removed.
+    /// Looks up each folder and its ancestors, which are kept themselves; where links are refused, only down to the
+    /// first that the user may not search. A folder that does not exist, or is on a volume that refuses even root
+    /// (FUSE), is not kept: nothing in it can be removed either. False when one cannot be looked up for another reason:
+    /// then nothing may be removed.
     [[nodiscard]] bool lookUp();
 
-    /// None for a folder that is not listed.
+    /// None for a folder that is neither kept nor pinned.
     [[nodiscard]] std::optional<Keep> keepOf(const files::NodeStatus& folder) const;
     [[nodiscard]] const Requester& requester() const { return requester_; }
 
@@ -85,8 +85,8 @@ private:
     Requester requester_;
     std::vector<PinnedFolder> pinned_;
     std::vector<Folder> folders_;
-    Entries first_;    ///< where each path led when it was first found
-    Entries entries_;  ///< `first_`, and where the paths led at the last look
+    Entries firstFound_;  ///< where each path led when it was first found
+    Entries entries_;     ///< `firstFound_`, and where the paths led at the last look
 };
 
 /// Confines a removal to what is the user's, and away from the folders that are kept. The path to the item must lead
@@ -113,7 +113,7 @@ private:
     std::optional<std::uint64_t> mount_;  ///< of the folder that the path has come to
     Keep nearest_ = Keep::everything;     ///< the rule of the nearest listed ancestor
     bool isNearestParent_ = false;        ///< that ancestor is the item's parent
-    bool isUsers_ = false;                ///< the path has led through a folder of the user's on this mount
+    bool isBelowUsersFolder_ = false;     ///< the path has led through a folder of the user's on this mount
     bool isItemAsked_ = false;            ///< the first question is for the item, later ones for its contents
 };
 

@@ -17,16 +17,16 @@ constexpr std::chrono::seconds keepAliveInterval{1};
 // Shared by a worker thread and the thread that waits for it. The worker closes its end of the pipe when the work is
 // done, which poll(2) reports. The waiting thread may leave earlier.
 struct Work {
-    files::FileDescriptor done;
-    files::FileDescriptor doneByWorker;
+    files::FileDescriptor readEnd;
+    files::FileDescriptor writeEnd;
     std::optional<std::string> answer;
 
     static std::shared_ptr<Work> make() {
         std::array<int, 2> ends{};
         auto work = std::make_shared<Work>();
         if (::pipe(ends.data()) == 0) {
-            work->done = files::FileDescriptor(ends[0]);
-            work->doneByWorker = files::FileDescriptor(ends[1]);
+            work->readEnd = files::FileDescriptor(ends[0]);
+            work->writeEnd = files::FileDescriptor(ends[1]);
         }
         return work;
     }
@@ -87,16 +87,16 @@ bool Server::doAndAnswer(std::function<Answer()> work) {
     if (context_.client.hasEnded()) {
         return false;  // the application has reported meanwhile that the item is still there
     }
-    if (!shared->done.isOpen()) {
+    if (!shared->readEnd.isOpen()) {
         return context_.client.send(*encode(Operation::failed)) == Sent::whole;
     }
     std::thread worker([shared, work = std::move(work)] {
         shared->answer = work();
-        shared->doneByWorker = files::FileDescriptor();
+        shared->writeEnd = files::FileDescriptor();
     });
     auto event = ClientConnection::Event::timeout;
     while (event == ClientConnection::Event::timeout) {
-        event = context_.client.waitFor(shared->done.number(), keepAliveInterval);
+        event = context_.client.waitFor(shared->readEnd.number(), keepAliveInterval);
         if (event == ClientConnection::Event::timeout) {
             (void)context_.client.send(*encode(Operation::working));  // a full buffer holds earlier ones
         }

@@ -16,7 +16,7 @@ namespace brimvault::cleaner {
 /// application is noticed at once. One thread.
 class Server {
 public:
-    /// Both outlive it.
+    /// The client and the kept folders must outlive the server.
     struct Context {
         const ClientConnection& client;
         KeptFolders& kept;
@@ -28,7 +28,7 @@ public:
         idle,    ///< no removal goes on
         atWork,  ///< a removal still goes on, on its worker thread
     };
-    /// Returns when the connection ends, or brings what is no request.
+    /// Returns when the connection ends, or anything but a request arrives.
     [[nodiscard]] End serve();
 
 private:

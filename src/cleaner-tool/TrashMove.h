@@ -8,8 +8,8 @@
 
 namespace brimvault::cleaner {
 
-// The window removes for good and never asks for this; the wire protocol has it for `Remover::recycleAsRootPath`. It is
-// code that runs as root all the same.
+// The wire protocol has this for `Remover::recycleAsRootPath`; the window removes for good and never asks for it. Since
+// it runs as root all the same, it must be as careful as a removal.
 
 /// The trash folder of a user's home; its folders "files" and "info" may be missing.
 [[nodiscard]] std::filesystem::path trashOfHome(const std::filesystem::path& home);
@@ -17,8 +17,8 @@ namespace brimvault::cleaner {
 /// Moves a file, a link or a folder into the trash of a user, with a record of where it came from and when, so that the
 /// desktop can put it back. Returns its new path.
 ///
-/// Done only within one file system, and only where the trash's folders exist, belong to the user and can be searched
-/// by them. None where it was not moved; then it is where it was and there is no record. Path, symbolic links, mounts
+/// Done only within one mount, and only where the trash's folders exist, belong to the user and can be searched
+/// by them. None if the item was not moved; then it is in its old place, without a record. Path, symbolic links, mounts
 /// and the guard are treated as by files::remove. The guard must refuse what the user cannot reach: moving the contents
 /// of a closed folder into one of the user's would open them.
 [[nodiscard]] std::optional<std::filesystem::path> moveToTrash(const std::filesystem::path& path,

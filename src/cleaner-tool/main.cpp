@@ -26,8 +26,8 @@
 //
 // It runs as root and removes what the application, which does not, asks it to remove. Whoever started it may be
 // hostile, and so may everything that reaches it: the tool itself checks who its peer is, which folders it must keep,
-// and that the item is still the one that it looked at. It starts no program. Its only input are two arguments, who
-// started it (PKEXEC_UID), that user's home folder in the user database, and the time. It ends with the application.
+// and that the item is still the one that it looked at. It starts no program. Apart from requests its input is two
+// arguments, PKEXEC_UID, that user's home folder in the user database, and the time. It ends with the application.
 
 namespace {
 
@@ -35,7 +35,7 @@ using namespace brimvault::cleaner;
 
 constexpr std::chrono::seconds connectTimeout{10};  // the application stops waiting for the tool after five
 
-// Its path without symbolic links; pinning it checks that the user owns it.
+// The home's path without symbolic links; that the user owns it is checked when it is pinned.
 std::optional<std::filesystem::path> homeOf(uid_t user) {
     const passwd* record = ::getpwuid(user);
     const bool isKnown = record != nullptr && record->pw_dir != nullptr && record->pw_dir[0] == '/';
@@ -72,7 +72,7 @@ int run(const Invocation& invocation) {
     if (!application || !dropPrivileges() || !prepareSocketFolder(folder, invocation.user)) {
         return EXIT_FAILURE;
     }
-    application->endWithIt();
+    application->exitAfterItEnds();
     const Client expected{invocation.user, *application};
     auto connection = acceptClient(folder, invocation.name, expected, connectTimeout);
     auto requester = connection.isOpen() ? Requester::ofPeer(connection.number()) : std::nullopt;

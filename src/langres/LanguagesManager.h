@@ -20,7 +20,7 @@ public:
     };
 
     explicit LanguagesManager(UserLanguages languages) : user_(std::move(languages)) {}
-    /// The one of the process. The first call reads settings and the registry of keyboard layouts, and may block.
+    /// The process-wide instance. The first call reads settings and the registry of keyboard layouts, and may block.
     static const LanguagesManager& sharedManager();
 
     /// The user's preferred languages, up to the first that is "en".

@@ -11,7 +11,7 @@ namespace brimvault::langres {
 /// Whether the path is a folder; a symbolic link to one is none. Any thread.
 [[nodiscard]] bool isFolder(const std::filesystem::path& path);
 
-/// Whether the folder of a localization holds another one too. False if it cannot be listed. Any thread.
+/// Whether the folder in which the localization lies holds another. False if it cannot be listed. Any thread.
 [[nodiscard]] bool isAnotherLocalizationBeside(const std::filesystem::path& localization);
 
 }  // namespace brimvault::langres

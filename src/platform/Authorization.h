@@ -37,8 +37,8 @@ public:
     /// Gives all rights back.
     virtual void destroyRights() = 0;
 
-    /// The one of this system. Null where nobody can be given rights: what grants them is not installed or, in a trial,
-    /// out of reach. Asks nobody.
+    /// The implementation for this system. Null where nothing that grants rights is installed or, in a trial, within
+    /// reach. Asks nobody.
     [[nodiscard]] static std::unique_ptr<Authorization> create();
 };
 

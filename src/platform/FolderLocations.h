@@ -12,7 +12,7 @@ struct FolderLocation {
     std::filesystem::path named;
     /// With symbolic links resolved, as far as the path exists; as named where the volume does not answer.
     std::filesystem::path resolved;
-    /// The existing ones from the root folder on; the folder itself is the last.
+    /// Its ancestors that exist, from "/" on, and at the end the folder itself, if it exists.
     std::vector<files::FileIdentity> folders;
 };
 

@@ -21,7 +21,7 @@ Collator naturalOrder() {
     Collator collator(ucol_open(locale.bcp47Name().toLatin1().constData(), &status), ucol_close);
     ucol_setAttribute(collator.get(), UCOL_NORMALIZATION_MODE, UCOL_ON, &status);
     ucol_setAttribute(collator.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
-    ucol_setAttribute(collator.get(), UCOL_STRENGTH, UCOL_SECONDARY, &status);  // capitals differ at the third only
+    ucol_setAttribute(collator.get(), UCOL_STRENGTH, UCOL_SECONDARY, &status);  // case differs at the third level only
     ucol_setAttribute(collator.get(), UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &status);
     return U_SUCCESS(status) != 0 ? std::move(collator) : Collator(nullptr, ucol_close);
 }

@@ -21,7 +21,7 @@ public:
     /// With scanners made by the caller; each scans once.
     explicit ContainersFolderScannerManager(std::function<std::unique_ptr<ContainersFolderScanner>()> makeScanner)
         : makeScanner_(std::move(makeScanner)) {}
-    /// The one of the process, for the user's own containers.
+    /// The process-wide instance, for the user's own containers.
     static ContainersFolderScannerManager& shared();
 
     [[nodiscard]] Folders logs() { return loaded()->logs(); }

@@ -77,11 +77,11 @@ void FileScanOperation::collectFile(FoundFile found, ScanBatches& batches) const
 
 void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) const {
     const auto item = engine::FFItem::initWithName(found.name, found.size);
-    using Holder = engine::FFItem::Holder;
+    using FoundPathKind = engine::FFItem::FoundPathKind;
     item->setFoundIn(found.foundIn ? found.foundIn : placeOf(found),
-                     found.addressed == Addressed::byName  ? Holder::sectionFolder
-                     : found.name == found.path.filename() ? Holder::folder
-                                                           : Holder::wholePath);
+                     found.addressed == Addressed::byName  ? FoundPathKind::sectionFolder
+                     : found.name == found.path.filename() ? FoundPathKind::folder
+                                                           : FoundPathKind::wholePath);
     item->setPpbDeletable(true);
     item->setPpbChecked(isTickedAtFirst());
     if (found.kind) {

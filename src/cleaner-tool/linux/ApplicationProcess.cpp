@@ -27,7 +27,7 @@ std::optional<ApplicationProcess> ApplicationProcess::ofParent(pid_t id) {
     return process;
 }
 
-void ApplicationProcess::endWithIt() const {
+void ApplicationProcess::exitAfterItEnds() const {
     std::thread([descriptor = descriptor()] {
         constexpr int noTimeout = -1;
         pollfd ended{descriptor, POLLIN, 0};

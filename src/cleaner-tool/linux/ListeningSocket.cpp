@@ -25,7 +25,7 @@ struct AccessList {
 
 static_assert(sizeof(AccessList) == 44);  // no padding: written as bytes
 
-// Everything for the owner; for one user, to enter.
+// All permissions for the owner, search permission for one user.
 AccessList ownerAndEntryBy(uid_t user) {
     constexpr std::uint16_t all = 7;
     constexpr std::uint16_t enter = 1;
@@ -38,17 +38,17 @@ AccessList ownerAndEntryBy(uid_t user) {
               {AccessTag::others, 0, nobody}}}};
 }
 
-// Opens root's folder of that name, made where it is missing. No descriptor where something else has the name.
+// Opens a folder of root's, and makes it if it is missing. No descriptor if anything else has its name.
 files::FileDescriptor openRootsFolder(int parent, const std::filesystem::path& name, mode_t permissions) {
     (void)::mkdirat(parent, name.c_str(), permissions);
     files::FileDescriptor folder(::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
-    const bool isRoots = folder.isOpen() && ::fstat(folder.number(), &status) == 0 && status.st_uid == 0;
+    const bool isOwnedByRoot = folder.isOpen() && ::fstat(folder.number(), &status) == 0 && status.st_uid == 0;
     // The umask applies to mkdirat, and the folder may be older with another mode.
-    return isRoots && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : files::FileDescriptor();
+    return isOwnedByRoot && ::fchmod(folder.number(), permissions) == 0 ? std::move(folder) : files::FileDescriptor();
 }
 
-// Bound to a path and unlinked at the end. What has the name already is left alone.
+// A socket bound to a path, and unlinked at the end. An existing file at that path is left alone.
 class ListeningSocket {
 public:
     ListeningSocket(const std::filesystem::path& folder, const std::string& name)
@@ -60,8 +60,8 @@ public:
         address_.sun_family = AF_UNIX;
         std::memcpy(address_.sun_path, path.data(), path.size());
         constexpr int backlog = 8;
-        constexpr mode_t noExecution = 0111;  // whoever may enter the folder may connect
-        const mode_t before = ::umask(noExecution);
+        constexpr mode_t socketUmask = 0111;  // whoever may enter the folder may connect
+        const mode_t before = ::umask(socketUmask);
         isBound_ = ::bind(listener_.number(), generic(), sizeof address_) == 0;
         ::umask(before);
         isOpen_ = isBound_ && ::listen(listener_.number(), backlog) == 0;
@@ -86,7 +86,7 @@ private:
     bool isOpen_ = false;
 };
 
-// While the application lives, no other process has its process ID, nor had it when it connected.
+// While the application lives, no other process has its process ID, or had it when the peer connected.
 bool isClient(int connection, const Client& client) {
     ucred peer{};
     socklen_t size = sizeof peer;

@@ -104,8 +104,8 @@ std::string candidate(const std::filesystem::path& name, int number) {
     return stem + "." + std::to_string(number) + extension;
 }
 
-// 0, or an errno value: EEXIST where the new name is taken. If another object was put at the name since the look (a
-// race), that one is moved back.
+// 0, or an errno value: EEXIST where the new name is taken. If another object was put at the name since its status was
+// read (a race), that object is moved back.
 int moveItem(const DirectoryHandle& parent, const std::string& name, const files::FileIdentity& identity,
              const DirectoryHandle& target, const std::string& newName) {
     if (::renameat2(parent.descriptor(), name.c_str(), target.descriptor(), newName.c_str(), RENAME_NOREPLACE) != 0) {

@@ -31,7 +31,7 @@ enum class Operation : std::uint8_t {
     failed = 19,  ///< no content
 };
 
-/// Of the protocol; both sides must have the same.
+/// The protocol's version; both sides must have the same.
 inline constexpr char version = '1';
 
 struct Message {

@@ -11,8 +11,8 @@
 
 namespace brimvault::engine {
 
-/// A snapshot of the items of a list that are ticked when it is made: what the user, being asked, agrees to have
-/// removed. Items are compared by address, so that none that comes later is among them. Any thread.
+/// A snapshot of the ticked items of a list, made when the user is asked to agree to their removal. Items are compared
+/// by address, so that none that comes later is among them. Any thread.
 class AgreedItems {
 public:
     template <typename Item>

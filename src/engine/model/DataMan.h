@@ -34,20 +34,20 @@ public:
     [[nodiscard]] const ApplicationArray& getAppsArray() const { return applications_; }
     /// The array of a section of files; empty for Language Resources.
     [[nodiscard]] const ItemArray& itemsOf(Section section) const { return items_[section].items(); }
-    /// The same with its generation. What was removed is known only while the notification of it is posted.
+    /// The same, with the generation number of the array. `removed` is filled only while the end of a clean is posted.
     [[nodiscard]] const SectionItems& sectionItems(Section section) const { return items_[section]; }
     /// Ticks or unticks an item of the section, with what lies in it; see SectionItems. Answers whether other items may
     /// have changed as well.
     bool setChecked(Section section, CleanableItem& item, bool checked);
     /// To be called after the marks of many items of the section were set one by one.
     void settleMarks(Section section) { items_[section].settleMarks(); }
-    /// Of a section's items, with the marks that they have now.
+    /// The sums of a section's items, with the marks that they have now.
     [[nodiscard]] ItemSums sums(Section section) const;
 
-    /// Bytes: of all items, and of those selected.
+    /// Bytes: of all items, and of those that are ticked.
     [[nodiscard]] quint64 getSize2CleanALL() const;
     [[nodiscard]] quint64 getSize2CleanALLSel() const { return getSize2CleanALLSel(true, true, true, true, true); }
-    /// Of the sections whose flag is set.
+    /// Bytes of the ticked items in the sections whose flag is set.
     [[nodiscard]] quint64 getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const;
 
     /// The line under a section's name: its progress, what is selected of it, or that nothing was found.
@@ -106,7 +106,7 @@ public:
     [[nodiscard]] std::shared_ptr<FFItem> getTrashItem(qsizetype index) const { return at(getTrashArray(), index); }
     [[nodiscard]] std::shared_ptr<FFItem> getLogItem(qsizetype index) const { return at(getLogsArray(), index); }
 
-    /// Bytes: of all items of one section, and of those selected.
+    /// Bytes: of all items of one section, and of those that are ticked.
     [[nodiscard]] quint64 getSize2CleanApps() const { return sums(Section::languageResources).all; }
     [[nodiscard]] quint64 getSize2CleanDwns() const { return sums(Section::downloads).all; }
     [[nodiscard]] quint64 getSize2CleanCaches() const { return sums(Section::caches).all; }

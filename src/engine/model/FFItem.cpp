@@ -22,11 +22,11 @@ std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, 
 }
 
 void FFItem::setPfname(const std::filesystem::path& name) {
-    if (hasPath() && holderKind_ == Holder::folder) {
-        auto whole = *holder_;
+    if (hasPath() && foundPathKind_ == FoundPathKind::folder) {
+        auto whole = *foundIn_;
         whole.path = pathBytes();
-        holder_ = std::make_shared<const FoundIn>(std::move(whole));
-        holderKind_ = Holder::wholePath;
+        foundIn_ = std::make_shared<const FoundIn>(std::move(whole));
+        foundPathKind_ = FoundPathKind::wholePath;
     }
     setName(name.native());
     nameChanged();
@@ -45,26 +45,27 @@ void FFItem::setPfpath(const std::filesystem::path& path) {
     const auto before = bytes.size() - std::min(name.size(), bytes.size());
     const bool endsWithName = !name.empty() && before > 0 && bytes[before - 1] == '/' && bytes.ends_with(name);
     const auto holder = endsWithName ? bytes.substr(0, before) : bytes;
-    holderKind_ = endsWithName ? Holder::folder : Holder::wholePath;
+    foundPathKind_ = endsWithName ? FoundPathKind::folder : FoundPathKind::wholePath;
     if (holder.empty()) {
-        holder_ = nullptr;
+        foundIn_ = nullptr;
         return;
     }
     if (lastHolder == nullptr || lastHolder->path != holder) {
         lastHolder = std::make_shared<const FoundIn>(FoundIn{std::string(holder)});
     }
-    holder_ = lastHolder;
+    foundIn_ = lastHolder;
 }
 
 std::string FFItem::pathBytes() const {
     if (!hasPath()) {
         return {};
     }
-    return holderKind_ == Holder::folder ? holder_->path + nameBytes() : holder_->path;
+    return foundPathKind_ == FoundPathKind::folder ? foundIn_->path + nameBytes() : foundIn_->path;
 }
 
 std::filesystem::path FFItem::location() const {
-    return holder_ != nullptr && holderKind_ == Holder::sectionFolder ? holder_->path + nameBytes() : pathBytes();
+    return foundIn_ != nullptr && foundPathKind_ == FoundPathKind::sectionFolder ? foundIn_->path + nameBytes()
+                                                                                 : pathBytes();
 }
 
 QString FFItem::ppdisplayName() const { return platform::displayText(pfname()); }

@@ -37,29 +37,30 @@ public:
     /// Empty when the item is addressed by its name.
     [[nodiscard]] std::filesystem::path pfpath() const { return pathBytes(); }
     void setPfpath(const std::filesystem::path& path);
-    [[nodiscard]] bool hasPath() const { return holder_ != nullptr && holderKind_ != Holder::sectionFolder; }
+    [[nodiscard]] bool hasPath() const { return foundIn_ != nullptr && foundPathKind_ != FoundPathKind::sectionFolder; }
     /// What the path of `FoundIn` names.
-    enum class Holder : quint8 {
+    enum class FoundPathKind : quint8 {
         folder,         ///< the folder of the item
         wholePath,      ///< the item itself, which is listed under another name than its own
         sectionFolder,  ///< the section's folder; the item has no path and is addressed by its name
     };
     /// Replaces the path.
-    void setFoundIn(std::shared_ptr<const FoundIn> place, Holder kind) {
-        holder_ = std::move(place);
-        holderKind_ = kind;
+    void setFoundIn(std::shared_ptr<const FoundIn> place, FoundPathKind kind) {
+        foundIn_ = std::move(place);
+        foundPathKind_ = kind;
     }
     /// Where a scan found it; null if none did.
-    [[nodiscard]] const std::shared_ptr<const FoundIn>& foundIn() const { return holder_; }
+    [[nodiscard]] const std::shared_ptr<const FoundIn>& foundIn() const { return foundIn_; }
     /// Its path, or its name in the folder where it was found; empty if neither is known.
     [[nodiscard]] std::filesystem::path location() const;
     /// The path as plain bytes, cheaper than a filesystem path; empty if there is none.
     [[nodiscard]] std::string pathBytes() const;
     /// True only if both lie in one folder; may be false even if they do.
     [[nodiscard]] bool isBeside(const FFItem& other) const {
-        return holderKind_ == Holder::folder && other.holderKind_ == Holder::folder && holder_ == other.holder_;
+        return foundPathKind_ == FoundPathKind::folder && other.foundPathKind_ == FoundPathKind::folder &&
+               foundIn_ == other.foundIn_;
     }
-    /// Whether ticking an item that holds it ticks it too.
+    /// Whether this item is ticked along with an item that holds it.
     [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable(); }
 
     [[nodiscard]] QString ppdisplayName() const override;
@@ -71,11 +72,11 @@ private:
     [[nodiscard]] const char* nameBytes() const { return pfname_ == nullptr ? "" : pfname_.get(); }
     void setName(const std::string& bytes);
 
-    Holder holderKind_ = Holder::folder;
+    FoundPathKind foundPathKind_ = FoundPathKind::folder;
     IconSource pIcon_;
     std::unique_ptr<char[]> pfname_;  ///< NUL-terminated bytes; null for an empty name
     quint64 pfSize_ = 0;
-    std::shared_ptr<const FoundIn> holder_;  ///< null if only the name is known
+    std::shared_ptr<const FoundIn> foundIn_;  ///< null if only the name is known
 };
 
 }  // namespace brimvault::engine

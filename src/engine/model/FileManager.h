@@ -52,7 +52,7 @@ public:
     [[nodiscard]] static std::optional<QString> stringmodificationDateOfFilePath(const std::filesystem::path& path,
                                                                                  QLocale::FormatType style);
 
-    /// The path with its folders' and its last name as people see them.
+    /// The path as text for people.
     [[nodiscard]] static QString getLocalizedPath(const std::filesystem::path& path);
     /// The path with every ":" shown as "/".
     [[nodiscard]] static QString displayPathAtPath(const std::filesystem::path& path);

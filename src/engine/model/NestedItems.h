@@ -17,11 +17,11 @@ class NestedItems {
 public:
     using Call = std::function<void(FFItem&)>;
 
-    /// The list outlives it. Until `clear`, items may only be appended to the list.
+    /// The list must outlive the index. Until `clear`, items may only be appended to it.
     explicit NestedItems(const ItemArray& items) : items_(items) {}
 
-    /// Indexes the items that were appended since, and unticks every holder of an unticked item, if either of the two
-    /// is new.
+    /// Indexes the items appended since the last call, and unticks every holder of an unticked item, if either of the
+    /// two is new.
     void addNew();
     void clear();
 

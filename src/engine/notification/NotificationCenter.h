@@ -56,7 +56,7 @@ public:
         std::stop_token before_;
     };
 
-    /// The one of the process.
+    /// The process-wide instance.
     static NotificationCenter& defaultCenter();
 
     Observation addObserver(const QString& name, Handler handler);

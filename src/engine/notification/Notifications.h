@@ -29,7 +29,7 @@ inline constexpr QLatin1String totalCount("pstrKeyTotalCount");
 inline constexpr QLatin1String progressPercent("pstrKeyProgressPercent");
 /// Dictionary: application path to the localizations removed from it.
 inline constexpr QLatin1String cleanedApplications("pstrKeyCleanedApplicationsDictionary");
-/// Places: the root folders of a section, and its Number.
+/// Places: the root folders of a section. Number: that section.
 inline constexpr QLatin1String places("places");
 inline constexpr QLatin1String section("section");
 /// Number, 0 or 1: how a single removal ended.

@@ -5,7 +5,7 @@
 
 namespace brimvault::engine {
 
-/// The options of a clean. The façade sets them on the main thread, clean operations read them on theirs.
+/// The options of a clean. `CPerformer` sets them on the main thread, clean operations read them on theirs.
 class FCleanProps {
 public:
     /// Identifiers of the languages that must be kept; empty until they are set.

@@ -32,7 +32,7 @@ class FCutter {
 public:
     explicit FCutter(CleanTable table = CleanTable::fileSections()) : table_(std::move(table)) {}
 
-    /// What every clean of language resources respects; shared with the façade.
+    /// What every clean of language resources respects; shared with `CPerformer`.
     [[nodiscard]] const std::shared_ptr<FCleanProps>& pclprops() const { return pclprops_; }
 
     /// What the user has agreed to have removed, by section; null for all that is ticked.

@@ -19,8 +19,8 @@ class OperationQueue {
 public:
     /// Room for every section, a cancelled earlier scan of each, and the completions.
     static constexpr int defaultConcurrency = 16;
-    /// The timeout for a cancelled operation. Scans poll their stop token many times a second, so a later one hangs. A
-    /// clean finishes its current item first: before giving one up, see whether it makes progress
+    /// The timeout for a cancelled operation. Scans poll their stop token many times a second: one that takes longer
+    /// hangs. A clean finishes its current item first: before giving one up, see whether it makes progress
     /// (files::entriesRemoved).
     static constexpr std::chrono::milliseconds timeToReturn{1000};
 

@@ -32,7 +32,7 @@ public:
 class AuthorizationManager {
 public:
     using ToolPaths = std::vector<std::filesystem::path>;
-    /// Part of the given interface; ignored.
+    /// Ignored; kept for callers.
     using CommandType = int;
 
     explicit AuthorizationManager(platform::AuthorizationFactory factory = platform::Authorization::create);
@@ -40,7 +40,7 @@ public:
     AuthorizationManager& operator=(const AuthorizationManager&) = delete;
     ~AuthorizationManager() { deauthenticate(); }
 
-    /// The one of the process, for the system that it runs on.
+    /// The process-wide instance, for the system that the process runs on.
     static AuthorizationManager& GetInstance();
 
     /// Whether the next request for rights may ask the user: false at first, and again after a failure or a refusal.
@@ -67,8 +67,8 @@ public:
 
     // --- Kept for callers outside of the window: nothing in src calls these ---
 
-    /// From the first start to as many stops, the process ignores the end of its children. Calls nest. True while it
-    /// does.
+    /// Makes the process ignore the end of its children until `stopIgnoreChildsSignals` was called as often. False if
+    /// that failed.
     bool startIgnoreChildsSignals();
     /// Always true.
     bool stopIgnoreChildsSignals();

@@ -25,8 +25,8 @@ struct [[nodiscard]] ItemRemoval {
 
 /// Removes items permanently; both a whole clean and a single removal go through it. An item is removed only from the
 /// very folder (by inode) in which it was found, through an open descriptor of it, so that exchanging folders on the
-/// way cannot redirect the removal. Protected folders are refused. With an item of the desktop's trash goes its
-/// .trashinfo record.
+/// way cannot redirect the removal. Protected folders are refused. An item of the desktop's trash takes its .trashinfo
+/// record along.
 ///
 /// If permission is denied the privileged remover is asked, once, unless the folder of the item is immutable. Blocks;
 /// one thread, and not the main one. The remover outlives it.

@@ -11,7 +11,7 @@ namespace brimvault::engine {
 
 using platform::LibraryURLs;
 
-// The home folder covers the roots below it that do not exist.
+// For a root that does not exist, the folders that would hold it are protected.
 ProtectedFolders::ProtectedFolders() : locations_(platform::locateSectionRoots()) {
     const auto trash = LibraryURLs::namedDesktopTrashFolder();
     auto more = platform::locate(

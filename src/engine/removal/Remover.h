@@ -30,7 +30,7 @@ public:
     };
     explicit Remover(Dependencies dependencies);
 
-    /// The one of the process, for the system that it runs on.
+    /// The process-wide instance, for the system that the process runs on.
     static Remover& GetInstance();
 
     void allowAskingUser() override { dependencies_.authorization.setIsNeedAskAuthentication(true); }

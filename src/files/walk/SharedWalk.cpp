@@ -8,14 +8,14 @@ namespace brimvault::files {
 template <typename Part>
 bool SharedWalk::work(Part part) noexcept {
     bool toItsEnd = false;
-    std::exception_ptr trouble;
+    std::exception_ptr exception;
     try {
         toItsEnd = part();
     } catch (...) {
-        trouble = std::current_exception();
+        exception = std::current_exception();
     }
     const std::lock_guard lock(mutex_);
-    trouble_ = trouble_ ? trouble_ : trouble;
+    firstException_ = firstException_ ? firstException_ : exception;
     if (--working_ == 0 && shares_.empty()) {
         changed_.notify_one();
     }
@@ -33,8 +33,8 @@ bool SharedWalk::visit(const DirectoryHandle& parent, const char* name) {
         }
         pool_->withdraw(*this);
     }
-    if (trouble_) {
-        std::rethrow_exception(trouble_);
+    if (firstException_) {
+        std::rethrow_exception(firstException_);
     }
     return toItsEnd && !stop_.stop_requested();
 }

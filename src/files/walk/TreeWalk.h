@@ -35,20 +35,20 @@ public:
 /// worker that finishes the last part of a folder leaves it. A stop ends it before the next entries.
 class TreeWalk {
 public:
-    /// Below 16 together with the item's parent folder, a share and two that are open for a moment.
+    /// Fewer than 16 descriptors with the item's parent folder, a share's and two that are open for a moment.
     static constexpr int heldFolders = 10;
     /// Well below 256, the smallest default of RLIMIT_NOFILE on any system.
     static constexpr int maxFoldersHeld = 128;
-    /// The folders that a walk sees before it calls for helpers; fewer, if they are large.
+    /// The number of folders that a walk sees before it calls for helpers; large ones count several times.
     static constexpr int largeTree = 64;
 
     TreeWalk(TreeVisitor& visitor, const DirectoryHandle& outermost, std::stop_token stop,
              WorkSharing* sharing = nullptr)
         : visitor_(visitor), outermost_(outermost), stop_(std::move(stop)), sharing_(sharing) {}
 
-    /// The folder is a name in the outermost one. False when the walk was stopped before its end.
+    /// Visits the folder of that name in the outermost one. False when the walk was stopped before its end.
     [[nodiscard]] bool visit(const char* name);
-    /// What another walk of the same tree gave. False when the walk was stopped before its end.
+    /// Visits what another walk of the same tree gave. False when the walk was stopped before its end.
     [[nodiscard]] bool visitShare(FolderReference share);
 
 private:

@@ -39,7 +39,7 @@ public:
     WorkPool(const WorkPool&) = delete;
     WorkPool& operator=(const WorkPool&) = delete;
 
-    /// Offered until it is withdrawn.
+    /// Lets idle threads help with the work until it is withdrawn.
     void offer(SharedWork& work);
     /// Returns when no thread helps any more, and none will.
     void withdraw(SharedWork& work);

@@ -75,7 +75,7 @@ QString languageSpokenIn(const QString& country) {
 QString languageOf(rxkb_layout* layout) {
     const QString country = countryOf(layout);
     const QString spoken = languageSpokenIn(country);
-    // The brief name of a layout is the code of its main language where the list lacks that one (Taiwan's).
+    // Where the list lacks a layout's main language (Taiwan's), the layout's brief name is that language's code.
     const char* brief = rxkb_layout_get_brief(layout);
     QString language = !spoken.isEmpty() && spoken == QLatin1String(brief) ? spoken : QString();
     for (auto* code = rxkb_layout_get_iso639_first(layout); code != nullptr; code = rxkb_iso639_code_next(code)) {

@@ -8,20 +8,20 @@
 
 namespace brimvault::ui {
 
-/// SortedRows as a Qt model: the rows of an item list. Rows come, go and move as such, so that the selection and the
-/// current row of a view stay with their items. Main thread.
+/// SortedRows as a Qt model: the rows of an item list. Rows are inserted, removed and moved, never reset, so that the
+/// selection and the current row of a view stay with their items. Main thread.
 class ItemListModel final : public QAbstractTableModel, private RowObserver {
     Q_OBJECT
 
 public:
     using Item = SortedRows::Item;
-    /// The count stands before the size where a list has one.
+    /// By logical index: a view shows the count, where a list has one, before the size.
     enum Column { checkColumn, iconColumn, nameColumn, sizeColumn, countColumn };
     /// An item's RowPicture.
     enum Role { iconRole = Qt::UserRole };
     [[nodiscard]] static bool isNumber(int column) { return column == sizeColumn || column == countColumn; }
 
-    /// What a list says of its items beyond what every item answers. Main thread.
+    /// What differs from list to list in how an item is shown. Main thread.
     struct Texts {
         std::function<QString(const engine::CleanableItem&)> name;
         std::function<QString(const engine::CleanableItem&)> tooltip;  ///< empty for none
@@ -32,8 +32,8 @@ public:
 
     explicit ItemListModel(Texts texts, QObject* parent = nullptr);
 
-    /// Shows exactly these items, each once, with their present sizes and counts. Answers how many rows above the given
-    /// one have stayed: the place of the row that followed it if it is removed itself.
+    /// Shows exactly these items, each once, with their present sizes and counts. Returns how many rows above `row`
+    /// have stayed: if `row` itself was removed, the place of the one after it.
     int setItems(const QList<Item>& items, int row = 0);
     /// Adds those of the items that are not shown yet.
     void appendItems(const QList<Item>& items) { rows_.append(items); }

@@ -41,8 +41,8 @@ public:
 
     /// Adds those of the items that are not there yet.
     void append(const QList<Item>& items);
-    /// Removes these items. Answers how many rows above the given one have stayed: the place of the row that followed
-    /// it if it is removed itself.
+    /// Removes these items. Returns how many rows above `row` have stayed: if `row` itself was removed, the place of
+    /// the one after it.
     int remove(const QList<const engine::CleanableItem*>& items, int row = 0);
     /// Removes all other items; answers as `remove` does.
     int keepOnly(const QList<Item>& items, int row = 0);

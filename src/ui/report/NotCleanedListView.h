@@ -5,8 +5,8 @@
 namespace brimvault::ui {
 
 /// The list of the not-cleaned report: titles, which cannot be selected, and below each its messages, which can be
-/// selected and copied. Long messages wrap, unless the list is long: laying out many wrapped rows would delay its
-/// opening, so that each row then has one line. Main thread.
+/// selected and copied. Long messages wrap. In a long list each has one line instead, since laying out many wrapped
+/// rows would delay its opening. Main thread.
 class NotCleanedListView final : public QListView {
     Q_OBJECT
 

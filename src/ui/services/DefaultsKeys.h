@@ -2,11 +2,11 @@
 
 #include <QLatin1String>
 
-/// Keys of the user's defaults; those of the section check boxes stand with the rows.
+/// Keys of the user's defaults; those of the section check boxes are in ui/sections/SectionRows.
 namespace brimvault::ui::defaults_key {
 
 inline constexpr QLatin1String lastCleanedSize(
-    "LastCleanedSize");  ///< bytes freed by the last clean of this run that freed any
+    "LastCleanedSize");  ///< bytes freed in this run by its last clean that freed any
 inline constexpr QLatin1String totalCleanedSize("TotalCleanedSize");  ///< bytes freed by all cleans ever
 inline constexpr QLatin1String launchNumber("APP_launch_number");
 inline constexpr QLatin1String cleanNumber("APP_clean_number");  ///< cleans that freed something

@@ -21,7 +21,7 @@ public:
     /// Looked for on a thread of `calls`.
     using Folders = std::function<std::vector<std::filesystem::path>()>;
 
-    /// All of them outlive it.
+    /// All of them must outlive this object.
     FileActions(const WindowNotices& notices, platform::FileBrowser& fileBrowser, BackgroundCalls& calls)
         : notices_(notices), fileBrowser_(fileBrowser), calls_(calls) {}
 

@@ -8,7 +8,7 @@ namespace brimvault::ui {
 
 // Always asked, even of users who have switched off the question of a clean: a key is pressed by mistake more easily
 // than all the steps of a clean are taken.
-bool SingleRemoval::isConfirmed(const std::filesystem::path& path, qsizetype itemsInIt) const {
+bool SingleRemoval::askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt) const {
     QString where = platform::displayText(path);
     if (itemsInIt > 0) {
         const QString count = itemsInIt == 1
@@ -16,7 +16,7 @@ bool SingleRemoval::isConfirmed(const std::filesystem::path& path, qsizetype ite
                                   : tr("It holds %1 other items of the list, which go with it.").arg(itemsInIt);
         where += QStringLiteral("\n") + count;
     }
-    return notices_.isAgreedTo(
+    return notices_.ask(
         {tr("Are you sure you want to completely delete “%1”?").arg(platform::displayText(path.filename())),
          where + QStringLiteral("\n\n") + tr("Files will be  permanently removed from your Hard Drive."),
          Alert::Suppression::notOffered, Alert::Buttons::deleteAndCancel});

@@ -16,21 +16,21 @@ class SingleRemoval {
     Q_DECLARE_TR_FUNCTIONS(SingleRemoval)
 
 public:
-    /// Both outlive it.
+    /// Both must outlive this object.
     SingleRemoval(const WindowNotices& notices, engine::PrivilegedRemover& remover)
         : notices_(notices), remover_(remover) {}
 
     /// Whether the user, being asked, wants the item to be removed for good; a number of other items that are listed
     /// may lie in it, and go with it.
-    [[nodiscard]] bool isConfirmed(const std::filesystem::path& path, qsizetype itemsInIt) const;
+    [[nodiscard]] bool askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt) const;
     /// Removes the file at an absolute, normal path, and tells the user where that failed. Then posts
     /// "singleFileRemoveFinished" and calls `finished` with whether the file is gone.
     void remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
                 const std::function<void(bool success)>& finished);
 
-    /// A removal has not returned yet, or hangs.
+    /// Whether a removal has not returned yet, or hangs.
     [[nodiscard]] bool isUnderWay() const { return underWay_ > 0; }
-    /// Blocks until it has, a second at most.
+    /// Blocks until all removals have returned, for a second at most.
     void waitUntilIdle() { calls_.waitUntilIdle(); }
 
 private:

@@ -27,19 +27,18 @@ struct MailMessage {
     [[nodiscard]] std::string url() const;
 };
 
-/// What the window has done outside of it: files are shown (`FileActions`), single items are removed
-/// (`SingleRemoval`), mails are begun. Main thread; what may block is called on other threads, and answers come later
-/// on the main thread.
+/// Acts outside of the window for it: shows files (`FileActions`), removes single items (`SingleRemoval`), begins
+/// mails. Main thread; what may block is called on other threads, and answers come later on the main thread.
 class UtilMod final : public QObject {
     Q_OBJECT
 
 public:
-    /// All of them outlive it.
+    /// All of them must outlive this object.
     UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::Workspace& workspace,
             platform::FinderPreferences& finder = platform::FinderPreferences::shared(),
             engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none());
     ~UtilMod() override;
-    /// The one of the process: the first that was made, which must live.
+    /// The process-wide instance: the first that was made, which must still exist.
     static UtilMod& sharedUtil();
 
     /// The window over which alerts and information are shown.
@@ -66,14 +65,14 @@ public:
     /// Whether the user, being asked, wants the item at the path to be removed for good; a number of other items that
     /// are listed may lie in it, and go with it.
     [[nodiscard]] bool isRemovalConfirmed(const std::filesystem::path& path, qsizetype itemsInIt) const {
-        return removal_.isConfirmed(path, itemsInIt);
+        return removal_.askToConfirm(path, itemsInIt);
     }
     /// Removes the file for good and then, after an alert where it failed, posts "singleFileRemoveFinished" and calls
     /// `finished` with whether it is gone. A file that was gone before counts as removed. One that a scan has found is
     /// removed from where it was found, or not at all.
     void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                       const std::shared_ptr<const engine::FoundIn>& foundIn = nullptr);
-    /// A removal has not returned yet, or hangs.
+    /// Whether a removal has not returned yet, or hangs.
     [[nodiscard]] bool isRemovalUnderWay() const { return removal_.isUnderWay(); }
 
     /// Looks up the folders of the sections, for items that are known by their names alone. The answers come later.

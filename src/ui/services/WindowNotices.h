@@ -10,7 +10,7 @@ namespace brimvault::ui {
 /// Alerts over the window, for as long as there is one. Main thread.
 class WindowNotices {
 public:
-    /// It outlives the notices.
+    /// The presenter must outlive this object.
     explicit WindowNotices(AlertPresenter& alerts) : alerts_(alerts) {}
 
     void setWindow(QWidget* window) { window_ = window; }
@@ -18,10 +18,10 @@ public:
     [[nodiscard]] QWidget* window() const { return window_; }
 
     /// Asks the user; without a window the answer is no.
-    [[nodiscard]] bool isAgreedTo(const Alert& alert) const {
+    [[nodiscard]] bool ask(const Alert& alert) const {
         return window_ && alerts_.runModal(alert, window_).returnCode == AlertAnswer::firstButton;
     }
-    /// What the user can only take note of.
+    /// Shows an alert that the user can only close.
     void show(const QString& message, const QString& informativeText) const {
         if (window_) {
             alerts_.runModal({message, informativeText, Alert::Suppression::notOffered, Alert::Buttons::takeNote},

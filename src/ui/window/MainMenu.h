@@ -18,7 +18,7 @@ public:
     MainMenu(QWidget* window, IconButton* button, MenuCommands& commands);
 
     [[nodiscard]] QMenu* menu() const { return menu_; }
-    /// Titles and states as they are now.
+    /// Brings titles and states up to date.
     void validateItems();
     void popUp();
     /// Closes it if it is open: its items are out of date, and the user must not choose one by mistake.

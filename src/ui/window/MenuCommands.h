@@ -17,7 +17,7 @@ class MenuCommands final : public QObject {
     Q_OBJECT
 
 public:
-    /// All of them outlive it.
+    /// All of them must outlive this object.
     MenuCommands(MainWindow& window, TSectionViewController& sections, SectionPanels& panels,
                  DrawerAndSheets& drawerAndSheets, UtilMod& util)
         : window_(window), sections_(sections), panels_(panels), drawerAndSheets_(drawerAndSheets), util_(util) {}

@@ -18,7 +18,7 @@ class SectionPanels final : public QObject {
     Q_OBJECT
 
 public:
-    /// All of them outlive it.
+    /// All of them must outlive this object.
     SectionPanels(ListPanel& panel, TSectionViewController& sections, ApplicationController& application,
                   UtilMod& util);
 

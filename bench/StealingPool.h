@@ -11,14 +11,14 @@
 
 namespace brimvault::bench {
 
-/// A thread pool with work stealing. Each thread has a list of its own, taken from the end; a thread that runs out of
-/// work gets the older half of another's list.
+/// A thread pool with work stealing. Each thread takes work from the end of a list of its own; while another thread is
+/// idle, it gives the older half of its list away.
 template <typename Work>
-class WorkShare {
+class StealingPool {
 public:
     using List = std::vector<Work>;
 
-    WorkShare(unsigned threads, List first) : threads_(threads), shared_(std::move(first)) {}
+    StealingPool(unsigned threads, List first) : threads_(threads), shared_(std::move(first)) {}
 
     /// `make` makes a worker for each thread: worker(work, list) does the work and appends new work to the list.
     /// Returns when nothing is left.
