@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -25,7 +26,13 @@ inline void forEachHostileKind(const std::filesystem::path& file, const std::fun
                  throw std::system_error(errno, std::generic_category(), file);
              }
          }},
-        {"endless device", [&] { fs::create_symlink("/dev/zero", file); }},
+        {"endless device",
+         [&] {
+             // Root, who could replace the machine's own, gets a device of the test.
+             if (::mknod(file.c_str(), S_IFCHR | 0600, makedev(1, 5)) != 0) {
+                 fs::create_symlink("/dev/zero", file);
+             }
+         }},
         {"huge file", [&] { writeSparseFile(file, 6'000'000'000); }},
         {"folder", [&] { fs::create_directory(file); }},
     };
