@@ -15,8 +15,7 @@
 
 namespace brimvault::tests {
 
-using engine::Notification;
-using engine::NotificationCenter;
+using namespace engine;
 
 namespace {
 
@@ -27,10 +26,10 @@ class CountedItems {
 public:
     static constexpr int count = 5000;
 
-    [[nodiscard]] engine::ItemArray make() {
-        engine::ItemArray items;
+    [[nodiscard]] ItemArray make() {
+        ItemArray items;
         for (int number = 0; number < count; ++number) {
-            items.append({new engine::FFItem, [this](engine::FFItem* item) {
+            items.append({new FFItem, [this](FFItem* item) {
                               (QThread::currentThread() == main_ ? freedByMain_ : freedByOthers_) += 1;
                               delete item;
                           }});
@@ -51,30 +50,23 @@ private:
 
 }  // namespace
 
-TEST(NotificationCenter, CallsTheObserversOfANameInTheirOrderBeforePostReturns) {
+TEST(NotificationCenter, CallsTheObserversOfANameInTheirOrderBeforePostReturnsUntilTheyEnd) {
     NotificationCenter center;
     std::vector<int> called;
-    const auto first = center.addObserver(name, [&](const Notification&) { called.push_back(1); });
+    auto first = center.addObserver(name, [&](const Notification&) { called.push_back(1); });
     const auto other = center.addObserver(QStringLiteral("other"), [&](const Notification&) { called.push_back(0); });
     const auto second = center.addObserver(name, [&](const Notification& heard) {
         called.push_back(2);
         EXPECT_EQ(heard.name, name);
-        EXPECT_EQ(getNumberPropfromNotification(heard, engine::key::totalCount), 5);
+        EXPECT_EQ(getNumberPropfromNotification(heard, key::totalCount), 5);
     });
-    center.post(name, {{engine::key::totalCount, engine::Number(5)}});
+    const UserInfo info = {{key::totalCount, Number(5)}};
+    auto moved = std::move(first);
+    center.post(name, info);
     EXPECT_THAT(called, testing::ElementsAre(1, 2));
-}
-
-TEST(NotificationCenter, CallsNobodyWhoseObservationHasEnded) {
-    NotificationCenter center;
-    int calls = 0;
-    auto observation = center.addObserver(name, [&](const Notification&) { ++calls; });
-    auto moved = std::move(observation);
-    center.post(name);
-    EXPECT_EQ(calls, 1);
     moved = {};
-    center.post(name);
-    EXPECT_EQ(calls, 1);
+    center.post(name, info);
+    EXPECT_THAT(called, testing::ElementsAre(1, 2, 2));
 }
 
 TEST(NotificationCenter, LetsAHandlerEndItselfAndPostAgain) {
@@ -104,12 +96,11 @@ TEST(NotificationCenter, CallsNoHandlerAfterItsEndWhileAnotherThreadPosts) {
         const auto ended = std::make_shared<std::atomic<bool>>(false);
         auto observation = center.addObserver(name, [&late, begun, ended](const Notification&) {
             *begun = true;
+            begun->notify_one();
             std::this_thread::yield();
             late += *ended ? 1 : 0;
         });
-        while (!*begun) {
-            std::this_thread::yield();
-        }
+        begun->wait(false);
         observation.end();  // as a rule in the midst of the handler
         *ended = true;
     }
@@ -123,73 +114,51 @@ TEST(NotificationCenter, MayGoBeforeAnObservation) {
     observation.end();
 }
 
-TEST(NotificationCenter, HandsOverToTheMainThreadWithoutWaiting) {
+TEST(NotificationCenter, HandsOverToTheMainThreadWithoutWaitingAndFreesManyItemsOnAnother) {
     NotificationCenter center;
     QObject context;
     std::vector<QThread*> threads;
-    const auto observation = center.addMainThreadObserver(
-        name, &context, [&](const Notification&) { threads.push_back(QThread::currentThread()); });
-    std::thread([&] { center.post(name); }).join();
-    center.post(name);
-    EXPECT_TRUE(threads.empty());
-    runPending();
-    EXPECT_THAT(threads, testing::ElementsAre(context.thread(), context.thread()));
-}
-
-TEST(NotificationCenter, DropsWhatWasHandedOverWhenTheContextIsGone) {
-    NotificationCenter center;
-    auto context = std::make_unique<QObject>();
-    auto observation =
-        center.addMainThreadObserver(name, context.get(), [](const Notification&) { ADD_FAILURE() << "called"; });
-    center.post(name);
-    observation.end();
-    context.reset();
-    runPending();
-}
-
-TEST(NotificationCenter, FreesManyItemsOnAnotherThreadThanTheObservers) {
-    NotificationCenter center;
-    QObject context;
-    int calls = 0;
     const auto hear = [&](const Notification& heard) {
-        const auto items = engine::getArrayPropfromNotification<engine::ItemArray>(heard, name);
-        calls += items && items->size() == CountedItems::count ? 1 : 0;
+        EXPECT_EQ(getArrayPropfromNotification<ItemArray>(heard, name)->size(), CountedItems::count);
+        threads.push_back(QThread::currentThread());
     };
     const auto first = center.addMainThreadObserver(name, &context, hear);
     const auto second = center.addMainThreadObserver(name, &context, hear);
     CountedItems items;
     std::thread([&] { center.post(name, {{name, items.make()}}); }).join();
+    EXPECT_TRUE(threads.empty());
     runPending();
-    EXPECT_EQ(calls, 2);
+    EXPECT_THAT(threads, testing::ElementsAre(context.thread(), context.thread()));
+    center.post(name);
+    EXPECT_EQ(threads.size(), 2U) << "not at once from the main thread either";
     items.expectFreedByOthers();
 }
 
-TEST(NotificationCenter, FreesManyItemsOnAnotherThreadWhenNobodyHearsOfThem) {
+TEST(NotificationCenter, CallsNobodyWhoseContextIsGoneAndFreesManyItemsOnAnotherThread) {
     NotificationCenter center;
     auto context = std::make_unique<QObject>();
-    auto observation = center.addMainThreadObserver(name, context.get(), [](const Notification&) {});
+    auto observation =
+        center.addMainThreadObserver(name, context.get(), [](const Notification&) { ADD_FAILURE() << "called"; });
     CountedItems items;
     std::thread([&] { center.post(name, {{name, items.make()}}); }).join();
     observation.end();
     context.reset();
+    runPending();
     items.expectFreedByOthers();
 }
 
 TEST(Notification, GivesAValueOnlyAsTheKindItIs) {
-    const Notification none{name, {}};
-    const Notification some{name,
-                            {{engine::key::totalCount, engine::ItemArray()},
-                             {QStringLiteral("array"), engine::Number(1)},
-                             {QStringLiteral("dictionary"), engine::NotRemovedDictionary()}}};
-    EXPECT_FALSE(getNumberPropfromNotification(none, engine::key::totalCount));
-    EXPECT_FALSE(getNumberPropfromNotification(some, engine::key::totalCount));
-    EXPECT_TRUE(engine::getArrayPropfromNotification<engine::ItemArray>(some, engine::key::totalCount));
-    EXPECT_FALSE(engine::getArrayPropfromNotification<engine::ApplicationArray>(some, engine::key::totalCount));
-    EXPECT_FALSE(engine::getArrayPropfromNotification<engine::ItemArray>(some, QStringLiteral("array")));
-    EXPECT_TRUE(
-        engine::getDictionaryPropfromNotification<engine::NotRemovedDictionary>(some, QStringLiteral("dictionary")));
-    EXPECT_FALSE(
-        engine::getDictionaryPropfromNotification<engine::CleanedApplications>(some, QStringLiteral("dictionary")));
+    const QString list = QStringLiteral("list");
+    const QString number = QStringLiteral("number");
+    const QString reasons = QStringLiteral("reasons");
+    const Notification some{name, {{list, ItemArray()}, {number, Number(1)}, {reasons, NotRemovedDictionary()}}};
+    EXPECT_FALSE(getNumberPropfromNotification(some, key::totalCount));
+    EXPECT_FALSE(getNumberPropfromNotification(some, list));
+    EXPECT_TRUE(getArrayPropfromNotification<ItemArray>(some, list));
+    EXPECT_FALSE(getArrayPropfromNotification<ApplicationArray>(some, list));
+    EXPECT_FALSE(getArrayPropfromNotification<ItemArray>(some, number));
+    EXPECT_TRUE(getDictionaryPropfromNotification<NotRemovedDictionary>(some, reasons));
+    EXPECT_FALSE(getDictionaryPropfromNotification<CleanedApplications>(some, reasons));
 }
 
 }  // namespace brimvault::tests
