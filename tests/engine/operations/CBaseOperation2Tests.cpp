@@ -11,6 +11,7 @@
 #include "engine/operations/OperationQueue.h"
 #include "engine/removal/ProtectedFolders.h"
 #include "support/ChildProcess.h"
+#include "support/EventLoop.h"
 #include "support/FixtureTrees.h"
 #include "support/HeardNotifications.h"
 #include "support/SectionWork.h"
@@ -22,17 +23,12 @@ namespace brimvault::tests {
 
 using namespace trial;
 
-using engine::CChOperation;
-using engine::FFItem;
-using engine::ItemArray;
-using engine::NotRemovedDictionary;
-using engine::Section;
+using namespace engine;
 namespace fs = std::filesystem;
 
 namespace {
 
 QString systemText(int code) { return QString::fromStdString(std::generic_category().message(code)); }
-const QString ownText = QStringLiteral("Can't remove file");
 
 class CleanOfFiles : public testing::Test {
 protected:
@@ -48,10 +44,11 @@ protected:
     static std::shared_ptr<FFItem> at(const fs::path& path) { return deletable(FFItem::initWithPath(path, 1)); }
     static std::shared_ptr<FFItem> named(const std::string& name) { return deletable(FFItem::initWithName(name, 1)); }
 
-    void clean(const ItemArray& items) {
+    void clean(const ItemArray& items) { clean(items, caches_); }
+    void clean(const ItemArray& items, const std::optional<fs::path>& folder) {
         removed_.clear();
         notRemoved_.clear();
-        CChOperation(items, engine::PrivilegedRemover::none()).removeItems(items, caches_, removed_, notRemoved_);
+        CChOperation(items, PrivilegedRemover::none()).removeItems(items, folder, removed_, notRemoved_);
     }
 
     TemporaryFolder folder_;
@@ -63,128 +60,73 @@ protected:
 
 }  // namespace
 
-TEST_F(CleanOfFiles, PassesOverWhatIsUncheckedNotDeletableOrOfSizeZero) {
-    for (const char* name : {"unchecked", "undeletable", "zero"}) {
+TEST_F(CleanOfFiles, LeavesWhatItMayNotRemoveSaysWhyAndGoesOn) {
+    for (const char* name : {"unchecked", "undeletable", "zero", "inner/file", "after"}) {
         writeFile(caches_ / name, "12345");
     }
-    const auto unchecked = at(caches_ / "unchecked");
-    unchecked->setPpbChecked(false);
-    const auto before = fingerprint(folder_.path());
-    clean({unchecked, FFItem::initWithPath(caches_ / "undeletable", 5),
-           deletable(FFItem::initWithPath(caches_ / "zero", 0))});
-    EXPECT_TRUE(removed_.isEmpty());
-    EXPECT_TRUE(notRemoved_.isEmpty());
-    EXPECT_EQ(fingerprint(folder_.path()), before);
+    fs::create_directory_symlink(folder_ / "home/Documents", caches_ / "link");
+    const auto before = fingerprint(caches_, {"after"});
+    ItemArray items = {at(caches_ / "unchecked"), FFItem::initWithPath(caches_ / "undeletable", 5),
+                       deletable(FFItem::initWithPath(caches_ / "zero", 0)), at(caches_ / "link/letter")};
+    items[0]->setPpbChecked(false);
+    const NotRemovedDictionary behindALink = {{QStringLiteral("letter"), systemText(ENOTDIR)}};
+    auto expected = behindALink;
+    const auto documents = (folder_ / "home/Documents").native();
+    for (const auto& name : {"", ".", "..", "inner/file", "../../Documents", "inner/", documents.c_str()}) {
+        items.append(named(name));
+        expected.insert(items.last()->ppdisplayName(), QStringLiteral("Can't remove file"));
+    }
+    items.append(named("after"));
+    clean(items);
+    EXPECT_EQ(notRemoved_, expected);
+    EXPECT_EQ(removed_, ItemArray{items.last()});
+    EXPECT_EQ(fingerprint(caches_), before);
+    clean({named("letter")}, caches_ / "link");
+    EXPECT_EQ(notRemoved_, behindALink);
+    EXPECT_TRUE(fs::exists(folder_ / "home/Documents/letter"));
 }
 
 TEST_F(CleanOfFiles, RemovesByPathAndByNameAndCountsTheVanishedAsRemoved) {
     writeFile(caches_ / "by path/inner/file", "12345");
-    writeFile(caches_ / "by name/inner/file", "12345");
-    const ItemArray items = {at(caches_ / "by path"), named("by name"), at(caches_ / "vanished"), named("vanished too"),
-                             at(folder_ / "no folder/vanished")};
-    clean(items);
-    EXPECT_EQ(removed_, items);
-    EXPECT_TRUE(notRemoved_.isEmpty());
-    EXPECT_TRUE(fs::is_empty(caches_));
-}
-
-TEST_F(CleanOfFiles, RemovesItemsOfOddNamesExactly) {
-    ItemArray items;
+    ItemArray items = {at(caches_ / "by path"), at(caches_ / "vanished"), named("vanished too"),
+                       at(folder_ / "no folder/vanished")};
+    SampleHome::Fingerprint neighbours;
     for (const auto& name : oddNames()) {
+        const auto neighbour = name.substr(0, 200) + "+";
         writeFile(caches_ / name / "file", "12345");
-        writeFile(caches_ / (name.substr(0, 200) + "+"), "a neighbour");
+        writeFile(caches_ / neighbour, "");
+        neighbours.emplace(neighbour, "file of 0 bytes: ");
         items.append(named(name));
     }
     clean(items);
     EXPECT_EQ(removed_, items);
-    for (const auto& name : oddNames()) {
-        EXPECT_FALSE(fs::exists(caches_ / name)) << name;
-        EXPECT_TRUE(fs::exists(caches_ / (name.substr(0, 200) + "+"))) << name;
-    }
-}
-
-TEST_F(CleanOfFiles, LooksUpNoNameThatIsNotOneName) {
-    writeFile(caches_ / "inner/file", "12345");
-    const auto before = fingerprint(folder_.path());
-    clean({named(""), named("."), named(".."), named("inner/file"), named("../../Documents"), named("inner/"),
-           named((folder_ / "home/Documents").native())});
-    EXPECT_TRUE(removed_.isEmpty());
-    EXPECT_EQ(notRemoved_.size(), 7);
-    EXPECT_EQ(notRemoved_.value(QStringLiteral("..")), ownText);
-    EXPECT_EQ(fingerprint(folder_.path()), before);
-}
-
-TEST_F(CleanOfFiles, RefusesTheFoldersThatHoldItems) {
-    for (const char* name : {"Downloads", ".Trash"}) {
-        fs::create_directories(folder_ / "home" / name);
-    }
-    const auto before = fingerprint(folder_.path());
-    const auto home = folder_ / "home";
-    for (const auto& path : {home, home / "Library", caches_, home / "Downloads", home / ".Trash", fs::path("/"),
-                             folder_.path(), home / "Documents/../Library/Caches", home / "Library/Caches/"}) {
-        clean({at(path)});
-        EXPECT_TRUE(removed_.isEmpty()) << path;
-        EXPECT_EQ(notRemoved_.size(), 1) << path;
-    }
-    EXPECT_EQ(fingerprint(folder_.path()), before);
-}
-
-TEST_F(CleanOfFiles, RemovesALinkAndNotWhatItPointsAt) {
-    fs::create_directory_symlink(folder_ / "home/Documents", caches_ / "link");
-    fs::create_directory_symlink(folder_ / "home", caches_ / "home");
-    fs::create_directories(caches_ / "folder");
-    fs::create_directory_symlink(folder_ / "home/Documents", caches_ / "folder/link");
-    const ItemArray items = {at(caches_ / "link"), at(caches_ / "home"), named("folder")};
-    clean(items);
-    EXPECT_EQ(removed_, items);
-    EXPECT_TRUE(fs::exists(folder_ / "home/Documents/letter"));
-}
-
-TEST_F(CleanOfFiles, GivesTheSystemsReasonForWhatLiesBehindALink) {
-    fs::create_directory_symlink(folder_ / "home/Documents", caches_ / "link");
-    clean({at(caches_ / "link/letter")});
-    EXPECT_TRUE(removed_.isEmpty());
-    EXPECT_EQ(notRemoved_.value(QStringLiteral("letter")), systemText(ENOTDIR));
-    EXPECT_TRUE(fs::exists(folder_ / "home/Documents/letter"));
-}
-
-TEST_F(CleanOfFiles, CleansNothingWhenTheSectionsFolderIsALink) {
-    fs::remove(caches_);
-    fs::create_directory_symlink(folder_ / "home/Documents", caches_);
-    clean({named("letter")});
-    EXPECT_TRUE(removed_.isEmpty());
-    EXPECT_EQ(notRemoved_.value(QStringLiteral("letter")), systemText(ENOTDIR));
-    EXPECT_TRUE(fs::exists(folder_ / "home/Documents/letter"));
-}
-
-TEST_F(CleanOfFiles, ReportsEachFailureWithTheSystemsReasonAndGoesOn) {
-    makePermissions(caches_ / "tree");
-    writeFile(caches_ / "after", "12345");
-    writeFile(caches_ / "other/kept/closed", "12345");
-    fs::permissions(caches_ / "other/kept", static_cast<fs::perms>(0555));
-    giveToNobody(folder_.path());
-    EXPECT_WELL_IN_CHILD([&]() -> std::string {
-        becomeNobody();
-        clean(
-            {at(caches_ / "tree/full"), at(caches_ / "tree/closed/kept"), at(caches_ / "other/kept"), named("after")});
-        const NotRemovedDictionary expected = {{QStringLiteral("full"), systemText(EACCES)},
-                                               {QStringLiteral("kept"), systemText(EACCES)}};
-        if (notRemoved_ != expected) {
-            return "reported " + std::to_string(notRemoved_.size());
-        }
-        return removed_.size() == 1 && !fs::exists(caches_ / "after") ? "" : "it did not go on";
-    });
-}
-
-TEST_F(CleanOfFiles, TouchesNothingMoreOnceItIsCancelled) {
-    writeFile(caches_ / "item", "12345");
-    const ItemArray items = {named("item"), named("vanished")};
-    CChOperation operation(items, engine::PrivilegedRemover::none());
-    operation.cancel();
-    operation.removeItems(items, caches_, removed_, notRemoved_);
-    EXPECT_TRUE(removed_.isEmpty());
     EXPECT_TRUE(notRemoved_.isEmpty());
-    EXPECT_TRUE(fs::exists(caches_ / "item"));
+    EXPECT_EQ(fingerprint(caches_), neighbours);
+    clean({named("letter")}, std::nullopt);
+    EXPECT_EQ(removed_.size(), 1) << "nobody knows where it was";
+}
+
+TEST_F(CleanOfFiles, KeepsATickedFolderAroundAnUntickedItem) {
+    for (const char* file : {"folder/spared", "folder/ticked", "folder 2/file", "folder-3/file"}) {
+        writeFile(caches_ / file, "12345");
+    }
+    const auto ticked = at(caches_ / "folder/ticked");
+    const auto beside = at(caches_ / "folder 2");
+    const auto spared = at(caches_ / "folder/spared");
+    const auto another = at(caches_ / "folder-3/file");
+    const auto whole = at(caches_ / "folder");
+    whole->setPfname("com.a.app");
+    spared->setPpbChecked(false);
+    another->setPpbChecked(false);
+    clean({ticked, beside, spared, another, whole});
+    EXPECT_EQ(removed_, (ItemArray{ticked, beside}));
+    EXPECT_EQ(notRemoved_, (NotRemovedDictionary{{QStringLiteral("com.a.app"),
+                                                  QStringLiteral("It holds something that is not selected")}}));
+    EXPECT_TRUE(fs::exists(caches_ / "folder/spared"));
+    spared->setPpbChecked(true);
+    clean({whole, spared});
+    EXPECT_EQ(removed_, (ItemArray{whole, spared}));
+    EXPECT_FALSE(fs::exists(caches_ / "folder"));
 }
 
 TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
@@ -198,8 +140,8 @@ TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
         item == folder ? void() : writeFile(item->pfpath(), "12345");
     }
     tickedLater->setPpbChecked(false);
-    CChOperation operation(all, engine::PrivilegedRemover::none());
-    operation.restrictTo(std::make_shared<const engine::AgreedItems>(asked));
+    CChOperation operation(all, PrivilegedRemover::none());
+    operation.restrictTo(std::make_shared<const AgreedItems>(asked));
     tickedLater->setPpbChecked(true);
     untickedLater->setPpbChecked(false);
     operation.removeItems(all, caches_, removed_, notRemoved_);
@@ -214,7 +156,7 @@ TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
 namespace {
 
 // Does what it is told to when it is asked; it is asked for what the user may not remove.
-class SurprisingRemover final : public engine::PrivilegedRemover {
+class SurprisingRemover final : public PrivilegedRemover {
 public:
     explicit SurprisingRemover(std::function<void()> surprise) : surprise_(std::move(surprise)) {}
     bool removeFileAtPath(const fs::path& /*path*/) override {
@@ -232,72 +174,54 @@ private:
 TEST_F(CleanOfFiles, TellsWhatWentWhenItFailsOrIsGivenUp) {
     writeFile(caches_ / "closed/second", "12345");
     fs::permissions(caches_ / "closed", static_cast<fs::perms>(0555));
-    const auto first = at(caches_ / "first");
-    const ItemArray items = {first, at(caches_ / "closed/second"), at(caches_ / "third")};
-    const auto words = engine::vocabulary(Section::caches);
+    const ItemArray items = {at(caches_ / "first"), at(caches_ / "closed/second"), at(caches_ / "third")};
+    const auto words = vocabulary(Section::caches);
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
         giveToNobody(folder_.path());
         becomeNobody();
-        const auto whatWent = [&](const std::function<void()>& surprise,
-                                  const std::function<void(engine::OperationQueue&)>& then) {
+        for (const bool fails : {true, false}) {
             writeFile(caches_ / "first", "12345");
             writeFile(caches_ / "third", "12345");
-            SurprisingRemover remover(surprise);
             const HeardNotifications heard = {words.cleanFinished};
-            engine::OperationQueue queue(1);
+            OperationQueue queue(1);
+            SurprisingRemover remover([&] {
+                if (fails) {
+                    throw 1;
+                }
+                queue.giveUp([](const auto&) { return true; });
+            });
             const auto clean = std::make_shared<CChOperation>(items, remover);
             queue.addOperation(clean);
-            then(queue);
             clean->waitUntilFinished();
-            const auto gone =
-                engine::getArrayPropfromNotification<ItemArray>(heard.last(words.cleanFinished), words.arrayKey);
-            return heard.names().size() == 1 && gone == ItemArray{first} && fs::exists(caches_ / "third");
-        };
-        if (!whatWent([] { throw 1; }, [](auto&) {})) {
-            return "failed";
+            const bool hasEnded = runUntil([&] { return queue.leftBehind().empty(); });
+            const auto gone = getArrayPropfromNotification<ItemArray>(heard.last(words.cleanFinished), words.arrayKey);
+            if (!hasEnded || heard.names().size() != 1 || gone != ItemArray{items[0]} ||
+                !fs::exists(caches_ / "third")) {
+                return fails ? "failed" : "given up";
+            }
         }
-        const auto hang = std::make_shared<Hang>();
-        const bool told = whatWent([hang] { hang->wait(); },
-                                   [hang](engine::OperationQueue& queue) {
-                                       while (!hang->holdsAny()) {
-                                           std::this_thread::yield();
-                                       }
-                                       queue.giveUp([](const auto&) { return true; });
-                                       hang->letOn();
-                                       while (!queue.leftBehind().empty()) {
-                                           std::this_thread::yield();
-                                       }
-                                   });
-        return told ? "" : "given up";
+        return {};
     });
-}
-
-TEST_F(CleanOfFiles, CountsALogWithoutAPathAsRemoved) {
-    ItemArray removed;
-    engine::CLogsOperation({}, engine::PrivilegedRemover::none())
-        .removeItems({named("letter")}, std::nullopt, removed, notRemoved_);
-    EXPECT_EQ(removed.size(), 1);
-    EXPECT_TRUE(notRemoved_.isEmpty());
 }
 
 TEST_F(CleanOfFiles, PostsWhatIsGoneAndWhatIsNotForEachSectionInItsOwnFolder) {
     const std::pair<Section, fs::path> sections[] = {{Section::downloads, folder_ / "home/Downloads"},
                                                      {Section::caches, caches_},
                                                      {Section::trash, folder_ / "home/.Trash"}};
-    const auto table = engine::CleanTable::fileSections();
+    const auto table = CleanTable::fileSections();
     for (const auto& [section, folder] : sections) {
         writeFile(folder / "item", "12345");
-        const auto words = engine::vocabulary(section);
+        const auto words = vocabulary(section);
         const HeardNotifications heard = {words.cleanFinished};
         const ItemArray items = {named("item"), named("..")};
-        engine::OperationQueue queue;
+        OperationQueue queue;
         const auto operation = table.files[section](items);
         queue.addOperation(operation);
         operation->waitUntilFinished();
         const auto posted = heard.last(words.cleanFinished);
-        EXPECT_EQ(engine::getArrayPropfromNotification<ItemArray>(posted, words.arrayKey), ItemArray{items[0]});
-        EXPECT_EQ(engine::getDictionaryPropfromNotification<NotRemovedDictionary>(posted, words.notCleanedKey),
-                  (NotRemovedDictionary{{QStringLiteral(".."), ownText}}));
+        EXPECT_EQ(getArrayPropfromNotification<ItemArray>(posted, words.arrayKey), ItemArray{items[0]});
+        EXPECT_EQ(getDictionaryPropfromNotification<NotRemovedDictionary>(posted, words.notCleanedKey),
+                  (NotRemovedDictionary{{QStringLiteral(".."), QStringLiteral("Can't remove file")}}));
         EXPECT_FALSE(fs::exists(folder / "item"));
     }
 }
