@@ -16,7 +16,7 @@ namespace brimvault::tests {
 using namespace trial;
 
 using cleaner::Operation;
-using engine::AuthorizationManager;
+using namespace engine;
 using platform::Interaction;
 using testing::ElementsAre;
 using testing::SizeIs;
@@ -65,7 +65,7 @@ private:
     System& system_;
 };
 
-class Messages final : public engine::AuthorizationListener {
+class Messages final : public AuthorizationListener {
 public:
     void onAuthorizationComplete() override { heard.emplace_back("complete"); }
     void onAuthorizationFailed() override { heard.emplace_back("failed"); }
@@ -103,20 +103,14 @@ public:
         const auto request = reader_.take();
         tool_.asked.push_back(request->operation);
         tool_.lastPath = request->content;
-        if (request->operation == Operation::keepFolderAtPath) {
-            return true;
-        }
-        isBroken_ = !tool_.answers;
-        if (!isBroken_) {
+        if (request->operation != Operation::keepFolderAtPath) {
+            isBroken_ = !tool_.answers;
             pending_ += *cleaner::encode(Operation::working) + *cleaner::encode(Operation::done, "/in/trash");
         }
         return true;
     }
     std::optional<std::string> receive(std::chrono::milliseconds /*patience*/) override {
-        if (isBroken_) {
-            return std::nullopt;
-        }
-        return std::exchange(pending_, {});
+        return isBroken_ ? std::nullopt : std::optional(std::exchange(pending_, {}));
     }
 
 private:
@@ -135,63 +129,52 @@ protected:
     ToldTool told_;
     std::vector<std::string> lookedFor_;
     int sleeps_ = 0;
-    engine::Remover remover_{{manager_, "/tool",
-                              [this](const std::string& name) -> std::unique_ptr<platform::ToolConnection> {
-                                  lookedFor_.push_back(name);
-                                  const bool isMet = system_.started.size() >= told_.start;
-                                  return isMet ? std::make_unique<ToldConnection>(told_) : nullptr;
-                              },
-                              [this](std::chrono::milliseconds /*duration*/) { ++sleeps_; }}};
-};
-
-class CountingRemover final : public engine::PrivilegedRemover {
-public:
-    void allowAskingUser() override { ++letAsk; }
-    void stopAskingUser() override { ++stopped; }
-    bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
-    int letAsk = 0;
-    int stopped = 0;
+    Remover remover_{{manager_, "/tool",
+                      [this](const std::string& name) -> std::unique_ptr<platform::ToolConnection> {
+                          lookedFor_.push_back(name);
+                          const bool isMet = system_.started.size() >= told_.start;
+                          return isMet ? std::make_unique<ToldConnection>(told_) : nullptr;
+                      },
+                      [this](std::chrono::milliseconds /*duration*/) { ++sleeps_; }}};
 };
 
 }  // namespace
 
-TEST_F(Authorizing, AsksNobodyForARightThatIsHeldOrUnlessItIsLet) {
-    EXPECT_FALSE(manager_.isAuthenticated({}));
-    EXPECT_FALSE(manager_.fetchPassword({}));
-    EXPECT_FALSE(manager_.authenticate(tool_));
-    system_.isHeld = true;
-    manager_.setIsNeedAskAuthentication(true);
-    EXPECT_TRUE(manager_.authenticate(tool_));
-    EXPECT_EQ(system_.questions, 0);
-    EXPECT_EQ(system_.made, 1);
-    EXPECT_THAT(messages_.heard, testing::IsEmpty());
-}
-
-TEST_F(Authorizing, AsksOnceWhenRefusedAndAgainWhenLetAgain) {
-    for (const int questions : {1, 2}) {
-        manager_.setIsNeedAskAuthentication(true);
-        EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
-        EXPECT_FALSE(manager_.authenticate(tool_));
-        EXPECT_FALSE(manager_.m_bIsNeedAskAuthentication());
-        EXPECT_FALSE(manager_.authenticate(tool_));
-        EXPECT_EQ(system_.questions, questions);
+TEST_F(Authorizing, AsksOnceEachTimeItIsLetAndNeverForARightThatIsHeld) {
+    const struct {
+        const char* name;
+        bool let, isHeld, grants;        // before the request
+        bool answer, mayAsk;             // after it
+        std::vector<std::string> hears;  // from it
+    } requests[] = {
+        {"not let", false, false, false, false, false, {}},
+        {"held", true, true, false, true, true, {}},
+        {"refused", true, false, false, false, false, {"failed"}},
+        {"refused before", false, false, true, false, false, {}},
+        {"refused again", true, false, false, false, false, {"failed"}},
+        {"granted", true, false, true, true, true, {"complete"}},
+        {"run out", false, false, true, false, true, {}},
+        {"granted again", true, false, true, true, true, {"complete"}},
+    };
+    for (const auto& request : requests) {
+        SCOPED_TRACE(request.name);
+        if (request.let) {
+            manager_.setIsNeedAskAuthentication(true);
+        }
+        system_.isHeld = request.isHeld;
+        system_.grants = request.grants;
+        system_.questions = 0;
+        messages_.heard.clear();
+        EXPECT_EQ(manager_.authenticate(tool_), request.answer);
+        EXPECT_EQ(manager_.m_bIsNeedAskAuthentication(), request.mayAsk);
+        EXPECT_EQ(system_.questions, request.hears.empty() ? 0 : 1);
+        EXPECT_EQ(messages_.heard, request.hears);
     }
+    EXPECT_EQ(system_.made, 1);
+    EXPECT_FALSE(manager_.fetchPassword({}));
+    system_.grants = false;
     EXPECT_TRUE(manager_.fetchPassword(tool_)) << "the answer is that the user was asked";
-    EXPECT_THAT(messages_.heard, ElementsAre("failed", "failed", "failed"));
-}
-
-TEST_F(Authorizing, AsksOnceWhenGrantedAlsoAfterTheRightHasRunOut) {
-    system_.grants = true;
-    manager_.setIsNeedAskAuthentication(true);
-    EXPECT_TRUE(manager_.authenticate(tool_));
-    EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication()) << "nothing was refused";
-    system_.isHeld = false;
-    EXPECT_FALSE(manager_.authenticate(tool_));
-    EXPECT_EQ(system_.questions, 1);
-    manager_.setIsNeedAskAuthentication(true);
-    EXPECT_TRUE(manager_.authenticate(tool_));
-    EXPECT_EQ(system_.questions, 2);
-    EXPECT_THAT(messages_.heard, ElementsAre("complete", "complete"));
+    EXPECT_FALSE(manager_.isAuthenticated({}));
 }
 
 TEST_F(Authorizing, WithdrawsAnOpenQuestionAndAsksAgainOnlyWhenLet) {
@@ -205,20 +188,19 @@ TEST_F(Authorizing, WithdrawsAnOpenQuestionAndAsksAgainOnlyWhenLet) {
     manager_.giveUpAsking();
     EXPECT_FALSE(manager_.authenticate(tool_));
     EXPECT_EQ(system_.questions, 1);
-}
 
-TEST_F(Authorizing, WithdrawsAQuestionOfAnEarlierTimeAndAsksAgainForTheNext) {
     manager_.setIsNeedAskAuthentication(true);
     system_.whileAsked = [this] { manager_.setIsNeedAskAuthentication(true); };
-    EXPECT_FALSE(manager_.authenticate(tool_));
+    EXPECT_FALSE(manager_.authenticate(tool_)) << "the question of an earlier time";
     EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
     system_.whileAsked = {};
     system_.grants = true;
     EXPECT_TRUE(manager_.authenticate(tool_));
-    EXPECT_EQ(system_.questions, 2);
+    EXPECT_EQ(system_.questions, 3);
 }
 
-TEST_F(Authorizing, AsksForTheFirstTwentyToolsAndForNoneThatWouldBeCutOff) {
+TEST_F(Authorizing, PassesOnWhatTheGivenInterfaceTakesAndNothingCutOff) {
+    EXPECT_FALSE(manager_.executeCommand("/tool", {}, 0));
     system_.isHeld = true;
     EXPECT_TRUE(manager_.isAuthenticated(AuthorizationManager::ToolPaths(21, "/tool")));
     EXPECT_THAT(system_.rights, SizeIs(20));
@@ -226,11 +208,6 @@ TEST_F(Authorizing, AsksForTheFirstTwentyToolsAndForNoneThatWouldBeCutOff) {
     EXPECT_EQ(system_.rights.front().value, "/tool");
     EXPECT_TRUE(manager_.isAuthenticated({"/" + std::string(126, 'x')}));
     EXPECT_FALSE(manager_.isAuthenticated({"/" + std::string(127, 'x')}));
-}
-
-TEST_F(Authorizing, StartsAToolWithAtMostNineteenArguments) {
-    EXPECT_FALSE(manager_.executeCommand("/tool", {}, 0));
-    system_.isHeld = true;
     EXPECT_TRUE(manager_.executeCommand("/tool", std::vector<std::string>(25, "x"), 0));
     system_.starts = false;
     EXPECT_FALSE(manager_.executeCommand("/tool", {}, 0));
@@ -286,27 +263,25 @@ TEST_F(RemovingAsRoot, UsesOneToolAndTellsItFirstWhatToKeep) {
                 ElementsAre(ElementsAre(lookedFor_.back(), std::to_string(QCoreApplication::applicationPid()))));
 }
 
-TEST_F(RemovingAsRoot, GivesUpWaitingAfterFiftySleepsAndStartsAnotherForTheNextRequest) {
-    told_.start = 2;
-    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
-    EXPECT_EQ(sleeps_, 50);
-    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
-    ASSERT_THAT(system_.started, SizeIs(2));
-    EXPECT_NE(system_.started[0][0], system_.started[1][0]);
-}
-
-TEST_F(RemovingAsRoot, DoesNotWaitForAToolThatHasEndedOrWasNeverStarted) {
-    told_.start = 2;
+TEST_F(RemovingAsRoot, WaitsForAToolThatRunsAndStartsAnotherForTheNextRequest) {
+    told_.start = 3;
     system_.toolRuns = false;
     EXPECT_FALSE(remover_.removeFileAtPath("/a"));
     system_.toolRuns = true;
     system_.isHeld = false;
-    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    EXPECT_FALSE(remover_.removeFileAtPath("/a")) << "never started";
     EXPECT_EQ(remover_.recycleFileAtPath("/a"), std::nullopt);
     EXPECT_EQ(sleeps_, 0);
+    system_.isHeld = true;
+    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    EXPECT_EQ(sleeps_, 50);
+    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    ASSERT_THAT(system_.started, SizeIs(3));
+    EXPECT_NE(system_.started[1][0], system_.started[2][0]);
 }
 
 TEST_F(RemovingAsRoot, ReplacesAToolThatBreaksOffAndDoesNotAskItAgainByItself) {
+    EXPECT_FALSE(remover_.removeFileAtPath("/" + std::string(cleaner::maxMessageLength, 'x'))) << "not even sent";
     EXPECT_TRUE(remover_.removeFileAtPath("/a"));
     told_.answers = false;
     EXPECT_FALSE(remover_.removeFileAtPath("/b"));
@@ -325,15 +300,9 @@ TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
     EXPECT_THAT(told_.asked, testing::IsEmpty());
 }
 
-TEST_F(RemovingAsRoot, DoesNotSendAPathThatIsTooLong) {
-    EXPECT_FALSE(remover_.removeFileAtPath("/" + std::string(cleaner::maxMessageLength, 'x')));
-    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
-    EXPECT_EQ(told_.met, 1);
-}
-
 TEST(NamesOfRootRemovers, HaveSixDigitsInTheRangeThatIsDrawnFrom) {
     for (int times = 0; times < 1000; ++times) {
-        const auto name = engine::Remover::generateRootRemoverServerName();
+        const auto name = Remover::generateRootRemoverServerName();
         ASSERT_TRUE(cleaner::isSocketName(name)) << name;
         const auto number = std::stoul(name.substr(cleaner::socketNamePrefix.size()));
         EXPECT_GE(number, 100'000U);
@@ -341,14 +310,13 @@ TEST(NamesOfRootRemovers, HaveSixDigitsInTheRangeThatIsDrawnFrom) {
     }
 }
 
-TEST(CleanDriver, LetsTheUserBeAskedOnceForEachClean) {
-    CountingRemover remover;
-    engine::FCutter cutter(engine::CleanTable::fileSections(remover));
+TEST_F(RemovingAsRoot, MayAskTheUserFromTheBeginningOfACleanUntilItIsCancelled) {
+    FCutter cutter(CleanTable::fileSections(remover_));
+    EXPECT_FALSE(manager_.m_bIsNeedAskAuthentication());
     cutter.Clean({}, {}, {}, {}, {});
-    EXPECT_EQ(remover.letAsk, 1);
-    EXPECT_EQ(remover.stopped, 0);
+    EXPECT_TRUE(manager_.m_bIsNeedAskAuthentication());
     cutter.cancelCleanAll();
-    EXPECT_EQ(remover.stopped, 1);
+    EXPECT_FALSE(manager_.m_bIsNeedAskAuthentication());
 }
 
 }  // namespace brimvault::tests
