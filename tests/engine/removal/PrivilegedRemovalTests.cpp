@@ -287,8 +287,10 @@ TEST_F(RemovingAsRoot, ReplacesAToolThatBreaksOffAndDoesNotAskItAgainByItself) {
     EXPECT_FALSE(remover_.removeFileAtPath("/b"));
     EXPECT_EQ(told_.met, 1);
     told_.answers = true;
+    told_.asked.clear();
     EXPECT_TRUE(remover_.removeFileAtPath("/b"));
     EXPECT_EQ(told_.met, 2);
+    EXPECT_EQ(told_.asked.front(), Operation::keepFolderAtPath);
 }
 
 TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
