@@ -22,15 +22,14 @@ namespace {
 const QString name = QStringLiteral("somethingFinished");
 
 // Many items that count, when they are freed, on which thread that happens.
-class CountedItems {
-public:
+struct CountedItems {
     static constexpr int count = 5000;
 
     [[nodiscard]] ItemArray make() {
         ItemArray items;
         for (int number = 0; number < count; ++number) {
             items.append({new FFItem, [this](FFItem* item) {
-                              (QThread::currentThread() == main_ ? freedByMain_ : freedByOthers_) += 1;
+                              (QThread::currentThread() == main ? freedByMain : freedByOthers) += 1;
                               delete item;
                           }});
         }
@@ -38,14 +37,13 @@ public:
     }
     void expectFreedByOthers() const {
         QThreadPool::globalInstance()->waitForDone();
-        EXPECT_EQ(freedByMain_, 0);
-        EXPECT_EQ(freedByOthers_, count);
+        EXPECT_EQ(freedByMain, 0);
+        EXPECT_EQ(freedByOthers, count);
     }
 
-private:
-    QThread* const main_ = QThread::currentThread();
-    std::atomic<int> freedByMain_ = 0;
-    std::atomic<int> freedByOthers_ = 0;
+    QThread* const main = QThread::currentThread();
+    std::atomic<int> freedByMain = 0;
+    std::atomic<int> freedByOthers = 0;
 };
 
 }  // namespace
