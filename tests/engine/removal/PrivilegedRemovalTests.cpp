@@ -224,14 +224,12 @@ TEST_F(Authorizing, GivesRightsBackOnceAndBeginsAnew) {
     EXPECT_EQ(system_.given, 1);
     EXPECT_EQ(system_.made, 2);
     EXPECT_THAT(messages_.heard, ElementsAre("given back"));
-}
 
-TEST(AuthorizingNobody, IsANoWithoutAQuestion) {
-    AuthorizationManager manager([] { return nullptr; });
-    manager.setIsNeedAskAuthentication(true);
-    EXPECT_FALSE(manager.executeCommand("/tool", {}, 0));
-    EXPECT_FALSE(manager.isToolRunning());
-    manager.deauthenticate();
+    AuthorizationManager ofNobody([] { return nullptr; });
+    ofNobody.setIsNeedAskAuthentication(true);
+    EXPECT_FALSE(ofNobody.executeCommand("/tool", {}, 0));
+    EXPECT_FALSE(ofNobody.isToolRunning());
+    ofNobody.deauthenticate();
 }
 
 TEST_F(Authorizing, IgnoresTheEndsOfChildrenFromTheFirstStartToTheLastStop) {
