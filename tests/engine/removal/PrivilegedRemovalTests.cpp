@@ -292,8 +292,9 @@ TEST_F(RemovingAsRoot, ReplacesAToolThatBreaksOffAndDoesNotAskItAgainByItself) {
 }
 
 TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
-    for (const auto& greeting : {*cleaner::encode(Operation::ready, "0"), *cleaner::encode(Operation::done),
-                                 std::string("\xff\xff\xff\xff", 4)}) {
+    for (const auto& greeting :
+         {*cleaner::encode(Operation::ready, "0"), *cleaner::encode(Operation::done, {&cleaner::version, 1}),
+          std::string("\xff\xff\xff\xff", 4)}) {
         told_.greeting = greeting;
         EXPECT_FALSE(remover_.removeFileAtPath("/a"));
     }
