@@ -28,6 +28,13 @@ inline void runToEnd(const std::shared_ptr<engine::Operation>& operation) {
     operation->waitUntilFinished();
 }
 
+/// What the finished notification of a scan held.
+inline engine::ApplicationArray listedIn(const HeardNotifications& finished) {
+    return engine::getArrayPropfromNotification<engine::ApplicationArray>(finished.last(resources.scanFinished),
+                                                                          resources.arrayKey)
+        .value_or(engine::ApplicationArray());
+}
+
 /// Scans and answers what the finished notification held, which is to come exactly once; `meanwhile` is called on the
 /// scan's thread at every progress.
 inline engine::ApplicationArray scanApplications(
@@ -39,9 +46,7 @@ inline engine::ApplicationArray scanApplications(
         resources.scanProgress, [&](const auto& heard) { meanwhile(*operation, heard); });
     runToEnd(operation);
     EXPECT_EQ(finished.names().size(), 1);
-    return engine::getArrayPropfromNotification<engine::ApplicationArray>(finished.last(resources.scanFinished),
-                                                                          resources.arrayKey)
-        .value_or(engine::ApplicationArray());
+    return listedIn(finished);
 }
 
 inline std::shared_ptr<langres::CAOperation> makeClean(
