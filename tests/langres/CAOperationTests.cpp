@@ -1,12 +1,9 @@
 #include "langres/CAOperation.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <unistd.h>
 
+#include <QProcess>
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
@@ -20,7 +17,11 @@ namespace brimvault::tests {
 using namespace trial;
 
 using engine::ApplicationArray;
+using testing::ElementsAre;
+using testing::Pair;
+using testing::UnorderedElementsAre;
 using Paths = std::vector<std::filesystem::path>;
+using NotCleaned = std::map<std::string, int>;
 namespace fs = std::filesystem;
 
 namespace {
@@ -35,22 +36,9 @@ public:
         return answer(path);
     }
 
-    std::vector<fs::path> asked;
+    Paths asked;
     std::function<bool(const fs::path&)> answer = [](const fs::path&) { return false; };
 };
-
-// Locks a file or folder against change, or unlocks it. 0, or why it could not be done.
-int setLocked(const fs::path& file, bool locked) {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    int flags = 0;
-    int problem = ::ioctl(descriptor, FS_IOC_GETFLAGS, &flags) == 0 ? 0 : errno;
-    flags = locked ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
-    if (problem == 0 && ::ioctl(descriptor, FS_IOC_SETFLAGS, &flags) != 0) {
-        problem = errno;
-    }
-    ::close(descriptor);
-    return problem;
-}
 
 class ApplicationsClean : public testing::Test {
 protected:
@@ -67,103 +55,81 @@ protected:
                   [](const auto& a, const auto& b) { return a->pAppName() < b->pAppName(); });
         return applications;
     }
+    // Something else that a link leads to is where the place was.
+    void exchange(const fs::path& place) const {
+        fs::rename(place, folder_ / "precious");
+        fs::create_directory_symlink(folder_ / "precious", place);
+    }
+    // Two languages of "Some" are told not to have gone.
+    void expectThatAllStays(const ApplicationArray& applications) const {
+        const auto before = fingerprint(folder_.path());
+        ToldRemover remover;
+        const auto result = runClean(makeClean(applications, english, remover));
+        EXPECT_TRUE(result.gone.empty());
+        EXPECT_EQ(result.notCleaned, (NotCleaned{{"Some", 2}}));
+        EXPECT_EQ(fingerprint(folder_.path()), before);
+        EXPECT_THAT(remover.asked, testing::IsEmpty());
+    }
 
     TemporaryFolder folder_;
 };
 
 }  // namespace
 
-TEST_F(ApplicationsClean, RemovesExactlyWhatIsToGoAndPostsIt) {
-    const auto one = make("One.app", {"en.lproj", "de.lproj", "German.lproj", "Base.lproj"});
-    makeLocalizations(one / "Contents/X.framework", {"fr.lproj", "en.lproj"});
-    const auto two = make("Two.app", {"en.lproj", "ja.lproj/inner", "ja.lproj"});
-    make("Kept.app", {"en.lproj", "English.lproj"});
-    make("Unticked.app", {"en.lproj", "de.lproj"});
-    make("Undeletable.app", {"en.lproj", "de.lproj"});
-    const auto applications = scanned();
-    ASSERT_EQ(applications.size(), 5);
-    std::map<fs::path, Paths> expected;
-    std::vector<fs::path> toGo;
-    for (const auto& application : applications) {
-        application->setPpbDeletable(application->ppdisplayName() != QLatin1String("Undeletable"));
-        application->setPpbChecked(application->ppdisplayName() != QLatin1String("Unticked"));
-        for (const auto& item : application->itemsToClean(english)) {
-            expected[application->pAppName()].push_back(item->plocPath);
-            toGo.push_back(item->plocPath.lexically_relative(folder_.path()));
-        }
+TEST_F(ApplicationsClean, PostsOnceWhatIsGoneOfTheApplicationsThatAreToBeCleaned) {
+    const auto one = make("1.app", {"en.lproj", "de.lproj", "fr.lproj"});
+    const auto two = make("2.app", {"en.lproj", "ja.lproj/inner", "ja.lproj"});
+    const auto vanished = make("3.app", {"en.lproj", "de.lproj"});
+    for (const char* name : {"4 unticked.app", "5 undeletable.app", "6 not agreed.app"}) {
+        make(name, {"en.lproj", "de.lproj"});
     }
-    EXPECT_THAT(expected.at(one), testing::UnorderedElementsAre(one / "Contents/Resources/de.lproj",
-                                                                one / "Contents/Resources/German.lproj",
-                                                                one / "Contents/X.framework/fr.lproj"));
-    EXPECT_EQ(expected.at(two), Paths{two / "Contents/Resources/ja.lproj"});
-    const auto left = fingerprint(folder_.path(), toGo);
-    const auto result = runClean(makeClean(applications, english));
+    const auto applications = scanned();
+    ASSERT_EQ(applications.size(), 6);
+    applications[3]->setPpbChecked(false);
+    applications[4]->setPpbDeletable(false);
+    fs::remove_all(one / "Contents/Resources/de.lproj");
+    fs::remove_all(vanished);
+    const auto before = fingerprint(folder_.path());
+    EXPECT_EQ(runClean(makeClean(applications, {})).posts, 0) << "without languages to keep";
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+    const auto left = fingerprint(folder_.path(), {"Applications/1.app/Contents/Resources/fr.lproj",
+                                                   "Applications/2.app/Contents/Resources/ja.lproj"});
+    const auto operation = makeClean(applications, english);
+    operation->restrictTo(std::make_shared<const engine::AgreedItems>(applications.mid(0, 5)));
+    const auto result = runClean(operation);
     EXPECT_EQ(result.posts, 1);
-    EXPECT_EQ(result.gone, expected);
+    EXPECT_THAT(result.gone,
+                UnorderedElementsAre(Pair(one, UnorderedElementsAre(one / "Contents/Resources/de.lproj",
+                                                                    one / "Contents/Resources/fr.lproj")),
+                                     Pair(two, ElementsAre(two / "Contents/Resources/ja.lproj")),
+                                     Pair(vanished, ElementsAre(vanished / "Contents/Resources/de.lproj"))));
     EXPECT_TRUE(result.notCleaned.empty());
     EXPECT_EQ(fingerprint(folder_.path()), left);
-}
-
-TEST_F(ApplicationsClean, RemovesAndPostsNothingWithoutLanguagesToKeep) {
-    make("Some.app", {"en.lproj", "de.lproj"});
-    const auto applications = scanned();
-    const auto before = fingerprint(folder_.path());
-    EXPECT_EQ(runClean(makeClean(applications, {})).posts, 0);
-    EXPECT_EQ(fingerprint(folder_.path()), before);
     EXPECT_EQ(runClean(makeClean({}, english)).posts, 1);
-}
-
-TEST_F(ApplicationsClean, CountsWhatIsMissingAlreadyAsGone) {
-    const auto bundle = make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
-    const auto applications = scanned();
-    fs::remove_all(bundle / "Contents/Resources/de.lproj");
-    auto result = runClean(makeClean(applications, english));
-    EXPECT_EQ(result.gone.at(bundle).size(), 2U);
-    EXPECT_TRUE(result.notCleaned.empty());
-    EXPECT_TRUE(fs::exists(bundle / "Contents/Resources/en.lproj"));
-    fs::remove_all(bundle);
-    result = runClean(makeClean(applications, english));
-    EXPECT_EQ(result.gone.at(bundle).size(), 2U);
-    EXPECT_TRUE(result.notCleaned.empty());
 }
 
 TEST_F(ApplicationsClean, LeavesWhatWasExchangedAndCountsItsLanguageOnce) {
     const auto bundle = make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
     makeLocalizations(bundle / "PlugIns", {"en.lproj", "de.lproj"});
     const auto applications = scanned();
-    makeLocalizations(folder_ / "precious", {"fr.lproj"});
-    for (const auto& localization : {bundle / "Contents/Resources/de.lproj", bundle / "PlugIns/de.lproj",
-                                     bundle / "Contents/Resources/fr.lproj"}) {
-        fs::remove_all(localization);
+    exchange(bundle / "Contents/Resources/fr.lproj");
+    for (const char* folder : {"Contents/Resources", "PlugIns"}) {
+        fs::remove_all(bundle / folder / "de.lproj");
+        writeFile(bundle / folder / "de.lproj", "a file");
     }
-    fs::create_directory_symlink(folder_ / "precious/fr.lproj", bundle / "Contents/Resources/fr.lproj");
-    writeFile(bundle / "Contents/Resources/de.lproj", "a file");
-    writeFile(bundle / "PlugIns/de.lproj", "a file");
-    const auto before = fingerprint(folder_.path());
-    ToldRemover remover;
-    const auto result = runClean(makeClean(applications, english, remover));
-    EXPECT_TRUE(result.gone.empty());
-    EXPECT_EQ(result.notCleaned, (std::map<std::string, int>{{"Some", 2}}));
-    EXPECT_EQ(fingerprint(folder_.path()), before);
-    EXPECT_THAT(remover.asked, testing::IsEmpty());
+    expectThatAllStays(applications);
 }
 
 TEST_F(ApplicationsClean, FollowsNoLinkOnTheWay) {
-    for (const char* exchanged : {"Contents/Resources", "Contents", "."}) {
-        removeTree(folder_ / "Applications");
+    const auto bundle = folder_ / "Applications/Some.app";
+    for (auto place = bundle / "Contents/Resources"; place != bundle.parent_path(); place = place.parent_path()) {
+        SCOPED_TRACE(place);
+        removeTree(bundle.parent_path());
         removeTree(folder_ / "precious");
-        const auto bundle = make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
+        make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
         const auto applications = scanned();
-        const auto place = exchanged == std::string(".") ? bundle : bundle / exchanged;
-        fs::rename(place, folder_ / "precious");
-        fs::create_directory_symlink(folder_ / "precious", place);
-        const auto before = fingerprint(folder_.path());
-        ToldRemover remover;
-        const auto result = runClean(makeClean(applications, english, remover));
-        EXPECT_EQ(fingerprint(folder_.path()), before) << exchanged;
-        EXPECT_EQ(result.notCleaned, (std::map<std::string, int>{{"Some", 2}})) << exchanged;
-        EXPECT_TRUE(result.gone.empty());
-        EXPECT_THAT(remover.asked, testing::IsEmpty()) << exchanged;
+        exchange(place);
+        expectThatAllStays(applications);
     }
 }
 
@@ -183,67 +149,84 @@ TEST_F(ApplicationsClean, LeavesTheLastLocalizationOfAFolderWhateverTheRecordSay
     fs::create_directory_symlink("Base.lproj", shared / "es.lproj");
     writeFile(shared / "ko.lproj", "a file");
     const auto result = runClean(makeClean(applications, english));
-    EXPECT_EQ(result.gone, (std::map<fs::path, Paths>{{bundle, {items[0]->plocPath}}}));
-    EXPECT_EQ(result.notCleaned, (std::map<std::string, int>{{"Some", 1}}));
+    EXPECT_THAT(result.gone, ElementsAre(Pair(bundle, ElementsAre(items[0]->plocPath))));
+    EXPECT_EQ(result.notCleaned, (NotCleaned{{"Some", 1}}));
     EXPECT_FALSE(fs::exists(items[0]->plocPath));
     EXPECT_TRUE(fs::exists(items[1]->plocPath / "Localizable.strings"));
 }
 
-TEST_F(ApplicationsClean, AsksThePrivilegedRemoverOnceForEachFolderThatTheUserMayNotRemove) {
-    const auto bundle = make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
-    makeLocalizations(bundle / "PlugIns", {"en.lproj", "de.lproj"});
-    makeLocalizations(bundle / "Free", {"en.lproj", "ja.lproj"});
+TEST_F(ApplicationsClean, AsksThePrivilegedRemoverForWhatTheUserMayNotRemoveAndPostsWhatItHasDone) {
+    const auto first = make("1.app", {"en.lproj", "de.lproj"});
+    const auto second = make("2.app", {"en.lproj", "de.lproj", "fr.lproj"});
+    makeLocalizations(second / "PlugIns", {"en.lproj", "de.lproj"});
+    const auto third = make("3.app", {"en.lproj", "de.lproj"});
     const auto applications = scanned();
     Paths closed;
-    Paths gone;
-    for (const auto& item : applications[0]->itemsToClean(english)) {
-        const bool free = item->plocPath.parent_path() == bundle / "Free";
-        if (!free) {
-            closed.push_back(item->plocPath);
-            fs::permissions(item->plocPath.parent_path(), static_cast<fs::perms>(0555));
-        }
-        if (free || item->plocNameId == QLatin1String("fr")) {
-            gone.push_back(item->plocPath);
-        }
+    for (const auto& item : applications[1]->itemsToClean(english)) {
+        closed.push_back(item->plocPath);
+        fs::permissions(item->plocPath.parent_path(), static_cast<fs::perms>(0555));
     }
-    ASSERT_TRUE(closed.size() == 3 && gone.size() == 2);
+    ASSERT_EQ(closed.size(), 3U);
     giveToNobody(folder_.path());
-    EXPECT_WELL_IN_CHILD([&]() -> std::string {
-        becomeNobody();
-        ToldRemover remover;
-        remover.answer = [](const fs::path& path) { return path.filename() == "fr.lproj"; };
-        const auto result = runClean(makeClean(applications, english, remover));
-        if (remover.asked != closed) {
-            return "it was asked " + std::to_string(remover.asked.size()) + " times";
-        }
-        if (result.gone != std::map<fs::path, Paths>{{bundle, gone}}) {
-            return "other folders are gone";
-        }
-        return result.notCleaned == std::map<std::string, int>{{"Some", 1}} ? "" : "the languages are counted wrongly";
-    });
+    const Paths ofFirst = {first / "Contents/Resources/de.lproj"};
+    enum class Answer { thatCancels, thatFails, forFrench };
+    const struct {
+        Answer answer;
+        Paths asked;
+        std::map<fs::path, Paths> gone;
+        NotCleaned notCleaned;
+    } examples[] = {
+        {Answer::thatCancels, {closed[0]}, {{first, ofFirst}, {second, {closed[0]}}}, {}},
+        {Answer::thatFails, {closed[0]}, {{first, ofFirst}}, {}},
+        {Answer::forFrench,
+         closed,
+         {{first, ofFirst},
+          {second, {second / "Contents/Resources/fr.lproj"}},
+          {third, {third / "Contents/Resources/de.lproj"}}},
+         {{"2", 1}}},
+    };
+    for (const auto& [answer, asked, gone, notCleaned] : examples) {
+        EXPECT_WELL_IN_CHILD([&, how = answer]() -> std::string {
+            becomeNobody();
+            ToldRemover remover;
+            const auto operation = makeClean(applications, english, remover);
+            remover.answer = [&](const fs::path& path) {
+                if (how == Answer::thatFails) {
+                    throw std::runtime_error("a failure");
+                }
+                if (how == Answer::thatCancels) {
+                    operation->cancel();
+                }
+                return how == Answer::thatCancels || path.filename() == "fr.lproj";
+            };
+            const auto result = runClean(operation);
+            if (remover.asked != asked) {
+                return "asked " + std::to_string(remover.asked.size()) + " times";
+            }
+            return result.posts == 1 && result.gone == gone && result.notCleaned == notCleaned ? "" : "told otherwise";
+        });
+    }
 }
 
 TEST_F(ApplicationsClean, AsksThePrivilegedRemoverNothingWhereTheFolderIsLocked) {
     const auto bundle = make("Some.app", {"en.lproj", "de.lproj"});
     makeLocalizations(bundle / "PlugIns", {"en.lproj", "fr.lproj"});
     const auto applications = scanned();
-    const auto locked = {bundle / "Contents/Resources", bundle / "PlugIns/fr.lproj/Localizable.strings"};
-    int problem = 0;
-    for (const auto& place : locked) {
-        problem = std::max(problem, setLocked(place, true));
-    }
+    const auto setLocked = [&](const char* mode) {
+        const auto folder = QString::fromStdString(bundle / "Contents/Resources");
+        const auto file = QString::fromStdString(bundle / "PlugIns/fr.lproj/Localizable.strings");
+        return QProcess::execute(QStringLiteral("chattr"), {QString::fromLatin1(mode), folder, file}) == 0;
+    };
     ToldRemover remover;
-    const auto result = problem == 0 ? runClean(makeClean(applications, english, remover)) : CleanResult();
-    for (const auto& place : locked) {
-        (void)setLocked(place, false);
+    const bool isLocked = setLocked("+i");
+    const auto result = isLocked ? runClean(makeClean(applications, english, remover)) : CleanResult();
+    setLocked("-i");
+    if (!isLocked) {
+        GTEST_SKIP() << "cannot lock files here";
     }
-    if (problem != 0) {
-        GTEST_SKIP() << "cannot lock here: " << std::generic_category().message(problem);
-    }
-    EXPECT_EQ(remover.asked, Paths{bundle / "PlugIns/fr.lproj"});
+    EXPECT_THAT(remover.asked, ElementsAre(bundle / "PlugIns/fr.lproj"));
     EXPECT_TRUE(result.gone.empty());
-    EXPECT_EQ(result.notCleaned, (std::map<std::string, int>{{"Some", 2}}));
-    EXPECT_TRUE(fs::exists(bundle / "Contents/Resources/de.lproj"));
+    EXPECT_EQ(result.notCleaned, (NotCleaned{{"Some", 2}}));
 }
 
 TEST_F(ApplicationsClean, AsksThePrivilegedRemoverNothingWhereAnythingElseStandsInTheWay) {
@@ -259,45 +242,8 @@ TEST_F(ApplicationsClean, AsksThePrivilegedRemoverNothingWhereAnythingElseStands
         }
         ToldRemover remover;
         const auto result = runClean(makeClean(applications, english, remover));
-        return remover.asked.empty() && result.notCleaned == std::map<std::string, int>{{"Some", 1}} ? ""
-                                                                                                     : "it was asked";
+        return remover.asked.empty() && result.notCleaned == NotCleaned{{"Some", 1}} ? "" : "it was asked";
     });
-}
-
-TEST_F(ApplicationsClean, PostsWhatItHasDoneWhenItIsCancelledOrFailsUnderWay) {
-    const auto first = make("1.app", {"en.lproj", "de.lproj"});
-    const auto second = make("2.app", {"en.lproj", "de.lproj", "fr.lproj"});
-    const auto third = make("3.app", {"en.lproj", "de.lproj"});
-    const auto applications = scanned();
-    const auto items = applications[1]->itemsToClean(english);
-    fs::permissions(second / "Contents/Resources", static_cast<fs::perms>(0555));
-    giveToNobody(folder_.path());
-    enum class Answer { granted, refused, failure };
-    for (const Answer answer : {Answer::granted, Answer::refused, Answer::failure}) {
-        EXPECT_WELL_IN_CHILD([&]() -> std::string {
-            becomeNobody();
-            ToldRemover remover;
-            const auto operation = makeClean(applications, english, remover);
-            remover.answer = [&](const fs::path&) {
-                if (answer == Answer::failure) {
-                    throw std::runtime_error("a failure");
-                }
-                operation->cancel();
-                return answer == Answer::granted;
-            };
-            const auto result = runClean(operation);
-            std::map<fs::path, Paths> gone = {{first, {first / "Contents/Resources/de.lproj"}}};
-            if (answer == Answer::granted) {
-                gone[second] = {items[0]->plocPath};
-            }
-            if (result.posts != 1 || result.gone != gone ||
-                result.notCleaned.size() != (answer == Answer::refused ? 1 : 0)) {
-                return "posted something else";
-            }
-            return remover.asked == Paths{items[0]->plocPath} ? "" : "it went on";
-        });
-        EXPECT_TRUE(fs::exists(third / "Contents/Resources/de.lproj"));
-    }
 }
 
 }  // namespace brimvault::tests
