@@ -32,22 +32,13 @@ protected:
                                                     [this](const QStringList& needed) { told_.push_back(needed); });
     }
 
-    // The rows by the names of their flags.
+    // The rows by the names of their flags, the checked ones with a plus sign.
     static QStringList rowsOf(const LangListController& list) {
-        QStringList rows;
-        for (int row = 0; row < list.rowCount(); ++row) {
-            rows.append(list.getIconforRow(row));
-        }
-        return rows;
-    }
-    static QStringList checkedOf(const LangListController& list) {
         QStringList rows;
         for (int row = 0; row < list.rowCount(); ++row) {
             const auto state = list.data(list.index(row, LangListController::checkColumn), Qt::CheckStateRole);
             EXPECT_EQ(state.toInt() == Qt::Checked, list.getLangNeededState(row));
-            if (list.getLangNeededState(row)) {
-                rows.append(list.getIconforRow(row));
-            }
+            rows.append(list.getIconforRow(row) + (list.getLangNeededState(row) ? QStringLiteral("+") : QString()));
         }
         return rows;
     }
@@ -62,59 +53,46 @@ protected:
     std::vector<QStringList> told_;
 };
 
-const char* const commonWithoutEnglish =
-    "FR DE ZH-HANS ZH-HANT JA ES IT NL KO PT PT-PT DA FI NB SV RU PL TR AR TH CS HU CA HR EL HE RO SK UK ID MS VI";
+// Between German and Vietnamese.
+const QLatin1String commonInTheMiddle(
+    "ZH-HANS ZH-HANT JA ES IT NL KO PT PT-PT DA FI NB SV RU PL TR AR TH CS HU CA HR EL HE RO SK UK ID MS");
 
 }  // namespace
 
-TEST_F(LanguagesList, OffersWhatTheUserUsesAndChecksWhatIsUsedEvidently) {
+TEST_F(LanguagesList, OffersWhatTheUserUsesAndTheCommonOnesAndChecksWhatIsUsedEvidently) {
     const struct {
-        const char *preferred, *keyboards, *stored, *rows, *checked, *needed;
+        const char *preferred, *keyboards, *stored, *rows, *needed;
     } examples[] = {
-        {"de-DE en", "", "", "EN DE-DE", "EN DE-DE", "en de-DE"},
-        {"en-US", "", "", "EN", "EN", "en en-US"},
-        {"en-US fr", "", "", "EN FR", "EN FR", "en en-US fr"},
-        {"en fr", "", "", "EN FR", "EN", "en"},
-        {"fr en it en-GB", "", "", "EN FR IT", "EN FR", "en fr en-GB"},
-        {"it fr de", "", "", "EN IT FR DE", "EN IT FR DE", "en it fr de"},
-        {"en", "ru zh-Hans en-AU", "", "EN RU ZH-HANS", "EN RU ZH-HANS", "en ru zh-Hans en-AU"},
-        {"en ru", "ru", "", "EN RU", "EN RU", "en ru"},
-        {"", "", "", "EN", "EN", "en"},
-        {"de en", "", "LK_de=false", "EN DE", "EN", "en"},
-        {"de en", "", "LK_de=0", "EN DE", "EN", "en"},
-        {"de en", "", "LK_de=perhaps", "EN DE", "EN DE", "en de"},
-        {"de en", "", "LK_de=", "EN DE", "EN DE", "en de"},
-        {"de en", "", "LK_DE=false", "EN DE", "EN DE", "en de"},
-        {"en fr zh-Hant", "", "LK_fr=true\nLK_zh-Hant=1", "EN FR ZH-HANT", "EN FR ZH-HANT", "en fr zh-Hant"},
-        {"en-GB en de", "", "LK_en=false\nLK_en-GB=false", "EN DE", "EN", "en en-GB"},
+        {"de-DE en", "", "", "EN+ DE-DE+", "en de-DE"},
+        {"en-US", "", "", "EN+", "en en-US"},
+        {"en-US fr", "", "", "EN+ FR+", "en en-US fr"},
+        {"en fr", "", "", "EN+ FR", "en"},
+        {"fr en it en-GB", "", "", "EN+ FR+ IT", "en fr en-GB"},
+        {"it fr de", "", "", "EN+ IT+ FR+ DE+", "en it fr de"},
+        {"en", "ru zh-Hans en-AU", "", "EN+ RU+ ZH-HANS+", "en ru zh-Hans en-AU"},
+        {"en ru", "ru", "", "EN+ RU+", "en ru"},
+        {"", "", "", "EN+", "en"},
+        {"de en", "", "LK_de=false", "EN+ DE", "en"},
+        {"de en", "", "LK_de=perhaps", "EN+ DE+", "en de"},
+        {"de en", "", "LK_DE=false", "EN+ DE+", "en de"},
+        {"en fr zh-Hant", "", "LK_fr=true\nLK_zh-Hant=1", "EN+ FR+ ZH-HANT+", "en fr zh-Hant"},
+        {"en-GB en de", "", "LK_en=false\nLK_en-GB=false", "EN+ DE", "en en-GB"},
+        {"de-DE en-US", "", "", "EN+ DE-DE+ FR DE COMMON VI", "en de-DE en-US"},
+        {"de-CH", "sw", "", "EN+ DE-CH+ FR DE COMMON VI SW+", "en de-CH sw"},
+        {"vi de fr", "vi", "", "EN+ VI+ DE+ FR+ COMMON", "en vi de fr"},
+        {"en", "vi", "", "EN+ FR DE COMMON VI+", "en vi"},
     };
     for (const auto& example : examples) {
         SCOPED_TRACE(std::string(example.preferred) + ", " + example.keyboards + ", " + example.stored);
         writeFile(file_, std::string("[General]\n") + example.stored + "\n");
-        const auto languages = list(example.preferred, example.keyboards);
-        EXPECT_EQ(rowsOf(*languages), words(example.rows));
-        EXPECT_EQ(checkedOf(*languages), words(example.checked));
+        QString rows = QString::fromLatin1(example.rows);
+        const bool offersCommonLanguages = rows.contains(QLatin1String("COMMON"));
+        rows.replace(QLatin1String("COMMON"), commonInTheMiddle);
+        const auto languages = list(example.preferred, example.keyboards, offersCommonLanguages);
+        EXPECT_EQ(rowsOf(*languages), rows.split(QLatin1Char(' ')));
         EXPECT_EQ(languages->getNeededLangsArray(), words(example.needed));
         EXPECT_EQ(told_, std::vector{words(example.needed)});
     }
-}
-
-TEST_F(LanguagesList, OffersTheCommonLanguagesAfterThePreferredOnes) {
-    const struct {
-        const char *preferred, *keyboards, *before, *after, *needed;
-    } examples[] = {
-        {"de-DE en", "", "EN DE-DE", "", "en de-DE"},
-        {"en-US", "", "EN", "", "en en-US"},
-        {"en", "ru", "EN", "", "en ru"},
-        {"de-CH", "sw", "EN DE-CH", "SW", "en de-CH sw"},
-        {"", "", "EN", "", "en"},
-    };
-    for (const auto& example : examples) {
-        const auto languages = list(example.preferred, example.keyboards, true);
-        EXPECT_EQ(rowsOf(*languages), words(example.before) + words(commonWithoutEnglish) + words(example.after));
-        EXPECT_EQ(languages->getNeededLangsArray(), words(example.needed)) << example.preferred;
-    }
-    EXPECT_EQ(rowsOf(*list("fr zh-Hans", "", true)).size(), 33);
 }
 
 TEST_F(LanguagesList, StoresEachChoiceAtOnceAndTellsIt) {
@@ -126,7 +104,7 @@ TEST_F(LanguagesList, StoresEachChoiceAtOnceAndTellsIt) {
         languages->setLangNeededState(3, false);
         EXPECT_EQ(UserDefaults(file_).boolean(QStringLiteral("LK_pt-PT")), false);
         EXPECT_EQ(told_, (std::vector{words("en de ru pt-PT"), words("en ru pt-PT"), words("en ru")}));
-        EXPECT_EQ(checkedOf(*languages), words("EN RU"));
+        EXPECT_EQ(rowsOf(*languages), words("EN+ DE RU+ PT-PT"));
     }
     const auto again = list("de ru pt-PT en");
     EXPECT_EQ(again->getNeededLangsArray(), words("en ru"));
@@ -138,59 +116,36 @@ TEST_F(LanguagesList, KeepsEnglishWhateverIsSet) {
     const auto languages = list("en-GB de");
     EXPECT_FALSE(check(*languages, 0, false));
     languages->setLangNeededState(0, false);
-    EXPECT_EQ(checkedOf(*languages), words("EN DE"));
+    EXPECT_EQ(rowsOf(*languages), words("EN+ DE+"));
     EXPECT_EQ(languages->getNeededLangsArray(), words("en en-GB de"));
     languages->setLangNeededState(1, false);
     EXPECT_EQ(languages->getNeededLangsArray(), words("en en-GB"));
     EXPECT_EQ(list("en-GB de")->getNeededLangsArray(), words("en en-GB"));
 }
 
-TEST_F(LanguagesList, LetsNoRowBeChangedThatIsLocked) {
+TEST_F(LanguagesList, LetsNoRowBeChangedDuringACleanNorOneThatIsNotThere) {
     const auto languages = list("de ru en");
-    const auto editable = [&] {
-        QStringList rows;
-        for (int row = 0; row < languages->rowCount(); ++row) {
-            const auto flags = languages->flags(languages->index(row, LangListController::checkColumn));
-            EXPECT_EQ(flags.testFlag(Qt::ItemIsUserCheckable), languages->canEditRowCheck(row));
-            if (languages->canEditRowCheck(row)) {
-                rows.append(languages->getIconforRow(row));
-            }
-        }
-        return rows;
+    const auto isEditable = [&](int row) {
+        const auto flags = languages->flags(languages->index(row, LangListController::checkColumn));
+        EXPECT_EQ(flags.testFlag(Qt::ItemIsUserCheckable), languages->canEditRowCheck(row));
+        return flags.testFlag(Qt::ItemIsUserCheckable);
     };
-    EXPECT_EQ(editable(), words("DE RU"));
+    EXPECT_TRUE(!isEditable(0) && isEditable(1) && isEditable(2));
     languages->updateCleaningState(true);
-    EXPECT_EQ(editable(), QStringList());
-    EXPECT_FALSE(check(*languages, 1, false));
-    EXPECT_EQ(checkedOf(*languages), words("EN DE RU"));
+    EXPECT_FALSE(isEditable(0) || isEditable(1) || isEditable(2) || check(*languages, 1, false));
     languages->updateCleaningState(false);
-    EXPECT_EQ(editable(), words("DE RU"));
-    EXPECT_FALSE(languages->isSingleChecked());
-    EXPECT_TRUE(check(*languages, 1, false));
-    EXPECT_FALSE(languages->isLatestCheckedItem(2));
-    EXPECT_TRUE(check(*languages, 2, false));
-    EXPECT_TRUE(languages->isSingleChecked());
-    EXPECT_TRUE(languages->isLatestCheckedItem(0));
-    EXPECT_FALSE(languages->isLatestCheckedItem(1));
-    EXPECT_EQ(editable(), words("DE RU"));
-}
-
-TEST_F(LanguagesList, AnswersNothingForRowsThatAreNotThere) {
-    const auto languages = list("de en");
-    for (const int row : {-1, 2, 1000}) {
+    EXPECT_TRUE(!isEditable(0) && isEditable(1) && isEditable(2));
+    for (const int row : {-1, 3}) {
         languages->setLangNeededState(row, true);
-        languages->setLangNeededState(row, false);
-        EXPECT_FALSE(languages->getLangNeededState(row));
-        EXPECT_FALSE(languages->canEditRowCheck(row));
-        EXPECT_FALSE(languages->isLatestCheckedItem(row));
+        EXPECT_FALSE(languages->getLangNeededState(row) || languages->canEditRowCheck(row));
         EXPECT_EQ(languages->getIconforRow(row), QString());
         EXPECT_EQ(languages->text(row), QStringLiteral("Undefined"));
-        EXPECT_FALSE(check(*languages, row, false));
     }
     EXPECT_EQ(told_.size(), 1U);
     const auto text = languages->index(1, LangListController::textColumn);
     EXPECT_FALSE(languages->setData(text, Qt::Unchecked, Qt::CheckStateRole));
-    EXPECT_FALSE(languages->setData(text, QStringLiteral("Deutsch"), Qt::EditRole));
+    EXPECT_FALSE(
+        languages->setData(text.siblingAtColumn(LangListController::checkColumn), Qt::Unchecked, Qt::EditRole));
     EXPECT_FALSE(languages->data(text, Qt::CheckStateRole).isValid());
 }
 
@@ -204,19 +159,21 @@ TEST_F(LanguagesList, ShowsAllChecksAnewWhereExactlyOneIsOrWasChecked) {
                      });
     const std::pair<int, bool> steps[] = {{1, true}, {2, true}, {2, false}, {1, false}};
     for (const auto& [row, checked] : steps) {
+        EXPECT_EQ(languages->isLatestCheckedItem(0), languages->isSingleChecked());
+        EXPECT_EQ(languages->isSingleChecked(), languages->getNeededLangsArray().size() == 1);
         EXPECT_TRUE(check(*languages, row, checked));
+        EXPECT_FALSE(languages->isLatestCheckedItem(row));
     }
-    EXPECT_THAT(changes, testing::ElementsAre(std::pair(0, 2), std::pair(2, 2), std::pair(2, 2), std::pair(0, 2)));
-    changes.clear();
     languages->updateCleaningState(true);
-    EXPECT_THAT(changes, testing::ElementsAre(std::pair(0, 2)));
+    using testing::Pair;
+    EXPECT_THAT(changes, testing::ElementsAre(Pair(0, 2), Pair(2, 2), Pair(2, 2), Pair(0, 2), Pair(0, 2)));
 }
 
 TEST_F(LanguagesList, NamesLanguagesWithACapitalForEachWordAndDescribesThoseWithoutAName) {
     const auto languages = list("de pt-PT zh-Hans ar-001 qqx", "", true);
     const QRegularExpression smallBeginning(QStringLiteral("(^|[ (])\\p{Ll}"));
-    const QStringList identifiers = words("en de pt-PT zh-Hans ar-001 qqx");
-    for (int row = 0; row < identifiers.size() - 1; ++row) {
+    const QStringList identifiers = words("en de pt-PT zh-Hans ar-001");
+    for (int row = 0; row < identifiers.size(); ++row) {
         const QString text = languages->text(row);
         EXPECT_FALSE(smallBeginning.match(text).hasMatch()) << text.toStdString();
         EXPECT_EQ(text.toLower(),
@@ -226,6 +183,11 @@ TEST_F(LanguagesList, NamesLanguagesWithACapitalForEachWordAndDescribesThoseWith
                   text);
     }
     EXPECT_EQ(languages->text(5), QStringLiteral("<LangItem: qqx>"));
+    QStringList headers;
+    for (int column = 0; column < LangListController::columns; ++column) {
+        headers.append(languages->headerData(column, Qt::Horizontal, Qt::AccessibleTextRole).toString());
+    }
+    EXPECT_EQ(headers, words("Kept Flag Language"));
 }
 
 TEST_F(LanguagesList, NamesLanguagesInTheUsersOwnWhateverTheProgramSpeaks) {
