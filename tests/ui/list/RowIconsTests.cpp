@@ -6,7 +6,7 @@
 #include <QScrollBar>
 #include <QSemaphore>
 #include <QTest>
-#include <mutex>
+#include <numeric>
 
 #include "engine/model/FFItem.h"
 #include "support/EventLoop.h"
@@ -24,59 +24,47 @@ namespace {
 constexpr int manyRows = 1000;
 const QColor colour(10, 200, 30);
 
-// Notes what it is asked for, and answers when it is let.
+// Notes what it is asked for, and answers when it is let. It has nothing for row 3.
 class ToldIcons {
 public:
     QImage load(const RowPicture& picture, int pixels) {
-        {
-            const std::lock_guard guard(mutex_);
-            asked_.push_back(picture.source.toInt());
-        }
+        const auto note = [this, row = picture.source.toInt()] { asked.push_back(row); };
+        QMetaObject::invokeMethod(&mainThread_, note, Qt::QueuedConnection);
         let.acquire();
         QImage image(pixels, pixels, QImage::Format_ARGB32);
-        image.fill(picture.source == "3" ? Qt::transparent : colour);
+        image.fill(colour);
         return picture.source == "3" ? QImage() : image;
     }
 
-    [[nodiscard]] std::vector<int> asked() const {
-        const std::lock_guard guard(mutex_);
-        return asked_;
-    }
-
+    std::vector<int> asked;
     QSemaphore let;
 
 private:
-    mutable std::mutex mutex_;
-    std::vector<int> asked_;
+    QObject mainThread_;
 };
 
-// Which rows of a view are drawn anew.
-class DrawnRows final : public QObject {
+// Keeps what part of it is drawn first.
+class Drawn final : public QObject {
 public:
-    explicit DrawnRows(QTableView& view) : view_(view) { view.viewport()->installEventFilter(this); }
+    explicit Drawn(QWidget* widget) { widget->installEventFilter(this); }
 
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Paint) {
-            const QRect place = static_cast<QPaintEvent*>(event)->region().boundingRect();
-            rows.emplace_back(view_.rowAt(place.top()), view_.rowAt(place.bottom()));
+    bool eventFilter(QObject* /*object*/, QEvent* event) override {
+        if (event->type() == QEvent::Paint && first.isEmpty()) {
+            first = static_cast<QPaintEvent*>(event)->region().boundingRect();
         }
-        return QObject::eventFilter(object, event);
+        return false;
     }
 
-    std::vector<std::pair<int, int>> rows;
-
-private:
-    QTableView& view_;
+    QRect first;
 };
 
 class RowIcons : public testing::Test {
 protected:
     void SetUp() override {
-        QList<ItemListModel::Item> items;
         for (int row = 0; row < manyRows; ++row) {
-            items.append(engine::FFItem::initWithName(std::to_string(row), 1));
+            items_.append(engine::FFItem::initWithName(std::to_string(row), 1));
         }
-        model_.setItems(items);
+        model_.setItems(items_);
         view_.setModel(&model_);
         view_.setItemDelegate(new ui::ItemRowDelegate(
             &view_, [this](const RowPicture& picture, int pixels) { return icons_.load(picture, pixels); }));
@@ -96,9 +84,10 @@ protected:
         return view_.viewport()->grab().toImage().pixelColor(place * view_.devicePixelRatio());
     }
     bool askedFor(std::size_t count) {
-        return runUntil([&] { return icons_.asked().size() >= count; });
+        return runUntil([&] { return icons_.asked.size() >= count; });
     }
 
+    QList<ItemListModel::Item> items_;
     ToldIcons icons_;  // ends after the view, whose thread asks it
     ItemListModel model_{{[](const engine::CleanableItem& item) { return item.ppdisplayName(); },
                           [](const engine::CleanableItem&) { return QString(); },
@@ -114,20 +103,21 @@ protected:
 
 }  // namespace
 
-TEST_F(RowIcons, AreLoadedForTheRowsOnShowAloneAndOnce) {
-    icons_.let.release(manyRows);
+TEST_F(RowIcons, AreLoadedForTheRowsOnShowAloneAndOnceUntilTheListBeginsAnew) {
+    icons_.let.release(2 * manyRows);
+    view_.selectRow(2);
     ASSERT_TRUE(runUntil([&] { return shown(0) == colour && shown(lastShown_) == colour; }));
-    auto asked = icons_.asked();
-    std::sort(asked.begin(), asked.end());
-    std::vector<int> rowsOnShow;
-    for (int row = 0; row <= lastShown_; ++row) {
-        rowsOnShow.push_back(row);
-    }
-    EXPECT_EQ(asked, rowsOnShow);
+    std::vector<int> rowsOnShow(static_cast<std::size_t>(lastShown_) + 1);
+    std::iota(rowsOnShow.begin(), rowsOnShow.end(), 0);
+    EXPECT_THAT(icons_.asked, testing::UnorderedElementsAreArray(rowsOnShow));
     EXPECT_NE(shown(3), colour) << "what has none keeps the general picture";
+    EXPECT_EQ(shown(2), colour) << "on a selected row as well";
     view_.viewport()->repaint();
     tests::runPending();
-    EXPECT_EQ(icons_.asked().size(), rowsOnShow.size()) << "what has none is known, too";
+    EXPECT_EQ(icons_.asked.size(), rowsOnShow.size()) << "what has none is known, too";
+    model_.setItems({});
+    model_.setItems(items_);
+    EXPECT_TRUE(runUntil([&] { return std::count(icons_.asked.begin(), icons_.asked.end(), 0) == 2; }));
 }
 
 TEST_F(RowIcons, TheLatestQuestionComesFirstAndWhatHasGoneOffTheViewIsGivenUp) {
@@ -137,50 +127,26 @@ TEST_F(RowIcons, TheLatestQuestionComesFirstAndWhatHasGoneOffTheViewIsGivenUp) {
     icons_.let.release(manyRows);
     ASSERT_TRUE(runUntil([&] { return shown(manyRows - 1) == colour; }));
     tests::runPending();
-    const auto asked = icons_.asked();
+    const auto asked = icons_.asked;
     ASSERT_GT(asked.size(), 1U);
     EXPECT_EQ(asked[1], manyRows - 1);
-    for (std::size_t index = 1; index < asked.size(); ++index) {
-        EXPECT_GT(asked[index], manyRows - 100) << "that row is not on show any more";
-    }
+    EXPECT_THAT(std::vector(asked.begin() + 1, asked.end()), testing::Each(testing::Gt(manyRows - 100)));
 }
 
 TEST_F(RowIcons, WhenAListGoesOutOfSightNothingMoreIsLoaded) {
     ASSERT_TRUE(askedFor(1));
     view_.hide();
     icons_.let.release(manyRows);
-    QTest::qWait(50);
-    EXPECT_EQ(icons_.asked().size(), 1U);
+    QTest::qWait(50);  // in which several would be
+    EXPECT_EQ(icons_.asked.size(), 1U);
 }
 
 TEST_F(RowIcons, WhenOneArrivesItsRowAloneIsDrawnAnew) {
     ASSERT_TRUE(askedFor(1));
     tests::runPending();
-    DrawnRows drawn(view_);
-    const int row = icons_.asked().front();
+    Drawn drawn(view_.viewport());
     icons_.let.release();
-    ASSERT_TRUE(runUntil([&] { return !drawn.rows.empty(); }));
-    EXPECT_EQ(drawn.rows.front(), std::pair(row, row));
-}
-
-TEST_F(RowIcons, StandOnASelectedRowAsTheyAre) {
-    icons_.let.release(manyRows);
-    view_.selectRow(2);
-    EXPECT_TRUE(runUntil([&] { return shown(2) == colour; }));
-}
-
-TEST_F(RowIcons, AreAskedForAnewWhenTheListBeginsAnew) {
-    icons_.let.release(manyRows);
-    ASSERT_TRUE(runUntil([&] { return shown(0) == colour; }));
-    const auto before = icons_.asked();
-    QList<ui::ItemListModel::Item> items;
-    for (int row = 0; row < model_.rowCount(); ++row) {
-        items.append(model_.item(row));
-    }
-    model_.setItems({});
-    model_.setItems(items);
-    EXPECT_TRUE(runUntil([&] {
-        const auto asked = icons_.asked();
-        return std::count(asked.begin(), asked.end(), 0) == 2;
-    }));
+    ASSERT_TRUE(runUntil([&] { return !drawn.first.isEmpty(); }));
+    const int row = icons_.asked.front();
+    EXPECT_EQ(std::pair(view_.rowAt(drawn.first.top()), view_.rowAt(drawn.first.bottom())), std::pair(row, row));
 }
