@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include <QHeaderView>
-#include <QMenu>
+#include <QBitmap>
+#include <QDialog>
 
 #include "support/WindowFixture.h"
 #include "ui/controls/MCheckCell.h"
@@ -16,6 +16,7 @@ namespace {
 
 constexpr int languagesRow = 1;
 constexpr int logsRow = 2;
+constexpr int downloadsRow = 3;
 
 bool isTicked(const QModelIndex& check) { return check.data(Qt::CheckStateRole).toInt() == Qt::Checked; }
 
@@ -34,45 +35,39 @@ void expectEachClickToTick(QAbstractItemView* view, const QPersistentModelIndex&
     }
 }
 
-// The rows of a picture, of those columns, that are filled with the colour of a ticked box.
-std::pair<int, int> extentOfCheck(const QImage& picture, int left, int right) {
-    int first = -1;
-    int last = -1;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = left; x < right; ++x) {
-            if (picture.pixelColor(x, y) == QColor(0x2e, 0x74, 0xf0)) {
-                first = first < 0 ? y : first;
-                last = y;
-            }
-        }
-    }
-    return {first, last};
+// As bright as the eye sees it, 0 to 1.
+double brightness(const QColor& colour) {
+    const auto part = [](double value) {
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
 }
 
 class ControlsTest : public tests::WindowFixture {
 protected:
     [[nodiscard]] QModelIndex section(int row) const { return sections()->model()->index(row, 0); }
-    [[nodiscard]] ui::PlashkaView* panel() const { return lists()->plashka(); }
-    void pointTo(QWidget* widget, const QPoint& place) {
-        QCursor::setPos(widget->mapToGlobal(place));
-        QCoreApplication::processEvents();
-    }
-    [[nodiscard]] bool endsHover() const {
-        return Guide::waitFor([this] { return !panel()->isHovered(); });
+    // Between the darkest and the brightest of what is written in a row.
+    [[nodiscard]] double contrast(int row) const {
+        const QRect place = sections()->visualRect(section(row)).adjusted(ui::look::scaled(90), 8, -12, -8);
+        const QRect inWindow(sections()->mapTo(window(), place.topLeft()), place.size());
+        const QImage text = window()->grab(inWindow).toImage();
+        double least = 1;
+        double most = 0;
+        for (int pixel = 0; pixel < text.width() * text.height(); ++pixel) {
+            const double bright = brightness(text.pixelColor(pixel % text.width(), pixel / text.width()));
+            least = std::min(least, bright);
+            most = std::max(most, bright);
+        }
+        return (most + 0.05) / (least + 0.05);
     }
 };
 
 }  // namespace
 
-TEST(ImageLoadTest, APictureStaysWholeWhateverIsLoadedAfterIt) {
-    const auto& picture = ui::ImageLoad::LoadPNGImage(QLatin1String("rcheck2"), 2);
-    const auto key = picture.cacheKey();
-    for (int number = 0; number < 200; ++number) {
-        const QByteArray name = "no picture " + QByteArray::number(number);
-        EXPECT_TRUE(ui::ImageLoad::LoadPNGImage(QLatin1String(name), 1).isNull());
-    }
-    EXPECT_EQ(picture.cacheKey(), key);
-    EXPECT_EQ(picture.size(), QSize(36, 36));
+TEST(ImageLoadTest, APictureIsThereForEachDensityAndNullWithoutAFile) {
+    EXPECT_EQ(ui::ImageLoad::LoadPNGImage(QLatin1String("rcheck2"), 1).size(), QSize(18, 18));
+    EXPECT_EQ(ui::ImageLoad::LoadPNGImage(QLatin1String("rcheck2"), 1.5).size(), QSize(36, 36));
+    EXPECT_TRUE(ui::ImageLoad::LoadPNGImage(QLatin1String("no picture"), 1).isNull());
 }
 
 TEST(MCheckCellTest, OneThatIsDisabledDoesNotLookPressed) {
@@ -86,41 +81,36 @@ TEST(MCheckCellTest, OneThatIsDisabledDoesNotLookPressed) {
     }
 }
 
-TEST_F(ControlsTest, TheWholeColumnOfAListTicksOncePerClickAtEveryScale) {
+TEST_F(ControlsTest, TheWholeColumnOfEachListTicksOncePerClickAtEveryScale) {
     home_.makeApplications();
     start(allScans());
     scan();
-    for (const int row : {logsRow, languagesRow}) {
-        clickSection(row);
-        auto* list = guide_->list();
+    const auto expectColumn = [](QAbstractItemView* list) {
         const auto check = list->model()->index(1, ui::CheckTableView::checkColumn);
         expectEachClickToTick(list, check, list->visualRect(check));
+    };
+    for (const int row : {logsRow, languagesRow}) {
+        clickSection(row);
+        expectColumn(guide_->list());
     }
     Guide::click(window()->pbtnLangs());
     auto* languages = window()->pDrawer()->ptableView();
     ASSERT_TRUE(Guide::waitFor([&] { return languages->isVisible() && languages->width() > 0; }));
-    int row = 0;  // some languages always stay
-    while (!languages->model()->index(row, 0).flags().testFlag(Qt::ItemIsUserCheckable)) {
-        ++row;
-    }
-    const auto check = languages->model()->index(row, ui::CheckTableView::checkColumn);
-    expectEachClickToTick(languages, check, languages->visualRect(check));
-}
+    expectColumn(languages);
 
-TEST_F(ControlsTest, TheWholeColumnOfTheSectionListTicksOncePerClickAtEveryScale) {
-    start();
     auto* list = sections();
+    const QRect row = list->visualRect(section(logsRow));
     const QRect column = list->checkRect(section(logsRow));
-    EXPECT_EQ(column.top(), list->visualRect(section(logsRow)).top()) << "no gap between the rows";
-    EXPECT_EQ(column.left(), list->visualRect(section(logsRow)).left());
+    EXPECT_EQ(column.topLeft(), row.topLeft()) << "no gap between the rows";
     expectEachClickToTick(list, section(logsRow), column);
-    EXPECT_EQ(application_->psectController().selectedRow(), 0) << "a tick selects nothing";
-
-    // A press beside the column that ends in it selects.
+    EXPECT_EQ(application_->psectController().selectedRow(), languagesRow) << "a tick selects nothing";
+    const QPoint within = column.center() - QPoint(column.width() / 3, 0);
     const bool before = isSectionChecked(logsRow);
-    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, list->visualRect(section(logsRow)).center());
-    QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, column.center() - QPoint(column.width() / 3, 0));
-    EXPECT_EQ(isSectionChecked(logsRow), before);
+    for (const auto& [pressed, released] : {std::pair(within, row.center()), std::pair(row.center(), within)}) {
+        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, pressed);
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, released);
+        EXPECT_EQ(isSectionChecked(logsRow), before) << "a click in part only";
+    }
 }
 
 TEST_F(ControlsTest, CheckBoxesOfSectionsStandInTheMiddleOfTheirRowsAtEveryScale) {
@@ -129,40 +119,17 @@ TEST_F(ControlsTest, CheckBoxesOfSectionsStandInTheMiddleOfTheirRowsAtEveryScale
     const qreal density = shown.devicePixelRatio();
     for (const int row : {languagesRow, logsRow}) {
         const QRect place = sections()->visualRect(section(row));
-        const QRect column = sections()->checkRect(section(row));
-        const QRect pixels((QPointF(place.topLeft()) * density).toPoint(), (QSizeF(place.size()) * density).toSize());
-        const auto [first, last] = extentOfCheck(shown.toImage().copy(pixels), 0, qRound(column.width() * density));
-        ASSERT_GE(first, 0);
-        EXPECT_NEAR(first, pixels.height() - 1 - last, 2 * density) << "above and below";
+        const QSize size = (QSizeF(sections()->checkRect(section(row)).width(), place.height()) * density).toSize();
+        const QImage column = shown.toImage().copy({(QPointF(place.topLeft()) * density).toPoint(), size});
+        const auto ticked = column.createMaskFromColor(qRgb(0x2e, 0x74, 0xf0));
+        const QRect box = QRegion(QBitmap::fromImage(ticked)).boundingRect();
+        ASSERT_FALSE(box.isEmpty());
+        EXPECT_NEAR(box.top(), column.height() - 1 - box.bottom(), 2 * density) << "above and below";
     }
-}
-
-// As bright as the eye sees it, 0 to 1.
-static double brightness(const QColor& colour) {
-    const auto part = [](double value) {
-        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
 }
 
 TEST_F(ControlsTest, ASectionThatIsNotTickedIsMutedAndCanStillBeRead) {
     start();
-    constexpr int downloadsRow = 3;
-    // The darkest and the brightest of what is written in a row.
-    const auto contrast = [this](int row) {
-        const QRect place = sections()->visualRect(section(row)).adjusted(ui::look::scaled(90), 8, -12, -8);
-        const QImage text =
-            sections()->window()->grab(QRect(sections()->mapTo(window(), place.topLeft()), place.size())).toImage();
-        double least = 1;
-        double most = 0;
-        for (int y = 0; y < text.height(); ++y) {
-            for (int x = 0; x < text.width(); ++x) {
-                least = std::min(least, brightness(text.pixelColor(x, y)));
-                most = std::max(most, brightness(text.pixelColor(x, y)));
-            }
-        }
-        return (most + 0.05) / (least + 0.05);
-    };
     constexpr double readable = 4.5;
     const double ticked = contrast(logsRow);
     EXPECT_GT(ticked, 2 * readable);
@@ -179,42 +146,36 @@ TEST_F(ControlsTest, TheStatusPanelIsLitWhileThePointerIsOnItAndCanReachIt) {
     start();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
     scan();
-    const auto light = [this] {
-        pointTo(window(), QPoint(2, 2));
-        EXPECT_FALSE(panel()->isHovered());
-        pointTo(panel(), panel()->rect().center());
-        EXPECT_TRUE(panel()->isHovered());
-    };
-    light();
-    pointTo(window(), QPoint(2, 2));
-    EXPECT_FALSE(panel()->isHovered());
-
-    light();
+    auto* panel = lists()->plashka();
     ui::Sheet sheet({300, 200}, window());
     QPushButton answer(sheet.panel());
-    sheet.beginSheet(&answer);
-    EXPECT_TRUE(endsHover()) << "a sheet";
-    sheet.endSheet();
-
-    light();
-    application_->menu().popUp();
-    EXPECT_TRUE(endsHover()) << "a menu";
-    application_->menu().dismiss();
-
-    light();
     QDialog question(window());
     question.setModal(true);
     question.move(window()->mapToGlobal(QPoint(20, 20)));
-    question.show();
-    EXPECT_TRUE(endsHover()) << "a question";
-    question.close();
-
-    light();
-    panel()->move(panel()->pos() + QPoint(0, panel()->height()));
-    EXPECT_TRUE(endsHover()) << "it has moved";
-    panel()->move(panel()->pos() - QPoint(0, panel()->height()));
-
-    light();
-    window()->move(window()->pos() + QPoint(panel()->width(), 0));
-    EXPECT_TRUE(endsHover()) << "the window has moved";
+    const auto pointTo = [](const QWidget* widget, const QPoint& place) {
+        QCursor::setPos(widget->mapToGlobal(place));
+        QCoreApplication::processEvents();
+    };
+    const auto move = [](QWidget* widget, int right, int down) { widget->move(widget->pos() + QPoint(right, down)); };
+    const struct {
+        const char* what;
+        std::function<void()> begin, end;
+    } obstacles[] = {
+        {"the pointer has gone", [&] { pointTo(window(), QPoint(2, 2)); }, [] {}},
+        {"a sheet", [&] { sheet.beginSheet(&answer); }, [&] { sheet.endSheet(); }},
+        {"a menu", [&] { application_->menu().popUp(); }, [&] { application_->menu().dismiss(); }},
+        {"a question", [&] { question.show(); }, [&] { question.close(); }},
+        {"it has moved", [&] { move(panel, 0, panel->height()); }, [&] { move(panel, 0, -panel->height()); }},
+        {"the window has moved", [&] { move(window(), panel->width(), 0); }, [] {}},
+    };
+    for (const auto& [what, begin, end] : obstacles) {
+        SCOPED_TRACE(what);
+        pointTo(window(), QPoint(2, 2));
+        EXPECT_FALSE(panel->isHovered());
+        pointTo(panel, panel->rect().center());
+        EXPECT_TRUE(panel->isHovered());
+        begin();
+        EXPECT_TRUE(Guide::waitFor([&] { return !panel->isHovered(); }));
+        end();
+    }
 }
