@@ -1,5 +1,6 @@
 // What the window is doing, and which of its controls can be used meanwhile.
 
+#include "support/SectionWork.h"
 #include "support/WindowFixture.h"
 
 namespace brimvault::tests {
@@ -10,19 +11,23 @@ class ActivityTest : public WindowFixture {
 protected:
     // What the user may press and tick, the two main buttons by the name that they have now.
     [[nodiscard]] QString usable() const {
+        const auto isTickable = [](const QAbstractItemModel* model, int row) {
+            return model->index(row, ui::CheckTableView::checkColumn).flags().testFlag(Qt::ItemIsUserCheckable);
+        };
+        const auto* clean = lists()->pbtnClean();
+        const std::pair<QString, bool> controls[] = {
+            {scanButton()->accessibleName(), scanButton()->isEnabled()},
+            {clean->accessibleName(), clean->isEnabled()},
+            {QStringLiteral("items"), lists()->pbtnInf()->isEnabled() && lists()->pbtnFinder()->isEnabled()},
+            {QStringLiteral("all"), lists()->pbtnSelectAll()->isEnabled()},
+            {QStringLiteral("sections"), isTickable(sections()->model(), 0)},
+            {QStringLiteral("list"), isTickable(guide_->list()->model(), 0)},
+            {QStringLiteral("languages"), isTickable(window()->pDrawer()->ptableView()->model(), 1)},
+        };
         QStringList usable;
-        for (const QAbstractButton* button : {scanButton(), static_cast<QAbstractButton*>(lists()->pbtnClean())}) {
-            if (button->isEnabled()) {
-                usable.append(button->accessibleName());
-            }
+        for (const auto& [name, isUsable] : controls) {
+            usable += isUsable ? QStringList(name) : QStringList();
         }
-        add(usable, lists()->pbtnInf()->isEnabled() && lists()->pbtnFinder()->isEnabled(), "items");
-        add(usable, lists()->pbtnSelectAll()->isEnabled(), "all");
-        add(usable, isTickable(sections()->model()->index(0, 0)), "sections");
-        add(usable, isTickable(guide_->list()->model()->index(0, ui::ItemListModel::checkColumn)), "list");
-        using Languages = langres::LangListController;
-        const auto* languages = window()->pDrawer()->ptableView()->model();
-        add(usable, isTickable(languages->index(1, Languages::checkColumn)), "languages");
         return usable.join(QStringLiteral(", "));
     }
     // What is said to be going on; nothing where the sizes are shown.
@@ -30,18 +35,18 @@ protected:
         const QString text = status().section(QStringLiteral(", "), -1);
         return text.startsWith(QStringLiteral("Selected of ")) ? QString() : text;
     }
-
-private:
-    static void add(QStringList& usable, bool isIt, const char* name) {
-        if (isIt) {
-            usable.append(QString::fromLatin1(name));
-        }
-    }
-    static bool isTickable(const QModelIndex& index) { return index.flags().testFlag(Qt::ItemIsUserCheckable); }
 };
 
 TEST_F(ActivityTest, TheControlsFollowItThroughAllItsTransitions) {
-    start();
+    auto oneByte = scans();
+    oneByte.operations[engine::Section::caches] = [] {
+        return std::make_shared<SuppliedScan>(engine::Section::caches, [](auto&) {
+            auto item = engine::FFItem::initWithName("found", 1);
+            item->setPpbDeletable(true);
+            return engine::ItemArray{item};
+        });
+    };
+    start(std::move(oneByte));
     scan();
     const auto text = [](const char* latin) { return QString::fromLatin1(latin); };
     const auto free = text("Scan, Clean, items, all, sections, list, languages");
