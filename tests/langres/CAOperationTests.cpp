@@ -55,10 +55,14 @@ protected:
                   [](const auto& a, const auto& b) { return a->pAppName() < b->pAppName(); });
         return applications;
     }
-    // Something else that a link leads to is where the place was.
-    void exchange(const fs::path& place) const {
+    enum class By { link, copy };
+    void exchange(const fs::path& place, By what) const {
         fs::rename(place, folder_ / "precious");
-        fs::create_directory_symlink(folder_ / "precious", place);
+        if (what == By::link) {
+            fs::create_directory_symlink(folder_ / "precious", place);
+        } else {
+            fs::copy(folder_ / "precious", place, fs::copy_options::recursive);
+        }
     }
     // Two languages of "Some" are told not to have gone.
     void expectThatAllStays(const ApplicationArray& applications) const {
@@ -112,7 +116,7 @@ TEST_F(ApplicationsClean, LeavesWhatWasExchangedAndCountsItsLanguageOnce) {
     const auto bundle = make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
     makeLocalizations(bundle / "PlugIns", {"en.lproj", "de.lproj"});
     const auto applications = scanned();
-    exchange(bundle / "Contents/Resources/fr.lproj");
+    exchange(bundle / "Contents/Resources/fr.lproj", By::link);
     for (const char* folder : {"Contents/Resources", "PlugIns"}) {
         fs::remove_all(bundle / folder / "de.lproj");
         writeFile(bundle / folder / "de.lproj", "a file");
@@ -120,16 +124,18 @@ TEST_F(ApplicationsClean, LeavesWhatWasExchangedAndCountsItsLanguageOnce) {
     expectThatAllStays(applications);
 }
 
-TEST_F(ApplicationsClean, FollowsNoLinkOnTheWay) {
+TEST_F(ApplicationsClean, LeavesWhatLiesInAFolderThatWasExchangedAndFollowsNoLinkOnTheWay) {
     const auto bundle = folder_ / "Applications/Some.app";
-    for (auto place = bundle / "Contents/Resources"; place != bundle.parent_path(); place = place.parent_path()) {
-        SCOPED_TRACE(place);
-        removeTree(bundle.parent_path());
-        removeTree(folder_ / "precious");
-        make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
-        const auto applications = scanned();
-        exchange(place);
-        expectThatAllStays(applications);
+    for (const auto what : {By::link, By::copy}) {
+        for (auto place = bundle / "Contents/Resources"; place != bundle.parent_path(); place = place.parent_path()) {
+            SCOPED_TRACE(place);
+            removeTree(bundle.parent_path());
+            removeTree(folder_ / "precious");
+            make("Some.app", {"en.lproj", "de.lproj", "fr.lproj"});
+            const auto applications = scanned();
+            exchange(place, what);
+            expectThatAllStays(applications);
+        }
     }
 }
 
