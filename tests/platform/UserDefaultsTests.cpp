@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <list>
 
 #include "support/ChildProcess.h"
@@ -28,51 +29,48 @@ std::string contents(const fs::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// The contents of the damaged files that were renamed.
-std::vector<std::string> keptAside(const fs::path& file) {
-    std::vector<std::string> kept;
-    for (const auto& entry : fs::directory_iterator(file.parent_path())) {
-        if (entry.path().filename().native().starts_with(file.filename().native() + ".damaged-")) {
-            kept.push_back(contents(entry.path()));
+class UserDefaultsTest : public testing::Test {
+protected:
+    // The contents of the damaged files that were renamed.
+    [[nodiscard]] std::vector<std::string> keptAside() const {
+        std::vector<std::string> kept;
+        for (const auto& entry : fs::directory_iterator(file_.parent_path())) {
+            if (entry.path().filename().native().starts_with("defaults.ini.damaged-")) {
+                kept.push_back(contents(entry.path()));
+            }
         }
+        return kept;
     }
-    return kept;
-}
+
+    TemporaryFolder folder_;
+    const fs::path file_ = folder_ / "settings/defaults.ini";
+};
 
 }  // namespace
 
-TEST(UserDefaults, KeepWhatWasSet) {
-    const TemporaryFolder folder;
-    const auto file = folder / "settings/defaults.ini";
-    {
-        UserDefaults defaults(file);
-        EXPECT_FALSE(defaults.number(counter));
-        defaults.increase(counter);
-        defaults.increase(counter);
-        defaults.setNumber(QStringLiteral("bytes"), 18'446'744'073'709'551'615ULL);
-        defaults.setBoolean(QStringLiteral("on"), true);
-        defaults.setBoolean(QStringLiteral("off"), false);
-    }
-    const UserDefaults again(file);
+TEST_F(UserDefaultsTest, KeepWhatWasSetAtOnce) {
+    constexpr auto max = std::numeric_limits<quint64>::max();
+    UserDefaults defaults(file_);
+    EXPECT_FALSE(defaults.number(counter));
+    defaults.increase(counter);
+    defaults.increase(counter);
+    defaults.setNumber(QStringLiteral("bytes"), max);
+    defaults.increase(QStringLiteral("bytes"));
+    defaults.setBoolean(QStringLiteral("on"), true);
+    defaults.setBoolean(QStringLiteral("off"), false);
+    const UserDefaults again(file_);
     EXPECT_EQ(again.number(counter), 2U);
-    EXPECT_EQ(again.number(QStringLiteral("bytes")), 18'446'744'073'709'551'615ULL);
+    EXPECT_EQ(again.number(QStringLiteral("bytes")), max);
     EXPECT_EQ(again.boolean(QStringLiteral("on")), true);
     EXPECT_EQ(again.boolean(QStringLiteral("off")), false);
+    EXPECT_EQ(fs::status(file_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST(UserDefaults, WriteEveryChangeAtOnce) {
-    const TemporaryFolder folder;
-    UserDefaults defaults(folder / "defaults.ini");
-    defaults.setNumber(counter, 41);
-    EXPECT_NE(contents(folder / "defaults.ini").find("counter=41"), std::string::npos);
-}
-
-TEST(UserDefaults, ReadNothingFromAValueOfTheWrongKind) {
-    const TemporaryFolder folder;
-    writeFile(folder / "defaults.ini",
+TEST_F(UserDefaultsTest, ReadNothingFromAValueOfTheWrongKind) {
+    writeFile(file_,
               "[General]\nword=many\nnegative=-3\nfraction=1.5\nempty=\nlarge=18446744073709551616\nlist=1, 2\n"
               "zero=0\nseven=7\n");
-    const UserDefaults defaults(folder / "defaults.ini");
+    UserDefaults defaults(file_);
     for (const char* key : {"word", "negative", "fraction", "empty", "large", "list", "absent"}) {
         EXPECT_FALSE(defaults.number(QString::fromLatin1(key))) << key;
     }
@@ -81,122 +79,107 @@ TEST(UserDefaults, ReadNothingFromAValueOfTheWrongKind) {
     }
     EXPECT_EQ(defaults.boolean(QStringLiteral("zero")), false);
     EXPECT_EQ(defaults.boolean(QStringLiteral("seven")), true);
+    defaults.increase(QStringLiteral("word"));
+    EXPECT_EQ(defaults.number(QStringLiteral("word")), 1U) << "counted on from nothing";
+    EXPECT_EQ(defaults.number(QStringLiteral("seven")), 7U);
 }
 
-TEST(UserDefaults, CountOnFromNothingWhereACounterIsNoNumber) {
-    const TemporaryFolder folder;
-    writeFile(folder / "defaults.ini", "[General]\ncounter=many\nother=5\n");
-    UserDefaults defaults(folder / "defaults.ini");
-    defaults.increase(counter);
-    EXPECT_EQ(defaults.number(counter), 1U);
-    EXPECT_EQ(defaults.number(QStringLiteral("other")), 5U);
-}
-
-TEST(UserDefaults, MoveAsideAFileThatCannotBeUnderstood) {
-    for (const std::string& garbage :
-         {std::string("no settings\nat all\n"), std::string("\x7f\x45LF\0\1\2\0\xff\xfe", 10),
-          std::string("\0\1=\xff\xfe\n\0\0=", 8), std::string("[General]\ncounter=1\n\xc3\x28=\xff\0", 25)}) {
-        const TemporaryFolder folder;
-        writeFile(folder / "defaults.ini", garbage);
-        UserDefaults defaults(folder / "defaults.ini");
-        defaults.setNumber(counter, 7);
-        EXPECT_EQ(keptAside(folder / "defaults.ini"), std::vector{garbage}) << testing::PrintToString(garbage);
-        EXPECT_EQ(UserDefaults(folder / "defaults.ini").number(counter), 7U);
-    }
-}
-
-TEST(UserDefaults, LeaveAnEmptyFileWhereItIs) {
-    const TemporaryFolder folder;
-    writeFile(folder / "defaults.ini", "");
-    UserDefaults(folder / "defaults.ini").setNumber(counter, 7);
-    EXPECT_EQ(keptAside(folder / "defaults.ini").size(), 0U);
-    EXPECT_EQ(UserDefaults(folder / "defaults.ini").number(counter), 7U);
-}
-
-// Also where it was a regular file when the program started.
-TEST(UserDefaults, NeitherWaitForWhatIsNoPlainFileNorReplaceIt) {
-    const TemporaryFolder folder;
-    const auto file = folder / "defaults.ini";
-    const auto expectKept = [&](UserDefaults& defaults, quint64 counted, const std::string& kind) {
-        const auto before = fingerprint(folder.path());
-        defaults.increase(counter);
-        EXPECT_EQ(defaults.number(counter), counted) << kind;
-        EXPECT_EQ(fingerprint(folder.path()), before) << kind;
+TEST_F(UserDefaultsTest, MoveAsideAFileThatCannotBeUnderstood) {
+    const std::pair<std::string, bool> examples[] = {
+        {"", true},
+        {"[General]\nname=\xc3\xa9\t\n", true},
+        {"no settings\nat all\n", false},
+        {"counter=\xff\n", false},
+        {"counter=\x01\n", false},
+        {"counter=1\n" + std::string(1, '\0') + "=\n", false},
+        {std::string("\x7f\x45LF\0\1\2\0\xff\xfe", 10), false},
     };
-    writeFile(file, "[General]\ncounter=5\n");
-    std::list<UserDefaults> earlier;
-    for (int kind = 0; kind < 4; ++kind) {
-        earlier.emplace_back(file);
+    for (const auto& [text, isUsable] : examples) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        fs::remove_all(file_.parent_path());
+        writeFile(file_, text);
+        UserDefaults(file_).setNumber(counter, 7);
+        EXPECT_EQ(keptAside(), isUsable ? std::vector<std::string>() : std::vector{text});
+        EXPECT_EQ(UserDefaults(file_).number(counter), 7U);
     }
-    forEachHostileKind(file, [&](const std::string& kind) {
-        UserDefaults defaults(file);
-        expectKept(defaults, 1, kind);
-        ASSERT_FALSE(earlier.empty());
-        expectKept(earlier.front(), 6, kind + " that came later");
-        earlier.pop_front();
-    });
-    fs::create_symlink("missing", file);
-    UserDefaults defaults(file);
-    expectKept(defaults, 1, "link to nothing");
 }
 
-TEST(UserDefaults, KeepWhatOthersWroteAndTheUsersOwnLines) {
-    const TemporaryFolder folder;
-    const auto file = folder / "linked/defaults.ini";
-    writeFile(file, "before=3\n\n# mine\n[General]\r\ncounter=\"4\"\n[Other]\ncounter=9\n");
-    fs::create_symlink("linked/defaults.ini", folder / "defaults.ini");
-    UserDefaults defaults(folder / "defaults.ini");
+// Also where it was a regular file when the program started. As nobody, who could not replace a device.
+TEST_F(UserDefaultsTest, NeitherWaitForWhatIsNoPlainFileNorReplaceIt) {
+    writeFile(file_, "[General]\ncounter=5\n");
+    giveToNobody(folder_.path());
+    EXPECT_WELL_IN_CHILD([&] {
+        becomeNobody();
+        std::string wrong;
+        const auto look = [&](UserDefaults& defaults, quint64 counted, const std::string& kind) {
+            const auto before = fingerprint(folder_.path());
+            defaults.increase(counter);
+            const bool isKept = fingerprint(folder_.path()) == before;
+            wrong += isKept && defaults.number(counter) == counted ? "" : kind + " ";
+        };
+        std::list<UserDefaults> earlier;
+        for (int kind = 0; kind < 4; ++kind) {
+            earlier.emplace_back(file_);
+        }
+        forEachHostileKind(file_, [&](const std::string& kind) {
+            UserDefaults defaults(file_);
+            look(defaults, 1, kind);
+            look(earlier.front(), 6, kind + " that came later");
+            earlier.pop_front();
+        });
+        fs::create_symlink("missing", file_);
+        UserDefaults defaults(file_);
+        look(defaults, 1, "link to nothing");
+        return wrong;
+    });
+}
+
+TEST_F(UserDefaultsTest, KeepWhatOthersWroteAndTheUsersOwnLines) {
+    writeFile(file_, "before=3\n\n# mine\n[General]\r\ncounter=\"4\"\n[Other]\ncounter=9\n");
+    const auto link = folder_ / "defaults.ini";
+    fs::create_symlink("settings/defaults.ini", link);
+    UserDefaults defaults(link);
     EXPECT_EQ(defaults.number(QStringLiteral("before")), 3U);
-    UserDefaults(file).setBoolean(QStringLiteral("LK_pt-PT @x"), true);
+    UserDefaults(file_).setBoolean(QStringLiteral("LK_pt-PT @x"), true);
     defaults.increase(counter);
     defaults.setNumber(QStringLiteral("before"), 8);
-    EXPECT_EQ(contents(file),
+    EXPECT_EQ(contents(file_),
               "before=3\n\n# mine\n[General]\r\ncounter=5\nLK_pt-PT%20%40x=true\nbefore=8\n[Other]\ncounter=9\n");
-    EXPECT_TRUE(fs::is_symlink(folder / "defaults.ini"));
-    EXPECT_EQ(UserDefaults(file).boolean(QStringLiteral("LK_pt-PT @x")), true);
-    EXPECT_EQ(UserDefaults(file).number(QStringLiteral("before")), 8U);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(UserDefaults(file_).boolean(QStringLiteral("LK_pt-PT @x")), true);
+    EXPECT_EQ(UserDefaults(file_).number(QStringLiteral("before")), 8U);
 }
 
-TEST(UserDefaults, NeverLoseAFileThatMayNotBeRead) {
-    for (const auto mode : {fs::perms::none, fs::perms::owner_write}) {
-        const TemporaryFolder folder;
-        const auto file = folder / "defaults.ini";
-        writeFile(file, "[General]\nkept=1\n");
-        fs::permissions(file, mode);
-        giveToNobody(folder.path());
+TEST_F(UserDefaultsTest, NeverLoseAFileThatMayNotBeReadOrMoved) {
+    const std::tuple<const char*, fs::perms, fs::perms> examples[] = {
+        {"[General]\nkept=1\n", fs::perms::none, fs::perms::owner_all},
+        {"[General]\nkept=1\n", fs::perms::owner_write, fs::perms::owner_all},
+        {"no settings\n", fs::perms::owner_all, static_cast<fs::perms>(0500)}};
+    for (const auto& [text, ofFile, ofFolder] : examples) {
+        removeTree(file_.parent_path());
+        writeFile(file_, text);
+        fs::permissions(file_, ofFile);
+        fs::permissions(file_.parent_path(), ofFolder);
+        giveToNobody(folder_.path());
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
             becomeNobody();
-            UserDefaults defaults(file);
+            UserDefaults defaults(file_);
             defaults.increase(counter);
             return defaults.number(counter) == 1U ? "" : "the process forgot what it had set";
         });
-        fs::permissions(file, fs::perms::owner_all);
-        const auto aside = keptAside(file);
-        EXPECT_EQ(aside.empty() ? contents(file) : aside.front(), "[General]\nkept=1\n");
+        fs::permissions(file_.parent_path(), fs::perms::owner_all);
+        fs::permissions(file_, fs::perms::owner_all);
+        const auto aside = keptAside();
+        EXPECT_EQ(aside.empty() ? contents(file_) : aside.front(), text);
     }
 }
 
-TEST(UserDefaults, LeaveADamagedFileThatCannotBeMoved) {
-    const TemporaryFolder folder;
-    writeFile(folder / "closed/defaults.ini", "no settings\n");
-    giveToNobody(folder.path());
-    EXPECT_WELL_IN_CHILD([&]() -> std::string {
-        becomeNobody();
-        fs::permissions(folder / "closed", static_cast<fs::perms>(0500));
-        UserDefaults defaults(folder / "closed/defaults.ini");
-        defaults.increase(counter);
-        return defaults.number(counter) == 1U ? "" : "the process forgot what it had set";
-    });
-    EXPECT_EQ(contents(folder / "closed/defaults.ini"), "no settings\n");
-}
-
-TEST(UserDefaults, StandInTheUsersOwnConfiguration) {
-    const TemporaryFolder folder;
+TEST_F(UserDefaultsTest, StandInTheUsersOwnConfiguration) {
     {
-        const SubstituteHome home(folder.path());
-        EXPECT_EQ(UserDefaults::standardFile(), folder / ".config/com.quorvel.brimvault/defaults.ini");
+        const SubstituteHome home(folder_.path());
+        EXPECT_EQ(UserDefaults::standardFile(), folder_ / ".config/com.quorvel.brimvault/defaults.ini");
     }
-    const SubstituteHome home(folder.path(), {{"XDG_CONFIG_HOME", "/somewhere"}});
+    const SubstituteHome home(folder_.path(), {{"XDG_CONFIG_HOME", "/somewhere"}});
     EXPECT_EQ(UserDefaults::standardFile(), "/somewhere/com.quorvel.brimvault/defaults.ini");
 }
 
