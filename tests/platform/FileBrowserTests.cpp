@@ -1,6 +1,7 @@
 #include "platform/FileBrowser.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -131,7 +132,8 @@ TEST(DefaultProgram, AnswersAsTheOpenerEndsAndAtOnceWhenItIsStopped) {
     const trial::TemporaryFolder folder;
     const QByteArray before = qgetenv("PATH");
     qputenv("PATH", QByteArray::fromStdString(folder.path().native()) + ':' + before);
-    const auto started = folder / "started";
+    const auto pipe = folder / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     std::stop_source stop;
     const auto opens = [&](const std::string& script) {
         trial::writeFile(folder / "xdg-open", "#!/bin/sh\n" + script);
@@ -141,14 +143,12 @@ TEST(DefaultProgram, AnswersAsTheOpenerEndsAndAtOnceWhenItIsStopped) {
     EXPECT_TRUE(opens("test \"$1\" = file:///a%20b"));
     EXPECT_FALSE(opens("exit 1"));
     EXPECT_FALSE(opens("kill -9 $$"));
-    auto answer = std::async(std::launch::async, opens, "echo $$ >'" + started.native() + "'\nexec sleep 1000");
-    ASSERT_TRUE(runUntil([&] { return std::filesystem::exists(started) && !std::filesystem::is_empty(started); }));
-    const auto stopped = std::chrono::steady_clock::now();
-    stop.request_stop();
-    EXPECT_FALSE(answer.get());
-    EXPECT_LT(std::chrono::steady_clock::now() - stopped, 2s);  // it would be waited for three seconds
+    auto answer = std::async(std::launch::async, opens, "echo $$ >'" + pipe.native() + "'\nexec sleep infinity");
     pid_t opener = 0;
-    std::ifstream(started) >> opener;
+    std::ifstream(pipe) >> opener;
+    stop.request_stop();
+    EXPECT_EQ(answer.wait_for(2s), std::future_status::ready) << "it would be waited for three seconds";
+    EXPECT_FALSE(answer.get());
     EXPECT_EQ(::kill(opener, SIGKILL), 0) << "it goes on by itself";
     qputenv("PATH", before);
 }

@@ -38,21 +38,17 @@ protected:
 
 }  // namespace
 
-TEST_F(LibraryURLsTest, CachesAreTheLibrarysWhereThereIsOne) {
+TEST_F(LibraryURLsTest, CachesAreTheLibrarysOrElseWhereTheVariableSays) {
     EXPECT_EQ(cachesWith(""), home_ / "Library/Caches");
-    fs::create_directory(home_ / ".cache");
-    EXPECT_EQ(cachesWith(""), home_ / ".cache");
-    fs::create_directories(home_ / "Library/Caches");
-    EXPECT_EQ(cachesWith(""), home_ / "Library/Caches");
-}
-
-TEST_F(LibraryURLsTest, CachesAreWhereTheVariableSaysWhenItSaysAnAbsolutePath) {
     fs::create_directory(home_ / ".cache");
     fs::create_directory(folder_ / "shared");
+    EXPECT_EQ(cachesWith(""), home_ / ".cache");
+    EXPECT_EQ(cachesWith("relative"), home_ / ".cache");
     EXPECT_EQ(cachesWith(folder_ / "shared"), folder_ / "shared");
     EXPECT_EQ(cachesWith((folder_ / "shared").native() + "/"), folder_ / "shared");
-    EXPECT_EQ(cachesWith("relative"), home_ / ".cache");
     EXPECT_EQ(cachesWith(folder_ / "missing"), home_ / "Library/Caches");
+    fs::create_directories(home_ / "Library/Caches");
+    EXPECT_EQ(cachesWith(folder_ / "shared"), home_ / "Library/Caches");
 }
 
 TEST_F(LibraryURLsTest, CachesAreNeverTheHomeFolderNorOneThatHoldsIt) {
@@ -77,40 +73,29 @@ TEST_F(LibraryURLsTest, LinksOnTheWayAndAtItsEndAreResolved) {
     EXPECT_EQ(cachesWith(""), std::nullopt);
 }
 
-TEST_F(LibraryURLsTest, TheHomeFolderIsResolvedFirst) {
-    fs::create_directories(home_ / "Library/Caches");
-    fs::create_directory_symlink("home", folder_ / "link");
-    const SubstituteHome home(folder_ / "link");
-    EXPECT_EQ(LibraryURLs::getCachesFolderURL(), home_ / "Library/Caches");
-    EXPECT_EQ(LibraryURLs::getTrashFolderURL(), home_ / ".Trash");
-}
-
-TEST_F(LibraryURLsTest, DownloadsAreTheHomeFoldersWhereNothingElseIsSaid) {
-    {
-        const SubstituteHome home(home_);
-        EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Downloads");
-    }
-    for (const char* lines : {"", "# XDG_DOWNLOAD_DIR=\"/commented\"\n", "XDG_MUSIC_DIR=\"$HOME/Music\"\n",
-                              "XDG_DOWNLOAD_DIR=\"relative\"\n", "XDG_DOWNLOAD_DIR=\"\"\n",
-                              "XDG_DOWNLOAD_DIR=/unquoted\n", "XDG_DOWNLOAD_DIR=\"$HOMEwork/x\"\n"}) {
-        EXPECT_EQ(downloadsWith(lines), home_ / "Downloads") << lines;
-    }
-}
-
 TEST_F(LibraryURLsTest, DownloadsAreWhereTheUsersDirectoriesSay) {
     const auto line = [](const std::string& value) { return "XDG_DOWNLOAD_DIR=\"" + value + "\"\n"; };
-    EXPECT_EQ(downloadsWith(line("$HOME/Loads")), home_ / "Loads");
-    EXPECT_EQ(downloadsWith("  \t" + line("$HOME/Loads/")), home_ / "Loads");
-    EXPECT_EQ(downloadsWith(line("/elsewhere/loads")), "/elsewhere/loads");
-    EXPECT_EQ(downloadsWith("# a comment\n" + line("$HOME/first") + line("$HOME/second")), home_ / "second");
-    EXPECT_EQ(downloadsWith(line(R"($HOME/a\"b\\c\$d\`e)")), home_ / R"(a"b\c$d`e)");
-    EXPECT_EQ(downloadsWith("XDG_DOWNLOAD_DIR=\"$HOME/no newline"), home_ / "no newline");
-    EXPECT_EQ(downloadsWith("XDG_DOWNLOAD_DIR=\"$HOME/Loads\"\r\n"), home_ / "Loads");
-    EXPECT_EQ(downloadsWith(line("$HOME/T\xc3\xa9l\xc3\xa9"
-                                 "chargements \xff")),
-              home_ /
-                  "T\xc3\xa9l\xc3\xa9"
-                  "chargements \xff");
+    std::vector<std::pair<std::string, std::optional<fs::path>>> examples = {
+        {line("$HOME/Loads"), home_ / "Loads"},
+        {"  \t" + line("$HOME/Loads/"), home_ / "Loads"},
+        {line("/elsewhere/loads"), "/elsewhere/loads"},
+        {"# a comment\n" + line("$HOME/first") + line("$HOME/second"), home_ / "second"},
+        {line(R"($HOME/a\"b\\c\$d\`e)"), home_ / R"(a"b\c$d`e)"},
+        {"XDG_DOWNLOAD_DIR=\"$HOME/no newline", home_ / "no newline"},
+        {"XDG_DOWNLOAD_DIR=\"$HOME/Loads\"\r\n", home_ / "Loads"},
+        {line("$HOME/T\xc3\xa9l \xff"), home_ / "T\xc3\xa9l \xff"},
+    };
+    for (const std::string& nothing : {std::string(), "# " + line("/commented"), line("relative"), line(""),
+                                       std::string("XDG_MUSIC_DIR=\"$HOME/Music\"\n"),
+                                       std::string("XDG_DOWNLOAD_DIR=/unquoted\n"), line("$HOMEwork/x")}) {
+        examples.emplace_back(nothing, home_ / "Downloads");
+    }
+    for (const char* off : {"$HOME/", "$HOME", "$HOME/.", "$HOME/x/..", "$HOME/..", "/"}) {
+        examples.emplace_back(line(off), std::nullopt);
+    }
+    for (const auto& [lines, expected] : examples) {
+        EXPECT_EQ(downloadsWith(lines), expected) << lines;
+    }
 }
 
 TEST_F(LibraryURLsTest, DownloadsAreTheHomeFoldersWhereTheUsersDirectoriesAreNoPlainFile) {
@@ -124,25 +109,17 @@ TEST_F(LibraryURLsTest, DownloadsAreTheHomeFoldersWhereTheUsersDirectoriesAreNoP
     EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Loads");
 }
 
-TEST_F(LibraryURLsTest, DownloadsAreNoneWhereTheUserSwitchedThemOff) {
-    for (const char* value : {"$HOME/", "$HOME", "$HOME/.", "$HOME/x/..", "$HOME/..", "/"}) {
-        EXPECT_EQ(downloadsWith(std::string("XDG_DOWNLOAD_DIR=\"") + value + "\"\n"), std::nullopt) << value;
-    }
-}
-
-TEST_F(LibraryURLsTest, AUserWithoutARecordLivesBelowUsers) {
-    const platform::SubstituteSystem system(
-        {[] { return std::nullopt; }, [] { return "anna"; }, [](const char*) { return std::string(); }});
-    EXPECT_EQ(platform::homeFolder(), "/Users/anna");
-    EXPECT_EQ(LibraryURLs::getCachesFolderURL(), "/Users/anna/Library/Caches");
-    EXPECT_EQ(LibraryURLs::getTrashFolderURL(), "/Users/anna/.Trash");
-}
-
-TEST_F(LibraryURLsTest, TheEnvironmentsHomeHasNoSay) {
-    const SubstituteHome home(home_, {{"HOME", "/elsewhere"}});
+TEST_F(LibraryURLsTest, TheHomeFolderIsTheRecordedOneResolvedWhateverTheEnvironmentSays) {
+    fs::create_directory_symlink("home", folder_ / "link");
+    const SubstituteHome linked(folder_ / "link", {{"HOME", "/elsewhere"}});
     EXPECT_EQ(platform::homeFolder(), home_);
+    EXPECT_EQ(LibraryURLs::getCachesFolderURL(), home_ / "Library/Caches");
     EXPECT_EQ(LibraryURLs::getDownloadsFolderURL(), home_ / "Downloads");
+    EXPECT_EQ(LibraryURLs::getTrashFolderURL(), home_ / ".Trash");
     EXPECT_EQ(LibraryURLs::getApplicationFolderURL(), "/Applications");
+    const platform::SubstituteSystem unrecorded(
+        {[] { return std::nullopt; }, [] { return "anna"; }, [](const char*) { return std::string(); }});
+    EXPECT_EQ(LibraryURLs::getCachesFolderURL(), "/Users/anna/Library/Caches");
 }
 
 }  // namespace brimvault::tests

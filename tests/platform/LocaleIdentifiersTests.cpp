@@ -14,14 +14,11 @@ using platform::LocaleIdentifiers;
 
 namespace {
 
-QString canonical(const char* text) {
-    return LocaleIdentifiers::canonicalLocaleIdentifierFromString(QString::fromUtf8(text));
-}
+QStringList words(const QString& text) { return text.split(QLatin1Char(' '), Qt::SkipEmptyParts); }
 
-QStringList words(const char* text) { return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts); }
-
-QString nameOf(const char* identifier, const char* readersLanguages) {
-    return LocaleIdentifiers::displayName(QString::fromLatin1(identifier), words(readersLanguages));
+// Of "given=expected".
+std::pair<QString, QString> halves(const QString& example) {
+    return {example.section(QLatin1Char('='), 0, 0), example.section(QLatin1Char('='), 1)};
 }
 
 }  // namespace
@@ -36,26 +33,22 @@ TEST(LocaleIdentifiers, HaveOneFormForEverySpellingOfALanguage) {
         "zh_HK=zh-Hant-HK, zh-Hant-HK=zh-Hant-HK, zh_SG=zh-Hans-SG",
         "Portuguese (Brazil)=pt, Chinese (Simplified)=zh-Hans, Chinese_Traditional=zh-Hant",
         "iw=he, in=id, ji=yi, no=nb, no_NO=nb, nn=nn",
+        "sr_RS@latin=sr-Latn, sr@latin=sr-Latn, uz_UZ@cyrillic=uz-Cyrl",  // the script is kept
     };
     for (const char* line : spellings) {
-        for (const QString& spelling : QString::fromLatin1(line).split(QStringLiteral(", "))) {
-            EXPECT_EQ(LocaleIdentifiers::canonicalLocaleIdentifierFromString(spelling.section(QLatin1Char('='), 0, 0)),
-                      spelling.section(QLatin1Char('='), 1))
-                << spelling.toStdString();
+        for (const QString& example : QString::fromLatin1(line).split(QStringLiteral(", "))) {
+            const auto [spelling, canonical] = halves(example);
+            EXPECT_EQ(LocaleIdentifiers::canonicalLocaleIdentifierFromString(spelling), canonical)
+                << example.toStdString();
         }
     }
-}
-
-TEST(LocaleIdentifiers, KeepTheScriptThatAModifierStates) {
-    EXPECT_EQ(canonical("sr_RS@latin"), QStringLiteral("sr-Latn"));
-    EXPECT_EQ(canonical("sr@latin"), QStringLiteral("sr-Latn"));
-    EXPECT_EQ(canonical("uz_UZ@cyrillic"), QStringLiteral("uz-Cyrl"));
 }
 
 TEST(LocaleIdentifiers, StayAsTheyAreWhereTheyAreNone) {
     for (const char* text : {"", "X", "not a language", "MyFonts", "../..", "de_DE_x", "line\nbreak", "i-klingon", "-",
                              "de--AT", "\xef\xbf\xbd", "123", "Default"}) {
-        EXPECT_EQ(canonical(text), QString::fromUtf8(text));
+        const auto same = QString::fromUtf8(text);
+        EXPECT_EQ(LocaleIdentifiers::canonicalLocaleIdentifierFromString(same), same);
     }
 }
 
@@ -69,24 +62,13 @@ TEST(LocaleIdentifiers, AreInTheirOwnFormAndHaveANameWhereTheProgramOffersThem) 
 }
 
 TEST(LocaleIdentifiers, OfPreferredLanguagesAreEachFollowedByTheirFamilyUnlessTheyAreEnglish) {
-    const std::pair<const char*, const char*> examples[] = {
-        {"", "en"},
-        {"C", "en"},
-        {"POSIX", "en"},
-        {"C fr_FR", "fr"},
-        {"de_AT", "de-AT de"},
-        {"en_GB", "en-GB"},
-        {"zh_HK", "zh-Hant-HK zh-Hant"},
-        {"zh_TW", "zh-Hant"},
-        {"es_419", "es-419 es"},
-        {"es_MX", "es-MX es-419 es"},
-        {"es_ES", "es"},
-        {"sr_Latn_RS", "sr-Latn sr"},
-        {"de_DE de en_US de_AT en", "de en-US de-AT"},
-        {"de_AT.UTF-8 German de-CH", "de-AT de de-CH"},
-    };
-    for (const auto& [given, preferred] : examples) {
-        EXPECT_EQ(LocaleIdentifiers::preferredLanguagesFrom(words(given)), words(preferred)) << given;
+    const char* const examples =
+        "=en, C=en, POSIX=en, C fr_FR=fr, de_AT=de-AT de, en_GB=en-GB, zh_HK=zh-Hant-HK zh-Hant, zh_TW=zh-Hant, "
+        "es_419=es-419 es, es_MX=es-MX es-419 es, es_ES=es, sr_Latn_RS=sr-Latn sr, "
+        "de_DE de en_US de_AT en=de en-US de-AT, de_AT.UTF-8 German de-CH=de-AT de de-CH";
+    for (const QString& example : QString::fromLatin1(examples).split(QStringLiteral(", "))) {
+        const auto [given, preferred] = halves(example);
+        EXPECT_EQ(LocaleIdentifiers::preferredLanguagesFrom(words(given)), words(preferred)) << example.toStdString();
     }
 }
 
@@ -97,25 +79,32 @@ TEST(LocaleIdentifiers, OfTheDesktopNameNoBareEnglishBetweenThoseThatTheUserName
         if (languages.first() != QLatin1String("en-US")) {
             return cannotTry("the languages of this process have been read before");
         }
-        return languages == words("en-US fr") ? "" : languages.join(QLatin1Char(' ')).toStdString();
+        return languages == words(QStringLiteral("en-US fr")) ? "" : languages.join(QLatin1Char(' ')).toStdString();
     });
 }
 
-TEST(LocaleIdentifiers, HaveNamesInTheReadersLanguage) {
-    EXPECT_EQ(nameOf("de", "en"), QStringLiteral("German"));
-    EXPECT_EQ(nameOf("de", "de-AT"), QStringLiteral("Deutsch"));
-    EXPECT_EQ(nameOf("pt-PT", "de"), QStringLiteral("Portugiesisch (Portugal)"));
-    EXPECT_EQ(nameOf("de", "fr en"), QStringLiteral("allemand"));
-    EXPECT_EQ(nameOf("de", "qqx xx ja"), QStringLiteral("ドイツ語")) << "of the first that there are names in";
-    EXPECT_EQ(nameOf("de", "qqx"), QStringLiteral("German"));
-    EXPECT_TRUE(nameOf("zh-Hans", "en").contains(QLatin1String("Simplified")));
-    EXPECT_TRUE(nameOf("zh-Hans", "de").contains(QLatin1String("Chinesisch")));
-}
-
-TEST(LocaleIdentifiers, HaveNoNameWhereTheyStandForNoLanguage) {
-    for (const char* identifier : {"qqx", "xx", "MyFonts", "", "not a language"}) {
-        EXPECT_EQ(nameOf(identifier, "en"), QString()) << identifier;
+TEST(LocaleIdentifiers, HaveNamesInTheReadersLanguageUnlessTheyStandForNone) {
+    const std::tuple<const char*, const char*, const char*> examples[] = {
+        {"de", "en", "German"},
+        {"de", "de-AT", "Deutsch"},
+        {"pt-PT", "de", "Portugiesisch (Portugal)"},
+        {"de", "fr en", "allemand"},
+        {"de", "qqx xx ja", "ドイツ語"},  // of the first that there are names in
+        {"de", "qqx", "German"},
+        {"qqx", "en", ""},
+        {"xx", "en", ""},
+        {"MyFonts", "en", ""},
+        {"", "en", ""},
+        {"not a language", "en", ""},
+    };
+    for (const auto& [identifier, readersLanguages, name] : examples) {
+        EXPECT_EQ(LocaleIdentifiers::displayName(QString::fromLatin1(identifier),
+                                                 words(QString::fromLatin1(readersLanguages))),
+                  QString::fromUtf8(name))
+            << identifier << " for " << readersLanguages;
     }
+    const auto simplified = LocaleIdentifiers::displayName(QStringLiteral("zh-Hans"), {QStringLiteral("en")});
+    EXPECT_TRUE(simplified.contains(QLatin1String("Simplified")));
 }
 
 }  // namespace brimvault::tests

@@ -21,22 +21,19 @@ const fs::path library = BRIMVAULT_TEST_LIBRARY;  // a library that counts how o
 
 }  // namespace
 
-TEST(QuorvelFallManager, IsStartedWhereItLiesBesideTheProgram) {
-    const TemporaryFolder folder;
-    fs::copy_file(library, folder / library.filename());
-    EXPECT_TRUE(QuorvelFallManager::start(folder.path()));
-    const auto timesStarted = QLibrary::resolve(QString::fromStdString(folder / library.filename()), "timesStarted");
-    ASSERT_NE(timesStarted, nullptr);
-    EXPECT_EQ(reinterpret_cast<int (*)()>(timesStarted)(), 1);
-}
-
-TEST(QuorvelFallManager, IsNotMissedAndNotLookedForElsewhere) {
+TEST(QuorvelFallManager, IsStartedWhereItLiesBesideTheProgramAndNotLookedForElsewhere) {
     const TemporaryFolder folder;
     EXPECT_FALSE(QuorvelFallManager::start(folder.path()));
-    const TemporaryFolder other;
-    std::ofstream(other / library.filename()) << "no library";
-    EXPECT_FALSE(QuorvelFallManager::start(other.path()));
+    std::ofstream(folder / library.filename()) << "no library";
+    EXPECT_FALSE(QuorvelFallManager::start(folder.path()));
     EXPECT_FALSE(QuorvelFallManager::start(""));
+    fs::create_directory(folder / "beside");
+    fs::copy_file(library, folder / "beside" / library.filename());
+    EXPECT_TRUE(QuorvelFallManager::start(folder / "beside"));
+    const auto timesStarted =
+        QLibrary::resolve(QString::fromStdString(folder / "beside" / library.filename()), "timesStarted");
+    ASSERT_NE(timesStarted, nullptr);
+    EXPECT_EQ(reinterpret_cast<int (*)()>(timesStarted)(), 1);
 }
 
 }  // namespace brimvault::tests
