@@ -1,16 +1,9 @@
 #include <gmock/gmock.h>
 
-#include "engine/operations/FCutter.h"
 #include "engine/removal/ItemRemoval.h"
-#include "langres/CAOperation.h"
-#include "langres/SAOperation.h"
-#include "scanners/SChOperation.h"
-#include "scanners/SDwnOperation.h"
-#include "scanners/SLogsOperation.h"
-#include "scanners/STrshOperation.h"
-#include "support/FixtureTrees.h"
+#include "langres/ApplicationRuns.h"
+#include "support/FileSections.h"
 #include "support/NameExchange.h"
-#include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
 #include "trial/TemporaryFolder.h"
 
@@ -21,6 +14,7 @@ using namespace trial;
 using engine::ItemArray;
 using engine::NotRemovedDictionary;
 using engine::Section;
+using platform::RootRefusal;
 namespace fs = std::filesystem;
 
 namespace {
@@ -42,24 +36,8 @@ protected:
     }
 
     ItemArray scan() {
-        scanners::ContainersFolderScannerManager containers(home_ / "Library/Containers");
-        const scanners::PathsGenerator paths;
-        std::shared_ptr<engine::SBaseOperation> operation;
-        switch (GetParam().section) {
-            case Section::caches:
-                operation = std::make_shared<scanners::SChOperation>(containers);
-                break;
-            case Section::downloads:
-                operation = std::make_shared<scanners::SDwnOperation>();
-                break;
-            case Section::logs:
-                operation = std::make_shared<scanners::SLogsOperation>(containers, paths);
-                break;
-            default:
-                operation = std::make_shared<scanners::STrshOperation>();
-        }
         const HeardNotifications heard = {engine::notification::placesFound};
-        auto items = runScan(operation).items;
+        auto items = FileScan(GetParam().section).run().items;
         places_ = engine::getPropfromNotification<engine::Places>(heard.last(engine::notification::placesFound),
                                                                   engine::key::places)
                       .value_or(engine::Places());
@@ -70,15 +48,12 @@ protected:
     }
 
     [[nodiscard]] NotRemovedDictionary clean(const ItemArray& items) const {
-        const auto words = engine::vocabulary(GetParam().section);
-        const HeardNotifications heard = {words.cleanFinished};
-        const auto operation = engine::CleanTable::fileSections().files[GetParam().section](items);
-        engine::OperationQueue queue;
-        queue.addOperation(operation);
-        operation->waitUntilFinished();
-        return engine::getDictionaryPropfromNotification<NotRemovedDictionary>(heard.last(words.cleanFinished),
-                                                                               words.notCleanedKey)
-            .value_or(NotRemovedDictionary());
+        return cleanItems(GetParam().section, items);
+    }
+    [[nodiscard]] bool foundPlace(const fs::path& resolved, RootRefusal refusal) const {
+        return std::any_of(places_.begin(), places_.end(), [&](const auto& place) {
+            return place->named == link_ && place->resolved == resolved && place->refusal == refusal;
+        });
     }
 
     void turnLinkTo(const fs::path& target) const {
@@ -116,9 +91,7 @@ TEST_P(LinkedRoots, AreListedAndCleanedWhereTheyLead) {
     const auto items = scan();
     ASSERT_FALSE(items.isEmpty());
     EXPECT_TRUE(items[0]->location().native().starts_with(disk_.native())) << items[0]->location();
-    EXPECT_TRUE(std::any_of(places_.begin(), places_.end(), [this](const auto& place) {
-        return place->named == link_ && place->resolved == disk_ && place->refusal == platform::RootRefusal::none;
-    }));
+    EXPECT_TRUE(foundPlace(disk_, RootRefusal::none));
     EXPECT_TRUE(clean(items).isEmpty());
     EXPECT_FALSE(isThere(disk_));
     EXPECT_TRUE(isThere(other_));
@@ -160,9 +133,7 @@ TEST_P(LinkedRoots, ThatLeadToTheUsersOwnAreNeitherListedNorCleaned) {
     writeFile(home_ / "Documents" / GetParam().inner, "12345");
     turnLinkTo(home_ / "Documents");
     EXPECT_TRUE(scan().isEmpty());
-    EXPECT_TRUE(std::any_of(places_.begin(), places_.end(), [this](const auto& place) {
-        return place->named == link_ && place->refusal == platform::RootRefusal::userFolder;
-    }));
+    EXPECT_TRUE(foundPlace(home_ / "Documents", RootRefusal::userFolder));
     EXPECT_FALSE(clean(items).isEmpty());
     const auto nameless = engine::FFItem::initWithName("item", 5);  // one that no scan has found
     nameless->setPpbDeletable(true);
@@ -171,65 +142,33 @@ TEST_P(LinkedRoots, ThatLeadToTheUsersOwnAreNeitherListedNorCleaned) {
     EXPECT_TRUE(isThere(disk_));
 }
 
-TEST_P(LinkedRoots, AreNotFollowedInside) {
-    fs::remove_all(disk_);
-    fs::create_directories((disk_ / GetParam().inner).parent_path().parent_path());
-    if (GetParam().inner.has_parent_path()) {
-        fs::create_directory_symlink((other_ / GetParam().inner).parent_path(),
-                                     (disk_ / GetParam().inner).parent_path());
-        for (const auto& item : scan()) {
-            EXPECT_LE(item->pfSize(), (other_ / GetParam().inner).parent_path().native().size());
-        }
-        (void)clean(scan());
-        EXPECT_TRUE(isThere(other_));
-    }
-}
-
 TEST(LinkedApplications, KeepTheirLocalizationsOnceTheyAreNotTheOnesThatWereScanned) {
     const TemporaryFolder folder;
+    const auto link = folder / "home/Applications";
     const SubstituteHome system(folder / "home", {{"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
-    for (const char* language : {"en", "de", "fr"}) {
-        for (const char* application : {"disk/One.app", "exchanged"}) {
-            writeFile(folder / application / "Contents/Resources" / (std::string(language) + ".lproj/text"), "12345");
-        }
-    }
+    makeLocalizations(folder / "disk/One.app/Contents/Resources", {"en.lproj", "de.lproj"});
+    makeLocalizations(folder / "exchanged/Contents/Resources", {"en.lproj", "de.lproj"});
     fs::create_directories(folder / "home");
     fs::create_directories(folder / "other");
-    fs::create_directory_symlink(folder / "disk", folder / "home/Applications");
-    const auto words = engine::vocabulary(Section::languageResources);
-    const HeardNotifications found = {words.scanFinished};
-    engine::OperationQueue queue;
-    const auto scan = std::make_shared<langres::SAOperation>(std::nullopt, folder / "home/Applications");
-    queue.addOperation(scan);
-    scan->waitUntilFinished();
-    const auto applications =
-        engine::getArrayPropfromNotification<engine::ApplicationArray>(found.last(words.scanFinished), words.arrayKey)
-            .value();
+    fs::create_directory_symlink(folder / "disk", link);
+    const auto applications = scanApplications(std::nullopt, link);
     ASSERT_EQ(applications.size(), 1);
     EXPECT_EQ(applications[0]->pAppName(), folder / "disk/One.app");
-    const auto clean = [&] {
-        const auto properties = std::make_shared<engine::FCleanProps>();
-        properties->setMpstrArrayNeededLangs({QStringLiteral("en")});
-        applications[0]->recalcKeepSpaceForLocales({QStringLiteral("en")});
-        const auto operation =
-            std::make_shared<langres::CAOperation>(applications, properties, engine::PrivilegedRemover::none());
-        queue.addOperation(operation);
-        operation->waitUntilFinished();
+    applications[0]->recalcKeepSpaceForLocales({QStringLiteral("en")});
+    const auto cleanChangesAnything = [&] {
+        const auto before = fingerprint(folder.path());
+        (void)runClean(makeClean(applications, {QStringLiteral("en")}));
+        return fingerprint(folder.path()) != before;
     };
-    fs::remove(folder / "home/Applications");
-    fs::create_directory_symlink(folder / "other", folder / "home/Applications");
-    const auto before = fingerprint(folder.path());
-    clean();
-    EXPECT_EQ(fingerprint(folder.path()), before);
-    fs::remove(folder / "home/Applications");
-    fs::create_directory_symlink(folder / "disk", folder / "home/Applications");
+    fs::remove(link);
+    fs::create_directory_symlink(folder / "other", link);
+    EXPECT_FALSE(cleanChangesAnything()) << "their folder is another";
+    fs::remove(link);
+    fs::create_directory_symlink(folder / "disk", link);
     ASSERT_TRUE(exchangeNames(folder / "disk/One.app", folder / "exchanged"));
-    const auto exchanged = fingerprint(folder.path());
-    clean();
-    EXPECT_EQ(fingerprint(folder.path()), exchanged) << "another application of the same name";
+    EXPECT_FALSE(cleanChangesAnything()) << "another application of the same name";
     ASSERT_TRUE(exchangeNames(folder / "disk/One.app", folder / "exchanged"));
-    clean();
-    EXPECT_NE(fingerprint(folder.path()), exchanged);
+    EXPECT_TRUE(cleanChangesAnything());
 }
 
 }  // namespace brimvault::tests

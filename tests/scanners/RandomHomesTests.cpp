@@ -5,23 +5,20 @@
 #include <map>
 #include <random>
 
-#include "engine/operations/FCutter.h"
-#include "scanners/SDwnOperation.h"
-#include "scanners/SLogsOperation.h"
-#include "scanners/STrshOperation.h"
+#include "support/FileSections.h"
 #include "support/FixtureTrees.h"
-#include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
 #include "trial/TemporaryFolder.h"
 
-// Logs, Downloads and Trash over homes made at random: what a scan lists against a listing by the rules, and what a
-// clean of some of it leaves against what is then to be left.
+// Sections of files over homes made at random: what a scan lists against a listing by the rules, and what a clean of
+// some of it leaves against what is then to be left.
 
 namespace brimvault::tests {
 
 using namespace trial;
 
 using engine::ItemArray;
+using engine::Section;
 namespace fs = std::filesystem;
 
 namespace {
@@ -29,7 +26,14 @@ namespace {
 /// Where an item lies to name and size.
 using Listing = std::map<fs::path, std::pair<fs::path, std::uint64_t>>;
 
-bool isHidden(const fs::path& name) { return name.native().starts_with('.'); }
+struct Expected {
+    Listing listing;
+    qint64 count = 0;  ///< with what is to be counted and not listed
+
+    void add(const fs::path& path, const fs::path& name) { listing[path] = {name, sizeOf(path)}; }
+};
+
+bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
 
 bool isRealFolder(const fs::path& folder) {
     return fs::is_directory(fs::symlink_status(folder)) && fs::canonical(folder) == folder;
@@ -38,21 +42,48 @@ bool isRealFolder(const fs::path& folder) {
 std::vector<fs::path> visibleChildren(const fs::path& folder) {
     std::vector<fs::path> children;
     if (isRealFolder(folder)) {
-        for (const auto& entry : fs::directory_iterator(folder)) {
-            if (!isHidden(entry.path().filename())) {
-                children.push_back(entry.path());
-            }
-        }
+        std::remove_copy_if(fs::directory_iterator(folder), fs::directory_iterator(), std::back_inserter(children),
+                            isHidden);
     }
     return children;
 }
 
 bool liesIn(const fs::path& inner, const fs::path& folder) { return inner.native().starts_with(folder.native() + "/"); }
 
+Listing listed(Section section, const ItemArray& items) {
+    Listing listing;
+    for (const auto& item : items) {
+        const auto path = item->location();
+        EXPECT_TRUE(item->ppbDeletable());
+        EXPECT_EQ(item->ppbChecked(), section != Section::downloads);
+        EXPECT_EQ(item->pfpath(), section == Section::downloads ? fs::path() : path);
+        EXPECT_EQ(item->getDisplayIcon().kind == files::NodeKind::directory, fs::is_directory(fs::symlink_status(path)))
+            << path;
+        EXPECT_TRUE(listing.insert({path, {item->pfname(), item->pfSize()}}).second) << path;
+    }
+    return listing;
+}
+
 class RandomHomes : public testing::Test {
 protected:
+    // Plain containers, and such as lead elsewhere on the way to the folder or there.
+    void makeContainers(const char* folder) {
+        const auto containers = home_ / "Library/Containers";
+        growRandomly(random_, containers, 1);  // files of one name and of two, links, containers without the folder
+        writeFile(folder_ / "elsewhere/Library" / folder / "file", "12345");
+        for (int number = 0; number < 4; ++number) {
+            const auto inside = containers / ("app" + std::to_string(number)) / "Data/Library" / folder;
+            if (chance(2)) {
+                growRandomly(random_, inside, 2);
+            } else {
+                const auto link = chance(2) ? inside : inside.parent_path().parent_path();
+                fs::create_directories(link.parent_path());
+                fs::create_directory_symlink(folder_ / "elsewhere", link);
+            }
+        }
+    }
+
     void makeLogs() {
-        const auto library = home_ / "Library";
         for (const auto& source : logFolders()) {
             growRandomly(random_, source, 2);
             for (const char* name :
@@ -62,27 +93,17 @@ protected:
                 }
             }
         }
-        growRandomly(random_, library / "Containers", 1);  // files of one name and of two, links, folders without logs
-        for (int number = 0; number < 4; ++number) {
-            const auto container = library / "Containers" / ("app" + std::to_string(number));
-            if (chance(3)) {
-                writeFile(folder_ / "elsewhere/Library/Logs/file", "12345");
-                fs::create_directories(container);
-                fs::create_directory_symlink(folder_ / "elsewhere", container / "Data");
-            } else {
-                growRandomly(random_, container / "Data/Library/Logs", 2);
-            }
-        }
+        makeContainers("Logs");
     }
 
     void makeTrash() {
         growRandomly(random_, home_ / ".Trash", 2);
-        for (const auto& trash : trashFolders()) {
-            growRandomly(random_, trash / "files", 2);
-            for (const auto& entry : fs::directory_iterator(trash / "files")) {
+        for (const auto& files : trashFiles()) {
+            growRandomly(random_, files, 2);
+            for (const auto& entry : fs::directory_iterator(files)) {
                 const auto name = entry.path().filename().native();
                 if (name.size() < 200) {  // a record's name is longer
-                    writeFile(trash / "info" / (name + ".trashinfo"), "[Trash Info]\nPath=/x\n");
+                    writeFile(files.parent_path() / "info" / (name + ".trashinfo"), "[Trash Info]\nPath=/x\n");
                 }
             }
         }
@@ -90,97 +111,86 @@ protected:
             fs::permissions(volume / ".Trash", fs::perms::sticky_bit, fs::perm_options::add);
         }
         writeMountTable(root_, volumes_);
+        hiddenToo_ = chance(2);
+        writeFile(home_ / "Library/Preferences/com.apple.finder.plist",
+                  std::string("<plist><dict><key>AppleShowAllFiles</key>") + (hiddenToo_ ? "<true/>" : "<false/>") +
+                      "</dict></plist>");
     }
 
     [[nodiscard]] std::vector<fs::path> logFolders() const {
         return {home_ / "Library/Logs", home_ / "Library/Application Support/CrashReporter", root_ / "Library/Logs"};
     }
-    [[nodiscard]] std::vector<fs::path> trashFolders() const {
+    [[nodiscard]] std::vector<fs::path> trashFiles() const {
         const auto user = std::to_string(::getuid());
-        std::vector<fs::path> folders = {home_ / ".local/share/Trash"};
+        std::vector<fs::path> folders = {home_ / ".local/share/Trash" / "files"};
         for (const auto& volume : volumes_) {
-            folders.push_back(volume / ".Trash" / user);
-            folders.push_back(volume / (".Trash-" + user));
+            folders.push_back(volume / ".Trash" / user / "files");
+            folders.push_back(volume / (".Trash-" + user) / "files");
         }
         return folders;
     }
 
-    // Counts what is to be counted and not listed as well.
-    [[nodiscard]] Listing expectedLogs(qint64& count) const {
-        Listing listing;
-        const auto add = [&](const fs::path& path, const fs::path& name, std::uint64_t size) {
-            listing[path] = {name, size};
-        };
-        const auto sources = logFolders();
-        for (const auto& source : sources) {
-            for (const auto& file : visibleChildren(source)) {
-                const auto name = file.filename();
-                ++count;
-                if (source != sources[0] ||
-                    (name != "CrashReporter" && name != "Ubiquity" && name.native().rfind("talagent.log", 0) != 0)) {
-                    add(file, name, sizeOf(file));
+    static void addChildren(Expected& expected, const fs::path& folder) {
+        for (const auto& child : visibleChildren(folder)) {
+            ++expected.count;
+            expected.add(child, child.filename());
+        }
+    }
+    void addContainers(Expected& expected, const char* folder) const {
+        for (const auto& container : visibleChildren(home_ / "Library/Containers")) {
+            const auto inside = container / "Data/Library" / folder;
+            const auto kind = fs::symlink_status(container);
+            if (fs::is_directory(kind) || fs::is_symlink(kind) || fs::hard_link_count(container) == 1) {
+                ++expected.count;
+                expected.add(inside, container.filename());
+                if (!isRealFolder(inside.parent_path())) {
+                    expected.listing[inside].second = 0;
                 }
             }
         }
-        for (const auto& container : visibleChildren(home_ / "Library/Containers")) {
-            const auto logs = container / "Data/Library/Logs";
-            for (const auto& file : visibleChildren(logs)) {
-                ++count;
-                add(file, file.filename(), sizeOf(file));
-            }
-            const auto kind = fs::symlink_status(container);
-            if (fs::is_directory(kind) || fs::is_symlink(kind) || fs::hard_link_count(container) == 1) {
-                ++count;
-                add(logs, container.filename(), isRealFolder(logs) ? sizeOf(logs) : 0);
-            }
-        }
-        return listing;
     }
 
-    [[nodiscard]] Listing expectedTrash(qint64& count, bool hiddenToo) const {
-        Listing listing;
-        auto folders = trashFolders();
-        std::transform(folders.begin(), folders.end(), folders.begin(),
-                       [](const auto& trash) { return trash / "files"; });
+    void addLogs(Expected& expected) const {
+        for (const auto& source : logFolders()) {
+            addChildren(expected, source);
+        }
+        std::erase_if(expected.listing, [&](const auto& file) {
+            const auto name = file.first.filename();
+            return file.first.parent_path() == logFolders().front() &&
+                   (name == "CrashReporter" || name == "Ubiquity" || name.native().starts_with("talagent.log"));
+        });
+        for (const auto& container : visibleChildren(home_ / "Library/Containers")) {
+            addChildren(expected, container / "Data/Library/Logs");
+        }
+        addContainers(expected, "Logs");
+    }
+
+    void addTrash(Expected& expected) const {
+        auto folders = trashFiles();
         folders.push_back(home_ / ".Trash");
         for (const auto& folder : folders) {
             for (const auto& entry : fs::directory_iterator(folder)) {
-                ++count;
-                const auto name = entry.path().filename();
-                if (hiddenToo || !isHidden(name)) {
-                    listing[entry.path()] = {name, sizeOf(entry.path())};
+                ++expected.count;
+                if (hiddenToo_ || !isHidden(entry)) {
+                    expected.add(entry.path(), entry.path().filename());
                 }
             }
         }
-        return listing;
     }
 
-    static Listing listed(const ItemArray& items, bool ticked, const fs::path& folderOfNames = {}) {
-        Listing listing;
-        for (const auto& item : items) {
-            EXPECT_TRUE(item->ppbDeletable());
-            EXPECT_EQ(item->ppbChecked(), ticked);
-            EXPECT_EQ(item->pfpath().empty(), !folderOfNames.empty());
-            const auto path = item->pfpath().empty() ? folderOfNames / item->pfname() : item->pfpath();
-            EXPECT_TRUE(listing.insert({path, {item->pfname(), item->pfSize()}}).second) << path;
-        }
-        return listing;
-    }
-
-    // Cleans a part of the items, chosen at random, and looks at everything that is left.
-    void expectToCleanWhatIsTicked(engine::Section section, const ItemArray& items, const fs::path& folderOfNames) {
+    // Ticks some of the items, at random. What is to go with them: not what holds another that stays.
+    std::vector<fs::path> tickSome(const ItemArray& items) {
         std::vector<fs::path> spared;
         for (const auto& item : items) {
             item->setPpbChecked(chance(2));
             if (!item->ppbChecked()) {
-                spared.push_back(item->pfpath());
+                spared.push_back(item->location());
             }
         }
         std::vector<fs::path> toGo;
         for (const auto& item : items) {
-            const auto path = item->pfpath().empty() ? folderOfNames / item->pfname() : item->pfpath();
+            const auto path = item->location();
             const bool holdsSpared =
-                !item->pfpath().empty() &&
                 std::any_of(spared.begin(), spared.end(), [&](const fs::path& other) { return liesIn(other, path); });
             if (item->ppbChecked() && item->pfSize() != 0 && !holdsSpared) {
                 toGo.push_back(path);
@@ -190,17 +200,38 @@ protected:
                 }
             }
         }
-        auto left = fingerprint(folder_.path());
-        std::erase_if(left, [&](const auto& entry) {
-            const auto path = folder_ / entry.first;
-            return std::any_of(toGo.begin(), toGo.end(),
-                               [&](const fs::path& gone) { return path == gone || liesIn(path, gone); });
-        });
-        const auto clean = engine::CleanTable::fileSections().files[section](items);
-        engine::OperationQueue queue;
-        queue.addOperation(clean);
-        clean->waitUntilFinished();
-        EXPECT_EQ(fingerprint(folder_.path()), left);
+        return toGo;
+    }
+
+    void expectByTheRules(Section section, const std::function<void()>& make,
+                          const std::function<void(Expected&)>& addByTheRules) {
+        std::size_t items = 0;
+        for (int round = 0; round < 50; ++round) {
+            SCOPED_TRACE(round);
+            for (const auto& folder : {home_, root_, folder_ / "elsewhere", volumes_[0], volumes_[1]}) {
+                removeTree(folder);
+            }
+            make();
+            const SubstituteHome home(home_, {{"BRIMVAULT_TRIAL_ROOT", root_}});
+            Expected expected;
+            addByTheRules(expected);
+            auto left = fingerprint(folder_.path());
+            FileScan scan(section);
+            const auto result = scan.run();
+            EXPECT_EQ(listed(section, result.items), expected.listing);
+            EXPECT_EQ(scan.expectedCount(), expected.count);
+            EXPECT_THAT(result.percents, testing::Each(testing::AllOf(testing::Ge(0), testing::Le(100))));
+            const auto toGo = tickSome(result.items);
+            std::erase_if(left, [&](const auto& entry) {
+                const auto path = folder_ / entry.first;
+                return std::any_of(toGo.begin(), toGo.end(),
+                                   [&](const fs::path& gone) { return path == gone || liesIn(path, gone); });
+            });
+            (void)cleanItems(section, result.items);
+            EXPECT_EQ(fingerprint(folder_.path()), left);
+            items += expected.listing.size();
+        }
+        EXPECT_GT(items, 100U);
     }
 
     bool chance(int of) { return std::uniform_int_distribution(1, of)(random_) == 1; }
@@ -210,76 +241,36 @@ protected:
     const fs::path home_ = folder_ / "home";
     const fs::path root_ = folder_ / "root";
     const std::vector<fs::path> volumes_ = {folder_ / "volume", folder_ / "odd \\ \n\t*#\xff\\040"};
+    bool hiddenToo_ = false;
 };
 
 }  // namespace
 
-TEST_F(RandomHomes, LogsAreListedAndCleanedByTheRules) {
-    std::size_t items = 0;
-    for (int round = 0; round < 60; ++round) {
-        for (const auto& folder : {home_, root_, folder_ / "elsewhere"}) {
-            removeTree(folder);
-        }
-        makeLogs();
-        const SubstituteHome home(home_, {{"BRIMVAULT_TRIAL_ROOT", root_}});
-        scanners::ContainersFolderScannerManager containers(home_ / "Library/Containers");
-        const scanners::PathsGenerator paths;
-        const auto operation = std::make_shared<scanners::SLogsOperation>(containers, paths);
-        const auto result = runScan(operation);
-        qint64 count = 0;
-        EXPECT_EQ(listed(result.items, true), expectedLogs(count)) << "in round " << round;
-        EXPECT_EQ(operation->nTopLevelItemsCount(), count);
-        EXPECT_THAT(result.percents, testing::Each(testing::AllOf(testing::Ge(0), testing::Le(100))));
-        expectToCleanWhatIsTicked(engine::Section::logs, result.items, {});
-        items += static_cast<std::size_t>(result.items.size());
-    }
-    EXPECT_GT(items, 500U);
+TEST_F(RandomHomes, CachesAreListedAndCleanedByTheRules) {
+    const auto make = [this] {
+        growRandomly(random_, home_ / "Library/Caches", 3);
+        makeContainers("Caches");
+    };
+    expectByTheRules(Section::caches, make, [this](Expected& expected) {
+        addChildren(expected, home_ / "Library/Caches");
+        addContainers(expected, "Caches");
+    });
 }
 
 TEST_F(RandomHomes, DownloadsAreListedAndCleanedByTheRules) {
-    std::size_t items = 0;
-    for (int round = 0; round < 60; ++round) {
-        removeTree(home_);
-        const auto downloads = home_ / "Downloads";
-        growRandomly(random_, downloads, 3);
-        const SubstituteHome home(home_);
-        const auto operation = std::make_shared<scanners::SDwnOperation>();
-        const auto result = runScan(operation);
-        Listing expected;
-        for (const auto& child : visibleChildren(downloads)) {
-            expected[child] = {child.filename(), sizeOf(child)};
-        }
-        EXPECT_EQ(listed(result.items, false, downloads), expected) << "in round " << round;
-        EXPECT_EQ(operation->nTopLevelItemsCount(), static_cast<qint64>(expected.size()));
-        expectToCleanWhatIsTicked(engine::Section::downloads, result.items, downloads);
-        items += expected.size();
-    }
-    EXPECT_GT(items, 100U);
+    const auto make = [this] { growRandomly(random_, home_ / "Downloads", 3); };
+    expectByTheRules(Section::downloads, make,
+                     [this](Expected& expected) { addChildren(expected, home_ / "Downloads"); });
+}
+
+TEST_F(RandomHomes, LogsAreListedAndCleanedByTheRules) {
+    const auto make = [this] { makeLogs(); };
+    expectByTheRules(Section::logs, make, [this](Expected& expected) { addLogs(expected); });
 }
 
 TEST_F(RandomHomes, TrashIsListedAndCleanedByTheRules) {
-    std::size_t items = 0;
-    for (int round = 0; round < 40; ++round) {
-        for (const auto& folder : {home_, root_, volumes_[0], volumes_[1]}) {
-            removeTree(folder);
-        }
-        makeTrash();
-        const bool hiddenToo = chance(2);
-        writeFile(home_ / "Library/Preferences/com.apple.finder.plist",
-                  std::string("<plist><dict><key>AppleShowAllFiles</key>") + (hiddenToo ? "<true/>" : "<false/>") +
-                      "</dict></plist>");
-        const SubstituteHome home(home_, {{"BRIMVAULT_TRIAL_ROOT", root_}});
-        platform::FinderPreferences finder;
-        const auto operation =
-            std::make_shared<scanners::STrshOperation>(scanners::STrshOperation::Sources{.finder = finder});
-        const auto result = runScan(operation);
-        qint64 count = 0;
-        EXPECT_EQ(listed(result.items, true), expectedTrash(count, hiddenToo)) << "in round " << round;
-        EXPECT_EQ(operation->nTopLevelItemsCount(), count);
-        expectToCleanWhatIsTicked(engine::Section::trash, result.items, {});
-        items += static_cast<std::size_t>(result.items.size());
-    }
-    EXPECT_GT(items, 300U);
+    const auto make = [this] { makeTrash(); };
+    expectByTheRules(Section::trash, make, [this](Expected& expected) { addTrash(expected); });
 }
 
 }  // namespace brimvault::tests
