@@ -18,84 +18,69 @@ namespace {
 
 const auto words = engine::vocabulary(Section::trash);
 
-// What was posted in one scan: the sizes of the batches, and the percents that came with them.
+// What a scan posts of its progress: the sizes of the batches, and the percents.
 struct Reported {
     std::vector<qsizetype> batches;
     std::vector<qint64> percents;
-    ItemArray fromProgress;
-    ItemArray final;
-    int wholes = 0;  // batches posted as everything so far
 };
 
 Reported scan(int found, qint64 expected) {
-    const HeardNotifications heard = {words.scanProgress, words.scanFinished};
+    const HeardNotifications progress = {words.scanProgress};
+    const HeardNotifications finished = {words.scanFinished};
     ScanBatches batches(Section::trash, expected);
     for (int number = 0; number < found; ++number) {
         batches.step();
         batches.add(FFItem::initWithName(std::to_string(number), 1));
     }
     batches.sendOperationCompleted();
-
     Reported reported;
-    for (const auto& notification : heard.all()) {
-        const auto whole = engine::getArrayPropfromNotification<ItemArray>(notification, words.arrayKey);
-        if (notification.name == words.scanFinished) {
-            reported.final = *whole;
-            continue;
-        }
-        const auto delta = engine::getArrayPropfromNotification<ItemArray>(notification, words.deltaKey);
-        EXPECT_NE(whole.has_value(), delta.has_value());
-        reported.wholes += whole ? 1 : 0;
-        reported.fromProgress += whole ? *whole : *delta;
-        reported.batches.push_back(whole ? whole->size() : delta->size());
-        reported.percents.push_back(*getNumberPropfromNotification(notification, engine::key::progressPercent));
-        EXPECT_EQ(getNumberPropfromNotification(notification, engine::key::totalCount), expected);
+    ItemArray posted;
+    for (const auto& post : progress.all()) {
+        // The first batch replaces the results of an earlier scan, the others are added.
+        const auto& key = posted.isEmpty() ? words.arrayKey : words.deltaKey;
+        const auto batch = engine::getArrayPropfromNotification<ItemArray>(post, key).value_or(ItemArray());
+        posted += batch;
+        reported.batches.push_back(batch.size());
+        reported.percents.push_back(*getNumberPropfromNotification(post, engine::key::progressPercent));
+        EXPECT_EQ(getNumberPropfromNotification(post, engine::key::totalCount), expected);
+        EXPECT_EQ(post.userInfo.size(), 3);
     }
-    EXPECT_EQ(reported.final.size(), found);
-    EXPECT_EQ(reported.fromProgress, reported.final.first(reported.fromProgress.size()));
+    const auto all =
+        engine::getArrayPropfromNotification<ItemArray>(finished.last(words.scanFinished), words.arrayKey).value();
+    EXPECT_EQ(all.size(), found);
+    EXPECT_EQ(posted, all.first(posted.size()));
     return reported;
 }
 
 }  // namespace
 
-TEST(ScanBatches, PostAtEveryItemButTheFirstOfAFewAndLeaveTheLastToTheEnd) {
-    const auto reported = scan(10, 10);
-    EXPECT_EQ(reported.batches, std::vector<qsizetype>(9, 1));
-    EXPECT_THAT(reported.percents, testing::ElementsAre(20, 30, 40, 50, 60, 70, 80, 90, 100));
-    EXPECT_EQ(reported.wholes, 1);
-}
-
-TEST(ScanBatches, PostAtEverySecondItemOfAHundredAndFifty) {
-    const auto reported = scan(150, 150);
-    ASSERT_EQ(reported.batches.size(), 75U);
-    EXPECT_EQ(reported.batches.front(), 1);  // the item that closes a batch goes into the next one
-    EXPECT_EQ(std::vector<qsizetype>(reported.batches.begin() + 1, reported.batches.end()),
-              std::vector<qsizetype>(74, 2));
-    EXPECT_EQ(reported.percents.front(), 1);
-    EXPECT_EQ(reported.percents.back(), 100);
+TEST(ScanBatches, TellThePercentOfWhatWasExpectedWithEveryItemButTheFirstOfAFew) {
+    const std::tuple<int, qint64, std::vector<qint64>> examples[] = {
+        {10, 10, {20, 30, 40, 50, 60, 70, 80, 90, 100}},
+        {3, 3, {66, 100}},  // truncated
+        {4, 2, {100, 150, 200}},
+        {3, 2, {100, 150}},
+        {3, 0, {0, 0}},
+        {0, 0, {}},
+        {0, 5, {}},
+        {1, 1, {}},
+    };
+    for (const auto& [found, expected, percents] : examples) {
+        const auto reported = scan(found, expected);
+        EXPECT_EQ(reported.percents, percents) << found << " of " << expected;
+        EXPECT_EQ(reported.batches, std::vector<qsizetype>(percents.size(), 1));
+    }
 }
 
 TEST(ScanBatches, PostAboutSeventyFiveTimesHoweverManyItems) {
-    const auto reported = scan(10'000, 10'000);
+    auto reported = scan(150, 150);
+    std::vector<qsizetype> batches(75, 2);
+    batches.front() = 1;  // the item that closes a batch goes into the next one
+    EXPECT_EQ(reported.batches, batches);
+    EXPECT_EQ(reported.percents.front(), 1);
+    EXPECT_EQ(reported.percents.back(), 100);
+    reported = scan(10'000, 10'000);
     EXPECT_THAT(reported.batches.size(), testing::AllOf(testing::Ge(70U), testing::Le(75U)));
-    EXPECT_EQ(reported.wholes, 1);
 }
-
-TEST(ScanBatches, GoAboveAHundredPerCentWhenMoreIsFoundThanExpected) {
-    EXPECT_THAT(scan(4, 2).percents, testing::ElementsAre(100, 150, 200));
-    EXPECT_THAT(scan(3, 2).percents, testing::ElementsAre(100, 150));
-}
-
-TEST(ScanBatches, GivePercentZeroWhenNothingWasExpected) {
-    EXPECT_THAT(scan(3, 0).percents, testing::ElementsAre(0, 0));
-}
-
-TEST(ScanBatches, PostOnlyTheEndForNothingOrOneItem) {
-    EXPECT_TRUE(scan(0, 0).batches.empty());
-    EXPECT_TRUE(scan(0, 5).batches.empty());
-    EXPECT_TRUE(scan(1, 1).batches.empty());
-}
-
-TEST(ScanBatches, TruncateThePercent) { EXPECT_THAT(scan(3, 3).percents, testing::ElementsAre(66, 100)); }
 
 }  // namespace brimvault::tests
