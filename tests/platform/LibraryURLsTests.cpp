@@ -65,6 +65,7 @@ TEST_F(LibraryURLsTest, LinksOnTheWayAndAtItsEndAreResolved) {
     fs::create_directory_symlink(folder_ / "disk", home_ / "Library");
     EXPECT_EQ(cachesWith(""), folder_ / "disk/Caches");
     fs::remove(folder_ / "disk/Caches");
+    EXPECT_EQ(cachesWith(""), folder_ / "disk/Caches") << "also where its end is missing";
     fs::create_directory(folder_ / "disk/elsewhere");
     fs::create_directory_symlink("elsewhere", folder_ / "disk/Caches");
     EXPECT_EQ(cachesWith(""), folder_ / "disk/elsewhere");

@@ -84,6 +84,13 @@ TEST_F(FileScans, FindNothingInFoldersThatAreMissingOrFiles) {
     EXPECT_THAT(namesIn(Section::trash), ElementsAre());
 }
 
+TEST_F(FileScans, ListAFolderOnceToWhichTwoRootsLead) {
+    writeFile(root_ / "Library/Logs/once", "12345");
+    fs::create_directory(home_ / "Library");
+    fs::create_directory_symlink(root_ / "Library/Logs", logs_);
+    EXPECT_THAT(namesIn(Section::logs), ElementsAre("once"));
+}
+
 TEST_F(FileScans, ListTheDownloadsWhereTheUserHasThem) {
     writeFile(home_ / "Downloads/file", "12345");
     writeFile(home_ / "Loads/other", "12345");
