@@ -2,12 +2,10 @@
 
 #include <grp.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <initializer_list>
 #include <random>
 
 #include "cleaner-tool/PinnedFolder.h"
@@ -31,27 +29,25 @@ constexpr std::uint32_t nobody = 0xFFFFFFFF;
 
 // Sets an access control list with entries for some users and groups.
 bool giveRandomList(const fs::path& folder, std::mt19937& random) {
-    const auto entry = [&](AccessTag tag, std::uint32_t number) {
-        return AccessEntry{tag, static_cast<std::uint16_t>(random() % 8), number};
+    std::string list(reinterpret_cast<const char*>(&accessListVersion), sizeof accessListVersion);
+    const auto add = [&](AccessTag tag, std::uint32_t number) {
+        const AccessEntry entry{tag, static_cast<std::uint16_t>(random() % 8), number};
+        list.append(reinterpret_cast<const char*>(&entry), sizeof entry);
     };
-    std::vector<AccessEntry> entries = {entry(AccessTag::owner, nobody)};
-    for (const uid_t named : {uid_t{1}, user}) {
-        if (random() % 2 == 0) {
-            entries.push_back(entry(AccessTag::user, named));
+    const auto addSome = [&](AccessTag tag, std::initializer_list<std::uint32_t> numbers) {
+        for (const auto number : numbers) {
+            if (random() % 2 == 0) {
+                add(tag, number);
+            }
         }
-    }
-    entries.push_back(entry(AccessTag::owningGroup, nobody));
-    for (const gid_t named : {gid_t{1}, otherGroup}) {
-        if (random() % 2 == 0) {
-            entries.push_back(entry(AccessTag::group, named));
-        }
-    }
-    entries.push_back(entry(AccessTag::mask, nobody));
-    entries.push_back(entry(AccessTag::others, nobody));
-    std::vector<char> bytes(sizeof accessListVersion + entries.size() * sizeof(AccessEntry));
-    std::memcpy(bytes.data(), &accessListVersion, sizeof accessListVersion);
-    std::memcpy(bytes.data() + sizeof accessListVersion, entries.data(), entries.size() * sizeof(AccessEntry));
-    return ::setxattr(folder.c_str(), accessListName, bytes.data(), bytes.size(), 0) == 0;
+    };
+    add(AccessTag::owner, nobody);
+    addSome(AccessTag::user, {1, user});
+    add(AccessTag::owningGroup, nobody);
+    addSome(AccessTag::group, {1, otherGroup});
+    add(AccessTag::mask, nobody);
+    add(AccessTag::others, nobody);
+    return ::setxattr(folder.c_str(), accessListName, list.data(), list.size(), 0) == 0;
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 
 #include "cleaner-tool/MeddlingGuard.h"
 #include "support/ChildProcess.h"
-#include "support/FixtureTrees.h"
 #include "support/NameExchange.h"
 #include "trial/SampleHome.h"
 #include "trial/TemporaryFolder.h"
@@ -61,6 +60,10 @@ protected:
         return !moved && fingerprint(folder_.path()) == before ? "" : "not refused: " + path.native();
     }
 
+    [[nodiscard]] std::string recordOf(const std::string& name) const {
+        return contentOf(trash_ / "info" / (name + ".trashinfo"));
+    }
+
     TemporaryFolder folder_;
     fs::path trash_ = trashOfHome(folder_ / "home");
     KeptFolders kept_{{::getuid(), {::getgid()}}};
@@ -73,21 +76,15 @@ TEST_F(TrashMove, TakesFilesFoldersAndLinksWithARecord) {
     writeFile(folder_ / "file.txt", "12345");
     fs::create_directory_symlink(folder_ / "system", folder_ / "link");
     for (const char* name : {"item", "file.txt", "link"}) {
-        const auto content = fs::is_directory(folder_ / name) ? fingerprint(folder_ / name) : SampleHome::Fingerprint();
-        const auto before = localTime();
-        EXPECT_EQ(move(folder_ / name), trash_ / "files" / name);
-        const auto after = localTime();
-        EXPECT_FALSE(fs::exists(fs::symlink_status(folder_ / name)));
-        const auto record = contentOf(trash_ / "info" / (std::string(name) + ".trashinfo"));
         const auto head = "[Trash Info]\nPath=" + (folder_ / name).native() + "\nDeletionDate=";
-        ASSERT_EQ(record.substr(0, head.size()), head);
-        ASSERT_EQ(record.size(), head.size() + before.size() + 1);
-        EXPECT_LE(before + "\n", record.substr(head.size()));
-        EXPECT_GE(after + "\n", record.substr(head.size()));
-        if (!content.empty()) {
-            EXPECT_EQ(fingerprint(trash_ / "files" / name), content);
-        }
+        const auto before = head + localTime() + "\n";
+        EXPECT_EQ(move(folder_ / name), trash_ / "files" / name);
+        const auto after = head + localTime() + "\n";
+        EXPECT_FALSE(fs::exists(fs::symlink_status(folder_ / name)));
+        const auto record = recordOf(name);
+        EXPECT_TRUE(record.size() == before.size() && before <= record && record <= after) << record;
     }
+    EXPECT_EQ(contentOf(trash_ / "files/item/file"), "1");
     EXPECT_EQ(contentOf(trash_ / "files/file.txt"), "12345");
     EXPECT_EQ(fs::read_symlink(trash_ / "files/link"), folder_ / "system");
     EXPECT_TRUE(fs::exists(folder_ / "system/tool"));
@@ -95,28 +92,11 @@ TEST_F(TrashMove, TakesFilesFoldersAndLinksWithARecord) {
 }
 
 TEST_F(TrashMove, RecordsPathsOfAnyBytes) {
-    auto names = oddNames();
-    names.emplace_back("100% [a=b];\r\t?#");
-    for (const auto& name : names) {
-        writeFile(folder_ / "odd" / name, name);
-        const auto place = move(folder_ / "odd" / name);
-        ASSERT_TRUE(place) << name;
-        EXPECT_EQ(contentOf(*place), name);
-        const auto record = contentOf(trash_ / "info" / (place->filename().native() + ".trashinfo"));
-        const auto start = record.find("Path=") + 5;
-        const auto encoded = record.substr(start, record.find("\nDeletionDate=") - start);
-        std::string decoded;
-        for (std::size_t at = 0; at < encoded.size(); ++at) {
-            const bool code = encoded[at] == '%';
-            EXPECT_TRUE(code || std::isalnum(static_cast<unsigned char>(encoded[at])) != 0 ||
-                        std::string("/-_.~").find(encoded[at]) != std::string::npos)
-                << encoded;
-            decoded.push_back(code ? static_cast<char>(std::stoi(encoded.substr(at + 1, 2), nullptr, 16))
-                                   : encoded[at]);
-            at += code ? 2 : 0;
-        }
-        EXPECT_EQ(decoded, (folder_ / "odd" / name).native());
-    }
+    const std::string name = "100% [a=b];\r\n\t?#\xff\x01-_.~09azAZ";
+    writeFile(folder_ / name, "1");
+    EXPECT_EQ(move(folder_ / name), trash_ / "files" / name);
+    const auto wanted = (folder_ / "100%25%20%5Ba%3Db%5D%3B%0D%0A%09%3F%23%FF%01-_.~09azAZ").native();
+    EXPECT_NE(recordOf(name).find("\nPath=" + wanted + "\nDeletionDate="), std::string::npos) << recordOf(name);
 }
 
 TEST_F(TrashMove, FindsANameThatIsFreeForItemAndRecord) {
@@ -139,26 +119,23 @@ TEST_F(TrashMove, ShortensNamesThatLeaveNoRoomForTheRecords) {
                              "." + std::string(254, 'n'), std::string(120, 'n') + "." + std::string(134, 'e'),
                              std::string(246, 'n'), std::string(245, 'n'), std::string(255, '.')}) {
         for (int round = 0; round < 2; ++round) {
-            writeFile(folder_ / "long" / name, name);
-            const auto place = move(folder_ / "long" / name);
+            writeFile(folder_ / name, name);
+            const auto place = move(folder_ / name);
             ASSERT_TRUE(place) << name;
             EXPECT_EQ(contentOf(*place), name);
-            EXPECT_TRUE(fs::exists(trash_ / "info" / (place->filename().native() + ".trashinfo"))) << *place;
+            EXPECT_NE(recordOf(place->filename()), "") << *place;
         }
     }
 }
 
 TEST_F(TrashMove, LeavesWhatIsKeptOrNoItem) {
     const auto item = (folder_ / "item").native();
+    fs::create_directory_symlink(item, folder_ / "way");
     for (const auto& path : {folder_ / "system", folder_ / "system/tool", folder_.path(), folder_ / "missing",
-                             folder_ / "missing/file", fs::path(item + "/"), fs::path(item + "/."), fs::path("item"),
-                             fs::path(), fs::path("/"), fs::path(item + std::string("\0", 1)), trash_ / "../Trash"}) {
+                             folder_ / "missing/file", folder_ / "way/file", trash_ / "../Trash", fs::path("item"),
+                             fs::path(item + "/"), fs::path(item + std::string("\0", 1))}) {
         EXPECT_EQ(refuses(path), "");
     }
-    EXPECT_TRUE(kept_.add({folder_ / "item", Keep::itself}));
-    EXPECT_EQ(refuses(folder_ / "item"), "");
-    fs::create_directory_symlink(folder_ / "item", folder_ / "way");
-    EXPECT_EQ(refuses(folder_ / "way/file"), "");
 }
 
 TEST_F(TrashMove, LeavesNoRecordWhereTheItemCannotBeMoved) {
@@ -175,7 +152,8 @@ TEST_F(TrashMove, LeavesNoRecordWhereTheItemCannotBeMoved) {
     EXPECT_TRUE(fs::exists(folder_ / "elsewhere/file") && fs::is_empty(trash_ / "info"));
 }
 
-TEST_F(TrashMove, TakesNothingIntoATrashThatIsMissingAnothersOrALink) {
+TEST_F(TrashMove, TakesNothingIntoATrashThatIsMissingAnothersClosedOrALink) {
+    fs::permissions(folder_.path(), static_cast<fs::perms>(0755));
     EXPECT_EQ(refuses(folder_ / "item", ::geteuid() + 1), "");
     for (const auto& part : {fs::path("files"), fs::path("info"), fs::path()}) {
         const auto name = part.empty() ? trash_ : trash_ / part;
@@ -185,6 +163,9 @@ TEST_F(TrashMove, TakesNothingIntoATrashThatIsMissingAnothersOrALink) {
         EXPECT_EQ(refuses(folder_ / "item"), "") << "with a link for " << name;
         fs::remove(name);
         fs::rename(folder_ / "real", name);
+        fs::permissions(name, fs::perms::owner_read);
+        EXPECT_FALSE(move(folder_ / "item")) << "though the user cannot search " << name;
+        fs::permissions(name, fs::perms::owner_all);
     }
     EXPECT_TRUE(move(folder_ / "item"));
 }
