@@ -32,17 +32,9 @@ std::string systemText() { return std::generic_category().message(errno); }
     } catch (const std::exception& problem) {
         answer = problem.what();
     }
-    for (std::size_t sent = 0; sent < answer.size();) {
-        const ssize_t count = ::write(descriptor, answer.data() + sent, answer.size() - sent);
-        if (count < 0) {
-            break;
-        }
-        sent += static_cast<std::size_t>(count);
-    }
+    (void)!::write(descriptor, answer.data(), answer.size());  // the other end is read meanwhile
     ::_exit(0);
 }
-
-void writeProcess(const char* file, const std::string& text) { std::ofstream(file) << text; }
 
 }  // namespace
 
@@ -99,9 +91,9 @@ std::string keepMountsPrivate() {
         if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
             return "no private mounts: " + systemText();
         }
-        writeProcess("/proc/self/setgroups", "deny");
-        writeProcess("/proc/self/uid_map", "0 " + user + " 1");
-        writeProcess("/proc/self/gid_map", "0 " + group + " 1");
+        std::ofstream("/proc/self/setgroups") << "deny";
+        std::ofstream("/proc/self/uid_map") << "0 " + user + " 1";
+        std::ofstream("/proc/self/gid_map") << "0 " + group + " 1";
     }
     if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
         return "no private mounts: " + systemText();

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <atomic>
+#include <condition_variable>
 #include <functional>
+#include <future>
 #include <memory>
-#include <thread>
+#include <mutex>
+#include <stop_token>
 #include <utility>
 
 #include "engine/notification/NotificationCenter.h"
@@ -17,6 +19,8 @@ class SuppliedScan final : public engine::SBaseOperation {
 public:
     using Work = std::function<engine::ItemArray(SuppliedScan&)>;
     SuppliedScan(engine::Section section, Work work) : SBaseOperation(section), work_(std::move(work)) {}
+
+    using SBaseOperation::stopToken;
 
 protected:
     void main() override {
@@ -35,6 +39,8 @@ public:
     explicit SuppliedWork(Work work, engine::Section section = engine::Section::caches)
         : SectionOperation(section), work_(std::move(work)) {}
 
+    using SectionOperation::stopToken;
+
 protected:
     void main() override { work_(*this); }
 
@@ -48,31 +54,39 @@ class Hang {
 public:
     ~Hang() {
         letOn();
-        while (waiting_ > 0) {
-            std::this_thread::yield();
-        }
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return waiting_ == 0; });
     }
     void wait() {
+        std::unique_lock lock(mutex_);
         ++waiting_;
-        open_.wait(false);
+        changed_.wait(lock, [this] { return isOpen_; });
         --waiting_;
+        changed_.notify_all();
     }
     void letOn() {
-        open_ = true;
-        open_.notify_all();
+        const std::lock_guard lock(mutex_);
+        isOpen_ = true;
+        changed_.notify_all();
     }
-    [[nodiscard]] bool holdsAny() const { return waiting_ > 0; }
+    [[nodiscard]] bool holdsAny() const {
+        const std::lock_guard lock(mutex_);
+        return waiting_ > 0;
+    }
 
 private:
-    std::atomic<bool> open_ = false;
-    std::atomic<int> waiting_ = 0;
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    bool isOpen_ = false;
+    int waiting_ = 0;
 };
 
 /// Comes back when the operation has been cancelled.
-inline void awaitCancel(const engine::Operation& operation) {
-    while (!operation.isCancelled()) {
-        std::this_thread::yield();
-    }
+template <typename Supplied>
+void awaitCancel(const Supplied& operation) {
+    std::promise<void> cancelled;
+    const std::stop_callback onCancel(operation.stopToken(), [&] { cancelled.set_value(); });
+    cancelled.get_future().wait();
 }
 
 }  // namespace brimvault::tests
