@@ -1,19 +1,29 @@
 #include "privileges/Trial.h"
 
-#include <fcntl.h>
 #include <grp.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <chrono>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <thread>
 
 #include "engine/notification/Notifications.h"
+#include "engine/operations/FCutter.h"
+#include "engine/removal/Remover.h"
+#include "files/FileDescriptor.h"
 #include "support/HeardNotifications.h"
 #include "support/SubstituteHome.h"
 #include "trial/SampleHome.h"
@@ -27,40 +37,38 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<int> lifelines;  // writing ends of pipes: the processes that read from them end with this one
-
-// The reading end of a pipe whose writing end closes with the calling process, however that ends. PR_SET_PDEATHSIG
-// would not do: it cannot signal a process with more rights.
-int endOfLifeline() {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    lifelines.push_back(ends[1]);
-    return ends[0];
-}
-
-void closeLifelines() {
-    for (const int lifeline : lifelines) {
-        ::close(lifeline);
-    }
-}
-
-int linesOf(const fs::path& file) {
-    std::ifstream stream(file);
-    int lines = 0;
-    for (std::string line; std::getline(stream, line);) {
-        ++lines;
-    }
-    return lines;
-}
-
 struct SignalRequest {
     int signal;
     pid_t process;
 };
 
-fs::path questionsOf(const User& user) { return fs::path("/run") / (std::string("questions-") + user.name); }
+int linesOf(const fs::path& file) { return static_cast<int>(std::ranges::count(contentOf(file), '\n')); }
+
+// A process that sends signals as root, for one that has dropped its rights. It ends when the connection is closed.
+int startAdministrator() {
+    int connection[2];
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, connection) != 0) {
+        throw std::runtime_error("no sockets");
+    }
+    if (::fork() == 0) {
+        ::close(connection[0]);
+        SignalRequest request{};
+        while (::read(connection[1], &request, sizeof request) == static_cast<ssize_t>(sizeof request)) {
+            const int result = ::kill(request.process, request.signal);
+            (void)!::write(connection[1], &result, sizeof result);
+        }
+        ::_exit(0);
+    }
+    ::close(connection[1]);
+    return connection[0];
+}
+
+void makeFolderOf(const User& user, const fs::path& folder) {
+    fs::create_directory(folder);
+    if (::chown(folder.c_str(), user.number, user.number) != 0) {
+        throw std::runtime_error("a folder cannot be given to its user");
+    }
+}
 
 }  // namespace
 
@@ -70,64 +78,19 @@ void become(const User& user) {
     }
 }
 
-AdministratorsHand::AdministratorsHand() {
-    int answers[2];
-    const int requests = endOfLifeline();
-    if (::pipe2(answers, O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    requests_ = lifelines.back();
-    answers_ = answers[0];
-    if (::fork() == 0) {
-        closeLifelines();
-        SignalRequest request{};
-        while (::read(requests, &request, sizeof request) == static_cast<ssize_t>(sizeof request)) {
-            const int result = ::kill(request.process, request.signal);
-            (void)!::write(answers[1], &result, sizeof result);
-        }
-        ::_exit(0);
-    }
-}
-
-void AdministratorsHand::send(int signal, pid_t process) const {
-    const SignalRequest request{signal, process};
-    int result = -1;
-    if (process <= 0 || ::write(requests_, &request, sizeof request) < 0 ||
-        ::read(answers_, &result, sizeof result) < 0 || result != 0) {
-        throw std::runtime_error("the signal was not sent");
-    }
-}
-
+// The end of the pipe to it, which is never closed before, ends it. PR_SET_PDEATHSIG would not do: it cannot signal a
+// process with more rights.
 void startAgent(pid_t process, Agent agent, const fs::path& questions) {
     fs::remove(questions);
     if (agent == Agent::none) {
         return;
     }
-    const int lifeline = endOfLifeline();
-    if (::fork() == 0) {
-        ::dup2(lifeline, STDIN_FILENO);
-        const auto number = std::to_string(process);
-        const char* decision = agent == Agent::grants ? "grant" : agent == Agent::refuses ? "refuse" : "hesitate";
-        ::execl("/usr/bin/python3", "python3", BRIMVAULT_TEST_AGENT, number.c_str(), decision, questions.c_str(),
-                nullptr);
-        ::_exit(1);
-    }
-    if (!comes([&] { return linesOf(questions) > 0; })) {
+    const char* decision = agent == Agent::grants ? "grant" : agent == Agent::refuses ? "refuse" : "hesitate";
+    const auto command = std::string("exec /usr/bin/python3 " BRIMVAULT_TEST_AGENT " ") + std::to_string(process) +
+                         " " + decision + " " + questions.native();
+    if (::popen(command.c_str(), "we") == nullptr || !comes([&] { return linesOf(questions) > 0; })) {
         throw std::runtime_error("the agent is not ready");
     }
-}
-
-pid_t startIdler(const User& user) {
-    const int lifeline = endOfLifeline();
-    const pid_t idler = ::fork();
-    if (idler == 0) {
-        closeLifelines();
-        become(user);
-        char nothing = 0;
-        (void)!::read(lifeline, &nothing, 1);
-        ::_exit(0);
-    }
-    return idler;
 }
 
 struct Trial::Running {
@@ -135,30 +98,30 @@ struct Trial::Running {
     static inline char name[] = "trial";
     static inline char* arguments[] = {name, nullptr};
 
-    explicit Running(const fs::path& home) : home_(home) {}
+    Running(const User& user, std::map<std::string, std::string> environment)
+        : system(user.home(), std::move(environment)) {}
 
     QCoreApplication application{count, arguments};
-    fs::path home_;
-    std::map<std::string, std::string> environment;
-    std::unique_ptr<SubstituteHome> system = std::make_unique<SubstituteHome>(home_, environment);
+    SubstituteHome system;
     std::unique_ptr<HeardNotifications> heard;
     engine::FCutter cutter{engine::CleanTable::fileSections(engine::Remover::GetInstance())};
 };
 
-Trial::Trial(const User& user, Agent agent) : user_(user), questions_(questionsOf(user)) {
+Trial::Trial(const User& user, Agent agent, std::map<std::string, std::string> environment)
+    : user_(user),
+      questions_(fs::path("/run") / (std::string("questions-") + user.name)),
+      administrator_(startAdministrator()) {
     startAgent(::getpid(), agent, questions_);
     become(user);
-    running_ = std::make_unique<Running>(user.home());
+    running_ = std::make_unique<Running>(user, std::move(environment));
 }
 
 Trial::~Trial() { engine::Remover::GetInstance().giveUp(); }
 
-engine::Remover& Trial::remover() const { return engine::Remover::GetInstance(); }
-
-void Trial::beginClean(const std::vector<std::string>& names) {
+void Trial::beginClean(const Names& names) {
     engine::ItemArray items;
     for (const auto& name : names) {
-        const auto item = engine::FFItem::initWithPath(caches() / name, 1);
+        const auto item = engine::FFItem::initWithPath(user_.caches() / name, 1);
         item->setPpbDeletable(true);
         item->setPpbChecked(true);
         items.append(item);
@@ -168,95 +131,122 @@ void Trial::beginClean(const std::vector<std::string>& names) {
     running_->cutter.Clean({}, {}, items, {}, {});
 }
 
-Trial::Result Trial::finishClean() {
+std::string Trial::finishClean(std::size_t removed, const Names& stay) {
     if (!comes([this] { return running_->heard->has(engine::notification::cleanFinished); })) {
-        throw std::runtime_error("the clean does not come to its end");
+        return "the clean does not come to its end";
     }
     const auto words = engine::vocabulary(engine::Section::caches);
     const auto post = running_->heard->last(words.cleanFinished);
-    using Reasons = engine::NotRemovedDictionary;
-    Result result;
-    const auto removed = engine::getArrayPropfromNotification<engine::ItemArray>(post, words.arrayKey);
-    result.removed = static_cast<std::size_t>(removed ? removed->size() : 0);
-    const auto reasons = engine::getDictionaryPropfromNotification<Reasons>(post, words.notCleanedKey);
+    const auto gone = engine::getArrayPropfromNotification<engine::ItemArray>(post, words.arrayKey);
+    const auto reasons =
+        engine::getDictionaryPropfromNotification<engine::NotRemovedDictionary>(post, words.notCleanedKey);
+    auto found = "removed " + std::to_string(gone ? gone->size() : 0);
     for (auto reason = reasons->begin(); reason != reasons->end(); ++reason) {
-        result.notRemoved[reason.key().toStdString()] = reason.value().toStdString();
+        found += ", not " + reason.key().toStdString() + ": " + reason.value().toStdString();
     }
-    return result;
+    auto wanted = "removed " + std::to_string(removed);
+    for (const auto& name : stay) {
+        wanted += ", not " + name + ": " + std::strerror(EACCES);
+    }
+    return found == wanted ? "" : found;
 }
 
-Trial::Result Trial::clean(const std::vector<std::string>& names) {
+std::string Trial::clean(const Names& names, const Names& stay) {
     beginClean(names);
-    return finishClean();
+    return finishClean(names.size() - stay.size(), stay);
 }
 
 void Trial::stopClean() { running_->cutter.cancelCleanAll(); }
 
-int Trial::questions() const { return std::max(0, linesOf(questions_) - 1); }
+std::string Trial::expectQuestions(int count) const {
+    const int found = std::max(0, linesOf(questions_) - 1);
+    return found == count ? "" : "asked " + std::to_string(found) + " times";
+}
+
+bool Trial::hearsCalls(int count) const {
+    return comes([&] { return linesOf(questions_) == count + 1; });
+}
 
 pid_t Trial::tool() const { return toolOf(::getpid()); }
 
-void Trial::loseSystemBus() {
-    running_->environment = {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/run/no-bus"}};
-    running_->system.reset();
-    running_->system = std::make_unique<SubstituteHome>(running_->home_, running_->environment);
+void Trial::sendAsAdministrator(int signal, pid_t process) const {
+    const SignalRequest request{signal, process};
+    int result = -1;
+    if (process <= 0 || ::write(administrator_, &request, sizeof request) < 0 ||
+        ::read(administrator_, &result, sizeof result) < 0 || result != 0) {
+        throw std::runtime_error("the signal was not sent");
+    }
 }
 
 void makeHome(const User& user) {
     for (const auto& entry : fs::directory_iterator(user.home())) {
         removeTree(entry.path());
     }
-    for (const auto& folder : {user.home() / "Library", user.home() / "Library" / "Caches"}) {
-        fs::create_directory(folder);
-        if (::chown(folder.c_str(), user.number, user.number) != 0) {
-            throw std::runtime_error("the home folder cannot be given to its user");
-        }
+    makeFolderOf(user, user.home() / "Library");
+    makeFolderOf(user, user.caches());
+}
+
+void makeTrash(const User& user) {
+    for (const char* folder :
+         {".local", ".local/share", ".local/share/Trash", ".local/share/Trash/files", ".local/share/Trash/info"}) {
+        makeFolderOf(user, user.home() / folder);
     }
 }
 
 void makeLockedFolder(const User& user, const std::string& name, int files) {
-    const auto folder = user.home() / "Library" / "Caches" / name;
     for (int number = 0; number < files; ++number) {
-        writeFile(folder / std::to_string(number % 10) / std::to_string(number), "not the user's");
+        writeFile(user.caches() / name / std::to_string(number % 10) / std::to_string(number), "not the user's");
     }
 }
 
-// The main thread can have ended while another one still runs.
-bool isAlive(pid_t process) {
-    const auto folder = fs::path("/proc") / std::to_string(process);
-    std::ifstream status(folder / "stat");
-    std::string record;
-    std::getline(status, record);
-    const auto end = record.rfind(')');
-    if (end == std::string::npos || end + 2 >= record.size()) {
-        return false;
-    }
-    std::error_code gone;
-    int threads = 0;
-    for (fs::directory_iterator thread(folder / "task", gone); !gone && thread != fs::end(thread);
-         thread.increment(gone)) {
-        ++threads;
-    }
-    return threads > 1 || (record[end + 2] != 'Z' && record[end + 2] != 'X');
+std::string contentOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 pid_t toolOf(pid_t application) {
+    const auto number = '\0' + std::to_string(application) + '\0';
     for (const auto& entry : fs::directory_iterator("/proc")) {
-        std::ifstream file(entry.path() / "cmdline");
-        std::string words{std::istreambuf_iterator<char>(file), {}};
-        const auto number = '\0' + std::to_string(application) + '\0';
+        const auto words = contentOf(entry.path() / "cmdline");
         if (words.find("/BrimvaultCleaner") != std::string::npos && words.ends_with(number)) {
-            const auto process = static_cast<pid_t>(std::stol(entry.path().filename()));
-            if (isAlive(process)) {
-                return process;
-            }
+            return static_cast<pid_t>(std::stol(entry.path().filename()));  // a process that has ended has no words
         }
     }
     return 0;
 }
 
-bool comes(const std::function<bool()>& condition, std::chrono::seconds timeout) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+bool ends(pid_t process, std::chrono::milliseconds timeout) {
+    const files::FileDescriptor held(static_cast<int>(::syscall(SYS_pidfd_open, process, 0U)));
+    pollfd end{held.number(), POLLIN, 0};
+    return !held.isOpen() || ::poll(&end, 1, static_cast<int>(timeout.count())) != 0;
+}
+
+std::string endOf(pid_t child) {
+    int status = 0;
+    if (!ends(child)) {
+        ::kill(child, SIGKILL);
+        return "it does not end";
+    }
+    const bool isReaped = ::waitpid(child, &status, 0) == child;
+    return isReaped && WIFEXITED(status) ? std::to_string(WEXITSTATUS(status)) : "it was killed";
+}
+
+bool holdsInOtherProcess(const std::function<bool()>& condition) {
+    const pid_t other = ::fork();
+    if (other == 0) {
+        ::_exit(condition() ? 0 : 1);
+    }
+    return endOf(other) == "0";
+}
+
+void pauseUntilParentEnds() {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0);
+    ::pause();
+    ::_exit(0);
+}
+
+bool comes(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;
