@@ -19,6 +19,7 @@ class SuppliedScan final : public engine::SBaseOperation {
 public:
     using Work = std::function<engine::ItemArray(SuppliedScan&)>;
     SuppliedScan(engine::Section section, Work work) : SBaseOperation(section), work_(std::move(work)) {}
+    using Operation::stopToken;
 
     using SBaseOperation::stopToken;
 
@@ -32,20 +33,26 @@ private:
     Work work_;
 };
 
-/// An operation whose work a test supplies.
+/// An operation whose work a test supplies, and what it does when it is given up.
 class SuppliedWork final : public engine::SectionOperation {
 public:
     using Work = std::function<void(SuppliedWork&)>;
-    explicit SuppliedWork(Work work, engine::Section section = engine::Section::caches)
-        : SectionOperation(section), work_(std::move(work)) {}
+    explicit SuppliedWork(Work work, engine::Section section = engine::Section::caches, Work givenUp = {})
+        : SectionOperation(section), work_(std::move(work)), givenUp_(std::move(givenUp)) {}
 
     using SectionOperation::stopToken;
 
 protected:
     void main() override { work_(*this); }
+    void givenUp() override {
+        if (givenUp_) {
+            givenUp_(*this);
+        }
+    }
 
 private:
     Work work_;
+    Work givenUp_;
 };
 
 /// Holds back whoever waits, as a volume that does not answer, until it is let on: at its own end at the latest, when

@@ -2,7 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <QList>
+#include <QLabel>
+#include <QMenu>
 #include <atomic>
 #include <deque>
 #include <memory>
@@ -11,6 +12,9 @@
 
 #include "app/SectionOperations.h"
 #include "engine/model/FFItem.h"
+#include "engine/model/FileSize.h"
+#include "engine/notification/NotificationCenter.h"
+#include "engine/notification/Notifications.h"
 #include "engine/operations/SBaseOperation.h"
 #include "langres/LanguagesManager.h"
 #include "langres/SAOperation.h"
@@ -21,15 +25,35 @@
 #include "scanners/SDwnOperation.h"
 #include "scanners/SLogsOperation.h"
 #include "scanners/STrshOperation.h"
+#include "support/TextPrinting.h"
 #include "trial/Guide.h"
 #include "trial/SampleHome.h"
 #include "trial/TemporaryFolder.h"
 #include "ui/controls/AlertPresenter.h"
+#include "ui/services/DefaultsKeys.h"
 #include "ui/window/FAppDelegate.h"
 
 namespace brimvault::tests {
 
 using namespace trial;
+using namespace Qt::StringLiterals;
+
+using engine::Section;
+using ui::ItemListModel;
+
+namespace fs = std::filesystem;
+
+inline QString sizeText(quint64 bytes) { return engine::FileSize::formatMemoryStringDot1(bytes); }
+inline QString shownPath(const fs::path& path) { return QString::fromStdString(path.native()); }
+
+namespace rows {
+enum Row : int { cachesRow, languagesRow, logsRow, downloadsRow, trashRow };
+}
+
+/// A key for the widget that has the keyboard.
+inline void type(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
 
 /// Answers questions as it was told to, and remembers them; a question that it was told nothing of is cancelled.
 class ToldAlerts final : public ui::AlertPresenter {
@@ -119,9 +143,7 @@ inline constexpr ui::AlertAnswer agree{ui::AlertAnswer::firstButton, false};
 class WindowFixture : public testing::Test {
 protected:
     void start() { start(scans()); }
-
     void start(engine::ScanTable table) { start(std::move(table), app::cleanOperations(remover_)); }
-
     void start(engine::ScanTable table, engine::CleanTable cleans) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ =
@@ -173,9 +195,7 @@ protected:
     [[nodiscard]] ui::SectionsTableView* sections() const { return window()->sidebar()->sections(); }
     /// The texts of the status panel, as an assistive client reads them: "large, small", or the small one alone.
     [[nodiscard]] QString status() const { return lists()->plashka()->spokenText(); }
-    [[nodiscard]] QString subtitle(int row) const {
-        return sections()->model()->index(row, 0).data(ui::SectionListModel::subtitleRole).toString();
-    }
+    [[nodiscard]] QString subtitle(int row) const { return ofSection(row, ui::SectionListModel::subtitleRole); }
     [[nodiscard]] bool isSectionChecked(int row) const {
         return sections()->model()->index(row, 0).data(Qt::CheckStateRole).toInt() == Qt::Checked;
     }
@@ -189,15 +209,73 @@ protected:
         return found;
     }
     [[nodiscard]] bool isChecked(const QString& name) const {
-        const auto index = guide_->list()->model()->index(guide_->row(name), ui::ItemListModel::checkColumn);
-        return index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+        return cell(name, ItemListModel::checkColumn).data(Qt::CheckStateRole).toInt() == Qt::Checked;
     }
     void scan() const { ASSERT_TRUE(guide_->scan(scanButton())); }
     /// Cleans with the answer "OK".
     void clean() {
+        pressClean();
+        awaitEndOfClean();
+    }
+
+    void startAndScan() { startAndScan(scans()); }
+    void startAndScan(engine::ScanTable table) {
+        start(std::move(table));
+        scan();
+    }
+    ui::TTableView* show(int row) const {
+        clickSection(row);
+        return guide_->list();
+    }
+    [[nodiscard]] QModelIndex cell(const QString& name, int column) const {
+        return guide_->list()->model()->index(guide_->row(name), column);
+    }
+    void select(const QString& name) const { guide_->clickCell(guide_->row(name), ItemListModel::nameColumn); }
+    void clickCheckOf(const QString& name) const { guide_->clickCell(guide_->row(name), ItemListModel::checkColumn); }
+    /// The name in the selected row; none without one.
+    [[nodiscard]] QString selected() const {
+        const auto rows = guide_->list()->selectionModel()->selectedRows(ItemListModel::nameColumn);
+        return rows.isEmpty() ? QString() : rows.first().data().toString();
+    }
+    [[nodiscard]] Qt::CheckState selectAllState() const { return lists()->pbtnSelectAll()->checkState(); }
+
+    [[nodiscard]] QString ofSection(int row, int role) const {
+        return sections()->model()->index(row, 0).data(role).toString();
+    }
+    /// The titles of the entries, those that cannot be chosen in brackets.
+    [[nodiscard]] static QStringList titlesOf(const QMenu& menu) {
+        QStringList titles;
+        for (const auto* action : menu.actions()) {
+            if (!action->isSeparator()) {
+                titles.append(action->isEnabled() ? action->text() : u"(%1)"_s.arg(action->text()));
+            }
+        }
+        return titles;
+    }
+    [[nodiscard]] QString note(int row) const { return ofSection(row, ui::SectionListModel::noteRole); }
+    /// Beside the list or in its place.
+    [[nodiscard]] bool isSaid(const QString& text) const {
+        const auto labels = lists()->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel* label) { return label->isVisible() && label->text().contains(text); });
+    }
+    [[nodiscard]] engine::DataMan& model() const { return application_->psectController().getAppResDS(); }
+    [[nodiscard]] quint64 cleanedInTotal() const {
+        return defaults_->number(ui::defaults_key::totalCleanedSize).value_or(0);
+    }
+
+    void pressClean() {
         alerts_.answers.push_back(agree);
         Guide::click(lists()->pbtnClean());
+    }
+    void awaitEndOfClean() const {
         ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
+    }
+    void awaitEndOfScan() const {
+        ASSERT_TRUE(Guide::waitFor([this] { return application_->bScanStarted() && !application_->pbScanning(); }));
+    }
+    [[nodiscard]] bool isClosedInTheEnd() const {
+        return Guide::waitFor([this] { return !window()->isVisible(); });
     }
 
     TemporaryFolder folder_;
