@@ -1,72 +1,52 @@
-#include <gmock/gmock.h>
+// The window without a mouse, and what an assistive client is given, without the client.
 
 #include <QAccessible>
-#include <QAction>
 #include <QPushButton>
-#include <filesystem>
 #include <set>
 
-#include "support/FixtureTrees.h"
 #include "support/WindowFixture.h"
 #include "ui/controls/Sheet.h"
 #include "ui/look/FocusRing.h"
 
-using namespace brimvault;
-using trial::Guide;
+namespace brimvault::tests {
 
-namespace {
+using namespace rows;
 
-class KeyboardJourney : public tests::WindowFixture {
+class KeyboardJourney : public WindowFixture {
 protected:
     // Tab until the focus is on the widget; false when it never gets there.
     bool tabTo(const QWidget* widget) {
         constexpr int enough = 30;
-        for (int presses = 0; presses < enough; ++presses) {
-            if (QApplication::focusWidget() == widget) {
-                return true;
-            }
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        for (int presses = 0; presses < enough && QApplication::focusWidget() != widget; ++presses) {
+            type(Qt::Key_Tab);
         }
-        return false;
+        return QApplication::focusWidget() == widget;
     }
-    void SetUp() override {
-        start();
+    // With the arrow keys.
+    void goDownTo(QAbstractItemView* list, int row) const {
+        for (int step = list->currentIndex().row(); step < row; ++step) {
+            QTest::keyClick(list, Qt::Key_Down);
+        }
+        ASSERT_EQ(list->currentIndex().row(), row);
+    }
+    void begin(engine::ScanTable table) {
+        start(std::move(table));
         ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
     }
 };
 
 TEST_F(KeyboardJourney, TheListHasTheKeyboardAgainAfterAScanThatIsStartedFromIt) {
+    begin(scans());
     scan();
     guide_->list()->setFocus();
-    QTest::keyClick(guide_->list(), Qt::Key_R, Qt::ControlModifier);
+    type(Qt::Key_R, Qt::ControlModifier);
     ASSERT_TRUE(application_->pbScanning());
     ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbScanning() && guide_->list() != nullptr; }));
     EXPECT_EQ(QApplication::focusWidget(), guide_->list());
 }
 
-TEST_F(KeyboardJourney, FromTheStartToACleanWithOneItemSpared) {
-    ASSERT_EQ(QApplication::focusWidget(), window()->startPage()->btnStartScanButton2());
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-    ASSERT_TRUE(Guide::waitFor([this] { return application_->bScanStarted() && !application_->pbScanning(); }));
-
-    ASSERT_TRUE(tabTo(guide_->list()));
-    const QString spared = QStringLiteral("com.vendor.browser");
-    QTest::keyClick(guide_->list(), Qt::Key_Home, Qt::ControlModifier);
-    while (guide_->list()->currentIndex().row() != guide_->row(spared)) {
-        QTest::keyClick(guide_->list(), Qt::Key_Down);
-    }
-    QTest::keyClick(guide_->list(), Qt::Key_Space);
-    EXPECT_FALSE(isChecked(spared));
-
-    ASSERT_TRUE(tabTo(lists()->pbtnClean()));
-    alerts_.answers.push_back(tests::agree);
-    QTest::keyClick(lists()->pbtnClean(), Qt::Key_Space);
-    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
-    EXPECT_EQ(names(), QStringList{spared});
-    EXPECT_TRUE(std::filesystem::exists(caches() / spared.toStdString()));
-}
-
 TEST_F(KeyboardJourney, EveryControlIsReached) {
+    begin(scans());
     scan();
     const auto reaches = [this](const QWidget* control) {
         EXPECT_TRUE(tabTo(control)) << control->accessibleName().toStdString();
@@ -77,117 +57,94 @@ TEST_F(KeyboardJourney, EveryControlIsReached) {
              lists()->pbtnSelectAll(), lists()->plashka(), lists()->pbtnClean()}) {
         reaches(control);
     }
-    constexpr int languagesRow = 1;
     clickSection(languagesRow);
     reaches(window()->pbtnLangs());
-    QTest::keyClick(window()->pbtnLangs(), Qt::Key_Space);
+    type(Qt::Key_Space);
     EXPECT_TRUE(Guide::waitFor([this] { return window()->pDrawer()->width() > 0; }));
     reaches(window()->pDrawer()->ptableView());
 }
 
-TEST_F(KeyboardJourney, DigitsSortAsTheHeaderDoes) {
-    scan();
-    ASSERT_TRUE(tabTo(guide_->list()));
-    QTest::keyClick(guide_->list(), Qt::Key_3, Qt::ControlModifier);
-    EXPECT_EQ(names().first(), QStringLiteral("com.vendor.browser")) << "the largest";
-    QTest::keyClick(guide_->list(), Qt::Key_3, Qt::ControlModifier);
-    EXPECT_EQ(names().last(), QStringLiteral("com.vendor.browser"));
-    EXPECT_TRUE(guide_->list()->sortAction(ui::ItemListModel::sizeColumn)->isChecked()) << "as the row's menu shows";
-}
-
-class TwoSectionsJourney : public KeyboardJourney {
-protected:
-    void SetUp() override {
-        start(allScans());
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
-    }
-    void tickOnly(const std::set<int>& rows) {
-        ASSERT_TRUE(tabTo(sections()));
-        QTest::keyClick(sections(), Qt::Key_Home);
-        for (int row = 0; row < ui::sectionRowCount; ++row, QTest::keyClick(sections(), Qt::Key_Down)) {
-            if (isSectionChecked(row) != rows.contains(row)) {
-                QTest::keyClick(sections(), Qt::Key_Space);
-            }
+TEST_F(KeyboardJourney, FromTheStartToACleanOfTwoSectionsWithOneItemSpared) {
+    begin(allScans());
+    auto* startButton = window()->startPage()->btnStartScanButton2();
+    ASSERT_EQ(QApplication::focusWidget(), startButton);
+    ASSERT_TRUE(tabTo(sections()));
+    type(Qt::Key_Home);
+    const std::set<int> chosen = {logsRow, trashRow};
+    for (int row = 0; row < ui::sectionRowCount; ++row, type(Qt::Key_Down)) {
+        if (isSectionChecked(row) != chosen.contains(row)) {
+            type(Qt::Key_Space);
         }
     }
-};
-
-TEST_F(TwoSectionsJourney, TwoSectionsAreCleanedWithOneItemSpared) {
-    constexpr int cachesRow = 0;
-    constexpr int logsRow = 2;
-    constexpr int trashRow = 4;
-    tickOnly({logsRow, trashRow});
-    ASSERT_TRUE(tabTo(scanButton()));
-    QTest::keyClick(scanButton(), Qt::Key_Space);
-    ASSERT_TRUE(Guide::waitFor([this] { return application_->bScanStarted() && !application_->pbScanning(); }));
+    ASSERT_TRUE(tabTo(startButton));
+    type(Qt::Key_Space);
+    awaitEndOfScan();
 
     ASSERT_TRUE(tabTo(sections()));
-    QTest::keyClick(sections(), Qt::Key_Home);
-    while (sections()->currentIndex().row() != trashRow) {
-        QTest::keyClick(sections(), Qt::Key_Down);
-    }
+    type(Qt::Key_Home);
+    goDownTo(sections(), trashRow);
     ASSERT_TRUE(tabTo(guide_->list()));
-    const QString spared = QStringLiteral("holiday.jpg");
-    while (guide_->list()->currentIndex().row() != guide_->row(spared)) {
-        QTest::keyClick(guide_->list(), Qt::Key_Down);
-    }
-    QTest::keyClick(guide_->list(), Qt::Key_Space);
-    const auto caches = trial::fingerprint(home_.caches());
+    const auto spared = u"holiday.jpg"_s;
+    goDownTo(guide_->list(), guide_->row(spared));
+    type(Qt::Key_Space);
+    EXPECT_FALSE(isChecked(spared));
+    const auto caches = fingerprint(home_.caches());
     ASSERT_TRUE(tabTo(lists()->pbtnClean()));
-    alerts_.answers.push_back(tests::agree);
-    QTest::keyClick(lists()->pbtnClean(), Qt::Key_Space);
-    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbCleanning(); }));
+    alerts_.answers.push_back(agree);
+    type(Qt::Key_Space);
+    awaitEndOfClean();
 
     EXPECT_EQ(names(), QStringList{spared});
-    const auto files = home_.desktopTrash() / "files";
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(files), {}), 1);
-    EXPECT_TRUE(std::filesystem::exists(files / spared.toStdString()));
-    EXPECT_EQ(subtitle(logsRow), QStringLiteral("No files found"));
-    EXPECT_EQ(trial::fingerprint(home_.caches()), caches) << "a section that was not ticked";
-    EXPECT_EQ(subtitle(cachesRow), QStringLiteral("Not Scanned"));
+    EXPECT_EQ(fingerprint(home_.desktopTrash()).size(), 4U) << "two folders, the spared file and its record";
+    EXPECT_TRUE(fs::exists(home_.desktopTrash() / "files/holiday.jpg"));
+    EXPECT_EQ(show(logsRow), nullptr) << "an empty list gives way to words";
+    EXPECT_EQ(subtitle(logsRow), u"No files found"_s);
+    EXPECT_EQ(fingerprint(home_.caches()), caches) << "a section that was not ticked";
+    EXPECT_EQ(subtitle(cachesRow), u"Not Scanned"_s);
 }
 
-// What an assistive client is given, without the client.
 class AccessibleLists : public KeyboardJourney {
 protected:
     void SetUp() override {
-        KeyboardJourney::SetUp();
+        begin(scans());
         scan();
         table_ = QAccessible::queryAccessibleInterface(guide_->list());
     }
-    QAccessibleInterface* cell(const QString& name, int column) const {
-        return table_->tableInterface()->cellAt(guide_->row(name), column);
+    [[nodiscard]] QAccessibleInterface* cellAt(int row, int column) const {
+        return table_->tableInterface()->cellAt(row, column);
     }
-
     static void act(QAccessibleInterface* on, const QString& action) { on->actionInterface()->doAction(action); }
 
     QAccessibleInterface* table_ = nullptr;
 };
 
 TEST_F(AccessibleLists, TellEverythingOfTheRowThatTheKeyboardIsAt) {
+    const auto mail = u"com.vendor.mail"_s;
     ASSERT_TRUE(tabTo(guide_->list()));
-    guide_->clickCell(guide_->row(QStringLiteral("com.vendor.browser")), ui::ItemListModel::sizeColumn);
-    while (guide_->list()->currentIndex().row() != guide_->row(QStringLiteral("com.vendor.mail"))) {
-        QTest::keyClick(guide_->list(), Qt::Key_Down);
-    }
+    guide_->clickCell(guide_->row(u"com.vendor.browser"_s), ItemListModel::sizeColumn);
+    goDownTo(guide_->list(), guide_->row(mail));
     auto* focused = table_->focusChild();
     ASSERT_NE(focused, nullptr);
-    EXPECT_EQ(focused->text(QAccessible::Name), QStringLiteral("com.vendor.mail"));
-    EXPECT_EQ(focused->text(QAccessible::Description), QStringLiteral("Size: 612.3 MB"));
+    EXPECT_EQ(focused->text(QAccessible::Name), mail);
+    EXPECT_EQ(focused->text(QAccessible::Description), u"Size: 612.3 MB"_s);
     EXPECT_TRUE(focused->state().checkable && focused->state().checked);
-    QTest::keyClick(guide_->list(), Qt::Key_Space);
-    EXPECT_FALSE(focused->state().checked);
+    EXPECT_EQ(cellAt(guide_->row(mail), ItemListModel::sizeColumn)->text(QAccessible::Name), u"612.3 MB"_s);
+    auto* check = cellAt(guide_->row(mail), ItemListModel::checkColumn);
+    EXPECT_EQ(check->text(QAccessible::Name), mail);
+    EXPECT_TRUE(check->state().checkable && check->state().checked);
+    type(Qt::Key_Space);
+    EXPECT_FALSE(focused->state().checked || check->state().checked);
     act(focused, QAccessibleActionInterface::toggleAction());
-    EXPECT_TRUE(focused->state().checked);
-    EXPECT_TRUE(isChecked(QStringLiteral("com.vendor.mail")));
+    EXPECT_TRUE(focused->state().checked && isChecked(mail));
+    act(check, QAccessibleActionInterface::toggleAction());
+    EXPECT_FALSE(check->state().checked || isChecked(mail));
 }
 
 // The rows can still be chosen.
 TEST_F(AccessibleLists, TellThatChecksAreLockedDuringAClean) {
     application_->setPbCleanning(true);
-    auto* check = table_->tableInterface()->cellAt(0, ui::ItemListModel::checkColumn);
-    auto* name = table_->tableInterface()->cellAt(0, ui::ItemListModel::nameColumn);
-    EXPECT_TRUE(check->state().disabled);
+    EXPECT_TRUE(cellAt(0, ItemListModel::checkColumn)->state().disabled);
+    auto* name = cellAt(0, ItemListModel::nameColumn);
     EXPECT_TRUE(!name->state().disabled && name->state().readOnly && name->state().checkable);
     EXPECT_FALSE(name->actionInterface()->actionNames().contains(QAccessibleActionInterface::toggleAction()));
     const auto section = QAccessible::queryAccessibleInterface(sections())->child(0)->state();
@@ -195,99 +152,59 @@ TEST_F(AccessibleLists, TellThatChecksAreLockedDuringAClean) {
     application_->setPbCleanning(false);
 }
 
-TEST_F(AccessibleLists, TickAllWithTheClickThatTheProgramWaitsFor) {
-    auto* all = QAccessible::queryAccessibleInterface(lists()->pbtnSelectAll());
-    EXPECT_EQ(all->role(), QAccessible::CheckBox);
-    EXPECT_TRUE(all->state().checked && !all->state().checkStateMixed);
-    guide_->clickCell(0, ui::ItemListModel::checkColumn);
-    EXPECT_TRUE(!all->state().checked && all->state().checkStateMixed);
-    act(all, QAccessibleActionInterface::toggleAction());
-    EXPECT_TRUE(Guide::waitFor([&] { return isChecked(names().first()); }));
-    EXPECT_TRUE(all->state().checked && !all->state().checkStateMixed);
-}
-
 TEST_F(AccessibleLists, CannotBeUsedBehindASheet) {
     ui::Sheet sheet({300, 200}, window());
     QPushButton answer(sheet.panel());
-    auto* clean = QAccessible::queryAccessibleInterface(lists()->pbtnClean());
-    auto* section = QAccessible::queryAccessibleInterface(sections())->child(0);
-    auto* sort = table_->child(1 + ui::ItemListModel::sizeColumn);
-    auto* row = table_->tableInterface()->cellAt(0, ui::ItemListModel::nameColumn);
+    QAccessibleInterface* const all[] = {QAccessible::queryAccessibleInterface(lists()->pbtnClean()),
+                                         QAccessible::queryAccessibleInterface(sections())->child(0),
+                                         table_->child(1 + ItemListModel::sizeColumn),
+                                         cellAt(0, ItemListModel::nameColumn)};
     const QStringList before = names();
-    EXPECT_TRUE(!clean->state().disabled && !section->state().disabled);
     sheet.beginSheet(&answer);
-    for (auto* covered : {clean, section, sort, row}) {
+    for (auto* covered : all) {
         EXPECT_TRUE(covered->state().disabled) << covered->text(QAccessible::Name).toStdString();
         EXPECT_TRUE(covered->actionInterface()->actionNames().isEmpty());
-        act(covered, QAccessibleActionInterface::pressAction());
-        act(covered, QAccessibleActionInterface::toggleAction());
-        act(covered, QAccessibleActionInterface::setFocusAction());
+        for (const auto& action :
+             {QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::toggleAction(),
+              QAccessibleActionInterface::setFocusAction()}) {
+            act(covered, action);
+        }
     }
     EXPECT_FALSE(QAccessible::queryAccessibleInterface(&answer)->state().disabled);
-    constexpr int longerThanAClickTakes = 50;
-    QTest::qWait(longerThanAClickTakes);
+    QCoreApplication::processEvents();  // clicks are queued
     EXPECT_TRUE(alerts_.asked.empty());
     EXPECT_TRUE(answer.hasFocus());
     EXPECT_EQ(names(), before);
-    EXPECT_TRUE(isChecked(before.first()) && isSectionChecked(0));
+    EXPECT_TRUE(isChecked(before.first()) && isSectionChecked(cachesRow));
     sheet.endSheet();
-    EXPECT_TRUE(!clean->state().disabled && !section->state().disabled && !row->state().disabled);
-}
-
-TEST_F(AccessibleLists, TellNamesSizesAndChecksAndCanBeTicked) {
-    EXPECT_EQ(table_->text(QAccessible::Name), QStringLiteral("Caches"));
-    EXPECT_EQ(table_->role(), QAccessible::Table);
-    const QString name = QStringLiteral("com.vendor.mail");
-    auto* check = cell(name, ui::ItemListModel::checkColumn);
-    EXPECT_EQ(check->text(QAccessible::Name), name);
-    EXPECT_TRUE(check->state().checkable);
-    EXPECT_TRUE(check->state().checked);
-    check->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-    EXPECT_FALSE(cell(name, ui::ItemListModel::checkColumn)->state().checked);
-    EXPECT_FALSE(isChecked(name));
-    EXPECT_EQ(cell(name, ui::ItemListModel::sizeColumn)->text(QAccessible::Name), QStringLiteral("612.3 MB"));
+    for (auto* free : all) {
+        EXPECT_FALSE(free->state().disabled) << free->text(QAccessible::Name).toStdString();
+    }
 }
 
 TEST_F(AccessibleLists, FollowRowsThatChangePlacesOrGo) {
-    auto* first = table_->tableInterface()->cellAt(0, ui::ItemListModel::nameColumn);
-    guide_->clickHeader(ui::ItemListModel::sizeColumn);
-    QTest::qWait(10);
+    const auto expectChildrenInPlace = [this] {
+        for (int index = 0; index < table_->childCount(); ++index) {
+            ASSERT_NE(table_->child(index), nullptr);
+            EXPECT_EQ(table_->indexOfChild(table_->child(index)), index);
+        }
+    };
+    auto* first = cellAt(0, ItemListModel::nameColumn);
+    auto* header = table_->child(1 + ItemListModel::sizeColumn);
+    EXPECT_EQ(header->role(), QAccessible::ColumnHeader);
+    EXPECT_EQ(header->actionInterface()->keyBindingsForAction(QAccessibleActionInterface::pressAction()),
+              QStringList{u"Ctrl+3"_s});
+    act(header, QAccessibleActionInterface::pressAction());
+    QCoreApplication::processEvents();  // the news of another order are queued
+    EXPECT_EQ(header->text(QAccessible::Description), u"Sorted descending"_s);
+    EXPECT_EQ(names().first(), u"com.vendor.browser"_s) << "the largest";
     EXPECT_EQ(first->text(QAccessible::Name), names().first());
+    expectChildrenInPlace();
     const int rows = table_->tableInterface()->rowCount();
-    for (int index = 0; index < table_->childCount(); ++index) {
-        ASSERT_NE(table_->child(index), nullptr);
-        EXPECT_EQ(table_->indexOfChild(table_->child(index)), index);
-    }
     clean();
     EXPECT_LT(table_->tableInterface()->rowCount(), rows);
-    EXPECT_EQ(table_->tableInterface()->cellAt(rows - 1, 0), nullptr);
-    for (int index = 0; index < table_->childCount(); ++index) {
-        ASSERT_NE(table_->child(index), nullptr);
-    }
+    EXPECT_EQ(cellAt(rows - 1, 0), nullptr);
+    expectChildrenInPlace();
 }
 
-TEST_F(AccessibleLists, SortByAPressedHeader) {
-    auto* header = table_->child(1 + ui::ItemListModel::sizeColumn);
-    EXPECT_EQ(header->role(), QAccessible::ColumnHeader);
-    EXPECT_EQ(header->text(QAccessible::Name), QStringLiteral("Size"));
-    header->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_EQ(names().first(), QStringLiteral("com.vendor.browser")) << "the largest";
-    EXPECT_EQ(header->text(QAccessible::Description), QStringLiteral("Sorted descending"));
-    EXPECT_EQ(table_->child(1 + ui::ItemListModel::nameColumn)->text(QAccessible::Description), QString());
-    EXPECT_EQ(header->actionInterface()->keyBindingsForAction(QAccessibleActionInterface::pressAction()),
-              QStringList{QStringLiteral("Ctrl+3")});
-}
-
-TEST_F(AccessibleLists, ShowTheSectionsWithTheirChecks) {
-    auto* list = QAccessible::queryAccessibleInterface(sections());
-    EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Sections"));
-    ASSERT_EQ(list->childCount(), ui::sectionRowCount);
-    auto* downloads = list->child(3);
-    EXPECT_EQ(downloads->text(QAccessible::Name), QStringLiteral("Downloads"));
-    EXPECT_FALSE(downloads->state().checked);
-    downloads->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-    EXPECT_TRUE(list->child(3)->state().checked);
-    EXPECT_TRUE(isSectionChecked(3));
-}
-
-}  // namespace
+}  // namespace brimvault::tests
