@@ -1,6 +1,10 @@
-"""An assistive client: finds the parts of the program's window by role and name, reads them and acts on them."""
+"""An assistive client: finds the parts of the program's window by role and name, reads them and acts on them; and the
+program in a trial, over a home folder of its own."""
 
+import contextlib
 import os
+import signal
+import subprocess
 import time
 
 import gi
@@ -79,17 +83,8 @@ def actions(node):
 
 
 def act(node, action):
-    interface = node.get_action_iface()
-    for index in range(interface.get_n_actions()):
-        if interface.get_action_name(index) == action:
-            assert interface.do_action(index)
-            return
-    raise AssertionError(f"{node.get_role_name()} {node.get_name()!r} cannot {action}")
-
-
-def application(name):
-    """The application of that name; None where none runs."""
-    return next((child for child in children(Atspi.get_desktop(0)) if child.get_name() == name), None)
+    assert action in actions(node), f"{node.get_role_name()} {node.get_name()!r} cannot {action}"
+    assert node.get_action_iface().do_action(actions(node).index(action))
 
 
 class Ear:
@@ -131,8 +126,12 @@ class Window:
 
     def __init__(self, sections="Sections"):
         self.sections = sections
-        self.application = wait_for("the program", lambda: application("Brimvault"))
+        self.application = wait_for("the program", self.running_program)
         self.frame = wait_for("the window", lambda: find(self.application, "frame", "Brimvault"))
+
+    @staticmethod
+    def running_program():
+        return next((child for child in children(Atspi.get_desktop(0)) if child.get_name() == "Brimvault"), None)
 
     def button(self, name):
         return wait_for(f"button {name!r}", lambda: find(self.frame, "push button", name))
@@ -177,6 +176,28 @@ class Window:
     def question(self):
         return find(self.application, "alert") or find(self.application, "dialog")
 
+    def question_text(self):
+        question = wait_for("a question", self.question)
+        return [part.get_name() for part in everything(question) if part.get_role_name() == "label" and part.get_name()]
+
     def answer(self, button):
         dialog = wait_for("a question", self.question)
         act(wait_for(f"button {button!r}", lambda: find(dialog, "push button", button)), "Press")
+
+
+@contextlib.contextmanager
+def running(command, environment=(), ends_itself=False):
+    """The process of the program; it is to be under way at the end, unless it ends itself, and is ended then."""
+    # A group of its own, so that the wrappers and the program in them end together.
+    process = subprocess.Popen(command, start_new_session=True, env={**os.environ, **dict(environment)})
+    try:
+        yield process
+        assert ends_itself or process.poll() is None, "the program ended"
+    finally:
+        if process.poll() is None:
+            os.killpg(process.pid, signal.SIGTERM)
+            process.wait()
+
+
+def make_home(sample_home, home):
+    subprocess.run([sample_home, home], check=True, stdout=subprocess.DEVNULL)
