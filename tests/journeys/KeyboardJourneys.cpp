@@ -192,6 +192,7 @@ TEST_F(AccessibleLists, FollowRowsThatChangePlacesOrGo) {
     auto* first = cellAt(0, ItemListModel::nameColumn);
     auto* header = table_->child(1 + ItemListModel::sizeColumn);
     EXPECT_EQ(header->role(), QAccessible::ColumnHeader);
+    EXPECT_EQ(table_->child(1 + ItemListModel::checkColumn)->text(QAccessible::Name), u"Selected"_s);
     EXPECT_EQ(header->actionInterface()->keyBindingsForAction(QAccessibleActionInterface::pressAction()),
               QStringList{u"Ctrl+3"_s});
     act(header, QAccessibleActionInterface::pressAction());
