@@ -116,6 +116,9 @@ class Ear:
         """Of the parts of that role that told of such a change."""
         return [name for _, heard, who, name in self.heard if heard.startswith(kind) and who == role]
 
+    def has_told(self, kind, name):
+        return any(heard.startswith(kind) and who == name for _, heard, _, who in self.heard)
+
     def most_in_a_second(self):
         times = [when for when, *_ in self.heard]
         return max((sum(first <= when < first + 1 for when in times) for first in times), default=0)

@@ -181,7 +181,7 @@ def scan_again(desk, ear):
 # --- The list ---------------------------------------------------------------------------------------------------
 
 
-def states_of_select_all(desk):
+def states_of_select_all(desk, ear):
     def is_mark(state):
         return has_state(desk.select_all(), state)
 
@@ -190,12 +190,13 @@ def states_of_select_all(desk):
     wait_for("the mark of all", lambda: is_mark(Atspi.StateType.CHECKED))
     assert rows["com.vendor.mail"][:2] == ("612.3 MB", True), rows
     act(rows["com.vendor.mail"][2], "Toggle")
+    wait_for("the news of a tick", lambda: ear.has_told("object:state-changed:checked", "com.vendor.mail"))
     wait_for("the mark of some", lambda: is_mark(Atspi.StateType.INDETERMINATE))
     act(desk.select_all(), "Toggle")
     wait_for("all again", lambda: is_mark(Atspi.StateType.CHECKED) and desk.rows("Caches")["com.vendor.mail"][1])
 
 
-def sorting(desk):
+def sorting(desk, ear):
     """A header says how the rows are sorted, and sorts them."""
     def headers():
         table = desk.table("Caches")
@@ -204,6 +205,7 @@ def sorting(desk):
     assert headers()["Name"].get_description() == "Sorted ascending"
     act(headers()["Size"], "Press")
     wait_for("another order", lambda: headers()["Size"].get_description() == "Sorted descending")
+    wait_for("the news of the order", lambda: ear.has_told(DESCRIPTION, "Size"))
     assert headers()["Name"].get_description() == ""
 
 
@@ -314,8 +316,8 @@ def main():
             scan_under_way(desk)
             os.remove(mounts)
             scan_again(desk, ear)
-            states_of_select_all(desk)
-            sorting(desk)
+            states_of_select_all(desk, ear)
+            sorting(desk, ear)
             shown_outside(desk, home, asked)
             question_before_a_clean(desk)
             clean_with_a_report(desk, home, ear)
