@@ -2,18 +2,23 @@
 // still there, blames the error that there was, and touches nothing but its item.
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <functional>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <sstream>
-#include <string_view>
 
+#include "files/trees/Remove.h"
 #include "support/FixtureTrees.h"
-#include "support/TracedRemoval.h"
 #include "trial/SampleHome.h"
 #include "trial/TemporaryFolder.h"
 
@@ -26,6 +31,70 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr unsigned maxSeconds = 20;  // a removal of some hundred folders takes a second under strace
+
+// In the child: stops until strace has attached to it.
+[[noreturn]] void removeWhenContinued(const fs::path& item, int answer) {
+    ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0);  // where only parents may trace
+    ::alarm(maxSeconds);
+    ::raise(SIGSTOP);
+    const auto outcome = files::remove(item);
+    const auto failure = outcome.failure.value_or(files::Failure());
+    const auto said = std::to_string(static_cast<int>(outcome.end)) + " " + std::to_string(failure.code) + " " +
+                      failure.path.native();
+    (void)!::write(answer, said.data(), said.size());
+    ::_exit(0);
+}
+
+files::RemovalOutcome outcomeIn(int answer) {
+    char said[4096] = {};
+    (void)!::pread(answer, said, sizeof said - 1, 0);
+    int end = 0;
+    int code = 0;
+    int length = 0;
+    (void)std::sscanf(said, "%d %d %n", &end, &code, &length);
+    const auto failure = code == 0 ? std::nullopt : std::optional(files::Failure{code, said + length});
+    return {static_cast<RemovalEnd>(end), failure};
+}
+
+// A removal by a child process, under strace from the first system call of its work to the last.
+struct TracedRemoval {
+    bool isTraced = false;                         ///< false: strace is missing or may not trace, `trace` says why
+    std::optional<files::RemovalOutcome> outcome;  ///< none when the child did not end by itself
+    int status = 0;                                ///< with which the child ended, as waitpid has it
+    std::string trace;                             ///< what strace wrote
+};
+
+// The options say what strace traces and injects. Called while the test has no other threads.
+TracedRemoval removeTraced(const fs::path& item, const std::string& options) {
+    TracedRemoval result;
+    std::FILE* answer = std::tmpfile();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        removeWhenContinued(item, ::fileno(answer));
+    }
+    ::waitpid(child, &result.status, WUNTRACED);
+    const auto command = "exec strace -f -o /dev/stdout -p " + std::to_string(child) + " " + options + " 2>&1";
+    std::FILE* strace = ::popen(command.c_str(), "r");
+    for (char text[4096]; std::fgets(text, sizeof text, strace) != nullptr;) {
+        result.trace += text;
+        if (!result.isTraced && result.trace.find(" attached") != std::string::npos) {
+            result.isTraced = true;
+            ::kill(child, SIGCONT);
+        }
+    }
+    ::pclose(strace);
+    if (!result.isTraced) {
+        ::kill(child, SIGKILL);
+    }
+    ::waitpid(child, &result.status, 0);
+    if (WIFEXITED(result.status) && WEXITSTATUS(result.status) == 0) {
+        result.outcome = outcomeIn(::fileno(answer));
+    }
+    std::fclose(answer);
+    return result;
+}
+
 struct InjectedError {
     const char* name;
     int code;
@@ -37,54 +106,37 @@ constexpr InjectedError errors[] = {
     {"EBUSY", EBUSY, false}, {"EINTR", EINTR, true},    {"ESTALE", ESTALE, false},
 };
 
-// Not the removal's work on files: its memory, the program's own waiting and answer, and the pipes with which
-// sanitizers look at memory.
-const std::set<std::string, std::less<>> notInjected = {"mmap", "pipe2", "poll", "restart_syscall", "write"};
+// Not the removal's work on files: its memory, the answer, and the pipes with which sanitizers look at memory.
+const std::set<std::string, std::less<>> notInjected = {"mmap", "pipe2", "write"};
 
 bool isThere(const fs::path& path) { return fs::exists(fs::symlink_status(path)); }
-
-bool isAtOrBelow(const fs::path& inner, const fs::path& outer) {
-    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
-}
 
 // By name, the most calls that any one thread made: strace counts for each thread from one on.
 using Calls = std::map<std::string, int>;
 
 Calls callsIn(const std::string& trace) {
-    std::map<std::string, std::map<std::string, int>> callsOfThreads;
+    Calls most;
+    std::map<std::pair<std::string, std::string>, int> callsOfThreads;
     std::istringstream lines(trace);
     for (std::string thread, call; lines >> thread >> call; lines.ignore(65536, '\n')) {
         const std::string name = call.substr(0, call.find('('));
         if (name.size() < call.size() && call[0] != '<' && !notInjected.contains(name)) {
-            ++callsOfThreads[name][thread];
-        }
-    }
-    Calls most;
-    for (const auto& [name, threads] : callsOfThreads) {
-        for (const auto& [thread, count] : threads) {
-            most[name] = std::max(most[name], count);
+            most[name] = std::max(most[name], ++callsOfThreads[{name, thread}]);
         }
     }
     return most;
 }
 
-std::size_t errorsIn(const std::string& trace) {
-    std::size_t count = 0;
-    const std::string_view mark = "(INJECTED)";
-    for (auto place = trace.find(mark); place != std::string::npos; place = trace.find(mark, place + 1)) {
-        ++count;
+// The calls that were answered with an error.
+std::vector<std::string> struckIn(const std::string& trace) {
+    std::vector<std::string> struck;
+    std::istringstream lines(trace);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("(INJECTED)") != std::string::npos) {
+            struck.push_back(line);
+        }
     }
-    return count;
-}
-
-// The last of them, to tell.
-std::string struckIn(const std::string& trace) {
-    const auto mark = trace.rfind("(INJECTED)");
-    if (mark == std::string::npos) {
-        return "";
-    }
-    const auto start = trace.rfind('\n', mark);
-    return "\n" + trace.substr(start == std::string::npos ? 0 : start + 1, mark - start - 1);
+    return struck;
 }
 
 using Making = std::function<void()>;
@@ -93,9 +145,9 @@ class InjectedErrors : public testing::Test {
 protected:
     void SetUp() override {
         // What the tree is linked with, and what lies beside it with the names of what is in it.
-        writeFile(outside_ / "file", "precious");
-        writeFile(outside_ / "inner/file", "precious");
-        writeFile(folder_ / "inner/file", "precious");
+        for (const char* file : {"outside/file", "outside/inner/file", "inner/file"}) {
+            writeFile(folder_ / file, "precious");
+        }
         before_ = fingerprint(folder_.path(), {"tree"});
     }
     // Where calls were found, errors have struck; else nothing was tested.
@@ -103,70 +155,67 @@ protected:
         if (!untried_.empty()) {
             GTEST_SKIP() << "nothing can be traced here: " << untried_;
         }
-        RecordProperty("removals", tried_);
-        RecordProperty("struck", struck_);
         EXPECT_EQ(struck_ > 0, tried_ > 0);
     }
 
     void makeLinksIn(const fs::path& folder) const {
-        fs::create_directory_symlink(outside_, folder / "link");
-        fs::create_hard_link(outside_ / "file", folder / "second name");
+        fs::create_directory_symlink(folder_ / "outside", folder / "link");
+        fs::create_hard_link(folder_ / "outside/file", folder / "second name");
     }
 
     void makeSmallTree() const {
-        writeFile(tree_ / "file", "1");
+        for (const char* file : {"file", "inner/file", "inner/more/file"}) {
+            writeFile(tree_ / file, "1");
+        }
         makeLinksIn(tree_);
-        writeFile(tree_ / "inner/file", "2");
-        writeFile(tree_ / "inner/more/file", "3");
         fs::create_directory(tree_ / "empty");
     }
 
     // Wide and deep enough for several threads to be at work in it, and for folders to be closed on the way.
     void makeLargeTree() const {
         for (int number = 0; number < 150; ++number) {
-            const auto text = std::to_string(number);
-            writeFile(tree_ / std::to_string(number % 12) / text / "inner/file", text);
+            writeFile(tree_ / std::to_string(number % 12) / std::to_string(number) / "inner/file", "1");
         }
-        auto deep = tree_ / "deep";
-        for (int level = 0; level < 30; ++level) {
-            deep /= "inner";
-        }
-        writeFile(deep / "file", "");
+        makeDeep(tree_ / "deep", 30);
         makeLinksIn(tree_ / "7");
+    }
+
+    TracedRemoval trace(const std::string& options) {
+        auto traced = removeTraced(tree_, options);
+        untried_ = traced.isTraced ? "" : traced.trace;
+        return traced;
     }
 
     // The calls of a removal in which nothing fails. None where nothing can be traced.
     Calls callsOfRemoval(const Making& make) {
         make();
-        const auto traced = TracedRemoval::run(tree_, {"--trace=%file,%desc"});
-        untried_ = traced.untried;
-        if (untried_.empty()) {
-            EXPECT_EQ(traced.trouble, "");
-            EXPECT_FALSE(isThere(tree_)) << traced.trace;
-            EXPECT_NE(callsIn(traced.trace), Calls()) << "nothing was seen of the removal";
+        const auto traced = trace("--trace=%file,%desc");
+        if (!traced.isTraced) {
+            return {};
         }
+        EXPECT_TRUE(traced.outcome && traced.outcome->end == RemovalEnd::gone && !traced.outcome->failure);
+        EXPECT_FALSE(isThere(tree_)) << traced.trace;
+        EXPECT_NE(callsIn(traced.trace), Calls()) << "nothing was seen of the removal";
         return callsIn(traced.trace);
     }
 
     // What is wrong with what came of it.
-    std::string judge(const TracedRemoval& traced, int code) const {
-        if (!traced.untried.empty() || !traced.trouble.empty()) {
-            return traced.untried + traced.trouble;
+    [[nodiscard]] std::string judge(const files::RemovalOutcome& outcome, int code) const {
+        if (outcome.end == RemovalEnd::gone) {
+            return isThere(tree_) || outcome.failure ? "called gone what is still there" : "";
         }
-        if (traced.outcome->end == RemovalEnd::gone) {
-            return isThere(tree_) ? "called gone what is still there" : "";
+        if (outcome.end != RemovalEnd::kept || !outcome.failure) {
+            return "neither gone nor kept for a reason";
         }
-        const auto& failure = *traced.outcome->failure;
-        if (!isAtOrBelow(failure.path, tree_) && !isAtOrBelow(tree_, failure.path)) {
-            return "blamed " + failure.path.native();
-        }
+        const auto& failure = *outcome.failure;
         const bool isTheReason = failure.code == code;
-        const bool isThePlace = !isThere(tree_) || isThere(failure.path);
+        const bool isThePlace =
+            failure.path.native().starts_with(tree_.native()) && (!isThere(tree_) || isThere(failure.path));
         return isTheReason && isThePlace ? "" : "blamed \"" + failure.text() + "\" of " + failure.path.native();
     }
 
     // Of entries that could not be removed there are as many as were kept from it, and one of them is blamed.
-    void expectNoMoreLeftThanFailed(const TracedRemoval& traced, const std::string& when) const {
+    void expectNoMoreLeftThanFailed(const TracedRemoval& traced) const {
         std::set<fs::path> left;
         if (isThere(tree_)) {
             left.insert(tree_);
@@ -175,8 +224,8 @@ protected:
                 left.insert(entry.path());
             }
         }
-        EXPECT_LE(left.size(), errorsIn(traced.trace)) << when << struckIn(traced.trace);
-        if (!left.empty() && traced.outcome && traced.outcome->failure) {
+        EXPECT_LE(left.size(), struckIn(traced.trace).size());
+        if (!left.empty() && traced.outcome->failure) {
             EXPECT_TRUE(left.contains(traced.outcome->failure->path)) << traced.outcome->failure->path;
         }
     }
@@ -185,27 +234,39 @@ protected:
     void tryWith(const Making& make, const std::string& call, const InjectedError& error, const std::string& when) {
         removeTree(tree_);
         make();
-        const auto traced = TracedRemoval::run(
-            tree_, {"--trace=" + call, "--inject=" + call + ":error=" + error.name + ":when=" + when});
-        ASSERT_NE(traced.trouble, TracedRemoval::notEnded) << call << " number " << when << " answers " << error.name;
-        struck_ += errorsIn(traced.trace) == 0 ? 0 : 1;
+        const auto traced = trace("--trace=" + call + " --inject=" + call + ":error=" + error.name + ":when=" + when);
+        const auto struck = struckIn(traced.trace);
+        SCOPED_TRACE(call + " number " + when + " answers " + error.name + "\n" +
+                     (struck.empty() ? "" : struck.back()));
+        ASSERT_TRUE(traced.outcome) << "did not end well, but with status " << traced.status;
+        struck_ += struck.empty() ? 0 : 1;
         ++tried_;
-        const auto wrong = judge(traced, error.code);
-        EXPECT_EQ(wrong, "") << call << " number " << when << " answers " << error.name << struckIn(traced.trace);
-        EXPECT_EQ(fingerprint(folder_.path(), {"tree"}), before_) << call << " " << error.name << " " << when;
+        EXPECT_EQ(judge(*traced.outcome, error.code), "");
+        EXPECT_EQ(fingerprint(folder_.path(), {"tree"}), before_);
         if (call == "unlinkat") {
-            expectNoMoreLeftThanFailed(traced, when);
+            expectNoMoreLeftThanFailed(traced);
+        }
+    }
+
+    // At these of the calls of each name. Not every error in every place, which would take minutes: they take turns.
+    void tryInTurn(const Making& make, const std::function<std::vector<std::string>(int count)>& places) {
+        std::size_t turn = 0;
+        for (const auto& [call, count] : callsOfRemoval(make)) {
+            for (const auto& when : places(count)) {
+                ASSERT_NO_FATAL_FAILURE(tryWith(make, call, errors[turn++ % std::size(errors)], when));
+            }
         }
     }
 
     const TemporaryFolder folder_{folderInMemory()};
-    const fs::path outside_ = folder_ / "outside";
     const fs::path tree_ = folder_ / "tree";
     SampleHome::Fingerprint before_;
     std::string untried_;  ///< why nothing can be traced here
     int tried_ = 0;
     int struck_ = 0;
 };
+
+std::string middleOf(int count) { return std::to_string(count / 2 + 1); }
 
 }  // namespace
 
@@ -225,26 +286,21 @@ TEST_F(InjectedErrors, AtEveryCallOfASmallRemovalLoseNothing) {
 
 // So many folders inside each other that not all can be held open, and the way back is to be found again.
 TEST_F(InjectedErrors, OnTheWayBackFromDeepInsideLoseNothing) {
-    constexpr int levels = 14;
-    std::size_t turn = 0;
-    const auto tree = [this] { makeDeep(tree_, levels); };
-    for (const auto& [call, count] : callsOfRemoval(tree)) {
-        for (int number = 1; number <= count; ++number) {
-            ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, errors[turn++ % std::size(errors)], std::to_string(number)));
-        }
-    }
+    tryInTurn([this] { makeDeep(tree_, 14); },
+              [](int count) {
+                  std::vector<std::string> places;
+                  for (int number = 1; number <= count; ++number) {
+                      places.push_back(std::to_string(number));
+                  }
+                  return places;
+              });
 }
 
-// Not every error in every place, which would take minutes: they take turns.
 TEST_F(InjectedErrors, InALargeRemovalLoseNothing) {
-    std::size_t turn = 0;
-    const auto tree = [this] { makeLargeTree(); };
-    for (const auto& [call, count] : callsOfRemoval(tree)) {
-        const auto middle = std::to_string(count / 2 + 1);
-        for (const auto& when : {std::string("1"), middle, middle + "+3", std::string("1+")}) {
-            ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, errors[turn++ % std::size(errors)], when));
-        }
-    }
+    tryInTurn([this] { makeLargeTree(); },
+              [](int count) {
+                  return std::vector<std::string>{"1", middleOf(count), middleOf(count) + "+3", "1+"};
+              });
 }
 
 // Files of one folder that several threads take away together.
@@ -253,12 +309,7 @@ TEST_F(InjectedErrors, InALargeFolderLoseNothing) {
         makeWide(tree_, 1500);
         makeLinksIn(tree_);
     };
-    std::size_t turn = 0;
-    for (const auto& [call, count] : callsOfRemoval(tree)) {
-        for (const auto& when : {std::to_string(count / 2 + 1), std::to_string(count), std::string("1+")}) {
-            ASSERT_NO_FATAL_FAILURE(tryWith(tree, call, errors[turn++ % std::size(errors)], when));
-        }
-    }
+    tryInTurn(tree, [](int count) { return std::vector<std::string>{middleOf(count), std::to_string(count), "1+"}; });
 }
 
 // A folder whose listing breaks off at its end goes all the same, and so may an item after which nobody can look.
@@ -277,10 +328,9 @@ TEST_F(InjectedErrors, AreBlamedForWhatIsLeftAlone) {
 
 TEST_F(InjectedErrors, OfThreadsThatCannotBeStartedDoNotHinder) {
     makeLargeTree();
-    const auto traced = TracedRemoval::run(tree_, {"--trace=clone,clone3", "--inject=clone,clone3:error=EAGAIN"});
-    untried_ = traced.untried;
-    if (untried_.empty()) {
-        EXPECT_EQ(traced.trouble, "");
+    const auto traced = trace("--trace=clone,clone3 --inject=clone,clone3:error=EAGAIN");
+    if (traced.isTraced) {
+        EXPECT_NE(struckIn(traced.trace).size(), 0U) << "no thread was wanted for a large tree";
         EXPECT_FALSE(isThere(tree_));
         EXPECT_TRUE(traced.outcome && traced.outcome->end == RemovalEnd::gone);
     }
