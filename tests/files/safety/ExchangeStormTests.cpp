@@ -1,19 +1,16 @@
 // A large tree is removed while its folders are exchanged with links to what must not be lost, with folders that lie
-// outside, and with each other.
+// outside, and with each other; and so are the tree itself and the folder that holds it.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdio.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <chrono>
-#include <memory>
 #include <random>
 #include <stop_token>
 #include <string>
 #include <thread>
 
+#include "files/FileDescriptor.h"
 #include "files/trees/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/NameExchange.h"
@@ -24,6 +21,7 @@ namespace brimvault::tests {
 
 using namespace trial;
 
+using files::FileDescriptor;
 using files::RemovalEnd;
 namespace fs = std::filesystem;
 
@@ -31,23 +29,13 @@ namespace {
 
 constexpr int width = 10;   // of the tree: folders in each of the first two levels
 constexpr int levels = 16;  // of a chain in it: more folders inside each other than a removal holds open
-constexpr auto duration = std::chrono::seconds(3);
-constexpr int wantedExchanges = 500;
+constexpr int wantedExchanges = 2000;
+constexpr int wantedRounds = 12;
 
-// A folder reached without a link on the way, so that the storm itself does nothing outside of the tree.
-class OpenFolder {
-public:
-    OpenFolder(int parent, const std::string& name)
-        : descriptor(::openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)) {}
-    OpenFolder(const OpenFolder&) = delete;
-    OpenFolder& operator=(const OpenFolder&) = delete;
-    ~OpenFolder() {
-        if (descriptor >= 0) {
-            ::close(descriptor);
-        }
-    }
-    const int descriptor;
-};
+// Reached without a link on the way, so that the storm itself does nothing outside of the tree.
+FileDescriptor folderIn(int parent, const std::string& name) {
+    return FileDescriptor(::openat(parent, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
 
 // The same names everywhere, so that a step into a wrong folder would find what it looks for.
 void fill(const fs::path& folder) {
@@ -67,11 +55,15 @@ void fill(const fs::path& folder) {
     }
 }
 
-// "tree" is what is removed; "beside" holds the links, and with them precious files in folders of the tree's names;
-// "outside" is what the links lead to.
+// "parent/tree" is what is removed; "beside" holds the links, and with them precious files in folders of the tree's
+// names; "outside" is what the links lead to, "link" among them, which takes the place of the parent.
 class Storm {
 public:
-    explicit Storm(fs::path folder) : folder_(std::move(folder)) {}
+    explicit Storm(fs::path folder) : folder_(std::move(folder)), parent_(folder_ / "parent") {
+        fs::create_directory_symlink(folder_ / "outside", folder_ / "link");
+    }
+
+    [[nodiscard]] fs::path tree() const { return parent_.path() / "tree"; }  // whatever the parent's name is
 
     void begin() {
         thread_ = std::jthread([this](const std::stop_token& stop) {
@@ -80,51 +72,57 @@ public:
             }
         });
     }
-    // From now on nothing changes any more.
-    void end() { thread_ = {}; }
+    // From now on nothing changes any more, and the parent has its name.
+    void end() {
+        thread_ = {};
+        if (fs::is_symlink(folder_ / "parent")) {
+            exchangeNames(folder_ / "parent", folder_ / "link");
+        }
+    }
     [[nodiscard]] int exchanges() const { return exchanges_; }
 
 private:
-    std::string anyName() { return std::to_string(std::uniform_int_distribution(0, width - 1)(random_)); }
-    bool oneIn(int count) { return std::uniform_int_distribution(1, count)(random_) == 1; }
+    int numberBelow(int end) { return std::uniform_int_distribution(0, end - 1)(random_); }
+    std::string anyName() { return std::to_string(numberBelow(width)); }
+    std::string anyLink() { return "link" + anyName(); }
 
     void exchangeSome() {
-        const OpenFolder top(AT_FDCWD, (folder_ / "tree").native());
-        const OpenFolder beside(AT_FDCWD, (folder_ / "beside").native());
-        const OpenFolder one(top.descriptor, anyName());
-        const OpenFolder other(top.descriptor, anyName());
-        const int place = oneIn(4) ? top.descriptor : one.descriptor;
-        switch (std::uniform_int_distribution(0, 3)(random_)) {
-            case 0:
-                exchangeInChain(one.descriptor, beside.descriptor);
-                break;
-            case 1:
-                exchange(place, anyName(), beside.descriptor, "link" + anyName());
-                break;
-            case 2:
-                exchange(place, anyName(), other.descriptor, anyName());
-                break;
-            default:  // one of the first level with one of the second
-                exchange(top.descriptor, anyName(), other.descriptor, anyName());
+        const auto top = folderIn(AT_FDCWD, tree());
+        const auto beside = folderIn(AT_FDCWD, folder_ / "beside");
+        const auto one = folderIn(top.number(), anyName());
+        const auto other = folderIn(top.number(), anyName());
+        const int place = numberBelow(4) == 0 ? top.number() : one.number();
+        if (numberBelow(4) == 0) {
+            exchangeInChain(one.number(), beside.number());
+        } else if (numberBelow(3) == 0) {
+            exchange(place, anyName(), beside.number(), anyLink());
+        } else {  // with each other, on the same level or not
+            exchange(numberBelow(2) == 0 ? place : top.number(), anyName(), other.number(), anyName());
+        }
+        constexpr int seldom = 200;  // for else nothing would be removed
+        if (numberBelow(seldom) == 0) {
+            exchangeNames(tree(), folder_ / "beside" / anyLink());
+        }
+        if (numberBelow(seldom) == 0) {
+            exchangeNames(folder_ / "parent", folder_ / "link");
         }
     }
 
     // One of the folders inside each other, with a removal perhaps at work further in.
     void exchangeInChain(int start, int beside) {
-        auto place = std::make_unique<OpenFolder>(start, "1");
-        for (int level = std::uniform_int_distribution(0, levels - 2)(random_); level > 0; --level) {
-            place = std::make_unique<OpenFolder>(place->descriptor, "1");
+        auto place = folderIn(start, "1");
+        for (int level = numberBelow(levels - 1); level > 0; --level) {
+            place = folderIn(place.number(), "1");
         }
-        exchange(place->descriptor, "1", beside, "link" + anyName());
+        exchange(place.number(), "1", beside, anyLink());
     }
 
     void exchange(int place, const std::string& name, int otherPlace, const std::string& otherName) {
-        if (::renameat2(place, name.c_str(), otherPlace, otherName.c_str(), RENAME_EXCHANGE) == 0) {
-            ++exchanges_;
-        }
+        exchanges_ += ::renameat2(place, name.c_str(), otherPlace, otherName.c_str(), RENAME_EXCHANGE) == 0 ? 1 : 0;
     }
 
-    fs::path folder_;
+    const fs::path folder_;
+    const HeldFolder parent_;
     std::mt19937 random_{20};
     std::atomic<int> exchanges_ = 0;
     std::jthread thread_;
@@ -144,28 +142,24 @@ void renewLinks(const fs::path& folder) {
 // Removes trees in the storm. What went wrong.
 std::string removeInStorm(const fs::path& folder) {
     Storm storm(folder);
+    const auto isThere = [&] { return fs::exists(fs::symlink_status(storm.tree())); };
     int kept = 0;
-    const auto end = std::chrono::steady_clock::now() + duration;
-    while (std::chrono::steady_clock::now() < end) {
+    for (int round = 0; round < wantedRounds || storm.exchanges() < wantedExchanges || kept == 0; ++round) {
         renewLinks(folder);
         fill(folder / "made");  // where no link can come on the way
-        fs::rename(folder / "made", folder / "tree");
+        fs::rename(folder / "made", storm.tree());
         storm.begin();
-        for (int attempt = 0; attempt < 3; ++attempt) {
-            const auto outcome = files::remove(folder / "tree");
-            const bool isThere = fs::exists(folder / "tree");
-            if ((outcome.end == RemovalEnd::gone) == isThere) {
-                return isThere ? "called gone what is still there" : "called kept what is gone";
+        for (int attempt = 0; attempt < 5 && isThere(); ++attempt) {
+            const auto outcome = files::remove(folder / "parent/tree");
+            if ((outcome.end == RemovalEnd::gone) == isThere()) {
+                return isThere() ? "called gone what is still there" : "called kept what is gone";
             }
-            kept += isThere ? 1 : 0;
+            kept += isThere() ? 1 : 0;
         }
         storm.end();
-        if (const auto outcome = files::remove(folder / "tree"); outcome.end != RemovalEnd::gone) {
+        if (const auto outcome = files::remove(folder / "parent/tree"); outcome.end != RemovalEnd::gone) {
             return "kept in calm: " + (outcome.failure ? outcome.failure->text() : "");
         }
-    }
-    if (storm.exchanges() < wantedExchanges || kept == 0) {
-        return "no storm to speak of: " + std::to_string(storm.exchanges()) + " exchanges";
     }
     return {};
 }
@@ -177,8 +171,9 @@ TEST(ExchangeStorm, InALargeTreeLosesNothingOutside) {
     if (!exchangesNames(folder.path())) {
         GTEST_SKIP() << "the file system exchanges no names";
     }
-    fill(folder / "outside");
-    fill(folder / "beside");
+    for (const char* precious : {"outside", "outside/tree", "beside"}) {
+        fill(folder / precious);
+    }
     const auto outside = fingerprint(folder / "outside");
     const auto beside = fingerprint(folder / "beside");
     EXPECT_WELL_IN_CHILD([&] { return removeInStorm(folder.path()); });
