@@ -4,8 +4,9 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <utility>
 
-#include "files/NodeStatus.h"
+#include "files/trees/Measure.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 #include "trial/TemporaryFolder.h"
@@ -21,77 +22,54 @@ namespace {
 
 bool isThere(const fs::path& path) { return fs::exists(fs::symlink_status(path)); }
 
+bool isKeptWith(const files::RemovalOutcome& outcome, int code, const fs::path& path) {
+    return outcome.end == RemovalEnd::kept && outcome.failure && outcome.failure->code == code &&
+           outcome.failure->path == path;
+}
+
 }  // namespace
 
-TEST(Remove, TakesAwayAFileALinkAFolderOrAPipe) {
+TEST(Remove, TakesAwayWhatHasTheNameAndNothingThatItLinksTo) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "");
-    writeFile(folder / "outside", "precious");
     writeFile(folder / "folder/inner/file", "");
+    makeLinks(folder / "links", folder / "outside");
+    makeLoops(folder / "loops");
+    const auto outside = fingerprint(folder / "outside");
     fs::create_symlink("outside", folder / "link");
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    for (const char* name : {"file", "link", "folder", "pipe"}) {
+    for (const char* name : {"file", "link", "folder", "pipe", "links", "loops", "missing", "missing/inside"}) {
         const auto outcome = files::remove(folder / name);
         EXPECT_EQ(outcome.end, RemovalEnd::gone) << name;
         EXPECT_FALSE(outcome.failure) << name;
         EXPECT_FALSE(isThere(folder / name)) << name;
     }
-    EXPECT_EQ(fs::file_size(folder / "outside"), 8U);
-}
-
-TEST(Remove, CallsGoneWhatWasNotThere) {
-    const TemporaryFolder folder;
-    EXPECT_EQ(files::remove(folder / "missing").end, RemovalEnd::gone);
-    EXPECT_EQ(files::remove(folder / "missing/inside").end, RemovalEnd::gone);
-}
-
-TEST(Remove, RefusesPathsThatNameNoPlainItem) {
-    const TemporaryFolder folder;
-    writeFile(folder / "inner/file", "");
-    const auto before = fingerprint(folder.path());
-    for (const fs::path& path :
-         {fs::path(), fs::path("/"), fs::path("relative"), fs::path("."), fs::path(".."), folder / "inner/..",
-          folder / "inner/.", folder / "inner/../inner/file", folder / "inner/", folder / "./inner"}) {
-        const auto outcome = files::remove(path);
-        EXPECT_EQ(outcome.end, RemovalEnd::kept) << path;
-        ASSERT_TRUE(outcome.failure) << path;
-        EXPECT_EQ(outcome.failure->code, EINVAL) << path;
-        EXPECT_EQ(outcome.failure->path, path);
-    }
-    EXPECT_EQ(fingerprint(folder.path()), before);
-}
-
-TEST(Remove, FollowsNoLinkInTheTree) {
-    const TemporaryFolder folder;
-    makeLinks(folder / "links", folder / "outside");
-    makeLoops(folder / "loops");
-    const auto outside = fingerprint(folder / "outside");
-    EXPECT_EQ(files::remove(folder / "links").end, RemovalEnd::gone);
-    EXPECT_EQ(files::remove(folder / "loops").end, RemovalEnd::gone);
-    EXPECT_FALSE(isThere(folder / "links"));
-    EXPECT_FALSE(isThere(folder / "loops"));
     EXPECT_EQ(fingerprint(folder / "outside"), outside);
 }
 
-TEST(Remove, RefusesAnItemBehindALink) {
+TEST(Remove, RefusesPathsThatNameNoPlainItemOrLeadThroughALink) {
     const TemporaryFolder folder;
-    writeFile(folder / "real/inner/file", "");
-    fs::create_directory_symlink("real", folder / "link");
-    for (const char* path : {"link/inner", "link/inner/file"}) {
-        const auto outcome = files::remove(folder / path);
-        EXPECT_EQ(outcome.end, RemovalEnd::kept);
-        ASSERT_TRUE(outcome.failure);
-        EXPECT_EQ(outcome.failure->code, ENOTDIR);
+    writeFile(folder / "inner/more/file", "");
+    fs::create_directory_symlink("inner", folder / "link");
+    const auto before = fingerprint(folder.path());
+    const std::pair<fs::path, int> refusals[] = {
+        {"", EINVAL},
+        {"/", EINVAL},
+        {"relative", EINVAL},
+        {".", EINVAL},
+        {"..", EINVAL},
+        {folder / "inner/..", EINVAL},
+        {folder / "inner/.", EINVAL},
+        {folder / "inner/../inner/more", EINVAL},
+        {folder / "inner/", EINVAL},
+        {folder / "./inner", EINVAL},
+        {folder / "link/more", ENOTDIR},
+        {folder / "link/more/file", ENOTDIR},
+    };
+    for (const auto& [path, code] : refusals) {
+        EXPECT_TRUE(isKeptWith(files::remove(path), code, path)) << path;
     }
-    EXPECT_TRUE(isThere(folder / "real/inner/file"));
-}
-
-TEST(Remove, LeavesTheOtherNamesOfAFile) {
-    const TemporaryFolder folder;
-    writeFile(folder / "tree/name", "12345");
-    fs::create_hard_link(folder / "tree/name", folder / "other name");
-    EXPECT_EQ(files::remove(folder / "tree").end, RemovalEnd::gone);
-    EXPECT_EQ(fs::file_size(folder / "other name"), 5U);
+    EXPECT_EQ(fingerprint(folder.path()), before);
 }
 
 TEST(Remove, TakesOddNamesAsTheyAre) {
@@ -107,22 +85,36 @@ TEST(Remove, TakesOddNamesAsTheyAre) {
     EXPECT_FALSE(isThere(folder / "tree"));
 }
 
-TEST(Remove, EmptiesAWideFolder) {
-    const TemporaryFolder folder;
-    makeWide(folder / "wide", 20'000);
-    EXPECT_EQ(files::remove(folder / "wide").end, RemovalEnd::gone);
-    EXPECT_FALSE(isThere(folder / "wide"));
-}
-
-TEST(Remove, NeedsFewDescriptorsAndLittleStackForADeepTree) {
-    const TemporaryFolder folder;
+TEST(Remove, NeedsFewDescriptorsAndLittleStackForADeepTreeAsMeasuringDoes) {
+    const TemporaryFolder folder(folderInMemory());
     makeDeep(folder / "deep", 10'000);
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
         limitDescriptors(16);
+        if (const auto size = files::measureItem(folder / "deep"); size != 3) {
+            return "measured " + std::to_string(size);
+        }
         const auto outcome = files::remove(folder / "deep");
         return outcome.end == RemovalEnd::gone ? "" : outcome.failure ? outcome.failure->text() : "cancelled";
     });
     EXPECT_FALSE(isThere(folder / "deep"));
+}
+
+// Of folders, PermissionMatrix knows all that there is.
+TEST(Remove, NamesAFileThatItsFolderKeepsAndWhyAFolderCouldNotBeRead) {
+    const TemporaryFolder folder;
+    makePermissions(folder / "tree");
+    giveToNobody(folder.path());
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        becomeNobody();
+        for (const auto& item : {folder / "tree/closed/kept", folder / "tree/full"}) {
+            if (!isKeptWith(files::remove(item), EACCES, item)) {
+                return item.native();
+            }
+        }
+        return files::remove(folder / "tree/empty").end == RemovalEnd::gone ? "" : "the empty one stayed";
+    });
+    EXPECT_TRUE(isThere(folder / "tree/closed/kept"));
+    EXPECT_TRUE(isThere(folder / "tree/full/kept"));
 }
 
 TEST(Remove, TouchesNothingWhenItIsStoppedBefore) {
