@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <functional>
 #include <semaphore>
+#include <stdexcept>
 #include <stop_token>
 #include <thread>
 #include <utility>
@@ -23,14 +24,12 @@ using files::WorkPool;
 
 namespace {
 
-// Ends a test that would wait for ever: SIGALRM ends the program.
-class Deadline {
-public:
-    Deadline() { ::alarm(120); }
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
-    ~Deadline() { ::alarm(0); }
-};
+template <typename Number>
+void awaitAtLeast(const std::atomic<Number>& number, Number expected) {
+    for (Number known = number; known < expected; known = number) {
+        number.wait(known);
+    }
+}
 
 // Units of work that are put in one by one. The owner does none of them.
 class Units final : public files::SharedWork {
@@ -44,11 +43,7 @@ public:
         ++pending_;
         WorkPool::shared().wakeHelper(*this);
     }
-    void awaitDone(int count) const {
-        while (done_ < count) {
-            std::this_thread::yield();
-        }
-    }
+    void awaitDone(int count) const { awaitAtLeast(done_, count); }
     [[nodiscard]] std::thread::id lastHelper() const { return lastHelper_; }
 
     // Has `call` called by the thread that finds no unit next, and is about to sleep.
@@ -69,6 +64,7 @@ public:
             if (pending_.compare_exchange_weak(known, known - 1)) {
                 lastHelper_ = std::this_thread::get_id();
                 ++done_;
+                done_.notify_all();
             }
         }
     }
@@ -88,9 +84,7 @@ class Barrier final : public files::SharedWork {
 public:
     Barrier() {
         WorkPool::shared().offer(*this);
-        while (held_ < WorkPool::threadCount()) {
-            std::this_thread::yield();
-        }
+        awaitAtLeast(held_, WorkPool::threadCount());
     }
     Barrier(const Barrier&) = delete;
     Barrier& operator=(const Barrier&) = delete;
@@ -104,6 +98,7 @@ public:
     [[nodiscard]] bool hasWork() const noexcept override { return held_ < WorkPool::threadCount(); }
     void help() noexcept override {
         ++held_;
+        held_.notify_all();
         gate_.acquire();
     }
     [[nodiscard]] const std::stop_token& stopToken() const override { return stop_; }
@@ -114,10 +109,17 @@ private:
     std::counting_semaphore<> gate_{0};
 };
 
+// Ends a test that would wait for ever: SIGALRM ends the program.
+class WorkPoolTest : public testing::Test {
+protected:
+    void SetUp() override { ::alarm(120); }
+    void TearDown() override { ::alarm(0); }
+};
+using AheadOf = WorkPoolTest;
+
 }  // namespace
 
-TEST(WorkPool, WakesAHelperForEveryUnitOfWork) {
-    const Deadline deadline;
+TEST_F(WorkPoolTest, WakesAHelperForEveryUnitOfWork) {
     Units units;
     for (int count = 1; count <= 5000; ++count) {
         units.put();
@@ -126,8 +128,7 @@ TEST(WorkPool, WakesAHelperForEveryUnitOfWork) {
 }
 
 // The only thread that is free has found nothing, and does not sleep yet.
-TEST(WorkPool, WakesAHelperThatIsJustFallingAsleep) {
-    const Deadline deadline;
+TEST_F(WorkPoolTest, WakesAHelperThatIsJustFallingAsleep) {
     Barrier barrier;
     Units units;
     std::atomic<bool> isFallingAsleep = false;
@@ -142,7 +143,7 @@ TEST(WorkPool, WakesAHelperThatIsJustFallingAsleep) {
     units.awaitDone(1);
 }
 
-TEST(WorkPool, WakesNobodyWhileThereIsNothingToDo) {
+TEST_F(WorkPoolTest, WakesNobodyWhileThereIsNothingToDo) {
     Units units;
     units.put();
     units.awaitDone(1);  // the threads run
@@ -156,8 +157,7 @@ TEST(WorkPool, WakesNobodyWhileThereIsNothingToDo) {
     EXPECT_TRUE(isQuiet);
 }
 
-TEST(WorkPool, HasAnOwnerThatWaitsHelpWithWorkOfTheSameCaller) {
-    const Deadline deadline;
+TEST_F(WorkPoolTest, HasAnOwnerThatWaitsHelpWithWorkOfTheSameCaller) {
     const std::stop_source caller;
     const Barrier barrier;
     const Units awaited(caller.get_token());
@@ -179,9 +179,29 @@ TEST(WorkPool, HasAnOwnerThatWaitsHelpWithWorkOfTheSameCaller) {
     EXPECT_EQ(others.lastHelper(), std::thread::id());
 }
 
+TEST_F(AheadOf, GivesEveryAnswerOnceInOrderOrSaysWhyThereIsNone) {
+    constexpr std::size_t count = 5000;
+    constexpr std::size_t none = 50;
+    std::atomic<std::size_t> calls = 0;
+    files::AheadOf<std::size_t> squares(count, {}, [&](std::size_t number) {
+        if (number == none) {
+            throw std::runtime_error("none");
+        }
+        ++calls;
+        return number * number;
+    });
+    for (std::size_t number = 0; number < count; ++number) {
+        if (number == none) {
+            EXPECT_THROW(squares.take(number), std::runtime_error);
+        } else {
+            ASSERT_EQ(squares.take(number), number * number);
+        }
+    }
+    EXPECT_EQ(calls, count - 1);
+}
+
 // Helpers keep their results back until the owner has nothing left to compute: it is just about to sleep.
-TEST(AheadOf, WakesTheOwnerThatWaitsForAResult) {
-    const Deadline deadline;
+TEST_F(AheadOf, WakesTheOwnerThatWaitsForAResult) {
     constexpr std::size_t count = 8;
     for (int round = 0; round < 500; ++round) {
         const auto owner = std::this_thread::get_id();
