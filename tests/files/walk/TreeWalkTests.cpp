@@ -24,7 +24,11 @@ namespace brimvault::tests {
 
 using namespace trial;
 
+using namespace std::string_literals;
+
 using files::DirectoryHandle;
+using files::FolderReference;
+using files::StackItem;
 using files::TreeWalk;
 namespace fs = std::filesystem;
 
@@ -49,6 +53,18 @@ public:
 
     [[nodiscard]] files::WayBack wayBack() const override { return way; }
 
+    // Does this when it is told that.
+    void at(const std::string& line, const std::function<void()>& action) {
+        meanwhile = [line, action](const std::string& told) {
+            if (told == line) {
+                action();
+            }
+        };
+    }
+    [[nodiscard]] std::ptrdiff_t count(const std::string& line) const {
+        return std::count(lines.begin(), lines.end(), line);
+    }
+
     std::vector<std::string> lines;
     files::WayBack way = files::WayBack::byNumber;
     std::function<void(const std::string&)> meanwhile = [](const std::string&) {};
@@ -64,10 +80,10 @@ private:
 class IdleWorker final : public files::WorkSharing {
 public:
     [[nodiscard]] bool isShareWanted() const override { return true; }
-    void give(files::FolderReference share) override { shares.push_back(std::move(share)); }
+    void give(FolderReference share) override { shares.push_back(std::move(share)); }
     void onLargeTree() override {}
 
-    std::vector<files::FolderReference> shares;
+    std::vector<FolderReference> shares;
 };
 
 // From now on the system fails to tell of an open folder what it is. In a child process. False when it cannot be.
@@ -91,6 +107,12 @@ bool walk(Recorder& recorder, const fs::path& folder, const std::stop_token& sto
     return TreeWalk(recorder, *parent, stop).visit(folder.filename().c_str());
 }
 
+DirectoryHandle openRoot() { return std::move(*DirectoryHandle::open("/")); }
+
+FolderReference folderNamed(const std::string& name, DirectoryHandle handle) {
+    return {std::make_shared<files::VisitedFolder>(name, nullptr), std::move(handle), {}};
+}
+
 }  // namespace
 
 TEST(TreeWalk, VisitsFilesBeforeFoldersAndLeavesAFolderAfterItsContents) {
@@ -104,44 +126,23 @@ TEST(TreeWalk, VisitsFilesBeforeFoldersAndLeavesAFolderAfterItsContents) {
                                                      "left deepest", "left inner", "left top"));
 }
 
-TEST(TreeWalk, EntersNoLink) {
-    const TemporaryFolder folder;
-    makeLinks(folder / "top", folder / "outside");
-    Recorder recorder;
-    EXPECT_TRUE(walk(recorder, folder / "top"));
-    EXPECT_THAT(recorder.lines, testing::UnorderedElementsAre("enter", "file real", "file to file", "file to folder",
-                                                              "file to nothing", "left top"));
-}
-
-TEST(TreeWalk, TakesAFolderThatBecameALinkForAFile) {
-    const TemporaryFolder folder;
-    writeFile(folder / "outside/precious", "");
-    fs::create_directories(folder / "top/inner");
-    writeFile(folder / "top/a", "");
-    Recorder recorder;
-    recorder.meanwhile = [&](const std::string& line) {
-        if (line == "file a") {
-            fs::rename(folder / "top/inner", folder / "away");
-            fs::create_directory_symlink(folder / "outside", folder / "top/inner");
-        }
-    };
-    EXPECT_TRUE(walk(recorder, folder / "top"));
-    EXPECT_THAT(recorder.lines, testing::ElementsAre("enter", "file a", "file inner", "left top"));
-}
-
-TEST(TreeWalk, TellsOfAFolderThatVanishedSinceItWasListed) {
-    const TemporaryFolder folder;
-    fs::create_directories(folder / "top/inner");
-    writeFile(folder / "top/a", "");
-    Recorder recorder;
-    recorder.meanwhile = [&](const std::string& line) {
-        if (line == "file a") {
+TEST(TreeWalk, TellsWhatHasBecomeOfAFolderSinceItWasListed) {
+    for (const bool isLink : {true, false}) {
+        const TemporaryFolder folder;
+        writeFile(folder / "outside/precious", "");
+        fs::create_directories(folder / "top/inner");
+        writeFile(folder / "top/a", "");
+        Recorder recorder;
+        recorder.at("file a", [&] {
             fs::remove(folder / "top/inner");
-        }
-    };
-    EXPECT_TRUE(walk(recorder, folder / "top"));
-    EXPECT_THAT(recorder.lines,
-                testing::ElementsAre("enter", "file a", "closed inner " + std::to_string(ENOENT), "left top"));
+            if (isLink) {
+                fs::create_directory_symlink(folder / "outside", folder / "top/inner");
+            }
+        });
+        EXPECT_TRUE(walk(recorder, folder / "top"));
+        const auto told = isLink ? "file inner" : "closed inner " + std::to_string(ENOENT);
+        EXPECT_THAT(recorder.lines, testing::ElementsAre("enter", "file a", told, "left top"));
+    }
 }
 
 TEST(TreeWalk, EndsWhereTheWayBackIsLost) {
@@ -150,14 +151,10 @@ TEST(TreeWalk, EndsWhereTheWayBackIsLost) {
     writeFile(folder / "top/inner/before/file above", "");
     fs::create_directory(folder / "elsewhere");
     Recorder recorder;
-    recorder.meanwhile = [&](const std::string& line) {
-        if (line == "file file") {  // at the bottom
-            fs::rename(folder / "top/inner/inner/inner", folder / "elsewhere/inner");
-        }
-    };
+    recorder.at("file file", [&] { fs::rename(folder / "top/inner/inner/inner", folder / "elsewhere/inner"); });
     EXPECT_TRUE(walk(recorder, folder / "top"));
     EXPECT_EQ(recorder.lines.back(), "lost inner " + std::to_string(ESTALE));
-    EXPECT_THAT(recorder.lines, testing::Not(testing::Contains("left top")));
+    EXPECT_EQ(recorder.count("left top"), 0);
 }
 
 // The number of a folder that was removed is given to the next that is made.
@@ -167,29 +164,26 @@ TEST(TreeWalk, TakesNoNewFolderOfTheSameNumberForOneThatItLeftBehind) {
     const auto passed = folder / "top/inner/inner";
     auto other = folder / "other";
     Recorder recorder;
-    recorder.meanwhile = [&](const std::string& line) {
-        if (line == "file file") {  // at the bottom
-            const auto number = files::statusOf(passed)->identity.inode;
-            fs::rename(passed / "inner", folder / "below");
-            fs::remove(passed);
-            constexpr int maxTries = 100;
-            for (int tries = 0; tries < maxTries && fs::create_directory(other); ++tries) {
-                if (files::statusOf(other)->identity.inode == number) {
-                    fs::rename(folder / "below", other / "inner");
-                    return;
-                }
-                other += "+";
+    recorder.at("file file", [&] {  // at the bottom
+        const auto number = files::statusOf(passed)->identity.inode;
+        fs::rename(passed / "inner", folder / "below");
+        fs::remove(passed);
+        constexpr int maxTries = 100;
+        for (int tries = 0; tries < maxTries && fs::create_directory(other); ++tries) {
+            if (files::statusOf(other)->identity.inode == number) {
+                fs::rename(folder / "below", other / "inner");
+                return;
             }
+            other += "+";
         }
-    };
+    });
     EXPECT_TRUE(walk(recorder, folder / "top"));
     if (fs::exists(folder / "below")) {
         GTEST_SKIP() << "the file system gives no number twice";
     }
     EXPECT_EQ(recorder.lines.back(), "lost inner " + std::to_string(ESTALE));
-    const auto lefts = std::count(recorder.lines.begin(), recorder.lines.end(), "left inner");
-    const auto enters = std::count(recorder.lines.begin(), recorder.lines.end(), "enter");
-    EXPECT_EQ(enters - lefts, 4) << "the folder, the two that hold it, and the one that was moved";
+    const auto notLeft = recorder.count("enter") - recorder.count("left inner");
+    EXPECT_EQ(notLeft, 4) << "the folder, the two that hold it, and the one that was moved";
 }
 
 TEST(TreeWalk, ClosesNothingThatItCouldNotTellFromAnotherWhereThatMatters) {
@@ -210,62 +204,53 @@ TEST(TreeWalk, ClosesNothingThatItCouldNotTellFromAnotherWhereThatMatters) {
             fits.way = deeper.way = way;
             (void)walk(fits, folder / "fits/top");
             (void)walk(deeper, folder / "deeper/top");
-            const auto reached = [](const Recorder& recorder) {
-                return std::count(recorder.lines.begin(), recorder.lines.end(), "file file");
-            };
-            const auto closed = "closed inner " + std::to_string(EMFILE);
-            const bool stops = std::count(deeper.lines.begin(), deeper.lines.end(), closed) == 1;
-            wrong += reached(fits) == 1 && fits.lines.back() == "left top" ? "" : "a tree that it can hold ";
+            const bool stops = way == files::WayBack::byTimeOfBirth;
+            const bool isStopped = deeper.count("closed inner " + std::to_string(EMFILE)) == 1;
+            wrong += fits.count("file file") == 1 && fits.lines.back() == "left top" ? "" : "a tree that it can hold ";
             wrong += deeper.lines.back() == "left top" ? "" : "the way back ";
-            wrong += (reached(deeper) == 0) == (way == files::WayBack::byTimeOfBirth) && stops == (reached(deeper) == 0)
-                         ? ""
-                         : "a deeper tree ";
+            wrong += (deeper.count("file file") == 0) == stops && isStopped == stops ? "" : "a deeper tree ";
         }
         return wrong;
     });
 }
 
-TEST(TreeWalk, ComesBackUpThroughFoldersItHadClosed) {
-    const TemporaryFolder folder;
-    makeDeep(folder / "top", 3 * TreeWalk::heldFolders);
-    writeFile(folder / "top/inner/side/file beside", "");
-    Recorder recorder;
-    EXPECT_TRUE(walk(recorder, folder / "top"));
-    EXPECT_THAT(recorder.lines, testing::Contains("file file beside"));
-    EXPECT_EQ(recorder.lines.back(), "left top");
-}
-
-TEST(TreeWalk, HoldsFewDescriptorsHoweverDeepTheTree) {
+TEST(TreeWalk, HoldsFewDescriptorsHoweverDeepTheTreeAndComesBackUp) {
     const TemporaryFolder folder;
     makeDeep(folder / "top", 200);
+    writeFile(folder / "top/inner/side/file beside", "");
     const auto count = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()); };
     const auto before = count();
     std::ptrdiff_t most = 0;
     Recorder recorder;
     recorder.meanwhile = [&](const std::string&) { most = std::max(most, count() - before); };
     EXPECT_TRUE(walk(recorder, folder / "top"));
+    EXPECT_EQ(recorder.count("file file beside"), 1);
+    EXPECT_EQ(recorder.count("left inner"), 200);
+    EXPECT_EQ(recorder.lines.back(), "left top");
     EXPECT_LE(most, 16);
     EXPECT_EQ(count(), before);
 }
 
 TEST(TreeWalk, StopsBeforeTheNextEntry) {
-    const TemporaryFolder folder;
-    makeWide(folder / "top", 10);
-    fs::create_directory(folder / "top/inner");
-    std::stop_source stop;
-    Recorder recorder;
-    recorder.meanwhile = [&](const std::string&) {
-        if (recorder.lines.size() == 4) {
-            stop.request_stop();
-        }
-    };
-    EXPECT_FALSE(walk(recorder, folder / "top", stop.get_token()));
-    EXPECT_EQ(recorder.lines.size(), 4U);
+    for (const auto& [files, stopAfter] : {std::pair(10, 4U), std::pair(2000, 100U)}) {  // few, and very many
+        const TemporaryFolder folder(folderInMemory());
+        makeWide(folder / "top", files);
+        fs::create_directory(folder / "top/inner");
+        std::stop_source stop;
+        Recorder recorder;
+        recorder.meanwhile = [&, count = stopAfter](const std::string&) {
+            if (recorder.lines.size() == count) {
+                stop.request_stop();
+            }
+        };
+        EXPECT_FALSE(walk(recorder, folder / "top", stop.get_token()));
+        EXPECT_EQ(recorder.lines.size(), stopAfter);
+    }
 }
 
 TEST(TreeWalk, GivesAwayFilesOfAFolderThatHasVeryMany) {
     constexpr int fileCount = 5000;
-    const TemporaryFolder folder;
+    const TemporaryFolder folder(folderInMemory());
     makeWide(folder / "top", fileCount);
     std::vector<std::string> expected = {"enter", "enter", "file file", "left inner", "left top"};
     for (const auto& entry : fs::directory_iterator(folder / "top")) {
@@ -288,20 +273,6 @@ TEST(TreeWalk, GivesAwayFilesOfAFolderThatHasVeryMany) {
     EXPECT_THAT(recorder.lines, testing::UnorderedElementsAreArray(expected));
 }
 
-TEST(TreeWalk, StopsAmongVeryManyFiles) {
-    const TemporaryFolder folder;
-    makeWide(folder / "top", 2000);
-    std::stop_source stop;
-    Recorder recorder;
-    recorder.meanwhile = [&](const std::string&) {
-        if (recorder.lines.size() == 100) {
-            stop.request_stop();
-        }
-    };
-    EXPECT_FALSE(walk(recorder, folder / "top", stop.get_token()));
-    EXPECT_EQ(recorder.lines.size(), 100U);
-}
-
 TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
     const TemporaryFolder folder;
     for (const char* name : {"top/a/file", "top/b/file", "top/c/file", "top/d/file"}) {
@@ -311,7 +282,7 @@ TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
         Recorder recorder;
         const auto parent = DirectoryHandle::open(folder.path());
         (void)TreeWalk(recorder, *parent, {}, &worker).visit("top");
-        return std::count(recorder.lines.begin(), recorder.lines.end(), "file file");
+        return recorder.count("file file");
     };
     IdleWorker worker;
     EXPECT_EQ(visit(worker), 2) << "the victim keeps an entry";
@@ -327,6 +298,52 @@ TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
                    ? ""
                    : std::to_string(workerInChild.shares.size()) + " given away, " + std::to_string(files) + " visited";
     });
+}
+
+TEST(FolderReference, TakesItsPendingFoldersOneByOneFromTheEnd) {
+    auto folder = folderNamed("top", openRoot());
+    folder.pendingFolders = "a\0line\nbreak\0\xff\0"s;
+    for (const char* name : {"\xff", "line\nbreak", "a", "", ""}) {
+        EXPECT_EQ(folder.takePendingFolder(), name);
+    }
+}
+
+TEST(FolderReference, GivesHalfOfItsPendingFoldersAndKeepsSomeOfSeveral) {
+    const std::pair<std::string, std::string> halves[] = {
+        // what is given and what is kept
+        {"a\0b\0"s, "c\0d\0"s},
+        {"a\0"s, "b\0c\0"s},
+        {"a\0"s, "b\0"s},
+        {"a very long one\0"s, "b\0"s},
+        {"a\0"s, ""},
+        {"a\0"s, "a very long one\0"s},
+        {"", ""},
+    };
+    for (const auto& [given, kept] : halves) {
+        SCOPED_TRACE(testing::PrintToString(given + kept));
+        auto folder = folderNamed("top", openRoot());
+        folder.pendingFolders = given + kept;
+        EXPECT_EQ(folder.canBeHalved(), !kept.empty());
+        EXPECT_EQ(folder.takeHalf(openRoot()).pendingFolders, given);
+        EXPECT_EQ(folder.pendingFolders, kept);
+    }
+}
+
+TEST(StackCollection, GivesTheLastItemFirstAndIsDestroyedWithoutRecursion) {
+    files::StackCollection stack;
+    EXPECT_EQ(stack.topItem(), nullptr);
+    EXPECT_EQ(stack.popItem(), nullptr);
+    constexpr int count = 300'000;
+    for (int number = 0; number < count; ++number) {
+        auto handle = openRoot();
+        handle.close();
+        stack.pushItem(std::make_unique<StackItem>(folderNamed(std::to_string(number), std::move(handle))));
+    }
+    EXPECT_EQ(stack.nDepth(), count);
+    EXPECT_EQ(stack.topItem()->prevItem->fsref.folder->name, std::to_string(count - 2));
+    EXPECT_EQ(stack.popItem()->fsref.folder->name, std::to_string(count - 1));
+    EXPECT_EQ(stack.popItem()->fsref.folder->name, std::to_string(count - 2));
+    EXPECT_EQ(stack.nDepth(), count - 2);
 }
 
 }  // namespace brimvault::tests
