@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <fstream>
 #include <map>
 #include <system_error>
 
@@ -20,8 +21,6 @@ std::uint64_t makeLink(const fs::path& target, const fs::path& link) {
     fs::create_symlink(target, link);
     return target.native().size();
 }
-
-[[noreturn]] void fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
 
 }  // namespace
 
@@ -61,16 +60,14 @@ void makeDeep(const fs::path& folder, int depth) {
     fs::create_directories(folder);
     int current = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     for (int level = 0; level < depth; ++level) {
-        if (::mkdirat(current, "inner", S_IRWXU) != 0) {
-            fail("mkdirat");
-        }
+        (void)!::mkdirat(current, "inner", S_IRWXU);  // where it fails, so does the last
         const int next = ::openat(current, "inner", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         ::close(current);
         current = next;
     }
     const int file = ::openat(current, "file", O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (file < 0 || ::write(file, "abc", 3) != 3) {
-        fail("write");
+    if (::write(file, "abc", 3) != 3) {
+        throw std::system_error(errno, std::generic_category(), folder);
     }
     ::close(file);
     ::close(current);
@@ -79,12 +76,7 @@ void makeDeep(const fs::path& folder, int depth) {
 void makeWide(const fs::path& folder, int count) {
     fs::create_directories(folder);
     for (int number = 0; number < count; ++number) {
-        const auto name = folder / std::to_string(number);
-        const int file = ::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-        if (file < 0) {
-            fail("open");
-        }
-        ::close(file);
+        std::ofstream(folder / std::to_string(number));
     }
 }
 
