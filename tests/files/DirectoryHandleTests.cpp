@@ -100,6 +100,8 @@ TEST(DirectoryHandle, KnowsThatItsParentIsAnotherNow) {
     EXPECT_TRUE(child.openParent(home.status()->place()));
     fs::rename(folder / "home/child", folder / "elsewhere/child");
     EXPECT_EQ(child.openParent(home.status()->place()).code(), ESTALE);
+    const auto root = opened("/").status()->place();
+    EXPECT_EQ(opened("/proc").openParent(root).code(), ESTALE) << "on another mount";
 }
 
 TEST(DirectoryHandle, ListsEveryNameOnceAndAgainUntilTheCallAnswersFalse) {

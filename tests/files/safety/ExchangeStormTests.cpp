@@ -60,7 +60,7 @@ void fill(const fs::path& folder) {
 class Storm {
 public:
     explicit Storm(fs::path folder) : folder_(std::move(folder)), parent_(folder_ / "parent") {
-        fs::create_directory_symlink(folder_ / "outside", folder_ / "link");
+        fs::create_directory_symlink("outside", folder_ / "link");
     }
 
     [[nodiscard]] fs::path tree() const { return parent_.path() / "tree"; }  // whatever the parent's name is
@@ -128,13 +128,16 @@ private:
     std::jthread thread_;
 };
 
-// New links in the place of those that were used up, or have become folders of a tree.
+// New links in the place of those that were used up, or have become folders of a tree. Every other one is absolute,
+// which leads over another mount; the others lead outside from one of the levels.
 void renewLinks(const fs::path& folder) {
+    std::string up;
     for (int number = 0; number < width; ++number) {
         const auto link = folder / "beside" / ("link" + std::to_string(number));
+        up += number % 2 == 0 ? "" : "../";
         if (!fs::is_symlink(link)) {
             removeTree(link);
-            fs::create_directory_symlink(folder / "outside", link);
+            fs::create_directory_symlink(number % 2 == 0 ? folder / "outside" : fs::path(up + "outside"), link);
         }
     }
 }

@@ -66,6 +66,7 @@ TEST(Measure, SumsTheLengthsOfAllThatIsNoFolderAndFollowsNoLink) {
         {"missing", 0},
         {"top/a/below", 0},
         {"link", 3},
+        {"link/", 3},
         {"link/App.app", 0},
         {"link/a", 0},
         {"links", makeLinks(folder / "links", folder / "outside")},
