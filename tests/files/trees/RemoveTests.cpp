@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <functional>
 #include <utility>
 
 #include "files/trees/Measure.h"
@@ -26,6 +27,20 @@ bool isKeptWith(const files::RemovalOutcome& outcome, int code, const fs::path& 
     return outcome.end == RemovalEnd::kept && outcome.failure && outcome.failure->code == code &&
            outcome.failure->path == path;
 }
+
+// Does something when it is asked of the item.
+class Meddler : public files::RemovalGuard {
+public:
+    explicit Meddler(std::function<void()> act) : act_(std::move(act)) {}
+    bool onWay(const files::DirectoryHandle&, const files::NodeStatus&) override { return true; }
+    bool mayRemove(const files::NodeStatus&) override {
+        act_();
+        return true;
+    }
+
+private:
+    const std::function<void()> act_;
+};
 
 }  // namespace
 
@@ -63,6 +78,7 @@ TEST(Remove, RefusesPathsThatNameNoPlainItemOrLeadThroughALink) {
         {folder / "inner/../inner/more", EINVAL},
         {folder / "inner/", EINVAL},
         {folder / "./inner", EINVAL},
+        {(folder / "inner").native() + '\0', EINVAL},
         {folder / "link/more", ENOTDIR},
         {folder / "link/more/file", ENOTDIR},
     };
@@ -131,6 +147,19 @@ TEST(Remove, TouchesNothingWhenItIsStoppedBefore) {
         EXPECT_FALSE(outcome.failure) << name;
     }
     EXPECT_EQ(fingerprint(folder.path()), before);
+}
+
+TEST(Remove, SaysThatItWasStoppedOnItsWayAndCallsGoneWhatOthersTookMeanwhile) {
+    const TemporaryFolder folder;
+    writeFile(folder / "tree/file", "");
+    writeFile(folder / "file", "");
+    std::stop_source stop;
+    Meddler stopper([&] { stop.request_stop(); });
+    const auto stopped = files::remove(folder / "tree", stop.get_token(), &stopper);
+    EXPECT_TRUE(stopped.end == RemovalEnd::cancelled && !stopped.failure);
+    EXPECT_TRUE(isThere(folder / "tree/file"));
+    Meddler other([&] { fs::remove(folder / "file"); });
+    EXPECT_EQ(files::remove(folder / "file", {}, &other).end, RemovalEnd::gone);
 }
 
 }  // namespace brimvault::tests
