@@ -199,7 +199,7 @@ TEST_F(StoppingJourney, TheWindowWaitsForARemovalThatGetsOn) {
         return std::make_shared<SuppliedWork>([folder](auto&) {
             for (int number = 0; number < 8; ++number) {
                 writeFile(folder / "next", "1");
-                std::this_thread::sleep_for(engine::OperationQueue::timeToReturn / 3);
+                std::this_thread::sleep_for(engine::OperationQueue::returnTimeout / 3);
                 (void)files::remove(folder / "next");
             }
             writeFile(folder / "done", "1");

@@ -58,7 +58,7 @@ public:
     void giveUp();
     /// Whether a clean was given up and still hangs.
     [[nodiscard]] bool isAnythingLeftBehind() const { return !pCutQue_.leftBehind().empty(); }
-    /// Cancel one section's clean and wait until it has returned, at most `OperationQueue::timeToReturn`.
+    /// Cancel one section's clean and wait until it has returned, at most `OperationQueue::returnTimeout`.
     void cancelOperationByClass(Section section) { cancelSectionAndWait(pCutQue_, section); }
     void cancelCleanAppsRes() { cancelOperationByClass(Section::languageResources); }
     void cancelCleanDownloads() { cancelOperationByClass(Section::downloads); }

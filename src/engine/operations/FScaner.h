@@ -41,7 +41,7 @@ public:
     /// Gives up, among the chosen sections, the scans that were cancelled and have not returned; returns at once, with
     /// their sections.
     std::vector<Section> giveUpCancelled(const std::function<bool(Section)>& chosen);
-    /// Cancel one section's scan and wait until it has returned, at most `OperationQueue::timeToReturn`.
+    /// Cancel one section's scan and wait until it has returned, at most `OperationQueue::returnTimeout`.
     void cancelOperationByClass(Section section) { cancelSectionAndWait(pque_, section); }
     void cancelScanApplicationsResources() { cancelOperationByClass(Section::languageResources); }
     void cancelScanDownloads() { cancelOperationByClass(Section::downloads); }

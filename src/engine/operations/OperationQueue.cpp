@@ -78,7 +78,7 @@ void OperationQueue::cancelAndWait(const Chosen& chosen) {
     for (const auto& operation : snapshot) {
         operation->cancel();
     }
-    const auto deadline = std::chrono::steady_clock::now() + timeToReturn;
+    const auto deadline = std::chrono::steady_clock::now() + returnTimeout;
     std::erase_if(snapshot, [&](const auto& operation) { return operation->waitUntilFinished(deadline); });
     giveUp([&](const Operation& operation) {
         return std::any_of(snapshot.begin(), snapshot.end(),

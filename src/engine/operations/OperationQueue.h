@@ -22,7 +22,7 @@ public:
     /// The timeout for a cancelled operation. Scans poll their stop token many times a second: one that takes longer
     /// hangs. A clean finishes its current item first: before giving one up, see whether it makes progress
     /// (files::entriesRemoved).
-    static constexpr std::chrono::milliseconds timeToReturn{1000};
+    static constexpr std::chrono::milliseconds returnTimeout{1000};
 
     using Chosen = std::function<bool(const Operation&)>;
 
@@ -36,7 +36,7 @@ public:
     [[nodiscard]] std::vector<std::shared_ptr<Operation>> operations() const;
     /// Cancels everything on the queue and returns at once.
     void cancelAllOperations();
-    /// Cancels the chosen operations on the queue and blocks until they have finished, at most `timeToReturn`: what
+    /// Cancels the chosen operations on the queue and blocks until they have finished, at most `returnTimeout`: what
     /// still runs then is given up, and what still waits will finish without its work.
     void cancelAndWait(const Chosen& chosen);
     /// Cancels and gives up the chosen ones of those that run. Returns them, without waiting.

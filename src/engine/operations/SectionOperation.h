@@ -33,7 +33,7 @@ private:
 }
 
 /// Cancels every operation of the section on the queue and waits for each to finish, at most
-/// `OperationQueue::timeToReturn`; what still hangs then is given up. Any thread.
+/// `OperationQueue::returnTimeout`; what still hangs then is given up. Any thread.
 inline void cancelSectionAndWait(OperationQueue& queue, Section section) {
     queue.cancelAndWait([section](const Operation& operation) { return isOf(operation, section); });
 }

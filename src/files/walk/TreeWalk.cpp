@@ -103,7 +103,7 @@ bool TreeWalk::visitPending() {
 }
 
 void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std::shared_ptr<VisitedFolder>& holder) {
-    const bool canHoldIt = holdNoMoreThan(heldFolders - 1) < maxFoldersHeld;
+    const bool canHoldIt = holdNoMoreThan(maxOpenFolders - 1) < maxOpenFoldersOnWayBack;
     auto opened = canHoldIt ? open(parent, name.c_str()) : Result<DirectoryHandle>::failed(EMFILE);
     if (!opened && opened.code() == ENOTDIR) {
         visitor_.onFile(parent, name.c_str(), NodeKind::link);  // replaced by something else since it was listed

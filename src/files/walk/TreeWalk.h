@@ -25,20 +25,20 @@ public:
 /// were given to another walk may come later.
 ///
 /// No symbolic link is followed and no mount is entered: every folder is opened by its name in its open parent folder,
-/// and everything is done relative to that. However deep the tree, at most `heldFolders` folders are kept open, the
+/// and everything is done relative to that. However deep the tree, at most `maxOpenFolders` folders are kept open, the
 /// innermost ones. To return to one that was closed, the walk opens ".." and goes on only if that is the very folder it
 /// came from; a folder that was moved meanwhile ends the walk there. Where the visitor asks for it (WayBack), a folder
-/// that could not be recognized again stays open: such a walk holds up to `maxFoldersHeld` and reports deeper ones as
-/// closed (EMFILE).
+/// that could not be recognized again stays open: such a walk holds up to `maxOpenFoldersOnWayBack` and reports deeper
+/// ones as closed (EMFILE).
 ///
 /// A walk is used by one thread. It can share its pending work with other workers, each with a walk of its own; the
 /// worker that finishes the last part of a folder leaves it. A stop ends it before the next entries.
 class TreeWalk {
 public:
     /// Fewer than 16 descriptors with the item's parent folder, a share's and two that are open for a moment.
-    static constexpr int heldFolders = 10;
+    static constexpr int maxOpenFolders = 10;
     /// Well below 256, the smallest default of RLIMIT_NOFILE on any system.
-    static constexpr int maxFoldersHeld = 128;
+    static constexpr int maxOpenFoldersOnWayBack = 128;
     /// The number of folders that a walk sees before it calls for helpers; large ones count several times.
     static constexpr int largeTree = 64;
 

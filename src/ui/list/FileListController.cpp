@@ -50,7 +50,7 @@ int FileListController::updateRows(int row) {
     }
     generation_ = generation;
     takenCount_ = found.items().size();
-    model().followMarks();
+    model().resortByMarks();
     return place;
 }
 

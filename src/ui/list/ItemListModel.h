@@ -40,7 +40,7 @@ public:
     /// Removes these items; answers as `setItems` does.
     int removeItems(const QList<const engine::CleanableItem*>& items, int row = 0) { return rows_.remove(items, row); }
     /// Restores the order if the rows are sorted by check marks and any item was ticked or unticked.
-    void followMarks() { rows_.followMarks(); }
+    void resortByMarks() { rows_.resortByMarks(); }
 
     [[nodiscard]] const Item& item(int row) const { return rows_.item(row); }
     [[nodiscard]] bool contains(const engine::CleanableItem* item) const { return rows_.contains(item); }

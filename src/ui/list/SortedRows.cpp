@@ -52,7 +52,7 @@ SortedRows::~SortedRows() { engine::deleteInBackground(std::move(store_)); }
 // --- Coming and going -------------------------------------------------------------------------------------------
 
 void SortedRows::append(const QList<Item>& items) {
-    followMarks();
+    resortByMarks();
     Rows added;
     for (const auto& item : items) {
         auto& known = known_[item.get()];
@@ -231,7 +231,7 @@ void SortedRows::sort(SortKey key, Qt::SortOrder order) {
     reorder(sorted());
 }
 
-void SortedRows::followMarks() {
+void SortedRows::resortByMarks() {
     const quint64 revision = engine::CleanableItem::marksRevision();
     if (std::exchange(marksSorted_, revision) != revision && key_ == SortKey::checked) {
         reorder(sorted());

@@ -49,7 +49,7 @@ public:
 
     void sort(SortKey key, Qt::SortOrder order);
     /// Restores the order if the rows are sorted by check marks and any item was ticked or unticked.
-    void followMarks();
+    void resortByMarks();
     /// Reads sizes and counts of all items again; false if none has changed.
     bool refreshValues();
 

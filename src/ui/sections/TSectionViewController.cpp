@@ -38,7 +38,7 @@ TSectionViewController::TSectionViewController(const Dependencies& dependencies,
         observe(words.interfaceProgress);
     }
     giveUpTimer_.setSingleShot(true);
-    giveUpTimer_.setInterval(engine::OperationQueue::timeToReturn);
+    giveUpTimer_.setInterval(engine::OperationQueue::returnTimeout);
     connect(&giveUpTimer_, &QTimer::timeout, this, [this] { performer_.giveUpScans(); });
     ptableView_.setModel(&model_);
     connect(&model_, &SectionListModel::checkRequested, this, &TSectionViewController::checkClicked);

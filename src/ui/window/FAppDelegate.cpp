@@ -333,7 +333,7 @@ bool FAppDelegate::mayClose() {
         performer_.cancelScanAll();
         performer_.cancelCleanAll();
         removedAtLastLook_ = files::entriesRemoved();
-        QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
+        QTimer::singleShot(engine::OperationQueue::returnTimeout, this, &FAppDelegate::giveUpWhatHangs);
     }
     return false;
 }
@@ -344,7 +344,7 @@ void FAppDelegate::giveUpWhatHangs() {
     performer_.giveUpScans();
     const auto removed = files::entriesRemoved();
     if (std::exchange(removedAtLastLook_, removed) != removed) {
-        QTimer::singleShot(engine::OperationQueue::timeToReturn, this, &FAppDelegate::giveUpWhatHangs);
+        QTimer::singleShot(engine::OperationQueue::returnTimeout, this, &FAppDelegate::giveUpWhatHangs);
         return;
     }
     performer_.giveUpCleans();

@@ -48,7 +48,7 @@ TEST(FolderWalk, CallsOnceForEveryFolderBeforeThoseInsideItAndGoesInAsAnswered) 
         const auto top = folder / "top";
         growRandomly(random, top, 3);
         makeLoops(top / "n0/loops");
-        makeDeep(top / "n0", 3 * files::TreeWalk::heldFolders);
+        makeDeep(top / "n0", 3 * files::TreeWalk::maxOpenFolders);
         fs::create_directories(top / "n0/inner/inner/beside");
         for (const auto hidden : {HiddenEntries::skip, HiddenEntries::include}) {
             std::vector<fs::path> folders;

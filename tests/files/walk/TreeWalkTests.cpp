@@ -147,7 +147,7 @@ TEST(TreeWalk, TellsWhatHasBecomeOfAFolderSinceItWasListed) {
 
 TEST(TreeWalk, EndsWhereTheWayBackIsLost) {
     const TemporaryFolder folder;
-    makeDeep(folder / "top", 3 * TreeWalk::heldFolders);
+    makeDeep(folder / "top", 3 * TreeWalk::maxOpenFolders);
     writeFile(folder / "top/inner/before/file above", "");
     fs::create_directory(folder / "elsewhere");
     Recorder recorder;
@@ -160,7 +160,7 @@ TEST(TreeWalk, EndsWhereTheWayBackIsLost) {
 // The number of a folder that was removed is given to the next that is made.
 TEST(TreeWalk, TakesNoNewFolderOfTheSameNumberForOneThatItLeftBehind) {
     const TemporaryFolder folder;
-    makeDeep(folder / "top", 3 * TreeWalk::heldFolders);
+    makeDeep(folder / "top", 3 * TreeWalk::maxOpenFolders);
     const auto passed = folder / "top/inner/inner";
     auto other = folder / "other";
     Recorder recorder;
@@ -195,8 +195,8 @@ TEST(TreeWalk, ClosesNothingThatItCouldNotTellFromAnotherWhereThatMatters) {
         if (::mount("none", folder.path().c_str(), "ramfs", 0, nullptr) != 0) {
             return cannotTry("there is no file system without times of birth");
         }
-        makeDeep(folder / "fits/top", TreeWalk::maxFoldersHeld - 10);
-        makeDeep(folder / "deeper/top", TreeWalk::maxFoldersHeld + 10);
+        makeDeep(folder / "fits/top", TreeWalk::maxOpenFoldersOnWayBack - 10);
+        makeDeep(folder / "deeper/top", TreeWalk::maxOpenFoldersOnWayBack + 10);
         std::string wrong;
         for (const auto way : {files::WayBack::byNumber, files::WayBack::byTimeOfBirth}) {
             Recorder fits;

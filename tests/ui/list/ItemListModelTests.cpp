@@ -127,7 +127,7 @@ TEST_F(ItemListModelTest, RowsStandInOrderAndAreFollowedWhateverComesGoesAndIsTi
                 for (const auto& item : std::as_const(shown)) {
                     item->setPpbChecked(random() % 3 != 0);
                 }
-                model_.followMarks();
+                model_.resortByMarks();
                 break;
             default: {
                 const int columns[] = {ItemListModel::checkColumn, ItemListModel::nameColumn, ItemListModel::sizeColumn,
