@@ -30,7 +30,8 @@ struct BusCancellation {
 
 /// Sends the request on a connection of its own, so that a bus that has come or gone concerns nothing but this request,
 /// and waits for the reply. Null without a bus, for an error, after the timeout, and once a stop is requested, which
-/// ends the wait at once. Any thread but the main one.
+/// ends the wait at once. The timeout counts from the connection, which a bus that accepts and stays silent can hold
+/// up. Any thread but the main one.
 [[nodiscard]] Variant callOnBus(Bus bus, const BusRequest& request, std::chrono::milliseconds timeout,
                                 const BusCancellation& cancellation = {});
 

@@ -23,8 +23,8 @@ RowPicture pictureOf(const engine::FFItem& item) {
 
 }  // namespace
 
-FileListController::FileListController(engine::Section section, const Surroundings& surroundings)
-    : ItemListController(section, surroundings) {}
+FileListController::FileListController(engine::Section section, const Dependencies& dependencies)
+    : ItemListController(section, dependencies) {}
 
 void FileListController::viewDidLoad() {
     connect(view(), &TTableView::removeRequested, this, &FileListController::onClickedRemove);
@@ -34,7 +34,7 @@ void FileListController::viewDidLoad() {
 // the size of the change and not on that of the list. A new generation of the section's items means that some were
 // removed or all were replaced; within a generation, items are only appended.
 int FileListController::updateRows(int row) {
-    const auto& found = surroundings().pDS.sectionItems(section());
+    const auto& found = dependencies().pDS.sectionItems(section());
     const auto generation = found.generation();
     int place = row;
     if (generation == generation_ + 1 && !found.removed().isEmpty() && found.removed().size() < found.items().size()) {
@@ -76,8 +76,8 @@ void FileListController::addActions(QMenu& menu) {
 }
 
 bool FileListController::isRemoveEnabled() const {
-    return hasSelectedItem() && !surroundings().dataSource.sectionControllerIsScanOrRemoveProcessPerforming() &&
-           !surroundings().dataSource.isScanReturning() && !surroundings().dataSource.isQuestionOpen();
+    const auto& application = dependencies().dataSource;
+    return hasSelectedItem() && application.activity() == Activity::idle && !application.isScanReturning();
 }
 
 void FileListController::onClickedRemove() {
@@ -87,26 +87,26 @@ void FileListController::onClickedRemove() {
     const auto item = getSelectedItem();
     const auto path = getPathByItem(*item);
     if (!path.is_absolute()) {
-        surroundings().util.alertFileNotExists(path);  // the section's folder no longer exists
+        dependencies().util.alertFileNotExists(path);  // the section's folder no longer exists
         return;
     }
     const auto going = engine::ItemArray{item} + itemsIn(path);
     {
-        const ApplicationController::OpenQuestion question(surroundings().dataSource);
-        if (!surroundings().util.isRemovalConfirmed(path, going.size() - 1)) {
+        const ApplicationController::OpenQuestion question(dependencies().dataSource);
+        if (!dependencies().util.isRemovalConfirmed(path, going.size() - 1)) {
             return;
         }
     }
     if (!isRemoveEnabled() || model().rowOf(item.get()) < 0) {
         return;  // the window kept running while the question was open
     }
-    surroundings().dataSource.setPbRemoving(true);
+    dependencies().dataSource.setPbRemoving(true);
     const auto finished = [list = QPointer(this), going](bool success) {
         if (list && success) {
             list->removed(going);
         }
     };
-    surroundings().util.doRemoveFile(path, finished, item->foundIn());
+    dependencies().util.doRemoveFile(path, finished, item->foundIn());
 }
 
 // The items that lie in a folder which is itself an item of the list: they go with it. Scans write paths in one way, so

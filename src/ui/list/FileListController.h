@@ -26,7 +26,7 @@ public:
     [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
 
 protected:
-    FileListController(engine::Section section, const Surroundings& surroundings);
+    FileListController(engine::Section section, const Dependencies& dependencies);
     [[nodiscard]] virtual QString nameOf(const engine::FFItem& item) const { return item.ppdisplayName(); }
     /// For the tooltip; empty for none.
     [[nodiscard]] virtual std::filesystem::path fullPathOf(const engine::FFItem& item) const {

@@ -10,8 +10,8 @@
 
 namespace brimvault::ui {
 
-ItemListController::ItemListController(engine::Section section, const Surroundings& surroundings)
-    : section_(section), surroundings_(surroundings) {}
+ItemListController::ItemListController(engine::Section section, const Dependencies& dependencies)
+    : section_(section), dependencies_(dependencies) {}
 
 ItemListController::~ItemListController() = default;
 
@@ -79,15 +79,15 @@ ItemListController::Item ItemListController::selectedItem() const {
 
 void ItemListController::selectAllItems(int state) {
     model_->setAllChecked(state != 0);
-    surroundings_.pDS.settleMarks(section_);
+    dependencies_.pDS.settleMarks(section_);
     updateTableKeepSelection();
 }
 
 void ItemListController::setItemChecked(int row, bool checked) {
-    const bool othersToo = surroundings_.pDS.setChecked(section_, *model_->item(row), checked);
+    const bool othersToo = dependencies_.pDS.setChecked(section_, *model_->item(row), checked);
     model_->checksChanged(othersToo ? 0 : row, othersToo ? model_->rowCount() - 1 : row);
     updateTableKeepSelection();
-    surroundings_.pCheckListener.setSectionChecked(section_, checked);
+    dependencies_.pCheckListener.setSectionChecked(section_, checked);
 }
 
 // The first click on a column sorts names from A to Z, and ticked or large items first; each further click reverses the
@@ -115,13 +115,13 @@ void ItemListController::showMenu(const QPoint& globalPosition) {
 
 void ItemListController::onClickedRevealInFinder() {
     if (const auto item = selectedItem()) {
-        surroundings_.util.doRevealInFinder(pathOf(*item));
+        dependencies_.util.doRevealInFinder(pathOf(*item));
     }
 }
 
 void ItemListController::onClickedGetInfo() {
     if (const auto item = selectedItem()) {
-        surroundings_.util.doGetInformation(pathOf(*item));
+        dependencies_.util.doGetInformation(pathOf(*item));
     }
 }
 

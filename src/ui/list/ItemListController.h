@@ -26,7 +26,7 @@ class ItemListController : public QObject {
 
 public:
     /// The objects that a list works with; all of them outlive it.
-    struct Surroundings {
+    struct Dependencies {
         engine::DataMan& pDS;
         CheckListener& pCheckListener;
         ApplicationController& dataSource;
@@ -45,12 +45,12 @@ public:
     [[nodiscard]] qsizetype itemCount() const { return model_->rowCount(); }
     [[nodiscard]] bool hasSelectedItem() const { return selectedItem() != nullptr; }
     /// -1 some, 0 none, 1 all; an item that cannot be removed counts only if it is ticked.
-    [[nodiscard]] int getcheckstate() const { return surroundings_.pDS.sums(section_).checkstate(); }
+    [[nodiscard]] int getcheckstate() const { return dependencies_.pDS.sums(section_).checkstate(); }
     /// Ticks (1) or unticks (0) everything; items that cannot be removed are never ticked.
     void selectAllItems(int state);
 
     /// Bytes of this section.
-    [[nodiscard]] quint64 getSize2CleanMyItems() const { return surroundings_.pDS.sums(section_).all; }
+    [[nodiscard]] quint64 getSize2CleanMyItems() const { return dependencies_.pDS.sums(section_).all; }
 
     /// Disables the check boxes while a clean runs.
     void updateCleaningState(bool cleaning);
@@ -67,7 +67,7 @@ Q_SIGNALS:
 protected:
     using Item = ItemListModel::Item;
 
-    ItemListController(engine::Section section, const Surroundings& surroundings);
+    ItemListController(engine::Section section, const Dependencies& dependencies);
     /// Call it once, at the end of the constructor of the final class.
     void awake(const QString& accessibleName);
     /// Called when the view is made, before it is shown.
@@ -92,7 +92,7 @@ protected:
 
     /// Null when no row is selected.
     [[nodiscard]] Item selectedItem() const;
-    [[nodiscard]] const Surroundings& surroundings() const { return surroundings_; }
+    [[nodiscard]] const Dependencies& dependencies() const { return dependencies_; }
     [[nodiscard]] ItemListModel& model() const { return *model_; }
 
 private:
@@ -103,7 +103,7 @@ private:
     void replaceCurrent(int row, bool selected);
 
     const engine::Section section_;
-    const Surroundings surroundings_;
+    const Dependencies dependencies_;
     QString accessibleName_;
     ItemListModel* model_ = nullptr;
     TTableView* ptableView_ = nullptr;  ///< owned by the window that shows it

@@ -23,13 +23,13 @@ RowPicture packagePicture(const std::filesystem::path& package) {
 
 }  // namespace
 
-TChViewController::TChViewController(const Surroundings& surroundings)
-    : FileListController(Section::caches, surroundings) {
+TChViewController::TChViewController(const Dependencies& dependencies)
+    : FileListController(Section::caches, dependencies) {
     awake(QCoreApplication::translate("Section", "Caches"));
 }
 
 std::filesystem::path TChViewController::getPathByItem(const engine::FFItem& item) const {
-    return surroundings().util.getFullCachePathToItem(item);
+    return dependencies().util.getFullCachePathToItem(item);
 }
 
 QString TChViewController::getDisplayText(const QString& text) {
@@ -37,8 +37,8 @@ QString TChViewController::getDisplayText(const QString& text) {
     return text.size() > prefix.size() && text.startsWith(prefix) ? text.mid(prefix.size()) : text;
 }
 
-TLogsViewController::TLogsViewController(const Surroundings& surroundings)
-    : FileListController(Section::logs, surroundings) {
+TLogsViewController::TLogsViewController(const Dependencies& dependencies)
+    : FileListController(Section::logs, dependencies) {
     awake(QCoreApplication::translate("Section", "Logs"));
 }
 
@@ -50,26 +50,26 @@ std::filesystem::path TLogsViewController::fullPathOf(const engine::FFItem& item
     return UtilMod::getFullLogsPathToItem(item);
 }
 
-TDwnViewController::TDwnViewController(const Surroundings& surroundings)
-    : FileListController(Section::downloads, surroundings) {
+TDwnViewController::TDwnViewController(const Dependencies& dependencies)
+    : FileListController(Section::downloads, dependencies) {
     awake(QCoreApplication::translate("Section", "Downloads"));
 }
 
 std::filesystem::path TDwnViewController::getPathByItem(const engine::FFItem& item) const {
-    return surroundings().util.getFullDownloadPathToItem(item);
+    return dependencies().util.getFullDownloadPathToItem(item);
 }
 
-TTrViewController::TTrViewController(const Surroundings& surroundings)
-    : FileListController(Section::trash, surroundings) {
+TTrViewController::TTrViewController(const Dependencies& dependencies)
+    : FileListController(Section::trash, dependencies) {
     awake(QCoreApplication::translate("Section", "Trash"));
 }
 
 std::filesystem::path TTrViewController::getPathByItem(const engine::FFItem& item) const {
-    return surroundings().util.getFullTrashPathToItem(item);
+    return dependencies().util.getFullTrashPathToItem(item);
 }
 
-TAppsViewController::TAppsViewController(const Surroundings& surroundings)
-    : ItemListController(Section::languageResources, surroundings) {
+TAppsViewController::TAppsViewController(const Dependencies& dependencies)
+    : ItemListController(Section::languageResources, dependencies) {
     awake(QCoreApplication::translate("Section", "Language Resources"));
 }
 
@@ -89,18 +89,18 @@ std::shared_ptr<engine::AppItemData> TAppsViewController::getSelectedApp() const
 }
 
 std::unique_ptr<ItemListController> makeListController(Section section,
-                                                       const ItemListController::Surroundings& surroundings) {
+                                                       const ItemListController::Dependencies& dependencies) {
     switch (section) {
         case Section::caches:
-            return std::make_unique<TChViewController>(surroundings);
+            return std::make_unique<TChViewController>(dependencies);
         case Section::logs:
-            return std::make_unique<TLogsViewController>(surroundings);
+            return std::make_unique<TLogsViewController>(dependencies);
         case Section::downloads:
-            return std::make_unique<TDwnViewController>(surroundings);
+            return std::make_unique<TDwnViewController>(dependencies);
         case Section::trash:
-            return std::make_unique<TTrViewController>(surroundings);
+            return std::make_unique<TTrViewController>(dependencies);
         case Section::languageResources:
-            return std::make_unique<TAppsViewController>(surroundings);
+            return std::make_unique<TAppsViewController>(dependencies);
     }
     return nullptr;
 }

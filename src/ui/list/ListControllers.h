@@ -11,7 +11,7 @@ namespace brimvault::ui {
 
 class TChViewController final : public FileListController {
 public:
-    explicit TChViewController(const Surroundings& surroundings);
+    explicit TChViewController(const Dependencies& dependencies);
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override;
 
@@ -22,7 +22,7 @@ public:
 
 class TLogsViewController final : public FileListController {
 public:
-    explicit TLogsViewController(const Surroundings& surroundings);
+    explicit TLogsViewController(const Dependencies& dependencies);
 
     /// An item without a path is known by its name alone.
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override;
@@ -33,14 +33,14 @@ protected:
 
 class TDwnViewController final : public FileListController {
 public:
-    explicit TDwnViewController(const Surroundings& surroundings);
+    explicit TDwnViewController(const Dependencies& dependencies);
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override;
 };
 
 class TTrViewController final : public FileListController {
 public:
-    explicit TTrViewController(const Surroundings& surroundings);
+    explicit TTrViewController(const Dependencies& dependencies);
 
     [[nodiscard]] std::filesystem::path getPathByItem(const engine::FFItem& item) const override;
 };
@@ -49,20 +49,20 @@ public:
 /// of them is removed singly.
 class TAppsViewController final : public ItemListController {
 public:
-    explicit TAppsViewController(const Surroundings& surroundings);
+    explicit TAppsViewController(const Dependencies& dependencies);
 
     /// Null when no row is selected.
     [[nodiscard]] std::shared_ptr<engine::AppItemData> getSelectedApp() const;
 
 private:
     void viewDidLoad() override { view()->setCheckSelects(false); }
-    int updateRows(int row) override { return model().setItems(notEmpty(surroundings().pDS.getAppsArray()), row); }
+    int updateRows(int row) override { return model().setItems(notEmpty(dependencies().pDS.getAppsArray()), row); }
     [[nodiscard]] ItemListModel::Texts texts() const override;
     [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
 };
 
 /// The list of a section; null for a section that has none.
 [[nodiscard]] std::unique_ptr<ItemListController> makeListController(
-    engine::Section section, const ItemListController::Surroundings& surroundings);
+    engine::Section section, const ItemListController::Dependencies& dependencies);
 
 }  // namespace brimvault::ui

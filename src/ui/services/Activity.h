@@ -2,7 +2,8 @@
 
 namespace brimvault::ui {
 
-/// What the window is doing: one thing at a time. `ui/window/WindowControls` says what the user may do meanwhile.
+/// What the window is doing: one thing at a time. `ui/window/WindowControls` says what the user may do meanwhile. Work
+/// that still ends when the user closes the window keeps its value until then.
 enum class Activity {
     idle,           ///< scans that were stopped may still return: their sections know
     asking,         ///< a question to the user is open; nothing begins before it is answered
@@ -12,7 +13,7 @@ enum class Activity {
     stoppingClean,  ///< the user stopped the clean, which has not returned yet
     removing,       ///< a single item
     closing,        ///< the user closed the window; it goes once the scans that were stopped have returned
-    closed,         ///< the window has gone for good
+    closed,         ///< the window has gone; nothing follows
 };
 
 [[nodiscard]] constexpr bool isScan(Activity activity) {

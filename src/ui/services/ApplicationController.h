@@ -35,6 +35,7 @@ public:
     class OpenQuestion {
     public:
         explicit OpenQuestion(ApplicationController& controller) : controller_(controller) {
+            Q_ASSERT(controller.activity() == Activity::idle);
             controller_.setActivity(Activity::asking);
         }
         ~OpenQuestion() { controller_.endIf(controller_.isQuestionOpen()); }

@@ -26,15 +26,16 @@ Path FileActions::standardized(const Path& path) {
 }
 
 void FileActions::reveal(const Path& path) {
-    showWith(path, [this](const Path& file) {
-        return fileBrowser_.showItem(file) || fileBrowser_.openFolder(file.parent_path());
+    showWith(path, [&browser = fileBrowser_](const Path& file) {
+        return browser.showItem(file) || browser.openFolder(file.parent_path());
     });
 }
 
 void FileActions::openFirst(Folders folders) {
     withFirst(std::move(folders), [this](const Path& folder) {
-        showWith(folder,
-                 [this](const Path& file) { return fileBrowser_.openFolder(file) || fileBrowser_.showItem(file); });
+        showWith(folder, [&browser = fileBrowser_](const Path& file) {
+            return browser.openFolder(file) || browser.showItem(file);
+        });
     });
 }
 

@@ -107,6 +107,9 @@ void FAppDelegate::registerObservers() {
 // Once the user has closed the window, it does not become idle again.
 void FAppDelegate::setActivity(Activity next) {
     const Activity before = activity_;
+    if (before == Activity::closed) {
+        return;
+    }
     activity_ = next == Activity::idle && closeRequested_ ? Activity::closing : next;
     if (workOf(before) != workOf(activity_)) {
         menu_.dismiss();
