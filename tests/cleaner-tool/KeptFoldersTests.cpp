@@ -8,16 +8,12 @@
 
 #include "files/DirectoryHandle.h"
 #include "support/ChildProcess.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
+#include "support/FixtureTrees.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using namespace cleaner;
 using files::RemovalEnd;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -7,17 +7,13 @@
 #include <random>
 
 #include "cleaner-tool/MeddlingGuard.h"
+#include "support/FixtureTrees.h"
 #include "support/NameExchange.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using namespace cleaner;
 using files::RemovalEnd;
-namespace fs = std::filesystem;
 
 namespace {
 

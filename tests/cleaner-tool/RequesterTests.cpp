@@ -11,14 +11,11 @@
 #include "cleaner-tool/PinnedFolder.h"
 #include "cleaner-tool/linux/AccessList.h"
 #include "support/ChildProcess.h"
-#include "trial/TemporaryFolder.h"
+#include "support/FixtureTrees.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using namespace cleaner;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -6,27 +6,17 @@
 #include <unistd.h>
 
 #include <ctime>
-#include <fstream>
 
 #include "cleaner-tool/MeddlingGuard.h"
 #include "support/ChildProcess.h"
+#include "support/FixtureTrees.h"
 #include "support/NameExchange.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using namespace cleaner;
-namespace fs = std::filesystem;
 
 namespace {
-
-std::string contentOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 std::string localTime() {
     const std::time_t now = std::time(nullptr);

@@ -9,16 +9,12 @@
 
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
-
-using namespace trial;
 
 using files::DirectoryEntry;
 using files::DirectoryHandle;
 using files::HiddenEntries;
-namespace fs = std::filesystem;
 
 namespace {
 

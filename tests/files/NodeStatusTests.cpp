@@ -13,16 +13,12 @@
 #include "files/ExtendedAttributes.h"
 #include "files/FileDescriptor.h"
 #include "support/ChildProcess.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
+#include "support/FixtureTrees.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using files::NodeKind;
 using files::statusOf;
-namespace fs = std::filesystem;
 
 TEST(NodeStatus, DescribesWhatHasTheNameAndALinkItself) {
     const TemporaryFolder folder;

@@ -9,15 +9,10 @@
 
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
-#include "trial/SampleHome.h"
 
 // The real parts: the system bus, polkitd with rules, pkexec, the installed root remover, and users without rights.
 
 namespace brimvault::tests {
-
-using namespace trial;
-
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -22,15 +22,10 @@
 #include "platform/ToolConnection.h"
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
-#include "trial/SampleHome.h"
 
 // The installed root remover, started as pkexec starts it, and a client that speaks the wire protocol byte by byte.
 
 namespace brimvault::tests {
-
-using namespace trial;
-
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,8 +13,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <thread>
@@ -26,42 +23,14 @@
 #include "files/FileDescriptor.h"
 #include "support/HeardNotifications.h"
 #include "support/SubstituteHome.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
-namespace fs = std::filesystem;
-
 namespace {
 
-struct SignalRequest {
-    int signal;
-    pid_t process;
-};
+constexpr const char* sentSignals = "/run/sent-signals";
 
 int linesOf(const fs::path& file) { return static_cast<int>(std::ranges::count(contentOf(file), '\n')); }
-
-// A process that sends signals as root, for one that has dropped its rights. It ends when the connection is closed.
-int startAdministrator() {
-    int connection[2];
-    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, connection) != 0) {
-        throw std::runtime_error("no sockets");
-    }
-    if (::fork() == 0) {
-        ::close(connection[0]);
-        SignalRequest request{};
-        while (::read(connection[1], &request, sizeof request) == static_cast<ssize_t>(sizeof request)) {
-            const int result = ::kill(request.process, request.signal);
-            (void)!::write(connection[1], &result, sizeof result);
-        }
-        ::_exit(0);
-    }
-    ::close(connection[1]);
-    return connection[0];
-}
 
 void makeFolderOf(const User& user, const fs::path& folder) {
     fs::create_directory(folder);
@@ -110,7 +79,7 @@ struct Trial::Running {
 Trial::Trial(const User& user, Agent agent, std::map<std::string, std::string> environment)
     : user_(user),
       questions_(fs::path("/run") / (std::string("questions-") + user.name)),
-      administrator_(startAdministrator()) {
+      administrator_(::popen((std::string("exec sh >>") + sentSignals).c_str(), "we")) {
     startAgent(::getpid(), agent, questions_);
     become(user);
     running_ = std::make_unique<Running>(user, std::move(environment));
@@ -170,10 +139,9 @@ bool Trial::hearsCalls(int count) const {
 pid_t Trial::tool() const { return toolOf(::getpid()); }
 
 void Trial::sendAsAdministrator(int signal, pid_t process) const {
-    const SignalRequest request{signal, process};
-    int result = -1;
-    if (process <= 0 || ::write(administrator_, &request, sizeof request) < 0 ||
-        ::read(administrator_, &result, sizeof result) < 0 || result != 0) {
+    const int before = linesOf(sentSignals);
+    if (process <= 0 || std::fprintf(administrator_, "kill -%d %d && echo sent\n", signal, process) < 0 ||
+        std::fflush(administrator_) != 0 || !comes([&] { return linesOf(sentSignals) > before; })) {
         throw std::runtime_error("the signal was not sent");
     }
 }
@@ -187,9 +155,8 @@ void makeHome(const User& user) {
 }
 
 void makeTrash(const User& user) {
-    for (const char* folder :
-         {".local", ".local/share", ".local/share/Trash", ".local/share/Trash/files", ".local/share/Trash/info"}) {
-        makeFolderOf(user, user.home() / folder);
+    for (const char* folder : {"", "share", "share/Trash", "share/Trash/files", "share/Trash/info"}) {
+        makeFolderOf(user, user.home() / ".local" / folder);
     }
 }
 
@@ -197,11 +164,6 @@ void makeLockedFolder(const User& user, const std::string& name, int files) {
     for (int number = 0; number < files; ++number) {
         writeFile(user.caches() / name / std::to_string(number % 10) / std::to_string(number), "not the user's");
     }
-}
-
-std::string contentOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 pid_t toolOf(pid_t application) {

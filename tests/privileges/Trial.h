@@ -3,12 +3,14 @@
 #include <sys/types.h>
 
 #include <chrono>
-#include <filesystem>
+#include <cstdio>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "support/FixtureTrees.h"
 
 namespace brimvault::tests {
 
@@ -17,8 +19,8 @@ struct User {
     const char* name;
     uid_t number;
 
-    [[nodiscard]] std::filesystem::path home() const { return std::filesystem::path("/run/home") / name; }
-    [[nodiscard]] std::filesystem::path caches() const { return home() / "Library/Caches"; }
+    [[nodiscard]] fs::path home() const { return fs::path("/run/home") / name; }
+    [[nodiscard]] fs::path caches() const { return home() / "Library/Caches"; }
 };
 inline constexpr User mayRemove{"may", 60001};      ///< allowed without a question
 inline constexpr User deniedUser{"denied", 60002};  ///< denied without a question
@@ -31,7 +33,7 @@ enum class Agent { none, grants, refuses, hesitates };
 void become(const User& user);
 
 /// Starts a polkit agent for a process, and waits until it is registered. It ends with the calling process.
-void startAgent(pid_t process, Agent agent, const std::filesystem::path& questions);
+void startAgent(pid_t process, Agent agent, const fs::path& questions);
 
 /// The program as one of the users runs it, in a child process that has dropped all other rights: the real remover and
 /// clean operations over that user's home folder.
@@ -63,8 +65,8 @@ private:
     struct Running;
 
     const User& user_;
-    const std::filesystem::path questions_;
-    const int administrator_;  ///< the connection to a process that sends signals as root
+    const fs::path questions_;
+    std::FILE* const administrator_;  ///< the input of a shell with the rights of root
     std::unique_ptr<Running> running_;
 };
 
@@ -75,8 +77,6 @@ void makeTrash(const User& user);
 /// A folder of root's in its caches, with files that the user may not remove.
 void makeLockedFolder(const User& user, const std::string& name, int files = 3);
 
-/// What a file holds; nothing where it cannot be read.
-[[nodiscard]] std::string contentOf(const std::filesystem::path& file);
 /// The root remover that has been started by a process; 0 for none.
 [[nodiscard]] pid_t toolOf(pid_t application);
 /// Whether the process ends within the timeout; a zombie has ended. The defaults are ample for everything that works.

@@ -11,10 +11,6 @@
 
 namespace brimvault::tests {
 
-using namespace trial;
-
-namespace fs = std::filesystem;
-
 namespace {
 
 std::uint64_t makeLink(const fs::path& target, const fs::path& link) {
@@ -139,21 +135,24 @@ std::uint64_t sizeOf(const fs::path& path) {
     return sum;
 }
 
+std::string contentOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 const std::vector<std::string>& oddNames() {
-    static const std::vector<std::string> names = {
-        "line\nbreak",
-        "\xff\xfe not UTF-8 \xc3",
-        std::string(255, 'n'),
-        " leading space",
-        "-rf",
-        "*",
-        "$HOME",
-        "..hidden",
-        "back\\slash",
-        "\x01\x7f",
-        "...",
-        "caf\xc3\xa9",
-    };
+    static const std::vector<std::string> names = {"line\nbreak",
+                                                   "\xff\xfe not UTF-8 \xc3",
+                                                   std::string(255, 'n'),
+                                                   " leading space",
+                                                   "-rf",
+                                                   "*",
+                                                   "$HOME",
+                                                   "..hidden",
+                                                   "back\\slash",
+                                                   "\x01\x7f",
+                                                   "...",
+                                                   "caf\xc3\xa9"};
     return names;
 }
 

@@ -13,17 +13,13 @@
 #include "files/FileDescriptor.h"
 #include "files/trees/Remove.h"
 #include "support/ChildProcess.h"
+#include "support/FixtureTrees.h"
 #include "support/NameExchange.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using files::FileDescriptor;
 using files::RemovalEnd;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -19,15 +19,10 @@
 
 #include "files/trees/Remove.h"
 #include "support/FixtureTrees.h"
-#include "trial/SampleHome.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using files::RemovalEnd;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -6,15 +6,11 @@
 
 #include "files/walk/TreeWalk.h"
 #include "support/FixtureTrees.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using files::Descend;
 using files::HiddenEntries;
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -15,18 +15,14 @@
 #include "files/trees/SizeCalculation.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
-
-using namespace trial;
 
 using files::HiddenEntries;
 using files::MeasurableEntry;
 using files::measureContents;
 using files::measureItem;
 using files::Sizes;
-namespace fs = std::filesystem;
 
 namespace {
 

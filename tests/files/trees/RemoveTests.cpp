@@ -10,14 +10,10 @@
 #include "files/trees/Measure.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
 
-using namespace trial;
-
 using files::RemovalEnd;
-namespace fs = std::filesystem;
 
 namespace {
 

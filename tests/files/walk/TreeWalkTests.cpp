@@ -18,11 +18,8 @@
 
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
-#include "trial/TemporaryFolder.h"
 
 namespace brimvault::tests {
-
-using namespace trial;
 
 using namespace std::string_literals;
 
@@ -30,7 +27,6 @@ using files::DirectoryHandle;
 using files::FolderReference;
 using files::StackItem;
 using files::TreeWalk;
-namespace fs = std::filesystem;
 
 namespace {
 
