@@ -39,8 +39,6 @@ void makeThreeItems(const User& user) {
     }
 }
 
-const Trial::Names threeItems = {"first", "second", "third"};
-
 }  // namespace
 
 TEST(PrivilegedClean, RemovesWhatARuleAllowsWithOneToolAndWithoutAQuestion) {
@@ -104,7 +102,7 @@ TEST(PrivilegedClean, AsksOnceWhenRefusedAndAgainInTheNextClean) {
         makeThreeItems(user);
         EXPECT_WELL_IN_CHILD([&] {
             Trial trial(user, Agent::refuses);
-            return firstOf({trial.clean(threeItems, {"first", "second"}), trial.expectQuestions(1),
+            return firstOf({trial.clean({"first", "second", "third"}, {"first", "second"}), trial.expectQuestions(1),
                             trial.clean({"first"}, {"first"}), trial.expectQuestions(2)});
         });
     }

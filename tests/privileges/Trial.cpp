@@ -149,6 +149,7 @@ void Trial::sendAsAdministrator(int signal, pid_t process) const {
 void makeHome(const User& user) {
     for (const auto& entry : fs::directory_iterator(user.home())) {
         removeTree(entry.path());
+        fs::remove(entry.path());  // of a link
     }
     makeFolderOf(user, user.home() / "Library");
     makeFolderOf(user, user.caches());
