@@ -6,8 +6,9 @@
 
 #include <random>
 
-#include "cleaner-tool/MeddlingGuard.h"
+#include "cleaner-tool/KeptFolders.h"
 #include "support/FixtureTrees.h"
+#include "support/MeddlingGuard.h"
 #include "support/NameExchange.h"
 
 namespace brimvault::tests {
@@ -59,7 +60,8 @@ RemovalEnd removeDuring(const Race& race, std::mt19937& random) {
             exchangeNames(folder / race.exchanged, folder / race.with);
         }
     };
-    MeddlingGuard guard(kept, meddle);
+    KeptFoldersGuard keeper(kept);
+    MeddlingGuard guard(&keeper, meddle);
     meddle(files::NodeStatus());
     const Exchanger exchanger(folder / race.exchanged, folder / race.with);
     const auto end = files::remove(folder / race.item, {}, &guard).end;
@@ -98,7 +100,8 @@ TEST(RemovalRace, LeavesAnEmptyFolderThatIsKeptInThePlaceOfAnEmptyOne) {
     const auto inner = files::statusOf(folder / "item/inner")->identity;
     const auto section = files::statusOf(folder / "section")->identity;
     int exchanges = 0;
-    MeddlingGuard guard(kept, [&](const files::NodeStatus& node) {
+    KeptFoldersGuard keeper(kept);
+    MeddlingGuard guard(&keeper, [&](const files::NodeStatus& node) {
         exchanges += node.identity == inner && exchangeNames(folder / "item/inner", folder / "section") ? 1 : 0;
     });
     EXPECT_EQ(files::remove(folder / "item", {}, &guard).end, RemovalEnd::kept);

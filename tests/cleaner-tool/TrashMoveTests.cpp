@@ -7,9 +7,10 @@
 
 #include <ctime>
 
-#include "cleaner-tool/MeddlingGuard.h"
+#include "cleaner-tool/KeptFolders.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
+#include "support/MeddlingGuard.h"
 #include "support/NameExchange.h"
 
 namespace brimvault::tests {
@@ -132,12 +133,13 @@ TEST_F(TrashMove, LeavesNoRecordWhereTheItemCannotBeMoved) {
     EXPECT_EQ(refuses(folder_ / "home"), "");  // holds the trash
     writeFile(folder_ / "other/file", "2");
     const auto before = fingerprint(folder_.path());
-    MeddlingGuard exchange(kept_,
+    KeptFoldersGuard keeper(kept_);
+    MeddlingGuard exchange(&keeper,
                            [&](const auto&) { EXPECT_TRUE(exchangeNames(folder_ / "item", folder_ / "other")); });
     EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, kept_.requester(), exchange));
     EXPECT_TRUE(exchangeNames(folder_ / "item", folder_ / "other"));
     EXPECT_EQ(fingerprint(folder_.path()), before);
-    MeddlingGuard take(kept_, [&](const auto&) { fs::rename(folder_ / "item", folder_ / "elsewhere"); });
+    MeddlingGuard take(&keeper, [&](const auto&) { fs::rename(folder_ / "item", folder_ / "elsewhere"); });
     EXPECT_FALSE(moveToTrash(folder_ / "item", trash_, kept_.requester(), take));
     EXPECT_TRUE(fs::exists(folder_ / "elsewhere/file") && fs::is_empty(trash_ / "info"));
 }

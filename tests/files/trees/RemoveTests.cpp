@@ -4,12 +4,12 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <functional>
 #include <utility>
 
 #include "files/trees/Measure.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
+#include "support/MeddlingGuard.h"
 
 namespace brimvault::tests {
 
@@ -23,20 +23,6 @@ bool isKeptWith(const files::RemovalOutcome& outcome, int code, const fs::path& 
     return outcome.end == RemovalEnd::kept && outcome.failure && outcome.failure->code == code &&
            outcome.failure->path == path;
 }
-
-// Does something when it is asked of the item.
-class Meddler : public files::RemovalGuard {
-public:
-    explicit Meddler(std::function<void()> act) : act_(std::move(act)) {}
-    bool onWay(const files::DirectoryHandle&, const files::NodeStatus&) override { return true; }
-    bool mayRemove(const files::NodeStatus&) override {
-        act_();
-        return true;
-    }
-
-private:
-    const std::function<void()> act_;
-};
 
 }  // namespace
 
@@ -75,6 +61,7 @@ TEST(Remove, RefusesPathsThatNameNoPlainItemOrLeadThroughALink) {
         {folder / "inner/", EINVAL},
         {folder / "./inner", EINVAL},
         {(folder / "inner").native() + '\0', EINVAL},
+        {(folder / "inner").native() + '\0' + "/more", EINVAL},
         {folder / "link/more", ENOTDIR},
         {folder / "link/more/file", ENOTDIR},
     };
@@ -129,32 +116,21 @@ TEST(Remove, NamesAFileThatItsFolderKeepsAndWhyAFolderCouldNotBeRead) {
     EXPECT_TRUE(isThere(folder / "tree/full/kept"));
 }
 
-TEST(Remove, TouchesNothingWhenItIsStoppedBefore) {
+TEST(Remove, TouchesNothingWhenItIsStoppedAndCallsGoneWhatOthersTookMeanwhile) {
     const TemporaryFolder folder;
     writeFile(folder / "tree/inner/file", "");
     writeFile(folder / "file", "");
     fs::create_directory(folder / "empty");
     const auto before = fingerprint(folder.path());
     std::stop_source stop;
-    stop.request_stop();
-    for (const char* name : {"tree", "file", "empty"}) {
-        const auto outcome = files::remove(folder / name, stop.get_token());
-        EXPECT_EQ(outcome.end, RemovalEnd::cancelled) << name;
-        EXPECT_FALSE(outcome.failure) << name;
+    MeddlingGuard stopper(nullptr, [&](const auto&) { stop.request_stop(); });
+    for (const char* name : {"tree", "tree", "file", "empty"}) {  // the first on its way, the others before
+        auto* guard = stop.stop_requested() ? nullptr : &stopper;
+        const auto outcome = files::remove(folder / name, stop.get_token(), guard);
+        EXPECT_TRUE(outcome.end == RemovalEnd::cancelled && !outcome.failure) << name;
     }
     EXPECT_EQ(fingerprint(folder.path()), before);
-}
-
-TEST(Remove, SaysThatItWasStoppedOnItsWayAndCallsGoneWhatOthersTookMeanwhile) {
-    const TemporaryFolder folder;
-    writeFile(folder / "tree/file", "");
-    writeFile(folder / "file", "");
-    std::stop_source stop;
-    Meddler stopper([&] { stop.request_stop(); });
-    const auto stopped = files::remove(folder / "tree", stop.get_token(), &stopper);
-    EXPECT_TRUE(stopped.end == RemovalEnd::cancelled && !stopped.failure);
-    EXPECT_TRUE(isThere(folder / "tree/file"));
-    Meddler other([&] { fs::remove(folder / "file"); });
+    MeddlingGuard other(nullptr, [&](const auto&) { fs::remove(folder / "file"); });
     EXPECT_EQ(files::remove(folder / "file", {}, &other).end, RemovalEnd::gone);
 }
 

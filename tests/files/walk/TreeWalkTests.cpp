@@ -296,14 +296,6 @@ TEST(TreeWalk, GivesAwayNothingOfAFolderThatNobodyWouldFindAgain) {
     });
 }
 
-TEST(FolderReference, TakesItsPendingFoldersOneByOneFromTheEnd) {
-    auto folder = folderNamed("top", openRoot());
-    folder.pendingFolders = "a\0line\nbreak\0\xff\0"s;
-    for (const char* name : {"\xff", "line\nbreak", "a", "", ""}) {
-        EXPECT_EQ(folder.takePendingFolder(), name);
-    }
-}
-
 TEST(FolderReference, GivesHalfOfItsPendingFoldersAndKeepsSomeOfSeveral) {
     const std::pair<std::string, std::string> halves[] = {
         // what is given and what is kept
