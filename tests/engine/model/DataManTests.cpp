@@ -95,11 +95,6 @@ TEST_P(FileSectionOfModel, MergesWhatIsPostedAndThenPostsItsTwin) {
     }
 }
 
-TEST_P(FileSectionOfModel, CountsAsScannedAfterProgressWithoutAPercent) {
-    post(words.scanProgress, {{words.deltaKey, two}, {key::progressPercent, ItemArray()}});
-    EXPECT_EQ(text(), QStringLiteral("1.5 KB of 2 KB Selected"));
-}
-
 // Sums are kept as items come; whatever happens, they are those of the items that are there, with their marks.
 TEST_P(FileSectionOfModel, SumsUpWhatIsThereWhateverComesGoesAndIsTicked) {
     std::mt19937 random(5);
@@ -142,7 +137,7 @@ TEST_P(FileSectionOfModel, SumsUpWhatIsThereWhateverComesGoesAndIsTicked) {
     }
 }
 
-TEST_P(FileSectionOfModel, TakesNothingFromAnotherSectionsNotifications) {
+TEST_P(FileSectionOfModel, TakesNothingFromOtherSectionsAndCountsAsScannedAfterProgressWithoutAPercent) {
     for (const Section section : allSections) {
         if (section != GetParam()) {
             const auto other = vocabulary(section);
@@ -152,6 +147,8 @@ TEST_P(FileSectionOfModel, TakesNothingFromAnotherSectionsNotifications) {
     }
     EXPECT_TRUE(items().isEmpty());
     EXPECT_EQ(text(), QStringLiteral("Not Scanned"));
+    post(words.scanProgress, {{words.deltaKey, two}, {key::progressPercent, ItemArray()}});
+    EXPECT_EQ(text(), QStringLiteral("1.5 KB of 2 KB Selected"));
 }
 
 TEST(DataMan, CountsAnItemThatMayNotBeRemovedInTheTotalAlone) {

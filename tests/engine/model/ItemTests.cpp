@@ -1,15 +1,16 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <random>
 
 #include "engine/model/AppItemData.h"
-#include "engine/model/FFItem.h"
+#include "engine/model/SectionItems.h"
 #include "support/FixtureTrees.h"
 #include "support/TextPrinting.h"
 
 namespace brimvault::tests {
 
-using engine::AppItemData;
-using engine::FFItem;
-using engine::LocalizationItem;
+using namespace engine;
 
 // What real applications lose, and that what is counted goes, is in langres/RandomApplicationsTests.
 
@@ -75,30 +76,112 @@ TEST(AppItemData, GroupsByTheFolderInsideTheBundle) {
     EXPECT_EQ(some->ppdisplayKeyName(), QStringLiteral("Some"));
 }
 
-TEST(FFItem, KeepsItsPathWhateverItsName) {
+TEST(FFItem, HoldsPathsThatEndAlikeAndOddNamesExactlyWhateverItsName) {
     const auto item = FFItem::initWithPath("/folder/inner/name", 5);
     EXPECT_EQ(item->pfname(), "name");
     item->setPfname("other");
     EXPECT_EQ(item->pfname(), "other");
     EXPECT_EQ(item->pfpath(), "/folder/inner/name");
-    item->setPfpath("/elsewhere/other");
-    EXPECT_EQ(item->pathBytes(), "/elsewhere/other");
-    item->setPfpath({});
-    EXPECT_FALSE(item->hasPath());
-    EXPECT_TRUE(item->pfpath().empty());
-}
-
-TEST(FFItem, HoldsPathsThatEndAlikeAndOddNamesExactly) {
-    for (const char* path : {"name", "/name", "other name", "/folder/other name", "/name/", "/name/name", ""}) {
-        const auto item = FFItem::initWithName("name", 5);
+    for (const char* path : {"other", "/other", "an other", "/folder/an other", "/other/", "/other/other", ""}) {
         item->setPfpath(path);
         EXPECT_EQ(item->pathBytes(), path);
     }
+    EXPECT_FALSE(item->hasPath());
+    EXPECT_TRUE(item->pfpath().empty());
     for (const auto& name : oddNames()) {
-        const auto item = FFItem::initWithPath("/folder/" + name, 5);
-        EXPECT_EQ(item->pfname().native(), name);
-        EXPECT_EQ(item->pathBytes(), "/folder/" + name);
+        const auto odd = FFItem::initWithPath("/folder/" + name, 5);
+        EXPECT_EQ(odd->pfname().native(), name);
+        EXPECT_EQ(odd->pathBytes(), "/folder/" + name);
     }
+}
+
+namespace {
+
+QByteArray ticked(const ItemArray& items) {
+    QByteArray marks;
+    for (const auto& item : items) {
+        marks += item->ppbChecked() ? '+' : '-';
+    }
+    return marks;
+}
+
+bool lies(const FFItem& item, const FFItem& in) { return item.pathBytes().starts_with(in.pathBytes() + "/"); }
+
+// The marks that are to come of these, item by item and without any order: what holds unticked items is not ticked.
+QByteArray settled(const ItemArray& items, QByteArray marks) {
+    for (qsizetype holder = 0; holder < items.size(); ++holder) {
+        for (qsizetype item = 0; item < items.size(); ++item) {
+            if (marks[item] == '-' && lies(*items[item], *items[holder])) {
+                marks[holder] = '-';
+            }
+        }
+    }
+    return marks;
+}
+
+// After a click, which goes for what lies in the item as well.
+QByteArray clicked(const ItemArray& items, qsizetype which, bool checked) {
+    auto marks = ticked(items);
+    for (qsizetype item = 0; item < items.size(); ++item) {
+        const bool goesAlong = lies(*items[item], *items[which]) && (!checked || items[item]->mayBeTickedAlong());
+        if (item == which || goesAlong) {
+            marks[item] = checked ? '+' : '-';
+        }
+    }
+    return settled(items, std::move(marks));
+}
+
+}  // namespace
+
+TEST(SectionItems, ClicksBatchesAndRemovalsAgreeWithAReckoningItemByItem) {
+    std::mt19937 random(20261122);
+    int clicks = 0;
+    int saidInVain = 0;
+    const auto pick = [&](qsizetype count) { return static_cast<qsizetype>(random()) % count; };
+    for (int round = 0; round < 60; ++round) {
+        QList<std::string> paths = {"/r"};
+        for (int count = 0; count < 60; ++count) {
+            const auto name = static_cast<char>('a' + pick(3)) + std::string(pick(4) == 0 ? " " : "");
+            const auto path = paths[pick(paths.size())] + "/" + name;
+            if (!paths.contains(path)) {
+                paths.append(path);
+            }
+        }
+        std::shuffle(paths.begin(), paths.end(), random);
+        SectionItems list;
+        while (!paths.isEmpty()) {
+            ItemArray batch;
+            for (auto count = pick(5); count >= 0 && !paths.isEmpty(); --count) {
+                batch.append(FFItem::initWithPath(paths.takeLast(), 1));
+                batch.last()->setPpbChecked(pick(8) != 0);
+                batch.last()->setPpbDeletable(pick(8) != 0);
+            }
+            const auto all = list.items() + batch;
+            const auto expected = settled(all, ticked(all));
+            list.append(batch);
+            ASSERT_EQ(ticked(list.items()), expected);
+            for (int click = 0; click < 4; ++click) {
+                const auto which = pick(all.size());
+                const bool checked = pick(2) == 0;
+                const auto after = clicked(all, which, checked);
+                auto before = ticked(all);
+                const bool others = list.setChecked(*all[which], checked);
+                ASSERT_EQ(ticked(all), after) << all[which]->pathBytes() << checked;
+                before[which] = after[which];
+                ASSERT_TRUE(others || before == after);
+                ++clicks;
+                saidInVain += others && before == after ? 1 : 0;
+            }
+            all[pick(all.size())]->setPpbChecked(false);  // one by one, as not by a click
+            const auto afterwards = settled(all, ticked(all));
+            list.settleMarks();
+            ASSERT_EQ(ticked(all), afterwards);
+            if (pick(3) == 0) {
+                list.remove({list.items()[pick(list.items().size())], list.items()[pick(list.items().size())]});
+            }
+        }
+    }
+    EXPECT_LT(saidInVain, clicks / 20);
 }
 
 }  // namespace brimvault::tests
