@@ -5,8 +5,8 @@
 #include <QThread>
 #include <QThreadPool>
 #include <atomic>
-#include <optional>
 #include <thread>
+#include <utility>
 
 #include "engine/model/FFItem.h"
 #include "engine/notification/Notifications.h"
@@ -21,39 +21,15 @@ namespace {
 
 const QString name = QStringLiteral("somethingFinished");
 
-// Many items that count, when they are freed, on which thread that happens.
-struct CountedItems {
-    static constexpr int count = 5000;
-
-    [[nodiscard]] ItemArray make() {
-        ItemArray items;
-        for (int number = 0; number < count; ++number) {
-            items.append({new FFItem, [this](FFItem* item) {
-                              (QThread::currentThread() == main ? freedByMain : freedByOthers) += 1;
-                              delete item;
-                          }});
-        }
-        return items;
-    }
-    void expectFreedByOthers() const {
-        QThreadPool::globalInstance()->waitForDone();
-        EXPECT_EQ(freedByMain, 0);
-        EXPECT_EQ(freedByOthers, count);
-    }
-
-    QThread* const main = QThread::currentThread();
-    std::atomic<int> freedByMain = 0;
-    std::atomic<int> freedByOthers = 0;
-};
-
 }  // namespace
 
 TEST(NotificationCenter, CallsTheObserversOfANameInTheirOrderBeforePostReturnsUntilTheyEnd) {
-    NotificationCenter center;
     std::vector<int> called;
+    NotificationCenter::Observation second;  // goes after the center
+    NotificationCenter center;
     auto first = center.addObserver(name, [&](const Notification&) { called.push_back(1); });
     const auto other = center.addObserver(QStringLiteral("other"), [&](const Notification&) { called.push_back(0); });
-    const auto second = center.addObserver(name, [&](const Notification& heard) {
+    second = center.addObserver(name, [&](const Notification& heard) {
         called.push_back(2);
         EXPECT_EQ(heard.name, name);
         EXPECT_EQ(getNumberPropfromNotification(heard, key::totalCount), 5);
@@ -105,44 +81,42 @@ TEST(NotificationCenter, CallsNoHandlerAfterItsEndWhileAnotherThreadPosts) {
     EXPECT_EQ(late, 0);
 }
 
-TEST(NotificationCenter, MayGoBeforeAnObservation) {
-    std::optional<NotificationCenter> center(std::in_place);
-    auto observation = center->addObserver(name, [](const Notification&) {});
-    center.reset();
-    observation.end();
-}
-
+// Also where nobody hears of them, since the context is gone.
 TEST(NotificationCenter, HandsOverToTheMainThreadWithoutWaitingAndFreesManyItemsOnAnother) {
-    NotificationCenter center;
-    QObject context;
-    std::vector<QThread*> threads;
-    const auto hear = [&](const Notification& heard) {
-        EXPECT_EQ(getArrayPropfromNotification<ItemArray>(heard, name)->size(), CountedItems::count);
-        threads.push_back(QThread::currentThread());
-    };
-    const auto first = center.addMainThreadObserver(name, &context, hear);
-    const auto second = center.addMainThreadObserver(name, &context, hear);
-    CountedItems items;
-    std::thread([&] { center.post(name, {{name, items.make()}}); }).join();
-    EXPECT_TRUE(threads.empty());
-    runPending();
-    EXPECT_THAT(threads, testing::ElementsAre(context.thread(), context.thread()));
-    center.post(name);
-    EXPECT_EQ(threads.size(), 2U) << "not at once from the main thread either";
-    items.expectFreedByOthers();
-}
-
-TEST(NotificationCenter, CallsNobodyWhoseContextIsGoneAndFreesManyItemsOnAnotherThread) {
-    NotificationCenter center;
-    auto context = std::make_unique<QObject>();
-    auto observation =
-        center.addMainThreadObserver(name, context.get(), [](const Notification&) { ADD_FAILURE() << "called"; });
-    CountedItems items;
-    std::thread([&] { center.post(name, {{name, items.make()}}); }).join();
-    observation.end();
-    context.reset();
-    runPending();
-    items.expectFreedByOthers();
+    constexpr int count = 5000;
+    QThread* const main = QThread::currentThread();
+    for (const bool isContextGone : {false, true}) {
+        SCOPED_TRACE(isContextGone);
+        std::atomic<int> freedByMain = 0;
+        std::atomic<int> freedByOthers = 0;
+        ItemArray items;
+        for (int number = 0; number < count; ++number) {
+            items.append({new FFItem, [&](FFItem* item) {
+                              (QThread::currentThread() == main ? freedByMain : freedByOthers) += 1;
+                              delete item;
+                          }});
+        }
+        NotificationCenter center;
+        auto context = std::make_unique<QObject>();
+        std::vector<QThread*> threads;
+        const auto hear = [&](const Notification& heard) {
+            EXPECT_EQ(getArrayPropfromNotification<ItemArray>(heard, name)->size(), count);
+            threads.push_back(QThread::currentThread());
+        };
+        const auto first = center.addMainThreadObserver(name, context.get(), hear);
+        const auto second = center.addMainThreadObserver(name, context.get(), hear);
+        std::thread([&] { center.post(name, {{name, items}}); }).join();
+        center.post(name, {{name, std::exchange(items, {})}});
+        EXPECT_TRUE(threads.empty()) << "at once";
+        if (isContextGone) {
+            context.reset();
+        }
+        runPending();
+        EXPECT_EQ(threads, std::vector(isContextGone ? 0 : 4, main));
+        QThreadPool::globalInstance()->waitForDone();
+        EXPECT_EQ(freedByMain, 0);
+        EXPECT_EQ(freedByOthers, count);
+    }
 }
 
 TEST(Notification, GivesAValueOnlyAsTheKindItIs) {
