@@ -80,7 +80,7 @@ struct Drivers : testing::Test {
 
 }  // namespace
 
-TEST_F(Drivers, EndAScanOfNothingAtOnceAndForgetWhatScansShare) {
+TEST_F(Drivers, EndAScanOrACleanOfNothingAtOnceAndForgetWhatScansShare) {
     int resets = 0;
     ScanTable table = scansDoing([](SuppliedScan&) { return ItemArray(); });
     table.resetShared = [&] { ++resets; };
@@ -89,9 +89,14 @@ TEST_F(Drivers, EndAScanOfNothingAtOnceAndForgetWhatScansShare) {
     scanner.Scan(false, false, false, false, false);
     without.Scan(true, true, true, true, true);
     ASSERT_TRUE(heardEnd(scanFinished, 2));
-    EXPECT_EQ(heard.names(), (QStringList{scanFinished, scanFinished}));
     EXPECT_TRUE(heard.last(scanFinished).userInfo.isEmpty());
     EXPECT_EQ(resets, 1);
+
+    FCutter cutter(cleansDoing([](SuppliedWork&) { ADD_FAILURE() << "an operation was made"; }));
+    cutter.Clean(std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt);
+    cutter.Clean(ApplicationArray(), ItemArray(), ItemArray(), ItemArray(), ItemArray());
+    ASSERT_TRUE(heardEnd(cleanFinished, 2));
+    EXPECT_EQ(heard.names(), (QStringList{scanFinished, scanFinished, cleanFinished, cleanFinished}));
 }
 
 TEST_F(Drivers, ScanSideBySideAndPostTheEndOfAllLast) {
@@ -181,14 +186,6 @@ TEST_F(Drivers, CleanOneSectionAfterAnotherAndCancelOneAlone) {
     EXPECT_EQ(heard.names(),
               (QStringList{cleaned(Section::languageResources), cleaned(Section::downloads), cleaned(Section::caches),
                            cleaned(Section::trash), cleaned(Section::logs), cleanFinished}));
-}
-
-TEST_F(Drivers, PostNothingButItsEndForACleanOfNothing) {
-    FCutter cutter(cleansDoing([](SuppliedWork&) { ADD_FAILURE() << "an operation was made"; }));
-    cutter.Clean(std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt);
-    cutter.Clean(ApplicationArray(), ItemArray(), ItemArray(), ItemArray(), ItemArray());
-    ASSERT_TRUE(heardEnd(cleanFinished, 2));
-    EXPECT_EQ(heard.names(), (QStringList{cleanFinished, cleanFinished}));
 }
 
 TEST_F(Drivers, EmptyTheChosenSectionsOnlyAndTakeTheResultsOfAReplacedScanUntilTheNewOnesCome) {

@@ -23,22 +23,7 @@ std::shared_ptr<SuppliedWork> work(SuppliedWork::Work function, Section section 
 
 }  // namespace
 
-TEST(OperationQueue, RunsSideBySideUpToItsLimitAndNotBeyond) {
-    constexpr int limit = 3;
-    const auto hang = std::make_shared<Hang>();
-    std::atomic<int> running = 0;
-    OperationQueue queue(limit);
-    for (int number = 0; number < 4 * limit; ++number) {
-        queue.addOperation(work([&, hang](SuppliedWork&) {
-            ++running;
-            hang->wait();
-            EXPECT_LE(running--, limit);
-        }));
-    }
-    EXPECT_TRUE(runUntil([&] { return running >= limit; }));
-    hang->letOn();
-    ASSERT_TRUE(runUntil([&] { return queue.operations().empty(); }));
-}
+// That a queue keeps its limit, and cancels and awaits the chosen operations alone, is in DriverTests.
 
 TEST(OperationQueue, StartsAnOperationOnlyWhenAllItDependsOnHaveFinished) {
     OperationQueue queue;
@@ -60,33 +45,6 @@ TEST(OperationQueue, StartsAnOperationOnlyWhenAllItDependsOnHaveFinished) {
     go.release();
     last->waitUntilFinished();
     EXPECT_EQ(seen, 3);
-}
-
-TEST(OperationQueue, CancelsAndAwaitsTheChosenOnesAlone) {
-    OperationQueue queue;
-    std::atomic<bool> chosenEnded = false;
-    std::atomic<bool> otherCancelled = false;
-    std::binary_semaphore go(0);
-    std::binary_semaphore begun(0);
-    queue.addOperation(work([&](SuppliedWork& own) {
-        begun.release();
-        awaitCancel(own);
-        chosenEnded = true;
-    }));
-    begun.acquire();
-    queue.addOperation(work(
-        [&](SuppliedWork& own) {
-            go.acquire();
-            otherCancelled = own.isCancelled();
-        },
-        Section::trash));
-    cancelSectionAndWait(queue, Section::caches);
-    EXPECT_TRUE(chosenEnded);
-    EXPECT_EQ(queue.operations().size(), 1U);
-    cancelSectionAndWait(queue, Section::logs);
-    go.release();
-    EXPECT_TRUE(runUntil([&] { return queue.operations().empty(); }));
-    EXPECT_FALSE(otherCancelled);
 }
 
 TEST(OperationQueue, HasDroppedAnOperationWhenWaitingForItIsOver) {
