@@ -1,0 +1,325 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <clocale>
+#include <system_error>
+
+#include "engine/operations/FileCleanOperations.h"
+#include "engine/removal/ItemRemoval.h"
+#include "support/ChildProcess.h"
+#include "support/EventLoop.h"
+#include "support/FileSections.h"
+#include "support/FixtureTrees.h"
+#include "support/SubstituteHome.h"
+#include "support/TextPrinting.h"
+#include "trial/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using namespace trial;
+
+using namespace engine;
+namespace fs = std::filesystem;
+
+namespace {
+
+QString systemText(int code) { return QString::fromStdString(std::generic_category().message(code)); }
+
+std::shared_ptr<FFItem> deletable(std::shared_ptr<FFItem> item) {
+    item->setPpbDeletable(true);
+    return item;
+}
+std::shared_ptr<FFItem> at(const fs::path& path) { return deletable(FFItem::initWithPath(path, 1)); }
+std::shared_ptr<FFItem> named(const std::string& name) { return deletable(FFItem::initWithName(name, 1)); }
+
+class CleanOfFiles : public testing::Test {
+protected:
+    CleanOfFiles() {
+        fs::create_directories(caches_);
+        writeFile(home_ / "Documents/letter", "precious");
+    }
+
+    void clean(const ItemArray& items) { clean(items, caches_); }
+    void clean(const ItemArray& items, const std::optional<fs::path>& folder) {
+        removed_.clear();
+        notRemoved_.clear();
+        CChOperation(items, PrivilegedRemover::none()).removeItems(items, folder, removed_, notRemoved_);
+    }
+
+    static fs::path recordOf(const fs::path& item) {
+        return item.parent_path().parent_path() / "info" / (item.filename().native() + ".trashinfo");
+    }
+    static fs::path makeTrashed(const fs::path& item) {
+        writeFile(item / "inner/file", "12345");
+        writeFile(recordOf(item), "[Trash Info]\nPath=/x\n");
+        return item;
+    }
+
+    TemporaryFolder folder_;
+    const fs::path home_ = folder_ / "home";
+    const fs::path caches_ = home_ / "Library/Caches";
+    const fs::path trash_ = home_ / ".local/share/Trash/files";
+    const SubstituteHome system_{home_, {{"BRIMVAULT_TRIAL_ROOT", folder_ / "root"}}};
+    ItemArray removed_;
+    NotRemovedDictionary notRemoved_;
+};
+
+}  // namespace
+
+TEST_F(CleanOfFiles, LeavesWhatItMayNotRemoveSaysWhyAndGoesOn) {
+    for (const char* name : {"unchecked", "undeletable", "zero", "inner/file", "after"}) {
+        writeFile(caches_ / name, "12345");
+    }
+    fs::create_directory_symlink(home_ / "Documents", caches_ / "link");
+    const auto before = fingerprint(caches_, {"after"});
+    ItemArray items = {at(caches_ / "unchecked"), FFItem::initWithPath(caches_ / "undeletable", 5),
+                       deletable(FFItem::initWithPath(caches_ / "zero", 0)), at(caches_ / "link/letter")};
+    items[0]->setPpbChecked(false);
+    const NotRemovedDictionary behindALink = {{QStringLiteral("letter"), systemText(ENOTDIR)}};
+    auto expected = behindALink;
+    const auto documents = (home_ / "Documents").native();
+    for (const auto& name : {"", ".", "..", "inner/file", "../../Documents", "inner/", documents.c_str()}) {
+        items.append(named(name));
+        expected.insert(items.last()->ppdisplayName(), QStringLiteral("Can't remove file"));
+    }
+    items.append(named("after"));
+    clean(items);
+    EXPECT_EQ(notRemoved_, expected);
+    EXPECT_EQ(removed_, ItemArray{items.last()});
+    EXPECT_EQ(fingerprint(caches_), before);
+    clean({named("letter")}, caches_ / "link");
+    EXPECT_EQ(notRemoved_, behindALink);
+    EXPECT_TRUE(fs::exists(home_ / "Documents/letter"));
+}
+
+TEST_F(CleanOfFiles, RemovesByPathAndByNameAndCountsTheVanishedAsRemoved) {
+    writeFile(caches_ / "by path/inner/file", "12345");
+    ItemArray items = {at(caches_ / "by path"), at(caches_ / "vanished"), named("vanished too"),
+                       at(folder_ / "no folder/vanished")};
+    SampleHome::Fingerprint neighbours;
+    for (const auto& name : oddNames()) {
+        const auto neighbour = name.substr(0, 200) + "+";
+        writeFile(caches_ / name / "file", "12345");
+        writeFile(caches_ / neighbour, "");
+        neighbours.emplace(neighbour, "file of 0 bytes: ");
+        items.append(named(name));
+    }
+    clean(items);
+    EXPECT_EQ(removed_, items);
+    EXPECT_TRUE(notRemoved_.isEmpty());
+    EXPECT_EQ(fingerprint(caches_), neighbours);
+    clean({named("letter")}, std::nullopt);
+    EXPECT_EQ(removed_.size(), 1) << "nobody knows where it was";
+}
+
+TEST_F(CleanOfFiles, KeepsATickedFolderAroundAnUntickedItem) {
+    for (const char* file : {"folder/spared", "folder/ticked", "folder 2/file", "folder-3/file"}) {
+        writeFile(caches_ / file, "12345");
+    }
+    const auto ticked = at(caches_ / "folder/ticked");
+    const auto beside = at(caches_ / "folder 2");
+    const auto spared = at(caches_ / "folder/spared");
+    const auto another = at(caches_ / "folder-3/file");
+    const auto whole = at(caches_ / "folder");
+    whole->setPfname("com.a.app");
+    spared->setPpbChecked(false);
+    another->setPpbChecked(false);
+    clean({ticked, beside, spared, another, whole});
+    EXPECT_EQ(removed_, (ItemArray{ticked, beside}));
+    EXPECT_EQ(notRemoved_, (NotRemovedDictionary{{QStringLiteral("com.a.app"),
+                                                  QStringLiteral("It holds something that is not selected")}}));
+    EXPECT_TRUE(fs::exists(caches_ / "folder/spared"));
+    spared->setPpbChecked(true);
+    clean({whole, spared});
+    EXPECT_EQ(removed_, (ItemArray{whole, spared}));
+    EXPECT_FALSE(fs::exists(caches_ / "folder"));
+}
+
+TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
+    const auto agreed = at(caches_ / "agreed");
+    const auto tickedLater = at(caches_ / "ticked later");
+    const auto untickedLater = at(caches_ / "unticked later");
+    const auto folder = at(caches_ / "folder");
+    const ItemArray asked = {agreed, tickedLater, untickedLater, folder};
+    const ItemArray all = asked + ItemArray{at(caches_ / "folder/late"), at(caches_ / "late")};
+    for (const auto& item : all) {
+        item == folder ? void() : writeFile(item->pfpath(), "12345");
+    }
+    tickedLater->setPpbChecked(false);
+    CChOperation operation(all, PrivilegedRemover::none());
+    operation.restrictTo(std::make_shared<const AgreedItems>(asked));
+    tickedLater->setPpbChecked(true);
+    untickedLater->setPpbChecked(false);
+    operation.removeItems(all, caches_, removed_, notRemoved_);
+    EXPECT_EQ(removed_, ItemArray{agreed});
+    EXPECT_EQ(notRemoved_.keys(), QStringList{QStringLiteral("folder")});
+    EXPECT_FALSE(fs::exists(caches_ / "agreed"));
+    for (const char* stays : {"ticked later", "unticked later", "folder/late", "late"}) {
+        EXPECT_TRUE(fs::exists(caches_ / stays)) << stays;
+    }
+}
+
+// The user may not remove the second item, so that the remover decides what becomes of the clean there.
+TEST_F(CleanOfFiles, TellsWhatWentWhenItFailsOrIsGivenUp) {
+    struct SurprisingRemover final : PrivilegedRemover {
+        bool removeFileAtPath(const fs::path& /*path*/) override {
+            surprise();
+            return false;
+        }
+        std::function<void()> surprise;
+    };
+    writeFile(caches_ / "closed/second", "12345");
+    fs::permissions(caches_ / "closed", static_cast<fs::perms>(0555));
+    const ItemArray items = {at(caches_ / "first"), at(caches_ / "closed/second"), at(caches_ / "third")};
+    const auto words = vocabulary(Section::caches);
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        giveToNobody(folder_.path());
+        becomeNobody();
+        for (const bool fails : {true, false}) {
+            writeFile(caches_ / "first", "12345");
+            writeFile(caches_ / "third", "12345");
+            const HeardNotifications heard = {words.cleanFinished};
+            OperationQueue queue(1);
+            SurprisingRemover remover;
+            remover.surprise = [&] { fails ? throw 1 : queue.giveUp([](const auto&) { return true; }); };
+            const auto clean = std::make_shared<CChOperation>(items, remover);
+            queue.addOperation(clean);
+            clean->waitUntilFinished();
+            const bool hasEnded = runUntil([&] { return queue.leftBehind().empty(); });
+            const auto gone = getArrayPropfromNotification<ItemArray>(heard.last(words.cleanFinished), words.arrayKey);
+            if (!hasEnded || heard.names().size() != 1 || gone != ItemArray{items[0]} ||
+                !fs::exists(caches_ / "third")) {
+                return fails ? "failed" : "given up";
+            }
+        }
+        return {};
+    });
+}
+
+TEST_F(CleanOfFiles, LooksForNamesInTheFolderOfTheirSection) {
+    const NotRemovedDictionary expected = {{QStringLiteral(".."), QStringLiteral("Can't remove file")}};
+    const std::pair<Section, fs::path> sections[] = {
+        {Section::downloads, home_ / "Downloads"}, {Section::caches, caches_}, {Section::trash, home_ / ".Trash"}};
+    for (const auto& [section, folder] : sections) {
+        writeFile(folder / "item", "12345");
+        EXPECT_EQ(cleanItems(section, {named("item"), named("..")}), expected);
+        EXPECT_FALSE(fs::exists(folder / "item"));
+    }
+}
+
+TEST_F(CleanOfFiles, TellsTheSystemsReasonInTheUsersLanguage) {
+    constexpr std::size_t tooLong = 300;
+    const auto item = home_ / std::string(tooLong, 'x');
+    const QString inEnglish = removeItemAt(item).reason;
+    EXPECT_EQ(inEnglish, QStringLiteral("File name too long"));
+    if (!fs::exists("/usr/share/locale/de/LC_MESSAGES/libc.mo")) {
+        GTEST_SKIP() << "the system does not speak German: libc-l10n is not installed";
+    }
+    const std::string locale = std::setlocale(LC_ALL, nullptr);
+    const QByteArray languages = qgetenv("LANGUAGE");
+    qputenv("LANGUAGE", "de");
+    std::setlocale(LC_ALL, "C.UTF-8");
+    EXPECT_EQ(removeItemAt(item).reason, QStringLiteral("Der Dateiname ist zu lang"));
+    qputenv("LANGUAGE", languages);
+    std::setlocale(LC_ALL, locale.c_str());
+}
+
+TEST_F(CleanOfFiles, TakesTheRecordOfATrashedItemAlongAndNoOther) {
+    const auto user = std::to_string(::getuid());
+    const std::pair<fs::path, bool> folders[] = {{trash_, true},
+                                                 {folder_ / "volume/.Trash" / user / "files", true},
+                                                 {folder_ / "volume" / (".Trash-" + user) / "files", true},
+                                                 {home_ / "Documents/files", false},
+                                                 {folder_ / "volume/.Trash-4711/files", false},
+                                                 {folder_ / ".Trash/4711/files", false},
+                                                 {home_ / ".local/share/Trash/other", false}};
+    for (const auto& [files, isTrash] : folders) {
+        const auto neighbour = makeTrashed(files / "neighbour");
+        for (const char* name : {"item", "line\nbreak \xff", "item.trashinfo", ".hidden"}) {
+            const auto item = makeTrashed(files / name);
+            EXPECT_TRUE(removeItemAt(item).gone) << item;
+            EXPECT_FALSE(fs::exists(item)) << item;
+            EXPECT_EQ(fs::exists(recordOf(item)), !isTrash) << item;
+        }
+        EXPECT_TRUE(removeItemAt(neighbour / "inner").gone);
+        EXPECT_TRUE(fs::exists(recordOf(neighbour)));
+    }
+}
+
+TEST_F(CleanOfFiles, LeavesARecordThatIsNoPlainFileOrBelongsToAnother) {
+    const auto linked = makeTrashed(trash_ / "linked");
+    fs::rename(recordOf(linked), home_ / "precious");
+    fs::create_symlink(home_ / "precious", recordOf(linked));
+    const auto foldered = makeTrashed(trash_ / "foldered");
+    fs::remove(recordOf(foldered));
+    writeFile(recordOf(foldered) / "file", "12345");
+    const auto bare = makeTrashed(trash_ / "bare");
+    fs::remove(recordOf(bare));
+    const auto goneBefore = makeTrashed(trash_ / "gone before");
+    removeTree(goneBefore);
+    const auto records = fingerprint(home_, {".local/share/Trash/files"});
+    for (const auto& item : {linked, foldered, bare, goneBefore}) {
+        EXPECT_TRUE(removeItemAt(item).gone) << item;
+    }
+    EXPECT_EQ(fingerprint(home_, {".local/share/Trash/files"}), records);
+
+    const auto item = makeTrashed(trash_ / "item");
+    fs::rename(trash_ / "../info", home_ / "elsewhere");
+    fs::create_directory_symlink(home_ / "elsewhere", trash_ / "../info");
+    EXPECT_TRUE(removeItemAt(item).gone);
+    EXPECT_TRUE(fs::exists(home_ / "elsewhere/item.trashinfo")) << "behind a link";
+}
+
+TEST_F(CleanOfFiles, KeepsTheRecordOfWhatCouldNotBeRemoved) {
+    const auto item = makeTrashed(trash_ / "item");
+    fs::permissions(item / "inner", static_cast<fs::perms>(0555));
+    giveToNobody(folder_.path());
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        becomeNobody();
+        const auto removal = removeItemAt(item);
+        if (removal.gone || removal.reason != systemText(EACCES)) {
+            return "answered " + removal.reason.toStdString();
+        }
+        return fs::exists(item / "inner/file") && fs::exists(recordOf(item)) ? "" : "something is gone";
+    });
+}
+
+TEST_F(CleanOfFiles, RefusesTheFoldersOfTheSectionsAndWhatHoldsThem) {
+    const auto root = folder_ / "root";
+    const std::vector<fs::path> folders = {home_ / "Library/Logs",
+                                           home_ / "Library/Application Support/CrashReporter",
+                                           home_ / "Library/Containers",
+                                           root / "Library/Logs",
+                                           root / "Applications",
+                                           trash_,
+                                           trash_ / "../info",
+                                           home_ / ".Trash",
+                                           home_ / "Library/Caches",
+                                           home_ / "Downloads",
+                                           home_ / ".config/com.quorvel.brimvault"};
+    for (const auto& folder : folders) {
+        writeFile(folder / "item/file", "12345");
+    }
+    fs::create_directory_symlink("Logs", home_ / "Library/Link");
+    const auto before = fingerprint(folder_.path());
+    auto refused = folders;
+    for (const auto& holder :
+         {trash_.parent_path(), home_ / ".local", home_ / "Library/Application Support", root, root / "Library",
+          home_ / ".config", home_ / "Library/../Library/Logs/", home_ / "Library", home_, folder_.path()}) {
+        refused.push_back(holder);
+    }
+    for (const auto& folder : refused) {
+        const auto removal = removeItemAt(folder);
+        EXPECT_FALSE(removal.gone) << folder;
+        EXPECT_EQ(removal.reason, QStringLiteral("Can't remove file")) << folder;
+    }
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+    EXPECT_TRUE(removeItemAt(home_ / "Library/Link").gone);  // the link, and not what it points at
+    for (const auto& folder : folders) {
+        EXPECT_TRUE(removeItemAt(folder.lexically_normal() / "item").gone) << folder;
+        EXPECT_TRUE(fs::is_directory(folder)) << folder;
+    }
+}
+
+}  // namespace brimvault::tests
