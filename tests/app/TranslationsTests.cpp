@@ -106,7 +106,7 @@ protected:
         }
         alerts_.answers.push_back(agree);  // that all be ticked, since none is
         Guide::click(scanButton());
-        ASSERT_TRUE(Guide::waitFor([this] { return application_->bScanStarted() && !application_->pbScanning(); }));
+        awaitEndOfScan();
         for (int row = ui::sectionRowCount - 1; row >= 0; --row) {
             clickSection(row);
             listen();
@@ -158,20 +158,15 @@ protected:
 }  // namespace
 
 TEST(Translations, SpeakTheFirstOfTheUsersLanguagesThatThereIs) {
-    const std::pair<const char*, const char*> examples[] = {
-        {"", "en"},
-        {"C", "en"},
-        {"de-DE de-Latn-DE de", "de"},
-        {"de-CH", "de"},
-        {"en-GB de", "en"},
-        {"de en", "de"},
-        {"fr-FR fr de-DE en", "de"},
-        {"nds den", "en"},
-        {"pt-PT pt de", "de"},
-        {"pt-BR de", "pt-BR"},
+    const std::pair<const char*, std::vector<const char*>> examples[] = {
+        {"en", {"", "C", "en-GB de", "nds den"}},
+        {"de", {"de-DE de-Latn-DE de", "de-CH", "de en", "fr-FR fr de-DE en", "pt-PT pt de"}},
+        {"pt-BR", {"pt-BR de"}},
     };
-    for (const auto& [wanted, chosen] : examples) {
-        EXPECT_EQ(Translations::choose(words(wanted), words("de pt-BR")), QLatin1String(chosen)) << wanted;
+    for (const auto& [chosen, manyWanted] : examples) {
+        for (const char* wanted : manyWanted) {
+            EXPECT_EQ(Translations::choose(words(wanted), words("de pt-BR")), QLatin1String(chosen)) << wanted;
+        }
     }
     EXPECT_EQ(Translations::translated(), words("de"));
 }
