@@ -1,18 +1,11 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <functional>
 #include <map>
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "engine/notification/Notifications.h"
-#include "engine/operations/OperationQueue.h"
 #include "langres/CAOperation.h"
 #include "langres/SAOperation.h"
-#include "support/HeardNotifications.h"
+#include "support/FileSections.h"
 #include "trial/SampleHome.h"
 
 namespace brimvault::tests {
@@ -20,13 +13,6 @@ namespace brimvault::tests {
 using namespace trial;
 
 inline const engine::SectionVocabulary resources = engine::vocabulary(engine::Section::languageResources);
-
-/// Runs the operation on a thread of its own, to its end.
-inline void runToEnd(const std::shared_ptr<engine::Operation>& operation) {
-    engine::OperationQueue queue;
-    queue.addOperation(operation);
-    operation->waitUntilFinished();
-}
 
 /// What the finished notification of a scan held.
 inline engine::ApplicationArray listedIn(const HeardNotifications& finished) {

@@ -1,5 +1,3 @@
-#include "langres/CAOperation.h"
-
 #include <gmock/gmock.h>
 #include <sys/mount.h>
 
@@ -16,7 +14,6 @@ namespace brimvault::tests {
 
 using namespace trial;
 
-using engine::ApplicationArray;
 using testing::ElementsAre;
 using testing::Pair;
 using testing::UnorderedElementsAre;
@@ -49,7 +46,7 @@ protected:
         return bundle;
     }
     // The applications that a scan lists, ordered by name.
-    [[nodiscard]] ApplicationArray scanned() const {
+    [[nodiscard]] engine::ApplicationArray scanned() const {
         auto applications = scanApplications(folder_ / "Applications");
         std::sort(applications.begin(), applications.end(),
                   [](const auto& a, const auto& b) { return a->pAppName() < b->pAppName(); });
@@ -65,7 +62,7 @@ protected:
         }
     }
     // Two languages of "Some" are told not to have gone.
-    void expectThatAllStays(const ApplicationArray& applications) const {
+    void expectThatAllStays(const engine::ApplicationArray& applications) const {
         const auto before = fingerprint(folder_.path());
         ToldRemover remover;
         const auto result = runClean(makeClean(applications, english, remover));

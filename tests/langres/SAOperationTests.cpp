@@ -1,5 +1,3 @@
-#include "langres/SAOperation.h"
-
 #include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/xattr.h>

@@ -12,7 +12,6 @@ namespace brimvault::tests {
 using namespace trial;
 
 using engine::ItemArray;
-using engine::NotRemovedDictionary;
 using engine::Section;
 using platform::RootRefusal;
 namespace fs = std::filesystem;
@@ -37,7 +36,7 @@ protected:
 
     ItemArray scan() {
         const HeardNotifications heard = {engine::notification::placesFound};
-        auto items = FileScan(GetParam().section).run().items;
+        auto items = scanSection(GetParam().section).items;
         places_ = engine::getPropfromNotification<engine::Places>(heard.last(engine::notification::placesFound),
                                                                   engine::key::places)
                       .value_or(engine::Places());
@@ -47,9 +46,7 @@ protected:
         return items;
     }
 
-    [[nodiscard]] NotRemovedDictionary clean(const ItemArray& items) const {
-        return cleanItems(GetParam().section, items);
-    }
+    [[nodiscard]] auto clean(const ItemArray& items) const { return cleanItems(GetParam().section, items); }
     [[nodiscard]] bool foundPlace(const fs::path& resolved, RootRefusal refusal) const {
         return std::any_of(places_.begin(), places_.end(), [&](const auto& place) {
             return place->named == link_ && place->resolved == resolved && place->refusal == refusal;

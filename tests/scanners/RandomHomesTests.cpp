@@ -216,10 +216,9 @@ protected:
             Expected expected;
             addByTheRules(expected);
             auto left = fingerprint(folder_.path());
-            FileScan scan(section);
-            const auto result = scan.run();
+            const auto result = scanSection(section);
             EXPECT_EQ(listed(section, result.items), expected.listing);
-            EXPECT_EQ(scan.expectedCount(), expected.count);
+            EXPECT_EQ(result.expectedCount, expected.count);
             EXPECT_THAT(result.percents, testing::Each(testing::AllOf(testing::Ge(0), testing::Le(100))));
             const auto toGo = tickSome(result.items);
             std::erase_if(left, [&](const auto& entry) {
@@ -258,19 +257,19 @@ TEST_F(RandomHomes, CachesAreListedAndCleanedByTheRules) {
 }
 
 TEST_F(RandomHomes, DownloadsAreListedAndCleanedByTheRules) {
-    const auto make = [this] { growRandomly(random_, home_ / "Downloads", 3); };
-    expectByTheRules(Section::downloads, make,
-                     [this](Expected& expected) { addChildren(expected, home_ / "Downloads"); });
+    expectByTheRules(
+        Section::downloads, [this] { growRandomly(random_, home_ / "Downloads", 3); },
+        [this](Expected& expected) { addChildren(expected, home_ / "Downloads"); });
 }
 
 TEST_F(RandomHomes, LogsAreListedAndCleanedByTheRules) {
-    const auto make = [this] { makeLogs(); };
-    expectByTheRules(Section::logs, make, [this](Expected& expected) { addLogs(expected); });
+    expectByTheRules(
+        Section::logs, [this] { makeLogs(); }, [this](Expected& expected) { addLogs(expected); });
 }
 
 TEST_F(RandomHomes, TrashIsListedAndCleanedByTheRules) {
-    const auto make = [this] { makeTrash(); };
-    expectByTheRules(Section::trash, make, [this](Expected& expected) { addTrash(expected); });
+    expectByTheRules(
+        Section::trash, [this] { makeTrash(); }, [this](Expected& expected) { addTrash(expected); });
 }
 
 }  // namespace brimvault::tests

@@ -1,5 +1,3 @@
-#include "scanners/STrshOperation.h"
-
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,8 +5,8 @@
 #include <fstream>
 #include <thread>
 
+#include "support/FileSections.h"
 #include "support/FixtureTrees.h"
-#include "support/ScanRun.h"
 #include "support/SubstituteHome.h"
 #include "trial/TemporaryFolder.h"
 
@@ -41,26 +39,24 @@ protected:
 
     // The paths of the items, or their names where they are addressed by these.
     std::vector<fs::path> scan(const std::string& script = {}, std::chrono::milliseconds limit = 1h) {
-        const auto scan = operation(script, limit);
+        const auto result = runScan(operation(script, limit));
         std::vector<fs::path> found;
         sizes_.clear();
-        for (const auto& item : runScan(scan).items) {
+        for (const auto& item : result.items) {
             found.push_back(item->pfpath().empty() ? item->pfname() : item->pfpath());
             sizes_.push_back(item->pfSize());
         }
-        expectedCount_ = scan->nTopLevelItemsCount();
+        expectedCount_ = result.expectedCount;
         return found;
     }
 
     // A script that prints these entries, each with its zero byte.
-    [[nodiscard]] std::string printing(const std::vector<std::string>& entries) {
-        std::string list;
+    static std::string printing(const std::vector<std::string>& entries) {
+        std::string script = "printf '%s\\0'";
         for (const auto& entry : entries) {
-            list += entry + '\0';
+            script += " '" + entry + "'";
         }
-        const auto file = folder_ / ("list" + std::to_string(++lists_));
-        writeFile(file, list);
-        return "cat '" + file.native() + "'\n";
+        return script + "\n";
     }
 
     static void setSticky(const fs::path& folder, bool sticky = true) {
@@ -74,7 +70,6 @@ protected:
     const std::string user_ = std::to_string(::getuid());
     const SubstituteHome system_{home_, {{"BRIMVAULT_TRIAL_ROOT", root_}}};
     platform::FinderPreferences finder_;
-    int lists_ = 0;
     std::vector<quint64> sizes_;
     qint64 expectedCount_ = -1;
 };
