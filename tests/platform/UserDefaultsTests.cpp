@@ -175,12 +175,10 @@ TEST_F(UserDefaultsTest, NeverLoseAFileThatMayNotBeReadOrMoved) {
 }
 
 TEST_F(UserDefaultsTest, StandInTheUsersOwnConfiguration) {
-    {
-        const SubstituteHome home(folder_.path());
-        EXPECT_EQ(UserDefaults::standardFile(), folder_ / ".config/com.quorvel.brimvault/defaults.ini");
+    for (const auto& [variable, place] : {std::pair("", folder_ / ".config"), {"/somewhere", "/somewhere"}}) {
+        const SubstituteHome home(folder_.path(), {{"XDG_CONFIG_HOME", variable}});
+        EXPECT_EQ(UserDefaults::standardFile(), place / "com.quorvel.brimvault/defaults.ini");
     }
-    const SubstituteHome home(folder_.path(), {{"XDG_CONFIG_HOME", "/somewhere"}});
-    EXPECT_EQ(UserDefaults::standardFile(), "/somewhere/com.quorvel.brimvault/defaults.ini");
 }
 
 }  // namespace brimvault::tests

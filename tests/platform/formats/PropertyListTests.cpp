@@ -6,7 +6,6 @@
 #include <QByteArray>
 
 #include "platform/FinderPreferences.h"
-#include "support/PropertyLists.h"
 #include "support/SubstituteHome.h"
 #include "trial/SampleHome.h"
 #include "trial/TemporaryFolder.h"
@@ -16,10 +15,38 @@ namespace brimvault::tests {
 using namespace trial;
 using namespace std::string_literals;
 
-using platform::FinderPreferences;
 using platform::PropertyList;
 
 namespace {
+
+// A property list in XML: a dictionary with these elements in it.
+std::string xmlDictionary(const std::string& elements) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" + elements + "</dict></plist>\n";
+}
+
+std::string bigEndian(std::uint64_t value, int width) {
+    std::string bytes;
+    for (int byte = width - 1; byte >= 0; --byte) {
+        bytes.push_back(static_cast<char>(value >> (8 * byte) & 0xFFU));
+    }
+    return bytes;
+}
+
+// A binary property list: a dictionary whose only value is the first of these objects, which has number 2. References
+// have two bytes.
+std::string binaryDictionary(const std::string& key, std::vector<std::string> objects) {
+    const std::string length =
+        key.size() < 15 ? std::string(1, static_cast<char>(0x50 + key.size())) : "\x5f\x10" + bigEndian(key.size(), 1);
+    objects.insert(objects.begin(), {"\xd1" + bigEndian(1, 2) + bigEndian(2, 2), length + key});
+    std::string file = "bplist00";
+    std::string offsets;
+    for (const auto& object : objects) {
+        offsets += bigEndian(file.size(), 4);
+        file += object;
+    }
+    return file + offsets + std::string(6, '\0') + "\x04\x02" + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
+           bigEndian(file.size(), 8);
+}
 
 // {"AppleShowAllFiles": true, "a": [1], "n": 0, "r": 0.5, "t": "YES"}
 std::string inBinary() {
@@ -31,11 +58,7 @@ std::string inBinary() {
 }
 
 std::string repeated(int times, const std::string& text) {
-    std::string all;
-    for (int time = 0; time < times; ++time) {
-        all += text;
-    }
-    return all;
+    return QByteArray::fromStdString(text).repeated(times).toStdString();
 }
 
 // An array with so many references to one string.
@@ -187,7 +210,7 @@ TEST_F(PropertyLists, TakesNoFileThatIsMissingNoPlainFileOrTooLarge) {
 TEST(FinderPreferences, AreLookedForUntilTheyAreFoundAndReadAnew) {
     const TemporaryFolder folder;
     const auto file = folder / "Library/Preferences/com.apple.finder.plist";
-    FinderPreferences finder;
+    platform::FinderPreferences finder;
     const SubstituteHome home(folder.path());
     EXPECT_EQ(finder.GetFinderPrefPath(), std::nullopt);
     EXPECT_FALSE(finder.isHiddenFilesVisibleInFinder());

@@ -1,9 +1,9 @@
-#include "platform/InputSources.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
+#include "platform/InputSources.h"
+#include "platform/LocaleIdentifiers.h"
 #include "platform/linux/KeyboardSettings.h"
 #include "support/ChildProcess.h"
 #include "support/HostileFiles.h"
@@ -16,6 +16,7 @@ namespace brimvault::tests {
 
 using namespace trial;
 
+using platform::LocaleIdentifiers;
 namespace fs = std::filesystem;
 
 namespace {
@@ -57,10 +58,9 @@ protected:
         if (!fs::exists("/usr/share/glib-2.0/schemas/org.gnome.desktop.input-sources.gschema.xml")) {
             return cannotTry("the schema of the settings is not installed");
         }
-        const auto settings = folder_ / "settings";
         ::setenv("GSETTINGS_BACKEND", "keyfile", 1);
-        ::setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
-        writeFile(settings / "glib-2.0/settings/keyfile",
+        ::setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
+        writeFile(folder_ / "glib-2.0/settings/keyfile",
                   "[org/gnome/desktop/input-sources]\nsources=" + sources + "\n");
         const auto home = homeOn("ubuntu:GNOME");
         const auto found = platform::currentInputSources().join(QLatin1Char(' ')).toStdString();
@@ -80,6 +80,13 @@ std::string inXfce(const std::string& disabled) {
            disabled +
            "\"/><property name=\"XkbLayout\" value=\"us,ch\"/><property name=\"XkbVariant\" value=\",fr\"/>"
            "</property></channel>\n";
+}
+
+QStringList words(const QString& text) { return text.split(QLatin1Char(' '), Qt::SkipEmptyParts); }
+
+// Of "given=expected".
+std::pair<QString, QString> halves(const QString& example) {
+    return {example.section(QLatin1Char('='), 0, 0), example.section(QLatin1Char('='), 1)};
 }
 
 }  // namespace
@@ -136,8 +143,7 @@ TEST_F(InputSources, AreTheMachinesWhereALibraryWouldReadNoPlainFile) {
     for (const char* file : {".config/xkb/rules/evdev.xml", ".xkb/rules/evdev.xml", ".config/dconf/user",
                              ".config/glib-2.0/settings/keyfile"}) {
         EXPECT_WELL_IN_CHILD([&]() -> std::string {
-            const bool isDatabase = std::string(file).find("dconf") != std::string::npos;
-            ::setenv("GSETTINGS_BACKEND", isDatabase ? "dconf" : "keyfile", 1);
+            ::setenv("GSETTINGS_BACKEND", fs::path(file).filename() == "user" ? "dconf" : "keyfile", 1);
             ::setenv("HOME", home_.c_str(), 1);
             ::unsetenv("XDG_CONFIG_HOME");
             std::string wrong;
@@ -177,9 +183,10 @@ TEST_F(InputSources, SpeakTheLanguageOfTheirCountryOrElseTheirFirst) {
     for (const char* layout :
          {"us=en", "us dvorak=en", "gb=en", "de=de", "de ru=ru", "ru=ru", "br=pt", "pt=pt-PT", "cn=zh-Hans",
           "tw=zh-Hant", "ch=de", "ch fr=fr", "be=nl", "il=he", "no=nb", "ua=uk", "epo=eo"}) {
-        const auto parts = QString::fromLatin1(layout).split(QLatin1Char('='));
-        const auto names = parts[0].split(QLatin1Char(' '));
-        EXPECT_EQ(languagesOf(names[0].toStdString(), names.value(1).toStdString()), QStringList{parts[1]}) << layout;
+        const auto [names, language] = halves(QString::fromLatin1(layout));
+        EXPECT_EQ(languagesOf(names.section(u' ', 0, 0).toStdString(), names.section(u' ', 1).toStdString()),
+                  QStringList{language})
+            << layout;
     }
 }
 
@@ -188,6 +195,77 @@ TEST_F(InputSources, CountEachLanguageOnceAndPassOverLayoutsThatThereAreNot) {
               (QStringList{QStringLiteral("ru"), QStringLiteral("fr"), QStringLiteral("en"), QStringLiteral("de")}));
     EXPECT_EQ(languagesOf("nosuch"), QStringList());
     EXPECT_EQ(languagesOf(""), QStringList());
+}
+
+TEST(LocaleIdentifiers, HaveOneFormForEverySpellingOfALanguage) {
+    const char* const spellings =
+        "English=en, ENGLISH=en, French=fr, Dutch=nl, German=de, Spanish=es, Italian=it, Japanese=ja, Norwegian=nb, "
+        "Brazilian Portuguese=pt, TraditionalChinese=zh-Hant, Traditional Chinese=zh-Hant, SimplifiedChinese=zh-Hans, "
+        "EN=en, en_US=en, en_GB=en-GB, en-gb=en-GB, DE_de=de, deu=de, de_DE.UTF-8=de, de_DE@euro=de, es_ES=es, "
+        "pt_BR=pt, pt_PT=pt-PT, es_419=es-419, sr_Latn=sr-Latn, sr_Cyrl_RS=sr, "
+        "zh=zh-Hans, zh_CN=zh-Hans, zh-Hans_CN=zh-Hans, zh_TW=zh-Hant, zh-Hant_TW=zh-Hant, "
+        "zh_HK=zh-Hant-HK, zh-Hant-HK=zh-Hant-HK, zh_SG=zh-Hans-SG, "
+        "Portuguese (Brazil)=pt, Chinese (Simplified)=zh-Hans, Chinese_Traditional=zh-Hant, "
+        "iw=he, in=id, ji=yi, no=nb, no_NO=nb, nn=nn, "
+        "sr_RS@latin=sr-Latn, sr@latin=sr-Latn, uz_UZ@cyrillic=uz-Cyrl";  // the script is kept
+    for (const QString& example : QString::fromLatin1(spellings).split(QStringLiteral(", "))) {
+        const auto [spelling, canonical] = halves(example);
+        EXPECT_EQ(LocaleIdentifiers::canonicalLocaleIdentifierFromString(spelling), canonical) << example.toStdString();
+    }
+}
+
+TEST(LocaleIdentifiers, StayAsTheyAreWhereTheyAreNone) {
+    for (const char* text : {"", "X", "not a language", "MyFonts", "../..", "de_DE_x", "line\nbreak", "i-klingon", "-",
+                             "de--AT", "\xef\xbf\xbd", "123", "Default"}) {
+        const auto same = QString::fromUtf8(text);
+        EXPECT_EQ(LocaleIdentifiers::canonicalLocaleIdentifierFromString(same), same);
+    }
+}
+
+TEST(LocaleIdentifiers, OfPreferredLanguagesAreEachFollowedByTheirFamilyUnlessTheyAreEnglish) {
+    const char* const examples =
+        "=en, C=en, POSIX=en, C fr_FR=fr, de_AT=de-AT de, en_GB=en-GB, zh_HK=zh-Hant-HK zh-Hant, zh_TW=zh-Hant, "
+        "es_419=es-419 es, es_MX=es-MX es-419 es, es_ES=es, sr_Latn_RS=sr-Latn sr, "
+        "de_DE de en_US de_AT en=de en-US de-AT, de_AT.UTF-8 German de-CH=de-AT de de-CH";
+    for (const QString& example : QString::fromLatin1(examples).split(QStringLiteral(", "))) {
+        const auto [given, preferred] = halves(example);
+        EXPECT_EQ(LocaleIdentifiers::preferredLanguagesFrom(words(given)), words(preferred)) << example.toStdString();
+    }
+}
+
+TEST(LocaleIdentifiers, OfTheDesktopNameNoBareEnglishBetweenThoseThatTheUserNamed) {
+    EXPECT_WELL_IN_CHILD([]() -> std::string {
+        ::setenv("LANGUAGE", "en_US:fr", 1);
+        const auto languages = LocaleIdentifiers::preferredLanguages();
+        if (languages.first() != QLatin1String("en-US")) {
+            return cannotTry("the languages of this process have been read before");
+        }
+        return languages == words(QStringLiteral("en-US fr")) ? "" : languages.join(QLatin1Char(' ')).toStdString();
+    });
+}
+
+TEST(LocaleIdentifiers, HaveNamesInTheReadersLanguageUnlessTheyStandForNone) {
+    const std::tuple<const char*, const char*, const char*> examples[] = {
+        {"de", "en", "German"},
+        {"de", "de-AT", "Deutsch"},
+        {"pt-PT", "de", "Portugiesisch (Portugal)"},
+        {"de", "fr en", "allemand"},
+        {"de", "qqx xx ja", "ドイツ語"},  // of the first that there are names in
+        {"de", "qqx", "German"},
+        {"qqx", "en", ""},
+        {"xx", "en", ""},
+        {"MyFonts", "en", ""},
+        {"", "en", ""},
+        {"not a language", "en", ""},
+    };
+    for (const auto& [identifier, readersLanguages, name] : examples) {
+        EXPECT_EQ(LocaleIdentifiers::displayName(QString::fromLatin1(identifier),
+                                                 words(QString::fromLatin1(readersLanguages))),
+                  QString::fromUtf8(name))
+            << identifier << " for " << readersLanguages;
+    }
+    const auto simplified = LocaleIdentifiers::displayName(QStringLiteral("zh-Hans"), {QStringLiteral("en")});
+    EXPECT_TRUE(simplified.contains(QLatin1String("Simplified")));
 }
 
 }  // namespace brimvault::tests
