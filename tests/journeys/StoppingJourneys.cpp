@@ -11,8 +11,6 @@
 
 namespace brimvault::tests {
 
-using namespace rows;
-
 namespace {
 
 std::shared_ptr<engine::FFItem> deletable(const std::shared_ptr<engine::FFItem>& item) {

@@ -2,12 +2,11 @@
 
 #include <QScrollBar>
 #include <QTextDocument>
+#include <thread>
 
 #include "support/WindowFixture.h"
 
 namespace brimvault::tests {
-
-using namespace rows;
 
 class WindowJourney : public WindowFixture {
 protected:
@@ -15,6 +14,16 @@ protected:
     quint64 total() const {
         return std::accumulate(entries_.begin(), entries_.end(), quint64{0},
                                [](quint64 sum, const auto& entry) { return sum + entry.size; });
+    }
+
+    /// The colour in the middle of the row's picture.
+    [[nodiscard]] QColor shown(const QString& name) const {
+        const QImage view = guide_->list()->viewport()->grab().toImage();
+        const QPoint middle = guide_->list()->visualRect(cell(name, ItemListModel::iconColumn)).center();
+        return view.pixelColor(middle * view.devicePixelRatio());
+    }
+    [[nodiscard]] bool comes(const QString& name, const QColor& colour) const {
+        return Guide::waitFor([&] { return shown(name) == colour; });
     }
 
     const std::vector<SampleHome::Entry> entries_ = home_.cachesSection();
@@ -154,20 +163,14 @@ TEST_F(WindowJourney, TheSelectedItemStaysSelectedAndItsNeighbourTakesItsPlace) 
     Guide::click(lists()->pbtnSelectAll());
     EXPECT_EQ(selected(), photos_);
 
-    const QString next = names().at(guide_->row(photos_) + 1);
-    clickCheckOf(photos_);  // only this one
-    clean();
-    EXPECT_EQ(guide_->row(photos_), -1);
-    EXPECT_EQ(selected(), next);
-
-    // Also when all above it go with it.
+    // Of those above it one stays.
     const QStringList before = names();
     select(before.at(5));
-    for (int above = 0; above <= 5; ++above) {
-        clickCheckOf(before.at(above));
+    for (int row = 1; row <= 5; ++row) {
+        clickCheckOf(before.at(row));
     }
     clean();
-    EXPECT_EQ(names(), before.mid(6));
+    EXPECT_EQ(names(), before.first(1) + before.mid(6));
     EXPECT_EQ(selected(), before.at(6));
 }
 
@@ -196,6 +199,56 @@ TEST_F(WindowJourney, WhereALinkLeadsAndWhyAFolderIsNotLookedIntoIsSaid) {
     EXPECT_TRUE(isSaid(u"No files found"_s));
     EXPECT_FALSE(isSaid(reason)) << "a missing folder is none that is not looked into";
     EXPECT_FALSE(lists()->pbtnClean()->isEnabled());
+}
+
+// The desktop's icons are a matter of the desktop: these are a theme of one.
+TEST_F(WindowJourney, ApplicationsShowTheirOwnAndFilesTheDesktopsIconOfTheirTypeWhereThereIsOne) {
+    writeFile(folder_ / "icons/Trial/index.theme",
+              "[Icon Theme]\nName=Trial\nDirectories=types\n[types]\nSize=24\nContext=MimeTypes\n");
+    fs::create_directories(folder_ / "icons/Trial/types");
+    QImage icon(24, 24, QImage::Format_RGB32);
+    icon.fill(Qt::magenta);
+    ASSERT_TRUE(icon.save(shownPath(folder_ / "icons/Trial/types/package-x-generic.png")));
+    const auto before = std::pair(QIcon::themeName(), QIcon::themeSearchPaths());
+    QIcon::setThemeSearchPaths({shownPath(folder_ / "icons")});
+    QIcon::setThemeName(u"Trial"_s);
+    writeFile(home_.downloads() / "folder.zip/file", "in a folder that is called like an archive");
+    home_.makeApplications();
+    fs::remove(home_.applications() / "Notes.app/Contents/Resources" / SampleHome::iconName);
+
+    start(allScans());
+    clickSectionCheck(downloadsRow);
+    scan();
+    show(downloadsRow);
+    EXPECT_TRUE(comes(u"photos.zip"_s, Qt::magenta));
+    EXPECT_NE(shown(u"invoice.txt"_s), QColor(Qt::magenta));
+    EXPECT_NE(shown(u"folder.zip"_s), QColor(Qt::magenta)) << "a folder looks like a folder";
+    show(languagesRow);
+    EXPECT_TRUE(comes(u"Office Writer"_s, QColor(0x5B, 0x8D, 0xEF)));
+    EXPECT_TRUE(comes(u"Chess"_s, QColor(0x7A, 0x87, 0x98)));
+    EXPECT_NE(shown(u"Notes"_s), QColor(0xF2, 0xB9, 0x3B)) << "its own is missing";
+    select(u"Chess"_s);
+    EXPECT_EQ(shown(u"Chess"_s), QColor(0x7A, 0x87, 0x98)) << "on a selected row as well";
+    QIcon::setThemeSearchPaths(before.second);
+    QIcon::setThemeName(before.first);
+}
+
+TEST_F(WindowJourney, AnItemWithoutAPathLiesInTheFolderOfItsSectionWhichTheMainThreadNeverLooksUp) {
+    std::atomic<int> lookedUpHere = 0;
+    const auto homeFolder = [&, mainThread = std::this_thread::get_id()] {
+        lookedUpHere += std::this_thread::get_id() == mainThread ? 1 : 0;
+        return std::optional(home_.path());
+    };
+    const platform::SubstituteSystem system{
+        {homeFolder, [] { return std::string("trial"); }, [](const char*) { return std::string(); }}};
+    EXPECT_EQ(&ui::UtilMod::sharedUtil(), &util_);
+    const auto item = engine::FFItem::initWithName("found", 1);
+    util_.lookUpFolders();
+    ASSERT_TRUE(Guide::waitFor([&] { return !util_.getFullCachePathToItem(*item).empty(); }));
+    EXPECT_EQ(util_.getFullCachePathToItem(*item), caches() / "found");
+    EXPECT_EQ(util_.getFullDownloadPathToItem(*item), home_.downloads() / "found");
+    EXPECT_EQ(util_.getFullTrashPathToItem(*item), home_.trash() / "found");
+    EXPECT_EQ(lookedUpHere, 0);
 }
 
 }  // namespace brimvault::tests

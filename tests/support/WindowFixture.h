@@ -15,16 +15,13 @@
 #include "engine/model/FileSize.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
-#include "engine/operations/SBaseOperation.h"
 #include "langres/LanguagesManager.h"
 #include "langres/SAOperation.h"
 #include "platform/System.h"
 #include "platform/UserDefaults.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/SChOperation.h"
-#include "scanners/SDwnOperation.h"
 #include "scanners/SLogsOperation.h"
-#include "scanners/STrshOperation.h"
 #include "support/TextPrinting.h"
 #include "trial/Guide.h"
 #include "trial/SampleHome.h"
@@ -46,9 +43,7 @@ namespace fs = std::filesystem;
 inline QString sizeText(quint64 bytes) { return engine::FileSize::formatMemoryStringDot1(bytes); }
 inline QString shownPath(const fs::path& path) { return QString::fromStdString(path.native()); }
 
-namespace rows {
 enum Row : int { cachesRow, languagesRow, logsRow, downloadsRow, trashRow };
-}
 
 /// A key for the widget that has the keyboard.
 inline void type(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
@@ -76,56 +71,48 @@ public:
     std::function<void()> whileOpen;  ///< what happens while a question is open
 };
 
-/// Remembers what it was asked to show, and takes the request or not, as it was told to.
-class ToldFileBrowser final : public platform::FileBrowser {
+/// Remembers what it was asked for, by any thread.
+class Requests {
 public:
-    bool showItem(const std::filesystem::path& path) override { return note("item ", path, answers); }
-    bool showItemProperties(const std::filesystem::path& path) override { return note("properties ", path, answers); }
-    bool openFolder(const std::filesystem::path& folder) override { return note("folder ", folder, opens); }
-
-    void giveUp() override {}
-
     [[nodiscard]] std::vector<std::string> asked() const {
         const std::lock_guard guard(mutex_);
         return asked_;
     }
 
-    std::atomic<bool> answers = true;  ///< to requests to show an item
-    std::atomic<bool> opens = true;    ///< folders
-
-private:
-    bool note(const std::string& what, const std::filesystem::path& path, bool answer) {
+protected:
+    bool note(const std::string& request, bool answer) {
         const std::lock_guard guard(mutex_);
-        asked_.push_back(what + path.native());
+        asked_.push_back(request);
         return answer;
     }
 
+private:
     mutable std::mutex mutex_;
     std::vector<std::string> asked_;
 };
 
-/// Remembers what it was asked to open, and takes it or not, as it was told to.
-class ToldWorkspace final : public platform::Workspace {
+/// Takes what it is asked to show or not, as it was told to.
+class ToldFileBrowser final : public platform::FileBrowser, public Requests {
 public:
-    bool openURL(const std::string& url) override {
-        const std::lock_guard guard(mutex_);
-        opened_.push_back(url);
-        return opens;
-    }
-    void announceStart() override { ++announced; }
+    bool showItem(const fs::path& path) override { return note("item " + path.native(), answers); }
+    bool showItemProperties(const fs::path& path) override { return note("properties " + path.native(), answers); }
+    bool openFolder(const fs::path& folder) override { return note("folder " + folder.native(), opens); }
     void giveUp() override {}
 
-    [[nodiscard]] std::vector<std::string> opened() const {
-        const std::lock_guard guard(mutex_);
-        return opened_;
-    }
+    std::atomic<bool> answers = true;  ///< to requests to show an item
+    std::atomic<bool> opens = true;    ///< folders
+};
+
+/// Takes what it is asked to open or not, as it was told to.
+class ToldWorkspace final : public platform::Workspace, public Requests {
+public:
+    bool openURL(const std::string& url) override { return note(url, opens); }
+    void announceStart() override { ++announced; }
+    void giveUp() override {}
+    [[nodiscard]] std::vector<std::string> opened() const { return asked(); }
 
     std::atomic<bool> opens = true;
     std::atomic<int> announced = 0;
-
-private:
-    mutable std::mutex mutex_;
-    std::vector<std::string> opened_;
 };
 
 /// One without rights, which notes how often it was let ask for them.
@@ -164,25 +151,20 @@ protected:
     engine::ScanTable scans() {
         engine::ScanTable table;
         table.resetShared = [this] { containers_.reset(); };
-        table.operations[engine::Section::caches] = [this] {
-            return std::make_shared<scanners::SChOperation>(containers_);
-        };
+        table.operations[Section::caches] = [this] { return std::make_shared<scanners::SChOperation>(containers_); };
         return table;
     }
-
-    /// The scans of all sections.
+    /// The scans of all sections; what the process has one of would read the home folder of the first test.
     engine::ScanTable allScans() {
-        auto table = scans();
-        table.operations[engine::Section::languageResources] = [this] {
-            return std::make_shared<langres::SAOperation>(folder_ / "root/Applications", home_.path() / "Applications");
+        auto table = app::scanOperations();
+        const auto caches = scans();
+        table.resetShared = caches.resetShared;
+        table.operations[Section::caches] = caches.operations[Section::caches];
+        table.operations[Section::languageResources] = [this] {
+            return std::make_shared<langres::SAOperation>(folder_ / "root/Applications", home_.applications());
         };
-        table.operations[engine::Section::logs] = [this] {
+        table.operations[Section::logs] = [this] {
             return std::make_shared<scanners::SLogsOperation>(containers_, paths_);
-        };
-        table.operations[engine::Section::downloads] = [] { return std::make_shared<scanners::SDwnOperation>(); };
-        table.operations[engine::Section::trash] = [this] {
-            scanners::STrshOperation::Sources sources{.finder = finder_};
-            return std::make_shared<scanners::STrshOperation>(std::move(sources));
         };
         return table;
     }
@@ -287,14 +269,13 @@ protected:
         }}};
     scanners::ContainersFolderScannerManager containers_{home_.containers()};
     scanners::PathsGenerator paths_;
-    platform::FinderPreferences finder_;
     ToldAlerts alerts_;
     ToldFileBrowser fileBrowser_;
     ToldWorkspace workspace_;
     /// The user reads German.
     langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
     ToldRemover remover_;
-    ui::UtilMod util_{alerts_, fileBrowser_, workspace_, finder_, remover_};
+    ui::UtilMod util_{alerts_, fileBrowser_, workspace_, platform::FinderPreferences::shared(), remover_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;
     std::unique_ptr<Guide> guide_;

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <QBitmap>
 #include <QDialog>
 
@@ -9,14 +7,9 @@
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
 
-using namespace brimvault;
-using trial::Guide;
+namespace brimvault::tests {
 
 namespace {
-
-constexpr int languagesRow = 1;
-constexpr int logsRow = 2;
-constexpr int downloadsRow = 3;
 
 bool isTicked(const QModelIndex& check) { return check.data(Qt::CheckStateRole).toInt() == Qt::Checked; }
 
@@ -43,7 +36,7 @@ double brightness(const QColor& colour) {
     return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
 }
 
-class ControlsTest : public tests::WindowFixture {
+class ControlsTest : public WindowFixture {
 protected:
     [[nodiscard]] QModelIndex section(int row) const { return sections()->model()->index(row, 0); }
     // Between the darkest and the brightest of what is written in a row.
@@ -75,7 +68,7 @@ TEST(MCheckCellTest, OneThatIsDisabledDoesNotLookPressed) {
         ui::MCheckCell check{.state = state};
         const auto rest = check.picture();
         check.highlighted = true;
-        EXPECT_EQ(QString(check.picture()), QString(rest) + QStringLiteral("Sel"));
+        EXPECT_EQ(QString(check.picture()), QString(rest) + u"Sel"_s);
         check.enabled = false;
         EXPECT_EQ(check.picture(), rest);
     }
@@ -179,3 +172,5 @@ TEST_F(ControlsTest, TheStatusPanelIsLitWhileThePointerIsOnItAndCanReachIt) {
         end();
     }
 }
+
+}  // namespace brimvault::tests
