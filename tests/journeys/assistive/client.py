@@ -19,15 +19,6 @@ class Moved(Exception):
     """What was looked at went while it was looked at."""
 
 
-def exchange(folder):
-    """Puts another folder in the place of one, with empty files of the same names."""
-    os.rename(folder, folder + ".scanned")
-    os.mkdir(folder)
-    for name in os.listdir(folder + ".scanned"):
-        with open(os.path.join(folder, name), "w", encoding="ascii"):
-            pass
-
-
 def wait_for(what, probe):
     """The first answer of the probe that is not false; fails, naming what was waited for, when none comes."""
     deadline = time.monotonic() + PATIENCE
@@ -67,6 +58,11 @@ def everything(node):
     for child in children(node):
         yield child
         yield from everything(child)
+
+
+def application(name):
+    """The application of that name; None where none runs."""
+    return next((child for child in children(Atspi.get_desktop(0)) if child.get_name() == name), None)
 
 
 def has_state(node, state):
@@ -129,12 +125,8 @@ class Window:
 
     def __init__(self, sections="Sections"):
         self.sections = sections
-        self.application = wait_for("the program", self.running_program)
+        self.application = wait_for("the program", lambda: application("Brimvault"))
         self.frame = wait_for("the window", lambda: find(self.application, "frame", "Brimvault"))
-
-    @staticmethod
-    def running_program():
-        return next((child for child in children(Atspi.get_desktop(0)) if child.get_name() == "Brimvault"), None)
 
     def button(self, name):
         return wait_for(f"button {name!r}", lambda: find(self.frame, "push button", name))
@@ -144,6 +136,9 @@ class Window:
 
     def is_enabled(self, name):
         return has_state(self.button(name), Atspi.StateType.ENABLED)
+
+    def is_idle(self):
+        return find(self.frame, "push button", "Scan") and self.is_enabled("Scan")
 
     def section(self, title):
         return wait_for(f"section {title!r}", lambda: find(find(self.frame, "list", self.sections), "list item", title))

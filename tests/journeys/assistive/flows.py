@@ -14,24 +14,17 @@ import stat
 import sys
 import tempfile
 
-from client import (Atspi, Ear, Window, act, actions, children, everything, exchange, find, has_state, is_showing,
-                    make_home, running, wait_for)
-from gi.repository import Gio
+from client import (Atspi, Ear, Window, act, actions, children, find, has_state, is_showing, make_home, running,
+                    wait_for)
 
 SECTIONS = ("Caches", "Language Resources", "Logs", "Downloads", "Trash")
-LIST_CONTROLS = ("Show Information", "Show in File Manager")
 SURE = "Are you sure you want to  completely delete the selected items?"
-STAYS = "Library/Containers/com.vendor.reader/Data/Library/Logs/kept.log"
 NAME, DESCRIPTION, VALUE = (f"object:property-change:accessible-{what}" for what in ("name", "description", "value"))
 GERMAN_USER = {"LANG": "de_DE.UTF-8", "LC_ALL": "de_DE.UTF-8", "LANGUAGE": "de:en"}
 
 
 class Desk(Window):
     """The window as its user knows it."""
-
-    def labels(self):
-        labels = (part for part in everything(self.frame) if part.get_role_name() == "label")
-        return [label.get_name() for label in labels if is_showing(label)]
 
     def ticked(self, titles=SECTIONS):
         return [title for title in titles if has_state(self.section(title), Atspi.StateType.CHECKED)]
@@ -45,13 +38,6 @@ class Desk(Window):
     def subtitle(self, title):
         return self.section(title).get_description()
 
-    def list_on_show(self):
-        tables = (part for part in everything(self.frame) if part.get_role_name() == "table" and is_showing(part))
-        return next((table.get_name() for table in tables if table.get_name() != "Languages"), None)
-
-    def is_drawer_out(self):
-        return is_showing(find(self.frame, "table", "Languages"))
-
     def select_all(self):
         return find(self.frame, "check box", "Select All")
 
@@ -59,9 +45,6 @@ class Desk(Window):
         """The large text and the small one of the panel below the lists, or the small one alone."""
         bar = self.select_all().get_parent()
         return next(part for part in children(bar) if part.get_name() not in ("Select All", "Clean", "Stop Cleaning"))
-
-    def is_idle(self):
-        return find(self.frame, "push button", "Scan") and self.is_enabled("Scan")
 
 
 def snapshot(home):
@@ -85,55 +68,18 @@ def expect_gone(home, before, gone):
     assert after == right, set(after.items()) ^ set(right.items())
 
 
-def make_outside(folder, asked):
-    """In the place of xdg-open stands a script that notes what it is to open, and the bus starts as file manager one
-    that notes it and fails."""
+def make_opener(folder, asked):
+    """In the place of xdg-open stands a script that notes what it is to open."""
     opener = pathlib.Path(folder, "xdg-open")
     opener.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" >>'{asked}'\n")
     opener.chmod(0o755)
-    name = "org.freedesktop.FileManager1"
-    service = pathlib.Path(os.environ["XDG_RUNTIME_DIR"], f"dbus-1/services/{name}.service")
-    service.write_text(f"[D-BUS Service]\nName={name}\nExec=/bin/sh -c 'echo started >>{asked}; exit 1'\n")
-    bus = "org.freedesktop.DBus"
-    session = Gio.bus_get_sync(Gio.BusType.SESSION)
-    session.call_sync(bus, "/org/freedesktop/DBus", bus, "ReloadConfig", None, None, Gio.DBusCallFlags.NONE, -1)
     return {"PATH": folder + os.pathsep + os.environ["PATH"]}
 
 
-# --- Before the first scan --------------------------------------------------------------------------------------
-
-
 def start_page(desk):
-    assert "Select sections and press Scan button" in desk.labels(), desk.labels()
+    assert is_showing(find(desk.frame, "label", "Select sections and press Scan button"))
     assert [desk.subtitle(title) for title in SECTIONS] == ["Not scanned"] * len(SECTIONS)
-    assert desk.ticked() == ["Caches", "Language Resources", "Logs", "Trash"], desk.ticked()
     assert not is_showing(desk.button("Clean"))
-
-
-def drawer_before_a_scan(desk):
-    languages = desk.button("Languages")
-    assert not is_showing(languages)
-    desk.show_section("Language Resources")
-    wait_for("the languages button", lambda: is_showing(languages))
-    assert has_state(languages, Atspi.StateType.EXPANDABLE) and not has_state(languages, Atspi.StateType.EXPANDED)
-    desk.press("Languages")
-    wait_for("the drawer", desk.is_drawer_out)
-    assert has_state(languages, Atspi.StateType.EXPANDED) and languages.get_description() == "Open"
-    desk.press("Languages")
-    wait_for("a closed drawer", lambda: not desk.is_drawer_out())
-    assert desk.list_on_show() is None
-
-
-# --- Scanning ---------------------------------------------------------------------------------------------------
-
-
-def nothing_to_scan(desk):
-    desk.tick_only()
-    desk.press("Start Scan")
-    text = desk.question_text()
-    assert text == ["No category selected", "You should select category to scan.\nSelect all and scan?"], text
-    desk.answer("OK")
-    wait_for("all sections", lambda: desk.ticked() == list(SECTIONS))
 
 
 def scan_under_way(desk):
@@ -142,28 +88,17 @@ def scan_under_way(desk):
     bar = find(desk.frame, "progress bar", "Scan progress")
     wait_for("four sections of five", lambda: bar.get_value_iface().get_current_value() == 80)
     assert is_showing(bar) and has_state(bar, Atspi.StateType.BUSY)
-    assert not any(desk.is_enabled(name) for name in ("Clean", *LIST_CONTROLS))
-    assert not has_state(desk.select_all(), Atspi.StateType.ENABLED)
-    assert "Toggle" not in actions(desk.section("Caches"))
-    for title in ("Downloads", "Language Resources"):
-        desk.show_section(title)
-        wait_for(f"the list of {title}", lambda: desk.list_on_show() == title)
     desk.press("Stop Scanning")
     wait_for("the scan button", desk.is_idle)
     assert not is_showing(bar)
     wait_for("a list that can be cleaned", lambda: desk.is_enabled("Clean"))
-    assert "Toggle" in actions(desk.section("Caches"))
 
 
 def shown_outside(desk, home, asked):
-    """The bus starts a file manager, which fails, and then a program for folders is asked."""
     desk.show_section("Downloads")
     desk.press("Show in File Manager")
     uri = pathlib.Path(home, "Downloads").as_uri()
     wait_for("the program for folders", lambda: asked.exists() and asked.read_text().split() == ["1", uri])
-    desk.select("Downloads", "invoice.txt")
-    desk.press("Show in File Manager")
-    wait_for("the file manager", lambda: asked.read_text().split() == ["1", uri, "started", "1", uri])
 
 
 def scan_again(desk, ear):
@@ -178,16 +113,12 @@ def scan_again(desk, ear):
     assert ear.most_in_a_second() < 100, ear.most_in_a_second()
 
 
-# --- The list ---------------------------------------------------------------------------------------------------
-
-
 def states_of_select_all(desk, ear):
     def is_mark(state):
         return has_state(desk.select_all(), state)
 
     desk.show_section("Caches")
     rows = wait_for("the caches", lambda: desk.rows("Caches"))
-    wait_for("the mark of all", lambda: is_mark(Atspi.StateType.CHECKED))
     assert rows["com.vendor.mail"][:2] == ("612.3 MB", True), rows
     act(rows["com.vendor.mail"][2], "Toggle")
     wait_for("the news of a tick", lambda: ear.has_told("object:state-changed:checked", "com.vendor.mail"))
@@ -197,19 +128,8 @@ def states_of_select_all(desk, ear):
 
 
 def sorting(desk, ear):
-    """A header says how the rows are sorted, and sorts them."""
-    def headers():
-        table = desk.table("Caches")
-        return {table.get_column_header(column).get_name(): table.get_column_header(column) for column in (0, 2, 3)}
-
-    assert headers()["Name"].get_description() == "Sorted ascending"
-    act(headers()["Size"], "Press")
-    wait_for("another order", lambda: headers()["Size"].get_description() == "Sorted descending")
+    act(desk.table("Caches").get_column_header(3), "Press")
     wait_for("the news of the order", lambda: ear.has_told(DESCRIPTION, "Size"))
-    assert headers()["Name"].get_description() == ""
-
-
-# --- Cleaning ---------------------------------------------------------------------------------------------------
 
 
 def question_before_a_clean(desk):
@@ -223,36 +143,26 @@ def question_before_a_clean(desk):
 
 
 def clean_with_a_report(desk, home, ear):
-    """No question comes any more. The drawer makes room for the report, and nothing behind that can be used."""
+    """No question comes any more."""
     desk.tick_only("Logs")
-    desk.show_section("Logs")
-    container = STAYS.split("/")[2]
-    act(wait_for("the container", lambda: desk.rows("Logs")[container])[2], "Toggle")
-    wait_for("the log with it", lambda: not desk.rows("Logs")["kept.log"][1])
-    act(desk.rows("Logs")["kept.log"][2], "Toggle")
-    wait_for("the log alone", lambda: desk.rows("Logs")["kept.log"][1] and not desk.rows("Logs")[container][1])
-    exchange(os.path.dirname(os.path.join(home, STAYS)))
-    desk.show_section("Language Resources")
-    desk.press("Languages")
-    wait_for("the drawer", desk.is_drawer_out)
+    crashes = f"{home}/Library/Application Support/CrashReporter"
+    os.rename(crashes, crashes + ".scanned")
+    os.mkdir(crashes)
+    open(f"{crashes}/editor_2024.crash", "xb").close()
     ear.heard.clear()
     before = snapshot(home)
     desk.press("Clean")
     sheet = wait_for("the report", lambda: find(desk.frame, "dialog", "Some items were not removed"))
     assert desk.question() == sheet, "a question that was to come no more"
     lines = [line.get_name() for line in children(find(sheet, "list", "Items that were not removed"))]
-    assert lines == ["Logs", "kept.log - Its folder is not the one that was scanned any more"], lines
+    assert lines == ["Logs", "editor_2024.crash - Its folder is not the one that was scanned any more"], lines
     logs = ("com.vendor.browser", "system.log", "backup 2.log", "backup 10.log")
-    gone = [f"{home}/Library/Logs/{name}" for name in logs]
-    expect_gone(home, before, [*gone, f"{home}/Library/Application Support/CrashReporter/editor_2024.crash"])
-    wait_for("a closed drawer", lambda: not desk.is_drawer_out())
+    reader = f"{home}/Library/Containers/com.vendor.reader/Data/Library/Logs"
+    expect_gone(home, before, [*(f"{home}/Library/Logs/{name}" for name in logs), reader])
     wait_for("the progress", lambda: "Clean progress" in ear.names(VALUE, "progress bar"))
-    for name in ("Scan", "Clean", "Languages"):
-        assert not desk.is_enabled(name) and actions(desk.button(name)) == [], name
-    assert [actions(desk.section(title)) for title in SECTIONS] == [[]] * len(SECTIONS)
+    assert not desk.is_enabled("Scan") and actions(desk.button("Scan")) == actions(desk.section("Caches")) == []
     act(find(sheet, "push button", "Close"), "Press")
-    wait_for("the drawer again", desk.is_drawer_out)
-    assert desk.is_idle() and "Press" in actions(desk.button("Scan"))
+    wait_for("the controls again", desk.is_idle)
     summary = desk.status().get_name()
     assert " cleaned, " in summary and summary.endswith(" cleaned in total"), summary
     act(desk.status(), "Press")
@@ -297,22 +207,20 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         home, scratch = os.path.join(folder, "höme 100% #1"), os.path.join(folder, "scratch")
         make_home(sample_home, home)
-        with open(os.path.join(home, STAYS), "w", encoding="ascii") as file:
-            file.write("to be kept")
         os.mkdir(scratch)
         asked = pathlib.Path(folder, "asked")
-        opener = make_outside(folder, asked)
+        opener = make_opener(folder, asked)
         ear = Ear()
         with running([trial_home, home, program], {"TMPDIR": scratch, **opener}):
             desk = Desk()
             start_page(desk)
-            drawer_before_a_scan(desk)
             # The table of mounts of this trial never ends, as one with a volume that does not answer.
             [root] = glob.glob(os.path.join(scratch, "*/root"))
             mounts = os.path.join(root, "proc/self/mountinfo")
             os.makedirs(os.path.dirname(mounts))
             os.mkfifo(mounts)
-            nothing_to_scan(desk)
+            desk.tick_only(*SECTIONS)
+            desk.press("Start Scan")
             scan_under_way(desk)
             os.remove(mounts)
             scan_again(desk, ear)

@@ -9,7 +9,7 @@ import os
 import sys
 import tempfile
 
-from client import Atspi, Window, find, make_home, running, wait_for
+from client import Atspi, Window, make_home, running, wait_for
 
 TO_END = 2.0  # seconds
 CONTROL, Q = 37, 24  # codes of keys
@@ -20,24 +20,21 @@ def stop_and_scan_the_others(window, cleans):
     def note(title):
         return window.section(title).get_description().rpartition(". ")[2]
 
-    def is_idle():
-        return find(window.frame, "push button", "Scan") and window.is_enabled("Scan")
-
     window.press("Start Scan")
     wait_for("a scan under way", lambda: window.is_enabled("Stop Scanning"))
     wait_for("the logs", lambda: window.section("Logs").get_description().endswith(" Selected"))
     window.press("Stop Scanning")
-    wait_for("the controls", is_idle)
+    wait_for("the controls", window.is_idle)
     wait_for("something to clean", lambda: window.is_enabled("Clean"))
     wait_for("that it was stopped", lambda: note("Caches") == "Stopped, nothing found so far")
     if cleans:
         window.press("Clean")
         window.answer("Delete")
         wait_for("the logs to be gone", lambda: note("Logs").endswith(" cleaned"))
-        wait_for("the controls again", is_idle)
+        wait_for("the controls again", window.is_idle)
     window.press("Scan")
     wait_for("that it is left out", lambda: note("Caches") == "Does not answer, skipped")
-    wait_for("the end of the scan", is_idle)
+    wait_for("the end of the scan", window.is_idle)
 
 
 def main():
