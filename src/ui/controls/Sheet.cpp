@@ -57,6 +57,9 @@ Sheet::Sheet(const QSize& defaultSize, QWidget* window)
     });
 }
 
+// The base classes take the focus away and would call this class, which is gone by then.
+Sheet::~Sheet() { disconnect(qApp, nullptr, this, nullptr); }
+
 void Sheet::beginSheet(QWidget* first) {
     focusBefore_ = window()->focusWidget();
     setGeometry(parentWidget()->rect());

@@ -15,6 +15,7 @@ class Sheet : public QWidget {
 public:
     /// The size of the panel in points; a small window makes it smaller.
     Sheet(const QSize& defaultSize, QWidget* window);
+    ~Sheet() override;
 
     /// Slides out; the widget, a child of the panel, gets the focus.
     void beginSheet(QWidget* first);
