@@ -1,8 +1,9 @@
 #pragma once
 
-#include "ui/services/Activity.h"
+#include <QtGlobal>
 
 #include "engine/Section.h"
+#include "ui/services/Activity.h"
 
 class QWidget;
 
