@@ -1,5 +1,6 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <QProcess>
 #include <algorithm>
 #include <numeric>
 #include <random>
@@ -62,6 +63,17 @@ qsizetype countToGo(const Groups& groups, const QStringList& needed) {
         count += unneeded == group.size() ? unneeded - 1 : unneeded;
     }
     return count;
+}
+
+// Bytes of all that is no folder.
+quint64 countedByDu(const fs::path& folder) {
+    QProcess du;
+    du.start(
+        QStringLiteral("sh"),
+        {QStringLiteral("-c"), QStringLiteral("find \"$1\" ! -type d -print0 | du -bc --files0-from=- | tail -n 1"),
+         QStringLiteral("sh"), QString::fromStdString(folder.native())});
+    EXPECT_TRUE(du.waitForFinished());
+    return du.readAllStandardOutput().split('\t').first().toULongLong();
 }
 
 class RandomApplications : public testing::Test {
@@ -193,6 +205,42 @@ TEST_F(RandomApplications, LoseWhatIsCountedAndNothingElseAndNeverAllOfAFolder) 
     }
     EXPECT_GT(applications, 150U);
     EXPECT_GT(gone, 500U);
+}
+
+// Bundles of another desktop, which Debian packages with localizations inside.
+TEST(RealApplications, LoseTheLanguagesThatAreNotKeptAndTheSizesAreThoseOfDu) {
+    const fs::path installed = "/usr/share/GNUstep";
+    const TemporaryFolder folder;
+    for (const char* name : {"AddressManager.app", "Cynthiune.app", "Terminal.app"}) {
+        if (!fs::exists(installed / name)) {
+            GTEST_SKIP() << "there is no " << (installed / name).native();
+        }
+        fs::copy(installed / name, folder / name, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    }
+    std::set<fs::path> localizations;
+    std::vector<fs::path> toGo;
+    for (const auto& entry : fs::recursive_directory_iterator(folder.path())) {
+        if (entry.path().extension() == ".lproj") {
+            localizations.insert(entry.path());
+            if (const auto name = entry.path().stem(); name != "English" && name != "German") {
+                toGo.push_back(entry.path().lexically_relative(folder.path()));
+            }
+        }
+    }
+    const auto left = fingerprint(folder.path(), toGo);
+
+    const auto applications = scanApplications(folder.path());
+    ASSERT_EQ(applications.size(), 3);
+    for (const auto& application : applications) {
+        application->setPpbChecked(true);
+        for (const auto& item : application->pLocalizations()) {
+            EXPECT_EQ(item->nlocSize, countedByDu(item->plocPath)) << item->plocPath;
+            EXPECT_EQ(localizations.erase(item->plocPath), 1U) << item->plocPath;
+        }
+    }
+    EXPECT_THAT(localizations, testing::IsEmpty());
+    (void)runClean(makeClean(applications, {QStringLiteral("en"), QStringLiteral("de")}));
+    EXPECT_EQ(fingerprint(folder.path()), left);
 }
 
 }  // namespace brimvault::tests
