@@ -188,25 +188,27 @@ TEST_F(ApplicationsClean, AsksThePrivilegedRemoverForWhatTheUserMayNotRemoveAndP
           {third, {third / "Contents/Resources/de.lproj"}}},
          {{"2", 1}}},
     };
-    for (const auto& [answer, asked, gone, notCleaned] : examples) {
-        EXPECT_WELL_IN_CHILD([&, how = answer]() -> std::string {
+    for (const auto& example : examples) {
+        EXPECT_WELL_IN_CHILD([&]() -> std::string {
             becomeNobody();
             ToldRemover remover;
             const auto operation = makeClean(applications, english, remover);
             remover.answer = [&](const fs::path& path) {
-                if (how == Answer::thatFails) {
+                if (example.answer == Answer::thatFails) {
                     throw std::runtime_error("a failure");
                 }
-                if (how == Answer::thatCancels) {
+                if (example.answer == Answer::thatCancels) {
                     operation->cancel();
                 }
-                return how == Answer::thatCancels || path.filename() == "fr.lproj";
+                return example.answer == Answer::thatCancels || path.filename() == "fr.lproj";
             };
             const auto result = runClean(operation);
-            if (remover.asked != asked) {
+            if (remover.asked != example.asked) {
                 return "asked " + std::to_string(remover.asked.size()) + " times";
             }
-            return result.posts == 1 && result.gone == gone && result.notCleaned == notCleaned ? "" : "told otherwise";
+            return result.posts == 1 && result.gone == example.gone && result.notCleaned == example.notCleaned
+                       ? ""
+                       : "told otherwise";
         });
     }
 }
