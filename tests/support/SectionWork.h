@@ -19,8 +19,6 @@ class SuppliedScan final : public engine::SBaseOperation {
 public:
     using Work = std::function<engine::ItemArray(SuppliedScan&)>;
     SuppliedScan(engine::Section section, Work work) : SBaseOperation(section), work_(std::move(work)) {}
-    using Operation::stopToken;
-
     using SBaseOperation::stopToken;
 
 protected:

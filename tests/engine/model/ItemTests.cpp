@@ -12,7 +12,7 @@ namespace brimvault::tests {
 
 using namespace engine;
 
-// What real applications lose, and that what is counted goes, is in langres/RandomApplicationsTests.
+// What real applications lose, and that what is counted goes, is in langres/ApplicationsTests.
 
 namespace {
 

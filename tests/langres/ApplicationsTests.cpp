@@ -12,8 +12,8 @@
 #include "support/FixtureTrees.h"
 #include "trial/TemporaryFolder.h"
 
-// Applications made at random: what the program counts for a list of languages, and what a clean then takes from the
-// disk, against a model that looks at the folders by other means than the program's.
+// What the program counts for a list of languages, and what a clean then takes from the disk, of applications made at
+// random and of real ones, compared with what is found in their folders by other means than the program's.
 
 namespace brimvault::tests {
 
