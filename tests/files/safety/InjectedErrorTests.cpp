@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -18,6 +19,7 @@
 #include <sstream>
 
 #include "files/trees/Remove.h"
+#include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 
 namespace brimvault::tests {
@@ -28,8 +30,13 @@ namespace {
 
 constexpr unsigned maxSeconds = 20;  // a removal of some hundred folders takes a second under strace
 
+using Preparation = std::function<std::string()>;  // answers what went wrong
+
 // In the child: stops until strace has attached to it.
-[[noreturn]] void removeWhenContinued(const fs::path& item, int answer) {
+[[noreturn]] void removeWhenContinued(const fs::path& item, int answer, const Preparation& prepare) {
+    if (prepare && !prepare().empty()) {
+        ::_exit(1);
+    }
     ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0);  // where only parents may trace
     ::alarm(maxSeconds);
     ::raise(SIGSTOP);
@@ -60,13 +67,14 @@ struct TracedRemoval {
     std::string trace;                             ///< what strace wrote
 };
 
-// The options say what strace traces and injects. Called while the test has no other threads.
-TracedRemoval removeTraced(const fs::path& item, const std::string& options) {
+// The options say what strace traces and injects; the child prepares itself before. Called while the test has no other
+// threads.
+TracedRemoval removeTraced(const fs::path& item, const std::string& options, const Preparation& prepare = {}) {
     TracedRemoval result;
     std::FILE* answer = std::tmpfile();
     const pid_t child = ::fork();
     if (child == 0) {
-        removeWhenContinued(item, ::fileno(answer));
+        removeWhenContinued(item, ::fileno(answer), prepare);
     }
     ::waitpid(child, &result.status, WUNTRACED);
     const auto command = "exec strace -f -o /dev/stdout -p " + std::to_string(child) + " " + options + " 2>&1";
@@ -329,6 +337,25 @@ TEST_F(InjectedErrors, OfThreadsThatCannotBeStartedDoNotHinder) {
         EXPECT_FALSE(isThere(tree_));
         EXPECT_TRUE(traced.outcome && traced.outcome->end == RemovalEnd::gone);
     }
+}
+
+// As on an old system in a sandbox: nothing tells which mount a folder is on. Nobody may then go into one.
+TEST_F(InjectedErrors, ThatHideAllMountsKeepEveryFolder) {
+    makeSmallTree();
+    const auto hideDescriptors = [] {
+        const auto problem = keepMountsPrivate();
+        return !problem.empty() || ::mount("none", "/proc", "tmpfs", 0, nullptr) == 0 ? problem : "no tmpfs";
+    };
+    const auto traced = removeTraced(tree_,
+                                     "--trace=statx,openat2 --inject=openat2:error=ENOSYS "
+                                     "--inject=statx:poke_exit=@arg5=ff0f0000",  // stx_mask without STATX_MNT_ID
+                                     hideDescriptors);
+    if (!traced.isTraced) {
+        GTEST_SKIP() << "nothing can be traced here: " << traced.trace;
+    }
+    ASSERT_TRUE(traced.outcome && traced.outcome->failure) << traced.trace;
+    EXPECT_EQ(traced.outcome->failure->code, EBUSY) << traced.outcome->failure->text();
+    EXPECT_TRUE(isThere(tree_ / "inner/more/file"));
 }
 
 }  // namespace brimvault::tests
