@@ -8,10 +8,12 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <fstream>
 #include <functional>
 #include <semaphore>
 #include <stdexcept>
 #include <stop_token>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -94,8 +96,10 @@ public:
     }
 
     void letOneThrough() { gate_.release(); }
+    void takeMore() { max_ = WorkPool::maxThreads + 1; }
+    [[nodiscard]] unsigned held() const { return held_; }
 
-    [[nodiscard]] bool hasWork() const noexcept override { return held_ < WorkPool::threadCount(); }
+    [[nodiscard]] bool hasWork() const noexcept override { return held_ < max_; }
     void help() noexcept override {
         ++held_;
         held_.notify_all();
@@ -105,9 +109,20 @@ public:
 
 private:
     const std::stop_token stop_;
+    std::atomic<unsigned> max_ = WorkPool::threadCount();
     std::atomic<unsigned> held_ = 0;
     std::counting_semaphore<> gate_{0};
 };
+
+void awaitSleep(const std::atomic<pid_t>& thread) {
+    thread.wait(0);
+    for (std::string state; state != "S"; std::this_thread::yield()) {
+        std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
+        for (std::string word; status >> word && word != "State:";) {
+        }
+        status >> state;
+    }
+}
 
 // Ends a test that would wait for ever: SIGALRM ends the program.
 class WorkPoolTest : public testing::Test {
@@ -177,6 +192,27 @@ TEST_F(WorkPoolTest, HasAnOwnerThatWaitsHelpWithWorkOfTheSameCaller) {
     WorkPool::shared().helpUntil(awaited, [&] { return isDone.load(); });
     EXPECT_EQ(related.lastHelper(), std::this_thread::get_id());
     EXPECT_EQ(others.lastHelper(), std::thread::id());
+}
+
+// Its owner waits for the helpers to leave, to destroy it. The one that leaves finds more to do, and must not take it.
+TEST_F(WorkPoolTest, GivesNobodyWhatIsBeingWithdrawn) {
+    Barrier barrier;
+    std::atomic<pid_t> owner = 0;
+    const std::jthread withdrawal([&] {
+        owner = ::gettid();
+        owner.notify_all();
+        WorkPool::shared().withdraw(barrier);
+    });
+    awaitSleep(owner);
+    barrier.takeMore();
+    barrier.letOneThrough();
+    while (!WorkPool::shared().hasIdleThread() && barrier.held() == WorkPool::threadCount()) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(barrier.held(), WorkPool::threadCount());
+    for (unsigned count = 1; count < WorkPool::maxThreads; ++count) {
+        barrier.letOneThrough();
+    }
 }
 
 TEST_F(AheadOf, GivesEveryAnswerOnceInOrderOrSaysWhyThereIsNone) {
