@@ -116,6 +116,7 @@ bool KeptFoldersGuard::onWay(const files::DirectoryHandle& folder, const files::
         beginMount();
     }
     mount_ = status.mount;
+    folder_ = status.identity;
     const auto keep = kept_.keepOf(status);
     isNearestParent_ = keep && *keep != Keep::itself;
     nearest_ = isNearestParent_ ? *keep : nearest_;
@@ -129,6 +130,9 @@ void KeptFoldersGuard::beginMount() {
 }
 
 bool KeptFoldersGuard::mayRemoveItem() const {
+    if (expectedFolder_ && folder_ != *expectedFolder_) {
+        return false;
+    }
     switch (nearest_) {
         case Keep::contentsMayGo:
             return true;

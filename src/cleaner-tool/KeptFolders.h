@@ -96,10 +96,12 @@ private:
 ///
 /// At each mount point ownership must be shown again: what an administrator has mounted in a home is not the user's.
 ///
-/// For one removal: the constructor looks the folders up.
+/// For one removal: the constructor looks the folders up. With a folder that the item must lie in, it is that very one,
+/// whatever the path leads to by now.
 class KeptFoldersGuard final : public files::RemovalGuard {
 public:
-    explicit KeptFoldersGuard(KeptFolders& kept) : kept_(kept), isValid_(kept.lookUp()) {}
+    explicit KeptFoldersGuard(KeptFolders& kept, const std::optional<files::FileIdentity>& expectedFolder = {})
+        : kept_(kept), expectedFolder_(expectedFolder), isValid_(kept.lookUp()) {}
 
     [[nodiscard]] bool onWay(const files::DirectoryHandle& folder, const files::NodeStatus& status) override;
     [[nodiscard]] bool mayRemove(const files::NodeStatus& node) override;
@@ -109,7 +111,9 @@ private:
     [[nodiscard]] bool mayRemoveItem() const;
 
     const KeptFolders& kept_;
+    const std::optional<files::FileIdentity> expectedFolder_;
     const bool isValid_;
+    files::FileIdentity folder_;          ///< that the path has come to; in the end the item's
     std::optional<std::uint64_t> mount_;  ///< of the folder that the path has come to
     Keep nearest_ = Keep::everything;     ///< the rule of the nearest listed ancestor
     bool isNearestParent_ = false;        ///< that ancestor is the item's parent

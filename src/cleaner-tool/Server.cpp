@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 #include <thread>
+#include <utility>
 
 #include "cleaner-tool/TrashMove.h"
 #include "files/trees/Remove.h"
@@ -57,11 +58,15 @@ bool Server::handleReceived(std::string_view bytes) {
 
 bool Server::handle(const Message& request) {
     const std::filesystem::path path = request.content;
+    const auto folder = std::exchange(expectedFolder_, std::nullopt);
     switch (request.operation) {
         case Operation::removeFileAtPath:
-            return doAndAnswer([this, path] { return remove(path); });
+            return doAndAnswer([this, path, folder] { return remove(path, folder); });
         case Operation::removeToTrashFileAtPath:
-            return doAndAnswer([this, path] { return recycle(path); });
+            return doAndAnswer([this, path, folder] { return recycle(path, folder); });
+        case Operation::expectFolder:
+            expectedFolder_ = identityIn(request.content);
+            return expectedFolder_.has_value();
         case Operation::keepFolderAtPath:
             return files::isPlainAbsolute(path) && context_.kept.add({path, Keep::itself});
         default:
@@ -69,14 +74,14 @@ bool Server::handle(const Message& request) {
     }
 }
 
-Server::Answer Server::remove(const std::filesystem::path& path) const {
-    KeptFoldersGuard guard(context_.kept);
+Server::Answer Server::remove(const std::filesystem::path& path, const ExpectedFolder& folder) const {
+    KeptFoldersGuard guard(context_.kept, folder);
     const auto outcome = files::remove(path, {}, &guard);
     return outcome.end == files::RemovalEnd::gone ? Answer("") : std::nullopt;
 }
 
-Server::Answer Server::recycle(const std::filesystem::path& path) const {
-    KeptFoldersGuard guard(context_.kept);
+Server::Answer Server::recycle(const std::filesystem::path& path, const ExpectedFolder& folder) const {
+    KeptFoldersGuard guard(context_.kept, folder);
     const auto place = moveToTrash(path, context_.trash, context_.kept.requester(), guard);
     return place ? Answer(place->native()) : std::nullopt;
 }

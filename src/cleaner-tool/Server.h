@@ -37,11 +37,13 @@ private:
     bool handleReceived(std::string_view bytes);
     bool handle(const Message& request);
     bool doAndAnswer(std::function<Answer()> work);
-    [[nodiscard]] Answer remove(const std::filesystem::path& path) const;
-    [[nodiscard]] Answer recycle(const std::filesystem::path& path) const;
+    using ExpectedFolder = std::optional<files::FileIdentity>;
+    [[nodiscard]] Answer remove(const std::filesystem::path& path, const ExpectedFolder& folder) const;
+    [[nodiscard]] Answer recycle(const std::filesystem::path& path, const ExpectedFolder& folder) const;
 
     Context context_;
     MessageReader reader_;
+    ExpectedFolder expectedFolder_;  ///< of the item of the next request
     bool isLeftAtWork_ = false;
 };
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <limits>
 #include <vector>
 
 #include "cleaner-tool/Invocation.h"
@@ -17,7 +19,7 @@ namespace {
 static_assert(sizeof(MessageReader) < maxMessageLength + 64, "it holds one message and nothing else");
 
 constexpr std::size_t lengthSize = 4;
-constexpr unsigned char operations[] = {1, 2, 3, 16, 17, 18, 19};
+constexpr unsigned char operations[] = {1, 2, 3, 4, 16, 17, 18, 19};
 
 // The messages of a stream that arrives in pieces of one length.
 std::vector<Message> readInPieces(const std::string& stream, std::size_t length) {
@@ -111,6 +113,18 @@ TEST(Protocol, RefusesLengthsAndOperationsThatAreNone) {
         for (const std::uint32_t length : {1U, 9U}) {
             EXPECT_EQ(endOf(lengthOf(length) + static_cast<char>(operation)).second, wanted) << operation;
         }
+    }
+}
+
+TEST(Protocol, TellsFoldersByTheirIdentityAlone) {
+    const std::chrono::system_clock::time_point birth(std::chrono::nanoseconds(-1'600'000'000'123'456'789));
+    constexpr auto max = std::numeric_limits<std::uint64_t>::max();
+    for (const auto& identity : {files::FileIdentity{0, 7, {}}, files::FileIdentity{max, max, birth}}) {
+        EXPECT_EQ(identityIn(identityText(identity)), identity);
+    }
+    for (const char* text : {"", "1", "1 ", "1 x", "1 2 ", "1 2 3 4", "1 2 3 ", "1  2", "-1 2", "1 2 3.", " 1 2",
+                             "18446744073709551616 2"}) {
+        EXPECT_EQ(identityIn(text), std::nullopt) << text;
     }
 }
 

@@ -28,7 +28,7 @@ const QStringList english = {QStringLiteral("en")};
 // Keeps what it was asked, and answers as it is told.
 class ToldRemover final : public engine::PrivilegedRemover {
 public:
-    bool removeFileAtPath(const fs::path& path) override {
+    bool removeFileAtPath(const fs::path& path, const Holder& /*folder*/) override {
         asked.push_back(path);
         return answer(path);
     }

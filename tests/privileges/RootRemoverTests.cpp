@@ -19,6 +19,7 @@
 #include "cleaner-tool/protocol/Protocol.h"
 #include "cleaner-tool/protocol/SocketPath.h"
 #include "engine/removal/RootRemover.h"
+#include "files/NodeStatus.h"
 #include "platform/ToolConnection.h"
 #include "privileges/Trial.h"
 #include "support/ChildProcess.h"
@@ -92,7 +93,7 @@ std::function<std::string()> ended(const std::function<bool(ToolConnection& conn
         const pid_t tool = startTool();
         become(user);
         const auto connection = connect();
-        const bool isGreeted = connection->receive(std::chrono::minutes(1)) == *cleaner::encode(Operation::ready, "1");
+        const bool isGreeted = connection->receive(std::chrono::minutes(1)) == *cleaner::encode(Operation::ready, "2");
         return isGreeted && send(*connection) && closes(*connection) && endOf(tool) == "0" ? "" : "it goes on";
     };
 }
@@ -221,7 +222,8 @@ TEST_F(RootRemover, IsNotMistakenForAProgramOfTheUsers) {
 TEST_F(RootRemover, EndsAtWhatIsNoRequest) {
     for (const auto& stream :
          {std::string("GET / HTTP/1.1\r\n\r\n"), *cleaner::encode(Operation::done),
-          *cleaner::encode(Operation::ready, "1"), *cleaner::encode(Operation::keepFolderAtPath, "relative"),
+          *cleaner::encode(Operation::ready, "2"), *cleaner::encode(Operation::keepFolderAtPath, "relative"),
+          *cleaner::encode(Operation::expectFolder, "1"),
           *cleaner::encode(Operation::keepFolderAtPath, "/srv/../run")}) {
         SCOPED_TRACE(stream);
         // What follows it is never read.
@@ -341,6 +343,25 @@ TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
     }));
     EXPECT_EQ(fingerprint("/srv"), before);
     fs::permissions(user.home().parent_path(), static_cast<fs::perms>(0755));
+}
+
+// As while the user is asked: another folder of his is put in the place of the one that the item was found in.
+TEST_F(RootRemover, RemovesFromTheFolderThatWasMeant) {
+    const auto meant = files::statusOf(caches())->identity;
+    const auto away = user.home() / "Library/away";
+    fs::rename(caches(), away);
+    fs::create_directory(caches());
+    ASSERT_EQ(::chown(caches().c_str(), user.number, user.number), 0);
+    makeLockedFolder(user, "item");
+    EXPECT_WELL_IN_CHILD(served([&](Client& client) -> std::string {
+        if (client.removeFileAtPath(caches() / "item", meant) || !client.isConnected()) {
+            return "it removes from another folder";
+        }
+        fs::rename(caches(), user.home() / "Library/other");
+        fs::rename(away, caches());
+        return client.removeFileAtPath(caches() / "item", meant) ? "" : "it refuses";
+    }));
+    EXPECT_TRUE(fs::exists(user.home() / "Library/other/item/0"));
 }
 
 // Keeping a path with a symbolic link of the user's does not reveal whether its target exists.

@@ -119,7 +119,7 @@ public:
 class ToldRemover final : public engine::PrivilegedRemover {
 public:
     void allowAskingUser() override { ++timesLet; }
-    bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
+    bool removeFileAtPath(const std::filesystem::path& /*path*/, const Holder& /*folder*/) override { return false; }
 
     std::atomic<int> timesLet = 0;
 };

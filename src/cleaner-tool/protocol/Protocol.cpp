@@ -1,10 +1,14 @@
 #include "cleaner-tool/protocol/Protocol.h"
 
 #include <algorithm>
+#include <charconv>
+#include <chrono>
 
 namespace brimvault::cleaner {
 
 namespace {
+
+using Nanoseconds = std::chrono::nanoseconds;
 
 constexpr unsigned bitsOfByte = 8;
 
@@ -13,6 +17,7 @@ bool isKnown(unsigned char operation) {
         case Operation::removeFileAtPath:
         case Operation::removeToTrashFileAtPath:
         case Operation::keepFolderAtPath:
+        case Operation::expectFolder:
         case Operation::ready:
         case Operation::working:
         case Operation::done:
@@ -22,7 +27,32 @@ bool isKnown(unsigned char operation) {
     return false;
 }
 
+// Takes the number that the text begins with, and the character after it, from the text. 0 if there is none.
+template <typename Number>
+Number takeNumber(std::string_view& text) {
+    Number number{};
+    const auto* const end = std::from_chars(text.data(), text.data() + text.size(), number).ptr;
+    text.remove_prefix(std::min(static_cast<std::size_t>(end - text.data()) + 1, text.size()));
+    return number;
+}
+
 }  // namespace
+
+std::string identityText(const files::FileIdentity& identity) {
+    const auto text = std::to_string(identity.device) + " " + std::to_string(identity.inode);
+    return identity.born ? text + " " + std::to_string(Nanoseconds(identity.born->time_since_epoch()).count()) : text;
+}
+
+std::optional<files::FileIdentity> identityIn(std::string_view text) {
+    auto rest = text;
+    files::FileIdentity identity;
+    identity.device = takeNumber<std::uint64_t>(rest);
+    identity.inode = takeNumber<std::uint64_t>(rest);
+    if (!rest.empty()) {
+        identity.born.emplace(Nanoseconds(takeNumber<std::int64_t>(rest)));
+    }
+    return identityText(identity) == text ? std::optional(identity) : std::nullopt;
+}
 
 std::optional<std::string> encode(Operation operation, std::string_view content) {
     const std::size_t length = 1 + content.size();

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "files/NodeStatus.h"
+
 namespace brimvault::cleaner {
 
 // The wire protocol between the application and its root remover, over a Unix stream socket.
@@ -25,6 +27,8 @@ enum class Operation : std::uint8_t {
     removeToTrashFileAtPath = 2,  ///< content: an absolute path. Answered with `done` and the new path, or `failed`
     /// Content: an absolute path without "." or ".." of a folder that is never to be removed from now on. Not answered
     keepFolderAtPath = 3,
+    /// Content: which folder the item of the next request must lie in, as `identityText` has it. Not answered
+    expectFolder = 4,
     ready = 16,    ///< content: the version
     working = 17,  ///< no content
     done = 18,
@@ -32,7 +36,12 @@ enum class Operation : std::uint8_t {
 };
 
 /// The protocol's version; both sides must have the same.
-inline constexpr char version = '1';
+inline constexpr char version = '2';
+
+/// A folder's identity as text: device, inode, and the time of birth in nanoseconds where the file system has one.
+[[nodiscard]] std::string identityText(const files::FileIdentity& identity);
+/// None for anything else.
+[[nodiscard]] std::optional<files::FileIdentity> identityIn(std::string_view text);
 
 struct Message {
     Operation operation = Operation::failed;

@@ -35,6 +35,12 @@ files::Result<files::DirectoryHandle> openSame(const std::filesystem::path& path
     return status ? std::move(opened) : files::Result<files::DirectoryHandle>::failed(status.code());
 }
 
+// The folder that is at the path now.
+PrivilegedRemover::Holder identityOf(const std::filesystem::path& folder) {
+    const auto status = files::statusOf(folder);
+    return status ? PrivilegedRemover::Holder(status->identity) : std::nullopt;
+}
+
 QString systemText(const files::Failure& failure) { return QString::fromLocal8Bit(failure.text().c_str()); }
 
 }  // namespace
@@ -103,18 +109,19 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
             return {false, ItemRemoval::withoutSystemText()};
         }
     }
+    const auto holder = folder == nullptr ? identityOf(path.parent_path()) : folderFoundIn_->folder;
     // No stop token: an item that was begun is finished.
     const auto outcome = folder == nullptr ? files::remove(path) : files::removeIn(*folder, path);
     if (outcome.end != files::RemovalEnd::gone &&
         !(isRefusedForRights(*outcome.failure) && !FileManager::isFileLocked(path.parent_path()) &&
-          isStillAt(path.parent_path(), folder) && remover_.removeFileAtPath(path))) {
+          isStillAt(path.parent_path(), folder) && remover_.removeFileAtPath(path, holder))) {
         return {false, systemText(*outcome.failure)};
     }
     removeRecordOf(path);
     return {true, {}};
 }
 
-// The privileged remover takes a path and resolves it again, so the path must still lead to the same folder.
+// The privileged remover resolves the path again, and refuses another folder: then there is no need to ask the user.
 bool ItemRemover::isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const {
     bool isSame = folder == nullptr;
     return isSame || (openSame(path, *folderFoundIn_->folder, isSame) && isSame);

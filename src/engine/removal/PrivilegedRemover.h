@@ -1,6 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+
+#include "files/NodeStatus.h"
 
 namespace brimvault::engine {
 
@@ -15,8 +18,11 @@ public:
     /// Withdraws an open question, and allows none from now on. Any thread.
     virtual void stopAskingUser() {}
 
-    /// True only if nothing is left under the path.
-    [[nodiscard]] virtual bool removeFileAtPath(const std::filesystem::path& path) = 0;
+    /// The folder that an item lies in; none if that is unknown.
+    using Holder = std::optional<files::FileIdentity>;
+    /// True only if nothing is left under the path. The user is asked meanwhile, which takes as long as it takes: if
+    /// the path leads to another folder than the one given by then, nothing is removed.
+    [[nodiscard]] virtual bool removeFileAtPath(const std::filesystem::path& path, const Holder& folder) = 0;
 
     /// One without such rights, which always answers false.
     [[nodiscard]] static PrivilegedRemover& none();
@@ -25,7 +31,9 @@ public:
 inline PrivilegedRemover& PrivilegedRemover::none() {
     class WithoutPrivileges final : public PrivilegedRemover {
     public:
-        bool removeFileAtPath(const std::filesystem::path& /*path*/) override { return false; }
+        bool removeFileAtPath(const std::filesystem::path& /*path*/, const Holder& /*folder*/) override {
+            return false;
+        }
     };
     static WithoutPrivileges remover;
     return remover;

@@ -33,10 +33,10 @@ std::string Remover::generateRootRemoverServerName() {
     return std::string(cleaner::socketNamePrefix) + std::to_string(std::random_device()() % numbers + first);
 }
 
-bool Remover::removeAsRootFileAtPath(const std::filesystem::path& path) {
+bool Remover::removeAsRootFileAtPath(const std::filesystem::path& path, const Holder& folder) {
     const std::lock_guard guard(mutex_);
     auto* remover = getRootRemover();
-    return remover != nullptr && remover->removeFileAtPath(path);
+    return remover != nullptr && remover->removeFileAtPath(path, folder);
 }
 
 std::optional<std::filesystem::path> Remover::recycleAsRootPath(const std::filesystem::path& path) {

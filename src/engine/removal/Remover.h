@@ -35,8 +35,10 @@ public:
 
     void allowAskingUser() override { dependencies_.authorization.setIsNeedAskAuthentication(true); }
     void stopAskingUser() override { dependencies_.authorization.giveUpAsking(); }
-    bool removeFileAtPath(const std::filesystem::path& path) override { return removeAsRootFileAtPath(path); }
-    [[nodiscard]] bool removeAsRootFileAtPath(const std::filesystem::path& path);
+    bool removeFileAtPath(const std::filesystem::path& path, const Holder& folder) override {
+        return removeAsRootFileAtPath(path, folder);
+    }
+    [[nodiscard]] bool removeAsRootFileAtPath(const std::filesystem::path& path, const Holder& folder = {});
 
     /// Disconnects from the root remover, which then ends, and gives the rights back. Before the end of the process.
     void giveUp();

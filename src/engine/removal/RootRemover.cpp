@@ -35,7 +35,11 @@ void RootRemover::keepFolderAtPath(const std::filesystem::path& folder) {
     }
 }
 
-bool RootRemover::removeFileAtPath(const std::filesystem::path& path) {
+bool RootRemover::removeFileAtPath(const std::filesystem::path& path,
+                                   const std::optional<files::FileIdentity>& folder) {
+    if (folder && !(respondsToRemoveFileAtPath() && send(Operation::expectFolder, cleaner::identityText(*folder)))) {
+        return false;
+    }
     return ask(Operation::removeFileAtPath, path).has_value();
 }
 

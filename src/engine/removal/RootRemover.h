@@ -25,7 +25,9 @@ public:
     void keepFolderAtPath(const std::filesystem::path& folder);
 
     /// True if nothing is left under the path. False also if the tool does not answer; the connection is then closed.
-    [[nodiscard]] bool removeFileAtPath(const std::filesystem::path& path);
+    /// With a folder given, the tool refuses unless the path leads to an item of that very one.
+    [[nodiscard]] bool removeFileAtPath(const std::filesystem::path& path,
+                                        const std::optional<files::FileIdentity>& folder = {});
     /// Where in the trash the item is now; none if it was not moved.
     [[nodiscard]] std::optional<std::filesystem::path> removeToTrashFileAtPath(const std::filesystem::path& path);
 

@@ -7,6 +7,7 @@
 
 #include "engine/operations/FileCleanOperations.h"
 #include "engine/removal/ItemRemoval.h"
+#include "files/NodeStatus.h"
 #include "support/ChildProcess.h"
 #include "support/EventLoop.h"
 #include "support/FileSections.h"
@@ -163,11 +164,13 @@ TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
 // The user may not remove the second item, so that the remover decides what becomes of the clean there.
 TEST_F(CleanOfFiles, TellsWhatWentWhenItFailsOrIsGivenUp) {
     struct SurprisingRemover final : PrivilegedRemover {
-        bool removeFileAtPath(const fs::path& /*path*/) override {
+        bool removeFileAtPath(const fs::path& path, const Holder& folder) override {
+            isFolderTold = folder && folder == files::statusOf(path.parent_path())->identity;
             surprise();
             return false;
         }
         std::function<void()> surprise;
+        bool isFolderTold = false;
     };
     writeFile(caches_ / "closed/second", "12345");
     fs::permissions(caches_ / "closed", static_cast<fs::perms>(0555));
@@ -188,7 +191,7 @@ TEST_F(CleanOfFiles, TellsWhatWentWhenItFailsOrIsGivenUp) {
             clean->waitUntilFinished();
             const bool hasEnded = runUntil([&] { return queue.leftBehind().empty(); });
             const auto gone = getArrayPropfromNotification<ItemArray>(heard.last(words.cleanFinished), words.arrayKey);
-            if (!hasEnded || heard.names().size() != 1 || gone != ItemArray{items[0]} ||
+            if (!remover.isFolderTold || !hasEnded || heard.names().size() != 1 || gone != ItemArray{items[0]} ||
                 !fs::exists(caches_ / "third")) {
                 return fails ? "failed" : "given up";
             }

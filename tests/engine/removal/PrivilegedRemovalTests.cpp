@@ -102,7 +102,7 @@ public:
         const auto request = reader_.take();
         tool_.asked.push_back(request->operation);
         tool_.lastPath = request->content;
-        if (request->operation != Operation::keepFolderAtPath) {
+        if (request->operation != Operation::keepFolderAtPath && request->operation != Operation::expectFolder) {
             isBroken_ = !tool_.answers;
             pending_ += *cleaner::encode(Operation::working) + *cleaner::encode(Operation::done, "/in/trash");
         }
@@ -247,14 +247,15 @@ TEST_F(Authorizing, IgnoresTheEndsOfChildrenFromTheFirstStartToTheLastStop) {
 }
 
 TEST_F(RemovingAsRoot, UsesOneToolAndTellsItFirstWhatToKeep) {
-    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    EXPECT_TRUE(remover_.removeAsRootFileAtPath("/a"));
     EXPECT_EQ(told_.asked.front(), Operation::keepFolderAtPath);
     EXPECT_EQ(told_.asked.back(), Operation::removeFileAtPath);
     told_.asked.clear();
-    EXPECT_TRUE(remover_.removeFileAtPath("/b"));
+    EXPECT_TRUE(remover_.removeFileAtPath("/b", files::FileIdentity{1, 2, {}}));
     EXPECT_EQ(told_.lastPath, "/b");
     EXPECT_EQ(remover_.recycleFileAtPath("/c"), "/in/trash");
-    EXPECT_THAT(told_.asked, ElementsAre(Operation::removeFileAtPath, Operation::removeToTrashFileAtPath));
+    EXPECT_THAT(told_.asked,
+                ElementsAre(Operation::expectFolder, Operation::removeFileAtPath, Operation::removeToTrashFileAtPath));
     EXPECT_EQ(told_.met, 1);
     EXPECT_THAT(system_.started,
                 ElementsAre(ElementsAre(lookedFor_.back(), std::to_string(QCoreApplication::applicationPid()))));
@@ -263,29 +264,29 @@ TEST_F(RemovingAsRoot, UsesOneToolAndTellsItFirstWhatToKeep) {
 TEST_F(RemovingAsRoot, WaitsForAToolThatRunsAndStartsAnotherForTheNextRequest) {
     told_.start = 3;
     system_.toolRuns = false;
-    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/a"));
     system_.toolRuns = true;
     system_.isHeld = false;
-    EXPECT_FALSE(remover_.removeFileAtPath("/a")) << "never started";
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/a")) << "never started";
     EXPECT_EQ(remover_.recycleFileAtPath("/a"), std::nullopt);
     EXPECT_EQ(sleeps_, 0);
     system_.isHeld = true;
-    EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/a"));
     EXPECT_EQ(sleeps_, 50);
-    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    EXPECT_TRUE(remover_.removeAsRootFileAtPath("/a"));
     ASSERT_THAT(system_.started, SizeIs(3));
     EXPECT_NE(system_.started[1][0], system_.started[2][0]);
 }
 
 TEST_F(RemovingAsRoot, ReplacesAToolThatBreaksOffAndDoesNotAskItAgainByItself) {
-    EXPECT_FALSE(remover_.removeFileAtPath("/" + std::string(cleaner::maxMessageLength, 'x'))) << "not even sent";
-    EXPECT_TRUE(remover_.removeFileAtPath("/a"));
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/" + std::string(cleaner::maxMessageLength, 'x'))) << "not even sent";
+    EXPECT_TRUE(remover_.removeAsRootFileAtPath("/a"));
     told_.answers = false;
-    EXPECT_FALSE(remover_.removeFileAtPath("/b"));
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/b"));
     EXPECT_EQ(told_.met, 1);
     told_.answers = true;
     told_.asked.clear();
-    EXPECT_TRUE(remover_.removeFileAtPath("/b"));
+    EXPECT_TRUE(remover_.removeAsRootFileAtPath("/b"));
     EXPECT_EQ(told_.met, 2);
     EXPECT_EQ(told_.asked.front(), Operation::keepFolderAtPath);
 }
@@ -295,7 +296,7 @@ TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
          {*cleaner::encode(Operation::ready, "0"), *cleaner::encode(Operation::done, {&cleaner::version, 1}),
           std::string("\xff\xff\xff\xff", 4)}) {
         told_.greeting = greeting;
-        EXPECT_FALSE(remover_.removeFileAtPath("/a"));
+        EXPECT_FALSE(remover_.removeAsRootFileAtPath("/a"));
     }
     EXPECT_THAT(told_.asked, testing::IsEmpty());
 }
