@@ -35,6 +35,16 @@ files::Result<files::DirectoryHandle> openSame(const std::filesystem::path& path
     return status ? std::move(opened) : files::Result<files::DirectoryHandle>::failed(status.code());
 }
 
+// Whether the deepest folder of the path that still exists is on the device.
+bool isOnDevice(std::filesystem::path folder, std::uint64_t device) {
+    auto status = files::statusOf(folder);
+    while (!status && folder.has_relative_path()) {
+        folder = folder.parent_path();
+        status = files::statusOf(folder);
+    }
+    return status && status->identity.device == device;
+}
+
 // The folder that is at the path now.
 PrivilegedRemover::Holder identityOf(const std::filesystem::path& folder) {
     const auto status = files::statusOf(folder);
@@ -66,8 +76,9 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
     if (!leadsThere || (code == 0 && foundIn->folder && !isSameFolder_)) {
         return {false, ItemRemoval::exchangedText()};
     }
-    if (code == ENOENT) {
-        return {true, {}};  // gone together with its folder
+    if (code == ENOENT) {  // gone together with its folder, or out of reach with its disk
+        return isOnDevice(path.parent_path(), foundIn->folder->device) ? ItemRemoval{true, {}}
+                                                                       : ItemRemoval{false, systemText({code, path})};
     }
     return removeNow(path, foundIn->folder ? &*folder_ : nullptr);
 }

@@ -114,6 +114,21 @@ TEST_F(CleanOfFiles, RemovesByPathAndByNameAndCountsTheVanishedAsRemoved) {
     EXPECT_EQ(removed_.size(), 1) << "nobody knows where it was";
 }
 
+// With its folder an item is gone, but not with its disk.
+TEST_F(CleanOfFiles, CountsNothingAsRemovedThatLiesOnADiskWhichIsAway) {
+    const auto device = files::statusOf(folder_.path())->identity.device;
+    ItemArray items;
+    for (const auto deviceOfFolder : {device, device + 1}) {
+        items.append(at(folder_ / "no folder/inner/item"));
+        items.last()->setFoundIn(
+            std::make_shared<const FoundIn>(FoundIn{folder_ / "no folder/inner/", {{deviceOfFolder, 1, {}}}}),
+            FFItem::FoundPathKind::folder);
+    }
+    clean(items);
+    EXPECT_EQ(removed_, ItemArray{items[0]});
+    EXPECT_EQ(notRemoved_.value(QStringLiteral("item")), systemText(ENOENT));
+}
+
 TEST_F(CleanOfFiles, KeepsATickedFolderAroundAnUntickedItem) {
     for (const char* file : {"folder/spared", "folder/ticked", "folder 2/file", "folder-3/file"}) {
         writeFile(caches_ / file, "12345");
