@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <future>
@@ -62,10 +63,10 @@ public:
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [this] { return waiting_ == 0; });
     }
-    void wait() {
+    void wait(std::chrono::milliseconds max = std::chrono::hours(1)) {
         std::unique_lock lock(mutex_);
         ++waiting_;
-        changed_.wait(lock, [this] { return isOpen_; });
+        changed_.wait_for(lock, max, [this] { return isOpen_; });
         --waiting_;
         changed_.notify_all();
     }

@@ -69,7 +69,7 @@ TEST(OperationQueue, GivesUpWhatHangsAndGoesOnWithoutIt) {
     std::optional<OperationQueue> queue(1);
     const auto hanging = work([hang, post](SuppliedWork&) {
         post();
-        hang->wait();
+        hang->wait(OperationQueue::returnTimeout * 6);  // nobody waits for that
         post();
     });
     int completions = 0;
