@@ -298,8 +298,8 @@ void FAppDelegate::showSizes() {
 void FAppDelegate::plashkaPressed() { setPlashkaToSelectedState(!bPlashkaStateSelectedFiles_); }
 
 void FAppDelegate::setPlashkaToSelectedState(bool selected) {
-    if (pbCleanning()) {
-        return;
+    if (pbCleanning() || pbRemoving()) {
+        return;  // nothing else says what is going on
     }
     if (selected) {
         UpdateTextsAboutFreeUpSize();

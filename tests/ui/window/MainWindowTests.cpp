@@ -75,6 +75,10 @@ TEST_F(ActivityTest, TheControlsFollowItThroughAllItsTransitions) {
         const auto number = static_cast<int>(step.activity);
         EXPECT_EQ(usable(), step.usable) << number;
         EXPECT_EQ(going(), step.going) << number;
+        if (application_->pbCleanning() || application_->pbRemoving()) {
+            Guide::click(lists()->plashka());
+            EXPECT_EQ(going(), step.going) << number << ": a click on the panel changes nothing";
+        }
         EXPECT_EQ(window()->sidebar()->pProgressScan()->isAnimated(), application_->pbScanning()) << number;
         EXPECT_EQ(lists()->pProgressClean()->isAnimated(), application_->pbCleanning()) << number;
     }
