@@ -166,6 +166,10 @@ TEST_F(NotCleanedJourney, TheKeyboardStaysInIt) {
     EXPECT_EQ(sheet(), nullptr);
     QTest::keyClick(window()->windowHandle(), Qt::Key_F10);
     EXPECT_TRUE(isMenuOpen());
+    application_->menu().dismiss();
+    report();
+    QTest::keyClick(window()->windowHandle(), Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_FALSE(window()->isVisible()) << "the program ends in front of it as well";
 }
 
 TEST_F(NotCleanedJourney, TheMouseReachesNothingBehindIt) {

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -23,6 +24,15 @@ constexpr qreal shadowStrength = 0.045;
 
 bool takesTab(const QWidget* widget) {
     return widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
+}
+
+// Whether these are the keys by which the window ends the program.
+bool isQuit(const QKeyEvent& keys, const QWidget* window) {
+    const auto actions = window->actions();
+    return std::any_of(actions.begin(), actions.end(), [&keys](const QAction* action) {
+        return action->menuRole() == QAction::QuitRole &&
+               action->shortcuts().contains(QKeySequence(keys.keyCombination()));
+    });
 }
 
 // Nested outlines, fainter from inside to outside.
@@ -143,9 +153,9 @@ bool Sheet::focusNextPrevChild(bool next) {
     return true;
 }
 
-// Keeps the window's shortcuts from working.
+// Keeps the window's shortcuts from working, but for the one that does what the window's own close button still does.
 bool Sheet::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride) {
+    if (event->type() == QEvent::ShortcutOverride && !isQuit(*static_cast<QKeyEvent*>(event), parentWidget())) {
         event->accept();
         return true;
     }

@@ -7,8 +7,8 @@
 namespace brimvault::ui {
 
 /// A modal panel that hangs from the top edge of a window. It dims the window, and the mouse and the keyboard reach
-/// nothing behind it. It is a child widget and no window, since not every desktop lets a program place its windows.
-/// Main thread.
+/// nothing behind it; only the window's action of the role `QuitRole` keeps its shortcut. It is a child widget and no
+/// window, since not every desktop lets a program place its windows. Main thread.
 class Sheet : public QWidget {
     Q_OBJECT
 

@@ -52,6 +52,9 @@ void MainMenu::add(QMenu* menu, MenuAction what, const QList<QKeySequence>& shor
     auto* action = menu->addAction(item.title);
     action->setCheckable(item.checked.has_value());
     action->setShortcuts(shortcuts);
+    if (what == MenuAction::quit) {
+        action->setMenuRole(QAction::QuitRole);
+    }
     menu_->parentWidget()->addAction(action);
     connect(action, &QAction::triggered, this, [this, what] { perform(what); });
     items_.push_back({what, action});
