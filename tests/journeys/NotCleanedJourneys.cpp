@@ -110,10 +110,12 @@ TEST_F(NotCleanedJourney, AStoppedCleanDoesNotClaimTheRest) {
     cleanAndMeanwhile([this] { Guide::click(lists()->pbtnClean()); });
     ASSERT_NE(sheet(), nullptr);
     EXPECT_EQ(sheet()->note(), u"The clean was stopped, so other items may be left as well."_s);
-    type(Qt::Key_Escape);
-    clean();
-    ASSERT_NE(sheet(), nullptr);
-    EXPECT_EQ(sheet()->note(), u"Everything else was cleaned."_s);
+    for (const auto& next : {u"Everything else was cleaned."_s, QString()}) {
+        type(Qt::Key_Escape);
+        clean();
+        ASSERT_NE(sheet(), nullptr);
+        EXPECT_EQ(sheet()->note(), next) << "of the last one nothing has gone";
+    }
 }
 
 TEST_F(NotCleanedJourney, AWindowThatIsClosingShowsNoReportAndRecordsWhatWasFreed) {

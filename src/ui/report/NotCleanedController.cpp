@@ -46,14 +46,25 @@ void NotCleanedController::showNotCleanedInfoPanelModalFor(QWidget* window) {
     if (!shown) {
         makePanel(window);
     }
-    pNotCleanedInfoPanel_->setNote(cleanStopped_ ? tr("The clean was stopped, so other items may be left as well.")
-                                                 : tr("Everything else was cleaned."));
+    pNotCleanedInfoPanel_->setNote(note());
     auto* list = pNotCleanedInfoPanel_->pNotCleanedTView();
     list->setCurrentIndex(index(1));  // the first message
     list->scrollTo(index(0));
     if (!shown) {
         pNotCleanedInfoPanel_->beginSheet(list);
     }
+}
+
+QString NotCleanedController::note() const {
+    switch (cleanEnd_) {
+        case CleanEnd::tookTheRest:
+            return tr("Everything else was cleaned.");
+        case CleanEnd::stopped:
+            return tr("The clean was stopped, so other items may be left as well.");
+        case CleanEnd::tookNothing:
+            break;
+    }
+    return {};
 }
 
 void NotCleanedController::makePanel(QWidget* window) {

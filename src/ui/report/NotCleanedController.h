@@ -21,8 +21,10 @@ public:
     explicit NotCleanedController(QWidget* mainWindow) : mainWindow_(mainWindow) {}
     ~NotCleanedController() override;
 
-    /// Whether the user stopped the clean of the next report.
-    void setCleanStopped(bool stopped) { cleanStopped_ = stopped; }
+    /// How a clean ended: it took all but what the report tells of, or nothing; or the user stopped it.
+    enum class CleanEnd { tookTheRest, tookNothing, stopped };
+    /// How the clean of the next report ended.
+    void setCleanEnd(CleanEnd end) { cleanEnd_ = end; }
     /// Builds the rows from the reasons of each section; `nullopt` is the same as an empty dictionary. If there are
     /// any, the application controller decides when and over which window to show the report; without one it is shown
     /// at once.
@@ -49,13 +51,14 @@ public:
 
 private:
     void makePanel(QWidget* window);
+    [[nodiscard]] QString note() const;
     void copy(const QList<int>& rows) const;
 
     QWidget* mainWindow_;
     QPointer<NotCleanedSheet> pNotCleanedInfoPanel_;  ///< owned by the window while it is shown
     engine::NotCleanedRows rows_;
     SheetCoordinator* pAppDelegate_ = nullptr;
-    bool cleanStopped_ = false;
+    CleanEnd cleanEnd_ = CleanEnd::tookTheRest;
 };
 
 }  // namespace brimvault::ui

@@ -91,6 +91,7 @@ NotCleanedSheet::NotCleanedSheet(QAbstractItemModel* rows, QWidget* window)
 
 void NotCleanedSheet::setNote(const QString& note) {
     note_->setText(note);
+    note_->setVisible(!note.isEmpty());
     setAccessibleDescription(note);
 }
 

@@ -18,6 +18,7 @@ public:
     [[nodiscard]] NotCleanedListView* pNotCleanedTView() const { return pNotCleanedTView_; }
     /// The text below the heading.
     [[nodiscard]] QString note() const { return note_->text(); }
+    /// An empty one takes no room.
     void setNote(const QString& note);
 
 private:

@@ -7,7 +7,8 @@
 namespace brimvault::ui {
 
 void CleanStatistics::cleanFinished(quint64 remaining) {
-    if (lastCleanedSize_ > remaining) {
+    hasFreed_ = lastCleanedSize_ > remaining;
+    if (hasFreed_) {
         addCleanedSizeToDefaults(lastCleanedSize_ - remaining);
         defaults_.increase(defaults_key::cleanNumber);
     }

@@ -16,12 +16,15 @@ public:
     void cleanStarted(quint64 selected) { lastCleanedSize_ = selected; }
     /// It has ended; the bytes are still selected.
     void cleanFinished(quint64 remaining);
+    /// Whether the last clean has freed anything.
+    [[nodiscard]] bool hasFreed() const { return hasFreed_; }
 
 private:
     void addCleanedSizeToDefaults(quint64 freed);
 
     platform::UserDefaults& defaults_;
     quint64 lastCleanedSize_ = 0;
+    bool hasFreed_ = false;
 };
 
 }  // namespace brimvault::ui

@@ -60,6 +60,8 @@ public:
     void setAskingBeforeCleaning(bool ask) { defaults_.setBoolean(defaults_key::suppressRemovalAlert, !ask); }
     /// Records what a clean has freed.
     void cleanFinished();
+    /// Whether the last clean has freed anything.
+    [[nodiscard]] bool hasCleanFreed() const { return statistics_.hasFreed(); }
     /// How a menu is to show the actions of the two main buttons at the moment.
     [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
     /// The check boxes of the sections can be used, or not.

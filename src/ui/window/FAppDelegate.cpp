@@ -237,7 +237,10 @@ void FAppDelegate::mainThreadCleanFinished() {
         return;
     }
     const auto& files = notCleaned_.files;
-    pNotCleanedController_.setCleanStopped(stopped);
+    using End = NotCleanedController::CleanEnd;
+    pNotCleanedController_.setCleanEnd(stopped                            ? End::stopped
+                                       : psectController_.hasCleanFreed() ? End::tookTheRest
+                                                                          : End::tookNothing);
     pNotCleanedController_.updateNotCleanedRusultsApps(notCleaned_.applications, files[Section::downloads],
                                                        files[Section::caches], files[Section::trash],
                                                        files[Section::logs], this);
