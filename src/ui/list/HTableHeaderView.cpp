@@ -3,6 +3,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QtMath>
 
 #include "ui/list/ItemListModel.h"
 #include "ui/look/ImageLoad.h"
@@ -57,6 +58,11 @@ void HTableHeaderCell::draw(QPainter& painter, const QRect& cell, Qt::LayoutDire
                           : pointer == Pointer::over ? look::textPrimary
                                                      : look::textHeader));
     drawTextLine(painter, text, side, font, title);
+}
+
+int HTableHeaderCell::wholeWidth(const QFont& font) const {
+    const int text = qCeil(QFontMetricsF(font).horizontalAdvance(title));
+    return margin + text + arrowGap + ImageLoad::sizeOf(arrow()).toSize().width() + margin;
 }
 
 HTableHeaderView::HTableHeaderView(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {

@@ -19,6 +19,8 @@ struct HTableHeaderCell {
     Pointer pointer = Pointer::elsewhere;
 
     void draw(QPainter& painter, const QRect& cell, Qt::LayoutDirection direction, const QFont& font) const;
+    /// The least width in which the title is whole beside an arrow.
+    [[nodiscard]] int wholeWidth(const QFont& font) const;
 
 private:
     [[nodiscard]] bool isHighlighted() const { return order.has_value() || pointer == Pointer::down; }

@@ -5,6 +5,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <algorithm>
 
 #include "ui/list/HTableHeaderView.h"
 #include "ui/list/ItemListModel.h"
@@ -31,10 +32,14 @@ TTableView::TTableView(QWidget* parent) : CheckTableView(parent) {
 
 void TTableView::setModel(QAbstractItemModel* model) {
     CheckTableView::setModel(model);
+    const auto* header = static_cast<const HTableHeaderView*>(horizontalHeader());
+    const auto fixNumbers = [this, header](int column, int width) {
+        fixWidth(column, std::max(look::scaled(width), header->cell(column).wholeWidth(header->font())));
+    };
     const bool counts = model->columnCount() > ItemListModel::countColumn;
-    fixWidth(ItemListModel::sizeColumn, look::scaled(counts ? narrowSizeColumnWidth : sizeColumnWidth));
+    fixNumbers(ItemListModel::sizeColumn, counts ? narrowSizeColumnWidth : sizeColumnWidth);
     if (counts) {
-        fixWidth(ItemListModel::countColumn, look::scaled(countColumnWidth));
+        fixNumbers(ItemListModel::countColumn, countColumnWidth);
         horizontalHeader()->moveSection(ItemListModel::countColumn, ItemListModel::sizeColumn);
     }
     addSortActions();

@@ -10,8 +10,10 @@
 #include <numeric>
 #include <random>
 
+#include "app/Translations.h"
 #include "engine/model/FFItem.h"
 #include "support/EventLoop.h"
+#include "ui/list/HTableHeaderView.h"
 #include "ui/list/ItemListModel.h"
 #include "ui/list/ItemRowDelegate.h"
 #include "ui/list/RowIcons.h"
@@ -69,6 +71,26 @@ TEST_F(ItemListModelTest, HeadersAreSeenAndReadAndEachButTheIconsSorts) {
         EXPECT_EQ(header(Qt::AccessibleTextRole), example.read);
         model_.sort(example.column, Qt::DescendingOrder);
         EXPECT_EQ(names(), example.largestFirst) << example.read;
+    }
+}
+
+TEST_F(ItemListModelTest, TitlesOfNumbersAreWholeBesideTheArrowAtEveryScale) {
+    for (const char* language : {"en", "de"}) {
+        const app::Translations spoken({QLatin1String(language)});
+        ui::TTableView table;
+        table.setModel(&model_);
+        for (const int column : {ItemListModel::countColumn, ItemListModel::sizeColumn}) {
+            table.horizontalHeader()->setSortIndicator(column, Qt::DescendingOrder);
+            const auto* header = static_cast<const ui::HTableHeaderView*>(table.horizontalHeader());
+            const int width = table.columnWidth(column);
+            const auto drawn = [&](int room) {
+                QImage image(room, 100, QImage::Format_RGB32);
+                QPainter painter(&image);
+                header->cell(column).draw(painter, image.rect(), Qt::LeftToRight, header->font());
+                return image.copy(room - width, 0, width, image.height());
+            };
+            EXPECT_EQ(drawn(width), drawn(3 * width)) << header->cell(column).title.toStdString();
+        }
     }
 }
 
