@@ -68,7 +68,8 @@ void MainWindow::showLists() {
 }
 
 // Coalesces update requests to one per frame (refresh rate): a scan changes something hundreds of times a second. Qt
-// makes no further request until this one is granted, and draws with it what has changed meanwhile.
+// makes no further request until this one is granted, and draws with it what has changed meanwhile. The layout of that
+// may still be queued behind the request; without it a longer text would be drawn in the room of a shorter one.
 bool MainWindow::event(QEvent* event) {
     if (event->type() == QEvent::UpdateRequest) {
         if (!nextFrame_.hasExpired()) {
@@ -76,6 +77,7 @@ bool MainWindow::event(QEvent* event) {
             return true;
         }
         nextFrame_.setRemainingTime(frameTime(screen()), Qt::PreciseTimer);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
     return QMainWindow::event(event);
 }

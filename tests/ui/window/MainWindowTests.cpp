@@ -1,6 +1,7 @@
 // What the window is doing, which of its controls can be used meanwhile, and how often it is drawn.
 
 #include <QElapsedTimer>
+#include <QHBoxLayout>
 #include <QScreen>
 
 #include "support/EventLoop.h"
@@ -106,24 +107,31 @@ TEST_F(ActivityTest, AWindowThatIsClosedMeanwhileGoesAtItsEnd) {
     }
 }
 
-/// Counts how often it is drawn.
-class Counting final : public QWidget {
+/// Counts how often it is drawn, and how often in less room than its text needs.
+class Counting final : public QLabel {
 public:
-    using QWidget::QWidget;
+    using QLabel::QLabel;
     int drawn = 0;
+    int cut = 0;
 
 protected:
-    void paintEvent(QPaintEvent* /*event*/) override { ++drawn; }
+    void paintEvent(QPaintEvent* /*event*/) override {
+        ++drawn;
+        cut += width() < sizeHint().width() ? 1 : 0;
+    }
 };
 
 TEST(MainWindowTest, IsDrawnAsOftenAsItsScreenShowsPicturesHoweverOftenItChanges) {
     ui::MainWindow window;
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    auto* counting = new Counting(window.startPage());
-    counting->resize(10, 10);
-    counting->show();
-    counting->raise();
+    auto* bar = new QWidget(window.startPage());
+    auto* layout = new QHBoxLayout(bar);
+    auto* counting = new Counting(u"i"_s);
+    layout->addWidget(counting);
+    layout->addStretch(1);
+    bar->resize(2000, 40);
+    bar->show();
     ASSERT_TRUE(runUntil([&] { return counting->drawn > 0; }));
 
     constexpr int pictures = 20;
@@ -131,9 +139,12 @@ TEST(MainWindowTest, IsDrawnAsOftenAsItsScreenShowsPicturesHoweverOftenItChanges
     QElapsedTimer clock;
     clock.start();
     ASSERT_TRUE(runUntil([&] {
+        QMetaObject::invokeMethod(
+            counting, [=] { counting->setText(counting->text() + u'i'); }, Qt::QueuedConnection);
         counting->update();
         return counting->drawn == pictures;
     }));
+    EXPECT_EQ(counting->cut, 0) << "a text has its room in the frame that shows it";
     const auto shown = window.screen()->refreshRate() * static_cast<double>(clock.elapsed()) / 1000;
     EXPECT_LE(pictures, shown * 1.1 + 1);
 
