@@ -270,6 +270,10 @@
         <source>%1 cleaned in total</source>
         <translation>Insgesamt %1 entfernt</translation>
     </message>
+    <message>
+        <source>Removing, then closing...</source>
+        <translation>Schließt nach dem Entfernen …</translation>
+    </message>
 </context>
 <context>
     <name>Subtitle</name>

@@ -294,7 +294,7 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
 // Of all sections, whichever list is on show.
 void FAppDelegate::showSizes() {
     statusTexts_.showSizes(psectController_.getSize2CleanALLSel(), performer_.getAppResDS().getSize2CleanALL(),
-                           activity_);
+                           activity_, closeRequested_);
     bPlashkaStateSelectedFiles_ = true;
 }
 
@@ -336,6 +336,7 @@ bool FAppDelegate::mayClose() {
             setActivity(Activity::closing);
         }
         window_->setEnabled(false);
+        UpdateTextsAboutFreeUpSize();
         performer_.cancelScanAll();
         performer_.cancelCleanAll();
         removedAtLastLook_ = files::entriesRemoved();

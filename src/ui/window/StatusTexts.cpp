@@ -7,13 +7,16 @@ namespace brimvault::ui {
 
 using engine::FileSize;
 
-void StatusTexts::showSizes(quint64 selected, quint64 total, Activity activity) {
-    const QString selectedText = selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected);
-    const QString totalText = tr("Selected of %1").arg(FileSize::formatMemoryStringDot1(total));
+// A clean ends soon when the window is closed. A single removal goes on to its end.
+void StatusTexts::showSizes(quint64 selected, quint64 total, Activity activity, bool closes) {
     const Activity work = workOf(activity);
-    plashka_.setTexts(selectedText, work == Activity::cleaning   ? tr("Cleaning...")
-                                    : work == Activity::removing ? tr("Removing...")
-                                                                 : totalText);
+    QString text = tr("Selected of %1").arg(FileSize::formatMemoryStringDot1(total));
+    if (work == Activity::cleaning) {
+        text = tr("Cleaning...");
+    } else if (work == Activity::removing) {
+        text = closes ? tr("Removing, then closing...") : tr("Removing...");
+    }
+    plashka_.setTexts(selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected), text);
 }
 
 void StatusTexts::showHint() { ptxtStartDescClean_.setText(tr("Select sections and press Scan button")); }

@@ -18,8 +18,8 @@ public:
     StatusTexts(PlashkaView& plashka, QLabel& hint, const platform::UserDefaults& defaults)
         : plashka_(plashka), ptxtStartDescClean_(hint), defaults_(defaults) {}
 
-    /// Bytes of what is selected, and of everything; or what is being done to them.
-    void showSizes(quint64 selected, quint64 total, Activity activity);
+    /// Bytes of what is selected, and of everything; or what is being done to them, and that the window then closes.
+    void showSizes(quint64 selected, quint64 total, Activity activity, bool closes);
     /// The hint of the start page.
     void showHint();
     /// What the last clean of this run and all cleans have freed.

@@ -95,11 +95,12 @@ TEST_F(ActivityTest, TheControlsFollowItThroughAllItsTransitions) {
 
 TEST_F(ActivityTest, AWindowThatIsClosedMeanwhileGoesAtItsEnd) {
     for (const auto activity : {Activity::scanning, Activity::cleaning, Activity::removing}) {
-        start();
+        startAndScan();
         application_->setActivity(activity);
         EXPECT_FALSE(window()->close());
         EXPECT_FALSE(window()->isEnabled());
         EXPECT_EQ(application_->activity(), activity) << "it is still under way";
+        EXPECT_EQ(status().endsWith(u"Removing, then closing..."_s), activity == Activity::removing);
         application_->setActivity(Activity::idle);
         EXPECT_EQ(application_->activity(), Activity::closed);
         EXPECT_FALSE(window()->isVisible());
