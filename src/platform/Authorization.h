@@ -24,8 +24,9 @@ public:
     virtual ~Authorization() = default;
 
     /// True when all of the rights are held now. With interaction, the user may be asked for an administrator's
-    /// password; a stop withdraws the question, and the answer is then false. Where a grant holds for one use only,
-    /// true says that the start of the program will ask; the same stop ends that start.
+    /// password; a stop withdraws the question, and the answer is then false. Without, it ends the check likewise.
+    /// Where a grant holds for one use only, true says that the start of the program will ask; the same stop ends that
+    /// start.
     [[nodiscard]] virtual bool copyRights(const std::vector<RightItem>& rights, Interaction interaction,
                                           const std::stop_token& stop) = 0;
     /// Starts the program with the administrator's rights; waits for the user's answer where that is asked for now, but

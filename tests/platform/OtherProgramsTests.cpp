@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <QDBusConnection>
@@ -22,8 +24,10 @@
 #include "platform/ListScript.h"
 #include "platform/QuorvelFallManager.h"
 #include "platform/Workspace.h"
+#include "platform/linux/BusCall.h"
 #include "platform/linux/DefaultProgram.h"
 #include "support/EventLoop.h"
+#include "support/SubstituteHome.h"
 #include "trial/SampleHome.h"
 #include "trial/TemporaryFolder.h"
 
@@ -166,6 +170,41 @@ TEST_F(OnASessionBus, TheStartIsAnnouncedToWhoeverListens) {
     QTimer::singleShot(10s, &listening, [&] { listening.exit(1); });
     const auto announced = std::async(std::launch::async, [] { platform::Workspace::ofSession()->announceStart(); });
     EXPECT_EQ(listening.exec(), 0);
+}
+
+TEST(SilentBus, HoldsUpNeitherACallNorAQuestionNorABroadcast) {
+    using namespace platform;
+    const TemporaryFolder folder;
+    const auto path = (folder / "bus").native();
+    const SubstituteHome home(folder.path(), {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path}});
+    sockaddr_un address{AF_UNIX, {}};
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    std::stop_source stop;
+    const BusRequest ask{"a.b", "/a", "a.b", "C", nullptr};
+    const BusSignal signal{"/a", "a.b", "S", nullptr};
+    const std::function<void()> requests[] = {
+        [&] { EXPECT_EQ(callOnBus(Bus::session, ask, 100ms, {}), nullptr); },
+        [&] { EXPECT_EQ(callOnBus(Bus::session, ask, 24h, {}), nullptr); },
+        [&] {
+            EXPECT_EQ(callOnBus(Bus::session, ask, 24h, {stop.get_token(), &ask}), nullptr);
+        },
+        [&] { broadcastOnBus(Bus::session, signal, 100ms, {}); }};
+    std::vector<std::future<void>> ends;  // outlives the sockets, whose end ends what hangs
+    const files::FileDescriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(::bind(listener.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener.number(), 1), 0);
+    std::vector<files::FileDescriptor> accepted;
+    for (const std::string said : {"", "REJECTED EXTERNAL\r\nOK 00000000000000000000000000000000\r\nERROR\r\n"}) {
+        for (const auto& request : requests) {
+            ends.push_back(std::async(std::launch::async, request));
+            accepted.emplace_back(::accept(listener.number(), nullptr, nullptr));
+            (void)::send(accepted.back().number(), said.data(), said.size(), 0);
+        }
+    }
+    stop.request_stop();
+    for (const auto& end : ends) {
+        EXPECT_EQ(end.wait_for(20s), std::future_status::ready) << "request " << &end - ends.data();
+    }
 }
 
 TEST_F(StartedPrograms, DefaultOpenerAnswersAsItEndsAndAtOnceWhenItIsStopped) {

@@ -22,6 +22,14 @@ struct BusRequest {
     Variant arguments;  ///< a tuple
 };
 
+/// A signal on D-Bus, to whoever listens.
+struct BusSignal {
+    const char* object;
+    const char* interface;
+    const char* name;
+    Variant arguments;  ///< a tuple
+};
+
 /// How a call ends before it is answered.
 struct BusCancellation {
     std::stop_token stop;
@@ -30,13 +38,14 @@ struct BusCancellation {
 
 /// Sends the request on a connection of its own, so that a bus that has come or gone concerns nothing but this request,
 /// and waits for the reply. Null without a bus, for an error, after the timeout, and once a stop is requested, which
-/// ends the wait at once. The timeout counts from the connection, which a bus that accepts and stays silent can hold
-/// up. Any thread but the main one.
+/// ends the wait at once; a withdrawal takes half a second at most. The timeout counts from the beginning of the call,
+/// and connecting has one of 5 seconds besides, so that a bus that accepts and stays silent holds up nobody. Any thread
+/// but the main one.
 [[nodiscard]] Variant callOnBus(Bus bus, const BusRequest& request, std::chrono::milliseconds timeout,
-                                const BusCancellation& cancellation = {});
+                                const BusCancellation& cancellation);
 
-/// Broadcasts a signal likewise. Any thread but the main one.
-void broadcastOnBus(Bus bus, const char* object, const char* interface, const char* signal, const Variant& arguments);
+/// Broadcasts a signal likewise, and returns when the bus has taken it. Any thread but the main one.
+void broadcastOnBus(Bus bus, const BusSignal& signal, std::chrono::milliseconds timeout, const std::stop_token& stop);
 
 /// The arguments of a request or a signal, from a floating reference.
 [[nodiscard]] inline Variant variant(GVariant* floating) { return Variant(g_variant_ref_sink(floating)); }

@@ -41,7 +41,7 @@ namespace {
 
 constexpr const char* launcher = "/usr/bin/pkexec";
 constexpr const char* action = "com.quorvel.brimvault.remove";
-constexpr std::chrono::seconds checkTimeout{5};  // for a check that asks nobody
+constexpr std::chrono::seconds checkTimeout{5};  // for what asks nobody
 constexpr std::chrono::milliseconds noTimeout{std::numeric_limits<int>::max()};
 
 bool isProgram(const std::filesystem::path& path) { return ::access(path.c_str(), X_OK) == 0; }
@@ -141,7 +141,7 @@ public:
         if (!grant_.empty()) {
             const auto request = requestTo("RevokeTemporaryAuthorizationById", g_variant_new("(s)", grant_.c_str()));
             grant_.clear();
-            (void)callOnBus(Bus::system, request, checkTimeout);
+            (void)callOnBus(Bus::system, request, checkTimeout, {});
         }
     }
 
@@ -187,7 +187,7 @@ private:
         const auto request = checkRequest(interaction, question);
         const auto withdrawal = requestTo("CancelCheckAuthorization", g_variant_new("(s)", question));
         const auto reply = mayAsk ? callOnBus(Bus::system, request, noTimeout, {stop, &withdrawal})
-                                  : callOnBus(Bus::system, request, checkTimeout);
+                                  : callOnBus(Bus::system, request, checkTimeout, {stop});
         const auto result = resultIn(reply);
         answers_ = reply != nullptr;
         if (!result) {

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <stop_token>
 
 #include "platform/Workspace.h"
@@ -12,8 +13,11 @@ class SessionWorkspace final : public Workspace {
 public:
     bool openURL(const std::string& url) override { return openWithDefaultProgram(url, stop_.get_token()); }
     void announceStart() override {
-        broadcastOnBus(Bus::session, "/com/quorvel/applications", "com.quorvel.Applications", "ApplicationStarted",
-                       variant(g_variant_new("(s)", "com.quorvel.brimvault")));
+        constexpr std::chrono::seconds timeout{5};
+        broadcastOnBus(Bus::session,
+                       {"/com/quorvel/applications", "com.quorvel.Applications", "ApplicationStarted",
+                        variant(g_variant_new("(s)", "com.quorvel.brimvault"))},
+                       timeout, stop_.get_token());
     }
     void giveUp() override { stop_.request_stop(); }
 
