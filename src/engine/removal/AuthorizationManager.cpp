@@ -43,6 +43,9 @@ void AuthorizationManager::setIsNeedAskAuthentication(bool isNeeded) {
     if (question_.stop_requested()) {
         question_ = std::stop_source();
     }
+    if (stop_.stop_requested()) {
+        stop_ = std::stop_source();
+    }
     m_bIsNeedAskAuthentication_ = isNeeded;
 }
 
@@ -50,6 +53,12 @@ void AuthorizationManager::giveUpAsking() {
     m_bIsNeedAskAuthentication_ = false;
     const std::lock_guard guard(questionMutex_);
     question_.request_stop();
+    stop_.request_stop();
+}
+
+std::stop_token AuthorizationManager::stopToken() {
+    const std::lock_guard guard(questionMutex_);
+    return stop_.get_token();
 }
 
 platform::Authorization* AuthorizationManager::authorizationRef() {
@@ -59,21 +68,22 @@ platform::Authorization* AuthorizationManager::authorizationRef() {
     return m_pAuthorizationRef_.get();
 }
 
-bool AuthorizationManager::isAuthenticated(const ToolPaths& tools) {
+bool AuthorizationManager::isAuthenticated(const ToolPaths& tools, const std::stop_token& stop) {
     auto* reference = authorizationRef();
     const auto rights = rightsFor(tools);
-    return reference != nullptr && !rights.empty() && reference->copyRights(rights, platform::Interaction::none, {});
+    return reference != nullptr && !rights.empty() &&
+           reference->copyRights(rights, platform::Interaction::none, stop) && !stop.stop_requested();
 }
 
-bool AuthorizationManager::authenticate(const ToolPaths& tools) {
-    if (isAuthenticated(tools)) {
+bool AuthorizationManager::authenticate(const ToolPaths& tools, const std::stop_token& stop) {
+    if (isAuthenticated(tools, stop)) {
         return true;
     }
-    if (!m_bIsNeedAskAuthentication_ || askedFor_ == timesAllowed_) {
+    if (stop.stop_requested() || !m_bIsNeedAskAuthentication_ || askedFor_ == timesAllowed_) {
         return false;
     }
     fetchPassword(tools);
-    return isAuthenticated(tools);
+    return isAuthenticated(tools, stop);
 }
 
 // The user is asked once in a clean, whatever the answer: `askedFor_` remembers for which clean, since a right that the
@@ -107,8 +117,8 @@ void AuthorizationManager::deauthenticate() {
 }
 
 bool AuthorizationManager::executeCommand(const std::filesystem::path& tool, const std::vector<std::string>& withArgs,
-                                          CommandType /*andType*/) {
-    if (!authenticate({tool})) {
+                                          CommandType /*andType*/, const std::stop_token& stop) {
+    if (!authenticate({tool}, stop)) {
         return false;
     }
     const auto count = static_cast<std::ptrdiff_t>(std::min(withArgs.size(), maxArguments));

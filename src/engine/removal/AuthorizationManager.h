@@ -27,8 +27,8 @@ public:
 
 /// Obtains the administrator's rights from the user, and starts programs with them; `platform` makes the system calls.
 ///
-/// `setIsNeedAskAuthentication` and `giveUpAsking` may be called by any thread; all else by one thread at a time, and
-/// not by the main thread, since it blocks: the Remover sees to that.
+/// `setIsNeedAskAuthentication`, `giveUpAsking` and `stopToken` may be called by any thread; all else by one thread at
+/// a time, and not by the main thread, since it blocks: the Remover sees to that.
 class AuthorizationManager {
 public:
     using ToolPaths = std::vector<std::filesystem::path>;
@@ -50,10 +50,14 @@ public:
     /// Withdraws an open question, which counts as refused, and allows none until `setIsNeedAskAuthentication`.
     void giveUpAsking();
 
+    /// The stop that `giveUpAsking` requests, for what is begun until then. The functions that take it answer false
+    /// from then on.
+    [[nodiscard]] std::stop_token stopToken();
+
     /// Whether the rights for the tools are held already; asks nobody. False for no tools.
-    [[nodiscard]] bool isAuthenticated(const ToolPaths& tools);
+    [[nodiscard]] bool isAuthenticated(const ToolPaths& tools, const std::stop_token& stop = {});
     /// Whether they are held or, where asking is allowed, could be obtained.
-    [[nodiscard]] bool authenticate(const ToolPaths& tools);
+    [[nodiscard]] bool authenticate(const ToolPaths& tools, const std::stop_token& stop = {});
     /// Asks the user. True if the question was put, whatever the answer.
     bool fetchPassword(const ToolPaths& tools);
     /// Gives the rights back. The destructor does so too.
@@ -61,7 +65,7 @@ public:
     /// Starts the tool with the administrator's rights and at most 19 arguments, and does not wait for it. True if it
     /// was started.
     [[nodiscard]] bool executeCommand(const std::filesystem::path& tool, const std::vector<std::string>& withArgs,
-                                      CommandType andType);
+                                      CommandType andType, const std::stop_token& stop = {});
     /// Whether the tool that was started last still runs. Reaps it if it has ended.
     [[nodiscard]] bool isToolRunning();
 
@@ -85,8 +89,9 @@ private:
     std::atomic<bool> m_bIsNeedAskAuthentication_ = false;
     std::atomic<unsigned> timesAllowed_ = 0;  ///< how often asking was allowed
     unsigned askedFor_ = 0;                   ///< for which of these times the user has been asked
-    std::mutex questionMutex_;                ///< protects `question_`
+    std::mutex questionMutex_;                ///< protects `question_` and `stop_`
     std::stop_source question_;               ///< withdraws the question that is open; stopped while none may be asked
+    std::stop_source stop_;                   ///< stopped by `giveUpAsking` alone
     AuthorizationListener* m_pListener_ = nullptr;
     std::int32_t m_nSignalsIgnoreCountActivated_ = 0;
     std::unique_ptr<platform::ChildSignalAction> m_saOldAction_;  ///< of before the first start

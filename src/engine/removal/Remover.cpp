@@ -33,27 +33,35 @@ std::string Remover::generateRootRemoverServerName() {
     return std::string(cleaner::socketNamePrefix) + std::to_string(std::random_device()() % numbers + first);
 }
 
+// The stop is that of the time when the request comes, not of the time when it has waited for the others.
 bool Remover::removeAsRootFileAtPath(const std::filesystem::path& path, const Holder& folder) {
+    const auto stop = dependencies_.authorization.stopToken();
     const std::lock_guard guard(mutex_);
-    auto* remover = getRootRemover();
+    auto* remover = getRootRemover(stop);
     return remover != nullptr && remover->removeFileAtPath(path, folder);
 }
 
 std::optional<std::filesystem::path> Remover::recycleAsRootPath(const std::filesystem::path& path) {
+    const auto stop = dependencies_.authorization.stopToken();
     const std::lock_guard guard(mutex_);
-    auto* remover = getRootRemover();
+    auto* remover = getRootRemover(stop);
     return remover == nullptr ? std::nullopt : remover->removeToTrashFileAtPath(path);
 }
 
 void Remover::giveUp() {
+    stopAskingUser();
     const std::lock_guard guard(mutex_);
     rootRemover_.reset();
     dependencies_.authorization.deauthenticate();
 }
 
-RootRemover* Remover::getRootRemover() {
+RootRemover* Remover::getRootRemover(const std::stop_token& stop) {
+    if (stop.stop_requested()) {
+        return nullptr;
+    }
     auto* connected = getConnectedRootRemover();
-    return connected != nullptr ? connected : createNewRootRemover();
+    auto* remover = connected != nullptr ? connected : createNewRootRemover(stop);
+    return stop.stop_requested() ? nullptr : remover;
 }
 
 // The root remover accepts one client, once. So the connection is kept, and another is tried only after it has ended.
@@ -75,16 +83,16 @@ RootRemover* Remover::getConnectedRootRemover() {
     return rootRemover_.get();
 }
 
-RootRemover* Remover::createNewRootRemover() {
+RootRemover* Remover::createNewRootRemover(const std::stop_token& stop) {
     (void)dependencies_.authorization.isToolRunning();  // reaps one that has ended
     m_sRootRemoverServerName_ = generateRootRemoverServerName();
     rootRemover_.reset();
     const std::vector<std::string> arguments = {m_sRootRemoverServerName_,
                                                 std::to_string(QCoreApplication::applicationPid())};
-    if (!dependencies_.authorization.executeCommand(dependencies_.tool, arguments, 0)) {
+    if (!dependencies_.authorization.executeCommand(dependencies_.tool, arguments, 0, stop)) {
         return nullptr;
     }
-    for (Duration waited{}; waited < m_nMaxTimeWait; waited += pollInterval) {
+    for (Duration waited{}; waited < m_nMaxTimeWait && !stop.stop_requested(); waited += pollInterval) {
         if (auto* connected = getConnectedRootRemover()) {
             return connected;
         }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 #include "engine/removal/AuthorizationManager.h"
@@ -18,6 +19,8 @@ namespace brimvault::engine {
 /// when it is first needed and used from then on; one that has ended is replaced by another, under another name.
 ///
 /// Any thread but the main one: requests wait for each other, for the user's password, and for the removal itself.
+/// After `stopAskingUser` a request that has waited until then removes nothing, nor does a new one before
+/// `allowAskingUser`.
 class Remover final : public PrivilegedRemover {
 public:
     /// The manager outlives the remover.
@@ -40,7 +43,8 @@ public:
     }
     [[nodiscard]] bool removeAsRootFileAtPath(const std::filesystem::path& path, const Holder& folder = {});
 
-    /// Disconnects from the root remover, which then ends, and gives the rights back. Before the end of the process.
+    /// Stops the requests that wait, disconnects from the root remover, which then ends, and gives the rights back.
+    /// Before the end of the process.
     void giveUp();
 
     /// "com.quorvel.brimvault.BrimvaultCleaner." and a number between 100000 and 999998.
@@ -57,9 +61,10 @@ public:
 private:
     using Duration = std::chrono::milliseconds;
 
-    [[nodiscard]] RootRemover* getRootRemover();
+    /// Null after a stop too.
+    [[nodiscard]] RootRemover* getRootRemover(const std::stop_token& stop);
     [[nodiscard]] RootRemover* getConnectedRootRemover();
-    [[nodiscard]] RootRemover* createNewRootRemover();
+    [[nodiscard]] RootRemover* createNewRootRemover(const std::stop_token& stop);
 
     const Dependencies dependencies_;
     static constexpr std::chrono::seconds m_nMaxTimeWait{5};  ///< timeout for a started root remover to listen

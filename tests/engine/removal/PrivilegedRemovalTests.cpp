@@ -30,6 +30,7 @@ struct System {
     bool toolRuns = true;
     int questions = 0;
     std::function<void()> whileAsked;  ///< what happens while the question is open
+    std::function<void()> whileChecked = [] {};
     int made = 0;
     int given = 0;  ///< back
     std::vector<platform::RightItem> rights;
@@ -42,6 +43,7 @@ public:
     bool copyRights(const std::vector<platform::RightItem>& rights, Interaction interaction,
                     const std::stop_token& stop) override {
         system_.rights = rights;
+        system_.whileChecked();
         if (interaction == Interaction::allowed) {
             ++system_.questions;
             if (system_.whileAsked) {
@@ -251,7 +253,7 @@ TEST_F(RemovingAsRoot, UsesOneToolAndTellsItFirstWhatToKeep) {
     EXPECT_EQ(told_.asked.front(), Operation::keepFolderAtPath);
     EXPECT_EQ(told_.asked.back(), Operation::removeFileAtPath);
     told_.asked.clear();
-    EXPECT_TRUE(remover_.removeFileAtPath("/b", files::FileIdentity{1, 2, {}}));
+    EXPECT_TRUE(remover_.removeAsRootFileAtPath("/b", files::FileIdentity{1, 2, {}}));
     EXPECT_EQ(told_.lastPath, "/b");
     EXPECT_EQ(remover_.recycleFileAtPath("/c"), "/in/trash");
     EXPECT_THAT(told_.asked,
@@ -299,6 +301,16 @@ TEST_F(RemovingAsRoot, UsesNoToolOfAnotherVersionNorOneThatSaysSomethingElse) {
         EXPECT_FALSE(remover_.removeAsRootFileAtPath("/a"));
     }
     EXPECT_THAT(told_.asked, testing::IsEmpty());
+}
+
+TEST_F(RemovingAsRoot, BeginsNothingAfterAStopUntilItIsAllowedAgain) {
+    system_.whileChecked = [this] { (remover_.stopAskingUser(), remover_.allowAskingUser()); };
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/a")) << "the stop is of this request, though another may begin";
+    EXPECT_TRUE(system_.started.empty() && system_.questions == 0);
+    system_.whileChecked = [] {};
+    EXPECT_TRUE(remover_.removeAsRootFileAtPath("/a"));
+    remover_.stopAskingUser();
+    EXPECT_FALSE(remover_.removeAsRootFileAtPath("/b"));
 }
 
 TEST(NamesOfRootRemovers, HaveSixDigitsInTheRangeThatIsDrawnFrom) {
