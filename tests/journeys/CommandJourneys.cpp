@@ -1,5 +1,7 @@
 // What the menu offers and when, what comes of it, and the question of a clean.
 
+#include "engine/notification/Notifications.h"
+#include "support/HeardNotifications.h"
 #include "support/WindowFixture.h"
 #include "ui/controls/AlertWindow.h"
 #include "ui/window/AboutWC.h"
@@ -207,9 +209,11 @@ TEST_F(QuestionJourney, SaysOnItsButtonsWhatTheyDoAndDeletesOnlyWhenTold) {
 TEST_F(QuestionJourney, NothingGoesWhoseWindowIsClosedUnderIt) {
     startAndScan();
     const auto before = fingerprint(home_.path());
+    const HeardNotifications heard = {engine::notification::cleanFinished};
     alerts_.whileOpen = [this] { EXPECT_TRUE(window()->close()); };
     pressClean();
-    EXPECT_FALSE(application_->pbCleanning());
+    quit();  // which waits for a clean
+    EXPECT_EQ(heard.names(), QStringList());
     EXPECT_EQ(fingerprint(home_.path()), before);
 }
 
