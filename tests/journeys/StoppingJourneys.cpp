@@ -255,7 +255,7 @@ TEST_F(StoppingJourney, ThePanelSpeaksOfItsOwnSection) {
     clickSection(logsRow);
     EXPECT_TRUE(isSaid(u"Not Scanned"_s)) << "it is not being scanned";
     clickSection(trashRow);
-    EXPECT_NE(guide_->list(), nullptr);
+    ASSERT_TRUE(Guide::waitFor([this] { return guide_->list() != nullptr; }));
     EXPECT_FALSE(isSaid(u"Scanning..."_s) || isSaid(u" so far"_s)) << "its scan has ended";
     Guide::click(scanButton());
     EXPECT_EQ(note(cachesRow), u"Stopped, nothing found so far"_s);
