@@ -60,6 +60,53 @@
     </message>
 </context>
 <context>
+    <name>ItemNote</name>
+    <message>
+        <source>May hold work that exists nowhere else</source>
+        <translation>Enthält womöglich Arbeit, die es nirgends sonst gibt</translation>
+    </message>
+    <message>
+        <source>Holds content kept for use without a connection</source>
+        <translation>Enthält Inhalte für die Nutzung ohne Verbindung</translation>
+    </message>
+    <message>
+        <source>You may have to sign in again</source>
+        <translation>Eine neue Anmeldung kann nötig werden</translation>
+    </message>
+    <message>
+        <source>Takes long to make again</source>
+        <translation>Es dauert lange, das neu zu erzeugen</translation>
+    </message>
+    <message>
+        <source>Will be downloaded again: %1</source>
+        <translation>Wird erneut heruntergeladen: %1</translation>
+    </message>
+    <message>
+        <source>%1 is running and uses it</source>
+        <translation>%1 läuft und benutzt es</translation>
+    </message>
+    <message>
+        <source>The desktop session uses it; best removed just before logging out</source>
+        <translation>Die Sitzung benutzt es; am besten kurz vor dem Abmelden entfernen</translation>
+    </message>
+    <message>
+        <source>Holds working copies of source code</source>
+        <translation>Enthält Arbeitskopien von Quelltext</translation>
+    </message>
+    <message>
+        <source>A record of log-ins or of installed software</source>
+        <translation>Aufzeichnung von Anmeldungen oder installierter Software</translation>
+    </message>
+    <message>
+        <source>Shares its space with other folders; removing it frees about %1</source>
+        <translation>Teilt sich den Platz mit anderen Ordnern; Entfernen gibt etwa %1 frei</translation>
+    </message>
+    <message>
+        <source>Is emptied, because %1 still writes to it</source>
+        <translation>Wird geleert, weil %1 noch hineinschreibt</translation>
+    </message>
+</context>
+<context>
     <name>Languages</name>
     <message>
         <source>Kept</source>

@@ -63,6 +63,11 @@ std::string FFItem::pathBytes() const {
     return foundPathKind_ == FoundPathKind::folder ? foundIn_->path + nameBytes() : foundIn_->path;
 }
 
+const ItemDetails& FFItem::details() const {
+    static const ItemDetails none;
+    return details_ == nullptr ? none : *details_;
+}
+
 std::filesystem::path FFItem::location() const {
     return foundIn_ != nullptr && foundPathKind_ == FoundPathKind::sectionFolder ? foundIn_->path + nameBytes()
                                                                                  : pathBytes();

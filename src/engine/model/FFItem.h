@@ -5,10 +5,12 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "engine/ItemArrays.h"
 #include "engine/model/CleanableItem.h"
 #include "engine/model/FoundIn.h"
+#include "engine/model/ItemNote.h"
 #include "files/NodeStatus.h"
 
 namespace brimvault::engine {
@@ -17,6 +19,22 @@ namespace brimvault::engine {
 struct IconSource {
     files::NodeKind kind = files::NodeKind::other;
     bool operator==(const IconSource&) const = default;
+};
+
+/// Entries of one folder that an item stands for.
+struct ItemTargets {
+    std::shared_ptr<const FoundIn> folder;  ///< where they lie
+    std::vector<std::string> names;         ///< exact bytes
+};
+
+/// What only some items have; all of it is set before the item is posted.
+struct ItemDetails {
+    const char* rule = "";            ///< the identifier of the rule that found it; lives as long as the program
+    QString noteArgument;             ///< for the note's text
+    QString application;              ///< the identifier of the desktop entry whose icon it has
+    bool needsAdministrator = false;  ///< belongs to another user
+    /// Set for an item that stands for several things: these alone are removed, and never what its path names.
+    std::vector<ItemTargets> targets;
 };
 
 /// One file or folder that can be removed, of the Downloads, Caches, Trash or Logs section. There may be hundreds of
@@ -60,8 +78,17 @@ public:
         return foundPathKind_ == FoundPathKind::folder && other.foundPathKind_ == FoundPathKind::folder &&
                foundIn_ == other.foundIn_;
     }
-    /// Whether this item is ticked along with an item that holds it.
-    [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable(); }
+    /// Whether this item is ticked along with an item that holds it, or with all others.
+    [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable() && !isTickedByHandOnly(note_); }
+
+    /// Why the user should look at it first. To be set before the item is posted.
+    [[nodiscard]] ItemNote note() const { return note_; }
+    void setNote(ItemNote note) { note_ = note; }
+    /// The note as one sentence for people; empty without a note.
+    [[nodiscard]] QString noteText() const { return textOf(note_, details().noteArgument); }
+    [[nodiscard]] const ItemDetails& details() const;
+    /// To be called before the item is posted.
+    void setDetails(ItemDetails details) { details_ = std::make_unique<const ItemDetails>(std::move(details)); }
 
     [[nodiscard]] QString ppdisplayName() const override;
     [[nodiscard]] QString ppdisplayKeyName() const override;
@@ -73,10 +100,12 @@ private:
     void setName(const std::string& bytes);
 
     FoundPathKind foundPathKind_ = FoundPathKind::folder;
+    ItemNote note_ = ItemNote::none;
     IconSource pIcon_;
     std::unique_ptr<char[]> pfname_;  ///< NUL-terminated bytes; null for an empty name
     quint64 pfSize_ = 0;
-    std::shared_ptr<const FoundIn> foundIn_;  ///< null if only the name is known
+    std::shared_ptr<const FoundIn> foundIn_;      ///< null if only the name is known
+    std::unique_ptr<const ItemDetails> details_;  ///< null if it has none
 };
 
 }  // namespace brimvault::engine

@@ -1,0 +1,71 @@
+#include "engine/model/ItemNote.h"
+
+#include <QCoreApplication>
+
+namespace brimvault::engine {
+
+const char* keyOf(ItemNote note) {
+    switch (note) {
+        case ItemNote::none:
+            return "";
+        case ItemNote::work:
+            return "work";
+        case ItemNote::offline:
+            return "offline";
+        case ItemNote::login:
+            return "login";
+        case ItemNote::rebuild:
+            return "rebuild";
+        case ItemNote::download:
+            return "download";
+        case ItemNote::inUse:
+            return "in-use";
+        case ItemNote::session:
+            return "session";
+        case ItemNote::copies:
+            return "copies";
+        case ItemNote::record:
+            return "record";
+        case ItemNote::shared:
+            return "shared";
+        case ItemNote::emptied:
+            return "emptied";
+    }
+    Q_UNREACHABLE();
+}
+
+QString textOf(ItemNote note, const QString& argument) {
+    const auto text = [](const char* source) { return QCoreApplication::translate("ItemNote", source); };
+    switch (note) {
+        case ItemNote::none:
+            return {};
+        case ItemNote::work:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "May hold work that exists nowhere else"));
+        case ItemNote::offline:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Holds content kept for use without a connection"));
+        case ItemNote::login:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "You may have to sign in again"));
+        case ItemNote::rebuild:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Takes long to make again"));
+        case ItemNote::download:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Will be downloaded again: %1")).arg(argument);
+        case ItemNote::inUse:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "%1 is running and uses it")).arg(argument);
+        case ItemNote::session:
+            return text(
+                QT_TRANSLATE_NOOP("ItemNote", "The desktop session uses it; best removed just before logging out"));
+        case ItemNote::copies:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Holds working copies of source code"));
+        case ItemNote::record:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "A record of log-ins or of installed software"));
+        case ItemNote::shared:
+            return text(
+                       QT_TRANSLATE_NOOP("ItemNote", "Shares its space with other folders; removing it frees about %1"))
+                .arg(argument);
+        case ItemNote::emptied:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Is emptied, because %1 still writes to it")).arg(argument);
+    }
+    Q_UNREACHABLE();
+}
+
+}  // namespace brimvault::engine

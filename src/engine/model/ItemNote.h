@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+namespace brimvault::engine {
+
+/// Why an item should be looked at before it is removed.
+enum class ItemNote : quint8 {
+    none,
+    work,      ///< may hold work that exists nowhere else
+    offline,   ///< holds content kept for use without a connection
+    login,     ///< the user may have to sign in again
+    rebuild,   ///< takes long to make again
+    download,  ///< will be downloaded again; the argument says how much
+    inUse,     ///< the argument names the program that uses it
+    session,   ///< the desktop session uses it
+    copies,    ///< holds working copies of source code
+    record,    ///< a record of log-ins or of installed software
+    shared,    ///< shares its space with other folders; the argument says how much removing it frees
+    emptied,   ///< is emptied; the argument names the program that writes to it
+};
+
+/// Whether an item with the note is ticked by the user's own hand alone: neither with all others nor along with an item
+/// that holds it.
+[[nodiscard]] constexpr bool isTickedByHandOnly(ItemNote note) {
+    return note == ItemNote::work || note == ItemNote::copies || note == ItemNote::inUse;
+}
+
+/// The note's name in machine-readable output; empty for none.
+[[nodiscard]] const char* keyOf(ItemNote note);
+
+/// The note as one sentence in the user's language, without a full stop; empty for none.
+[[nodiscard]] QString textOf(ItemNote note, const QString& argument);
+
+}  // namespace brimvault::engine
