@@ -32,6 +32,7 @@ struct NodeStatus {
     FileIdentity identity;
     std::uint64_t mount = 0;  ///< the mount it was reached through; 0 when the system does not tell
     NodeKind kind = NodeKind::other;
+    bool isSocket = false;        ///< then of no other kind
     std::uint64_t size = 0;       ///< logical bytes
     std::uint64_t allocated = 0;  ///< bytes on disk
     /// Names of the object. A directory has exactly one name, so 1 for every directory, whatever the file system

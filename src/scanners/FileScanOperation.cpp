@@ -57,7 +57,7 @@ void FileScanOperation::collectFilesIn(const OpenFolder& folder, files::HiddenEn
         if (entry.sizes == files::Sizes::unwanted) {
             return true;
         }
-        const quint64 size = entry.size();
+        const quint64 size = entry.findings().logical;
         if (!isCancelled()) {
             addItem({folder.path / entry.name, entry.name, addressed, size, entry.kind, folder.root, place}, batches);
         }

@@ -64,6 +64,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
         status.mount = mountFromDescriptor(directory);
     }
     status.kind = kindOf(raw.stx_mode);
+    status.isSocket = S_ISSOCK(raw.stx_mode);
     status.size = raw.stx_size;
     status.allocated = raw.stx_blocks * blockSize;
     status.linkCount = status.kind == NodeKind::directory ? 1 : raw.stx_nlink;

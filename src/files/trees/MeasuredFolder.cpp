@@ -16,8 +16,8 @@ constexpr std::size_t maxAhead = 1024;  // entries listed, and perhaps measured,
 // A batch of listed entries. Folders are measured ahead; for a file that would cost more than its size does.
 class Batch {
 public:
-    Batch(const DirectoryHandle& folder, std::uint64_t mount, const std::stop_token& stop)
-        : folder_(folder), mount_(mount), stop_(stop) {}
+    Batch(const DirectoryHandle& folder, std::uint64_t mount, const OpenFiles* open, const std::stop_token& stop)
+        : folder_(folder), mount_(mount), open_(open), stop_(stop) {}
 
     void add(const DirectoryEntry& entry, Sizes sizes) {
         listed_.push_back({names_.size(), entry.kind, sizes});
@@ -47,14 +47,16 @@ private:
                 folders.push_back(number);
             }
         }
-        AheadOf<std::uint64_t> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
+        AheadOf<ItemFindings> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
         std::size_t nextFolder = 0;
         for (std::size_t number = 0; number < listed_.size(); ++number) {
             const bool isAhead = isMeasuredAhead(number);
             const std::size_t place = isAhead ? nextFolder++ : 0;
-            const std::function<std::uint64_t()> size = [&] { return isAhead ? ahead.take(place) : measure(number); };
+            const std::function<ItemFindings()> findings = [&] {
+                return isAhead ? ahead.take(place) : measure(number);
+            };
             const auto& [name, kind, sizes] = listed_[number];
-            if (stop_.stop_requested() || !call({nameOf(number), kind, sizes, size})) {
+            if (stop_.stop_requested() || !call({nameOf(number), kind, sizes, findings})) {
                 return false;
             }
         }
@@ -65,12 +67,15 @@ private:
         return listed_[number].kind == NodeKind::directory && listed_[number].sizes == Sizes::wanted;
     }
     [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
-    [[nodiscard]] std::uint64_t measure(std::size_t number) const {
-        return measureEntry(folder_, {nameOf(number), listed_[number].kind}, mount_, stop_);
+    [[nodiscard]] ItemFindings measure(std::size_t number) const {
+        const DirectoryEntry entry{nameOf(number), listed_[number].kind};
+        return open_ != nullptr ? inspectEntry(folder_, entry, mount_, *open_, stop_)
+                                : ItemFindings{.logical = measureEntry(folder_, entry, mount_, stop_)};
     }
 
     const DirectoryHandle& folder_;
     const std::uint64_t mount_;
+    const OpenFiles* const open_;
     const std::stop_token& stop_;
     std::string names_;
     std::vector<Listed> listed_;
@@ -87,12 +92,12 @@ int forEachMeasurable(const std::filesystem::path& folder, HiddenEntries hidden,
 
 int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const std::stop_token& stop,
                       const std::function<Sizes(const char* name)>& sizes,
-                      const std::function<bool(const MeasurableEntry&)>& call) {
+                      const std::function<bool(const MeasurableEntry&)>& call, const OpenFiles* open) {
     const auto status = folder.status();
     if (!status) {
         return status.code();
     }
-    Batch batch(folder, status->mount, stop);
+    Batch batch(folder, status->mount, open, stop);
     bool goesOn = true;
     std::size_t listed = 0;
     const int code = folder.forEachEntry([&](const DirectoryEntry& entry) {

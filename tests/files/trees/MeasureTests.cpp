@@ -148,7 +148,7 @@ TEST(MeasuredFolder, TellsEntriesInTheListingsOrderWithTheSizesThatAreAskedForUn
         std::vector<std::string> told;
         forEachShown(folder.path(), [&](const MeasurableEntry& entry) {
             told.emplace_back(entry.name);
-            EXPECT_TRUE(told.size() % asked != 0 || entry.size() == told.back().size()) << entry.name;
+            EXPECT_TRUE(told.size() % asked != 0 || entry.findings().logical == told.back().size()) << entry.name;
             return told.size() < names.size();
         });
         EXPECT_EQ(told, names);
@@ -174,7 +174,7 @@ TEST(MeasuredFolder, DoesNotOpenFoldersWhoseSizesAreUnwanted) {
         [&](const MeasurableEntry& entry) {
             const bool isWanted = entry.sizes == Sizes::wanted;
             unwanted += isWanted ? 0 : 1;
-            EXPECT_TRUE(!isWanted || entry.size() == 5);
+            EXPECT_TRUE(!isWanted || entry.findings().logical == 5);
             return true;
         },
         [&](const char* name) { return name == wanted ? Sizes::wanted : Sizes::unwanted; });

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <unordered_map>
+
+#include "files/NodeStatus.h"
+
+namespace brimvault::files {
+
+/// A snapshot of the files and folders that other processes hold open. It warns and guarantees nothing: a process may
+/// open a file a moment later, one of another user cannot be looked at, and a file that is only mapped is missing.
+/// Immutable; any thread.
+class OpenFiles {
+public:
+    OpenFiles() = default;
+    /// Goes through the processes that the user may look at, without this one. Where the system shows none, or a stop
+    /// is requested, nothing more is known.
+    [[nodiscard]] static OpenFiles now(const std::stop_token& stop = {});
+
+    /// One of the processes that hold it open.
+    [[nodiscard]] std::optional<pid_t> holderOf(const FileIdentity& file) const {
+        const auto found = holders_.find({file.device, file.inode});
+        return found == holders_.end() ? std::nullopt : std::optional(found->second);
+    }
+    [[nodiscard]] std::size_t count() const { return holders_.size(); }
+
+private:
+    // Without the time of birth: while a file is open its inode number is not reused.
+    struct Key {
+        std::uint64_t device;
+        std::uint64_t inode;
+        bool operator==(const Key&) const = default;
+    };
+    struct Hash {
+        std::size_t operator()(const Key& key) const {
+            constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
+            return static_cast<std::size_t>((key.inode ^ (key.device << 32U) ^ (key.device >> 32U)) * spread);
+        }
+    };
+
+    std::unordered_map<Key, pid_t, Hash> holders_;
+};
+
+/// The name of a running program, as the system shows it (at most 15 bytes on Linux); empty when it has ended.
+[[nodiscard]] std::string programName(pid_t process);
+
+/// Whether the process runs. One that has ended and is only waited for does not.
+[[nodiscard]] bool isRunning(pid_t process);
+
+}  // namespace brimvault::files

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstdint>
+#include <stop_token>
+
+#include "files/DirectoryHandle.h"
+#include "files/OpenFiles.h"
+
+namespace brimvault::files {
+
+/// What measuring an item shows of it besides its size. Symbolic links are not followed.
+struct ItemFindings {
+    std::uint64_t logical = 0;      ///< bytes, as `measureItem` has them
+    std::uint64_t unshared = 0;     ///< of these, the ones in files that have no other name
+    bool isSpecial = false;         ///< it is neither a file nor a folder nor a link
+    bool holdsMount = false;        ///< another mount begins in it, or it is one
+    bool holdsSocket = false;       ///< programs talk to each other in it
+    bool holdsWorkingCopy = false;  ///< of a version control system
+    bool isForeign = false;         ///< another user owns it
+    pid_t openBy = 0;               ///< a process that holds something in it open; 0 if none is known
+    std::chrono::system_clock::time_point changed = {};  ///< when it, or a file in it, was modified last
+};
+
+/// Measures an entry as the listing of an open folder names it, and finds out what else there is to know of it, with
+/// the calls that measuring needs anyway and one more for each folder. `mount` is the one that the folder is on. After
+/// a stop the findings are incomplete. Any thread; idle threads of the pool help.
+[[nodiscard]] ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
+                                        const OpenFiles& open, const std::stop_token& stop = {});
+
+/// Whether the folder says of itself that it is a cache (the Cache Directory Tagging Specification,
+/// bford.info/cachedir).
+[[nodiscard]] bool isTaggedAsCache(const DirectoryHandle& folder);
+
+}  // namespace brimvault::files
