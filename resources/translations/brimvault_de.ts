@@ -105,6 +105,10 @@
         <source>Is emptied, because %1 still writes to it</source>
         <translation>Wird geleert, weil %1 noch hineinschreibt</translation>
     </message>
+    <message>
+        <source>A program is running and uses it</source>
+        <translation>Ein Programm läuft und benutzt es</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>

@@ -9,6 +9,9 @@ namespace brimvault::platform {
 /// The standard folders of the user who runs the process. Nothing is cached unless a function says so; none when the
 /// system names no such folder. The folder itself may be missing. Any thread.
 ///
+/// The folders below which programs keep what is the user's (XDG Base Directory Specification 0.8).
+enum class BaseFolder { cache, configuration, data, state };
+
 /// Symbolic links in the result are resolved. It is never the home folder, nor a folder that holds it. Whether its
 /// contents may be listed is decided by SectionRoots.
 class LibraryURLs {
@@ -33,6 +36,9 @@ public:
     /// The desktop's folders for the user's own files (documents, pictures, the desktop and the like, without
     /// downloads), symbolic links unresolved. One that the user has disabled is left out.
     static std::vector<std::filesystem::path> namedUserFolders();
+
+    /// A base folder of the desktop, symbolic links unresolved; none where the system has no such folders.
+    static std::optional<std::filesystem::path> baseFolder(BaseFolder folder);
 
     /// Where programs keep the settings of the user, and where this one does.
     static std::filesystem::path getConfigurationFolderURL();

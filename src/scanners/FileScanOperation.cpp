@@ -48,7 +48,7 @@ void FileScanOperation::withFolderInside(const std::filesystem::path& path,
 
 void FileScanOperation::collectFilesIn(const OpenFolder& folder, files::HiddenEntries hidden, Addressed addressed,
                                        ScanBatches& batches, const Skipped& skipped) const {
-    const auto place = foundIn((folder.path / "").native(), folder.handle, folder.root);
+    const auto place = placeIn(folder.path, folder.handle, folder.root);
     const auto sizes = [&](const char* name) {
         return skipped && skipped(name) ? files::Sizes::unwanted : files::Sizes::wanted;
     };
@@ -83,13 +83,23 @@ void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) co
                      : found.name == found.path.filename() ? FoundPathKind::folder
                                                            : FoundPathKind::wholePath);
     item->setPpbDeletable(true);
-    item->setPpbChecked(isTickedAtFirst());
+    item->setPpbChecked(found.ticked.value_or(isTickedAtFirst()));
+    item->setNote(found.note);
+    if (found.details) {
+        item->setDetails(*found.details);
+    }
     if (found.kind) {
         item->setIcon({*found.kind});
     } else if (const auto status = files::statusOf(found.path)) {
         item->setIcon({status->kind});
     }
     batches.add(item);
+}
+
+std::shared_ptr<const engine::FoundIn> FileScanOperation::placeIn(
+    const std::filesystem::path& path, const files::DirectoryHandle& folder,
+    const std::shared_ptr<const platform::RootPlace>& root) {
+    return foundIn((path / "").native(), folder, root);
 }
 
 void FileScanOperation::sendOperationCompleted() const {

@@ -33,6 +33,9 @@ protected:
         std::optional<files::NodeKind> kind = {};                   ///< if already known
         std::shared_ptr<const platform::RootPlace> root = nullptr;  ///< the section's root folder that it lies in
         std::shared_ptr<const engine::FoundIn> foundIn = nullptr;   ///< if already known
+        std::optional<bool> ticked = {};                            ///< none: as all items of the section at first
+        engine::ItemNote note = engine::ItemNote::none;
+        std::optional<engine::ItemDetails> details = {};
     };
 
     explicit FileScanOperation(engine::Section section) : SBaseOperation(section) {}
@@ -67,6 +70,11 @@ protected:
     void collectFile(FoundFile found, ScanBatches& batches) const;
     /// Makes the item, with the size in `found`.
     void addItem(const FoundFile& found, ScanBatches& batches) const;
+
+    /// The place of items in the open folder of that path, for all of them to share.
+    [[nodiscard]] static std::shared_ptr<const engine::FoundIn> placeIn(
+        const std::filesystem::path& path, const files::DirectoryHandle& folder,
+        const std::shared_ptr<const platform::RootPlace>& root);
 
     /// Whether items are ticked at first.
     [[nodiscard]] virtual bool isTickedAtFirst() const { return true; }

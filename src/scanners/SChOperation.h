@@ -1,28 +1,46 @@
 #pragma once
 
+#include "files/OpenFiles.h"
+#include "platform/RunningPrograms.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/FileScanOperation.h"
+#include "scanners/places/CacheNames.h"
+#include "scanners/places/FoundPlaces.h"
 
 namespace brimvault::scanners {
 
 /// The scan of the Caches section: every visible entry of the user's caches folder, then the caches folder of every
-/// application container as one item each, whether it exists or not. Unsorted.
+/// application container as one item each, whether it exists or not. Where the desktop has a caches folder of its own,
+/// its entries as well, hidden ones too, and the caches that programs keep elsewhere, as the rules of resources/places/
+/// have them. Unsorted.
 class SChOperation final : public FileScanOperation {
 public:
     explicit SChOperation(ContainersFolderScannerManager& containers = ContainersFolderScannerManager::shared())
         : FileScanOperation(engine::Section::caches), containers_(containers) {}
 
     [[nodiscard]] std::optional<std::filesystem::path> getOperationRootFolderURL() const override;
-    /// The entries of the folder and the containers.
+    /// The entries of the folders, the containers, and what is known of other places.
     void initTopLevelItemsCount() override;
 
 protected:
     void main() override;
 
 private:
-    void collectCachesInfo(ScanBatches& batches) const;
+    /// What a row stands for, as it is measured.
+    struct RowContents;
+
+    void collectCachesInfo(ScanBatches& batches);
+    void collectByRules(const OpenFolder& folder, ScanBatches& batches);
+    void collectRow(const PlaceRow& row, ScanBatches& batches);
+    void measureEntry(const PlaceRow& row, RowContents& contents) const;
+    void measureFolder(const PlaceRow& row, const PlaceFolder& folder, RowContents& contents) const;
+    [[nodiscard]] bool isRunning(const PlaceRow& row, QString& program);
 
     ContainersFolderScannerManager& containers_;
+    const CacheNames names_{cachesRules()};
+    files::OpenFiles open_;  ///< as it was when the scan began
+    platform::RunningPrograms running_;
+    std::optional<FoundPlaces> places_;  ///< looked for when the scan begins
 };
 
 }  // namespace brimvault::scanners

@@ -50,7 +50,8 @@ QString textOf(ItemNote note, const QString& argument) {
         case ItemNote::download:
             return text(QT_TRANSLATE_NOOP("ItemNote", "Will be downloaded again: %1")).arg(argument);
         case ItemNote::inUse:
-            return text(QT_TRANSLATE_NOOP("ItemNote", "%1 is running and uses it")).arg(argument);
+            return argument.isEmpty() ? text(QT_TRANSLATE_NOOP("ItemNote", "A program is running and uses it"))
+                                      : text(QT_TRANSLATE_NOOP("ItemNote", "%1 is running and uses it")).arg(argument);
         case ItemNote::session:
             return text(
                 QT_TRANSLATE_NOOP("ItemNote", "The desktop session uses it; best removed just before logging out"));

@@ -13,7 +13,7 @@ enum class ItemNote : quint8 {
     login,     ///< the user may have to sign in again
     rebuild,   ///< takes long to make again
     download,  ///< will be downloaded again; the argument says how much
-    inUse,     ///< the argument names the program that uses it
+    inUse,     ///< the argument names the program that uses it, if it is known
     session,   ///< the desktop session uses it
     copies,    ///< holds working copies of source code
     record,    ///< a record of log-ins or of installed software

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // An XDG base directory: the variable's value if that is an absolute path, else the default below the home folder.
-fs::path baseFolder(const char* variable, const char* defaultName) {
+fs::path folderOf(const char* variable, const char* defaultName) {
     const fs::path named = system().environmentVariable(variable);
     return named.is_absolute() ? named : homeFolder() / defaultName;
 }
@@ -93,7 +93,7 @@ fs::path userFolder(std::string_view key, const char* defaultName) {
 }  // namespace
 
 std::vector<fs::path> LibraryURLs::namedCachesFolders() {
-    return {homeFolder() / "Library" / "Caches", plain(baseFolder("XDG_CACHE_HOME", ".cache"))};
+    return {homeFolder() / "Library" / "Caches", plain(folderOf("XDG_CACHE_HOME", ".cache"))};
 }
 
 fs::path LibraryURLs::namedCachesFolder() {
@@ -105,7 +105,7 @@ fs::path LibraryURLs::namedDownloadsFolder() { return userFolder("XDG_DOWNLOAD_D
 
 fs::path LibraryURLs::namedTrashFolder() { return homeFolder() / ".Trash"; }
 
-fs::path LibraryURLs::namedDesktopTrashFolder() { return plain(baseFolder("XDG_DATA_HOME", ".local/share") / "Trash"); }
+fs::path LibraryURLs::namedDesktopTrashFolder() { return plain(folderOf("XDG_DATA_HOME", ".local/share") / "Trash"); }
 
 std::vector<fs::path> LibraryURLs::namedUserFolders() {
     constexpr std::pair<const char*, const char*> folders[] = {
@@ -138,7 +138,21 @@ std::optional<fs::path> LibraryURLs::getUserApplicationFolderURL() {
     return folder;
 }
 
-fs::path LibraryURLs::getConfigurationFolderURL() { return baseFolder("XDG_CONFIG_HOME", ".config"); }
+std::optional<fs::path> LibraryURLs::baseFolder(BaseFolder folder) {
+    switch (folder) {
+        case BaseFolder::cache:
+            return plain(folderOf("XDG_CACHE_HOME", ".cache"));
+        case BaseFolder::configuration:
+            return plain(folderOf("XDG_CONFIG_HOME", ".config"));
+        case BaseFolder::data:
+            return plain(folderOf("XDG_DATA_HOME", ".local/share"));
+        case BaseFolder::state:
+            return plain(folderOf("XDG_STATE_HOME", ".local/state"));
+    }
+    return std::nullopt;
+}
+
+fs::path LibraryURLs::getConfigurationFolderURL() { return folderOf("XDG_CONFIG_HOME", ".config"); }
 
 fs::path LibraryURLs::getPreferencesFolderURL() { return getConfigurationFolderURL() / "com.quorvel.brimvault"; }
 

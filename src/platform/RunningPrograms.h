@@ -1,0 +1,34 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace brimvault::platform {
+
+/// The applications from Flatpak and Snap that run now, by the records of these systems. Any thread.
+class RunningPrograms {
+public:
+    /// By the identifier, "org.example.Editor".
+    [[nodiscard]] bool isFlatpakRunning(const std::string& identifier);
+    [[nodiscard]] bool isSnapRunning(const std::string& name);
+
+private:
+    std::optional<std::set<std::string>> flatpaks_;  ///< looked up when first asked
+    std::optional<std::set<std::string>> snaps_;
+};
+
+/// Who uses a profile, by the link that programs leave in it while they run.
+struct ProfileUse {
+    bool isUsed = false;           ///< also where another machine uses it, as far as can be known
+    std::optional<pid_t> program;  ///< on this machine
+};
+/// The folder of a browser's profiles, or of a program built on one.
+[[nodiscard]] ProfileUse useOfProfile(const std::filesystem::path& folder);
+/// The same for the other family of browsers, which keeps its link in each profile's folder.
+[[nodiscard]] ProfileUse useOfMozillaProfile(const std::filesystem::path& folder);
+
+}  // namespace brimvault::platform

@@ -1,0 +1,137 @@
+#include "scanners/places/CacheNames.h"
+
+#include <algorithm>
+
+#include "scanners/places/PlacePattern.h"
+
+namespace brimvault::scanners {
+
+namespace {
+
+using engine::ItemNote;
+
+constexpr std::chrono::hours aDay{24};
+
+bool isSparedByNameAlone(const std::vector<const PlaceRule*>& rules) {
+    return std::any_of(rules.begin(), rules.end(), [](const PlaceRule* rule) {
+        const auto& needed = rule->evidence;
+        return rule->answer == PlaceAnswer::spared && !needed.olderThanADay && !needed.youngerThanADay && !needed.open;
+    });
+}
+
+// Of several reasons the one that would hurt most is told.
+ItemNote noteOf(ItemNote ofRule, const files::ItemFindings& found) {
+    if (ofRule == ItemNote::work || ofRule == ItemNote::copies) {
+        return ofRule;
+    }
+    return found.holdsWorkingCopy                   ? ItemNote::copies
+           : found.openBy != 0 || found.holdsSocket ? ItemNote::inUse
+                                                    : ofRule;
+}
+
+}  // namespace
+
+bool holdsEvidence(const PlaceRule& rule, const files::ItemFindings& found, std::chrono::system_clock::time_point now) {
+    const bool isYoung = found.changed > now - aDay;
+    const auto& needed = rule.evidence;
+    return (!needed.olderThanADay || !isYoung) && (!needed.youngerThanADay || isYoung) &&
+           (!needed.open || found.openBy != 0);
+}
+
+Judgement judge(std::span<const PlaceRule* const> rules, const files::ItemFindings& found,
+                std::chrono::system_clock::time_point now) {
+    Judgement result;
+    for (const auto* rule : rules) {
+        if (holdsEvidence(*rule, found, now) && (result.rule == nullptr || rule->answer > result.answer)) {
+            result = {rule, rule->answer, rule->note};
+        }
+    }
+    if (found.isSpecial || found.holdsMount) {
+        result.answer = PlaceAnswer::spared;
+    }
+    if (result.answer == PlaceAnswer::spared) {
+        return result;
+    }
+    result.note = noteOf(result.note, found);
+    if (result.note != ItemNote::none) {
+        result.answer = PlaceAnswer::unticked;
+    }
+    return result;
+}
+
+struct CacheNames::Walk {
+    const files::OpenFiles& open;
+    const std::stop_token& stop;
+    const Kept& isKept;
+    const Call& call;
+    std::chrono::system_clock::time_point now;
+};
+
+CacheNames::CacheNames(std::span<const PlaceRule> rules) : rules_(rules) {}
+
+CacheNames::Fitting CacheNames::fitting(std::string_view inside, std::string_view name) const {
+    Fitting found;
+    for (const auto& rule : rules_) {
+        const bool fitsAny = rule.base == PlaceBase::cache &&
+                             std::any_of(rule.patterns.begin(), rule.patterns.end(), [&](const char* pattern) {
+                                 const auto [first, rest] = firstName(pattern);
+                                 return inside.empty() ? rest.empty() && fits(name, first)
+                                                       : fits(inside, first) && (rest.empty() || fits(name, rest));
+                             });
+        if (fitsAny) {
+            found.push_back(&rule);
+        }
+    }
+    return found;
+}
+
+bool CacheNames::isLookedInto(std::string_view name) const {
+    return std::any_of(rules_.begin(), rules_.end(), [&](const PlaceRule& rule) {
+        return rule.base == PlaceBase::cache &&
+               std::any_of(rule.patterns.begin(), rule.patterns.end(), [&](const char* pattern) {
+                   const auto [first, rest] = firstName(pattern);
+                   return !rest.empty() && fits(name, first);
+               });
+    });
+}
+
+void CacheNames::forEachEntry(const files::DirectoryHandle& folder, const std::filesystem::path& path,
+                              const files::OpenFiles& open, const std::stop_token& stop, const Kept& isKept,
+                              const Call& call) const {
+    walk({open, stop, isKept, call, std::chrono::system_clock::now()}, folder, path, {});
+}
+
+void CacheNames::walk(const Walk& what, const files::DirectoryHandle& folder, const std::filesystem::path& path,
+                      std::string_view inside) const {
+    std::vector<std::string> lookedInto;
+    const auto isLeftAlone = [&](const char* name) {
+        return (inside.empty() && what.isKept(name)) || isSparedByNameAlone(fitting(inside, name));
+    };
+    const auto sizes = [&](const char* name) {
+        const bool isWanted = !isLeftAlone(name) && !(inside.empty() && isLookedInto(name));
+        return isWanted ? files::Sizes::wanted : files::Sizes::unwanted;
+    };
+    const auto call = [&](const files::MeasurableEntry& entry) {
+        if (entry.sizes == files::Sizes::unwanted && isLeftAlone(entry.name)) {
+            return true;
+        }
+        if (entry.sizes == files::Sizes::unwanted && entry.kind == files::NodeKind::directory) {
+            lookedInto.emplace_back(entry.name);
+            return true;
+        }
+        const auto found = entry.findings();
+        const auto judgement = judge(fitting(inside, entry.name), found, what.now);
+        if (judgement.answer != PlaceAnswer::spared && !what.stop.stop_requested()) {
+            what.call({folder, path, entry.name, entry.kind, inside, found, judgement});
+        }
+        return true;
+    };
+    (void)files::forEachMeasurable(folder, files::HiddenEntries::include, what.stop, sizes, call, &what.open);
+    for (const auto& name : lookedInto) {
+        if (const auto child = folder.openChild(name.c_str())) {
+            walk(what, *child, path / name, name);
+        }
+    }
+}
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,245 @@
+#include "scanners/places/FoundPlaces.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "files/DirectoryHandle.h"
+#include "platform/LibraryURLs.h"
+#include "platform/System.h"
+#include "scanners/places/PlacePattern.h"
+#include "scanners/places/Profiles.h"
+
+namespace brimvault::scanners {
+
+namespace fs = std::filesystem;
+
+/// A folder from which patterns are looked for, held open.
+struct FoundPlaces::Base {
+    files::DirectoryHandle handle;
+    std::shared_ptr<const platform::RootPlace> place;
+};
+
+namespace {
+
+bool holds(const fs::path& folder, const fs::path& inner) {
+    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
+}
+
+// None where the system has no such folder, or the user has not set the variable.
+std::optional<fs::path> namedBase(PlaceBase base) {
+    using platform::BaseFolder;
+    using platform::LibraryURLs;
+    const auto variable = [](const char* name) -> std::optional<fs::path> {
+        const fs::path named = platform::system().environmentVariable(name);
+        return named.is_absolute() ? std::optional(named.lexically_normal()) : std::nullopt;
+    };
+    switch (base) {
+        case PlaceBase::home:
+            return LibraryURLs::baseFolder(BaseFolder::cache) ? std::optional(platform::homeFolder()) : std::nullopt;
+        case PlaceBase::cacheHome:
+            return LibraryURLs::baseFolder(BaseFolder::cache);
+        case PlaceBase::configHome:
+            return LibraryURLs::baseFolder(BaseFolder::configuration);
+        case PlaceBase::dataHome:
+            return LibraryURLs::baseFolder(BaseFolder::data);
+        case PlaceBase::stateHome:
+            return LibraryURLs::baseFolder(BaseFolder::state);
+        case PlaceBase::goPath:
+            return variable("GOPATH");
+        case PlaceBase::goModCache:
+            return variable("GOMODCACHE");
+        case PlaceBase::cache:
+        case PlaceBase::profile:
+            break;  // they begin in what other rules match
+    }
+    return std::nullopt;
+}
+
+// A place that a variable names may be anything: it is looked at like a section's folder.
+bool isGivenFreely(PlaceBase base) { return base == PlaceBase::goModCache; }
+
+bool exists(const files::DirectoryHandle& folder, const fs::path& inner) {
+    bool isThere = false;
+    forEachFitting(folder, inner.native(), {}, [&](const PlaceMatch&) { isThere = true; });
+    return isThere;
+}
+
+// The part of the path that the beginning of a pattern matched.
+fs::path beginningOf(const fs::path& path, std::string_view pattern) {
+    const auto names = std::count(pattern.begin(), pattern.end(), '/') + 1;
+    fs::path beginning;
+    auto name = path.begin();
+    for (std::ptrdiff_t taken = 0; taken < names && name != path.end(); ++taken) {
+        beginning /= *name++;
+    }
+    return beginning;
+}
+
+bool isFolderRow(const PlaceRule& rule) {
+    return rule.shape == PlaceShape::children || rule.shape == PlaceShape::cache;
+}
+
+std::optional<PlaceFolder> folderOf(const PlaceRule& rule, const files::DirectoryHandle& folder, const fs::path& path) {
+    const auto status = folder.status();
+    return status ? std::optional(PlaceFolder{&rule, path, status->place()}) : std::nullopt;
+}
+
+}  // namespace
+
+FoundPlaces::FoundPlaces(std::span<const PlaceRule> rules, const std::stop_token& stop) : rules_(rules), stop_(stop) {
+    ProfileFolders profiles;
+    for (const auto& rule : rules_) {
+        find(rule, profiles);
+    }
+    for (const auto& [path, finder] : profiles) {
+        if (const auto* from = base(finder->base)) {
+            addProfileFolder(*finder, *from, path);
+        }
+    }
+    removeSpared();
+}
+
+const FoundPlaces::Base* FoundPlaces::base(PlaceBase wanted) {
+    if (const auto known = bases_.find(wanted); known != bases_.end()) {
+        return known->second.get();
+    }
+    auto& made = bases_[wanted];
+    const auto named = namedBase(wanted);
+    std::error_code unresolved;
+    const auto resolved = named ? fs::canonical(*named, unresolved) : fs::path();
+    if (!named || unresolved) {
+        return nullptr;
+    }
+    if (isGivenFreely(wanted) && platform::openSectionRoot(*named).place->refusal != platform::RootRefusal::none) {
+        return nullptr;
+    }
+    if (auto opened = files::DirectoryHandle::openForReading(resolved)) {
+        platform::RootPlace place{*named, resolved, platform::RootRefusal::none, {}};
+        made = std::make_shared<const Base>(
+            Base{std::move(*opened), std::make_shared<const platform::RootPlace>(std::move(place))});
+    }
+    return made.get();
+}
+
+void FoundPlaces::find(const PlaceRule& rule, ProfileFolders& profiles) {
+    const auto* from = base(rule.base);
+    if (from == nullptr) {
+        return;
+    }
+    for (const std::string_view pattern : rule.patterns) {
+        if (pattern == ".") {
+            if (exists(from->handle, rule.holds)) {
+                if (auto folder = folderOf(rule, from->handle, from->place->resolved)) {
+                    rowFor(rule, *from, {}, {}).folders.push_back(std::move(*folder));
+                }
+            }
+            continue;
+        }
+        forEachFitting(from->handle, pattern, stop_, [&](const PlaceMatch& match) {
+            const auto path = from->place->resolved / match.path;
+            if (rule.answer == PlaceAnswer::spared) {
+                spared_.push_back(path);
+                return;
+            }
+            const auto folder = match.kind == files::NodeKind::directory
+                                    ? match.parent.openChild(match.path.filename().c_str())
+                                    : files::Result<files::DirectoryHandle>::failed(ENOTDIR);
+            if (!folder || (*rule.holds != '\0' && !exists(*folder, rule.holds))) {
+                return;
+            }
+            if (rule.shape == PlaceShape::profile) {
+                const bool isInAnother = profiles.contains(match.path.parent_path());
+                const auto known = profiles.find(match.path);
+                const bool isStricter = known != profiles.end() && rule.answer > known->second->answer;
+                if (!isInAnother && (isStricter || (known == profiles.end() && isProfileFolder(*folder)))) {
+                    profiles[match.path] = &rule;
+                }
+                return;
+            }
+            auto& row = rowFor(rule, *from, pattern, match.path);
+            if (auto found = isFolderRow(rule) ? folderOf(rule, *folder, path) : std::nullopt) {
+                row.folders.push_back(std::move(*found));
+            }
+        });
+    }
+}
+
+void FoundPlaces::addProfileFolder(const PlaceRule& finder, const Base& from, const fs::path& path) {
+    const auto whole = from.place->resolved / path;
+    const auto opened = files::DirectoryHandle::openForReading(whole);
+    if (!opened) {
+        return;
+    }
+    for (const auto& profile : profilesIn(*opened, stop_)) {
+        const auto folder = files::DirectoryHandle::openForReading(profile.empty() ? whole : whole / profile);
+        for (const auto& rule : rules_) {
+            if (!folder || rule.base != PlaceBase::profile) {
+                continue;
+            }
+            const bool isStricter = rule.answer > finder.answer;
+            for (const std::string_view pattern : rule.patterns) {
+                forEachFitting(*folder, pattern, stop_, [&](const PlaceMatch& match) {
+                    const auto child = match.parent.openChild(match.path.filename().c_str());
+                    if (!child) {
+                        return;
+                    }
+                    auto& row = rowFor(isStricter ? rule : finder, from, {}, path);
+                    row.profile = whole;
+                    row.application = path.filename();
+                    const auto at = (profile.empty() ? whole : whole / profile) / match.path;
+                    if (auto found = folderOf(rule, *child, at)) {
+                        row.folders.push_back(std::move(*found));
+                    }
+                });
+            }
+        }
+    }
+}
+
+PlaceRow& FoundPlaces::rowFor(const PlaceRule& rule, const Base& from, std::string_view pattern, const fs::path& path) {
+    const bool isJoined = *rule.row != '\0' && !pattern.empty();
+    const auto joined = isJoined ? beginningOf(path, rule.row) : path;
+    const std::string kind = isJoined ? std::string(rule.row) + static_cast<char>('0' + static_cast<int>(rule.answer))
+                                      : std::string(rule.id);
+    const auto [known, isNew] = numbers_.emplace(std::pair(kind, from.place->resolved / joined), rows_.size());
+    if (isNew) {
+        const auto whole = path.empty() ? from.place->resolved : from.place->resolved / path;
+        const bool isApplication = rule.running == PlaceRunning::flatpak || rule.running == PlaceRunning::snap;
+        rows_.push_back({&rule,
+                         whole,
+                         rule.answer,
+                         rule.note,
+                         isApplication ? joined.filename().native() : "",
+                         {},
+                         {},
+                         from.place});
+    }
+    return rows_[known->second];
+}
+
+void FoundPlaces::removeSpared() {
+    const auto isSpared = [this](const fs::path& path) {
+        return std::any_of(spared_.begin(), spared_.end(),
+                           [&](const fs::path& spared) { return holds(spared, path) || holds(path, spared); });
+    };
+    for (auto& row : rows_) {
+        std::erase_if(row.folders, [&](const PlaceFolder& folder) { return isSpared(folder.path); });
+    }
+    std::erase_if(rows_, [&](const PlaceRow& row) {
+        return isFolderRow(*row.rule) || !row.profile.empty() ? row.folders.empty() : isSpared(row.path);
+    });
+}
+
+std::optional<PlaceRow> FoundPlaces::take(const fs::path& path) {
+    std::optional<PlaceRow> strictest;
+    for (const auto& row : rows_) {
+        if (holds(path, row.path) && (!strictest || row.answer > strictest->answer)) {
+            strictest = row;
+        }
+    }
+    std::erase_if(rows_, [&](const PlaceRow& row) { return holds(path, row.path); });
+    return strictest;
+}
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "files/NodeStatus.h"
+#include "platform/SectionRoots.h"
+#include "scanners/places/PlaceRule.h"
+
+namespace brimvault::scanners {
+
+/// A folder that stays, and whose contents a row stands for.
+struct PlaceFolder {
+    const PlaceRule* rule;
+    std::filesystem::path path;
+    files::NodePlace place;  ///< to recognise it when it is opened again
+};
+
+/// A row of places outside of the caches folders.
+struct PlaceRow {
+    const PlaceRule* rule;       ///< the first of its rules
+    std::filesystem::path path;  ///< of what that rule matched
+    PlaceAnswer answer;
+    engine::ItemNote note;
+    std::string application;           ///< its identifier, or the name of its profile's folder; empty if there is none
+    std::filesystem::path profile;     ///< the folder of its profiles; empty for other rows
+    std::vector<PlaceFolder> folders;  ///< none for a row that stands for its path
+    std::shared_ptr<const platform::RootPlace> root;  ///< where the rule's base led
+};
+
+/// Looks for everything that the rules match outside of the caches folders. What a rule spares, and what lies in it, is
+/// not among the rows. Blocks as the disk does; not on the main thread.
+class FoundPlaces {
+public:
+    FoundPlaces(std::span<const PlaceRule> rules, const std::stop_token& stop);
+
+    [[nodiscard]] const std::vector<PlaceRow>& rows() const { return rows_; }
+    /// Removes the rows whose path is the one given or lies below it, and tells the strictest of them. None if there is
+    /// none.
+    std::optional<PlaceRow> take(const std::filesystem::path& path);
+
+private:
+    struct Base;
+    using ProfileFolders = std::map<std::filesystem::path, const PlaceRule*>;
+
+    [[nodiscard]] const Base* base(PlaceBase base);
+    void find(const PlaceRule& rule, ProfileFolders& profiles);
+    void addProfileFolder(const PlaceRule& finder, const Base& base, const std::filesystem::path& path);
+    /// The row of the rule that holds the match at the path, made if there is none.
+    PlaceRow& rowFor(const PlaceRule& rule, const Base& base, std::string_view pattern,
+                     const std::filesystem::path& path);
+    void removeSpared();
+
+    std::span<const PlaceRule> rules_;
+    const std::stop_token& stop_;
+    std::map<PlaceBase, std::shared_ptr<const Base>> bases_;  ///< null for one that is missing or refused
+    std::vector<PlaceRow> rows_;
+    std::map<std::pair<std::string, std::filesystem::path>, std::size_t> numbers_;  ///< of the rows, by what they join
+    std::vector<std::filesystem::path> spared_;
+};
+
+}  // namespace brimvault::scanners

@@ -1,0 +1,90 @@
+#include "scanners/places/PlacePattern.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace brimvault::scanners {
+
+namespace {
+
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
+
+bool isPlain(std::string_view pattern) { return pattern.find_first_of("*#") == std::string_view::npos; }
+
+struct Search {
+    const std::stop_token& stop;
+    const std::function<void(const PlaceMatch&)>& call;
+};
+
+void search(const files::DirectoryHandle& folder, const std::filesystem::path& at, std::string_view pattern,
+            const Search& what);
+
+void take(const files::DirectoryHandle& folder, const std::filesystem::path& at, const files::DirectoryEntry& entry,
+          std::string_view rest, const Search& what) {
+    const auto path = at / entry.name;
+    if (rest.empty()) {
+        what.call({folder, path, entry.kind});
+    } else if (entry.kind == files::NodeKind::directory) {
+        if (const auto child = folder.openChild(entry.name)) {
+            search(*child, path, rest, what);
+        }
+    }
+}
+
+void search(const files::DirectoryHandle& folder, const std::filesystem::path& at, std::string_view pattern,
+            const Search& what) {
+    const auto [name, rest] = firstName(pattern);
+    if (isPlain(name)) {
+        const std::string exact(name);
+        if (const auto status = files::statusAt(folder.descriptor(), exact.c_str())) {
+            take(folder, at, {exact.c_str(), status->kind}, rest, what);
+        }
+        return;
+    }
+    std::vector<std::pair<std::string, files::NodeKind>> fitting;
+    const auto listed = folder.reopenForReading();
+    if (listed) {
+        (void)listed->forEachEntry([&](const files::DirectoryEntry& entry) {
+            if (fits(entry.name, name)) {
+                fitting.emplace_back(entry.name, entry.kind);
+            }
+            return !what.stop.stop_requested();
+        });
+    }
+    for (const auto& [one, kind] : fitting) {
+        if (what.stop.stop_requested()) {
+            return;
+        }
+        take(folder, at, {one.c_str(), kind}, rest, what);
+    }
+}
+
+}  // namespace
+
+bool fits(std::string_view name, std::string_view pattern) {
+    if (pattern.empty()) {
+        return name.empty();
+    }
+    const auto rest = pattern.substr(1);
+    if (pattern.front() == '*') {
+        return fits(name, rest) || (!name.empty() && fits(name.substr(1), pattern));
+    }
+    if (pattern.front() == '#') {
+        return !name.empty() && isDigit(name.front()) && (fits(name.substr(1), rest) || fits(name.substr(1), pattern));
+    }
+    return !name.empty() && name.front() == pattern.front() && fits(name.substr(1), rest);
+}
+
+FirstName firstName(std::string_view path) {
+    const auto slash = path.find('/');
+    return slash == std::string_view::npos ? FirstName{path, {}}
+                                           : FirstName{path.substr(0, slash), path.substr(slash + 1)};
+}
+
+void forEachFitting(const files::DirectoryHandle& folder, std::string_view pattern, const std::stop_token& stop,
+                    const std::function<void(const PlaceMatch&)>& call) {
+    search(folder, {}, pattern, {stop, call});
+}
+
+}  // namespace brimvault::scanners

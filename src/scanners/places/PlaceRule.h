@@ -1,0 +1,62 @@
+#pragma once
+
+#include <span>
+
+#include "engine/model/ItemNote.h"
+
+namespace brimvault::scanners {
+
+// The rows of resources/places/, which the build compiles into the program: they are never read at run time, since who
+// could change them could have anything removed. The files themselves say what each field means.
+
+/// Where a rule's patterns begin.
+enum class PlaceBase {
+    cache,      ///< every caches folder
+    profile,    ///< every profile of a browser or of a program built on one
+    home,       ///< the user's home folder
+    cacheHome,  ///< XDG_CACHE_HOME, and so on
+    configHome,
+    dataHome,
+    stateHome,
+    goPath,      ///< GOPATH, where it is set
+    goModCache,  ///< GOMODCACHE, where it is set
+};
+
+/// What of a match is listed.
+enum class PlaceShape { entry, children, cache, profile };
+
+/// The later answer is the stricter.
+enum class PlaceAnswer { ticked, unticked, spared };
+
+/// How a program is known to run, beside the files that it holds open.
+enum class PlaceRunning { unknown, flatpak, snap, chromium, mozilla };
+
+/// What must be true of a match, else the rule says nothing of it.
+struct PlaceEvidence {
+    bool olderThanADay = false;
+    bool youngerThanADay = false;
+    bool open = false;  ///< by another program
+    bool tagged = false;
+};
+
+struct PlaceRule {
+    using Names = std::span<const char* const>;
+
+    const char* id;
+    PlaceBase base;
+    Names patterns;  ///< relative paths; see `PlacePattern`
+    PlaceShape shape;
+    const char* row;  ///< the part of the patterns whose matches are one row each; empty for one row a match
+    Names keep;
+    const char* holds;  ///< empty for nothing
+    PlaceEvidence evidence;
+    PlaceAnswer answer;
+    engine::ItemNote note;
+    PlaceRunning running;
+    const char* title;  ///< empty for the match's name
+};
+
+/// The rules of the Caches section, in the order of the file.
+[[nodiscard]] std::span<const PlaceRule> cachesRules();
+
+}  // namespace brimvault::scanners
