@@ -75,10 +75,8 @@ std::optional<std::filesystem::path> SChOperation::getOperationRootFolderURL() c
 
 void SChOperation::initTopLevelItemsCount() {
     qint64 count = static_cast<qint64>(containers_.caches().size());
-    const auto desktop = platform::LibraryURLs::baseFolder(platform::BaseFolder::cache);
-    for (const auto& named : platform::LibraryURLs::namedCachesFolders()) {
+    for (const auto& [named, hidden] : folders()) {
         if (const auto* found = rootToList(named)) {
-            const auto hidden = named == desktop ? files::HiddenEntries::include : files::HiddenEntries::skip;
             (void)files::forEachChild(*found->folder, hidden, [&](const files::DirectoryEntry&) {
                 ++count;
                 return !isCancelled();
@@ -97,18 +95,31 @@ void SChOperation::main() {
     sendOperationCompleted();
 }
 
-// The desktop's folder first: where another is the same one, the rules hold for it.
-void SChOperation::collectCachesInfo(ScanBatches& batches) {
+// The desktop's folder comes first: where another is the same one, the rules hold for it.
+std::vector<SChOperation::CachesFolder> SChOperation::folders() {
+    std::vector<CachesFolder> all;
     const auto desktop = platform::LibraryURLs::baseFolder(platform::BaseFolder::cache);
     if (desktop) {
-        withRoot(*desktop, [&](const OpenFolder& folder) { collectByRules(folder, batches); });
+        all.push_back({*desktop, files::HiddenEntries::include});
     }
-    for (const auto& named : platform::LibraryURLs::namedCachesFolders()) {
+    for (auto& named : platform::LibraryURLs::namedCachesFolders()) {
         if (named != desktop) {
-            withRoot(named, [&](const OpenFolder& folder) {
-                collectFilesIn(folder, files::HiddenEntries::skip, Addressed::byPath, batches);
-            });
+            all.push_back({std::move(named), files::HiddenEntries::skip});
         }
+    }
+    return all;
+}
+
+void SChOperation::collectCachesInfo(ScanBatches& batches) {
+    for (const auto& [named, hidden] : folders()) {
+        const bool isDesktops = hidden == files::HiddenEntries::include;
+        withRoot(named, [&, entries = hidden](const OpenFolder& folder) {
+            if (isDesktops) {
+                collectByRules(folder, batches);
+            } else {
+                collectFilesIn(folder, entries, Addressed::byPath, batches);
+            }
+        });
     }
     const auto place = containers_.place();
     for (const auto& caches : containers_.caches()) {
@@ -182,15 +193,14 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
     if (isCancelled() || !isAnything || contents.judgement.answer == PlaceAnswer::spared) {
         return;
     }
-    QString program;
-    if (isRunning(row, program)) {
+    const auto program = runningProgram(row);
+    if (program) {
         contents.judgement.answer = PlaceAnswer::unticked;
         contents.judgement.note = ItemNote::inUse;
     }
     const auto note = contents.judgement.note;
     contents.details.rule = row.rule->id;
-    contents.details.noteArgument =
-        note == ItemNote::inUse && !program.isEmpty() ? program : argumentOf(note, contents.found);
+    contents.details.noteArgument = program ? *program : argumentOf(note, contents.found);
     const std::string title = *row.rule->title != '\0'   ? row.rule->title
                               : !row.application.empty() ? row.application
                                                          : row.path.filename().native();
@@ -271,21 +281,21 @@ void SChOperation::measureFolder(const PlaceRow& row, const PlaceFolder& folder,
     (void)files::forEachMeasurable(*handle, files::HiddenEntries::include, stopToken(), sizes, call, &open_);
 }
 
-bool SChOperation::isRunning(const PlaceRow& row, QString& program) {
+std::optional<QString> SChOperation::runningProgram(const PlaceRow& row) {
     switch (row.rule->running) {
         case PlaceRunning::flatpak:
-            program = platform::displayText(row.application);
-            return running_.isFlatpakRunning(row.application);
+            return running_.isFlatpakRunning(row.application) ? std::optional(platform::displayText(row.application))
+                                                              : std::nullopt;
         case PlaceRunning::snap:
-            program = platform::displayText(row.application);
-            return running_.isSnapRunning(row.application);
+            return running_.isSnapRunning(row.application) ? std::optional(platform::displayText(row.application))
+                                                           : std::nullopt;
         case PlaceRunning::chromium: {
             const auto use = platform::useOfProfile(row.profile);
-            program = platform::displayText(use.program ? files::programName(*use.program) : row.application);
-            return use.isUsed;
+            const auto name = use.program ? files::programName(*use.program) : row.application;
+            return use.isUsed ? std::optional(platform::displayText(name)) : std::nullopt;
         }
         default:
-            return false;
+            return std::nullopt;
     }
 }
 

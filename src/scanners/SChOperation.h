@@ -29,12 +29,20 @@ private:
     /// What a row stands for, as it is measured.
     struct RowContents;
 
+    /// A caches folder; with its hidden entries, it is the desktop's, for which the rules hold.
+    struct CachesFolder {
+        std::filesystem::path named;
+        files::HiddenEntries hidden;
+    };
+    [[nodiscard]] static std::vector<CachesFolder> folders();
+
     void collectCachesInfo(ScanBatches& batches);
     void collectByRules(const OpenFolder& folder, ScanBatches& batches);
     void collectRow(const PlaceRow& row, ScanBatches& batches);
     void measureEntry(const PlaceRow& row, RowContents& contents) const;
     void measureFolder(const PlaceRow& row, const PlaceFolder& folder, RowContents& contents) const;
-    [[nodiscard]] bool isRunning(const PlaceRow& row, QString& program);
+    /// The name of the row's program if it runs, by what its system or it says.
+    [[nodiscard]] std::optional<QString> runningProgram(const PlaceRow& row);
 
     ContainersFolderScannerManager& containers_;
     const CacheNames names_{cachesRules()};

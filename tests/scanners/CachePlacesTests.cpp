@@ -1,11 +1,16 @@
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <sstream>
 
 #include "support/FileSections.h"
 #include "support/FixtureTrees.h"
+#include "support/OpenedElsewhere.h"
 #include "support/SubstituteHome.h"
 #include "trial/LinuxDesktop.h"
 
@@ -79,6 +84,120 @@ TEST_F(CachePlaces, OfAWholeDesktopAreListedAsTheGoldenListHasThem) {
     tell(expected, found, "missing: ");
     tell(found, expected, "unexpected: ");
     EXPECT_EQ(difference, "");
+}
+
+TEST_F(CachePlaces, SayWhatIsInUseAndSpareWhatIsNoFile) {
+    const auto caches = home_ / ".cache";
+    writeFile(caches / "held/a/f", "12345");
+    writeFile(caches / "socket/x/f", "12345");
+    makeSocket(caches / "socket/x/s");
+    makeSocket(caches / "s");
+    ASSERT_EQ(::mkfifo((caches / "fifo").c_str(), 0600), 0);
+    writeFile(caches / "spotify/f", "12345");
+    writeFile(caches / "rclone/f", "12345");
+    writeFile(caches / ".fr-open/f", "12345");
+    const auto old = fs::file_time_type::clock::now() - std::chrono::hours(48);
+    fs::last_write_time(caches / ".fr-open/f", old);
+    fs::last_write_time(caches / ".fr-open", old);
+    writeFile(home_ / ".var/app/org.example.A/cache/f", "12345");
+    {
+        const OpenedElsewhere held(caches / "held/a/f");
+        const OpenedElsewhere music(caches / "spotify/f");
+        const OpenedElsewhere uploads(caches / "rclone/f");
+        const OpenedElsewhere archive(caches / ".fr-open/f");
+        const OpenedElsewhere application(home_ / ".var/app/org.example.A/cache/f");
+        const auto items = scanSection(Section::caches).items;
+        EXPECT_THAT(
+            lines(items),
+            testing::ElementsAre("caches .cache/held 5 unticked in-use", "caches .cache/socket 5 unticked in-use",
+                                 "flatpak.cache .var/app/org.example.A/cache 5 unticked in-use",
+                                 "spotify .cache/spotify 5 unticked in-use", "uploads .cache/rclone 5 unticked work"));
+        const auto name = QString::fromStdString(files::programName(held.process()));
+        for (const auto& item : items) {
+            const bool isNamed = item->pfname() != "socket" && item->note() == engine::ItemNote::inUse;
+            EXPECT_EQ(item->details().noteArgument, isNamed ? name : QString()) << item->pfname();
+        }
+    }
+    EXPECT_THAT(lines(scanSection(Section::caches).items),
+                testing::IsSupersetOf({std::string("caches .cache/held 5 ticked -"),
+                                       std::string("archive-leftovers .cache/.fr-open 5 ticked -"),
+                                       std::string("flatpak.cache .var/app/org.example.A/cache 5 ticked -")}));
+}
+
+TEST_F(CachePlaces, OfABrowserAreInUseWhileItsProfileIs) {
+    const auto profile = home_ / LinuxDesktop::profile;
+    writeFile(profile / "Local State", "{}");
+    writeFile(profile / "GPUCache/f", "12345");
+    writeFile(home_ / ".config/chromium/Preferences", "{}");
+    writeFile(home_ / ".cache/chromium/f", "12345");
+    writeFile(home_ / ".mozilla/firefox/x/prefs.js", "");
+    writeFile(home_ / ".cache/mozilla/f", "12345");
+    const auto ended = ::fork();
+    if (ended == 0) {
+        ::_exit(0);
+    }
+    ::waitpid(ended, nullptr, 0);
+    std::array<char, 256> machine{};
+    ASSERT_EQ(::gethostname(machine.data(), machine.size() - 1), 0);
+    const auto expect = [&](const std::string& state) {
+        EXPECT_THAT(lines(scanSection(Section::caches).items),
+                    testing::ElementsAre("browsers .cache/chromium 5 " + state, "electron .config/Code 5 " + state,
+                                         "mozilla .cache/mozilla 5 " + state));
+    };
+    const auto lock = [&](const std::string& host, pid_t process) {
+        desktop_.runProfile(LinuxDesktop::profile, host, process);
+        desktop_.runProfile(".config/chromium", host, process);
+        fs::remove(home_ / ".mozilla/firefox/x/lock");
+        fs::create_symlink("127.0.0.1:+" + std::to_string(process), home_ / ".mozilla/firefox/x/lock");
+    };
+    expect("ticked -");
+    lock(machine.data(), ::getpid());
+    expect("unticked in-use");
+    lock(machine.data(), ended);
+    expect("ticked -");
+    desktop_.runProfile(LinuxDesktop::profile, "another-machine", ended);
+    EXPECT_THAT(lines(scanSection(Section::caches).items),
+                testing::Contains("electron .config/Code 5 unticked in-use"));
+}
+
+TEST_F(CachePlaces, FollowTheRulesHoweverTheCachesFolderIsReached) {
+    const auto disk = folder_ / "disk";
+    writeFile(disk / "rclone/f", "12345");
+    writeFile(disk / "ibus/f", "12345");
+    writeFile(disk / "other/f", "12345");
+    fs::create_directory_symlink(disk, home_ / ".cache");
+    fs::create_directory(home_ / "Library");
+    fs::create_directory_symlink(disk, home_ / "Library/Caches");
+    EXPECT_THAT(lines(scanSection(Section::caches).items),
+                testing::ElementsAre("caches ../disk/other 5 ticked -", "uploads ../disk/rclone 5 unticked work"));
+    fs::remove(home_ / "Library/Caches");
+    writeFile(home_ / "Library/Caches/com.vendor.x", "123");
+    writeFile(home_ / "Library/Caches/.hidden", "123");
+    EXPECT_THAT(lines(scanSection(Section::caches).items),
+                testing::ElementsAre("caches ../disk/other 5 ticked -", "caches Library/Caches/com.vendor.x 3 ticked -",
+                                     "uploads ../disk/rclone 5 unticked work"));
+}
+
+TEST_F(CachePlaces, ThatVariablesNameAreListedWhereTheyHoldWhatTheyShouldAndNowhereElse) {
+    writeFile(home_ / "Documents/cache/download/x", "12345");
+    writeFile(home_ / ".cache/modules/cache/download/x", "12345");
+    writeFile(home_ / "src/pkg/mod/cache/download/x", "12345");
+    writeFile(home_ / "other/x", "12345");
+    const auto linesWith = [&](const char* variable, const fs::path& value) {
+        const SubstituteHome system(home_, {{variable, value}});
+        return lines(scanSection(Section::caches).items);
+    };
+    const std::string plain = "caches .cache/modules 5 ticked -";
+    EXPECT_THAT(linesWith("GOMODCACHE", home_ / "Documents"), testing::ElementsAre(plain));
+    EXPECT_THAT(linesWith("GOMODCACHE", home_), testing::ElementsAre(plain));
+    EXPECT_THAT(linesWith("GOMODCACHE", home_ / "other"), testing::ElementsAre(plain));
+    EXPECT_THAT(linesWith("GOMODCACHE", home_ / "src/pkg/mod"),
+                testing::ElementsAre(plain, "go.mod.cache src/pkg/mod 5 unticked download"));
+    EXPECT_THAT(linesWith("GOPATH", home_ / "src"),
+                testing::ElementsAre(plain, "go.mod.path src/pkg/mod 5 unticked download"));
+    EXPECT_THAT(linesWith("GOMODCACHE", home_ / ".cache/modules"),
+                testing::ElementsAre("go.mod.cache .cache/modules 5 unticked download"))
+        << "one row, and the stricter answer";
 }
 
 }  // namespace brimvault::tests

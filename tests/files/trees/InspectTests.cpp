@@ -3,19 +3,16 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 
 #include "files/FileDescriptor.h"
 #include "files/trees/Measure.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
+#include "support/OpenedElsewhere.h"
 
 namespace brimvault::tests {
 
@@ -31,44 +28,6 @@ ItemFindings inspect(const fs::path& item, const files::OpenFiles& open = {}) {
                                      folder->status()->mount, open)
                : ItemFindings{};
 }
-
-void makeSocket(const fs::path& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.native().copy(address.sun_path, sizeof address.sun_path - 1);
-    const files::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
-    ASSERT_EQ(::bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-}
-
-// A process that holds the file open until this object ends.
-class Holder {
-public:
-    explicit Holder(const fs::path& file) {
-        int ready[2] = {};
-        EXPECT_EQ(::pipe(ready), 0);
-        process_ = ::fork();
-        if (process_ == 0) {
-            const bool isOpen = ::open(file.c_str(), O_RDONLY) >= 0;
-            (void)!::write(ready[1], isOpen ? "y" : "n", 1);
-            ::pause();
-            ::_exit(0);
-        }
-        char answer = 'n';
-        EXPECT_TRUE(::read(ready[0], &answer, 1) == 1 && answer == 'y');
-        ::close(ready[0]);
-        ::close(ready[1]);
-    }
-    Holder(const Holder&) = delete;
-    Holder& operator=(const Holder&) = delete;
-    ~Holder() {
-        ::kill(process_, SIGKILL);
-        ::waitpid(process_, nullptr, 0);
-    }
-    [[nodiscard]] pid_t process() const { return process_; }
-
-private:
-    pid_t process_;
-};
 
 }  // namespace
 
@@ -129,8 +88,8 @@ TEST(Inspect, TellsWhatAnotherProcessHoldsOpen) {
     writeFile(folder / "free/x", "12345");
     const auto openBy = [&](const char* item) { return inspect(folder / item, files::OpenFiles::now()).openBy; };
     {
-        const Holder ofFile(folder / "file/a/b/held");
-        const Holder ofFolder(folder / "folder/held");
+        const OpenedElsewhere ofFile(folder / "file/a/b/held");
+        const OpenedElsewhere ofFolder(folder / "folder/held");
         EXPECT_EQ(openBy("file"), ofFile.process());
         EXPECT_EQ(openBy("folder"), ofFolder.process());
         EXPECT_EQ(openBy("free"), 0);
