@@ -8,6 +8,7 @@
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
 #include "scanners/places/PlacePattern.h"
+#include "scanners/places/RowNames.h"
 
 namespace brimvault::scanners {
 
@@ -193,20 +194,18 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
     if (isCancelled() || !isAnything || contents.judgement.answer == PlaceAnswer::spared) {
         return;
     }
-    const auto program = runningProgram(row);
+    const auto name = nameOf(row, applications_);
+    const auto program = runningProgram(row, name.program);
     if (program) {
         contents.judgement.answer = PlaceAnswer::unticked;
         contents.judgement.note = ItemNote::inUse;
     }
     const auto note = contents.judgement.note;
     contents.details.rule = row.rule->id;
+    contents.details.application = QString::fromStdString(name.desktopEntry);
     contents.details.noteArgument = program ? *program : argumentOf(note, contents.found);
-    const std::string title = *row.rule->title != '\0'   ? row.rule->title
-                              : !row.application.empty() ? row.application
-                                                         : row.path.filename().native();
-    contents.details.application = platform::displayText(row.application);
     addItem({.path = row.path,
-             .name = title,
+             .name = name.title,
              .size = contents.found.logical,
              .kind = files::NodeKind::directory,
              .root = row.root,
@@ -281,19 +280,15 @@ void SChOperation::measureFolder(const PlaceRow& row, const PlaceFolder& folder,
     (void)files::forEachMeasurable(*handle, files::HiddenEntries::include, stopToken(), sizes, call, &open_);
 }
 
-std::optional<QString> SChOperation::runningProgram(const PlaceRow& row) {
+std::optional<QString> SChOperation::runningProgram(const PlaceRow& row, const std::string& program) {
+    const auto named = [](const std::string& name) { return std::optional(platform::displayText(name)); };
     switch (row.rule->running) {
         case PlaceRunning::flatpak:
-            return running_.isFlatpakRunning(row.application) ? std::optional(platform::displayText(row.application))
-                                                              : std::nullopt;
+            return running_.isFlatpakRunning(row.application) ? named(program) : std::nullopt;
         case PlaceRunning::snap:
-            return running_.isSnapRunning(row.application) ? std::optional(platform::displayText(row.application))
-                                                           : std::nullopt;
-        case PlaceRunning::chromium: {
-            const auto use = platform::useOfProfile(row.profile);
-            const auto name = use.program ? files::programName(*use.program) : row.application;
-            return use.isUsed ? std::optional(platform::displayText(name)) : std::nullopt;
-        }
+            return running_.isSnapRunning(row.application) ? named(program) : std::nullopt;
+        case PlaceRunning::chromium:
+            return platform::useOfProfile(row.profile).isUsed ? named(program) : std::nullopt;
         default:
             return std::nullopt;
     }

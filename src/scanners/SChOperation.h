@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/OpenFiles.h"
+#include "platform/DesktopEntries.h"
 #include "platform/RunningPrograms.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/FileScanOperation.h"
@@ -41,13 +42,14 @@ private:
     void collectRow(const PlaceRow& row, ScanBatches& batches);
     void measureEntry(const PlaceRow& row, RowContents& contents) const;
     void measureFolder(const PlaceRow& row, const PlaceFolder& folder, RowContents& contents) const;
-    /// The name of the row's program if it runs, by what its system or it says.
-    [[nodiscard]] std::optional<QString> runningProgram(const PlaceRow& row);
+    /// The row's program if it runs, by what it or its package system says.
+    [[nodiscard]] std::optional<QString> runningProgram(const PlaceRow& row, const std::string& program);
 
     ContainersFolderScannerManager& containers_;
     const CacheNames names_{cachesRules()};
     files::OpenFiles open_;  ///< as it was when the scan began
     platform::RunningPrograms running_;
+    platform::DesktopEntries applications_;
     std::optional<FoundPlaces> places_;  ///< looked for when the scan begins
 };
 

@@ -200,4 +200,20 @@ TEST_F(CachePlaces, ThatVariablesNameAreListedWhereTheyHoldWhatTheyShouldAndNowh
         << "one row, and the stricter answer";
 }
 
+TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
+    desktop_.makeApplications();
+    desktop_.makeDesktopEntries();
+    LinuxDesktop::runFlatpak(runtime_, "org.example.Image", 1);
+    std::map<std::string, std::string> names;
+    for (const auto& item : scanSection(Section::caches).items) {
+        names[relative(item->pfpath())] = item->ppdisplayName().toStdString() + "/" +
+                                          item->details().application.toStdString() + "/" +
+                                          item->details().noteArgument.toStdString();
+    }
+    EXPECT_EQ(names[".var/app/org.example.Image/cache"], "Image Editor (Flatpak)/org.example.Image/Image Editor");
+    EXPECT_EQ(names[".var/app/org.example.Other/cache"], "org.example.Other//");
+    EXPECT_EQ(names[LinuxDesktop::profile], "Visual Studio Code/code/");
+    EXPECT_EQ(names["snap/editor/common/.cache"], "editor//");
+}
+
 }  // namespace brimvault::tests

@@ -1,0 +1,38 @@
+#include "scanners/places/RowNames.h"
+
+namespace brimvault::scanners {
+
+namespace {
+
+std::optional<platform::DesktopEntry> entryOf(const PlaceRow& row, platform::DesktopEntries& entries) {
+    if (!row.profile.empty()) {
+        return entries.findByClassOrProgram(row.application);
+    }
+    // The entries of Snap are named after the snap and the program, which have one name for a snap of one program.
+    return entries.find(row.rule->running == PlaceRunning::snap ? row.application + "_" + row.application
+                                                                : row.application);
+}
+
+const char* systemOf(const PlaceRow& row) {
+    return row.rule->running == PlaceRunning::flatpak ? " (Flatpak)"
+           : row.rule->running == PlaceRunning::snap  ? " (Snap)"
+                                                      : "";
+}
+
+}  // namespace
+
+RowName nameOf(const PlaceRow& row, platform::DesktopEntries& entries) {
+    RowName name{row.path.filename(), row.application, {}};
+    if (!row.application.empty()) {
+        const auto entry = entryOf(row, entries);
+        name.program = entry ? entry->name.toStdString() : row.application;
+        name.title = entry ? name.program + systemOf(row) : row.application;
+        name.desktopEntry = entry ? entry->identifier : "";
+    }
+    if (*row.rule->title != '\0') {
+        name.title = row.rule->title;
+    }
+    return name;
+}
+
+}  // namespace brimvault::scanners
