@@ -8,19 +8,6 @@
 
 namespace brimvault::scanners {
 
-namespace {
-
-std::shared_ptr<const engine::FoundIn> foundIn(const std::string& path, const files::DirectoryHandle& folder,
-                                               const std::shared_ptr<const platform::RootPlace>& root) {
-    engine::FoundIn place{path, {}, root};
-    if (const auto status = folder.status()) {
-        place.folder = status->identity;
-    }
-    return std::make_shared<const engine::FoundIn>(std::move(place));
-}
-
-}  // namespace
-
 void FileScanOperation::iterateFiles(const OpenFolder& folder, files::HiddenEntries hidden,
                                      const std::function<void(const std::filesystem::path&)>& call) const {
     (void)files::forEachChild(folder.handle, hidden, [&](const files::DirectoryEntry& entry) {
@@ -48,7 +35,7 @@ void FileScanOperation::withFolderInside(const std::filesystem::path& path,
 
 void FileScanOperation::collectFilesIn(const OpenFolder& folder, files::HiddenEntries hidden, Addressed addressed,
                                        ScanBatches& batches, const Skipped& skipped) const {
-    const auto place = placeIn(folder.path, folder.handle, folder.root);
+    const auto place = engine::FoundIn::in(folder.path, folder.handle, folder.root);
     const auto sizes = [&](const char* name) {
         return skipped && skipped(name) ? files::Sizes::unwanted : files::Sizes::wanted;
     };
@@ -96,12 +83,6 @@ void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) co
     batches.add(item);
 }
 
-std::shared_ptr<const engine::FoundIn> FileScanOperation::placeIn(
-    const std::filesystem::path& path, const files::DirectoryHandle& folder,
-    const std::shared_ptr<const platform::RootPlace>& root) {
-    return foundIn((path / "").native(), folder, root);
-}
-
 void FileScanOperation::sendOperationCompleted() const {
     batches_.value_or(ScanBatches(section(), 0)).sendOperationCompleted();
 }
@@ -113,7 +94,7 @@ std::shared_ptr<const engine::FoundIn> FileScanOperation::placeOf(const FoundFil
     const auto path = isNamedSo ? (folder / "").native() : found.path.native();
     if (lastPlace_ == nullptr || lastPlace_->path != path || lastPlace_->root != found.root) {
         const auto opened = files::DirectoryHandle::open(folder);
-        lastPlace_ = opened ? foundIn(path, *opened, found.root)
+        lastPlace_ = opened ? engine::FoundIn::at(path, *opened, found.root)
                             : std::make_shared<const engine::FoundIn>(engine::FoundIn{path, {}, found.root});
     }
     return lastPlace_;

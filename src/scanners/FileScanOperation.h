@@ -71,11 +71,6 @@ protected:
     /// Makes the item, with the size in `found`.
     void addItem(const FoundFile& found, ScanBatches& batches) const;
 
-    /// The place of items in the open folder of that path, for all of them to share.
-    [[nodiscard]] static std::shared_ptr<const engine::FoundIn> placeIn(
-        const std::filesystem::path& path, const files::DirectoryHandle& folder,
-        const std::shared_ptr<const platform::RootPlace>& root);
-
     /// Whether items are ticked at first.
     [[nodiscard]] virtual bool isTickedAtFirst() const { return true; }
 

@@ -1,13 +1,11 @@
 #include "scanners/SChOperation.h"
 
-#include <algorithm>
-
 #include "engine/model/FileSize.h"
-#include "files/trees/Inspect.h"
 #include "platform/DisplayText.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
 #include "scanners/places/PlacePattern.h"
+#include "scanners/places/RowContents.h"
 #include "scanners/places/RowNames.h"
 
 namespace brimvault::scanners {
@@ -51,23 +49,6 @@ platform::ProfileUse useOfBrowser(PlaceRunning kind, const std::filesystem::path
 }
 
 }  // namespace
-
-struct SChOperation::RowContents {
-    files::ItemFindings found;
-    Judgement judgement;
-    engine::ItemDetails details;
-
-    void add(const files::ItemFindings& more, ItemNote note) {
-        found.logical += more.logical;
-        found.unshared += more.unshared;
-        found.openBy = found.openBy != 0 ? found.openBy : more.openBy;
-        details.needsAdministrator |= more.isForeign;
-        if (isTickedByHandOnly(note) && !isTickedByHandOnly(judgement.note)) {
-            judgement.note = note;
-            judgement.answer = PlaceAnswer::unticked;
-        }
-    }
-};
 
 std::optional<std::filesystem::path> SChOperation::getOperationRootFolderURL() const {
     const auto& found = root(platform::LibraryURLs::namedCachesFolder());
@@ -146,7 +127,7 @@ void SChOperation::collectByRules(const OpenFolder& folder, ScanBatches& batches
             batches.step();
             if (place == nullptr || placePath != entry.folderPath) {
                 placePath = entry.folderPath;
-                place = placeIn(entry.folderPath, entry.folder, folder.root);
+                place = engine::FoundIn::in(entry.folderPath, entry.folder, folder.root);
             }
             const auto path = entry.folderPath / entry.name;
             auto judgement = entry.judgement;
@@ -182,102 +163,26 @@ void SChOperation::collectByRules(const OpenFolder& folder, ScanBatches& batches
 
 void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
     batches.step();
-    RowContents contents;
-    contents.judgement = {row.rule, row.answer, row.note};
-    if (row.folders.empty()) {
-        measureEntry(row, contents);
-    }
-    for (const auto& folder : row.folders) {
-        measureFolder(row, folder, contents);
-    }
-    const bool isAnything = row.folders.empty() || !contents.details.targets.empty();
-    if (isCancelled() || !isAnything || contents.judgement.answer == PlaceAnswer::spared) {
+    const RowContents contents(row, {names_, open_, stopToken()});
+    if (isCancelled() || contents.isNothing()) {
         return;
     }
     const auto name = nameOf(row, applications_);
     const auto program = runningProgram(row, name.program);
-    if (program) {
-        contents.judgement.answer = PlaceAnswer::unticked;
-        contents.judgement.note = ItemNote::inUse;
-    }
-    const auto note = contents.judgement.note;
-    contents.details.rule = row.rule->id;
-    contents.details.application = QString::fromStdString(name.desktopEntry);
-    contents.details.noteArgument = program ? *program : argumentOf(note, contents.found);
+    const auto note = program ? ItemNote::inUse : contents.judgement().note;
     addItem({.path = row.path,
              .name = name.title,
-             .size = contents.found.logical,
+             .size = contents.found().logical,
              .kind = files::NodeKind::directory,
              .root = row.root,
-             .ticked = contents.judgement.answer == PlaceAnswer::ticked,
+             .ticked = !program && contents.judgement().answer == PlaceAnswer::ticked,
              .note = note,
-             .details = std::move(contents.details)},
+             .details = engine::ItemDetails{.rule = row.rule->id,
+                                            .noteArgument = program ? *program : argumentOf(note, contents.found()),
+                                            .application = QString::fromStdString(name.desktopEntry),
+                                            .needsAdministrator = contents.found().isForeign,
+                                            .targets = contents.targets()}},
             batches);
-}
-
-void SChOperation::measureEntry(const PlaceRow& row, RowContents& contents) const {
-    const auto folder = files::DirectoryHandle::open(row.path.parent_path());
-    const auto holder = folder ? folder->status() : files::Result<files::NodeStatus>::failed(folder.code());
-    if (!holder) {
-        contents.judgement.answer = PlaceAnswer::spared;
-        return;
-    }
-    const auto name = row.path.filename();
-    const auto found =
-        files::inspectEntry(*folder, {name.c_str(), files::NodeKind::directory}, holder->mount, open_, stopToken());
-    const auto* rule = row.rule;
-    const auto judged = judge(std::span(&rule, 1), found, std::chrono::system_clock::now());
-    contents.judgement.answer = std::max(contents.judgement.answer, judged.answer);
-    contents.add(found, judged.note);
-}
-
-// Adds what the folder holds to what the row stands for. In a ticked row stays what would not be ticked by itself, but
-// for what a program has open: then the row is in use.
-void SChOperation::measureFolder(const PlaceRow& row, const PlaceFolder& folder, RowContents& contents) const {
-    const auto handle = files::DirectoryHandle::openForReading(folder.path);
-    const auto status = handle ? handle->status() : files::Result<files::NodeStatus>::failed(handle.code());
-    if (!status || status->place() != folder.place ||
-        (folder.rule->evidence.tagged && !files::isTaggedAsCache(*handle))) {
-        return;
-    }
-    const auto isKept = [&](std::string_view name) {
-        return std::any_of(folder.rule->keep.begin(), folder.rule->keep.end(),
-                           [name](const char* kept) { return name == kept; });
-    };
-    const auto add = [&](const files::DirectoryHandle& in, const std::filesystem::path& path, const char* name,
-                         const files::ItemFindings& found, const Judgement& judged) {
-        const bool isUnticked = judged.answer == PlaceAnswer::unticked && judged.note != ItemNote::inUse;
-        if (isCancelled() || (row.answer == PlaceAnswer::ticked && isUnticked)) {
-            return;
-        }
-        auto& targets = contents.details.targets;
-        const auto place = (path / "").native();
-        if (targets.empty() || targets.back().folder->path != place) {
-            targets.push_back({placeIn(path, in, row.root), {}});
-        }
-        targets.back().names.emplace_back(name);
-        contents.add(found, judged.note);
-    };
-    if (folder.rule->shape == PlaceShape::cache) {
-        names_.forEachEntry(*handle, folder.path, open_, stopToken(), isKept, [&](const CacheNames::Entry& entry) {
-            add(entry.folder, entry.folderPath, entry.name, entry.found, entry.judgement);
-        });
-        return;
-    }
-    const auto now = std::chrono::system_clock::now();
-    const auto sizes = [&](const char* name) { return isKept(name) ? files::Sizes::unwanted : files::Sizes::wanted; };
-    const auto call = [&](const files::MeasurableEntry& entry) {
-        if (entry.sizes == files::Sizes::wanted) {
-            const auto found = entry.findings();
-            const auto* rule = folder.rule;
-            const auto judged = judge(std::span(&rule, 1), found, now);
-            if (holdsEvidence(*rule, found, now) && judged.answer != PlaceAnswer::spared) {
-                add(*handle, folder.path, entry.name, found, judged);
-            }
-        }
-        return true;
-    };
-    (void)files::forEachMeasurable(*handle, files::HiddenEntries::include, stopToken(), sizes, call, &open_);
 }
 
 std::optional<QString> SChOperation::runningProgram(const PlaceRow& row, const std::string& program) {

@@ -27,9 +27,6 @@ protected:
     void main() override;
 
 private:
-    /// What a row stands for, as it is measured.
-    struct RowContents;
-
     /// A caches folder; with its hidden entries, it is the desktop's, for which the rules hold.
     struct CachesFolder {
         std::filesystem::path named;
@@ -40,8 +37,6 @@ private:
     void collectCachesInfo(ScanBatches& batches);
     void collectByRules(const OpenFolder& folder, ScanBatches& batches);
     void collectRow(const PlaceRow& row, ScanBatches& batches);
-    void measureEntry(const PlaceRow& row, RowContents& contents) const;
-    void measureFolder(const PlaceRow& row, const PlaceFolder& folder, RowContents& contents) const;
     /// The row's program if it runs, by what it or its package system says.
     [[nodiscard]] std::optional<QString> runningProgram(const PlaceRow& row, const std::string& program);
 
