@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "files/removal/Remove.h"
 #include "files/trees/Measure.h"
-#include "files/trees/Remove.h"
 
 namespace {
 

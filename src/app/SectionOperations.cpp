@@ -1,7 +1,7 @@
 #include "app/SectionOperations.h"
 
-#include "langres/CAOperation.h"
 #include "langres/SAOperation.h"
+#include "langres/removal/CAOperation.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/SChOperation.h"
 #include "scanners/SDwnOperation.h"

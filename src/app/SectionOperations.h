@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/operations/FCutter.h"
 #include "engine/operations/FScaner.h"
+#include "engine/removal/FCutter.h"
 
 namespace brimvault::app {
 

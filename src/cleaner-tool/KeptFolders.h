@@ -9,7 +9,7 @@
 #include "cleaner-tool/PinnedFolder.h"
 #include "cleaner-tool/Requester.h"
 #include "files/NodeStatus.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 
 namespace brimvault::cleaner {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "cleaner-tool/TrashMove.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 
 namespace brimvault::cleaner {
 

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "cleaner-tool/Requester.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 
 namespace brimvault::cleaner {
 

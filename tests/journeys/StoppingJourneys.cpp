@@ -4,7 +4,7 @@
 #include <semaphore>
 
 #include "engine/operations/OperationQueue.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 #include "support/EventLoop.h"
 #include "support/SectionWork.h"
 #include "support/WindowFixture.h"

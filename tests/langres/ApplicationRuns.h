@@ -3,8 +3,8 @@
 #include <map>
 #include <string>
 
-#include "langres/CAOperation.h"
 #include "langres/SAOperation.h"
+#include "langres/removal/CAOperation.h"
 #include "support/FileSections.h"
 #include "trial/SampleHome.h"
 

@@ -18,7 +18,7 @@
 #include <thread>
 
 #include "engine/notification/Notifications.h"
-#include "engine/operations/FCutter.h"
+#include "engine/removal/FCutter.h"
 #include "engine/removal/Remover.h"
 #include "files/FileDescriptor.h"
 #include "support/HeardNotifications.h"

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/notification/Notifications.h"
-#include "engine/operations/FCutter.h"
 #include "engine/operations/OperationQueue.h"
+#include "engine/removal/FCutter.h"
 #include "platform/System.h"
 #include "scanners/SChOperation.h"
 #include "scanners/SDwnOperation.h"

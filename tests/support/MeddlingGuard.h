@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 
 namespace brimvault::tests {
 

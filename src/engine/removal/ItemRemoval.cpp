@@ -5,7 +5,7 @@
 
 #include "engine/model/FileManager.h"
 #include "files/NodeStatus.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 #include "platform/TrashFolders.h"
 
 namespace brimvault::engine {

@@ -1,6 +1,6 @@
 #include "engine/removal/RootRemover.h"
 
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 
 namespace brimvault::engine {
 

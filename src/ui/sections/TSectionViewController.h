@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/notification/NotificationCenter.h"
-#include "engine/operations/CPerformer.h"
+#include "engine/removal/CPerformer.h"
 #include "platform/UserDefaults.h"
 #include "ui/controls/AlertPresenter.h"
 #include "ui/sections/CleanStatistics.h"

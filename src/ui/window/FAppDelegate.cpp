@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "engine/notification/Notifications.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 #include "platform/QuorvelFallManager.h"
 #include "ui/services/DefaultsKeys.h"
 

@@ -6,8 +6,8 @@
 
 #include "engine/notification/Notification.h"
 #include "engine/notification/NotificationCenter.h"
-#include "engine/operations/FCutter.h"
 #include "engine/operations/FScaner.h"
+#include "engine/removal/FCutter.h"
 #include "langres/LangListController.h"
 #include "langres/LanguagesManager.h"
 #include "platform/UserDefaults.h"

@@ -4,8 +4,8 @@
 #include <csignal>
 
 #include "cleaner-tool/protocol/SocketPath.h"
-#include "engine/operations/FCutter.h"
 #include "engine/removal/AuthorizationManager.h"
+#include "engine/removal/FCutter.h"
 #include "engine/removal/Remover.h"
 #include "support/SubstituteHome.h"
 #include "trial/TemporaryFolder.h"

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "files/FileDescriptor.h"
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 #include "support/NameExchange.h"

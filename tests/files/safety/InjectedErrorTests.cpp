@@ -18,7 +18,7 @@
 #include <set>
 #include <sstream>
 
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 

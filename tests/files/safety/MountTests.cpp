@@ -9,8 +9,8 @@
 #include <system_error>
 #include <vector>
 
+#include "files/removal/Remove.h"
 #include "files/trees/Measure.h"
-#include "files/trees/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 

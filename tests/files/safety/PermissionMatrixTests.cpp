@@ -14,7 +14,7 @@
 #include <system_error>
 #include <vector>
 
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
 

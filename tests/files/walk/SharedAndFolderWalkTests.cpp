@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
+#include "files/removal/Remove.h"
 #include "files/trees/FolderWalk.h"
 #include "files/trees/Measure.h"
-#include "files/trees/Remove.h"
 #include "files/walk/TreeWalk.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"

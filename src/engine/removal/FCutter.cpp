@@ -1,8 +1,8 @@
-#include "engine/operations/FCutter.h"
+#include "engine/removal/FCutter.h"
 
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
-#include "engine/operations/FileCleanOperations.h"
+#include "engine/removal/FileCleanOperations.h"
 
 namespace brimvault::engine {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/operations/CBaseOperation2.h"
+#include "engine/removal/CBaseOperation2.h"
 #include "platform/LibraryURLs.h"
 
 namespace brimvault::engine {

@@ -1,4 +1,4 @@
-#include "langres/CAOperation.h"
+#include "langres/removal/CAOperation.h"
 
 #include <QSet>
 

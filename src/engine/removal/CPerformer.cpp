@@ -1,4 +1,4 @@
-#include "engine/operations/CPerformer.h"
+#include "engine/removal/CPerformer.h"
 
 #include <array>
 

@@ -5,7 +5,7 @@
 #include <clocale>
 #include <system_error>
 
-#include "engine/operations/FileCleanOperations.h"
+#include "engine/removal/FileCleanOperations.h"
 #include "engine/removal/ItemRemoval.h"
 #include "files/NodeStatus.h"
 #include "support/ChildProcess.h"

@@ -1,4 +1,4 @@
-#include "files/trees/Remove.h"
+#include "files/removal/Remove.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

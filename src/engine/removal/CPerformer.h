@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "engine/model/DataMan.h"
-#include "engine/operations/FCutter.h"
 #include "engine/operations/FScaner.h"
+#include "engine/removal/FCutter.h"
 
 namespace brimvault::engine {
 

@@ -7,7 +7,7 @@
 #include <semaphore>
 #include <stdexcept>
 
-#include "engine/operations/CPerformer.h"
+#include "engine/removal/CPerformer.h"
 #include "support/EventLoop.h"
 #include "support/HeardNotifications.h"
 #include "support/SectionWork.h"

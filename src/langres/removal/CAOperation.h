@@ -6,8 +6,8 @@
 
 #include "engine/model/AppItemData.h"
 #include "engine/notification/Notification.h"
-#include "engine/operations/FCleanProps.h"
 #include "engine/operations/SectionOperation.h"
+#include "engine/removal/FCleanProps.h"
 #include "engine/removal/ItemRemoval.h"
 #include "engine/removal/PrivilegedRemover.h"
 

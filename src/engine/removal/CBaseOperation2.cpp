@@ -1,4 +1,4 @@
-#include "engine/operations/CBaseOperation2.h"
+#include "engine/removal/CBaseOperation2.h"
 
 #include <QCoreApplication>
 
