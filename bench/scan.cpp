@@ -3,7 +3,7 @@
 // of the idle window. With "idle" also how often the idle window wakes a thread in five seconds, before the scans and
 // after them. The home folder stays as it is.
 //
-//     brimvault-scan HOME [idle]    prints a name and a value on each line
+//     brimvault-scan-time HOME [idle]    prints a name and a value on each line
 
 #include <QEventLoop>
 #include <QTimer>
@@ -117,7 +117,7 @@ void reportFound(engine::DataMan& model) {
 int main(int argc, char* argv[]) {
     const bool withIdle = argc == 3 && argv[2] == std::string("idle");
     if (argc != 2 && !withIdle) {
-        std::cerr << "usage: brimvault-scan HOME [idle]\n";
+        std::cerr << "usage: brimvault-scan-time HOME [idle]\n";
         return 2;
     }
     MainThreadClock clock(argc, argv);

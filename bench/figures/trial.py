@@ -94,7 +94,7 @@ def chain(trees, table, rounds):
 
 def scan_once(trees, home, made, *more):
     environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "XDG_RUNTIME_DIR": trees.folder}
-    scan = run([os.path.join(trees.programs, "brimvault-scan"), home, *more], environment=environment)
+    scan = run([os.path.join(trees.programs, "brimvault-scan-time"), home, *more], environment=environment)
     for what in ("listed", "items", "applications"):
         expect_same(f"the scan: {what}", scan.count(what), made.count(what))
     return scan
