@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "langres/KeptLanguages.h"
 #include "platform/UserDefaults.h"
 
 namespace brimvault::langres {
@@ -27,7 +28,7 @@ public:
     }
 
     /// The key under which the choice is stored.
-    [[nodiscard]] QString keyString() const { return QStringLiteral("LK_%1").arg(pName_); }
+    [[nodiscard]] QString keyString() const { return defaultsKeyOf(pName_); }
     /// Shown if the language has no name.
     [[nodiscard]] QString description() const { return QStringLiteral("<LangItem: %1>").arg(pName_); }
 

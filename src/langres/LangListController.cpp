@@ -11,9 +11,6 @@ namespace {
 
 const QString english = QStringLiteral("en");
 
-// English and its variants are always kept, and share the first row.
-bool isEnglish(const QString& language) { return language.startsWith(english); }
-
 // Title case by the rules of the language: Turkish and Azerbaijani capitalize i with its dot.
 QString capitalized(const QString& text, const QString& language) {
     const QString family = language.section(QLatin1Char('-'), 0, 0);
@@ -35,12 +32,12 @@ QString capitalized(const QString& text, const QString& language) {
 LangListController::LangListController(const LanguagesManager& languages, platform::UserDefaults& defaults,
                                        ChangeListener changedListOfLangs)
     : defaults_(defaults), pLangChangeListener_(std::move(changedListOfLangs)), offered_(languages.popularLanguages()) {
-    const auto used = languages.safeUserLanguages();
+    const auto isKept = keptByDefault(languages);
+    // English and its variants share the first row.
     plangArray_.push_back(LangItem::initWithName(english, true, defaults_));
     for (const QString& language : offered_) {
         if (!isEnglish(language)) {
-            const bool needed = language == offered_.first() || used.contains(language.toLower());
-            plangArray_.push_back(LangItem::initWithName(language, needed, defaults_));
+            plangArray_.push_back(LangItem::initWithName(language, isKept(language), defaults_));
         }
     }
     const auto readers = languages.preferredLanguages();
@@ -53,14 +50,8 @@ LangListController::LangListController(const LanguagesManager& languages, platfo
 
 void LangListController::reinitNeededArray() {
     plangArray_.front().setBNeeded(true);  // whatever is stored or set
-    pneededStrArray_ = {english};
     auto row = plangArray_.cbegin() + 1;
-    for (const QString& language : offered_) {
-        const bool needed = isEnglish(language) || (row++)->bNeeded();
-        if (needed && !pneededStrArray_.contains(language)) {
-            pneededStrArray_.append(language);
-        }
-    }
+    pneededStrArray_ = languagesToKeep(offered_, [&](const QString& /*language*/) { return (row++)->bNeeded(); });
     pLangChangeListener_(pneededStrArray_);
 }
 
