@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <chrono>
 
+#include "engine/model/PlaceTexts.h"
 #include "engine/notification/Notifications.h"
 #include "ui/sections/CleanQuestion.h"
 #include "ui/sections/SectionRows.h"
-#include "ui/services/PlaceTexts.h"
 
 namespace brimvault::ui {
 
@@ -102,7 +102,7 @@ void TSectionViewController::updateSubTitlesTexts() {
         model_.setSubtitle(row, subtitle(row));
         model_.setNote(row, notes_.text(section));
         const auto& places = performer_.getAppResDS().places(rowAt(row).section);
-        model_.setPlaces(row, placeTexts::all(places), placeTexts::unusual(places));
+        model_.setPlaces(row, engine::placeTexts::all(places), engine::placeTexts::unusual(places));
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include <QLocale>
 
+#include "engine/model/PlaceTexts.h"
 #include "ui/list/ListControllers.h"
-#include "ui/services/PlaceTexts.h"
 
 namespace brimvault::ui {
 
@@ -102,8 +102,8 @@ void SectionPanels::updateTitle() {
     panel_.setTitle(sectionTitle(sectionRows()[static_cast<std::size_t>(activeRow_)]),
                     listed ? countText(current->section(), current->itemCount(), scanning) : QString());
     const auto& places = sections_.getAppResDS().places(current->section());
-    const QString refused = placeTexts::refused(places);
-    panel_.setPlaces(listed ? placeTexts::unusual(places) : QString(), placeTexts::all(places));
+    const QString refused = engine::placeTexts::refused(places);
+    panel_.setPlaces(listed ? engine::placeTexts::unusual(places) : QString(), engine::placeTexts::all(places));
     panel_.setNote(scanning            ? tr("Scanning...")
                    : refused.isEmpty() ? sections_.subtitle(activeRow_)
                                        : sections_.subtitle(activeRow_) + QStringLiteral("\n\n") + refused);

@@ -1,11 +1,11 @@
-#include "ui/services/PlaceTexts.h"
+#include "engine/model/PlaceTexts.h"
 
 #include <QCoreApplication>
 #include <QStringList>
 
 #include "platform/DisplayText.h"
 
-namespace brimvault::ui {
+namespace brimvault::engine {
 
 using platform::RootPlace;
 using platform::RootRefusal;
@@ -59,7 +59,7 @@ QString line(const RootPlace& place) {
 }
 
 template <typename Wanted>
-QString lines(const engine::Places& places, Wanted wanted) {
+QString lines(const Places& places, Wanted wanted) {
     QStringList found;
     for (const auto& place : places) {
         if (wanted(*place)) {
@@ -71,17 +71,17 @@ QString lines(const engine::Places& places, Wanted wanted) {
 
 }  // namespace
 
-QString placeTexts::all(const engine::Places& places) {
+QString placeTexts::all(const Places& places) {
     const QString there = lines(places, [](const RootPlace& place) { return place.refusal != RootRefusal::missing; });
     return there.isEmpty() ? there : QCoreApplication::translate("Places", "Looks in:") + QLatin1Char('\n') + there;
 }
 
-QString placeTexts::unusual(const engine::Places& places) {
+QString placeTexts::unusual(const Places& places) {
     return lines(places, [](const RootPlace& place) {
         return isRefused(place) || (place.refusal == RootRefusal::none && isLinked(place));
     });
 }
 
-QString placeTexts::refused(const engine::Places& places) { return lines(places, isRefused); }
+QString placeTexts::refused(const Places& places) { return lines(places, isRefused); }
 
-}  // namespace brimvault::ui
+}  // namespace brimvault::engine
