@@ -4,7 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "app/SectionOperations.h"
+#include "app/CleanOperations.h"
+#include "app/scan/ScanOperations.h"
 #include "platform/System.h"
 #include "platform/UserDefaults.h"
 #include "trial/Guide.h"

@@ -9,7 +9,8 @@
 #include <set>
 #include <string>
 
-#include "app/SectionOperations.h"
+#include "app/CleanOperations.h"
+#include "app/scan/ScanOperations.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "engine/removal/Remover.h"

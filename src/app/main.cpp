@@ -5,8 +5,9 @@
 #include <future>
 #include <thread>
 
-#include "app/SectionOperations.h"
+#include "app/CleanOperations.h"
 #include "app/Translations.h"
+#include "app/scan/ScanOperations.h"
 #include "engine/removal/Remover.h"
 #include "platform/UserDefaults.h"
 #include "ui/accessibility/AccessibleItemView.h"

@@ -10,7 +10,8 @@
 #include <mutex>
 #include <optional>
 
-#include "app/SectionOperations.h"
+#include "app/CleanOperations.h"
+#include "app/scan/ScanOperations.h"
 #include "engine/model/FFItem.h"
 #include "engine/model/FileSize.h"
 #include "engine/notification/NotificationCenter.h"

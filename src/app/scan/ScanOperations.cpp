@@ -1,7 +1,6 @@
-#include "app/SectionOperations.h"
+#include "app/scan/ScanOperations.h"
 
 #include "langres/SAOperation.h"
-#include "langres/removal/CAOperation.h"
 #include "scanners/ContainersFolderScannerManager.h"
 #include "scanners/SChOperation.h"
 #include "scanners/SDwnOperation.h"
@@ -19,15 +18,6 @@ engine::ScanTable scanOperations() {
     table.operations[Section::logs] = [] { return std::make_shared<scanners::SLogsOperation>(); };
     table.operations[Section::downloads] = [] { return std::make_shared<scanners::SDwnOperation>(); };
     table.operations[Section::trash] = [] { return std::make_shared<scanners::STrshOperation>(); };
-    return table;
-}
-
-engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover) {
-    auto table = engine::CleanTable::fileSections(remover);
-    table.applications = [&remover](const engine::ApplicationArray& items,
-                                    const std::shared_ptr<engine::FCleanProps>& props) {
-        return std::make_shared<langres::CAOperation>(items, props, remover);
-    };
     return table;
 }
 

@@ -1,12 +1,9 @@
 #pragma once
 
-#include "engine/operations/FScaner.h"
 #include "engine/removal/FCutter.h"
 
 namespace brimvault::app {
 
-/// What scans each section of the program.
-[[nodiscard]] engine::ScanTable scanOperations();
 /// What cleans each section; the remover, which outlives the table, removes what the user may not.
 [[nodiscard]] engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover);
 

@@ -1,0 +1,73 @@
+#include "app/scan/JsonText.h"
+
+#include <algorithm>
+
+#include "app/scan/PathBytes.h"
+
+namespace brimvault::app {
+
+namespace {
+
+std::string jsonString(std::string_view text) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string result = "\"";
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code < 0x20) {
+            result += "\\u00";
+            result += {digits[code / 16U], digits[code % 16U]};
+        } else {
+            if (character == '"' || character == '\\') {
+                result += '\\';
+            }
+            result += character;
+        }
+    }
+    return result + '"';
+}
+
+const char* truth(bool value) { return value ? "true" : "false"; }
+
+// The parts as a list with commas.
+template <typename Parts, typename Text>
+std::string listed(const Parts& parts, Text text) {
+    std::string list = "[";
+    for (const auto& part : parts) {
+        list += list.size() > 1 ? "," : "";
+        list += text(part);
+    }
+    return list + ']';
+}
+
+std::string objectOf(const Finding& item) {
+    const bool isText = isUtf8(item.path) && std::all_of(item.targets.begin(), item.targets.end(), &isUtf8);
+    const auto path = [&](const std::string& bytes) { return jsonString(isText ? bytes : percentEncoded(bytes)); };
+    std::string object = R"({"rule":)" + jsonString(item.rule) + R"(,"path":)" + path(item.path);
+    if (!isText) {
+        object += R"(,"pathEncoding":"percent")";
+    }
+    if (!item.targets.empty()) {
+        object += R"(,"targets":)" + listed(item.targets, path);
+    }
+    object += R"(,"bytes":)" + std::to_string(item.bytes) + R"(,"frees":null,"ticked":)" + truth(item.isTicked) +
+              R"(,"admin":)" + truth(item.needsAdministrator);
+    if (item.note != engine::ItemNote::none) {
+        object += R"(,"note":)" + jsonString(engine::keyOf(item.note));
+        if (!item.noteArgument.isEmpty()) {
+            object += R"(,"noteArgument":)" + jsonString(item.noteArgument.toStdString());
+        }
+    }
+    return object + '}';
+}
+
+}  // namespace
+
+std::string jsonText(const std::vector<SectionFindings>& findings) {
+    const auto section = [](const SectionFindings& found) {
+        return R"({"id":)" + jsonString(found.name.id.latin1()) + R"(,"bytes":)" + std::to_string(found.bytes()) +
+               R"(,"items":)" + listed(found.items, &objectOf) + '}';
+    };
+    return R"({"version":1,"sections":)" + listed(findings, section) + "}\n";
+}
+
+}  // namespace brimvault::app
