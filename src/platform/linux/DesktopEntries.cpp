@@ -37,7 +37,7 @@ QString nameIn(GKeyFile* file) {
     return value ? displayText(value.get()) : QString();
 }
 
-// Many entries append the extension that the specification of themes leaves away.
+// Many entries append an extension, although themes know icons without one.
 std::string iconIn(GKeyFile* file) {
     const fs::path named = text(file, G_KEY_FILE_DESKTOP_KEY_ICON);
     if (named.is_absolute()) {
