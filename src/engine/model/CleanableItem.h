@@ -24,6 +24,8 @@ public:
     /// May be removed at all; false until a scanner sets it.
     [[nodiscard]] bool ppbDeletable() const { return deletable_; }
     void setPpbDeletable(bool deletable) { setMark(deletable_, deletable); }
+    /// Whether only the user's own hand ticks it: not a tick of all items, nor one of an item that holds it.
+    [[nodiscard]] virtual bool isTickedByHandOnly() const { return false; }
     /// From now on a change of its marks changes `marksRevision`. Not before: no sum includes the item yet.
     void watchMarks() { watched_ = true; }
     /// A counter that grows whenever a mark of any watched item changes.

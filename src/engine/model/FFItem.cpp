@@ -68,6 +68,21 @@ const ItemDetails& FFItem::details() const {
     return details_ == nullptr ? none : *details_;
 }
 
+QString FFItem::noteText() const { return textOf(note_, platform::displayText(details().noteArgument.toStdString())); }
+
+std::vector<std::filesystem::path> FFItem::removalPaths() const {
+    std::vector<std::filesystem::path> paths;
+    for (const auto& target : details().targets) {
+        for (const auto& name : target.names) {
+            paths.push_back(std::filesystem::path(target.folder == nullptr ? "" : target.folder->path) / name);
+        }
+    }
+    if (!hasTargets() && hasPath()) {
+        paths.push_back(pfpath());
+    }
+    return paths;
+}
+
 std::filesystem::path FFItem::location() const {
     return foundIn_ != nullptr && foundPathKind_ == FoundPathKind::sectionFolder ? foundIn_->path + nameBytes()
                                                                                  : pathBytes();

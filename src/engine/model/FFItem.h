@@ -75,18 +75,23 @@ public:
     [[nodiscard]] std::string pathBytes() const;
     /// True only if both lie in one folder; may be false even if they do.
     [[nodiscard]] bool isBeside(const FFItem& other) const {
-        return foundPathKind_ == FoundPathKind::folder && other.foundPathKind_ == FoundPathKind::folder &&
-               foundIn_ == other.foundIn_;
+        return !hasTargets() && !other.hasTargets() && foundPathKind_ == FoundPathKind::folder &&
+               other.foundPathKind_ == FoundPathKind::folder && foundIn_ == other.foundIn_;
     }
     /// Whether this item is ticked along with an item that holds it, or with all others.
-    [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable() && !isTickedByHandOnly(note_); }
+    [[nodiscard]] bool mayBeTickedAlong() const { return ppbDeletable() && !isTickedByHandOnly(); }
+    [[nodiscard]] bool isTickedByHandOnly() const override { return engine::isTickedByHandOnly(note_); }
 
     /// Why the user should look at it first. To be set before the item is posted.
     [[nodiscard]] ItemNote note() const { return note_; }
     void setNote(ItemNote note) { note_ = note; }
-    /// The note as one sentence for people; empty without a note.
-    [[nodiscard]] QString noteText() const { return textOf(note_, details().noteArgument); }
+    /// The note as one sentence for people, on one line whatever its argument holds; empty without a note.
+    [[nodiscard]] QString noteText() const;
     [[nodiscard]] const ItemDetails& details() const;
+    /// Whether it stands for several things, and its own path is never removed.
+    [[nodiscard]] bool hasTargets() const { return details_ != nullptr && !details_->targets.empty(); }
+    /// What a removal acts on: the paths of its targets, or its own; none if it has no path.
+    [[nodiscard]] std::vector<std::filesystem::path> removalPaths() const;
     /// To be called before the item is posted.
     void setDetails(ItemDetails details) { details_ = std::make_unique<const ItemDetails>(std::move(details)); }
 

@@ -6,9 +6,23 @@ namespace brimvault::engine {
 
 namespace {
 
-std::string folderOf(const FFItem& item) {
-    const auto path = item.pathBytes();
-    return path.substr(0, path.rfind('/') + 1);  // none without a path
+std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
+
+// Calls for each path that a removal of the item acts on; for none without a path.
+template <typename Call>
+void forEachPath(const FFItem& item, Call call) {
+    const auto callIfInFolder = [&](const std::string& path) {
+        if (path.find('/') != std::string::npos) {
+            call(path);
+        }
+    };
+    if (!item.hasTargets()) {
+        callIfInFolder(item.pathBytes());
+        return;
+    }
+    for (const auto& path : item.removalPaths()) {
+        callIfInFolder(path.native());
+    }
 }
 
 // Calls for each ancestor of the folder and for the folder itself, each with a slash at its end.
@@ -46,6 +60,9 @@ void NestedItems::addNew() {
             untickIfItHoldsUnticked(path, *items_[place]);
         }
     }
+    if (holdsTargets_) {
+        untickHoldersOfUnticked();
+    }
 }
 
 void NestedItems::addRun(std::map<std::string, qsizetype>& toSearch) {
@@ -54,10 +71,15 @@ void NestedItems::addRun(std::map<std::string, qsizetype>& toSearch) {
         ++run.end;
     }
     indexed_ = run.end;
-    const auto folder = folderOf(*items_[run.first]);
-    if (folder.empty()) {
-        return;
+    holdsTargets_ = holdsTargets_ || items_[run.first]->hasTargets();
+    std::set<std::string> folders;
+    forEachPath(*items_[run.first], [&](const std::string& path) { folders.insert(folderOf(path)); });
+    for (const auto& folder : folders) {
+        addRunIn(folder, run, toSearch);
     }
+}
+
+void NestedItems::addRunIn(const std::string& folder, const Run& run, std::map<std::string, qsizetype>& toSearch) {
     const auto [known, isNew] = folders_.try_emplace(folder);
     known->second.push_back(run);
     toSearch.try_emplace(folder, run.first);
@@ -73,6 +95,7 @@ void NestedItems::addRun(std::map<std::string, qsizetype>& toSearch) {
 void NestedItems::clear() {
     folders_.clear();
     holders_.clear();
+    holdsTargets_ = false;
     indexed_ = 0;
 }
 
@@ -94,19 +117,24 @@ void NestedItems::findHoldersIn(Folders::const_iterator folder, qsizetype firstI
     }
     for (const auto& run : folder->second) {
         for (qsizetype place = std::max(run.first, firstItem); place < run.end; ++place) {
-            const auto path = items_[place]->pathBytes();
-            if (names.contains(path.substr(folder->first.size()))) {
-                holders_.insert_or_assign(path + '/', place);
-            }
+            forEachPath(*items_[place], [&](const std::string& path) {
+                if (path.starts_with(folder->first) && names.contains(path.substr(folder->first.size()))) {
+                    holders_.insert_or_assign(path + '/', place);
+                }
+            });
         }
     }
 }
 
 void NestedItems::forEachInside(const FFItem& item, const Call& call) const {
-    const auto path = item.pathBytes() + '/';
-    if (!holders_.contains(path)) {
-        return;
-    }
+    forEachPath(item, [&](const std::string& path) {
+        if (holders_.contains(path + '/')) {
+            forEachBelow(path + '/', call);
+        }
+    });
+}
+
+void NestedItems::forEachBelow(const std::string& path, const Call& call) const {
     for (auto next = folders_.lower_bound(path); next != folders_.end() && next->first.starts_with(path); ++next) {
         for (const auto& run : next->second) {
             std::for_each(items_.begin() + run.first, items_.begin() + run.end,
@@ -115,7 +143,9 @@ void NestedItems::forEachInside(const FFItem& item, const Call& call) const {
     }
 }
 
-void NestedItems::forEachHolder(const FFItem& item, const Call& call) const { forEachHolderOf(folderOf(item), call); }
+void NestedItems::forEachHolder(const FFItem& item, const Call& call) const {
+    forEachPath(item, [&](const std::string& path) { forEachHolderOf(folderOf(path), call); });
+}
 
 void NestedItems::forEachHolderOf(const std::string& path, const Call& call) const {
     if (holders_.empty()) {
@@ -133,19 +163,27 @@ bool NestedItems::isAnyUnticked(const Run& run) const {
                        [](const auto& item) { return !item->ppbChecked(); });
 }
 
-void NestedItems::untickIfItHoldsUnticked(const std::string& path, FFItem& holder) const {
+bool NestedItems::untickIfItHoldsUnticked(const std::string& path, FFItem& holder) const {
     for (auto next = folders_.lower_bound(path);
          holder.ppbChecked() && next != folders_.end() && next->first.starts_with(path); ++next) {
         const auto& runs = next->second;
         if (std::any_of(runs.begin(), runs.end(), [this](const Run& run) { return isAnyUnticked(run); })) {
             holder.setPpbChecked(false);
+            return true;
         }
     }
+    return false;
 }
 
+// What holds an item with several targets need not hold what lies in another of these: that takes another round.
 void NestedItems::untickHoldersOfUnticked() const {
-    for (const auto& [path, place] : holders_) {
-        untickIfItHoldsUnticked(path, *items_[place]);
+    bool again = true;
+    while (again) {
+        again = false;
+        for (const auto& [path, place] : holders_) {
+            auto& holder = *items_[place];
+            again = (untickIfItHoldsUnticked(path, holder) && holder.hasTargets()) || again;
+        }
     }
 }
 

@@ -64,6 +64,9 @@ bool SectionItems::setChecked(FFItem& item, bool checked) {
     for (const auto* inner : std::as_const(spared)) {
         nested_.forEachHolder(*inner, untick);
     }
+    if (nested_.holdsTargets()) {
+        nested_.untickHoldersOfUnticked();
+    }
     return CleanableItem::marksRevision() != before + (changes ? 1 : 0);
 }
 

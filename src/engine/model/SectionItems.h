@@ -13,7 +13,7 @@ struct ItemSums {
     quint64 all = 0;         ///< bytes
     quint64 selected = 0;    ///< bytes
     qsizetype ticked = 0;    ///< of the items that lists show
-    qsizetype unticked = 0;  ///< of the items that lists show and that may be removed
+    qsizetype unticked = 0;  ///< of the items that lists show and that a tick of all would tick
 
     void add(const CleanableItem& item) {
         const quint64 size = item.ppnSize();
@@ -22,10 +22,10 @@ struct ItemSums {
         if (size != 0) {
             const bool checked = item.ppbChecked();
             ticked += checked ? 1 : 0;
-            unticked += !checked && item.ppbDeletable() ? 1 : 0;
+            unticked += !checked && item.ppbDeletable() && !item.isTickedByHandOnly() ? 1 : 0;
         }
     }
-    /// -1 some, 0 none, 1 all; what cannot be removed counts only if it is ticked.
+    /// -1 some, 0 none, 1 all; what cannot be removed, or is ticked by hand alone, counts only if it is ticked.
     [[nodiscard]] int checkstate() const { return ticked == 0 ? 0 : unticked == 0 ? 1 : -1; }
 };
 

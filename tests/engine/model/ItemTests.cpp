@@ -105,10 +105,33 @@ QByteArray ticked(const ItemArray& items) {
     return marks;
 }
 
-bool lies(const FFItem& item, const FFItem& in) { return item.pathBytes().starts_with(in.pathBytes() + "/"); }
+bool lies(const FFItem& item, const FFItem& in) {
+    const auto inside = item.removalPaths();
+    const auto outside = in.removalPaths();
+    return std::any_of(inside.begin(), inside.end(), [&](const auto& path) {
+        return std::any_of(outside.begin(), outside.end(),
+                           [&](const auto& holder) { return path.native().starts_with(holder.native() + "/"); });
+    });
+}
+
+/// Of one path, or standing for several.
+std::shared_ptr<FFItem> itemOf(const QList<std::filesystem::path>& paths) {
+    if (paths.size() == 1) {
+        return FFItem::initWithPath(paths.first(), 1);
+    }
+    auto item = FFItem::initWithPath("/r/never removed", 1);
+    ItemDetails details;
+    for (const auto& path : paths) {
+        const FoundIn folder{path.parent_path().native() + "/"};
+        details.targets.push_back({std::make_shared<const FoundIn>(folder), {path.filename().native()}});
+    }
+    item->setDetails(std::move(details));
+    return item;
+}
 
 // The marks that are to come of these, item by item and without any order: what holds unticked items is not ticked.
 QByteArray settled(const ItemArray& items, QByteArray marks) {
+    const auto before = marks;
     for (qsizetype holder = 0; holder < items.size(); ++holder) {
         for (qsizetype item = 0; item < items.size(); ++item) {
             if (marks[item] == '-' && lies(*items[item], *items[holder])) {
@@ -116,7 +139,7 @@ QByteArray settled(const ItemArray& items, QByteArray marks) {
             }
         }
     }
-    return marks;
+    return marks == before ? marks : settled(items, marks);
 }
 
 // After a click, which goes for what lies in the item as well.
@@ -152,7 +175,12 @@ TEST(SectionItems, ClicksBatchesAndRemovalsAgreeWithAReckoningItemByItem) {
         while (!paths.isEmpty()) {
             ItemArray batch;
             for (auto count = pick(5); count >= 0 && !paths.isEmpty(); --count) {
-                batch.append(FFItem::initWithPath(paths.takeLast(), 1));
+                QList<std::filesystem::path> ofItem{paths.takeLast()};
+                while (round % 2 == 0 && !paths.isEmpty() && pick(4) == 0) {
+                    ofItem.append(paths.takeLast());
+                }
+                batch.append(itemOf(ofItem));
+                batch.last()->setNote(pick(8) == 0 ? ItemNote::work : ItemNote::none);
                 batch.last()->setPpbChecked(pick(8) != 0);
                 batch.last()->setPpbDeletable(pick(8) != 0);
             }
