@@ -9,11 +9,6 @@ namespace brimvault::engine {
 
 namespace {
 
-// Guards against leaving the folder: the name must be one path component, neither "." nor "..".
-bool isOneName(const std::filesystem::path& name) {
-    return !name.empty() && !name.has_parent_path() && name != "." && name != "..";
-}
-
 QString holdsSparedText() { return QCoreApplication::translate("Clean", "It holds something that is not selected"); }
 
 bool holdsAnyOf(const std::filesystem::path& folder, const std::set<std::string>& paths) {
@@ -22,18 +17,26 @@ bool holdsAnyOf(const std::filesystem::path& folder, const std::set<std::string>
     return first != paths.end() && first->starts_with(inside);
 }
 
+// Another item may stand for the same thing as a target.
+QString reasonToSpare(const std::filesystem::path& target, const std::set<std::string>& spared) {
+    const bool isSpared = spared.contains(target.lexically_normal().native()) || holdsAnyOf(target, spared);
+    return isSpared ? holdsSparedText() : QString();
+}
+
 }  // namespace
 
 bool CBaseOperation2::isToBeCleaned(const FFItem& item) const {
     return item.ppbChecked() && item.ppbDeletable() && item.pfSize() != 0 && isAgreed(item);
 }
 
-// The paths of the items that are unticked, or that the user was not asked about; sorted.
+// What removing the items would remove that are unticked, or that the user was not asked about; sorted.
 std::set<std::string> CBaseOperation2::sparedPaths(const ItemArray& items) const {
     std::set<std::string> paths;
     for (const auto& item : items) {
-        if (item->hasPath() && !(item->ppbChecked() && isAgreed(*item))) {
-            paths.insert(item->pfpath().lexically_normal().native());
+        if (!(item->ppbChecked() && isAgreed(*item))) {
+            for (const auto& path : item->removalPaths()) {
+                paths.insert(path.lexically_normal().native());
+            }
         }
     }
     return paths;
@@ -48,6 +51,11 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
             return;
         }
         if (!isToBeCleaned(*item)) {
+            continue;
+        }
+        if (item->hasTargets()) {
+            take(remover.removeTargets(*item, [&](const auto& path) { return reasonToSpare(path, spared); }), item,
+                 removed, notRemoved);
             continue;
         }
         const auto location = item->location();

@@ -26,7 +26,8 @@ public:
     /// `removed`, also if there was nothing at its path; any other to `notRemoved`, with the system's reason. After a
     /// cancel the current item is finished, and no other begun.
     ///
-    /// A folder stays if it holds another item of the list that is not checked or not agreed to.
+    /// A folder stays if it holds another item of the list that is not checked or not agreed to. Of an item that stands
+    /// for several things these alone are removed.
     /// An item without a path is looked up by its name in the folder where a scan found it, else in `folder`; without
     /// either it counts as gone.
     void removeItems(const ItemArray& items, const std::optional<std::filesystem::path>& folder, ItemArray& removed,

@@ -83,6 +83,28 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
     return removeNow(path, foundIn->folder ? &*folder_ : nullptr);
 }
 
+ItemRemoval ItemRemover::removeTargets(const FFItem& item, const Veto& veto) {
+    ItemRemoval all{true, {}};
+    for (const auto& target : item.details().targets) {
+        for (const auto& name : target.names) {
+            const auto removal = removeTarget(target, name, veto);
+            if (all.gone && !removal.gone) {
+                all = removal;
+            }
+        }
+    }
+    return all;
+}
+
+ItemRemoval ItemRemover::removeTarget(const ItemTargets& target, const std::string& name, const Veto& veto) {
+    if (target.folder == nullptr || !isOneName(name)) {
+        return {false, ItemRemoval::withoutSystemText()};
+    }
+    const auto path = std::filesystem::path(target.folder->path) / name;
+    const QString reason = veto ? veto(path) : QString();
+    return reason.isEmpty() ? remove(path, target.folder) : ItemRemoval{false, reason};
+}
+
 bool ItemRemover::leadsWhereItDid(const FoundIn& foundIn) {
     if (foundIn.root == nullptr) {
         return true;
@@ -136,6 +158,10 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
 bool ItemRemover::isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const {
     bool isSame = folder == nullptr;
     return isSame || (openSame(path, *folderFoundIn_->folder, isSame) && isSame);
+}
+
+bool isOneName(const std::filesystem::path& name) {
+    return !name.empty() && !name.has_parent_path() && name != "." && name != "..";
 }
 
 ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover) {

@@ -2,10 +2,12 @@
 
 #include <QString>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 
+#include "engine/model/FFItem.h"
 #include "engine/model/FoundIn.h"
 #include "engine/removal/PrivilegedRemover.h"
 #include "engine/removal/ProtectedFolders.h"
@@ -37,7 +39,15 @@ public:
     /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed.
     ItemRemoval remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn);
 
+    /// Why what is at a path must stay; empty if it may go.
+    using Veto = std::function<QString(const std::filesystem::path& path)>;
+    /// Removes what the item stands for, each target as `remove` does, and never what the item's own path names. One
+    /// that stays keeps none of the others from going. `gone` if all are; else the reason is that of the first that
+    /// stays.
+    ItemRemoval removeTargets(const FFItem& item, const Veto& veto = {});
+
 private:
+    ItemRemoval removeTarget(const ItemTargets& target, const std::string& name, const Veto& veto);
     [[nodiscard]] bool leadsWhereItDid(const FoundIn& foundIn);
     /// 0, or the errno value of opening the folder.
     [[nodiscard]] int openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
@@ -52,6 +62,9 @@ private:
     std::optional<files::DirectoryHandle> folder_;
     bool isSameFolder_ = false;  ///< it is the one in which the items were found
 };
+
+/// Whether the name is one path component, neither "." nor "..", so that it leads out of no folder.
+[[nodiscard]] bool isOneName(const std::filesystem::path& name);
 
 /// Removes the item at the path.
 ItemRemoval removeItemAt(const std::filesystem::path& path, PrivilegedRemover& remover = PrivilegedRemover::none());

@@ -48,6 +48,22 @@ protected:
         CChOperation(items, PrivilegedRemover::none()).removeItems(items, folder, removed_, notRemoved_);
     }
 
+    /// One that has the path of `caches_ / "app"`, and stands for other things.
+    [[nodiscard]] std::shared_ptr<FFItem> standingFor(const std::vector<fs::path>& paths) const {
+        ItemDetails details;
+        for (const auto& path : paths) {
+            const FoundIn folder{path.parent_path().native() + "/", identityOf(path.parent_path())};
+            details.targets.push_back({std::make_shared<const FoundIn>(folder), {path.filename().native()}});
+        }
+        auto item = at(caches_ / "app");
+        item->setDetails(std::move(details));
+        return item;
+    }
+    static std::optional<files::FileIdentity> identityOf(const fs::path& folder) {
+        const auto status = files::statusOf(folder);
+        return status ? std::optional(status->identity) : std::nullopt;
+    }
+
     static fs::path recordOf(const fs::path& item) {
         return item.parent_path().parent_path() / "info" / (item.filename().native() + ".trashinfo");
     }
@@ -150,6 +166,49 @@ TEST_F(CleanOfFiles, KeepsATickedFolderAroundAnUntickedItem) {
     clean({whole, spared});
     EXPECT_EQ(removed_, (ItemArray{whole, spared}));
     EXPECT_FALSE(fs::exists(caches_ / "folder"));
+}
+
+TEST_F(CleanOfFiles, RemovesWhatAnItemStandsForAndNeverWhatItsPathNames) {
+    for (const char* file : {"app/file", "one/target/file", "one/other", "two/target", "exchanged/target"}) {
+        writeFile(caches_ / file, "12345");
+    }
+    const auto whole = standingFor({caches_ / "one/target", caches_ / "two/target", caches_ / "two/vanished"});
+    const auto part = standingFor({caches_ / "one/..", caches_ / "exchanged/target", caches_ / "one/other"});
+    fs::rename(caches_ / "exchanged", caches_ / "moved");
+    writeFile(caches_ / "exchanged/target", "another");
+    clean({whole});
+    EXPECT_EQ(removed_, ItemArray{whole});
+    clean({part});
+    EXPECT_EQ(notRemoved_, (NotRemovedDictionary{{QStringLiteral("app"), QStringLiteral("Can't remove file")}}))
+        << "the first that stays";
+    for (const char* gone : {"one/target", "two/target", "one/other"}) {
+        EXPECT_FALSE(fs::exists(caches_ / gone)) << gone;
+    }
+    for (const char* stays : {"app/file", "moved/target", "exchanged/target"}) {
+        EXPECT_TRUE(fs::exists(caches_ / stays)) << stays;
+    }
+}
+
+TEST_F(CleanOfFiles, KeepsATargetThatIsOrHoldsWhatIsUntickedAndAFolderThatHoldsATarget) {
+    for (const char* file : {"holder/unticked", "same", "free", "folder/target"}) {
+        writeFile(caches_ / file, "12345");
+    }
+    const auto inner = at(caches_ / "holder/unticked");
+    const auto same = at(caches_ / "same");
+    const auto untickedTarget = standingFor({caches_ / "folder/target"});
+    for (const auto& item : {inner, same, untickedTarget}) {
+        item->setPpbChecked(false);
+    }
+    const auto several = standingFor({caches_ / "free", caches_ / "holder", caches_ / "same"});
+    const auto folder = at(caches_ / "folder");
+    clean({inner, same, untickedTarget, several, folder});
+    EXPECT_EQ(removed_, ItemArray());
+    const auto reason = QStringLiteral("It holds something that is not selected");
+    EXPECT_EQ(notRemoved_, (NotRemovedDictionary{{QStringLiteral("app"), reason}, {QStringLiteral("folder"), reason}}));
+    EXPECT_FALSE(fs::exists(caches_ / "free"));
+    for (const char* stays : {"holder/unticked", "same", "folder/target"}) {
+        EXPECT_TRUE(fs::exists(caches_ / stays)) << stays;
+    }
 }
 
 TEST_F(CleanOfFiles, RemovesNothingThatWasNotAgreedToNorWhatHoldsSuch) {
