@@ -13,12 +13,15 @@ namespace {
 
 const engine::FFItem& file(const engine::CleanableItem& item) { return static_cast<const engine::FFItem&>(item); }
 
-// Folders and links always have the window's own pictures.
+// Folders and links have the window's own pictures, unless they are those of an application.
 RowPicture pictureOf(const engine::FFItem& item) {
     const auto kind = item.getDisplayIcon().kind;
     return kind == files::NodeKind::regular
                ? RowPicture(filePicture(kind), RowPicture::Better::ofFileType, item.pfname().native())
                : filePicture(kind);
+    if (const auto& application = item.details().application; !application.isEmpty()) {
+        return {filePicture(files::NodeKind::directory), RowPicture::Better::ofDesktopEntry, application.toStdString()};
+    }
 }
 
 }  // namespace

@@ -17,6 +17,10 @@ constexpr std::size_t maxIndexBytes = 1024UL * 1024;  // large themes have some 
 constexpr int maxDepth = 8;                           // of a chain of themes that inherit from each other
 const QString fallbackTheme = QStringLiteral("hicolor");
 
+const char* contextOf(IconTheme::Kind kind) {
+    return kind == IconTheme::Kind::fileTypes ? "MimeTypes" : "Applications";
+}
+
 // How badly a folder of icons fits the wanted size; a picture that must be enlarged is always worse than any other.
 int distance(int minSize, int maxSize, int pixels) {
     constexpr int enlarged = 10000;
@@ -49,21 +53,30 @@ void IconTheme::readOnce() {
     }
 }
 
+// An index names the theme's folders wherever the theme lies: where applications add icons to it, there is no index.
 void IconTheme::readTheme(const QString& name, int depth) {
     if (depth > maxDepth || seen_.contains(name)) {
         return;
     }
     seen_.append(name);
-    std::vector<Folder> found;
+    std::vector<Folder> named;
     QStringList inherited;
     for (const QString& folder : folders_) {
-        const QString theme = folder + QLatin1Char('/') + name;
-        const QString list = theme + QStringLiteral("/index.theme");
+        const QString list = folder + QLatin1Char('/') + name + QStringLiteral("/index.theme");
         if (const auto contents = FileContents::read(QFile::encodeName(list).toStdString(), maxIndexBytes)) {
             const platform::SettingsText index(*contents);
             const auto names = index.value("Icon Theme", "Inherits").value_or(std::string());
             inherited += QString::fromStdString(names).split(QLatin1Char(','), Qt::SkipEmptyParts);
-            appendTypeFolders(index, theme, found);
+            appendFolders(index, named);
+        }
+    }
+    std::vector<Folder> found;
+    for (const QString& folder : folders_) {
+        for (const Folder& inTheme : named) {
+            const QString path = folder + QLatin1Char('/') + name + QLatin1Char('/') + inTheme.path;
+            if (QFileInfo(path).isDir()) {
+                found.push_back({path, inTheme.minSize, inTheme.maxSize});
+            }
         }
     }
     themes_.push_back(std::move(found));
@@ -72,14 +85,16 @@ void IconTheme::readTheme(const QString& name, int depth) {
     }
 }
 
-void IconTheme::appendTypeFolders(const platform::SettingsText& index, const QString& theme,
-                                  std::vector<Folder>& found) {
+void IconTheme::appendFolders(const platform::SettingsText& index, std::vector<Folder>& named) const {
     for (const auto& [name, values] : index.groups()) {
+        const QString path = QString::fromStdString(name);
         const auto value = [&, &given = values](const char* key) {
             const auto place = given.find(key);
             return place == given.end() ? QString() : QString::fromStdString(place->second);
         };
-        if (value("Context").compare(QLatin1String("MimeTypes"), Qt::CaseInsensitive) != 0) {
+        const bool known =
+            std::any_of(named.begin(), named.end(), [&](const Folder& folder) { return folder.path == path; });
+        if (known || value("Context").compare(QLatin1String(contextOf(kind_)), Qt::CaseInsensitive) != 0) {
             continue;
         }
         const bool scalable = value("Type") == QLatin1String("Scalable");
@@ -88,7 +103,7 @@ void IconTheme::appendTypeFolders(const platform::SettingsText& index, const QSt
             const int given = scalable ? value(key).toInt() : 0;
             return (given > 0 ? given : size) * std::max(1, value("Scale").toInt());
         };
-        found.push_back({theme + QLatin1Char('/') + QString::fromStdString(name), limit("MinSize"), limit("MaxSize")});
+        named.push_back({path, limit("MinSize"), limit("MaxSize")});
     }
 }
 

@@ -25,8 +25,9 @@ namespace brimvault::ui {
 struct RowPicture {
     enum class Better {
         none,
-        ofApplication,  ///< `source` is the path of its bundle
-        ofFileType      ///< `source` is the name of a file of the type
+        ofApplication,   ///< `source` is the path of its bundle
+        ofDesktopEntry,  ///< `source` is the identifier of the entry
+        ofFileType       ///< `source` is the name of a file of the type
     };
 
     RowPicture() = default;

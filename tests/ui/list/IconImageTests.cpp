@@ -227,9 +227,9 @@ TEST(IconThemes, HaveTheFileThatServesBest) {
           "[apps]\nSize=20\nContext=Applications\n");
     theme("Other", "Mine", "[any]\nSize=48\nMinSize=8\nMaxSize=512\nType=Scalable\nContext=MimeTypes\n");
     theme("hicolor", "", "[64/mimetypes]\nSize=64\nContext=MimeTypes\n");
-    for (const char* file :
-         {"Mine/16x16/mimetypes/zip.png", "Mine/32/mime/zip.png", "Mine/32/mime/zip.svg", "Mine/apps/program.png",
-          "Other/any/text.svg", "hicolor/64/mimetypes/zip.png", "hicolor/64/mimetypes/last.png"}) {
+    for (const char* file : {"Mine/16x16/mimetypes/zip.png", "Mine/32/mime/zip.png", "Mine/32/mime/zip.svg",
+                             "Mine/apps/program.png", "Other/any/text.svg", "Added/Mine/apps/editor.png",
+                             "hicolor/64/mimetypes/zip.png", "hicolor/64/mimetypes/last.png"}) {
         trial::writeFile(folder / file, "picture");
     }
     const QString place = QString::fromStdString(folder.path());
@@ -244,6 +244,14 @@ TEST(IconThemes, HaveTheFileThatServesBest) {
     EXPECT_EQ(found("rar  text", 20), "Other/any/text.svg");
     EXPECT_EQ(found("last zip", 20), "hicolor/64/mimetypes/last.png");
     EXPECT_EQ(found("program ", 20), "") << "no icon of a type";
+    ui::IconTheme applications(QStringLiteral("Mine"), {place + QStringLiteral("/Added"), place},
+                               ui::IconTheme::Kind::applications);
+    EXPECT_TRUE(
+        applications.fileOf({QStringLiteral("program")}, 20).endsWith(QStringLiteral("/Mine/apps/program.png")));
+    EXPECT_TRUE(
+        applications.fileOf({QStringLiteral("editor")}, 20).endsWith(QStringLiteral("/Added/Mine/apps/editor.png")))
+        << "where no index is";
+    EXPECT_TRUE(applications.fileOf({QStringLiteral("zip")}, 20).isEmpty());
     EXPECT_TRUE(ui::IconTheme(QString(), {place}).fileOf({QStringLiteral("zip")}, 20).isEmpty());
     tests::forEachHostileKind(folder / "Odd/index.theme", [&](const std::string& kind) {
         ui::IconTheme odd(QStringLiteral("Odd"), {place});

@@ -15,6 +15,9 @@
 #include "support/EventLoop.h"
 #include "ui/list/HTableHeaderView.h"
 #include "ui/list/ItemListModel.h"
+#include "support/SubstituteHome.h"
+#include "trial/SampleHome.h"
+#include "trial/TemporaryFolder.h"
 #include "ui/list/ItemRowDelegate.h"
 #include "ui/list/RowIcons.h"
 #include "ui/list/TTableView.h"
@@ -327,3 +330,41 @@ TEST_F(RowIcons, WhenOneArrivesItsRowAloneIsDrawnAnew) {
     const int row = icons_.asked.front();
     EXPECT_EQ(std::pair(view_.rowAt(drawn.first.top()), view_.rowAt(drawn.first.bottom())), std::pair(row, row));
 }
+TEST(InstalledIcons, AreThoseOfDesktopEntriesInThemesAndOutsideOfThem) {
+    const trial::TemporaryFolder folder;
+    const auto data = folder / "data";
+    const auto write = [&](const char* name, const std::string& icon) {
+        trial::writeFile(data / "applications" / (std::string(name) + ".desktop"),
+                         "[Desktop Entry]\nType=Application\nName=x\nIcon=" + icon + "\n");
+    };
+    const auto picture = [](const std::filesystem::path& file) {
+        std::filesystem::create_directories(file.parent_path());
+        QImage image(48, 48, QImage::Format_ARGB32);
+        image.fill(colour);
+        EXPECT_TRUE(image.save(QString::fromStdString(file.native())));
+    };
+    trial::writeFile(data / "icons/hicolor/index.theme",
+                     "[Icon Theme]\nName=x\nDirectories=48/apps\n[48/apps]\nSize=48\nContext=Applications\n");
+    picture(data / "icons/hicolor/48/apps/org.example.Themed.png");
+    picture(data / "pixmaps/unthemed.png");
+    picture(folder / "opt/absolute.png");
+    write("org.example.Themed", "org.example.Themed");
+    write("unthemed", "unthemed");
+    write("absolute", (folder / "opt/absolute.png").native());
+    write("missing", "no-such-icon");
+    const tests::SubstituteHome home(folder / "home",
+                                     {{"XDG_DATA_HOME", data}, {"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
+    const auto load = ui::RowIcons::installed();
+    const auto loaded = [&](const char* identifier) {
+        return load(RowPicture(QLatin1String("icFolder"), RowPicture::Better::ofDesktopEntry, identifier), 20);
+    };
+    for (const char* identifier : {"org.example.Themed", "unthemed", "absolute"}) {
+        const QImage image = loaded(identifier);
+        ASSERT_EQ(image.size(), QSize(20, 20)) << identifier;
+        EXPECT_EQ(image.pixelColor(10, 10), colour) << identifier;
+    }
+    for (const char* identifier : {"missing", "not-installed", "../applications/absolute"}) {
+        EXPECT_TRUE(loaded(identifier).isNull()) << identifier;
+    }
+}
+
