@@ -44,9 +44,10 @@ public:
     [[nodiscard]] bool hasItems() const { return model_->rowCount() > 0; }
     [[nodiscard]] qsizetype itemCount() const { return model_->rowCount(); }
     [[nodiscard]] bool hasSelectedItem() const { return selectedItem() != nullptr; }
-    /// -1 some, 0 none, 1 all; an item that cannot be removed counts only if it is ticked.
+    /// -1 some, 0 none, 1 all; an item that a tick of all leaves alone counts only if it is ticked.
     [[nodiscard]] int getcheckstate() const { return dependencies_.pDS.sums(section_).checkstate(); }
-    /// Ticks (1) or unticks (0) everything; items that cannot be removed are never ticked.
+    /// Ticks (1) or unticks (0) everything. Items that cannot be removed are never ticked, and those that are ticked by
+    /// hand alone keep their marks when all others are ticked.
     void selectAllItems(int state);
 
     /// Bytes of this section.

@@ -38,7 +38,13 @@ int ItemListModel::setItems(const QList<Item>& items, int row) {
 }
 
 void ItemListModel::setAllChecked(bool checked) {
-    rows_.forEachItem([checked](engine::CleanableItem& item) { item.setPpbChecked(checked && item.ppbDeletable()); });
+    rows_.forEachItem([checked](engine::CleanableItem& item) {
+        if (!checked || !item.ppbDeletable()) {
+            item.setPpbChecked(false);
+        } else if (!item.isTickedByHandOnly()) {
+            item.setPpbChecked(true);
+        }
+    });
     checksChanged(0, rowCount() - 1);
 }
 

@@ -46,7 +46,8 @@ public:
     [[nodiscard]] bool contains(const engine::CleanableItem* item) const { return rows_.contains(item); }
     /// -1 when the item is not shown.
     [[nodiscard]] int rowOf(const engine::CleanableItem* item) const { return rows_.rowOf(item); }
-    /// Ticks or unticks everything; what cannot be removed is never ticked.
+    /// Ticks or unticks everything. What cannot be removed is never ticked, and what is ticked by the user's own hand
+    /// alone keeps its mark when all else is ticked.
     void setAllChecked(bool checked);
 
     /// Sorts by a column, now and whenever rows come; the icon column sorts nothing.
