@@ -25,8 +25,10 @@ void* AccessibleCell::interface_cast(QAccessible::InterfaceType type) {
 
 QString AccessibleCell::text(QAccessible::Text kind) const {
     if (kind == QAccessible::Description) {
-        const QString given = index().data(Qt::AccessibleDescriptionRole).toString();
-        return given.isEmpty() && check().isValid() ? furtherColumns() : given;
+        QStringList parts{index().data(Qt::AccessibleDescriptionRole).toString(),
+                          check().isValid() ? furtherColumns() : QString()};
+        parts.removeAll(QString());
+        return parts.join(QStringLiteral(". "));
     }
     if (kind != QAccessible::Name) {
         return {};

@@ -62,7 +62,8 @@ ItemListModel::Texts FileListController::texts() const {
             [this](const engine::CleanableItem& item) { return platform::displayText(fullPathOf(file(item))); },
             [](const engine::CleanableItem& item) { return pictureOf(file(item)); },
             {},
-            false};
+            false,
+            [](const engine::CleanableItem& item) { return file(item).noteText(); }};
 }
 
 std::filesystem::path FileListController::pathOf(const engine::CleanableItem& item) const {

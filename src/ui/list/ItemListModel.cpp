@@ -101,7 +101,7 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
     }
     const auto& shown = *item(index.row());
     if (role == Qt::ToolTipRole) {
-        const QString text = texts_.tooltip(shown);  // a name may look like markup, and is shown as it is
+        const QString text = tooltipOf(shown);  // a name may look like markup, and is shown as it is
         return text.isEmpty() ? QVariant() : Qt::convertFromPlainText(text, Qt::WhiteSpaceNoWrap);
     }
     switch (index.column()) {
@@ -110,12 +110,30 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
         case iconColumn:
             return role == iconRole ? QVariant::fromValue(texts_.icon(shown)) : QVariant();
         case nameColumn:
-            return role == Qt::DisplayRole ? texts_.name(shown) : QVariant();
+            return nameData(shown, role);
         case countColumn:
             return role == Qt::DisplayRole ? QString::number(texts_.count(shown)) : QVariant();
         default:
             return role == Qt::DisplayRole ? engine::FileSize::formatMemoryStringDot1(shown.ppnSize()) : QVariant();
     }
+}
+
+QVariant ItemListModel::nameData(const engine::CleanableItem& item, int role) const {
+    switch (role) {
+        case Qt::DisplayRole:
+            return texts_.name(item);
+        case noteRole:
+        case Qt::AccessibleDescriptionRole:
+            return noteOf(item);
+        default:
+            return {};
+    }
+}
+
+QString ItemListModel::tooltipOf(const engine::CleanableItem& item) const {
+    QStringList lines{texts_.tooltip(item), noteOf(item)};
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n'));
 }
 
 QVariant ItemListModel::checkData(const engine::CleanableItem& item, int role) const {

@@ -17,8 +17,10 @@ public:
     using Item = SortedRows::Item;
     /// By logical index: a view shows the count, where a list has one, before the size.
     enum Column { checkColumn, iconColumn, nameColumn, sizeColumn, countColumn };
-    /// An item's RowPicture.
-    enum Role { iconRole = Qt::UserRole };
+    enum Role {
+        iconRole = Qt::UserRole,  ///< an item's RowPicture
+        noteRole                  ///< of the name: why the user should look at the item first; empty for most
+    };
     [[nodiscard]] static bool isNumber(int column) { return column == sizeColumn || column == countColumn; }
 
     /// What differs from list to list in how an item is shown. Main thread.
@@ -28,6 +30,7 @@ public:
         std::function<RowPicture(const engine::CleanableItem&)> icon;
         SortedRows::Count count;    ///< for the fifth column; empty if the list has four
         bool valuesChange = false;  ///< whether the size and the count of an item may change while it is listed
+        std::function<QString(const engine::CleanableItem&)> note = {};  ///< empty if no item has one
     };
 
     explicit ItemListModel(Texts texts, QObject* parent = nullptr);
@@ -80,6 +83,11 @@ private:
     void willReorder() override;
     void didReorder(const std::function<int(int before)>& placeNow) override;
 
+    [[nodiscard]] QString noteOf(const engine::CleanableItem& item) const {
+        return texts_.note ? texts_.note(item) : QString();
+    }
+    [[nodiscard]] QVariant nameData(const engine::CleanableItem& item, int role) const;
+    [[nodiscard]] QString tooltipOf(const engine::CleanableItem& item) const;
     [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;
 
     const Texts texts_;

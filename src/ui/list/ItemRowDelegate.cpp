@@ -4,11 +4,34 @@
 
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
+#include "ui/look/TextLine.h"
 
 namespace brimvault::ui {
 
+namespace {
+
+constexpr qreal noteSize = 12;
+constexpr int noteGap = 16;       // between the name and the note
+constexpr int minNoteWidth = 40;  // in less than that nobody reads anything
+
+}  // namespace
+
 void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) const {
     ImageLoad::drawFilled(painter, cell, QLatin1String(row % 2 == 0 ? "table_row1" : "table_row2"));
+}
+
+void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    RowDelegate::drawText(painter, option, index);
+    const QString note = index.data(ItemListModel::noteRole).toString();
+    const QRect room = textRoom(option, index);
+    const QFontMetrics ofName(look::font(TextCellSmall::textSize));
+    const int before = ofName.horizontalAdvance(index.data().toString()) + look::scaled(noteGap);
+    if (note.isEmpty() || room.width() - before < look::scaled(minNoteWidth)) {
+        return;
+    }
+    const QRect place = QStyle::visualRect(option.direction, room, room.adjusted(before, 0, 0, 0));
+    painter.setPen(QColor(isSelected(option) ? look::textWarningOnAccent : look::textWarning));
+    drawTextLine(painter, place, leadingSide(option.direction), look::font(noteSize), note);
 }
 
 // While its own icon is not loaded, or if it has none, a row shows a general picture.

@@ -8,7 +8,8 @@
 
 namespace brimvault::ui {
 
-/// Draws the cells of an item list: check box, icon, name, numbers. Main thread.
+/// Draws the cells of an item list: check box, icon, name, numbers. To the name it appends the item's note, as far as
+/// there is room. Main thread.
 class ItemRowDelegate final : public RowDelegate {
     Q_OBJECT
 
@@ -18,6 +19,7 @@ public:
 
 protected:
     void drawGround(QPainter& painter, const QRect& cell, int row) const override;
+    void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }
 

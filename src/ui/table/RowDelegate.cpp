@@ -48,18 +48,20 @@ void RowDelegate::drawCheck(QPainter& painter, const QStyleOptionViewItem& optio
     check.draw(painter, placed(option, index, {MCheckCell::side(), MCheckCell::side()}).topLeft());
 }
 
-void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+QRect RowDelegate::textRoom(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const int space = margin(index.column());
+    return option.rect.adjusted(space, 0, -space, 0);
+}
+
+void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const auto side = isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction);
-    TextCellSmall::draw(painter, option.rect.adjusted(space, 0, -space, 0), side,
-                        {index.data().toString(), {}, isSelected(option)});
+    TextCellSmall::draw(painter, textRoom(option, index), side, {index.data().toString(), {}, isSelected(option)});
 }
 
 bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                             const QModelIndex& index) {
     const QString text = index.data().toString();
-    const int room = option.rect.width() - 2 * margin(index.column());
-    const bool elided = isElided(text, look::font(TextCellSmall::textSize), room);
+    const bool elided = isElided(text, look::font(TextCellSmall::textSize), textRoom(option, index).width());
     if (event->type() != QEvent::ToolTip || !index.isValid() || !elided || index.data(Qt::ToolTipRole).isValid()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }

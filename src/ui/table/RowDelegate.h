@@ -37,6 +37,7 @@ public:
 protected:
     /// The background of a cell of an unselected row.
     virtual void drawGround(QPainter& painter, const QRect& cell, int row) const = 0;
+    virtual void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
     /// Between the edge of a column and its content.
     [[nodiscard]] virtual int margin(int /*column*/) const { return defaultMargin; }
@@ -46,12 +47,13 @@ protected:
     [[nodiscard]] static bool isSelected(const QStyleOptionViewItem& option) {
         return (option.state & QStyle::State_Selected) != 0;
     }
+    /// The place of the text in its cell.
+    [[nodiscard]] QRect textRoom(const QStyleOptionViewItem& option, const QModelIndex& index) const;
     /// The place of a picture of that size in its cell.
     [[nodiscard]] QRect placed(const QStyleOptionViewItem& option, const QModelIndex& index, const QSize& size) const;
 
 private:
     void drawCheck(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
-    void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void drawFocus(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
 
     static constexpr int defaultMargin = 10;

@@ -7,20 +7,23 @@
 #include <QScrollBar>
 #include <QSemaphore>
 #include <QTest>
+#include <QTextDocument>
+#include <cmath>
 #include <numeric>
 #include <random>
 
 #include "app/Translations.h"
 #include "engine/model/FFItem.h"
 #include "support/EventLoop.h"
-#include "ui/list/HTableHeaderView.h"
-#include "ui/list/ItemListModel.h"
 #include "support/SubstituteHome.h"
 #include "trial/SampleHome.h"
 #include "trial/TemporaryFolder.h"
+#include "ui/list/HTableHeaderView.h"
+#include "ui/list/ItemListModel.h"
 #include "ui/list/ItemRowDelegate.h"
 #include "ui/list/RowIcons.h"
 #include "ui/list/TTableView.h"
+#include "ui/look/Look.h"
 
 using namespace brimvault;
 using testing::ElementsAre;
@@ -201,6 +204,97 @@ TEST_F(ItemListModelTest, AChangeOfACheckIsAskedForAndRefusedWhileDisabled) {
     EXPECT_THAT(asked, ElementsAre(std::pair(0, false)));
 }
 
+// Draws the cell of a name in a window of that width, with a note and without.
+class NotedRow : public testing::Test {
+protected:
+    [[nodiscard]] QImage drawn(int width, const QString& note, bool selected = false) {
+        note_ = note;
+        QImage image(width, ui::look::scaled(ui::look::itemRowHeight), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        QStyleOptionViewItem option;
+        option.rect = image.rect();
+        option.direction = direction_;
+        option.state = selected ? QStyle::State_Selected : QStyle::State_None;
+        view_.itemDelegate()->paint(&painter, option, model_.index(0, ItemListModel::nameColumn));
+        return image;
+    }
+    // The first and the last column in which two drawings differ; -1 for none.
+    [[nodiscard]] static std::pair<int, int> difference(const QImage& left, const QImage& right) {
+        std::pair columns(-1, -1);
+        for (int x = 0; x < left.width(); ++x) {
+            if (left.copy(x, 0, 1, left.height()) != right.copy(x, 0, 1, right.height())) {
+                columns = {columns.first < 0 ? x : columns.first, x};
+            }
+        }
+        return columns;
+    }
+
+    QString note_;
+    Qt::LayoutDirection direction_ = Qt::LeftToRight;
+    ItemListModel model_{{[](const engine::CleanableItem& item) { return item.ppdisplayName(); },
+                          [](const engine::CleanableItem&) { return QStringLiteral("/path/<b>"); },
+                          [](const engine::CleanableItem&) { return QLatin1String("icFolder"); },
+                          {},
+                          false,
+                          [this](const engine::CleanableItem&) { return note_; }}};
+    ui::TTableView view_;
+
+    void SetUp() override {
+        model_.setItems({engine::FFItem::initWithName("huggingface", 1)});
+        view_.setModel(&model_);
+    }
+};
+
+TEST_F(NotedRow, ShowsTheNoteBehindTheNameAsFarAsThereIsRoomAtEveryScale) {
+    using ui::look::scaled;
+    const int wide = scaled(600);
+    const int margin = 10;
+    const int name = QFontMetrics(ui::look::font(13)).horizontalAdvance(QStringLiteral("huggingface"));
+    const QString sentence = QStringLiteral("May hold work that exists nowhere else");
+    const auto shown = [&](int width) { return difference(drawn(width, {}), drawn(width, sentence)); };
+    const auto whole = shown(wide);
+    EXPECT_GT(whole.first, margin + name) << "the name is as it is without a note";
+    EXPECT_LT(whole.second, wide - scaled(100));
+    const int less = whole.second - scaled(80);
+    EXPECT_GT(shown(less).first, margin + name);
+    EXPECT_LT(shown(less).second, less - margin + 1) << "elided";
+    EXPECT_EQ(shown(margin + name + scaled(16) + scaled(40) - 1 + margin), std::pair(-1, -1))
+        << "too narrow to be read";
+    direction_ = Qt::RightToLeft;
+    EXPECT_LT(shown(wide).second, wide - margin - name) << "the other way round";
+    EXPECT_NE(drawn(wide, sentence, true), drawn(wide, {}, true)) << "on a selected row as well";
+}
+
+TEST_F(NotedRow, TellsTheNoteInItsTooltipBelowThePathAndToAssistiveClients) {
+    note_ = QStringLiteral("Takes long & loud");
+    const auto cell = model_.index(0, ItemListModel::nameColumn);
+    EXPECT_EQ(cell.data(Qt::AccessibleDescriptionRole).toString(), note_);
+    QTextDocument tooltip;
+    tooltip.setHtml(cell.data(Qt::ToolTipRole).toString());
+    EXPECT_EQ(tooltip.toPlainText(), QStringLiteral("/path/<b>\nTakes long & loud"));
+}
+
+double luminance(QRgb colour) {
+    const auto part = [](int value) {
+        const double share = value / 255.0;
+        return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(qRed(colour)) + 0.7152 * part(qGreen(colour)) + 0.0722 * part(qBlue(colour));
+}
+
+TEST(Look, WarningsCanBeReadOnEveryGround) {
+    namespace look = ui::look;
+    const std::pair<QRgb, QRgb> pairs[] = {{look::textWarning, look::row},
+                                           {look::textWarning, look::rowAlternate},
+                                           {look::textWarning, look::warningGround},
+                                           {look::textWarningOnAccent, look::selection}};
+    for (const auto& [text, ground] : pairs) {
+        const auto [darker, lighter] = std::minmax({luminance(text), luminance(ground)});
+        EXPECT_GE((lighter + 0.05) / (darker + 0.05), 4.5) << std::hex << text << " on " << ground;
+    }
+}
+
 constexpr int manyRows = 1000;
 const QColor colour(10, 200, 30);
 
@@ -283,6 +377,44 @@ protected:
 
 }  // namespace
 
+TEST(InstalledIcons, AreThoseOfDesktopEntriesInThemesAndOutsideOfThem) {
+    const trial::TemporaryFolder folder;
+    const auto data = folder / "data";
+    const auto write = [&](const char* name, const std::string& icon) {
+        trial::writeFile(data / "applications" / (std::string(name) + ".desktop"),
+                         "[Desktop Entry]\nType=Application\nName=x\nIcon=" + icon + "\n");
+    };
+    const auto picture = [](const std::filesystem::path& file) {
+        std::filesystem::create_directories(file.parent_path());
+        QImage image(48, 48, QImage::Format_ARGB32);
+        image.fill(colour);
+        EXPECT_TRUE(image.save(QString::fromStdString(file.native())));
+    };
+    trial::writeFile(data / "icons/hicolor/index.theme",
+                     "[Icon Theme]\nName=x\nDirectories=48/apps\n[48/apps]\nSize=48\nContext=Applications\n");
+    picture(data / "icons/hicolor/48/apps/org.example.Themed.png");
+    picture(data / "pixmaps/unthemed.png");
+    picture(folder / "opt/absolute.png");
+    write("org.example.Themed", "org.example.Themed");
+    write("unthemed", "unthemed");
+    write("absolute", (folder / "opt/absolute.png").native());
+    write("missing", "no-such-icon");
+    const tests::SubstituteHome home(folder / "home",
+                                     {{"XDG_DATA_HOME", data}, {"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
+    const auto load = ui::RowIcons::installed();
+    const auto loaded = [&](const char* identifier) {
+        return load(RowPicture(QLatin1String("icFolder"), RowPicture::Better::ofDesktopEntry, identifier), 20);
+    };
+    for (const char* identifier : {"org.example.Themed", "unthemed", "absolute"}) {
+        const QImage image = loaded(identifier);
+        ASSERT_EQ(image.size(), QSize(20, 20)) << identifier;
+        EXPECT_EQ(image.pixelColor(10, 10), colour) << identifier;
+    }
+    for (const char* identifier : {"missing", "not-installed", "../applications/absolute"}) {
+        EXPECT_TRUE(loaded(identifier).isNull()) << identifier;
+    }
+}
+
 TEST_F(RowIcons, AreLoadedForTheRowsOnShowAloneAndOnceUntilTheListBeginsAnew) {
     icons_.let.release(2 * manyRows);
     view_.selectRow(2);
@@ -330,41 +462,3 @@ TEST_F(RowIcons, WhenOneArrivesItsRowAloneIsDrawnAnew) {
     const int row = icons_.asked.front();
     EXPECT_EQ(std::pair(view_.rowAt(drawn.first.top()), view_.rowAt(drawn.first.bottom())), std::pair(row, row));
 }
-TEST(InstalledIcons, AreThoseOfDesktopEntriesInThemesAndOutsideOfThem) {
-    const trial::TemporaryFolder folder;
-    const auto data = folder / "data";
-    const auto write = [&](const char* name, const std::string& icon) {
-        trial::writeFile(data / "applications" / (std::string(name) + ".desktop"),
-                         "[Desktop Entry]\nType=Application\nName=x\nIcon=" + icon + "\n");
-    };
-    const auto picture = [](const std::filesystem::path& file) {
-        std::filesystem::create_directories(file.parent_path());
-        QImage image(48, 48, QImage::Format_ARGB32);
-        image.fill(colour);
-        EXPECT_TRUE(image.save(QString::fromStdString(file.native())));
-    };
-    trial::writeFile(data / "icons/hicolor/index.theme",
-                     "[Icon Theme]\nName=x\nDirectories=48/apps\n[48/apps]\nSize=48\nContext=Applications\n");
-    picture(data / "icons/hicolor/48/apps/org.example.Themed.png");
-    picture(data / "pixmaps/unthemed.png");
-    picture(folder / "opt/absolute.png");
-    write("org.example.Themed", "org.example.Themed");
-    write("unthemed", "unthemed");
-    write("absolute", (folder / "opt/absolute.png").native());
-    write("missing", "no-such-icon");
-    const tests::SubstituteHome home(folder / "home",
-                                     {{"XDG_DATA_HOME", data}, {"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
-    const auto load = ui::RowIcons::installed();
-    const auto loaded = [&](const char* identifier) {
-        return load(RowPicture(QLatin1String("icFolder"), RowPicture::Better::ofDesktopEntry, identifier), 20);
-    };
-    for (const char* identifier : {"org.example.Themed", "unthemed", "absolute"}) {
-        const QImage image = loaded(identifier);
-        ASSERT_EQ(image.size(), QSize(20, 20)) << identifier;
-        EXPECT_EQ(image.pixelColor(10, 10), colour) << identifier;
-    }
-    for (const char* identifier : {"missing", "not-installed", "../applications/absolute"}) {
-        EXPECT_TRUE(loaded(identifier).isNull()) << identifier;
-    }
-}
-
