@@ -186,6 +186,10 @@
         <source>Looks in:</source>
         <translation>Sucht in:</translation>
     </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
 </context>
 <context>
     <name>Section</name>
@@ -266,6 +270,14 @@
     <message>
         <source>“%1” could not be removed</source>
         <translation>„%1“ konnte nicht entfernt werden</translation>
+    </message>
+    <message>
+        <source>It stands for 1 file or folder:</source>
+        <translation>Steht für 1 Datei oder Ordner:</translation>
+    </message>
+    <message>
+        <source>It stands for %1 files or folders:</source>
+        <translation>Steht für %1 Dateien oder Ordner:</translation>
     </message>
 </context>
 <context>

@@ -1,7 +1,7 @@
 #include "engine/model/PlaceTexts.h"
 
 #include <QCoreApplication>
-#include <QStringList>
+#include <QLocale>
 
 #include "platform/DisplayText.h"
 
@@ -83,5 +83,20 @@ QString placeTexts::unusual(const Places& places) {
 }
 
 QString placeTexts::refused(const Places& places) { return lines(places, isRefused); }
+
+QStringList placeTexts::ofTargets(const FFItem& item) {
+    constexpr std::size_t maxLines = 7;
+    const auto paths = item.removalPaths();
+    const bool all = paths.size() <= maxLines;
+    QStringList named;
+    for (std::size_t path = 0; path < (all ? paths.size() : maxLines - 1); ++path) {
+        named.append(shown(paths[path]));
+    }
+    if (!all) {
+        named.append(QCoreApplication::translate("Places", "and %1 more")
+                         .arg(QLocale().toString(static_cast<qsizetype>(paths.size()) - named.size())));
+    }
+    return named;
+}
 
 }  // namespace brimvault::engine

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
+#include "engine/model/FFItem.h"
 #include "engine/notification/Notification.h"
 
 namespace brimvault::engine {
 
-/// Texts about the folders in which a section looks for files. Main thread.
+/// Texts about the folders in which a section looks for files, and about what an item stands for. Main thread.
 namespace placeTexts {
 
 /// All of its folders, a line for each: where a link leads, and why a folder is skipped.
@@ -15,6 +17,9 @@ namespace placeTexts {
 [[nodiscard]] QString unusual(const Places& places);
 /// The folders that are skipped, and why; empty if there are none.
 [[nodiscard]] QString refused(const Places& places);
+
+/// The things that an item stands for, a line for each of the first and one for the rest.
+[[nodiscard]] QStringList ofTargets(const engine::FFItem& item);
 
 }  // namespace placeTexts
 

@@ -23,11 +23,20 @@ struct Alert {
         }
     };
 
+    /// What may be lost, told apart from the rest.
+    struct Warning {
+        QString sum;  ///< empty for a question without a warning
+        QStringList lines;
+
+        [[nodiscard]] QString text() const { return (QStringList(sum) + lines).join(QLatin1Char('\n')); }
+    };
+
     QString message;
     QString informativeText;
     Suppression suppression = Suppression::notOffered;
     Buttons buttons = Buttons::confirmAndCancel;
     Facts facts{};
+    Warning warning{};
 };
 
 struct AlertAnswer {

@@ -63,28 +63,44 @@ QString partsText(const QStringList& parts, const QFont& font, int room) {
     return lines.join(QLatin1Char('\n'));
 }
 
-QWidget* factsPanel(const Alert::Facts& facts) {
-    constexpr QMargins within(8, 10, 8, 10);
+// As wide as the texts above and below a panel, without their margins.
+constexpr int panelWidth = textWidth - 2 * MCheckCellT::margin;
+constexpr QMargins panelMargins(8, 10, 8, 10);
+constexpr int panelRoom = panelWidth - panelMargins.left() - panelMargins.right();
+
+// A panel with a title line.
+QVBoxLayout* fill(QFrame& panel, QRgb ground, const QString& title, QRgb color) {
     constexpr int lineGap = 4;
-    auto* panel = new QFrame;
-    panel->setObjectName(QStringLiteral("facts"));
-    panel->setStyleSheet(QStringLiteral("#facts { background: %1; border-radius: %2px; }")
-                             .arg(QColor(look::questionFacts).name())
-                             .arg(look::scaled(look::smallCornerRadius)));
-    auto* lines = new QVBoxLayout(panel);
-    lines->setContentsMargins(within);
+    panel.setObjectName(QStringLiteral("panel"));
+    panel.setStyleSheet(QStringLiteral("#panel { background: %1; border-radius: %2px; }")
+                            .arg(QColor(ground).name())
+                            .arg(look::scaled(look::smallCornerRadius)));
+    panel.setFixedWidth(look::scaled(panelWidth));
+    auto* lines = new QVBoxLayout(&panel);
+    lines->setContentsMargins(panelMargins);
     lines->setSpacing(lineGap);
-    // As wide as the texts above and below it, without their margins.
-    const int width = textWidth - 2 * MCheckCellT::margin;
-    panel->setFixedWidth(look::scaled(width));
-    const int room = width - within.left() - within.right();
-    lines->addWidget(paragraph(facts.sum, look::font(informativeSize, QFont::DemiBold), look::textPrimary, room));
+    lines->addWidget(paragraph(title, look::font(informativeSize, QFont::DemiBold), color, panelRoom));
+    return lines;
+}
+
+QWidget* factsPanel(const Alert::Facts& facts) {
+    auto* panel = new QFrame;
+    auto* lines = fill(*panel, look::questionFacts, facts.sum, look::textPrimary);
     if (!facts.parts.isEmpty()) {
         const QFont font = look::font(informativeSize);
-        const int ofText = look::scaled(room) - 2 * MCheckCellT::margin;
-        auto* parts = paragraph(partsText(facts.parts, font, ofText), font, look::textPrimary, room);
+        const int ofText = look::scaled(panelRoom) - 2 * MCheckCellT::margin;
+        auto* parts = paragraph(partsText(facts.parts, font, ofText), font, look::textPrimary, panelRoom);
         parts->setAccessibleName(facts.parts.join(QStringLiteral(", ")));
         lines->addWidget(parts);
+    }
+    return panel;
+}
+
+QWidget* warningPanel(const Alert::Warning& warning) {
+    auto* panel = new QFrame;
+    auto* lines = fill(*panel, look::warningGround, warning.sum, look::textWarning);
+    for (const QString& line : warning.lines) {
+        lines->addWidget(paragraph(line, look::font(informativeSize), look::textPrimary, panelRoom));
     }
     return panel;
 }
@@ -122,9 +138,9 @@ protected:
 AlertWindow::AlertWindow(const Alert& alert, QWidget* window) : QDialog(window) {
     setWindowTitle(QStringLiteral("Brimvault"));
     setAccessibleName(alert.message);
-    setAccessibleDescription(alert.facts.sum.isEmpty()
-                                 ? alert.informativeText
-                                 : alert.informativeText + QLatin1Char('\n') + alert.facts.line());
+    QStringList described{alert.informativeText, alert.facts.line(), alert.warning.text()};
+    described.removeAll(QString());
+    setAccessibleDescription(described.join(QLatin1Char('\n')));
     auto* content = new QHBoxLayout;
     content->setSpacing(look::scaled(iconGap));
     content->addWidget(new PictureLabel(QLatin1String("AppIcon"), look::scaled(iconSide)), 0, Qt::AlignTop);
@@ -148,6 +164,9 @@ QVBoxLayout* AlertWindow::makeTexts(const Alert& alert) {
     texts->addWidget(paragraph(alert.informativeText, look::font(informativeSize), look::textPrimary));
     if (!alert.facts.sum.isEmpty()) {
         texts->addWidget(factsPanel(alert.facts), 0, Qt::AlignHCenter);
+    }
+    if (!alert.warning.sum.isEmpty()) {
+        texts->addWidget(warningPanel(alert.warning), 0, Qt::AlignHCenter);
     }
     if (alert.suppression == Alert::Suppression::offered) {
         suppressionBox_ = new TitledCheckBox(tr("Do not show this message again"));

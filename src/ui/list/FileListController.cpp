@@ -2,9 +2,12 @@
 
 #include <QMenu>
 #include <QPointer>
+#include <algorithm>
+#include <iterator>
 
 #include "engine/notification/Notifications.h"
 #include "platform/DisplayText.h"
+#include "ui/services/PlaceTexts.h"
 #include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {
@@ -16,12 +19,22 @@ const engine::FFItem& file(const engine::CleanableItem& item) { return static_ca
 // Folders and links have the window's own pictures, unless they are those of an application.
 RowPicture pictureOf(const engine::FFItem& item) {
     const auto kind = item.getDisplayIcon().kind;
-    return kind == files::NodeKind::regular
-               ? RowPicture(filePicture(kind), RowPicture::Better::ofFileType, item.pfname().native())
-               : filePicture(kind);
     if (const auto& application = item.details().application; !application.isEmpty()) {
         return {filePicture(files::NodeKind::directory), RowPicture::Better::ofDesktopEntry, application.toStdString()};
     }
+    return kind == files::NodeKind::regular
+               ? RowPicture(filePicture(kind), RowPicture::Better::ofFileType, item.pfname().native())
+               : filePicture(kind);
+}
+
+// Whether it holds for all paths that a removal of the item acts on.
+template <typename Predicate>
+bool allOf(const engine::FFItem& item, Predicate holds) {
+    if (!item.hasTargets()) {
+        return holds(item.pathBytes());
+    }
+    const auto paths = item.removalPaths();
+    return std::all_of(paths.begin(), paths.end(), [&](const auto& path) { return holds(path.native()); });
 }
 
 }  // namespace
@@ -59,11 +72,16 @@ int FileListController::updateRows(int row) {
 
 ItemListModel::Texts FileListController::texts() const {
     return {[this](const engine::CleanableItem& item) { return nameOf(file(item)); },
-            [this](const engine::CleanableItem& item) { return platform::displayText(fullPathOf(file(item))); },
+            [this](const engine::CleanableItem& item) { return tooltipOf(file(item)); },
             [](const engine::CleanableItem& item) { return pictureOf(file(item)); },
             {},
             false,
             [](const engine::CleanableItem& item) { return file(item).noteText(); }};
+}
+
+QString FileListController::tooltipOf(const engine::FFItem& item) const {
+    return item.hasTargets() ? placeTexts::ofTargets(item).join(QLatin1Char('\n'))
+                             : platform::displayText(fullPathOf(item));
 }
 
 std::filesystem::path FileListController::pathOf(const engine::CleanableItem& item) const {
@@ -90,14 +108,14 @@ void FileListController::onClickedRemove() {
     }
     const auto item = getSelectedItem();
     const auto path = getPathByItem(*item);
-    if (!path.is_absolute()) {
+    if (!item->hasTargets() && !path.is_absolute()) {
         dependencies().util.alertFileNotExists(path);  // the section's folder no longer exists
         return;
     }
-    const auto going = engine::ItemArray{item} + itemsIn(path);
+    const auto going = engine::ItemArray{item} + itemsGoingWith(*item, path);
     {
         const ApplicationController::OpenQuestion question(dependencies().dataSource);
-        if (!dependencies().util.isRemovalConfirmed(path, going.size() - 1)) {
+        if (!dependencies().util.isRemovalConfirmed(*item, path, going.size() - 1)) {
             return;
         }
     }
@@ -110,21 +128,29 @@ void FileListController::onClickedRemove() {
             list->removed(going);
         }
     };
-    dependencies().util.doRemoveFile(path, finished, item->foundIn());
+    dependencies().util.doRemoveItem(item, path, finished);
 }
 
-// The items that lie in a folder which is itself an item of the list: they go with it. Scans write paths in one way, so
-// that comparing bytes is enough, and fast enough for the longest list.
-engine::ItemArray FileListController::itemsIn(const std::filesystem::path& folder) const {
-    engine::ItemArray inside;
-    const auto beginning = folder.native() + "/";
+// The items of which all lies in what is removed with the item: they go with it. Scans write paths in one way, so that
+// comparing bytes is enough, and fast enough for the longest list.
+engine::ItemArray FileListController::itemsGoingWith(const engine::FFItem& item,
+                                                     const std::filesystem::path& path) const {
+    const auto removed = item.hasTargets() ? item.removalPaths() : std::vector{path};
+    std::vector<std::string> beginnings;
+    std::transform(removed.begin(), removed.end(), std::back_inserter(beginnings),
+                   [](const auto& folder) { return folder.native() + "/"; });
+    const auto goes = [&](const std::string& inside) {
+        return std::any_of(beginnings.begin(), beginnings.end(),
+                           [&](const auto& beginning) { return inside.starts_with(beginning); });
+    };
+    engine::ItemArray going;
     for (int row = 0; row < model().rowCount(); ++row) {
-        const auto& item = model().item(row);
-        if (file(*item).pathBytes().starts_with(beginning)) {
-            inside.append(std::static_pointer_cast<engine::FFItem>(item));
+        const auto& other = model().item(row);
+        if (&item != other.get() && allOf(file(*other), goes)) {
+            going.append(std::static_pointer_cast<engine::FFItem>(other));
         }
     }
-    return inside;
+    return going;
 }
 
 // Posts the section's "cleanFinished", which otherwise only the engine posts after a clean, so that a single removal

@@ -39,7 +39,8 @@ private:
     [[nodiscard]] ItemListModel::Texts texts() const override;
     [[nodiscard]] std::filesystem::path pathOf(const engine::CleanableItem& item) const override;
     void addActions(QMenu& menu) override;
-    [[nodiscard]] engine::ItemArray itemsIn(const std::filesystem::path& folder) const;
+    [[nodiscard]] QString tooltipOf(const engine::FFItem& item) const;
+    [[nodiscard]] engine::ItemArray itemsGoingWith(const engine::FFItem& item, const std::filesystem::path& path) const;
     void removed(const engine::ItemArray& items);
 
     quint64 generation_ = 0;    ///< of the section's items, at the last update of the rows

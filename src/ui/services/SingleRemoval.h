@@ -20,13 +20,18 @@ public:
     SingleRemoval(const WindowNotices& notices, engine::PrivilegedRemover& remover)
         : notices_(notices), remover_(remover) {}
 
+    using Finished = std::function<void(bool success)>;
+
     /// Whether the user, being asked, wants the item to be removed for good; a number of other items that are listed
-    /// may lie in it, and go with it.
-    [[nodiscard]] bool askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt) const;
+    /// may lie in it, and go with it. Of an item that is given, the question says the note and what it stands for.
+    [[nodiscard]] bool askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt,
+                                    const engine::FFItem* item = nullptr) const;
     /// Removes the file at an absolute, normal path, and tells the user where that failed. Then posts
     /// "singleFileRemoveFinished" and calls `finished` with whether the file is gone.
     void remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
-                const std::function<void(bool success)>& finished);
+                const Finished& finished);
+    /// The same of all that the item stands for; it has targets.
+    void removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished);
 
     /// Whether a removal has not returned yet, or hangs.
     [[nodiscard]] bool isUnderWay() const { return underWay_ > 0; }
@@ -34,8 +39,11 @@ public:
     void waitUntilIdle() { calls_.waitUntilIdle(); }
 
 private:
-    void finish(const std::filesystem::path& path, const engine::ItemRemoval& removal,
-                const std::function<void(bool success)>& finished);
+    using Removal = std::function<engine::ItemRemoval(engine::ItemRemover&)>;
+
+    /// The name is for people.
+    void begin(const QString& name, const Removal& removal, const Finished& finished);
+    void finish(const QString& name, const engine::ItemRemoval& removal, const Finished& finished);
 
     const WindowNotices& notices_;
     engine::PrivilegedRemover& remover_;

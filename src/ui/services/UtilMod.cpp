@@ -84,6 +84,15 @@ void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::functio
     removal_.remove(FileActions::standardized(path), foundIn, finished);
 }
 
+void UtilMod::doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
+                           const std::function<void(bool success)>& finished) {
+    if (item->hasTargets()) {
+        removal_.removeTargets(item, finished);
+    } else {
+        doRemoveFile(path, finished, item->foundIn());
+    }
+}
+
 // To resolve a folder may block as long as the disk does.
 void UtilMod::lookUpFolders() {
     requests_.call<KnownFolders>(

@@ -72,6 +72,13 @@ public:
     /// removed from where it was found, or not at all.
     void doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                       const std::shared_ptr<const engine::FoundIn>& foundIn = nullptr);
+    /// The same of an item, whose path is given: of one that stands for several things, these are removed and named.
+    [[nodiscard]] bool isRemovalConfirmed(const engine::FFItem& item, const std::filesystem::path& path,
+                                          qsizetype itemsInIt) const {
+        return removal_.askToConfirm(path, itemsInIt, &item);
+    }
+    void doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
+                      const std::function<void(bool success)>& finished);
     /// Whether a removal has not returned yet, or hangs.
     [[nodiscard]] bool isRemovalUnderWay() const { return removal_.isUnderWay(); }
 
