@@ -39,6 +39,27 @@
         <comment>section and size</comment>
         <translation>%1 %2</translation>
     </message>
+    <message>
+        <source>1 selected item carries a warning:</source>
+        <translation>1 ausgewähltes Objekt hat einen Warnhinweis:</translation>
+    </message>
+    <message>
+        <source>%1 selected items carry a warning:</source>
+        <translation>%1 ausgewählte Objekte haben einen Warnhinweis:</translation>
+    </message>
+    <message>
+        <source>and 1 more</source>
+        <translation>und 1 weiteres</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <source>%1 – %2</source>
+        <comment>name and warning</comment>
+        <translation>%1 – %2</translation>
+    </message>
 </context>
 <context>
     <name>FileActions</name>

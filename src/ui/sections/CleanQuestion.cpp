@@ -1,8 +1,12 @@
 #include "ui/sections/CleanQuestion.h"
 
+#include <QFontMetrics>
 #include <QLocale>
+#include <algorithm>
 
+#include "engine/model/FFItem.h"
 #include "engine/model/FileSize.h"
+#include "ui/look/Look.h"
 #include "ui/sections/SectionRows.h"
 
 namespace brimvault::ui {
@@ -36,6 +40,60 @@ Alert::Facts cleanFacts(const engine::DataMan& model, const engine::PerSection<b
     return facts;
 }
 
+// What carries a note and would go, the largest first.
+engine::ItemArray notedItems(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
+    engine::ItemArray noted;
+    for (const auto section : engine::allSections) {
+        if (!ticked[section]) {
+            continue;
+        }
+        const auto& items = model.itemsOf(section);
+        std::copy_if(items.begin(), items.end(), std::back_inserter(noted), [](const auto& item) {
+            return item->note() != engine::ItemNote::none && item->ppnSizeSel() != 0;
+        });
+    }
+    std::stable_sort(noted.begin(), noted.end(),
+                     [](const auto& left, const auto& right) { return left->pfSize() > right->pfSize(); });
+    return noted;
+}
+
+QString warningSum(qsizetype items) {
+    return items == 1 ? QCoreApplication::translate("CleanQuestion", "1 selected item carries a warning:")
+                      : QCoreApplication::translate("CleanQuestion", "%1 selected items carry a warning:")
+                            .arg(QLocale().toString(items));
+}
+
+QString restText(qsizetype items) {
+    return items == 1 ? QCoreApplication::translate("CleanQuestion", "and 1 more")
+                      : QCoreApplication::translate("CleanQuestion", "and %1 more").arg(QLocale().toString(items));
+}
+
+// The note says what may be lost, so that it must not be pushed out of sight by a long name.
+QString warningLine(const engine::FFItem& item) {
+    constexpr qreal textSize = 13;
+    constexpr int maxNameWidth = 180;
+    const QString name = QFontMetrics(look::font(textSize))
+                             .elidedText(item.ppdisplayName(), Qt::ElideMiddle, look::scaled(maxNameWidth));
+    return QCoreApplication::translate("CleanQuestion", "%1 – %2", "name and warning").arg(name, item.noteText());
+}
+
+Alert::Warning cleanWarning(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
+    constexpr qsizetype maxNamed = 3;
+    const auto noted = notedItems(model, ticked);
+    Alert::Warning warning;
+    if (noted.isEmpty()) {
+        return warning;
+    }
+    warning.sum = warningSum(noted.size());
+    for (const auto& item : noted.first(std::min(maxNamed, noted.size()))) {
+        warning.lines.append(warningLine(*item));
+    }
+    if (noted.size() > maxNamed) {
+        warning.lines.append(restText(noted.size() - maxNamed));
+    }
+    return warning;
+}
+
 }  // namespace
 
 // Both texts have a double space; they are used as they stand.
@@ -43,7 +101,10 @@ Alert cleanQuestion(const engine::DataMan& model, const engine::PerSection<bool>
     return {
         QCoreApplication::translate("CleanQuestion", "Are you sure you want to  completely delete the selected items?"),
         QCoreApplication::translate("CleanQuestion", "Files will be  permanently removed from your Hard Drive."),
-        Alert::Suppression::offered, Alert::Buttons::deleteAndCancel, cleanFacts(model, ticked)};
+        Alert::Suppression::offered,
+        Alert::Buttons::deleteAndCancel,
+        cleanFacts(model, ticked),
+        cleanWarning(model, ticked)};
 }
 
 }  // namespace brimvault::ui

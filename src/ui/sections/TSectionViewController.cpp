@@ -250,10 +250,14 @@ void TSectionViewController::startClean(const engine::CleanSelection& selection,
 }
 
 bool TSectionViewController::isRemovalConfirmed() {
+    Alert question = cleanQuestion(performer_.getAppResDS(), checks_);
     if (!isAskingBeforeCleaning()) {
-        return true;
+        if (question.warning.sum.isEmpty()) {
+            return true;
+        }
+        question.suppression = Alert::Suppression::notOffered;  // it is suppressed, as far as it can be
     }
-    const AlertAnswer answer = ask(cleanQuestion(performer_.getAppResDS(), checks_));
+    const AlertAnswer answer = ask(question);
     if (answer.suppressed) {
         setAskingBeforeCleaning(false);
     }

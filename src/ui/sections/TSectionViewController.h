@@ -53,7 +53,8 @@ public:
     [[nodiscard]] engine::PerSection<bool> toBeScanned() const;
     /// The clean button: asks and starts a clean, or stops the one that runs.
     void doStartClean();
-    /// Unless the user has said that the question of a clean need not be shown.
+    /// Unless the user has said that the question of a clean need not be shown. What carries a warning is asked about
+    /// all the same.
     [[nodiscard]] bool isAskingBeforeCleaning() const {
         return !defaults_.boolean(defaults_key::suppressRemovalAlert).value_or(false);
     }
