@@ -1,0 +1,151 @@
+// Items that carry a note: how they are ticked, what is asked before they go, and what goes of those that stand for
+// several things.
+
+#include <QAccessible>
+
+#include "support/EventLoop.h"
+#include "support/WindowFixture.h"
+
+namespace brimvault::tests {
+
+using engine::FFItem;
+using engine::ItemNote;
+
+class NoteJourney : public WindowFixture {
+protected:
+    void SetUp() override {
+        startAndScan();
+        items_ = {made("plain", 1), made("work", 2, ItemNote::work), made("models", 5, ItemNote::download, u"22 GB"_s),
+                  made("shaders", 3, ItemNote::rebuild), made("mail", 4, ItemNote::offline)};
+        list();
+    }
+    /// As a scan would have found it.
+    [[nodiscard]] std::shared_ptr<FFItem> made(const std::string& name, quint64 size, ItemNote note = ItemNote::none,
+                                               const QString& argument = {}) const {
+        writeFile(caches() / name / "file", "12345");
+        auto item = FFItem::initWithPath(caches() / name, size);
+        item->setPpbDeletable(true);
+        item->setPpbChecked(note == ItemNote::none);
+        item->setNote(note);
+        engine::ItemDetails details;
+        details.noteArgument = argument;
+        item->setDetails(std::move(details));
+        return item;
+    }
+    /// One that stands for entries of two other folders.
+    [[nodiscard]] std::shared_ptr<FFItem> standingForTwo(const std::string& name) const {
+        auto item = made(name, 10, ItemNote::inUse);
+        engine::ItemDetails details;
+        details.noteArgument = u"Browser"_s;
+        for (const char* folder : {"one", "two"}) {
+            writeFile(home_.path() / folder / name / "file", "12345");
+            details.targets.push_back(
+                {std::make_shared<const engine::FoundIn>(engine::FoundIn{(home_.path() / folder).native() + "/"}),
+                 {name}});
+        }
+        item->setDetails(std::move(details));
+        return item;
+    }
+    void list() const {
+        const auto words = engine::vocabulary(Section::caches);
+        engine::NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, items_}});
+        runPending();
+    }
+    [[nodiscard]] std::string ticked() const {
+        std::string marks;
+        for (const auto& item : items_) {
+            marks += item->ppbChecked() ? '+' : '-';
+        }
+        return marks;
+    }
+
+    engine::ItemArray items_;
+};
+
+TEST_F(NoteJourney, ATickOfAllLeavesAloneWhatIsTickedByHandOnly) {
+    EXPECT_EQ(ticked(), "+----");
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(ticked(), "+-+++");
+    EXPECT_EQ(selectAllState(), Qt::Checked) << "the rest does not count while it is unticked";
+    clickCheckOf(u"work"_s);
+    EXPECT_EQ(ticked(), "+++++");
+    clickCheckOf(u"plain"_s);
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(ticked(), "+++++") << "nor is a tick by hand undone";
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(ticked(), "-----");
+    clickCheckOf(u"work"_s);
+    EXPECT_EQ(selectAllState(), Qt::PartiallyChecked);
+}
+
+TEST_F(NoteJourney, TheKeyboardTicksThemAndAssistiveClientsAreTold) {
+    select(u"work"_s);
+    auto* cells = QAccessible::queryAccessibleInterface(guide_->list())->tableInterface();
+    const auto* name = cells->cellAt(guide_->row(u"work"_s), ItemListModel::nameColumn);
+    EXPECT_EQ(name->text(QAccessible::Description), u"May hold work that exists nowhere else. Size: 2 B"_s);
+    QTest::keyClick(guide_->list(), Qt::Key_Space);
+    EXPECT_EQ(ticked(), "++---");
+}
+
+TEST_F(NoteJourney, ACleanAsksAboutThemEvenIfItIsToldNotToAsk) {
+    defaults_->setBoolean(ui::defaults_key::suppressRemovalAlert, true);
+    Guide::click(lists()->pbtnSelectAll());
+    Guide::click(lists()->pbtnClean());
+    ASSERT_EQ(alerts_.asked.size(), 1U);
+    EXPECT_FALSE(application_->pbCleanning()) << "cancelled";
+    EXPECT_EQ(alerts_.asked[0].suppression, ui::Alert::Suppression::notOffered);
+    EXPECT_EQ(alerts_.asked[0].warning.text(),
+              u"3 selected items carry a warning:\n"
+              "models – Will be downloaded again: 22 GB\n"
+              "mail – Holds content kept for use without a connection\n"
+              "shaders – Takes long to make again"_s);
+    clickCheckOf(u"work"_s);
+    Guide::click(lists()->pbtnClean());
+    EXPECT_EQ(alerts_.asked.back().warning.lines.last(), u"and 1 more"_s) << "the smallest is not named";
+    for (const auto& name : {u"models"_s, u"mail"_s, u"shaders"_s, u"work"_s}) {
+        clickCheckOf(name);
+    }
+    Guide::click(lists()->pbtnClean());
+    awaitEndOfClean();
+    EXPECT_EQ(alerts_.asked.size(), 2U);
+    EXPECT_FALSE(fs::exists(caches() / "plain"));
+    EXPECT_TRUE(fs::exists(caches() / "models"));
+}
+
+TEST_F(NoteJourney, OddNamesAreNeitherMarkupNorLinesNorLong) {
+    const std::string odd = "<b>\n\u202Egnp";
+    items_ = {made(odd + std::string(200, 'x') + "end", 1, ItemNote::inUse, u"a\nb\u202E"_s)};
+    list();
+    clickCheckOf(items_[0]->ppdisplayName());
+    Guide::click(lists()->pbtnClean());
+    const auto& warning = alerts_.asked.back().warning;
+    EXPECT_EQ(warning.sum, u"1 selected item carries a warning:"_s);
+    ASSERT_EQ(warning.lines.size(), 1);
+    EXPECT_TRUE(warning.lines[0].startsWith(u"<b>\uFFFD\uFFFDgnp"_s)) << warning.lines[0].toStdString();
+    EXPECT_TRUE(warning.lines[0].endsWith(u"xend – a\uFFFDb\uFFFD is running and uses it"_s));
+    EXPECT_LT(warning.lines[0].size(), 90);
+    ui::AlertWindow shown(alerts_.asked.back(), window());
+    const auto labels = shown.findChildren<QLabel*>();
+    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+        return label->accessibleName() == warning.lines[0] && label->textFormat() == Qt::PlainText;
+    }));
+    EXPECT_TRUE(shown.accessibleDescription().contains(warning.lines[0])) << "assistive clients are told, too";
+}
+
+TEST_F(NoteJourney, ASingleRemovalSaysTheNoteAndTakesWhatTheItemStandsForAlone) {
+    items_.append(standingForTwo("browser"));
+    list();
+    select(u"browser"_s);
+    alerts_.answers.push_back(agree);
+    QTest::keyClick(guide_->list(), Qt::Key_Delete);
+    ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(u"browser"_s) < 0; }));
+    const auto& asked = alerts_.asked.back();
+    EXPECT_EQ(asked.message, u"Are you sure you want to completely delete “browser”?"_s);
+    EXPECT_EQ(asked.warning.text(), u"Browser is running and uses it"_s);
+    EXPECT_TRUE(asked.informativeText.startsWith(u"It stands for 2 files or folders:\n"_s +
+                                                 shownPath(home_.path() / "one/browser")));
+    EXPECT_FALSE(fs::exists(home_.path() / "one/browser") || fs::exists(home_.path() / "two/browser"));
+    EXPECT_TRUE(fs::exists(caches() / "browser/file")) << "what its path names";
+}
+
+}  // namespace brimvault::tests
