@@ -47,19 +47,6 @@
         <source>%1 selected items carry a warning:</source>
         <translation>%1 ausgewählte Objekte haben einen Warnhinweis:</translation>
     </message>
-    <message>
-        <source>and 1 more</source>
-        <translation>und 1 weiteres</translation>
-    </message>
-    <message>
-        <source>and %1 more</source>
-        <translation>und %1 weitere</translation>
-    </message>
-    <message>
-        <source>%1 – %2</source>
-        <comment>name and warning</comment>
-        <translation>%1 – %2</translation>
-    </message>
 </context>
 <context>
     <name>FileActions</name>
@@ -155,6 +142,22 @@
     <message>
         <source>%1 - 1 language resource was not removed</source>
         <translation>%1 - 1 Sprachressource wurde nicht entfernt</translation>
+    </message>
+</context>
+<context>
+    <name>NoteWarnings</name>
+    <message>
+        <source>and 1 more</source>
+        <translation>und 1 weiteres</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <source>%1 – %2</source>
+        <comment>name and warning</comment>
+        <translation>%1 – %2</translation>
     </message>
 </context>
 <context>
@@ -299,6 +302,10 @@
     <message>
         <source>It stands for %1 files or folders:</source>
         <translation>Steht für %1 Dateien oder Ordner:</translation>
+    </message>
+    <message>
+        <source>About what goes with it:</source>
+        <translation>Zu dem, was ebenfalls entfernt wird:</translation>
     </message>
 </context>
 <context>

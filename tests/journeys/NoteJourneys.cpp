@@ -134,6 +134,8 @@ TEST_F(NoteJourney, OddNamesAreNeitherMarkupNorLinesNorLong) {
 
 TEST_F(NoteJourney, ASingleRemovalSaysTheNoteAndTakesWhatTheItemStandsForAlone) {
     items_.append(standingForTwo("browser"));
+    items_.append(FFItem::initWithPath(home_.path() / "two/browser/file", 1));
+    items_.last()->setNote(ItemNote::login);
     list();
     select(u"browser"_s);
     alerts_.answers.push_back(agree);
@@ -141,10 +143,13 @@ TEST_F(NoteJourney, ASingleRemovalSaysTheNoteAndTakesWhatTheItemStandsForAlone) 
     ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(u"browser"_s) < 0; }));
     const auto& asked = alerts_.asked.back();
     EXPECT_EQ(asked.message, u"Are you sure you want to completely delete “browser”?"_s);
-    EXPECT_EQ(asked.warning.text(), u"Browser is running and uses it"_s);
+    EXPECT_EQ(asked.warning.text(),
+              u"Browser is running and uses it\nAbout what goes with it:\n"
+              "file – You may have to sign in again"_s);
     EXPECT_TRUE(asked.informativeText.startsWith(u"It stands for 2 files or folders:\n"_s +
                                                  shownPath(home_.path() / "one/browser")));
     EXPECT_FALSE(fs::exists(home_.path() / "one/browser") || fs::exists(home_.path() / "two/browser"));
+    EXPECT_LT(guide_->row(u"file"_s), 0) << "what lay in it goes with it";
     EXPECT_TRUE(fs::exists(caches() / "browser/file")) << "what its path names";
 }
 

@@ -115,7 +115,7 @@ void FileListController::onClickedRemove() {
     const auto going = engine::ItemArray{item} + itemsGoingWith(*item, path);
     {
         const ApplicationController::OpenQuestion question(dependencies().dataSource);
-        if (!dependencies().util.isRemovalConfirmed(*item, path, going.size() - 1)) {
+        if (!dependencies().util.isRemovalConfirmed(*item, path, going.sliced(1))) {
             return;
         }
     }

@@ -1,13 +1,12 @@
 #include "ui/sections/CleanQuestion.h"
 
-#include <QFontMetrics>
 #include <QLocale>
 #include <algorithm>
 
 #include "engine/model/FFItem.h"
 #include "engine/model/FileSize.h"
-#include "ui/look/Look.h"
 #include "ui/sections/SectionRows.h"
+#include "ui/services/NoteWarnings.h"
 
 namespace brimvault::ui {
 
@@ -40,7 +39,7 @@ Alert::Facts cleanFacts(const engine::DataMan& model, const engine::PerSection<b
     return facts;
 }
 
-// What carries a note and would go, the largest first.
+// What carries a note and would go.
 engine::ItemArray notedItems(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
     engine::ItemArray noted;
     for (const auto section : engine::allSections) {
@@ -52,8 +51,6 @@ engine::ItemArray notedItems(const engine::DataMan& model, const engine::PerSect
             return item->note() != engine::ItemNote::none && item->ppnSizeSel() != 0;
         });
     }
-    std::stable_sort(noted.begin(), noted.end(),
-                     [](const auto& left, const auto& right) { return left->pfSize() > right->pfSize(); });
     return noted;
 }
 
@@ -63,35 +60,9 @@ QString warningSum(qsizetype items) {
                             .arg(QLocale().toString(items));
 }
 
-QString restText(qsizetype items) {
-    return items == 1 ? QCoreApplication::translate("CleanQuestion", "and 1 more")
-                      : QCoreApplication::translate("CleanQuestion", "and %1 more").arg(QLocale().toString(items));
-}
-
-// The note says what may be lost, so that it must not be pushed out of sight by a long name.
-QString warningLine(const engine::FFItem& item) {
-    constexpr qreal textSize = 13;
-    constexpr int maxNameWidth = 180;
-    const QString name = QFontMetrics(look::font(textSize))
-                             .elidedText(item.ppdisplayName(), Qt::ElideMiddle, look::scaled(maxNameWidth));
-    return QCoreApplication::translate("CleanQuestion", "%1 – %2", "name and warning").arg(name, item.noteText());
-}
-
 Alert::Warning cleanWarning(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
-    constexpr qsizetype maxNamed = 3;
     const auto noted = notedItems(model, ticked);
-    Alert::Warning warning;
-    if (noted.isEmpty()) {
-        return warning;
-    }
-    warning.sum = warningSum(noted.size());
-    for (const auto& item : noted.first(std::min(maxNamed, noted.size()))) {
-        warning.lines.append(warningLine(*item));
-    }
-    if (noted.size() > maxNamed) {
-        warning.lines.append(restText(noted.size() - maxNamed));
-    }
-    return warning;
+    return noted.isEmpty() ? Alert::Warning() : Alert::Warning{warningSum(noted.size()), noteLines(noted)};
 }
 
 }  // namespace

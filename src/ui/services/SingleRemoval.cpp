@@ -1,8 +1,12 @@
 #include "ui/services/SingleRemoval.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "platform/DisplayText.h"
+#include "ui/services/NoteWarnings.h"
 #include "ui/services/PlaceTexts.h"
 
 namespace brimvault::ui {
@@ -22,31 +26,51 @@ QString targetsText(qsizetype targets) {
                : QCoreApplication::translate("SingleRemoval", "It stands for %1 files or folders:").arg(targets);
 }
 
+// The item's own note, then those of what goes with it.
+Alert::Warning warningAbout(const engine::FFItem& item, const engine::ItemArray& goingWithIt) {
+    engine::ItemArray noted;
+    std::copy_if(goingWithIt.begin(), goingWithIt.end(), std::back_inserter(noted),
+                 [](const auto& other) { return other->note() != engine::ItemNote::none; });
+    QStringList lines{item.noteText()};
+    if (!noted.isEmpty()) {
+        lines.append(QCoreApplication::translate("SingleRemoval", "About what goes with it:"));
+        lines.append(noteLines(noted));
+    }
+    lines.removeAll(QString());
+    return lines.isEmpty() ? Alert::Warning() : Alert::Warning{lines.takeFirst(), lines};
+}
+
 }  // namespace
+
+bool SingleRemoval::askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt) const {
+    return ask(platform::displayText(path.filename()), {platform::displayText(path)}, itemsInIt, {});
+}
+
+bool SingleRemoval::askToConfirm(const engine::FFItem& item, const std::filesystem::path& path,
+                                 const engine::ItemArray& goingWithIt) const {
+    const auto warning = warningAbout(item, goingWithIt);
+    if (!item.hasTargets()) {
+        return ask(platform::displayText(path.filename()), {platform::displayText(path)}, goingWithIt.size(), warning);
+    }
+    const auto targets = static_cast<qsizetype>(item.removalPaths().size());
+    return ask(item.ppdisplayName(), QStringList(targetsText(targets)) + placeTexts::ofTargets(item),
+               goingWithIt.size(), warning);
+}
 
 // Always asked, even of users who have switched off the question of a clean: a key is pressed by mistake more easily
 // than all the steps of a clean are taken.
-bool SingleRemoval::askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt,
-                                 const engine::FFItem* item) const {
-    const bool several = item != nullptr && item->hasTargets();
-    QStringList where;
-    if (several) {
-        where.append(targetsText(static_cast<qsizetype>(item->removalPaths().size())));
-        where.append(placeTexts::ofTargets(*item));
-    } else {
-        where.append(platform::displayText(path));
-    }
+bool SingleRemoval::ask(const QString& name, QStringList where, qsizetype itemsInIt,
+                        const Alert::Warning& warning) const {
     if (itemsInIt > 0) {
         where.append(inItText(itemsInIt));
     }
     where.append({QString(), tr("Files will be  permanently removed from your Hard Drive.")});
-    Alert question{tr("Are you sure you want to completely delete “%1”?")
-                       .arg(several ? item->ppdisplayName() : platform::displayText(path.filename())),
-                   where.join(QLatin1Char('\n')), Alert::Suppression::notOffered, Alert::Buttons::deleteAndCancel};
-    if (item != nullptr) {
-        question.warning.sum = item->noteText();
-    }
-    return notices_.ask(question);
+    return notices_.ask({tr("Are you sure you want to completely delete “%1”?").arg(name),
+                         where.join(QLatin1Char('\n')),
+                         Alert::Suppression::notOffered,
+                         Alert::Buttons::deleteAndCancel,
+                         {},
+                         warning});
 }
 
 void SingleRemoval::remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,

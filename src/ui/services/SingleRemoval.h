@@ -23,9 +23,11 @@ public:
     using Finished = std::function<void(bool success)>;
 
     /// Whether the user, being asked, wants the item to be removed for good; a number of other items that are listed
-    /// may lie in it, and go with it. Of an item that is given, the question says the note and what it stands for.
-    [[nodiscard]] bool askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt,
-                                    const engine::FFItem* item = nullptr) const;
+    /// may lie in it, and go with it.
+    [[nodiscard]] bool askToConfirm(const std::filesystem::path& path, qsizetype itemsInIt) const;
+    /// The same of an item: the question says what it stands for, its note, and the notes of the items that go with it.
+    [[nodiscard]] bool askToConfirm(const engine::FFItem& item, const std::filesystem::path& path,
+                                    const engine::ItemArray& goingWithIt) const;
     /// Removes the file at an absolute, normal path, and tells the user where that failed. Then posts
     /// "singleFileRemoveFinished" and calls `finished` with whether the file is gone.
     void remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
@@ -41,6 +43,8 @@ public:
 private:
     using Removal = std::function<engine::ItemRemoval(engine::ItemRemover&)>;
 
+    [[nodiscard]] bool ask(const QString& name, QStringList where, qsizetype itemsInIt,
+                           const Alert::Warning& warning) const;
     /// The name is for people.
     void begin(const QString& name, const Removal& removal, const Finished& finished);
     void finish(const QString& name, const engine::ItemRemoval& removal, const Finished& finished);

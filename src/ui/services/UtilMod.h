@@ -74,8 +74,8 @@ public:
                       const std::shared_ptr<const engine::FoundIn>& foundIn = nullptr);
     /// The same of an item, whose path is given: of one that stands for several things, these are removed and named.
     [[nodiscard]] bool isRemovalConfirmed(const engine::FFItem& item, const std::filesystem::path& path,
-                                          qsizetype itemsInIt) const {
-        return removal_.askToConfirm(path, itemsInIt, &item);
+                                          const engine::ItemArray& goingWithIt) const {
+        return removal_.askToConfirm(item, path, goingWithIt);
     }
     void doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
                       const std::function<void(bool success)>& finished);
