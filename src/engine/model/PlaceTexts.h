@@ -19,7 +19,7 @@ namespace placeTexts {
 [[nodiscard]] QString refused(const Places& places);
 
 /// The things that an item stands for, a line for each of the first and one for the rest.
-[[nodiscard]] QStringList ofTargets(const engine::FFItem& item);
+[[nodiscard]] QStringList ofTargets(const FFItem& item);
 
 }  // namespace placeTexts
 

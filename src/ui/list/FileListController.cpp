@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "engine/model/PlaceTexts.h"
 #include "engine/notification/Notifications.h"
 #include "platform/DisplayText.h"
-#include "ui/services/PlaceTexts.h"
 #include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {
@@ -80,7 +80,7 @@ ItemListModel::Texts FileListController::texts() const {
 }
 
 QString FileListController::tooltipOf(const engine::FFItem& item) const {
-    return item.hasTargets() ? placeTexts::ofTargets(item).join(QLatin1Char('\n'))
+    return item.hasTargets() ? engine::placeTexts::ofTargets(item).join(QLatin1Char('\n'))
                              : platform::displayText(fullPathOf(item));
 }
 

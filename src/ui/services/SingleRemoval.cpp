@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
+#include "engine/model/PlaceTexts.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "platform/DisplayText.h"
 #include "ui/services/NoteWarnings.h"
-#include "ui/services/PlaceTexts.h"
 
 namespace brimvault::ui {
 
@@ -53,7 +53,7 @@ bool SingleRemoval::askToConfirm(const engine::FFItem& item, const std::filesyst
         return ask(platform::displayText(path.filename()), {platform::displayText(path)}, goingWithIt.size(), warning);
     }
     const auto targets = static_cast<qsizetype>(item.removalPaths().size());
-    return ask(item.ppdisplayName(), QStringList(targetsText(targets)) + placeTexts::ofTargets(item),
+    return ask(item.ppdisplayName(), QStringList(targetsText(targets)) + engine::placeTexts::ofTargets(item),
                goingWithIt.size(), warning);
 }
 
