@@ -27,8 +27,4 @@ private:
     files::NodePlace place_;
 };
 
-/// Resolves those symbolic links in the path of a folder that only root can have made: /home is one on some systems.
-/// None where any other link is in the path, or the path leads to nothing.
-[[nodiscard]] std::optional<std::filesystem::path> withoutSystemLinks(const std::filesystem::path& path);
-
 }  // namespace brimvault::cleaner

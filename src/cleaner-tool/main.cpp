@@ -19,6 +19,7 @@
 #include "cleaner-tool/PinnedFolder.h"
 #include "cleaner-tool/Requester.h"
 #include "cleaner-tool/Server.h"
+#include "cleaner-tool/SymbolicLinks.h"
 #include "cleaner-tool/TrashMove.h"
 #include "cleaner-tool/protocol/SocketPath.h"
 

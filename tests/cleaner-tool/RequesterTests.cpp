@@ -9,6 +9,7 @@
 #include <random>
 
 #include "cleaner-tool/PinnedFolder.h"
+#include "cleaner-tool/SymbolicLinks.h"
 #include "cleaner-tool/linux/AccessList.h"
 #include "support/ChildProcess.h"
 #include "support/FixtureTrees.h"
