@@ -5,6 +5,7 @@
 #include <iterator>
 #include <system_error>
 
+#include "cleaner-tool/SymbolicLinks.h"
 #include "cleaner-tool/TrashMove.h"
 
 namespace brimvault::cleaner {
@@ -72,21 +73,33 @@ bool KeptFolders::lookUp(const KeptPath& folder, Entries& found) const {
             return isMissing(error.value());
         }
     }
+    auto isOpen = open(path, folder.links, found);
+    if (isOpen.code() == ENOTDIR && folder.links == LinksOnWay::followVisible) {
+        isOpen = open(withoutVisibleLinks(path, requester_), folder.links, found);
+    }
+    if (!isOpen) {
+        return isMissing(isOpen.code()) || isClosedVolume(isOpen.code());
+    }
+    if (*isOpen) {  // else it is kept as far as the user can see it
+        found.back().keep = folder.keep;
+        found.back().below = folder.below;
+    }
+    return true;
+}
+
+files::Result<bool> KeptFolders::open(const std::filesystem::path& path, LinksOnWay links, Entries& found) const {
     bool isClosed = false;
+    found.clear();
     const auto opened = files::DirectoryHandle::open(path, [&](const auto& handle, const auto& status) {
-        found.push_back({status.identity, Keep::itself});
-        isClosed = folder.links == LinksOnWay::refuse && !requester_.maySearch(handle, status);
+        found.push_back({status.identity, Keep::itself, {}});
+        isClosed = links != LinksOnWay::follow && !requester_.maySearch(handle, status);
         return !isClosed;
     });
-    if (isClosed) {
-        return true;  // kept as far as the user can see it
-    }
-    if (!opened) {
+    if (!opened && !isClosed) {
         found.clear();
-        return isMissing(opened.code()) || isClosedVolume(opened.code());
+        return files::Result<bool>::failed(opened.code());
     }
-    found.back().keep = folder.keep;
-    return true;
+    return !isClosed;
 }
 
 void KeptFolders::set(Entries& entries, const Entry& entry) {
@@ -96,16 +109,27 @@ void KeptFolders::set(Entries& entries, const Entry& entry) {
         entries.push_back(entry);
     } else {
         known->keep = std::max(known->keep, entry.keep);
+        known->below = std::max(known->below, entry.below);
     }
 }
 
+const KeptFolders::Entry* KeptFolders::entryOf(const files::FileIdentity& identity) const {
+    const auto entry =
+        std::find_if(entries_.begin(), entries_.end(), [&](const Entry& other) { return other.identity == identity; });
+    return entry == entries_.end() ? nullptr : &*entry;
+}
+
 std::optional<Keep> KeptFolders::keepOf(const files::NodeStatus& folder) const {
-    const auto entry = std::find_if(entries_.begin(), entries_.end(),
-                                    [&](const Entry& other) { return other.identity == folder.identity; });
-    const auto listed = entry == entries_.end() ? std::nullopt : std::optional(entry->keep);
+    const auto* const entry = entryOf(folder.identity);
+    const auto listed = entry == nullptr ? std::nullopt : std::optional(entry->keep);
     const bool isPinned =
         std::any_of(pinned_.begin(), pinned_.end(), [&](const PinnedFolder& pinned) { return pinned.is(folder); });
     return isPinned ? std::max(listed, std::optional(Keep::contentsMayGo)) : listed;
+}
+
+KeptBelow KeptFolders::belowOf(const files::NodeStatus& folder) const {
+    const auto* const entry = entryOf(folder.identity);
+    return entry == nullptr ? KeptBelow() : entry->below;
 }
 
 bool KeptFoldersGuard::onWay(const files::DirectoryHandle& folder, const files::NodeStatus& status) {
@@ -121,7 +145,23 @@ bool KeptFoldersGuard::onWay(const files::DirectoryHandle& folder, const files::
     isNearestParent_ = keep && *keep != Keep::itself;
     nearest_ = isNearestParent_ ? *keep : nearest_;
     isBelowUsersFolder_ = isBelowUsersFolder_ || status.owner == kept_.requester().user;
+    noteKeptBelow(folder, status);
     return true;
+}
+
+void KeptFoldersGuard::noteKeptBelow(const files::DirectoryHandle& folder, const files::NodeStatus& status) {
+    const auto inherited = below_.levels == 0 ? KeptBelow() : KeptBelow{below_.levels - 1, below_.name};
+    below_ = std::max(inherited, kept_.belowOf(status));
+    namedChild_.reset();
+    if (below_.levels == 0 && !below_.name.empty()) {
+        const auto child = files::statusAt(folder.descriptor(), below_.name.c_str());
+        namedChild_ = child ? std::optional(child->identity) : std::nullopt;
+    }
+}
+
+bool KeptFoldersGuard::isKeptBelow(const files::NodeStatus& item) const {
+    const bool isFolderOrLink = item.kind == files::NodeKind::directory || item.kind == files::NodeKind::link;
+    return isFolderOrLink && (below_.levels > 0 || namedChild_ == item.identity);
 }
 
 void KeptFoldersGuard::beginMount() {
@@ -129,8 +169,8 @@ void KeptFoldersGuard::beginMount() {
     isBelowUsersFolder_ = false;
 }
 
-bool KeptFoldersGuard::mayRemoveItem() const {
-    if (expectedFolder_ && folder_ != *expectedFolder_) {
+bool KeptFoldersGuard::mayRemoveItem(const files::NodeStatus& item) const {
+    if ((expectedFolder_ && folder_ != *expectedFolder_) || isKeptBelow(item)) {
         return false;
     }
     switch (nearest_) {
@@ -146,7 +186,7 @@ bool KeptFoldersGuard::mayRemoveItem() const {
 bool KeptFoldersGuard::mayRemove(const files::NodeStatus& node) {
     const bool isItem = !isItemAsked_;
     isItemAsked_ = true;
-    return isValid_ && (!isItem || mayRemoveItem()) && !kept_.keepOf(node);
+    return isValid_ && (!isItem || mayRemoveItem(node)) && !kept_.keepOf(node);
 }
 
 }  // namespace brimvault::cleaner

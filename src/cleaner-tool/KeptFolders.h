@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <tuple>
 #include <vector>
 
 #include "cleaner-tool/PinnedFolder.h"
@@ -24,14 +26,24 @@ enum class Keep {
 
 /// Symbolic links in the path of a folder that is to be kept.
 enum class LinksOnWay {
-    follow,  ///< only root can have made them
-    refuse,  ///< others may have made them, to learn from a refusal what is at the target
+    follow,         ///< only root can have made them
+    refuse,         ///< others may have made them, to learn from a refusal what is at the target
+    followVisible,  ///< only to what the user can see, who learns nothing from a refusal
+};
+
+/// What is kept below a folder without being listed: folders, and symbolic links in their place. Of two rules for one
+/// folder the later in this order holds, and keeps what the other would.
+struct KeptBelow {
+    unsigned levels = 0;  ///< folders down to this depth, whatever their names; 1 for direct children
+    std::string name;     ///< one level deeper, the folders of this name; empty for none
+    bool operator<(const KeptBelow& other) const { return std::tie(levels, name) < std::tie(other.levels, other.name); }
 };
 
 struct KeptPath {
     std::filesystem::path path;
     Keep keep;
     LinksOnWay links = LinksOnWay::refuse;
+    KeptBelow below = {};
 };
 
 /// The folders of the operating system.
@@ -41,6 +53,8 @@ struct KeptPath {
 /// The folders of a user's home that the sections list. `engine/removal/ProtectedFolders` has a list of its own, on
 /// purpose: the tool runs as root and must trust neither the application nor its messages.
 [[nodiscard]] std::vector<std::filesystem::path> sectionFoldersOf(const std::filesystem::path& home);
+/// The home itself with its direct subfolders, those in which programs have a folder each, and those with secrets.
+[[nodiscard]] std::vector<KeptPath> foldersOfProgramsIn(const std::filesystem::path& home);
 
 /// The folders that are never removed, and those whose contents may be. The former are given by path and recognised by
 /// device and inode; each removal looks them up again, as a folder may have been made, replaced or mounted since. What
@@ -66,20 +80,27 @@ public:
 
     /// None for a folder that is neither kept nor pinned.
     [[nodiscard]] std::optional<Keep> keepOf(const files::NodeStatus& folder) const;
+    /// What the folder keeps below it.
+    [[nodiscard]] KeptBelow belowOf(const files::NodeStatus& folder) const;
     [[nodiscard]] const Requester& requester() const { return requester_; }
 
 private:
     struct Entry {
         files::FileIdentity identity;
         Keep keep;
+        KeptBelow below;
     };
     struct Folder {
         KeptPath kept;
         bool wasFound;
     };
     using Entries = std::vector<Entry>;
+    /// None for what is not listed.
+    [[nodiscard]] const Entry* entryOf(const files::FileIdentity& identity) const;
     /// Finds the folder at the path and its ancestors.
     [[nodiscard]] bool lookUp(const KeptPath& folder, Entries& found) const;
+    /// The same of a path without links.
+    [[nodiscard]] files::Result<bool> open(const std::filesystem::path& path, LinksOnWay links, Entries& found) const;
     static void set(Entries& entries, const Entry& entry);
 
     Requester requester_;
@@ -93,6 +114,9 @@ private:
 /// through a folder that the user owns, or into one whose contents may be removed, and the user must be able to search
 /// every folder on it. Otherwise a user could use our root rights to replace other users' files in shared folders such
 /// as /tmp, or files that a service trusts.
+///
+/// What lies in the home is counted in levels from the folders that keep some below them (`KeptBelow`), so that the
+/// folders of each installed application need not be listed.
 ///
 /// At each mount point ownership must be shown again: what an administrator has mounted in a home is not the user's.
 ///
@@ -108,17 +132,21 @@ public:
 
 private:
     void beginMount();
-    [[nodiscard]] bool mayRemoveItem() const;
+    void noteKeptBelow(const files::DirectoryHandle& folder, const files::NodeStatus& status);
+    [[nodiscard]] bool isKeptBelow(const files::NodeStatus& item) const;
+    [[nodiscard]] bool mayRemoveItem(const files::NodeStatus& item) const;
 
     const KeptFolders& kept_;
     const std::optional<files::FileIdentity> expectedFolder_;
     const bool isValid_;
-    files::FileIdentity folder_;          ///< that the path has come to; in the end the item's
-    std::optional<std::uint64_t> mount_;  ///< of the folder that the path has come to
-    Keep nearest_ = Keep::everything;     ///< the rule of the nearest listed ancestor
-    bool isNearestParent_ = false;        ///< that ancestor is the item's parent
-    bool isBelowUsersFolder_ = false;     ///< the path has led through a folder of the user's on this mount
-    bool isItemAsked_ = false;            ///< the first question is for the item, later ones for its contents
+    files::FileIdentity folder_;                     ///< that the path has come to; in the end the item's
+    std::optional<std::uint64_t> mount_;             ///< of the folder that the path has come to
+    Keep nearest_ = Keep::everything;                ///< the rule of the nearest listed ancestor
+    bool isNearestParent_ = false;                   ///< that ancestor is the item's parent
+    bool isBelowUsersFolder_ = false;                ///< the path has led through a folder of the user's on this mount
+    KeptBelow below_;                                ///< of the folders passed: what is kept below the one come to
+    std::optional<files::FileIdentity> namedChild_;  ///< in that folder, the one that is kept by its name
+    bool isItemAsked_ = false;  ///< the first question is for the item, later ones for its contents
 };
 
 }  // namespace brimvault::cleaner

@@ -59,6 +59,8 @@ std::optional<KeptFolders> keptFolders(Requester requester, const std::optional<
         for (const auto& folder : sectionFoldersOf(*home)) {
             folders.push_back({folder, Keep::itself});
         }
+        const auto more = foldersOfProgramsIn(*home);
+        folders.insert(folders.end(), more.begin(), more.end());
     }
     for (const auto& folder : sharedSectionFolders()) {
         pin(kept, folder, root);

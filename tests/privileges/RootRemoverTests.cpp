@@ -290,6 +290,9 @@ TEST_F(RootRemover, RefusesWhatIsToBeKept) {
     makeLockedFolder(user, "extra");
     makeTrash(user);
     fs::create_directory(user.home() / "Downloads");
+    for (const char* file : {"Unterlagen/letter", ".var/app/org.App/cache/item", ".ssh/keys"}) {
+        writeFile(user.home() / file, "precious");
+    }
     fs::create_directory("/srv/shared");
     fs::create_directory_symlink(caches(), caches() / "link");
     const auto before = fingerprint(user.home());
@@ -299,6 +302,7 @@ TEST_F(RootRemover, RefusesWhatIsToBeKept) {
         for (const fs::path& path :
              {fs::path("item"), caches() / "item" / "", caches() / "extra/../item", caches() / "link/item",
               caches() / "extra", caches(), user.home() / "Library", user.home() / "Downloads", user.home(),
+              user.home() / "Unterlagen", user.home() / ".var/app/org.App/cache", user.home() / ".ssh/keys",
               fs::path("/run/home"), fs::path("/srv/shared"), rules, tool,
               fs::path((caches() / "item").native() + std::string("\0", 1) + "x")}) {
             const bool isRefused = client.isRefused(path) && client.isRefusedInTrash(path);
@@ -321,7 +325,7 @@ TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
     }
     ASSERT_EQ(::chown("/srv/closed/user", user.number, user.number), 0);
     fs::permissions("/srv/closed", fs::perms::owner_all);
-    writeFile(user.home() / "locked/file", "the administrator's");
+    writeFile(user.home() / "Library/locked/file", "the administrator's");
     fs::permissions(user.home().parent_path(), fs::perms::all);
     const auto before = fingerprint("/srv");
     EXPECT_WELL_IN_CHILD(served([&](Client& client) {
@@ -336,7 +340,7 @@ TEST_F(RootRemover, RemovesNothingBeyondWhatIsTheUsers) {
         refuses(caches() / "item");
         refuses(precious / "tool");
         refuses(precious / "Library/Caches/item");
-        wrong += client.removeFileAtPath(moved / "locked") ? "" : "what was the home is not any more";
+        wrong += client.removeFileAtPath(moved / "Library/locked") ? "" : "what was the home is not any more";
         fs::remove(user.home());
         fs::rename(moved, user.home());
         return wrong;
