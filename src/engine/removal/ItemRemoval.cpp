@@ -134,11 +134,11 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     if (item.code() == ENOENT || item.code() == ENOTDIR) {
         return {true, {}};
     }
-    if (item && item->kind == files::NodeKind::directory) {
+    if (item && (item->kind == files::NodeKind::directory || item->kind == files::NodeKind::link)) {
         if (!protected_) {
             protected_.emplace();
         }
-        if (protected_->isOneOrHoldsOne(path, *item)) {
+        if (protected_->keeps(path, *item)) {
             return {false, ItemRemoval::withoutSystemText()};
         }
     }

@@ -55,7 +55,7 @@ private:
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;
-    std::optional<ProtectedFolders> protected_;  ///< made for the first folder that is to be removed
+    std::optional<ProtectedFolders> protected_;  ///< made for the first folder or link that is to be removed
     std::map<std::shared_ptr<const platform::RootPlace>, bool> leadsCache_;
     // The folder of the last item, kept open for the next.
     std::shared_ptr<const FoundIn> folderFoundIn_;

@@ -362,6 +362,55 @@ TEST_F(CleanOfFiles, KeepsTheRecordOfWhatCouldNotBeRemoved) {
     });
 }
 
+TEST_F(CleanOfFiles, RefusesTheFoldersOfProgramsAndTheUsersOwn) {
+    const auto data = folder_ / "data";
+    const auto apps = folder_ / "disk/var/app";
+    const SubstituteHome system(home_, {{"XDG_DATA_HOME", data}, {"XDG_STATE_HOME", folder_ / "state/"}});
+    fs::create_directories(apps);
+    fs::create_directory_symlink(folder_ / "disk/var", home_ / ".var");
+    writeFile(home_ / ".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/Library/Unterlagen\"\n");
+    const std::vector<fs::path> kept = {apps,
+                                        apps / "org.App",
+                                        apps / "org.App/cache",
+                                        apps / "org.App/cache/tmp",
+                                        home_ / "snap/app/common/.cache",
+                                        home_ / "snap/app/42/.cache",
+                                        home_ / ".config/app",
+                                        home_ / ".local/app",
+                                        home_ / ".local/share/app",
+                                        home_ / ".local/state/app",
+                                        data / "app",
+                                        folder_ / "state/app",
+                                        home_ / "Library/Unterlagen",
+                                        home_ / "Pictures",
+                                        home_ / ".mozilla",
+                                        home_ / ".ssh",
+                                        home_ / ".gnupg"};
+    for (const auto& folder : kept) {
+        writeFile(folder / "item/inner/file", "12345");
+        writeFile(folder / "tmp/file", "12345");
+    }
+    fs::create_directory_symlink("42", home_ / "snap/app/current");
+    const auto before = fingerprint(folder_.path());
+    auto refused = kept;
+    for (const auto& folder : kept) {
+        refused.push_back(folder.parent_path());
+    }
+    refused.push_back(home_ / "snap/app/current");
+    refused.push_back(home_ / ".config/../.config/app");
+    ItemRemover remover(PrivilegedRemover::none());
+    for (const auto& folder : refused) {
+        EXPECT_EQ(remover.remove(folder, nullptr).reason, QStringLiteral("Can't remove file")) << folder;
+    }
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+    for (const auto& folder : kept) {
+        const bool isOfApps = folder == apps || folder == apps / "org.App";
+        EXPECT_TRUE(remover.remove(isOfApps ? folder / "item/inner/file" : folder / "item", nullptr).gone) << folder;
+    }
+    EXPECT_TRUE(remover.remove(home_ / ".config/user-dirs.dirs", nullptr).gone);
+    EXPECT_TRUE(remover.remove(apps / "org.App/cache/tmp/tmp", nullptr).gone);
+}
+
 TEST_F(CleanOfFiles, RefusesTheFoldersOfTheSectionsAndWhatHoldsThem) {
     const auto root = folder_ / "root";
     const std::vector<fs::path> folders = {home_ / "Library/Logs",
