@@ -15,6 +15,10 @@
         <source>Its folder is not the one that was scanned any more</source>
         <translation>Sein Ordner ist nicht mehr der, der gescannt wurde</translation>
     </message>
+    <message>
+        <source>It lies outside of the trial</source>
+        <translation>Liegt außerhalb des Probelaufs</translation>
+    </message>
 </context>
 <context>
     <name>CleanQuestion</name>

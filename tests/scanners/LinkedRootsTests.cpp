@@ -61,8 +61,8 @@ protected:
 
     TemporaryFolder folder_;
     const fs::path home_ = folder_ / "home";
-    const fs::path disk_ = folder_ / "disk/folder";
-    const fs::path other_ = folder_ / "other";
+    const fs::path disk_ = folder_ / "root/disk/folder";
+    const fs::path other_ = folder_ / "root/other";
     const fs::path link_ = home_ / GetParam().named;
     const SubstituteHome system_{home_, {{"BRIMVAULT_TRIAL_ROOT", folder_ / "root"}}};
     engine::Places places_;
@@ -143,14 +143,14 @@ TEST(LinkedApplications, KeepTheirLocalizationsOnceTheyAreNotTheOnesThatWereScan
     const TemporaryFolder folder;
     const auto link = folder / "home/Applications";
     const SubstituteHome system(folder / "home", {{"BRIMVAULT_TRIAL_ROOT", folder / "root"}});
-    makeLocalizations(folder / "disk/One.app/Contents/Resources", {"en.lproj", "de.lproj"});
-    makeLocalizations(folder / "exchanged/Contents/Resources", {"en.lproj", "de.lproj"});
+    makeLocalizations(folder / "root/disk/One.app/Contents/Resources", {"en.lproj", "de.lproj"});
+    makeLocalizations(folder / "root/exchanged/Contents/Resources", {"en.lproj", "de.lproj"});
     fs::create_directories(folder / "home");
-    fs::create_directories(folder / "other");
-    fs::create_directory_symlink(folder / "disk", link);
+    fs::create_directories(folder / "root/other");
+    fs::create_directory_symlink(folder / "root/disk", link);
     const auto applications = scanApplications(std::nullopt, link);
     ASSERT_EQ(applications.size(), 1);
-    EXPECT_EQ(applications[0]->pAppName(), folder / "disk/One.app");
+    EXPECT_EQ(applications[0]->pAppName(), folder / "root/disk/One.app");
     applications[0]->recalcKeepSpaceForLocales({QStringLiteral("en")});
     const auto cleanChangesAnything = [&] {
         const auto before = fingerprint(folder.path());
@@ -158,13 +158,13 @@ TEST(LinkedApplications, KeepTheirLocalizationsOnceTheyAreNotTheOnesThatWereScan
         return fingerprint(folder.path()) != before;
     };
     fs::remove(link);
-    fs::create_directory_symlink(folder / "other", link);
+    fs::create_directory_symlink(folder / "root/other", link);
     EXPECT_FALSE(cleanChangesAnything()) << "their folder is another";
     fs::remove(link);
-    fs::create_directory_symlink(folder / "disk", link);
-    ASSERT_TRUE(exchangeNames(folder / "disk/One.app", folder / "exchanged"));
+    fs::create_directory_symlink(folder / "root/disk", link);
+    ASSERT_TRUE(exchangeNames(folder / "root/disk/One.app", folder / "root/exchanged"));
     EXPECT_FALSE(cleanChangesAnything()) << "another application of the same name";
-    ASSERT_TRUE(exchangeNames(folder / "disk/One.app", folder / "exchanged"));
+    ASSERT_TRUE(exchangeNames(folder / "root/disk/One.app", folder / "root/exchanged"));
     EXPECT_TRUE(cleanChangesAnything());
 }
 

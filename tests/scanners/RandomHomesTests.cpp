@@ -239,7 +239,7 @@ protected:
     TemporaryFolder folder_;
     const fs::path home_ = folder_ / "home";
     const fs::path root_ = folder_ / "root";
-    const std::vector<fs::path> volumes_ = {folder_ / "volume", folder_ / "odd \\ \n\t*#\xff\\040"};
+    const std::vector<fs::path> volumes_ = {root_ / "volume", root_ / "odd \\ \n\t*#\xff\\040"};
     bool hiddenToo_ = false;
 };
 

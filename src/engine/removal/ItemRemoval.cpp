@@ -1,11 +1,14 @@
 #include "engine/removal/ItemRemoval.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <cerrno>
+#include <system_error>
 
 #include "engine/model/FileManager.h"
 #include "files/NodeStatus.h"
 #include "files/removal/Remove.h"
+#include "platform/System.h"
 #include "platform/TrashFolders.h"
 
 namespace brimvault::engine {
@@ -51,6 +54,23 @@ PrivilegedRemover::Holder identityOf(const std::filesystem::path& folder) {
     return status ? PrivilegedRemover::Holder(status->identity) : std::nullopt;
 }
 
+bool holds(const std::filesystem::path& folder, const std::filesystem::path& inner) {
+    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
+}
+
+// Whether this is a trial, over made-up folders, and the item lies in none of them.
+bool isOutsideOfTrial(const std::filesystem::path& item) {
+    const auto root = platform::systemRoot();
+    if (root == "/") {
+        return false;
+    }
+    std::error_code unresolved;
+    const auto resolvedRoot = std::filesystem::weakly_canonical(root, unresolved);
+    const auto folder =
+        unresolved ? std::filesystem::path() : std::filesystem::canonical(item.parent_path(), unresolved);
+    return unresolved || !(holds(platform::homeFolder(), folder) || holds(resolvedRoot, folder));
+}
+
 QString systemText(const files::Failure& failure) { return QString::fromLocal8Bit(failure.text().c_str()); }
 
 }  // namespace
@@ -59,6 +79,10 @@ QString ItemRemoval::withoutSystemText() { return QCoreApplication::translate("C
 
 QString ItemRemoval::exchangedText() {
     return QCoreApplication::translate("Clean", "Its folder is not the one that was scanned any more");
+}
+
+QString ItemRemoval::outsideOfTrialText() {
+    return QCoreApplication::translate("Clean", "It lies outside of the trial");
 }
 
 ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn) {
@@ -141,6 +165,9 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
         if (protected_->keeps(path, *item)) {
             return {false, ItemRemoval::withoutSystemText()};
         }
+    }
+    if (isOutsideOfTrial(path)) {
+        return {false, ItemRemoval::outsideOfTrialText()};
     }
     const auto holder = folder == nullptr ? identityOf(path.parent_path()) : folderFoundIn_->folder;
     // No stop token: an item that was begun is finished.

@@ -23,12 +23,14 @@ struct [[nodiscard]] ItemRemoval {
     static QString withoutSystemText();
     /// The reason if the folder was exchanged since the item was found.
     static QString exchangedText();
+    /// The reason if the program runs over a made-up home folder (`platform::systemRoot`) that does not hold the item.
+    static QString outsideOfTrialText();
 };
 
 /// Removes items permanently; both a whole clean and a single removal go through it. An item is removed only from the
 /// very folder (by inode) in which it was found, through an open descriptor of it, so that exchanging folders on the
-/// way cannot redirect the removal. Protected folders are refused. An item of the desktop's trash takes its .trashinfo
-/// record along.
+/// way cannot redirect the removal. Protected folders are refused, and in a trial whatever lies outside of it. An item
+/// of the desktop's trash takes its .trashinfo record along.
 ///
 /// If permission is denied the privileged remover is asked, once, unless the folder of the item is immutable. Blocks;
 /// one thread, and not the main one. The remover outlives it.

@@ -18,8 +18,9 @@ std::vector<ProgramFolder> programFolders() {
         {home / ".mozilla", 0, {}},     {home / ".ssh", 0, {}},
         {home / ".gnupg", 0, {}}};
     for (const auto base : {BaseFolder::configuration, BaseFolder::data, BaseFolder::state}) {
-        auto folder = *LibraryURLs::baseFolder(base);
-        folders.push_back({std::move(folder), 1, {}});
+        if (auto folder = LibraryURLs::baseFolder(base)) {
+            folders.push_back({std::move(*folder), 1, {}});
+        }
     }
     return folders;
 }

@@ -305,11 +305,11 @@ TEST_F(CleanOfFiles, TellsTheSystemsReasonInTheUsersLanguage) {
 TEST_F(CleanOfFiles, TakesTheRecordOfATrashedItemAlongAndNoOther) {
     const auto user = std::to_string(::getuid());
     const std::pair<fs::path, bool> folders[] = {{trash_, true},
-                                                 {folder_ / "volume/.Trash" / user / "files", true},
-                                                 {folder_ / "volume" / (".Trash-" + user) / "files", true},
+                                                 {folder_ / "root/volume/.Trash" / user / "files", true},
+                                                 {folder_ / "root/volume" / (".Trash-" + user) / "files", true},
                                                  {home_ / "Documents/files", false},
-                                                 {folder_ / "volume/.Trash-4711/files", false},
-                                                 {folder_ / ".Trash/4711/files", false},
+                                                 {folder_ / "root/volume/.Trash-4711/files", false},
+                                                 {folder_ / "root/.Trash/4711/files", false},
                                                  {home_ / ".local/share/Trash/other", false}};
     for (const auto& [files, isTrash] : folders) {
         const auto neighbour = makeTrashed(files / "neighbour");
@@ -360,6 +360,35 @@ TEST_F(CleanOfFiles, KeepsTheRecordOfWhatCouldNotBeRemoved) {
         }
         return fs::exists(item / "inner/file") && fs::exists(recordOf(item)) ? "" : "something is gone";
     });
+}
+
+// The home and the root of a trial are made up, and a link could lead to the user's real files.
+TEST_F(CleanOfFiles, RemovesNothingOutsideOfATrial) {
+    const auto outside = folder_ / "outside";
+    const auto outsideText = QStringLiteral("It lies outside of the trial");
+    for (const auto& file : {outside / "file", outside / "folder/file", outside / "shared/file",
+                             folder_ / "home 2/file", folder_ / "root/volume/file"}) {
+        writeFile(file, "precious");
+    }
+    fs::create_directory_symlink(outside, home_ / "Downloads");
+    fs::create_directory_symlink(outside, home_ / "link");
+    fs::create_directory_symlink(outside / "shared", outside / "inner");
+    const auto before = fingerprint(folder_.path());
+    for (const auto& item : {outside / "file", outside / "folder", outside / "inner", folder_ / "home 2/file",
+                             home_ / "link/file", home_ / "Downloads/folder", caches_ / "../../link/folder/file"}) {
+        const auto removal = removeItemAt(item);
+        EXPECT_TRUE(!removal.gone && removal.reason == outsideText) << item << removal.reason.toStdString();
+    }
+    const auto found = std::make_shared<const FoundIn>(FoundIn{outside / "", files::statusOf(outside)->identity});
+    const auto item = deletable(FFItem::initWithPath(outside / "folder", 1));
+    item->setFoundIn(found, FFItem::FoundPathKind::folder);
+    clean({item});
+    EXPECT_EQ(notRemoved_.value(QStringLiteral("folder")), outsideText);
+    EXPECT_EQ(fingerprint(folder_.path()), before);
+    EXPECT_TRUE(removeItemAt(home_ / "link").gone) << "the link itself lies in the home";
+    EXPECT_TRUE(removeItemAt(folder_ / "root/volume/file").gone);
+    const SubstituteHome noTrial(home_);
+    EXPECT_TRUE(removeItemAt(outside / "file").gone);
 }
 
 TEST_F(CleanOfFiles, RefusesTheFoldersOfProgramsAndTheUsersOwn) {
