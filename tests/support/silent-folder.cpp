@@ -1,5 +1,5 @@
-// Loaded before a program's own libraries: whoever asks what the folder is that the environment variable SILENT_FOLDER
-// names, or what lies in it, waits for ever, as on a volume that does not answer.
+// Loaded before a program's own libraries: whoever asks what the folder is that the environment variable
+// BRIMVAULT_SILENT_FOLDER names, or what lies in it, waits for ever, as on a volume that does not answer.
 
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -13,7 +13,7 @@
 namespace {
 
 bool isSilent(const std::string& path) {
-    const char* silent = std::getenv("SILENT_FOLDER");
+    const char* silent = std::getenv("BRIMVAULT_SILENT_FOLDER");
     return silent != nullptr && (path + "/").starts_with(std::string(silent) + "/");
 }
 

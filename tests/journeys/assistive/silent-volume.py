@@ -43,7 +43,7 @@ def main():
         with tempfile.TemporaryDirectory() as folder:
             home = os.path.join(folder, "home")
             make_home(sample_home, home)
-            silent = {"LD_PRELOAD": library, "SILENT_FOLDER": os.path.join(home, "Library/Caches")}
+            silent = {"LD_PRELOAD": library, "BRIMVAULT_SILENT_FOLDER": os.path.join(home, "Library/Caches")}
             with running([trial_home, home, program], silent, ends_itself=not cleans) as process:
                 stop_and_scan_the_others(Window(), cleans)
                 if not cleans:  # without a question before, since nobody gives the window the keyboard again here
