@@ -1,9 +1,9 @@
 #include "scanners/SChOperation.h"
 
 #include "engine/model/FileSize.h"
-#include "platform/DisplayText.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
+#include "platform/text/DisplayText.h"
 #include "scanners/places/PlacePattern.h"
 #include "scanners/places/RowContents.h"
 #include "scanners/places/RowNames.h"

@@ -3,8 +3,8 @@
 #include <QCollator>
 #include <random>
 
-#include "platform/DisplayText.h"
-#include "platform/NameKey.h"
+#include "platform/text/DisplayText.h"
+#include "platform/text/NameKey.h"
 #include "support/TextPrinting.h"
 
 namespace brimvault::tests {

@@ -1,7 +1,7 @@
 #include "app/scan/TableText.h"
 
 #include "engine/model/FileSize.h"
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::app {
 

@@ -4,7 +4,7 @@
 #include <QtGlobal>
 #include <atomic>
 
-#include "platform/NameKey.h"
+#include "platform/text/NameKey.h"
 
 namespace brimvault::engine {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::engine {
 

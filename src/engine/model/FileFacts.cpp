@@ -5,7 +5,7 @@
 
 #include "engine/model/FileManager.h"
 #include "platform/Accounts.h"
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::engine {
 

@@ -3,7 +3,7 @@
 #include "files/ExtendedAttributes.h"
 #include "files/NodeStatus.h"
 #include "files/trees/Measure.h"
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::engine {
 

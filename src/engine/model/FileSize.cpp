@@ -7,7 +7,7 @@
 #include <iterator>
 
 #include "engine/model/FileManager.h"
-#include "platform/DecimalText.h"
+#include "platform/text/DecimalText.h"
 
 namespace brimvault::engine {
 

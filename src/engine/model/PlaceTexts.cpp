@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::engine {
 

@@ -7,10 +7,10 @@
 #include <sstream>
 
 #include "files/DirectoryHandle.h"
-#include "platform/DisplayText.h"
 #include "platform/System.h"
 #include "platform/formats/FileContents.h"
 #include "platform/linux/Owned.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::platform {
 

@@ -7,7 +7,7 @@
 
 #include "engine/model/PlaceTexts.h"
 #include "engine/notification/Notifications.h"
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 #include "ui/table/RowPicture.h"
 
 namespace brimvault::ui {

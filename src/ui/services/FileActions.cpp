@@ -5,7 +5,7 @@
 
 #include "files/NodeStatus.h"
 #include "files/trees/Measure.h"
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 #include "scanners/SystemPathsGenerator.h"
 #include "ui/services/InfoWindow.h"
 

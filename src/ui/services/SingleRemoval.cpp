@@ -6,7 +6,7 @@
 #include "engine/model/PlaceTexts.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 #include "ui/services/NoteWarnings.h"
 
 namespace brimvault::ui {

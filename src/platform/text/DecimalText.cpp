@@ -1,4 +1,4 @@
-#include "platform/DecimalText.h"
+#include "platform/text/DecimalText.h"
 
 #include <unicode/numberformatter.h>
 

@@ -1,4 +1,4 @@
-#include "platform/DisplayText.h"
+#include "platform/text/DisplayText.h"
 
 namespace brimvault::platform {
 

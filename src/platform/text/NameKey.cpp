@@ -1,4 +1,4 @@
-#include "platform/NameKey.h"
+#include "platform/text/NameKey.h"
 
 #include <unicode/ucol.h>
 
