@@ -316,6 +316,28 @@ void LinuxDesktop::makeAll() const {
     makePrecious();
 }
 
+std::vector<fs::path> LinuxDesktop::changingFolders() {
+    return {".cache", ".var",    "snap",     ".npm",        ".cargo", "go",      ".gradle",
+            ".ivy2",  ".rustup", ".android", ".thumbnails", ".wine",  ".config", ".local/share"};
+}
+
+std::vector<fs::path> LinuxDesktop::precious() {
+    return {".cache/ibus/libpinyin/user.db",
+            ".cache/rclone/vfs/drive/report.odt",
+            ".cache/JetBrains/Idea2024.3/LocalHistory/x",
+            ".config/Code/Cookies",
+            ".config/Code/User/settings.json",
+            ".config/libreoffice/4/user/uno_packages/cache/x",
+            ".var/app/org.example.Image/cache/tmp/recent",
+            ".var/app/org.example.Image/cache/rclone/vfs/x",
+            ".var/app/org.example.Image/data/x",
+            "snap/editor/x12/.config/x",
+            "snap/editor/x12/.cache",
+            ".m2/repository/x",
+            ".mozilla/firefox/abc.default/places.sqlite",
+            ".local/share/Steam/steamapps/common/game/x"};
+}
+
 void LinuxDesktop::runFlatpak(const fs::path& runtime, const std::string& identifier, pid_t process) {
     const auto instance = runtime / ".flatpak" / std::to_string(process);
     writeFile(instance / "info", "[Application]\nname=" + identifier + "\n");

@@ -31,6 +31,11 @@ public:
     /// The link that a program leaves in its profile's folder while it runs.
     void runProfile(const std::filesystem::path& profile, const std::string& machine, pid_t process) const;
 
+    /// The folders in which a clean removes something, from the home on.
+    [[nodiscard]] static std::vector<std::filesystem::path> changingFolders();
+    /// Some of what must be there after every clean, from the home on.
+    [[nodiscard]] static std::vector<std::filesystem::path> precious();
+
     static constexpr const char* profile = ".config/Code";  ///< a true one
 
 private:

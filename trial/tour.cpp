@@ -18,6 +18,7 @@
 #include "platform/System.h"
 #include "trial/EnglishEnvironment.h"
 #include "trial/Guide.h"
+#include "trial/LinuxDesktop.h"
 #include "trial/SampleHome.h"
 #include "ui/controls/AlertWindow.h"
 #include "ui/look/FocusRing.h"
@@ -37,9 +38,12 @@ constexpr int sliding = 400;   // milliseconds; a drawer is out by then
 constexpr const char* spared = "com.vendor.photos";
 
 // The folders that may change: those with items, and the program's settings.
-const std::vector<fs::path> changingFolders = {
-    "Library/Caches", "Library/Containers", "Library/Logs", "Library/Application Support/CrashReporter",
-    ".Trash",         ".local/share/Trash", "Applications", ".config"};
+std::vector<fs::path> changingFolders() {
+    auto folders = trial::LinuxDesktop::changingFolders();
+    folders.insert(folders.end(), {"Library/Caches", "Library/Containers", "Library/Logs",
+                                   "Library/Application Support/CrashReporter", ".Trash", "Applications"});
+    return folders;
+}
 
 int failures = 0;
 
@@ -203,7 +207,7 @@ int main(int argc, char* argv[]) {
     }
     ui::look::apply();
     ui::watchFocus();
-    const auto before = trial::fingerprint(home, changingFolders);
+    const auto before = trial::fingerprint(home, changingFolders());
 
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());
     ui::WindowAlerts alerts;
@@ -224,6 +228,9 @@ int main(int argc, char* argv[]) {
 
     expect(names(caches) == std::set<std::string>{spared, trial::SampleHome::hiddenName},
            "only what was unticked, and what is hidden, is left in the caches folder");
+    for (const auto& file : trial::LinuxDesktop::precious()) {
+        expect(fs::exists(home / file), file.native() + " is left");
+    }
     expect(names(home / "Library/Logs") == std::set<std::string>{"CrashReporter", "talagent.log.1"},
            "what is not listed is left in the logs folder");
     expect(names(home / ".Trash").empty() && names(home / ".local/share/Trash/files").empty() &&
@@ -235,7 +242,7 @@ int main(int argc, char* argv[]) {
                                                                                     "German.lproj", "en.lproj"},
                "of the languages of " + bundle.path().native() + " those to keep are left");
     }
-    expect(trial::fingerprint(home, changingFolders) == before, "nothing outside was touched");
+    expect(trial::fingerprint(home, changingFolders()) == before, "nothing outside was touched");
     std::cout << (failures == 0 ? "The folders are as they should be.\n" : "The tour failed.\n");
     return failures == 0 ? 0 : 1;
 }

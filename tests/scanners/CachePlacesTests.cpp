@@ -216,4 +216,44 @@ TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
     EXPECT_EQ(names["snap/editor/common/.cache"], "editor//");
 }
 
+// What a clean of everything that is ticked leaves. Rows that stand for several things go with exactly these.
+TEST_F(CachePlaces, AreCleanedWithoutTouchingAnythingElse) {
+    desktop_.makeAll();
+    LinuxDesktop::runFlatpak(runtime_, "org.example.Running", 1);
+    const auto items = scanSection(Section::caches).items;
+    std::vector<fs::path> toGo;
+    for (const auto& item : items) {
+        if (item->ppbChecked()) {
+            for (const auto& path : item->removalPaths()) {
+                toGo.push_back(path.lexically_relative(home_));
+            }
+        }
+    }
+    const std::vector<fs::path> kept = {".var/app/org.example.Image/cache",
+                                        ".var/app/org.example.Image/cache/tmp",
+                                        "snap/editor/11/.cache",
+                                        ".config/Code/Cache",
+                                        ".config/Code/Cache/Cache_Data",
+                                        ".config/Code/GPUCache",
+                                        ".cache/pypoetry"};
+    const auto inodes = [&] {
+        std::vector<std::uint64_t> all;
+        for (const auto& folder : kept) {
+            const auto status = files::statusOf(home_ / folder);
+            all.push_back(status ? status->identity.inode : 0);
+        }
+        return all;
+    };
+    const auto before = fingerprint(home_, toGo);
+    const auto inodesBefore = inodes();
+    EXPECT_TRUE(cleanItems(Section::caches, items).empty());
+    for (const auto& path : toGo) {
+        EXPECT_FALSE(files::statusOf(home_ / path)) << path;
+    }
+    EXPECT_EQ(fingerprint(home_), before);
+    EXPECT_EQ(inodes(), inodesBefore);
+    const auto left = scanSection(Section::caches).items;
+    EXPECT_TRUE(std::none_of(left.begin(), left.end(), [](const auto& item) { return item->ppbChecked(); }));
+}
+
 }  // namespace brimvault::tests
