@@ -11,7 +11,7 @@
 
 #include "files/DirectoryHandle.h"
 #include "files/OpenFiles.h"
-#include "platform/System.h"
+#include "platform/ReadOnlyLibraries.h"
 #include "platform/formats/FileContents.h"
 #include "platform/formats/SettingsText.h"
 
@@ -41,7 +41,7 @@ std::string firstLine(const fs::path& file) {
 // instance whose process is not told is taken to run.
 std::set<std::string> runningFlatpaks() {
     std::set<std::string> found;
-    const fs::path runtime = system().environmentVariable("XDG_RUNTIME_DIR");
+    const auto runtime = runtimeFolder();
     if (!runtime.is_absolute()) {
         return found;
     }

@@ -103,7 +103,7 @@ def expect_refusal(home):
 def expect_interrupt(home, folder):
     """The caches lie on a volume that does not answer."""
     number = os.path.join(folder, "number")
-    environment = english(LD_PRELOAD=silent_folder, SILENT_FOLDER=os.path.join(home, "Library/Caches"))
+    environment = english(LD_PRELOAD=silent_folder, BRIMVAULT_SILENT_FOLDER=os.path.join(home, "Library/Caches"))
     command = [trial_home, home, sys.executable, "-c", STARTER, number, program, "--json"]
     with subprocess.Popen(command, stdout=subprocess.PIPE, env=environment) as running:
         try:
