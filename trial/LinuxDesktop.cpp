@@ -294,13 +294,19 @@ void LinuxDesktop::makeTools() const {
 
 void LinuxDesktop::makeDesktopEntries() const {
     const auto entries = home_ / ".local/share/applications";
-    const auto entry = [&](const char* identifier, const std::string& name, const std::string& more) {
-        writeFile(entries / (std::string(identifier) + ".desktop"),
-                  "[Desktop Entry]\nType=Application\nName=" + name + "\n" + more);
+    const auto icons = home_ / ".local/share/icons/hicolor/scalable/apps";
+    const auto entry = [&](const std::string& identifier, const std::string& name, const std::string& colour,
+                           const std::string& more) {
+        writeFile(entries / (identifier + ".desktop"),
+                  "[Desktop Entry]\nType=Application\nName=" + name + "\nIcon=" + identifier + "\n" + more);
+        writeFile(icons / (identifier + ".svg"),
+                  "<svg xmlns='http://www.w3.org/2000/svg' width='48' height='48'>"
+                  "<rect x='4' y='4' width='40' height='40' rx='10' fill='" +
+                      colour + "'/></svg>\n");
     };
-    entry("org.example.Image", "Image Editor", "Exec=image\nIcon=org.example.Image\n");
-    entry("code", "Visual Studio Code", "Exec=/usr/bin/code %F\nStartupWMClass=Code\nIcon=code\n");
-    entry("chromium", "Chromium", "Exec=/usr/bin/chromium %U\nIcon=chromium\n");
+    entry("org.example.Image", "Image Editor", "#1db954", "Exec=image\n");
+    entry("code", "Visual Studio Code", "#2aa5a0", "Exec=/usr/bin/code %F\nStartupWMClass=Code\n");
+    entry("chromium", "Chromium", "#f46b3c", "Exec=/usr/bin/chromium %U\n");
 }
 
 void LinuxDesktop::makePrecious() const {

@@ -119,46 +119,54 @@ void SChOperation::collectCachesInfo(ScanBatches& batches) {
 }
 
 void SChOperation::collectByRules(const OpenFolder& folder, ScanBatches& batches) {
-    std::shared_ptr<const engine::FoundIn> place;
-    std::filesystem::path placePath;
+    std::shared_ptr<const engine::FoundIn> place;  // which the entries of one folder share
+    const auto call = [&](const CacheNames::Entry& entry) {
+        batches.step();
+        if (entry.inside.empty() && place == nullptr) {
+            place = engine::FoundIn::in(folder.path, folder.handle, folder.root);
+        }
+        collectEntry(entry, entry.inside.empty() ? place : nullptr, folder.root, batches);
+    };
     names_.forEachEntry(
-        folder.handle, folder.path, open_, stopToken(), [](auto) { return false; },
-        [&](const auto& entry) {
-            batches.step();
-            if (place == nullptr || placePath != entry.folderPath) {
-                placePath = entry.folderPath;
-                place = engine::FoundIn::in(entry.folderPath, entry.folder, folder.root);
-            }
-            const auto path = entry.folderPath / entry.name;
-            auto judgement = entry.judgement;
-            if (const auto inner = places_->take(path); inner && inner->answer > judgement.answer) {
-                judgement = {inner->rule, inner->answer, inner->note};
-            }
-            auto found = entry.found;
-            const auto running = judgement.rule == nullptr ? PlaceRunning::unknown : judgement.rule->running;
-            if (const auto use = useOfBrowser(running, entry.name, stopToken()); use.isUsed) {
-                judgement.answer = PlaceAnswer::unticked;
-                judgement.note = ItemNote::inUse;
-                found.openBy = use.program.value_or(found.openBy);
-            }
-            engine::ItemDetails details{judgement.rule == nullptr ? "" : judgement.rule->id,
-                                        argumentOf(judgement.note, found),
-                                        {},
-                                        found.isForeign,
-                                        {}};
-            if (!isCancelled()) {
-                addItem({.path = path,
-                         .name = entry.name,
-                         .size = found.logical,
-                         .kind = entry.kind,
-                         .root = folder.root,
-                         .foundIn = place,
-                         .ticked = judgement.answer == PlaceAnswer::ticked,
-                         .note = judgement.note,
-                         .details = std::move(details)},
-                        batches);
-            }
-        });
+        folder.handle, folder.path, open_, stopToken(), [](auto) { return false; }, call);
+}
+
+void SChOperation::collectEntry(const CacheNames::Entry& entry, const std::shared_ptr<const engine::FoundIn>& place,
+                                const std::shared_ptr<const platform::RootPlace>& root, ScanBatches& batches) {
+    const auto path = entry.folderPath / entry.name;
+    auto judgement = entry.judgement;
+    if (const auto inner = places_->take(path); inner && inner->answer > judgement.answer) {
+        judgement = {inner->rule, inner->answer, inner->note};
+    }
+    auto found = entry.found;
+    const auto running = judgement.rule == nullptr ? PlaceRunning::unknown : judgement.rule->running;
+    if (const auto use = useOfBrowser(running, entry.name, stopToken()); use.isUsed) {
+        judgement.answer = PlaceAnswer::unticked;
+        judgement.note = ItemNote::inUse;
+        found.openBy = use.program.value_or(found.openBy);
+    }
+    FoundFile item{.path = path,
+                   .name = entry.name,
+                   .size = found.logical,
+                   .kind = entry.kind,
+                   .root = root,
+                   .foundIn = place,
+                   .ticked = judgement.answer == PlaceAnswer::ticked,
+                   .note = judgement.note};
+    if (!entry.inside.empty()) {
+        item.name = std::string(entry.inside) + " \u2013 " + entry.name;
+        item.foundIn = engine::FoundIn::at(path, entry.folder, root);
+    }
+    if (judgement.rule != nullptr || judgement.note != ItemNote::none || found.isForeign) {
+        item.details = engine::ItemDetails{.rule = judgement.rule == nullptr ? "" : judgement.rule->id,
+                                           .noteArgument = argumentOf(judgement.note, found),
+                                           .application = {},
+                                           .needsAdministrator = found.isForeign,
+                                           .targets = {}};
+    }
+    if (!isCancelled()) {
+        addItem(item, batches);
+    }
 }
 
 void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {

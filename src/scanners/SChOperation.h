@@ -36,6 +36,8 @@ private:
 
     void collectCachesInfo(ScanBatches& batches);
     void collectByRules(const OpenFolder& folder, ScanBatches& batches);
+    void collectEntry(const CacheNames::Entry& entry, const std::shared_ptr<const engine::FoundIn>& place,
+                      const std::shared_ptr<const platform::RootPlace>& root, ScanBatches& batches);
     void collectRow(const PlaceRow& row, ScanBatches& batches);
     /// The row's program if it runs, by what it or its package system says.
     [[nodiscard]] std::optional<QString> runningProgram(const PlaceRow& row, const std::string& program);

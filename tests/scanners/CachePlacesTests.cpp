@@ -203,6 +203,7 @@ TEST_F(CachePlaces, ThatVariablesNameAreListedWhereTheyHoldWhatTheyShouldAndNowh
 TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
     desktop_.makeApplications();
     desktop_.makeDesktopEntries();
+    writeFile(home_ / ".cache/JetBrains/Idea/x", "12345");
     LinuxDesktop::runFlatpak(runtime_, "org.example.Image", 1);
     std::map<std::string, std::string> names;
     for (const auto& item : scanSection(Section::caches).items) {
@@ -214,6 +215,7 @@ TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
     EXPECT_EQ(names[".var/app/org.example.Other/cache"], "org.example.Other//");
     EXPECT_EQ(names[LinuxDesktop::profile], "Visual Studio Code/code/");
     EXPECT_EQ(names["snap/editor/common/.cache"], "editor//");
+    EXPECT_EQ(names[".cache/JetBrains/Idea"], "JetBrains \u2013 Idea//");
 }
 
 // What a clean of everything that is ticked leaves. Rows that stand for several things go with exactly these.

@@ -67,32 +67,40 @@ struct CacheNames::Walk {
     std::chrono::system_clock::time_point now;
 };
 
-CacheNames::CacheNames(std::span<const PlaceRule> rules) : rules_(rules) {}
+CacheNames::CacheNames(std::span<const PlaceRule> rules) {
+    for (const auto& rule : rules) {
+        for (const std::string_view pattern : rule.patterns) {
+            const auto [name, inner] = firstName(pattern);
+            const auto first = static_cast<unsigned char>(name.front());
+            for (std::size_t letter = 0; rule.base == PlaceBase::cache && letter < patterns_.size(); ++letter) {
+                if (first == '*' || first == '#' || first == letter) {
+                    patterns_[letter].push_back({&rule, name, inner});
+                }
+            }
+        }
+    }
+}
+
+const CacheNames::Patterns& CacheNames::patternsFor(std::string_view name) const {
+    return patterns_[name.empty() ? 0 : static_cast<unsigned char>(name.front())];
+}
 
 CacheNames::Fitting CacheNames::fitting(std::string_view inside, std::string_view name) const {
     Fitting found;
-    for (const auto& rule : rules_) {
-        const bool fitsAny = rule.base == PlaceBase::cache &&
-                             std::any_of(rule.patterns.begin(), rule.patterns.end(), [&](const char* pattern) {
-                                 const auto [first, rest] = firstName(pattern);
-                                 return inside.empty() ? rest.empty() && fits(name, first)
-                                                       : fits(inside, first) && (rest.empty() || fits(name, rest));
-                             });
-        if (fitsAny) {
-            found.push_back(&rule);
+    const auto entry = inside.empty() ? name : inside;
+    for (const auto& pattern : patternsFor(entry)) {
+        const bool fitsInner = pattern.inner.empty() || (!inside.empty() && fits(name, pattern.inner));
+        if (fitsInner && fits(entry, pattern.name)) {
+            found.push_back(pattern.rule);
         }
     }
     return found;
 }
 
 bool CacheNames::isLookedInto(std::string_view name) const {
-    return std::any_of(rules_.begin(), rules_.end(), [&](const PlaceRule& rule) {
-        return rule.base == PlaceBase::cache &&
-               std::any_of(rule.patterns.begin(), rule.patterns.end(), [&](const char* pattern) {
-                   const auto [first, rest] = firstName(pattern);
-                   return !rest.empty() && fits(name, first);
-               });
-    });
+    const auto& patterns = patternsFor(name);
+    return std::any_of(patterns.begin(), patterns.end(),
+                       [name](const Pattern& pattern) { return !pattern.inner.empty() && fits(name, pattern.name); });
 }
 
 void CacheNames::forEachEntry(const files::DirectoryHandle& folder, const std::filesystem::path& path,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <span>
@@ -64,7 +65,16 @@ private:
     void walk(const Walk& what, const files::DirectoryHandle& folder, const std::filesystem::path& path,
               std::string_view inside) const;
 
-    std::span<const PlaceRule> rules_;
+    struct Pattern {
+        const PlaceRule* rule;
+        std::string_view name;   ///< of an entry
+        std::string_view inner;  ///< of what lies in it; empty where the rule speaks of the entry itself
+    };
+    using Patterns = std::vector<Pattern>;
+    /// Those that a name may fit, by its first letter.
+    [[nodiscard]] const Patterns& patternsFor(std::string_view name) const;
+
+    std::array<Patterns, 256> patterns_;
 };
 
 }  // namespace brimvault::scanners
