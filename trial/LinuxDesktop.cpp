@@ -294,12 +294,15 @@ void LinuxDesktop::makeTools() const {
 
 void LinuxDesktop::makeDesktopEntries() const {
     const auto entries = home_ / ".local/share/applications";
-    const auto icons = home_ / ".local/share/icons/hicolor/scalable/apps";
+    const auto theme = home_ / ".local/share/icons/hicolor";
+    writeFile(theme / "index.theme",
+              "[Icon Theme]\nName=Hicolor\nDirectories=scalable/apps\n[scalable/apps]\nContext=Applications\n"
+              "Type=Scalable\nSize=48\nMinSize=16\nMaxSize=512\n");
     const auto entry = [&](const std::string& identifier, const std::string& name, const std::string& colour,
                            const std::string& more) {
         writeFile(entries / (identifier + ".desktop"),
                   "[Desktop Entry]\nType=Application\nName=" + name + "\nIcon=" + identifier + "\n" + more);
-        writeFile(icons / (identifier + ".svg"),
+        writeFile(theme / "scalable/apps" / (identifier + ".svg"),
                   "<svg xmlns='http://www.w3.org/2000/svg' width='48' height='48'>"
                   "<rect x='4' y='4' width='40' height='40' rx='10' fill='" +
                       colour + "'/></svg>\n");
