@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <system_error>
 
-#include "files/DirectoryHandle.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
 #include "scanners/places/PlacePattern.h"
@@ -76,6 +75,11 @@ fs::path beginningOf(const fs::path& path, std::string_view pattern) {
     return beginning;
 }
 
+files::Result<files::DirectoryHandle> openMatch(const PlaceMatch& match) {
+    return match.kind == files::NodeKind::directory ? match.parent.openChild(match.path.filename().c_str())
+                                                    : files::Result<files::DirectoryHandle>::failed(ENOTDIR);
+}
+
 bool isFolderRow(const PlaceRule& rule) {
     return rule.shape == PlaceShape::children || rule.shape == PlaceShape::cache;
 }
@@ -130,38 +134,44 @@ void FoundPlaces::find(const PlaceRule& rule, ProfileFolders& profiles) {
     for (const std::string_view pattern : rule.patterns) {
         if (pattern == ".") {
             if (exists(from->handle, rule.holds)) {
-                if (auto folder = folderOf(rule, from->handle, from->place->resolved)) {
-                    rowFor(rule, *from, {}, {}).folders.push_back(std::move(*folder));
-                }
+                addMatch(rule, *from, {}, {}, from->handle);
             }
             continue;
         }
         forEachFitting(from->handle, pattern, stop_, [&](const PlaceMatch& match) {
-            const auto path = from->place->resolved / match.path;
             if (rule.answer == PlaceAnswer::spared) {
-                spared_.push_back(path);
+                spared_.push_back(from->place->resolved / match.path);
                 return;
             }
-            const auto folder = match.kind == files::NodeKind::directory
-                                    ? match.parent.openChild(match.path.filename().c_str())
-                                    : files::Result<files::DirectoryHandle>::failed(ENOTDIR);
+            const auto folder = openMatch(match);
             if (!folder || (*rule.holds != '\0' && !exists(*folder, rule.holds))) {
                 return;
             }
             if (rule.shape == PlaceShape::profile) {
-                const bool isInAnother = profiles.contains(match.path.parent_path());
-                const auto known = profiles.find(match.path);
-                const bool isStricter = known != profiles.end() && rule.answer > known->second->answer;
-                if (!isInAnother && (isStricter || (known == profiles.end() && isProfileFolder(*folder)))) {
-                    profiles[match.path] = &rule;
-                }
-                return;
-            }
-            auto& row = rowFor(rule, *from, pattern, match.path);
-            if (auto found = isFolderRow(rule) ? folderOf(rule, *folder, path) : std::nullopt) {
-                row.folders.push_back(std::move(*found));
+                noteProfileFolder(rule, match.path, *folder, profiles);
+            } else {
+                addMatch(rule, *from, pattern, match.path, *folder);
             }
         });
+    }
+}
+
+void FoundPlaces::addMatch(const PlaceRule& rule, const Base& from, std::string_view pattern, const fs::path& path,
+                           const files::DirectoryHandle& folder) {
+    auto& row = rowFor(rule, from, pattern, path);
+    const auto whole = path.empty() ? from.place->resolved : from.place->resolved / path;
+    if (auto found = isFolderRow(rule) ? folderOf(rule, folder, whole) : std::nullopt) {
+        row.folders.push_back(std::move(*found));
+    }
+}
+
+// A profile may look like a folder of profiles itself; it belongs to the one that holds it.
+void FoundPlaces::noteProfileFolder(const PlaceRule& finder, const fs::path& path, const files::DirectoryHandle& folder,
+                                    ProfileFolders& profiles) {
+    const auto known = profiles.find(path);
+    const bool isNew = known == profiles.end() && !profiles.contains(path.parent_path()) && isProfileFolder(folder);
+    if (isNew || (known != profiles.end() && finder.answer > known->second->answer)) {
+        profiles[path] = &finder;
     }
 }
 
@@ -172,28 +182,30 @@ void FoundPlaces::addProfileFolder(const PlaceRule& finder, const Base& from, co
         return;
     }
     for (const auto& profile : profilesIn(*opened, stop_)) {
-        const auto folder = files::DirectoryHandle::openForReading(profile.empty() ? whole : whole / profile);
+        const auto at = profile.empty() ? whole : whole / profile;
+        const auto folder = files::DirectoryHandle::openForReading(at);
         for (const auto& rule : rules_) {
-            if (!folder || rule.base != PlaceBase::profile) {
-                continue;
-            }
-            const bool isStricter = rule.answer > finder.answer;
-            for (const std::string_view pattern : rule.patterns) {
-                forEachFitting(*folder, pattern, stop_, [&](const PlaceMatch& match) {
-                    const auto child = match.parent.openChild(match.path.filename().c_str());
-                    if (!child) {
-                        return;
-                    }
-                    auto& row = rowFor(isStricter ? rule : finder, from, {}, path);
+            if (folder && rule.base == PlaceBase::profile) {
+                addCaches(rule, *folder, at, [&]() -> PlaceRow& {
+                    auto& row = rowFor(rule.answer > finder.answer ? rule : finder, from, {}, path);
                     row.profile = whole;
                     row.application = path.filename();
-                    const auto at = (profile.empty() ? whole : whole / profile) / match.path;
-                    if (auto found = folderOf(rule, *child, at)) {
-                        row.folders.push_back(std::move(*found));
-                    }
+                    return row;
                 });
             }
         }
+    }
+}
+
+void FoundPlaces::addCaches(const PlaceRule& rule, const files::DirectoryHandle& profile, const fs::path& at,
+                            const std::function<PlaceRow&()>& row) {
+    for (const std::string_view pattern : rule.patterns) {
+        forEachFitting(profile, pattern, stop_, [&](const PlaceMatch& match) {
+            const auto child = openMatch(match);
+            if (auto found = child ? folderOf(rule, *child, at / match.path) : std::nullopt) {
+                row().folders.push_back(std::move(*found));
+            }
+        });
     }
 }
 

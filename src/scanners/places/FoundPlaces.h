@@ -1,14 +1,17 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <span>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "files/DirectoryHandle.h"
 #include "files/NodeStatus.h"
 #include "platform/SectionRoots.h"
 #include "scanners/places/PlaceRule.h"
@@ -51,9 +54,16 @@ private:
 
     [[nodiscard]] const Base* base(PlaceBase base);
     void find(const PlaceRule& rule, ProfileFolders& profiles);
-    void addProfileFolder(const PlaceRule& finder, const Base& base, const std::filesystem::path& path);
+    void addMatch(const PlaceRule& rule, const Base& from, std::string_view pattern, const std::filesystem::path& path,
+                  const files::DirectoryHandle& folder);
+    static void noteProfileFolder(const PlaceRule& finder, const std::filesystem::path& path,
+                                  const files::DirectoryHandle& folder, ProfileFolders& profiles);
+    void addProfileFolder(const PlaceRule& finder, const Base& from, const std::filesystem::path& path);
+    /// Adds the caches that the rule matches in the profile to the row, which is made for the first.
+    void addCaches(const PlaceRule& rule, const files::DirectoryHandle& profile, const std::filesystem::path& at,
+                   const std::function<PlaceRow&()>& row);
     /// The row of the rule that holds the match at the path, made if there is none.
-    PlaceRow& rowFor(const PlaceRule& rule, const Base& base, std::string_view pattern,
+    PlaceRow& rowFor(const PlaceRule& rule, const Base& from, std::string_view pattern,
                      const std::filesystem::path& path);
     void removeSpared();
 

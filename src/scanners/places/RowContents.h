@@ -15,14 +15,14 @@ namespace brimvault::scanners {
 /// for what a program has open: then the row is in use.
 class RowContents {
 public:
-    /// What all rows of a scan have in common; both outlive the contents.
+    /// What all rows of a scan have in common.
     struct Scan {
         const CacheNames& names;
         const files::OpenFiles& open;
         std::stop_token stop;  ///< after a stop the contents are incomplete
     };
 
-    /// Blocks as the disk does; pool threads help.
+    /// Blocks as the disk does; pool threads help. The row outlives the contents.
     RowContents(const PlaceRow& row, const Scan& scan);
 
     /// Whether there is nothing to list.
@@ -44,7 +44,7 @@ private:
     void add(const files::ItemFindings& more, engine::ItemNote note);
 
     const PlaceRow& row_;
-    const Scan& scan_;
+    const Scan scan_;
     files::ItemFindings found_;
     Judgement judgement_;
     std::vector<engine::ItemTargets> targets_;
