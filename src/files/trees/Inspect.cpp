@@ -34,9 +34,10 @@ std::string beginningOf(const DirectoryHandle& folder, const char* name, std::si
 }
 
 // What each version control system keeps in a working copy.
+constexpr std::array<std::pair<std::string_view, const char*>, 5> marks = {
+    {{".git", "/HEAD"}, {".hg", "/store"}, {".svn", "/wc.db"}, {".bzr", "/branch-format"}, {".jj", "/repo"}}};
+
 bool isWorkingCopyMark(const DirectoryHandle& parent, const char* name) {
-    constexpr std::array<std::pair<std::string_view, const char*>, 5> marks = {
-        {{".git", "/HEAD"}, {".hg", "/store"}, {".svn", "/wc.db"}, {".bzr", "/branch-format"}, {".jj", "/repo"}}};
     if (name[0] != '.') {
         return false;
     }
@@ -45,10 +46,11 @@ bool isWorkingCopyMark(const DirectoryHandle& parent, const char* name) {
     return mark != marks.end() && statusAt(parent.descriptor(), (std::string(name) + mark->second).c_str());
 }
 
-// A working copy whose repository lies elsewhere: a worktree or a submodule.
-bool isWorkingCopyFile(const DirectoryHandle& folder, const char* name) {
+// A working copy whose repository lies elsewhere: a worktree or a submodule, or one whose folder was moved away.
+bool isWorkingCopyFile(const DirectoryHandle& folder, const char* name, NodeKind kind) {
     constexpr std::string_view beginning = "gitdir:";
-    return std::string_view(name) == ".git" && beginningOf(folder, name, beginning.size()) == beginning;
+    return std::string_view(name) == ".git" &&
+           (kind == NodeKind::link || beginningOf(folder, name, beginning.size()) == beginning);
 }
 
 // The findings of all visitors of one tree.
@@ -60,6 +62,7 @@ public:
         all_.unshared += more.unshared;
         all_.isSpecial |= more.isSpecial;
         all_.isForeign |= more.isForeign;
+        all_.holdsUnseen |= more.holdsUnseen;
         all_.holdsMount |= more.holdsMount;
         all_.holdsSocket |= more.holdsSocket;
         all_.holdsWorkingCopy |= more.holdsWorkingCopy;
@@ -94,6 +97,7 @@ public:
         const auto status = folder.status();
         if (status) {
             noteHolder(status->identity);
+            found_.changed = std::max(found_.changed, status->modified);
         }
         if (isInFirstFolder()) {
             noteItem(status);
@@ -103,13 +107,20 @@ public:
         const auto status = statusAt(folder.descriptor(), name);
         if (status) {
             add(*status);
-            found_.holdsWorkingCopy = found_.holdsWorkingCopy || isWorkingCopyFile(folder, name);
+            found_.holdsWorkingCopy = found_.holdsWorkingCopy || isWorkingCopyFile(folder, name, status->kind);
         }
     }
-    void onFolderClosed(const DirectoryHandle& /*parent*/, const char* /*name*/, int code) override {
+    void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) override {
+        if (isBeforeFirstFolder()) {
+            noteItem(statusAt(parent.descriptor(), name));
+        }
         found_.holdsMount = found_.holdsMount || code == EXDEV;
+        found_.holdsUnseen = found_.holdsUnseen || (code != EXDEV && code != ENOENT);
     }
-    void onWayLost(const char* /*name*/, int /*code*/) override {}
+    void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& folder) override {
+        found_.holdsUnseen = found_.holdsUnseen || folder.listingCode != 0;
+    }
+    void onWayLost(const char* /*name*/, int /*code*/) override { found_.holdsUnseen = true; }
 
     void noteMark(const DirectoryHandle& parent, const char* folder) {
         found_.holdsWorkingCopy = found_.holdsWorkingCopy || isWorkingCopyMark(parent, folder);
@@ -170,6 +181,13 @@ ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& e
         }
     }
     return gathered.all();
+}
+
+bool isWorkingCopy(const DirectoryHandle& folder) {
+    const auto status = statusAt(folder.descriptor(), ".git");
+    return std::any_of(marks.begin(), marks.end(),
+                       [&](const auto& mark) { return isWorkingCopyMark(folder, mark.first.data()); }) ||
+           (status && isWorkingCopyFile(folder, ".git", status->kind));
 }
 
 bool isTaggedAsCache(const DirectoryHandle& folder) {

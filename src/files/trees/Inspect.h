@@ -20,8 +20,9 @@ struct ItemFindings {
     bool holdsSocket = false;       ///< programs talk to each other in it
     bool holdsWorkingCopy = false;  ///< of a version control system
     bool isForeign = false;         ///< another user owns it
+    bool holdsUnseen = false;       ///< a folder in it, or itself, cannot be read: it may hold anything
     pid_t openBy = 0;               ///< a process that holds something in it open; 0 if none is known
-    std::chrono::system_clock::time_point changed = {};  ///< when it, or a file in it, was modified last
+    std::chrono::system_clock::time_point changed = {};  ///< when it, or anything in it, was modified last
 };
 
 /// Measures an entry as the listing of an open folder names it, and finds out what else there is to know of it, with
@@ -29,6 +30,9 @@ struct ItemFindings {
 /// a stop the findings are incomplete. Any thread; idle threads of the pool help.
 [[nodiscard]] ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
                                         const OpenFiles& open, const std::stop_token& stop = {});
+
+/// Whether a working copy of a version control system begins in the folder itself.
+[[nodiscard]] bool isWorkingCopy(const DirectoryHandle& folder);
 
 /// Whether the folder says of itself that it is a cache (the Cache Directory Tagging Specification,
 /// bford.info/cachedir).

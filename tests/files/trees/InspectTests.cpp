@@ -64,7 +64,7 @@ TEST(Inspect, TellsSocketsSpecialFilesSharedOnesAndTheLastChange) {
     EXPECT_FALSE(found.isSpecial || found.holdsSocket || found.holdsMount || found.holdsWorkingCopy || found.isForeign);
 
     const auto old = fs::file_time_type::clock::now() - std::chrono::hours(48);
-    for (const auto& path : {item / "a/once", item / "a/twice", item}) {
+    for (const auto& path : {item / "a/once", item / "a/twice", item / "a", item}) {
         fs::last_write_time(path, old);
     }
     const auto now = std::chrono::system_clock::now();
@@ -134,6 +134,25 @@ TEST(Inspect, TakesAFolderForACacheByTheTagsSignature) {
     fs::rename(folder / "CACHEDIR.TAG", folder / "other");
     fs::create_symlink("other", folder / "CACHEDIR.TAG");
     EXPECT_FALSE(files::isTaggedAsCache(*files::DirectoryHandle::open(folder.path()))) << "a link is not followed";
+}
+
+TEST(Inspect, TellsThatThereIsMoreThanCanBeSeen) {
+    const TemporaryFolder folder;
+    writeFile(folder / "open/a/x", "1");
+    writeFile(folder / "holds/a/b/x", "1");
+    writeFile(folder / "is/x", "1");
+    giveToNobody(folder.path());
+    fs::permissions(folder / "holds/a/b", fs::perms::none);
+    fs::permissions(folder / "is", fs::perms::owner_exec);
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        becomeNobody();
+        return !inspect(folder / "holds").holdsUnseen ? "a closed folder inside was not seen"
+               : !inspect(folder / "is").holdsUnseen  ? "a closed folder was not seen"
+               : inspect(folder / "open").holdsUnseen ? "an open folder counts as closed"
+               : inspect(folder / "is").isForeign     ? "one's own counts as another's"
+                                                      : "";
+    });
+    fs::permissions(folder / "holds/a/b", fs::perms::owner_all);
 }
 
 }  // namespace brimvault::tests
