@@ -220,7 +220,10 @@ void LinuxDesktop::makeApplications() const {
     fs::create_directory_symlink("org.example.Other", apps / "org.example.Link");
 
     const auto snap = home_ / "snap/editor";
-    makeFiles(snap, {{"common/.cache/x", 300'000'000}, {"11/.cache/x", 31'000'000}, {"x12/.cache/y", 32'000'000}});
+    makeFiles(snap, {{"common/.cache/x", 300'000'000},
+                     {"9/.cache/x", 9'000},
+                     {"11/.cache/x", 31'000'000},
+                     {"x12/.cache/y", 32'000'000}});
     writeAll(snap, {"common/x", "11/Documents/x", "x12/.config/x", "old/.cache/x", "common/.local/share/x"});
     fs::create_directory_symlink("x12", snap / "current");
 

@@ -83,14 +83,15 @@ std::string describe(const fs::path& path, const fs::file_status& status) {
     if (fs::is_symlink(status)) {
         return "link to " + fs::read_symlink(path).native();
     }
+    const std::string rights = " " + std::to_string(static_cast<unsigned>(status.permissions()));
     if (fs::is_directory(status)) {
-        return "folder";
+        return "folder" + rights;
     }
     if (!fs::is_regular_file(status)) {
         return "other";
     }
     const auto size = fs::file_size(path);
-    std::string text = "file of " + std::to_string(size) + " bytes";
+    std::string text = "file of " + std::to_string(size) + " bytes" + rights;
     if (size <= comparedBytes) {
         std::ifstream file(path, std::ios::binary);
         text.append(": ").append(std::istreambuf_iterator<char>(file), {});

@@ -24,6 +24,7 @@ private:
 /// Who uses a profile, by the link that programs leave in it while they run.
 struct ProfileUse {
     bool isUsed = false;           ///< also where another machine uses it, as far as can be known
+    bool isElsewhere = false;      ///< another machine has left the link
     std::optional<pid_t> program;  ///< on this machine
 };
 /// The folder of a browser's profiles, or of a program built on one.

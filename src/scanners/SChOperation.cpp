@@ -1,5 +1,7 @@
 #include "scanners/SChOperation.h"
 
+#include <system_error>
+
 #include "engine/model/FileSize.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
@@ -28,20 +30,26 @@ QString argumentOf(ItemNote note, const files::ItemFindings& found) {
     }
 }
 
+std::filesystem::path resolved(const std::filesystem::path& path) {
+    std::error_code unresolved;
+    auto real = std::filesystem::canonical(path, unresolved);
+    return unresolved ? path : real;
+}
+
 // A browser keeps its caches under the names of its profiles' folders.
-platform::ProfileUse useOfBrowser(PlaceRunning kind, const std::filesystem::path& name, const std::stop_token& stop) {
-    const bool isMozilla = kind == PlaceRunning::mozilla;
+platform::ProfileUse useOfBrowser(const PlaceRunning& kind, const std::filesystem::path& name,
+                                  const std::stop_token& stop) {
     const auto settings = platform::LibraryURLs::baseFolder(platform::BaseFolder::configuration);
-    if (kind == PlaceRunning::unknown || !settings) {
+    if (!(kind.mozilla || kind.chromium) || !settings) {
         return {};
     }
-    const auto folder = isMozilla ? platform::homeFolder() / ".mozilla" / "firefox" : *settings / name;
-    auto use = isMozilla ? platform::ProfileUse{} : platform::useOfProfile(folder);
+    const auto folder = resolved(kind.mozilla ? platform::homeFolder() / ".mozilla" / "firefox" : *settings / name);
+    auto use = kind.mozilla ? platform::ProfileUse{} : platform::useOfProfile(folder);
     if (const auto opened = files::DirectoryHandle::openForReading(folder)) {
         forEachFitting(*opened, "*", stop, [&](const PlaceMatch& match) {
             if (!use.isUsed && match.kind == files::NodeKind::directory) {
-                use = isMozilla ? platform::useOfMozillaProfile(folder / match.path)
-                                : platform::useOfProfile(folder / match.path);
+                use = kind.mozilla ? platform::useOfMozillaProfile(folder / match.path)
+                                   : platform::useOfProfile(folder / match.path);
             }
         });
     }
@@ -96,6 +104,9 @@ void SChOperation::collectCachesInfo(ScanBatches& batches) {
     for (const auto& [named, hidden] : folders()) {
         const bool isDesktops = hidden == files::HiddenEntries::include;
         withRoot(named, [&, entries = hidden](const OpenFolder& folder) {
+            if (const auto status = folder.handle.status()) {
+                places_->leaveOut(status->place());
+            }
             if (isDesktops) {
                 collectByRules(folder, batches);
             } else {
@@ -122,10 +133,10 @@ void SChOperation::collectByRules(const OpenFolder& folder, ScanBatches& batches
     std::shared_ptr<const engine::FoundIn> place;  // which the entries of one folder share
     const auto call = [&](const CacheNames::Entry& entry) {
         batches.step();
-        if (entry.inside.empty() && place == nullptr) {
+        if (entry.holder.empty() && place == nullptr) {
             place = engine::FoundIn::in(folder.path, folder.handle, folder.root);
         }
-        collectEntry(entry, entry.inside.empty() ? place : nullptr, folder.root, batches);
+        collectEntry(entry, entry.holder.empty() ? place : nullptr, folder.root, batches);
     };
     names_.forEachEntry(
         folder.handle, folder.path, open_, stopToken(), [](auto) { return false; }, call);
@@ -139,10 +150,10 @@ void SChOperation::collectEntry(const CacheNames::Entry& entry, const std::share
         judgement = {inner->rule, inner->answer, inner->note};
     }
     auto found = entry.found;
-    const auto running = judgement.rule == nullptr ? PlaceRunning::unknown : judgement.rule->running;
+    const auto running = judgement.rule == nullptr ? PlaceRunning{} : judgement.rule->running;
     if (const auto use = useOfBrowser(running, entry.name, stopToken()); use.isUsed) {
         judgement.answer = PlaceAnswer::unticked;
-        judgement.note = ItemNote::inUse;
+        judgement.note = moreSerious(judgement.note, ItemNote::inUse);
         found.openBy = use.program.value_or(found.openBy);
     }
     FoundFile item{.path = path,
@@ -153,15 +164,25 @@ void SChOperation::collectEntry(const CacheNames::Entry& entry, const std::share
                    .foundIn = place,
                    .ticked = judgement.answer == PlaceAnswer::ticked,
                    .note = judgement.note};
-    if (!entry.inside.empty()) {
-        item.name = std::string(entry.inside) + " \u2013 " + entry.name;
+    QString desktopEntry;
+    if (running.mozilla || running.chromium) {
+        const std::string program = *judgement.rule->title != '\0' ? judgement.rule->title : entry.name;
+        if (const auto installed = applications_.findByClassOrProgram(program)) {
+            item.name = installed->name.toStdString();
+            item.foundIn = engine::FoundIn::at(path, entry.folder, root);
+            desktopEntry = QString::fromStdString(installed->identifier);
+        }
+    }
+    if (!entry.holder.empty()) {
+        item.name = std::string(entry.holder) + " \u2013 " + entry.name;
         item.foundIn = engine::FoundIn::at(path, entry.folder, root);
     }
-    if (judgement.rule != nullptr || judgement.note != ItemNote::none || found.isForeign) {
+    const bool needsAdministrator = found.isForeign || found.holdsUnseen;
+    if (judgement.rule != nullptr || judgement.note != ItemNote::none || needsAdministrator) {
         item.details = engine::ItemDetails{.rule = judgement.rule == nullptr ? "" : judgement.rule->id,
                                            .noteArgument = argumentOf(judgement.note, found),
-                                           .application = {},
-                                           .needsAdministrator = found.isForeign,
+                                           .application = desktopEntry,
+                                           .needsAdministrator = needsAdministrator,
                                            .targets = {}};
     }
     if (!isCancelled()) {
@@ -177,7 +198,7 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
     }
     const auto name = nameOf(row, applications_);
     const auto program = runningProgram(row, name.program);
-    const auto note = program ? ItemNote::inUse : contents.judgement().note;
+    const auto note = moreSerious(contents.judgement().note, program ? ItemNote::inUse : ItemNote::none);
     addItem({.path = row.path,
              .name = name.title,
              .size = contents.found().logical,
@@ -185,26 +206,23 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
              .root = row.root,
              .ticked = !program && contents.judgement().answer == PlaceAnswer::ticked,
              .note = note,
-             .details = engine::ItemDetails{.rule = row.rule->id,
-                                            .noteArgument = program ? *program : argumentOf(note, contents.found()),
-                                            .application = QString::fromStdString(name.desktopEntry),
-                                            .needsAdministrator = contents.found().isForeign,
-                                            .targets = contents.targets()}},
+             .details =
+                 engine::ItemDetails{
+                     .rule = row.rule->id,
+                     .noteArgument = program && note == ItemNote::inUse ? *program : argumentOf(note, contents.found()),
+                     .application = QString::fromStdString(name.desktopEntry),
+                     .needsAdministrator = contents.found().isForeign || contents.found().holdsUnseen,
+                     .targets = contents.targets()}},
             batches);
 }
 
 std::optional<QString> SChOperation::runningProgram(const PlaceRow& row, const std::string& program) {
-    const auto named = [](const std::string& name) { return std::optional(platform::displayText(name)); };
-    switch (row.rule->running) {
-        case PlaceRunning::flatpak:
-            return running_.isFlatpakRunning(row.application) ? named(program) : std::nullopt;
-        case PlaceRunning::snap:
-            return running_.isSnapRunning(row.application) ? named(program) : std::nullopt;
-        case PlaceRunning::chromium:
-            return platform::useOfProfile(row.profile).isUsed ? named(program) : std::nullopt;
-        default:
-            return std::nullopt;
-    }
+    const auto use = row.profile.empty() ? platform::ProfileUse{} : platform::useOfProfile(row.profile);
+    // In a sandbox processes have other numbers: only a lock of another machine says anything.
+    const bool isUsed = row.running.chromium ? use.isUsed : use.isUsed && use.isElsewhere;
+    const bool isRunning = (row.running.flatpak && running_.isFlatpakRunning(row.package)) ||
+                           (row.running.snap && running_.isSnapRunning(row.package)) || isUsed;
+    return isRunning ? std::optional(platform::displayText(program)) : std::nullopt;
 }
 
 }  // namespace brimvault::scanners

@@ -190,6 +190,10 @@ TEST_F(CachePlaces, ThatVariablesNameAreListedWhereTheyHoldWhatTheyShouldAndNowh
     const std::string plain = "caches .cache/modules 5 ticked -";
     EXPECT_THAT(linesWith("GOMODCACHE", home_ / "Documents"), testing::ElementsAre(plain));
     EXPECT_THAT(linesWith("GOMODCACHE", home_), testing::ElementsAre(plain));
+    writeFile(home_ / ".cache/cache/download/x", "12345");
+    EXPECT_THAT(linesWith("GOMODCACHE", home_ / ".cache"),
+                testing::ElementsAre("caches .cache/cache 5 ticked -", plain));
+    fs::remove_all(home_ / ".cache/cache");
     EXPECT_THAT(linesWith("GOMODCACHE", home_ / "other"), testing::ElementsAre(plain));
     EXPECT_THAT(linesWith("GOMODCACHE", home_ / "src/pkg/mod"),
                 testing::ElementsAre(plain, "go.mod.cache src/pkg/mod 5 unticked download"));
@@ -198,6 +202,9 @@ TEST_F(CachePlaces, ThatVariablesNameAreListedWhereTheyHoldWhatTheyShouldAndNowh
     EXPECT_THAT(linesWith("GOMODCACHE", home_ / ".cache/modules"),
                 testing::ElementsAre("go.mod.cache .cache/modules 5 unticked download"))
         << "one row, and the stricter answer";
+    fs::rename(home_ / "src", home_ / "go");
+    EXPECT_THAT(linesWith("GOPATH", home_ / "go"), testing::ElementsAre(plain, "go.mod go/pkg/mod 5 unticked download"))
+        << "two rules, one row";
 }
 
 TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
@@ -256,6 +263,46 @@ TEST_F(CachePlaces, AreCleanedWithoutTouchingAnythingElse) {
     EXPECT_EQ(inodes(), inodesBefore);
     const auto left = scanSection(Section::caches).items;
     EXPECT_TRUE(std::none_of(left.begin(), left.end(), [](const auto& item) { return item->ppbChecked(); }));
+}
+
+TEST_F(CachePlaces, StayUntickedWhereTheLookIsNotEnough) {
+    // A link in the place of a folder that is looked into, and a working copy around one.
+    writeFile(home_ / "disk/Idea/x", "12345");
+    fs::create_directory(home_ / ".cache");
+    fs::create_directory_symlink("../disk", home_ / ".cache/JetBrains");
+    writeFile(home_ / ".cache/node/corepack/x", "12345");
+    writeFile(home_ / ".cache/node/.git/HEAD", "ref");
+    // A new archive of old files.
+    writeFile(home_ / ".cache/.fr-new/inner/x", "12345");
+    fs::last_write_time(home_ / ".cache/.fr-new/inner/x", fs::file_time_type::clock::now() - std::chrono::hours(100));
+    // Profiles in packages that keep the only copy; and data that looks like a profile.
+    const auto chat = home_ / ".var/app/org.example.A/config/WireTalk";
+    writeFile(chat / "Local State", "{}");
+    writeFile(chat / "GPUCache/x", "12345");
+    const auto code = home_ / LinuxDesktop::profile;
+    writeFile(code / "Local State", "{}");
+    writeFile(code / "GPUCache/x", "12345");
+    writeFile(code / "User/Preferences", "{}");
+    writeFile(code / "User/Cache/x", "12345");
+    EXPECT_THAT(lines(scanSection(Section::caches).items),
+                testing::ElementsAre("caches .cache/node/.git 3 unticked copies", "electron .config/Code 5 ticked -",
+                                     "flatpak.electron.media .var/app/org.example.A/config/WireTalk 5 unticked work",
+                                     "jetbrains .cache/JetBrains 7 unticked work",
+                                     "packages .cache/node/corepack 5 unticked copies"));
+}
+
+TEST_F(CachePlaces, OfASandboxAreInUseWhileItsApplicationRunsWhateverItsLockSays) {
+    const auto profile = ".var/app/org.example.A/config/Chat";
+    writeFile(home_ / profile / "Local State", "{}");
+    writeFile(home_ / profile / "GPUCache/x", "12345");
+    std::array<char, 256> machine{};
+    ASSERT_EQ(::gethostname(machine.data(), machine.size() - 1), 0);
+    desktop_.runProfile(profile, machine.data(), ::getpid());
+    const std::string line = std::string("flatpak.electron ") + profile + " 5 ";
+    EXPECT_THAT(lines(scanSection(Section::caches).items), testing::ElementsAre(line + "ticked -"))
+        << "in a sandbox that number is another process's";
+    LinuxDesktop::runFlatpak(runtime_, "org.example.A", 1);
+    EXPECT_THAT(lines(scanSection(Section::caches).items), testing::ElementsAre(line + "unticked in-use"));
 }
 
 }  // namespace brimvault::tests

@@ -47,7 +47,7 @@ Finding findingOf(const engine::AppItemData& application, const SectionName& nam
 }
 
 bool isBefore(const Finding& one, const Finding& other) {
-    return std::tie(other.bytes, one.path) < std::tie(one.bytes, other.path);
+    return std::tie(other.bytes, one.path, one.rule) < std::tie(one.bytes, other.path, other.rule);
 }
 
 }  // namespace

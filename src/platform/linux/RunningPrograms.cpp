@@ -116,9 +116,9 @@ ProfileUse useBy(const std::optional<Lock>& lock, bool isHere) {
         return {};
     }
     if (!isHere || !lock->process) {
-        return {true, {}};
+        return {true, !isHere, {}};
     }
-    return files::isRunning(*lock->process) ? ProfileUse{true, lock->process} : ProfileUse{};
+    return files::isRunning(*lock->process) ? ProfileUse{true, false, lock->process} : ProfileUse{};
 }
 
 }  // namespace

@@ -19,17 +19,32 @@ bool isSparedByNameAlone(const std::vector<const PlaceRule*>& rules) {
     });
 }
 
-// Of several reasons the one that would hurt most is told.
-ItemNote noteOf(ItemNote ofRule, const files::ItemFindings& found) {
-    if (ofRule == ItemNote::work || ofRule == ItemNote::copies) {
-        return ofRule;
-    }
-    return found.holdsWorkingCopy                   ? ItemNote::copies
+// What cannot be looked into may hold anything.
+ItemNote noteOf(const files::ItemFindings& found) {
+    return found.holdsUnseen                        ? ItemNote::work
+           : found.holdsWorkingCopy                 ? ItemNote::copies
            : found.openBy != 0 || found.holdsSocket ? ItemNote::inUse
-                                                    : ofRule;
+                                                    : ItemNote::none;
+}
+
+int seriousness(ItemNote note) {
+    switch (note) {
+        case ItemNote::work:
+            return 4;
+        case ItemNote::copies:
+            return 3;
+        case ItemNote::inUse:
+            return 2;
+        case ItemNote::none:
+            return 0;
+        default:
+            return 1;
+    }
 }
 
 }  // namespace
+
+ItemNote moreSerious(ItemNote left, ItemNote right) { return seriousness(right) > seriousness(left) ? right : left; }
 
 bool holdsEvidence(const PlaceRule& rule, const files::ItemFindings& found, std::chrono::system_clock::time_point now) {
     const bool isYoung = found.changed > now - aDay;
@@ -52,7 +67,7 @@ Judgement judge(std::span<const PlaceRule* const> rules, const files::ItemFindin
     if (result.answer == PlaceAnswer::spared) {
         return result;
     }
-    result.note = noteOf(result.note, found);
+    result.note = moreSerious(result.note, noteOf(found));
     if (result.note != ItemNote::none) {
         result.answer = PlaceAnswer::unticked;
     }
@@ -85,12 +100,22 @@ const CacheNames::Patterns& CacheNames::patternsFor(std::string_view name) const
     return patterns_[name.empty() ? 0 : static_cast<unsigned char>(name.front())];
 }
 
-CacheNames::Fitting CacheNames::fitting(std::string_view inside, std::string_view name) const {
+CacheNames::Fitting CacheNames::fitting(std::string_view holder, std::string_view name) const {
     Fitting found;
-    const auto entry = inside.empty() ? name : inside;
+    const auto entry = holder.empty() ? name : holder;
     for (const auto& pattern : patternsFor(entry)) {
-        const bool fitsInner = pattern.inner.empty() || (!inside.empty() && fits(name, pattern.inner));
+        const bool fitsInner = pattern.inner.empty() || (!holder.empty() && fits(name, pattern.inner));
         if (fitsInner && fits(entry, pattern.name)) {
+            found.push_back(pattern.rule);
+        }
+    }
+    return found;
+}
+
+CacheNames::Fitting CacheNames::fittingAnyway(std::string_view name) const {
+    Fitting found;
+    for (const auto& pattern : patternsFor(name)) {
+        if (fits(name, pattern.name)) {
             found.push_back(pattern.rule);
         }
     }
@@ -110,13 +135,14 @@ void CacheNames::forEachEntry(const files::DirectoryHandle& folder, const std::f
 }
 
 void CacheNames::walk(const Walk& what, const files::DirectoryHandle& folder, const std::filesystem::path& path,
-                      std::string_view inside) const {
+                      std::string_view holder) const {
     std::vector<std::string> lookedInto;
+    const bool isCopy = files::isWorkingCopy(folder);
     const auto isLeftAlone = [&](const char* name) {
-        return (inside.empty() && what.isKept(name)) || isSparedByNameAlone(fitting(inside, name));
+        return (holder.empty() && what.isKept(name)) || isSparedByNameAlone(fitting(holder, name));
     };
     const auto sizes = [&](const char* name) {
-        const bool isWanted = !isLeftAlone(name) && !(inside.empty() && isLookedInto(name));
+        const bool isWanted = !isLeftAlone(name) && !(holder.empty() && isLookedInto(name));
         return isWanted ? files::Sizes::wanted : files::Sizes::unwanted;
     };
     const auto call = [&](const files::MeasurableEntry& entry) {
@@ -127,10 +153,14 @@ void CacheNames::walk(const Walk& what, const files::DirectoryHandle& folder, co
             lookedInto.emplace_back(entry.name);
             return true;
         }
-        const auto found = entry.findings();
-        const auto judgement = judge(fitting(inside, entry.name), found, what.now);
+        auto found = entry.findings();
+        found.holdsWorkingCopy = found.holdsWorkingCopy || isCopy;
+        // Another thing stands in the place of a folder that would be looked into: a link to it, perhaps.
+        const bool isInstead = entry.sizes == files::Sizes::unwanted;
+        const auto judgement =
+            judge(isInstead ? fittingAnyway(entry.name) : fitting(holder, entry.name), found, what.now);
         if (judgement.answer != PlaceAnswer::spared && !what.stop.stop_requested()) {
-            what.call({folder, path, entry.name, entry.kind, inside, found, judgement});
+            what.call({folder, path, entry.name, entry.kind, holder, found, judgement});
         }
         return true;
     };

@@ -26,6 +26,9 @@ struct Judgement {
 [[nodiscard]] Judgement judge(std::span<const PlaceRule* const> rules, const files::ItemFindings& found,
                               std::chrono::system_clock::time_point now);
 
+/// Of two notes the one that tells of the greater harm.
+[[nodiscard]] engine::ItemNote moreSerious(engine::ItemNote left, engine::ItemNote right);
+
 /// Whether the rule says anything of what was found.
 [[nodiscard]] bool holdsEvidence(const PlaceRule& rule, const files::ItemFindings& found,
                                  std::chrono::system_clock::time_point now);
@@ -42,7 +45,7 @@ public:
         const std::filesystem::path& folderPath;
         const char* name;
         files::NodeKind kind;
-        std::string_view inside;  ///< the name of the entry that is looked into; empty for an entry itself
+        std::string_view holder;  ///< the name of the entry that is looked into; empty for an entry itself
         const files::ItemFindings& found;
         Judgement judgement;  ///< never "spared"
     };
@@ -60,10 +63,12 @@ private:
     struct Walk;
     using Fitting = std::vector<const PlaceRule*>;
 
-    [[nodiscard]] Fitting fitting(std::string_view inside, std::string_view name) const;
+    [[nodiscard]] Fitting fitting(std::string_view holder, std::string_view name) const;
+    /// Every rule that speaks of the entry or of what would lie in it.
+    [[nodiscard]] Fitting fittingAnyway(std::string_view name) const;
     [[nodiscard]] bool isLookedInto(std::string_view name) const;
     void walk(const Walk& what, const files::DirectoryHandle& folder, const std::filesystem::path& path,
-              std::string_view inside) const;
+              std::string_view holder) const;
 
     struct Pattern {
         const PlaceRule* rule;

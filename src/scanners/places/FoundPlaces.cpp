@@ -55,8 +55,23 @@ std::optional<fs::path> namedBase(PlaceBase base) {
     return std::nullopt;
 }
 
-// A place that a variable names may be anything: it is looked at like a section's folder.
-bool isGivenFreely(PlaceBase base) { return base == PlaceBase::goModCache; }
+// A place that a variable names as it is, and not a folder in it, may be anything: neither the user's own folders nor
+// those that sections list by themselves.
+bool isRefused(PlaceBase base, const fs::path& named, const fs::path& resolved) {
+    if (base != PlaceBase::goModCache) {
+        return false;
+    }
+    const auto roots = platform::locateSectionRoots();
+    return platform::openSectionRoot(named).place->refusal != platform::RootRefusal::none ||
+           std::any_of(roots.begin(), roots.end(), [&](const auto& root) { return root.resolved == resolved; });
+}
+
+// The folders of profiles themselves have names that say nothing.
+fs::path nameOfProfile(const fs::path& path) {
+    const auto name = path.filename();
+    const bool isNameless = name == "Default" || fits(name.native(), "Profile #");
+    return isNameless && path.has_parent_path() ? path.parent_path().filename() : name;
+}
 
 bool exists(const files::DirectoryHandle& folder, const fs::path& inner) {
     bool isThere = false;
@@ -102,6 +117,8 @@ FoundPlaces::FoundPlaces(std::span<const PlaceRule> rules, const std::stop_token
         }
     }
     removeSpared();
+    removeRepeated();
+    removeEmptyRows();
 }
 
 const FoundPlaces::Base* FoundPlaces::base(PlaceBase wanted) {
@@ -115,7 +132,7 @@ const FoundPlaces::Base* FoundPlaces::base(PlaceBase wanted) {
     if (!named || unresolved) {
         return nullptr;
     }
-    if (isGivenFreely(wanted) && platform::openSectionRoot(*named).place->refusal != platform::RootRefusal::none) {
+    if (isRefused(wanted, *named, resolved)) {
         return nullptr;
     }
     if (auto opened = files::DirectoryHandle::openForReading(resolved)) {
@@ -181,15 +198,18 @@ void FoundPlaces::addProfileFolder(const PlaceRule& finder, const Base& from, co
     if (!opened) {
         return;
     }
-    for (const auto& profile : profilesIn(*opened, stop_)) {
+    for (const auto& profile : profilesIn(
+             *opened, [this](auto name) { return isData(name); }, stop_)) {
         const auto at = profile.empty() ? whole : whole / profile;
         const auto folder = files::DirectoryHandle::openForReading(at);
         for (const auto& rule : rules_) {
-            if (folder && rule.base == PlaceBase::profile) {
+            if (folder && rule.base == PlaceBase::profile && rule.answer != PlaceAnswer::spared) {
                 addCaches(rule, *folder, at, [&]() -> PlaceRow& {
                     auto& row = rowFor(rule.answer > finder.answer ? rule : finder, from, {}, path);
                     row.profile = whole;
-                    row.application = path.filename();
+                    row.application = nameOfProfile(path);
+                    row.package = *finder.row == '\0' ? "" : beginningOf(path, finder.row).filename().native();
+                    row.running = finder.running;
                     return row;
                 });
             }
@@ -212,20 +232,17 @@ void FoundPlaces::addCaches(const PlaceRule& rule, const files::DirectoryHandle&
 PlaceRow& FoundPlaces::rowFor(const PlaceRule& rule, const Base& from, std::string_view pattern, const fs::path& path) {
     const bool isJoined = *rule.row != '\0' && !pattern.empty();
     const auto joined = isJoined ? beginningOf(path, rule.row) : path;
-    const std::string kind = isJoined ? std::string(rule.row) + static_cast<char>('0' + static_cast<int>(rule.answer))
-                                      : std::string(rule.id);
-    const auto [known, isNew] = numbers_.emplace(std::pair(kind, from.place->resolved / joined), rows_.size());
+    // Joined are matches of the same application that have the same answer, others by their rule.
+    const std::string key = isJoined ? std::string(rule.row) + static_cast<char>('0' + static_cast<int>(rule.answer))
+                                     : std::string(rule.id);
+    const auto [known, isNew] = numbers_.emplace(std::pair(key, from.place->resolved / joined), rows_.size());
     if (isNew) {
-        const auto whole = path.empty() ? from.place->resolved : from.place->resolved / path;
-        const bool isApplication = rule.running == PlaceRunning::flatpak || rule.running == PlaceRunning::snap;
-        rows_.push_back({&rule,
-                         whole,
-                         rule.answer,
-                         rule.note,
-                         isApplication ? joined.filename().native() : "",
-                         {},
-                         {},
-                         from.place});
+        const bool isPackage = rule.running.flatpak || rule.running.snap;
+        PlaceRow row{&rule, from.place->resolved, rule.answer, rule.note, rule.running, {}, {}, {}, {}, from.place};
+        row.path = path.empty() ? row.path : row.path / path;
+        row.package = isPackage ? joined.filename().native() : "";
+        row.application = row.package;
+        rows_.push_back(std::move(row));
     }
     return rows_[known->second];
 }
@@ -238,8 +255,40 @@ void FoundPlaces::removeSpared() {
     for (auto& row : rows_) {
         std::erase_if(row.folders, [&](const PlaceFolder& folder) { return isSpared(folder.path); });
     }
-    std::erase_if(rows_, [&](const PlaceRow& row) {
-        return isFolderRow(*row.rule) || !row.profile.empty() ? row.folders.empty() : isSpared(row.path);
+    std::erase_if(rows_,
+                  [&](const PlaceRow& row) { return row.rule->shape == PlaceShape::entry && isSpared(row.path); });
+}
+
+void FoundPlaces::removeRepeated() {
+    std::map<fs::path, PlaceRow*> holders;  // by the folder
+    for (auto& row : rows_) {
+        for (const auto& folder : row.folders) {
+            auto& holder = holders[folder.path];
+            holder = holder == nullptr || row.answer > holder->answer ? &row : holder;
+        }
+    }
+    for (auto& row : rows_) {
+        std::erase_if(row.folders, [&](const PlaceFolder& folder) { return holders[folder.path] != &row; });
+    }
+}
+
+void FoundPlaces::removeEmptyRows() {
+    std::erase_if(rows_,
+                  [](const PlaceRow& row) { return row.rule->shape != PlaceShape::entry && row.folders.empty(); });
+}
+
+void FoundPlaces::leaveOut(const files::NodePlace& folder) {
+    for (auto& row : rows_) {
+        std::erase_if(row.folders, [&](const PlaceFolder& one) { return one.place.identity == folder.identity; });
+    }
+    removeEmptyRows();
+}
+
+bool FoundPlaces::isData(std::string_view name) const {
+    return std::any_of(rules_.begin(), rules_.end(), [&](const PlaceRule& rule) {
+        return rule.base == PlaceBase::profile && rule.answer == PlaceAnswer::spared &&
+               std::any_of(rule.patterns.begin(), rule.patterns.end(),
+                           [&](const char* pattern) { return fits(name, pattern); });
     });
 }
 

@@ -31,7 +31,9 @@ struct PlaceRow {
     std::filesystem::path path;  ///< of what that rule matched
     PlaceAnswer answer;
     engine::ItemNote note;
-    std::string application;           ///< its identifier, or the name of its profile's folder; empty if there is none
+    PlaceRunning running;
+    std::string package;               ///< its identifier in its package system; empty if it is from none
+    std::string application;           ///< the name of its profile's folder, else the identifier; empty if unknown
     std::filesystem::path profile;     ///< the folder of its profiles; empty for other rows
     std::vector<PlaceFolder> folders;  ///< none for a row that stands for its path
     std::shared_ptr<const platform::RootPlace> root;  ///< where the rule's base led
@@ -44,6 +46,8 @@ public:
     FoundPlaces(std::span<const PlaceRule> rules, const std::stop_token& stop);
 
     [[nodiscard]] const std::vector<PlaceRow>& rows() const { return rows_; }
+    /// Takes a folder that is listed by itself out of all rows.
+    void leaveOut(const files::NodePlace& folder);
     /// Removes the rows whose path is the one given or lies below it, and tells the strictest of them. None if there is
     /// none.
     std::optional<PlaceRow> take(const std::filesystem::path& path);
@@ -66,9 +70,13 @@ private:
     PlaceRow& rowFor(const PlaceRule& rule, const Base& from, std::string_view pattern,
                      const std::filesystem::path& path);
     void removeSpared();
+    /// A folder that several rows have stays in the one with the strictest answer.
+    void removeRepeated();
+    void removeEmptyRows();
+    [[nodiscard]] bool isData(std::string_view name) const;
 
     std::span<const PlaceRule> rules_;
-    const std::stop_token& stop_;
+    const std::stop_token stop_;
     std::map<PlaceBase, std::shared_ptr<const Base>> bases_;  ///< null for one that is missing or refused
     std::vector<PlaceRow> rows_;
     std::map<std::pair<std::string, std::filesystem::path>, std::size_t> numbers_;  ///< of the rows, by what they join

@@ -52,6 +52,7 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
             return !what.stop.stop_requested();
         });
     }
+    std::sort(fitting.begin(), fitting.end());
     for (const auto& [one, kind] : fitting) {
         if (what.stop.stop_requested()) {
             return;

@@ -27,7 +27,7 @@ struct PlaceMatch {
 };
 
 /// Calls with everything below the folder that fits the pattern, one name at a time. No symbolic link is followed and
-/// no other mount entered on the way. Names that fit several ways are told once each; in no order.
+/// no other mount entered on the way. In the order of the names' bytes.
 void forEachFitting(const files::DirectoryHandle& folder, std::string_view pattern, const std::stop_token& stop,
                     const std::function<void(const PlaceMatch&)>& call);
 

@@ -28,8 +28,14 @@ enum class PlaceShape { entry, children, cache, profile };
 /// The later answer is the stricter.
 enum class PlaceAnswer { ticked, unticked, spared };
 
-/// How a program is known to run, beside the files that it holds open.
-enum class PlaceRunning { unknown, flatpak, snap, chromium, mozilla };
+/// How a program is known to run, beside the files that it holds open: by the records of its package system, or by the
+/// lock in a profile of one of the two families of browsers.
+struct PlaceRunning {
+    bool flatpak = false;
+    bool snap = false;
+    bool chromium = false;
+    bool mozilla = false;
+};
 
 /// What must be true of a match, else the rule says nothing of it.
 struct PlaceEvidence {

@@ -47,12 +47,14 @@ bool isProfileFolder(const DirectoryHandle& folder) {
     return std::count(marks.begin(), marks.end(), true) >= enough;
 }
 
-std::vector<std::filesystem::path> profilesIn(const DirectoryHandle& folder, const std::stop_token& stop) {
+std::vector<std::filesystem::path> profilesIn(const DirectoryHandle& folder,
+                                              const std::function<bool(std::string_view name)>& isData,
+                                              const std::stop_token& stop) {
     std::vector<std::filesystem::path> found = {{}};
     for (const char* pattern : {"Default", "Profile #", "Partitions/*", "*"}) {
         forEachFitting(folder, pattern, stop, [&](const PlaceMatch& match) {
             const bool isKnown = std::find(found.begin(), found.end(), match.path) != found.end();
-            if (match.kind != NodeKind::directory || isKnown) {
+            if (match.kind != NodeKind::directory || isKnown || isData(match.path.begin()->native())) {
                 return;
             }
             const auto profile = match.parent.openChild(match.path.filename().c_str());

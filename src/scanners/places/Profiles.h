@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <stop_token>
+#include <string_view>
 #include <vector>
 
 #include "files/DirectoryHandle.h"
@@ -14,8 +16,9 @@ namespace brimvault::scanners {
 [[nodiscard]] bool isProfileFolder(const files::DirectoryHandle& folder);
 
 /// The profiles in such a folder, from the folder on: itself (an empty path), and those in it that have settings of
-/// their own.
+/// their own. `isData` tells of a name whether such programs keep data there, so that it is no profile.
 [[nodiscard]] std::vector<std::filesystem::path> profilesIn(const files::DirectoryHandle& folder,
+                                                            const std::function<bool(std::string_view name)>& isData,
                                                             const std::stop_token& stop);
 
 }  // namespace brimvault::scanners

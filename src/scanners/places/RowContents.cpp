@@ -59,12 +59,14 @@ void RowContents::measureFolder(const PlaceFolder& folder) {
 
 void RowContents::measureChildren(const PlaceFolder& folder, const files::DirectoryHandle& handle) {
     const auto now = std::chrono::system_clock::now();
+    const bool isCopy = files::isWorkingCopy(handle);
     const auto sizes = [&](const char* name) {
         return isKeptBy(*folder.rule, name) ? files::Sizes::unwanted : files::Sizes::wanted;
     };
     const auto call = [&](const files::MeasurableEntry& entry) {
         if (entry.sizes == files::Sizes::wanted) {
-            const auto found = entry.findings();
+            auto found = entry.findings();
+            found.holdsWorkingCopy = found.holdsWorkingCopy || isCopy;
             const auto judged = judge(std::span(&folder.rule, 1), found, now);
             if (holdsEvidence(*folder.rule, found, now) && judged.answer != PlaceAnswer::spared) {
                 addTarget({handle, folder.path}, entry.name, found, judged);
@@ -93,8 +95,9 @@ void RowContents::add(const files::ItemFindings& more, engine::ItemNote note) {
     found_.unshared += more.unshared;
     found_.openBy = found_.openBy != 0 ? found_.openBy : more.openBy;
     found_.isForeign = found_.isForeign || more.isForeign;
-    if (isTickedByHandOnly(note) && !isTickedByHandOnly(judgement_.note)) {
-        judgement_.note = note;
+    found_.holdsUnseen = found_.holdsUnseen || more.holdsUnseen;
+    judgement_.note = moreSerious(judgement_.note, note);
+    if (judgement_.note != engine::ItemNote::none) {
         judgement_.answer = PlaceAnswer::unticked;
     }
 }

@@ -9,14 +9,11 @@ std::optional<platform::DesktopEntry> entryOf(const PlaceRow& row, platform::Des
         return entries.findByClassOrProgram(row.application);
     }
     // The entries of Snap are named after the snap and the program, which have one name for a snap of one program.
-    return entries.find(row.rule->running == PlaceRunning::snap ? row.application + "_" + row.application
-                                                                : row.application);
+    return entries.find(row.running.snap ? row.application + "_" + row.application : row.application);
 }
 
 const char* systemOf(const PlaceRow& row) {
-    return row.rule->running == PlaceRunning::flatpak ? " (Flatpak)"
-           : row.rule->running == PlaceRunning::snap  ? " (Snap)"
-                                                      : "";
+    return row.running.flatpak ? " (Flatpak)" : row.running.snap ? " (Snap)" : "";
 }
 
 }  // namespace

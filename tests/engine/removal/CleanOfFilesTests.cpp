@@ -119,7 +119,7 @@ TEST_F(CleanOfFiles, RemovesByPathAndByNameAndCountsTheVanishedAsRemoved) {
         const auto neighbour = name.substr(0, 200) + "+";
         writeFile(caches_ / name / "file", "12345");
         writeFile(caches_ / neighbour, "");
-        neighbours.emplace(neighbour, "file of 0 bytes: ");
+        neighbours.emplace(neighbour, fingerprint(caches_).at(neighbour));
         items.append(named(name));
     }
     clean(items);
