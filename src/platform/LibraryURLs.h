@@ -6,12 +6,12 @@
 
 namespace brimvault::platform {
 
-/// The standard folders of the user who runs the process. Nothing is cached unless a function says so; none when the
-/// system names no such folder. The folder itself may be missing. Any thread.
-///
 /// The folders below which programs keep what is the user's (XDG Base Directory Specification 0.8).
 enum class BaseFolder { cache, configuration, data, state };
 
+/// The standard folders of the user who runs the process. Nothing is cached unless a function says so; none when the
+/// system names no such folder. The folder itself may be missing. Any thread.
+///
 /// Symbolic links in the result are resolved. It is never the home folder, nor a folder that holds it. Whether its
 /// contents may be listed is decided by SectionRoots.
 class LibraryURLs {

@@ -101,7 +101,9 @@ TEST_F(NoteJourney, ACleanAsksAboutThemEvenIfItIsToldNotToAsk) {
               "shaders – Takes long to make again"_s);
     clickCheckOf(u"work"_s);
     Guide::click(lists()->pbtnClean());
-    EXPECT_EQ(alerts_.asked.back().warning.lines.last(), u"and 1 more"_s) << "the smallest is not named";
+    EXPECT_EQ(alerts_.asked.back().warning.lines.first(), u"work – May hold work that exists nowhere else"_s)
+        << "the most serious first, however small";
+    EXPECT_EQ(alerts_.asked.back().warning.lines.last(), u"and 1 more"_s);
     for (const auto& name : {u"models"_s, u"mail"_s, u"shaders"_s, u"work"_s}) {
         clickCheckOf(name);
     }

@@ -218,11 +218,13 @@ TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
                                           item->details().application.toStdString() + "/" +
                                           item->details().noteArgument.toStdString();
     }
-    EXPECT_EQ(names[".var/app/org.example.Image/cache"], "Image Editor (Flatpak)/org.example.Image/Image Editor");
+    EXPECT_EQ(names[".var/app/org.example.Image/cache, not ticked"],
+              "Image Editor (Flatpak)/org.example.Image/Image Editor");
     EXPECT_EQ(names[".var/app/org.example.Other/cache"], "org.example.Other//");
     EXPECT_EQ(names[LinuxDesktop::profile], "Visual Studio Code/code/");
+    EXPECT_EQ(names[std::string(LinuxDesktop::profile) + ", not ticked"], "Visual Studio Code (offline)/code/");
     EXPECT_EQ(names["snap/editor/common/.cache"], "editor//");
-    EXPECT_EQ(names[".cache/JetBrains/Idea"], "JetBrains \u2013 Idea//");
+    EXPECT_EQ(names[".cache/JetBrains/Idea, not ticked"], "JetBrains \u2013 Idea//");
 }
 
 // What a clean of everything that is ticked leaves. Rows that stand for several things go with exactly these.

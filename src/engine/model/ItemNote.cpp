@@ -4,6 +4,21 @@
 
 namespace brimvault::engine {
 
+int seriousness(ItemNote note) {
+    switch (note) {
+        case ItemNote::work:
+            return 4;
+        case ItemNote::copies:
+            return 3;
+        case ItemNote::inUse:
+            return 2;
+        case ItemNote::none:
+            return 0;
+        default:
+            return 1;
+    }
+}
+
 const char* keyOf(ItemNote note) {
     switch (note) {
         case ItemNote::none:

@@ -27,6 +27,13 @@ enum class ItemNote : quint8 {
     return note == ItemNote::work || note == ItemNote::copies || note == ItemNote::inUse;
 }
 
+/// How much harm the note warns of, to compare; 0 for none.
+[[nodiscard]] int seriousness(ItemNote note);
+/// The more serious of two; the first where they are alike.
+[[nodiscard]] inline ItemNote moreSerious(ItemNote left, ItemNote right) {
+    return seriousness(right) > seriousness(left) ? right : left;
+}
+
 /// The note's name in machine-readable output; empty for none.
 [[nodiscard]] const char* keyOf(ItemNote note);
 

@@ -27,24 +27,7 @@ ItemNote noteOf(const files::ItemFindings& found) {
                                                     : ItemNote::none;
 }
 
-int seriousness(ItemNote note) {
-    switch (note) {
-        case ItemNote::work:
-            return 4;
-        case ItemNote::copies:
-            return 3;
-        case ItemNote::inUse:
-            return 2;
-        case ItemNote::none:
-            return 0;
-        default:
-            return 1;
-    }
-}
-
 }  // namespace
-
-ItemNote moreSerious(ItemNote left, ItemNote right) { return seriousness(right) > seriousness(left) ? right : left; }
 
 bool holdsEvidence(const PlaceRule& rule, const files::ItemFindings& found, std::chrono::system_clock::time_point now) {
     const bool isYoung = found.changed > now - aDay;

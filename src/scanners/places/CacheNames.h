@@ -26,9 +26,6 @@ struct Judgement {
 [[nodiscard]] Judgement judge(std::span<const PlaceRule* const> rules, const files::ItemFindings& found,
                               std::chrono::system_clock::time_point now);
 
-/// Of two notes the one that tells of the greater harm.
-[[nodiscard]] engine::ItemNote moreSerious(engine::ItemNote left, engine::ItemNote right);
-
 /// Whether the rule says anything of what was found.
 [[nodiscard]] bool holdsEvidence(const PlaceRule& rule, const files::ItemFindings& found,
                                  std::chrono::system_clock::time_point now);

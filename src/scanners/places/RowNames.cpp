@@ -27,7 +27,8 @@ RowName nameOf(const PlaceRow& row, platform::DesktopEntries& entries) {
         name.desktopEntry = entry ? entry->identifier : "";
     }
     if (*row.rule->title != '\0') {
-        name.title = row.rule->title;
+        const bool isPartOfProfile = row.rule->base == PlaceBase::profile;
+        name.title = isPartOfProfile ? name.title + " (" + row.rule->title + ")" : row.rule->title;
     }
     return name;
 }

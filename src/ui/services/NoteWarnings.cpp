@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QLocale>
 #include <algorithm>
+#include <utility>
 
 #include "engine/model/FFItem.h"
 #include "ui/look/Look.h"
@@ -30,8 +31,9 @@ QString line(const engine::FFItem& item) {
 
 QStringList noteLines(engine::ItemArray noted) {
     constexpr qsizetype maxNamed = 3;
+    const auto weight = [](const auto& item) { return std::pair(seriousness(item->note()), item->pfSize()); };
     std::stable_sort(noted.begin(), noted.end(),
-                     [](const auto& left, const auto& right) { return left->pfSize() > right->pfSize(); });
+                     [&](const auto& left, const auto& right) { return weight(left) > weight(right); });
     QStringList lines;
     for (const auto& item : noted.first(std::min(maxNamed, noted.size()))) {
         lines.append(line(*item));
