@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/LibraryURLs.h"
+#include "platform/ProgramFolders.h"
 #include "platform/System.h"
 
 namespace brimvault::platform {
@@ -50,6 +51,9 @@ std::vector<Obstacle> obstacles() {
     }
     auto roots = sectionRoots();
     std::move(roots.begin(), roots.end(), std::back_inserter(all));
+    for (auto& folder : programFolders()) {
+        all.push_back({Obstacle::Kind::userFolder, std::move(folder.named)});
+    }
     return all;
 }
 
@@ -70,8 +74,24 @@ RootRefusal refusalFor(Obstacle::Kind kind) {
                                                 : RootRefusal::otherRootFolder;
 }
 
+// Folders in which everything is private, or belongs to an application each.
+bool isPrivate(const fs::path& folder) {
+    std::vector<fs::path> named;
+    for (const char* name : {".ssh", ".gnupg", ".mozilla", ".m2", ".var", "snap"}) {
+        named.push_back(homeFolder() / name);
+    }
+    const auto locations = locate(named);
+    return std::any_of(locations.begin(), locations.end(),
+                       [&](const FolderLocation& location) { return holds(location.resolved, folder); });
+}
+
 // Compares device and inode, and paths as well: of a folder on a volume that does not answer only the path is known.
 void judge(RootPlace& place, const files::FileIdentity& folder) {
+    if (isPrivate(place.resolved)) {
+        place.refusal = RootRefusal::userFolder;
+        place.obstacle = place.resolved;
+        return;
+    }
     const auto all = obstacles();
     const auto locations = locateAll(all);
     const auto own = std::find_if(all.begin(), all.end(), [&](const Obstacle& obstacle) {

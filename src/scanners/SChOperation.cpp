@@ -130,6 +130,7 @@ void SChOperation::collectCachesInfo(ScanBatches& batches) {
 }
 
 void SChOperation::collectByRules(const OpenFolder& folder, ScanBatches& batches) {
+    isAnyPlaceInside_ = places_->isAnyIn(folder.path);
     std::shared_ptr<const engine::FoundIn> place;  // which the entries of one folder share
     const auto call = [&](const CacheNames::Entry& entry) {
         batches.step();
@@ -146,7 +147,8 @@ void SChOperation::collectEntry(const CacheNames::Entry& entry, const std::share
                                 const std::shared_ptr<const platform::RootPlace>& root, ScanBatches& batches) {
     const auto path = entry.folderPath / entry.name;
     auto judgement = entry.judgement;
-    if (const auto inner = places_->take(path); inner && inner->answer > judgement.answer) {
+    const auto inner = isAnyPlaceInside_ ? places_->take(path) : std::nullopt;
+    if (inner && inner->answer > judgement.answer) {
         judgement = {inner->rule, inner->answer, inner->note};
     }
     auto found = entry.found;

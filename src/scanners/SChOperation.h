@@ -48,6 +48,7 @@ private:
     platform::RunningPrograms running_;
     platform::DesktopEntries applications_;
     std::optional<FoundPlaces> places_;  ///< looked for when the scan begins
+    bool isAnyPlaceInside_ = false;      ///< one of them lies in the folder that is listed by the rules
 };
 
 }  // namespace brimvault::scanners

@@ -214,9 +214,9 @@ TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
     LinuxDesktop::runFlatpak(runtime_, "org.example.Image", 1);
     std::map<std::string, std::string> names;
     for (const auto& item : scanSection(Section::caches).items) {
-        names[relative(item->pfpath())] = item->ppdisplayName().toStdString() + "/" +
-                                          item->details().application.toStdString() + "/" +
-                                          item->details().noteArgument.toStdString();
+        names[relative(item->pfpath()) + (item->ppbChecked() ? "" : ", not ticked")] =
+            item->ppdisplayName().toStdString() + "/" + item->details().application.toStdString() + "/" +
+            item->details().noteArgument.toStdString();
     }
     EXPECT_EQ(names[".var/app/org.example.Image/cache, not ticked"],
               "Image Editor (Flatpak)/org.example.Image/Image Editor");
@@ -305,6 +305,20 @@ TEST_F(CachePlaces, OfASandboxAreInUseWhileItsApplicationRunsWhateverItsLockSays
         << "in a sandbox that number is another process's";
     LinuxDesktop::runFlatpak(runtime_, "org.example.A", 1);
     EXPECT_THAT(lines(scanSection(Section::caches).items), testing::ElementsAre(line + "unticked in-use"));
+}
+
+TEST_F(CachePlaces, AreNoneWhereTheCachesFolderIsOneOfProgramsOrOfSecrets) {
+    for (const char* folder : {".ssh", ".gnupg/private", ".mozilla", ".m2/repository", ".config", ".local/share",
+                               ".var/app/org.example.A/data", "snap/a"}) {
+        writeFile(home_ / folder / "x", "12345");
+        const SubstituteHome system(home_, {{"XDG_CACHE_HOME", home_ / folder}});
+        EXPECT_THAT(lines(scanSection(Section::caches).items), testing::IsEmpty()) << folder;
+    }
+    fs::create_directory_symlink(".ssh", home_ / ".cache");
+    EXPECT_THAT(lines(scanSection(Section::caches).items), testing::IsEmpty());
+    writeFile(home_ / ".local/cache/x", "12345");
+    const SubstituteHome system(home_, {{"XDG_CACHE_HOME", home_ / ".local/cache"}});
+    EXPECT_THAT(lines(scanSection(Section::caches).items), testing::ElementsAre("caches .local/cache/x 5 ticked -"));
 }
 
 }  // namespace brimvault::tests

@@ -17,9 +17,6 @@
 
 namespace brimvault::files {
 
-namespace {
-
-// How a file begins; empty if it is no regular file.
 std::string beginningOf(const DirectoryHandle& folder, const char* name, std::size_t length) {
     const auto status = statusAt(folder.descriptor(), name);
     if (!status || status->kind != NodeKind::regular) {
@@ -32,6 +29,8 @@ std::string beginningOf(const DirectoryHandle& folder, const char* name, std::si
     bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(read, 0)));
     return bytes;
 }
+
+namespace {
 
 // What each version control system keeps in a working copy.
 constexpr std::array<std::pair<std::string_view, const char*>, 5> marks = {

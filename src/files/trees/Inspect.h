@@ -3,8 +3,10 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <stop_token>
+#include <string>
 
 #include "files/DirectoryHandle.h"
 #include "files/OpenFiles.h"
@@ -30,6 +32,9 @@ struct ItemFindings {
 /// a stop the findings are incomplete. Any thread; idle threads of the pool help.
 [[nodiscard]] ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
                                         const OpenFiles& open, const std::stop_token& stop = {});
+
+/// How a regular file begins, at most that many bytes; empty if it is none, or is a link. Never blocks on a pipe.
+[[nodiscard]] std::string beginningOf(const DirectoryHandle& folder, const char* name, std::size_t length);
 
 /// Whether a working copy of a version control system begins in the folder itself.
 [[nodiscard]] bool isWorkingCopy(const DirectoryHandle& folder);

@@ -292,6 +292,10 @@ bool FoundPlaces::isData(std::string_view name) const {
     });
 }
 
+bool FoundPlaces::isAnyIn(const fs::path& folder) const {
+    return std::any_of(rows_.begin(), rows_.end(), [&](const PlaceRow& row) { return holds(folder, row.path); });
+}
+
 std::optional<PlaceRow> FoundPlaces::take(const fs::path& path) {
     std::optional<PlaceRow> strictest;
     for (const auto& row : rows_) {

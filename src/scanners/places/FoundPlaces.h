@@ -46,6 +46,8 @@ public:
     FoundPlaces(std::span<const PlaceRule> rules, const std::stop_token& stop);
 
     [[nodiscard]] const std::vector<PlaceRow>& rows() const { return rows_; }
+    /// Whether a row's path lies in the folder.
+    [[nodiscard]] bool isAnyIn(const std::filesystem::path& folder) const;
     /// Takes a folder that is listed by itself out of all rows.
     void leaveOut(const files::NodePlace& folder);
     /// Removes the rows whose path is the one given or lies below it, and tells the strictest of them. None if there is

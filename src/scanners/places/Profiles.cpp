@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/formats/FileContents.h"
+#include "files/trees/Inspect.h"
 #include "scanners/places/PlacePattern.h"
 
 namespace brimvault::scanners {
@@ -19,11 +19,7 @@ bool is(const DirectoryHandle& folder, const char* name, NodeKind kind) {
 }
 
 // Settings as all of these programs write them; other programs have files of these names too.
-bool isSettings(const DirectoryHandle& folder, const char* name) {
-    constexpr std::size_t maxSettings = 16UL * 1024 * 1024;  // bytes; a few hundred kilobytes are common
-    const auto text = platform::FileContents::read(folder, name, maxSettings);
-    return text && text->starts_with('{');
-}
+bool isSettings(const DirectoryHandle& folder, const char* name) { return files::beginningOf(folder, name, 1) == "{"; }
 
 bool holdsFolder(const DirectoryHandle& folder, const char* name, const char* inner) {
     const auto child = folder.openChild(name);
