@@ -34,11 +34,11 @@ void take(const files::DirectoryHandle& folder, const std::filesystem::path& at,
 
 void search(const files::DirectoryHandle& folder, const std::filesystem::path& at, std::string_view pattern,
             const Search& what) {
-    const auto [name, rest] = firstName(pattern);
-    if (isPlain(name)) {
-        const std::string exact(name);
+    const auto first = firstName(pattern);
+    if (isPlain(first.name)) {
+        const std::string exact(first.name);
         if (const auto status = files::statusAt(folder.descriptor(), exact.c_str())) {
-            take(folder, at, {exact.c_str(), status->kind}, rest, what);
+            take(folder, at, {exact.c_str(), status->kind}, first.rest, what);
         }
         return;
     }
@@ -46,7 +46,7 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
     const auto listed = folder.reopenForReading();
     if (listed) {
         (void)listed->forEachEntry([&](const files::DirectoryEntry& entry) {
-            if (fits(entry.name, name)) {
+            if (fits(entry.name, first.name)) {
                 fitting.emplace_back(entry.name, entry.kind);
             }
             return !what.stop.stop_requested();
@@ -57,7 +57,7 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
         if (what.stop.stop_requested()) {
             return;
         }
-        take(folder, at, {one.c_str(), kind}, rest, what);
+        take(folder, at, {one.c_str(), kind}, first.rest, what);
     }
 }
 
