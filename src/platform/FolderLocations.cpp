@@ -110,6 +110,10 @@ std::vector<FolderLocation> foundInTime(std::vector<fs::path> named) {
 
 }  // namespace
 
+bool holds(const fs::path& folder, const fs::path& inner) {
+    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
+}
+
 std::vector<FolderLocation> locate(const std::vector<fs::path>& named) {
     std::vector<fs::path> open;
     std::remove_copy_if(named.begin(), named.end(), std::back_inserter(open),

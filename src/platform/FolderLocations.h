@@ -16,6 +16,9 @@ struct FolderLocation {
     std::vector<files::FileIdentity> folders;
 };
 
+/// Whether `inner` is the folder or lies in it, by their paths alone; both normal, without symbolic links.
+[[nodiscard]] bool holds(const std::filesystem::path& folder, const std::filesystem::path& inner);
+
 /// Looks the folders up. The timeout is a second for each; a folder on a volume that does not answer is not looked up
 /// again until it does. Any thread but the main one.
 [[nodiscard]] std::vector<FolderLocation> locate(const std::vector<std::filesystem::path>& named);

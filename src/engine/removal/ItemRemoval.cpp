@@ -8,6 +8,7 @@
 #include "engine/model/FileManager.h"
 #include "files/NodeStatus.h"
 #include "files/removal/Remove.h"
+#include "platform/FolderLocations.h"
 #include "platform/System.h"
 #include "platform/TrashFolders.h"
 
@@ -54,10 +55,6 @@ PrivilegedRemover::Holder identityOf(const std::filesystem::path& folder) {
     return status ? PrivilegedRemover::Holder(status->identity) : std::nullopt;
 }
 
-bool holds(const std::filesystem::path& folder, const std::filesystem::path& inner) {
-    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
-}
-
 // Whether this is a trial, over made-up folders, and the item lies in none of them.
 bool isOutsideOfTrial(const std::filesystem::path& item) {
     const auto root = platform::systemRoot();
@@ -68,7 +65,7 @@ bool isOutsideOfTrial(const std::filesystem::path& item) {
     const auto resolvedRoot = std::filesystem::weakly_canonical(root, unresolved);
     const auto folder =
         unresolved ? std::filesystem::path() : std::filesystem::canonical(item.parent_path(), unresolved);
-    return unresolved || !(holds(platform::homeFolder(), folder) || holds(resolvedRoot, folder));
+    return unresolved || !(platform::holds(platform::homeFolder(), folder) || platform::holds(resolvedRoot, folder));
 }
 
 QString systemText(const files::Failure& failure) { return QString::fromLocal8Bit(failure.text().c_str()); }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "files/NodeStatus.h"
+#include "platform/FolderLocations.h"
 #include "platform/System.h"
 #include "platform/formats/FileContents.h"
 
@@ -21,11 +22,6 @@ namespace fs = std::filesystem;
 fs::path folderOf(const char* variable, const char* defaultName) {
     const fs::path named = system().environmentVariable(variable);
     return named.is_absolute() ? named : homeFolder() / defaultName;
-}
-
-bool holds(const fs::path& folder, const fs::path& inner) {
-    const auto [end, rest] = std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end());
-    return end == folder.end();
 }
 
 // Normalised, without a trailing slash.
