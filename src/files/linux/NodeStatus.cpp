@@ -9,6 +9,7 @@
 #include <string>
 
 #include "files/SystemCall.h"
+#include "files/linux/DeviceNumber.h"
 
 namespace brimvault::files {
 
@@ -56,7 +57,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
         return Result<NodeStatus>::failed(errno);
     }
     NodeStatus status;
-    status.identity.device = (static_cast<std::uint64_t>(raw.stx_dev_major) << 32U) | raw.stx_dev_minor;
+    status.identity.device = deviceNumber(raw);
     status.identity.inode = raw.stx_ino;
     if ((raw.stx_mask & STATX_MNT_ID) != 0) {
         status.mount = raw.stx_mnt_id;
