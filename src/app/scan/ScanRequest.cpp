@@ -4,27 +4,26 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 #include <algorithm>
+#include <cmath>
 #include <iterator>
-#include <limits>
 #include <optional>
 
 namespace brimvault::app {
 
 namespace {
 
-// A whole number of bytes, with a decimal unit or without.
+// A number of bytes, with a decimal unit or without.
 std::optional<quint64> bytesFrom(const QString& text) {
-    static const QRegularExpression form(QStringLiteral("\\A([0-9]+)(|[kK]B|MB|GB)\\z"));
+    static const QRegularExpression form(QStringLiteral("\\A([0-9]+(?:\\.[0-9]+)?)(|[kK]B|MB|GB)\\z"));
     const auto match = form.match(text);
     const QString unit = match.captured(2);
-    const quint64 factor = unit.isEmpty()                ? 1
-                           : unit == QLatin1String("MB") ? 1'000'000
-                           : unit == QLatin1String("GB") ? 1'000'000'000
-                                                         : 1'000;
-    bool reads = false;
-    const quint64 number = match.captured(1).toULongLong(&reads);
-    return reads && number <= std::numeric_limits<quint64>::max() / factor ? std::optional(number * factor)
-                                                                           : std::nullopt;
+    const double factor = unit.isEmpty()                ? 1
+                          : unit == QLatin1String("MB") ? 1e6
+                          : unit == QLatin1String("GB") ? 1e9
+                                                        : 1e3;
+    constexpr double max = 1e18;  // an exabyte: any larger one fits no disk, and no integer soon
+    const double bytes = match.captured(1).toDouble() * factor;
+    return match.hasMatch() && bytes <= max ? std::optional(static_cast<quint64>(std::ceil(bytes))) : std::nullopt;
 }
 
 QString allIds() {
@@ -59,8 +58,9 @@ std::variant<ScanRequest, ScanHelp, UsageError> readScanRequest(const QStringLis
         QStringLiteral("min-size"),
         QStringLiteral("Leave out what is smaller: bytes, or a number with kB, MB or GB (10MB)."),
         QStringLiteral("SIZE"));
-    const QCommandLineOption help(QStringLiteral("help"), QStringLiteral("Print this help."));
-    const QCommandLineOption version(QStringLiteral("version"), QStringLiteral("Print the version."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Print this help."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Print the version."));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(

@@ -75,7 +75,7 @@ def json(*sections):
 
 def expect_table(home):
     table = TABLE.replace("~", "\N{REPLACEMENT CHARACTER}")
-    expect(home, ["--section", "trash", "--section", "caches", "--section=downloads", "--min-size=3kB"], FOUND, table)
+    expect(home, ["--section", "trash", "--section", "caches", "--section=downloads", "--min-size=2.5kB"], FOUND, table)
     control = scan(trial_home, home, [program, "--section", "caches"])
     assert b"com.vendor.\xef\xbf\xbd[2J" in control.stdout and b"\x1b" not in control.stdout, control.stdout
 
@@ -117,6 +117,20 @@ def expect_interrupt(home, folder):
     assert running.returncode == INTERRUPTED and not printed, (running.returncode, printed)
 
 
+def expect_silent_volume_passed_over(home):
+    """A volume that does not answer is mounted where a rule looks: nobody asks it anything."""
+    place = os.path.join(home, ".npm")
+    os.mkdir(place)
+    mounted = ["unshare", "--mount", "sh", "-c", 'mount -t tmpfs none "$0" && exec "$@"', place]
+    if subprocess.run([*mounted, "true"], capture_output=True).returncode != 0:
+        print("No volume can be mounted: not tried.")
+        return
+    silent = ["env", f"LD_PRELOAD={silent_folder}", f"BRIMVAULT_SILENT_FOLDER={place}"]
+    command = [*mounted, *silent, trial_home, home, program, "--json", "--section", "caches"]
+    ended = subprocess.run(command, stdout=subprocess.PIPE, env=english(), timeout=30)
+    assert ended.stdout == json(CACHES).replace("HOME", home).encode(), ended
+
+
 def await_handler(running, number):
     deadline = time.monotonic() + 30
     while not os.path.exists(number) or not heeds_interrupts(open(number).read()):
@@ -141,5 +155,6 @@ with tempfile.TemporaryDirectory() as made:
     expect_table(user)
     expect_usage(user)
     expect_interrupt(user, place)
+    expect_silent_volume_passed_over(user)
     expect_refusal(user)
 print("It printed what there is.")
