@@ -13,9 +13,9 @@
 
 namespace brimvault::files {
 
-/// A snapshot of the files and folders that other processes hold open. It warns and guarantees nothing: a process may
-/// open a file a moment later, one of another user cannot be looked at, and a file that is only mapped is missing.
-/// Immutable; any thread.
+/// A snapshot of the files and folders that other processes hold open, run, or work in. It warns and guarantees
+/// nothing: a process may open a file a moment later, one of another user cannot be looked at, and a file that is only
+/// mapped is missing. Immutable; any thread.
 class OpenFiles {
 public:
     OpenFiles() = default;

@@ -22,23 +22,29 @@ inline void makeSocket(const std::filesystem::path& path) {
     ASSERT_EQ(::bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
 }
 
-/// A process that holds the file open until this object ends.
+/// A process that holds the path open until this object ends; or works in it, or runs it (a program like sleep).
 class OpenedElsewhere {
 public:
-    explicit OpenedElsewhere(const std::filesystem::path& file) {
+    enum class As { file, workingFolder, program };
+    explicit OpenedElsewhere(const std::filesystem::path& path, As what = As::file) {
         int ready[2] = {};
-        EXPECT_EQ(::pipe(ready), 0);
+        EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
         process_ = ::fork();
         if (process_ == 0) {
-            const bool isOpen = ::open(file.c_str(), O_RDONLY) >= 0;
+            if (what == As::program) {
+                ::execl(path.c_str(), path.c_str(), "1000", nullptr);
+                ::_exit(1);
+            }
+            const bool isOpen = what == As::file ? ::open(path.c_str(), O_RDONLY) >= 0 : ::chdir(path.c_str()) == 0;
             (void)!::write(ready[1], isOpen ? "y" : "n", 1);
             ::pause();
             ::_exit(0);
         }
-        char answer = 'n';
-        EXPECT_TRUE(::read(ready[0], &answer, 1) == 1 && answer == 'y');
-        ::close(ready[0]);
         ::close(ready[1]);
+        char answer = 'n';
+        const auto read = ::read(ready[0], &answer, 1);  // a program that is started closes the pipe
+        EXPECT_TRUE(what == As::program ? read == 0 : read == 1 && answer == 'y');
+        ::close(ready[0]);
     }
     OpenedElsewhere(const OpenedElsewhere&) = delete;
     OpenedElsewhere& operator=(const OpenedElsewhere&) = delete;

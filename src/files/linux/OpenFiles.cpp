@@ -10,6 +10,7 @@
 
 #include "files/DirectoryHandle.h"
 #include "files/SystemCall.h"
+#include "files/linux/DeviceNumber.h"
 
 namespace brimvault::files {
 
@@ -21,16 +22,16 @@ std::optional<pid_t> processOf(std::string_view name) {
     return code == std::errc() && end == name.data() + name.size() && number > 0 ? std::optional(number) : std::nullopt;
 }
 
-// What a process has open under a number. The answer comes from what the kernel knows already: a file on a dead volume
+// What a link of a process leads to. The answer comes from what the kernel knows already: a file on a dead volume
 // must not hold up the scan.
-std::optional<FileIdentity> identityBehind(int descriptors, const char* number) {
+std::optional<FileIdentity> identityBehind(int folder, const char* name) {
     struct statx raw {};
     constexpr int flags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
-    if (uninterrupted([&] { return ::statx(descriptors, number, flags, STATX_TYPE | STATX_INO, &raw); }) != 0 ||
+    if (uninterrupted([&] { return ::statx(folder, name, flags, STATX_TYPE | STATX_INO, &raw); }) != 0 ||
         !(S_ISREG(raw.stx_mode) || S_ISDIR(raw.stx_mode))) {
         return std::nullopt;
     }
-    return FileIdentity{(static_cast<std::uint64_t>(raw.stx_dev_major) << 32U) | raw.stx_dev_minor, raw.stx_ino, {}};
+    return FileIdentity{deviceNumber(raw), raw.stx_ino, {}};
 }
 
 std::string statusFile(pid_t process, const char* name) { return "/proc/" + std::to_string(process) + "/" + name; }
@@ -43,12 +44,16 @@ OpenFiles OpenFiles::now(const std::stop_token& stop) {
     (void)forEachChild("/proc", HiddenEntries::skip, [&](const DirectoryEntry& entry) {
         const auto process = processOf(entry.name);
         if (process && *process != self) {
-            const auto descriptors = DirectoryHandle::openForReading(statusFile(*process, "fd"));
-            if (descriptors) {
+            const auto note = [&](int folder, const char* name) {
+                if (const auto file = identityBehind(folder, name)) {
+                    open.holders_.try_emplace({file->device, file->inode}, *process);
+                }
+            };
+            note(AT_FDCWD, statusFile(*process, "exe").c_str());
+            note(AT_FDCWD, statusFile(*process, "cwd").c_str());
+            if (const auto descriptors = DirectoryHandle::openForReading(statusFile(*process, "fd"))) {
                 (void)descriptors->forEachEntry([&](const DirectoryEntry& number) {
-                    if (const auto file = identityBehind(descriptors->descriptor(), number.name)) {
-                        open.holders_.try_emplace({file->device, file->inode}, *process);
-                    }
+                    note(descriptors->descriptor(), number.name);
                     return !stop.stop_requested();
                 });
             }

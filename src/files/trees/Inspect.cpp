@@ -97,13 +97,14 @@ public:
         if (status) {
             noteHolder(status->identity);
             found_.changed = std::max(found_.changed, status->modified);
-        }
-        if (isInFirstFolder()) {
-            noteItem(status);
+            found_.isForeign = found_.isForeign || status->owner != ::geteuid();
         }
     }
     void onFile(const DirectoryHandle& folder, const char* name, NodeKind /*kind*/) override {
         const auto status = statusAt(folder.descriptor(), name);
+        if (isBeforeFirstFolder()) {
+            noteItem(status);
+        }
         if (status) {
             add(*status);
             found_.holdsWorkingCopy = found_.holdsWorkingCopy || isWorkingCopyFile(folder, name, status->kind);
@@ -124,13 +125,6 @@ public:
     void noteMark(const DirectoryHandle& parent, const char* folder) {
         found_.holdsWorkingCopy = found_.holdsWorkingCopy || isWorkingCopyMark(parent, folder);
     }
-    void noteItem(const Result<NodeStatus>& status) {
-        if (status) {
-            found_.isSpecial = status->kind == NodeKind::other;
-            found_.isForeign = status->owner != ::geteuid();
-            found_.changed = std::max(found_.changed, status->modified);
-        }
-    }
 
 private:
     // What is neither a file nor a link has no length. A file can be a mount point as well as a folder.
@@ -150,6 +144,14 @@ private:
         if (status.kind == NodeKind::regular) {
             noteHolder(status.identity);
             found_.changed = std::max(found_.changed, status.modified);
+        }
+    }
+    // Of the item itself, whatever it is.
+    void noteItem(const Result<NodeStatus>& status) {
+        if (status) {
+            found_.isSpecial = status->kind == NodeKind::other;
+            found_.isForeign = status->owner != ::geteuid();
+            found_.changed = std::max(found_.changed, status->modified);
         }
     }
     void noteHolder(const FileIdentity& identity) {
@@ -176,7 +178,6 @@ ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& e
             (void)SharedWalk(visitor, stop).visit(folder, entry.name);
         } else {
             visitor.onFile(folder, entry.name, entry.kind);
-            visitor.noteItem(statusAt(folder.descriptor(), entry.name));
         }
     }
     return gathered.all();

@@ -21,10 +21,13 @@ struct ItemFindings {
     bool holdsMount = false;        ///< another mount begins in it, or it is one
     bool holdsSocket = false;       ///< programs talk to each other in it
     bool holdsWorkingCopy = false;  ///< of a version control system
-    bool isForeign = false;         ///< another user owns it
+    bool isForeign = false;         ///< another user owns it, or a folder in it
     bool holdsUnseen = false;       ///< a folder in it, or itself, cannot be read: it may hold anything
     pid_t openBy = 0;               ///< a process that holds something in it open; 0 if none is known
     std::chrono::system_clock::time_point changed = {};  ///< when it, or anything in it, was modified last
+
+    /// Removing it may take another user's rights.
+    [[nodiscard]] bool needsAdministrator() const { return isForeign || holdsUnseen; }
 };
 
 /// Measures an entry as the listing of an open folder names it, and finds out what else there is to know of it, with
@@ -39,8 +42,7 @@ struct ItemFindings {
 /// Whether a working copy of a version control system begins in the folder itself.
 [[nodiscard]] bool isWorkingCopy(const DirectoryHandle& folder);
 
-/// Whether the folder says of itself that it is a cache (the Cache Directory Tagging Specification,
-/// bford.info/cachedir).
+/// Whether the folder says of itself that it is a cache (CACHEDIR.TAG, bford.info/cachedir).
 [[nodiscard]] bool isTaggedAsCache(const DirectoryHandle& folder);
 
 }  // namespace brimvault::files

@@ -86,6 +86,7 @@ TEST(Inspect, TellsWhatAnotherProcessHoldsOpen) {
     writeFile(folder / "file/a/b/held", "12345");
     writeFile(folder / "folder/held/x", "12345");
     writeFile(folder / "free/x", "12345");
+    fs::create_directory(folder / "program");
     const auto openBy = [&](const char* item) { return inspect(folder / item, files::OpenFiles::now()).openBy; };
     {
         const OpenedElsewhere ofFile(folder / "file/a/b/held");
@@ -97,6 +98,15 @@ TEST(Inspect, TellsWhatAnotherProcessHoldsOpen) {
         EXPECT_FALSE(files::programName(ofFile.process()).empty());
     }
     EXPECT_EQ(openBy("file"), 0);
+    {
+        const OpenedElsewhere works(folder / "free", OpenedElsewhere::As::workingFolder);
+        EXPECT_EQ(openBy("free"), works.process());
+    }
+    fs::copy_file("/bin/sleep", folder / "program/sleep");
+    {
+        const OpenedElsewhere runs(folder / "program/sleep", OpenedElsewhere::As::program);
+        EXPECT_EQ(openBy("program"), runs.process());
+    }
     const files::FileDescriptor own(::open((folder / "free/x").c_str(), O_RDONLY));
     EXPECT_EQ(openBy("free"), 0) << "what this process holds is no reason";
 }
