@@ -6,7 +6,7 @@
 
 namespace brimvault::platform {
 
-/// The folders below which programs keep what is the user's (XDG Base Directory Specification 0.8).
+/// The folders below which programs keep what is the user's (XDG Base Directory 0.8, freedesktop.org).
 enum class BaseFolder { cache, configuration, data, state };
 
 /// The standard folders of the user who runs the process. Nothing is cached unless a function says so; none when the

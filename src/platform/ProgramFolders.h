@@ -11,6 +11,7 @@ struct ProgramFolder {
     std::filesystem::path named;  ///< absolute, symbolic links unresolved; it may be missing
     unsigned levels = 0;          ///< folders down to this depth are never removed; 1 for its direct children
     std::string name;             ///< nor, one level deeper, are folders of this name; empty for none
+    bool isPrivate = false;       ///< everything in it is a secret, or belongs to one application or package
 };
 
 /// The folders in which the user's programs keep settings, data and state, each by default and by what names it in the

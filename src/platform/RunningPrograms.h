@@ -21,10 +21,10 @@ private:
     std::optional<std::set<std::string>> snaps_;
 };
 
-/// Who uses a profile, by the link that programs leave in it while they run.
+/// Who holds the lock of a profile: a symbolic link whose target names the machine and the process.
 struct ProfileUse {
     bool isUsed = false;           ///< also where another machine uses it, as far as can be known
-    bool isElsewhere = false;      ///< another machine has left the link
+    bool isElsewhere = false;      ///< the lock is of another machine
     std::optional<pid_t> program;  ///< on this machine
 };
 /// The folder of a browser's profiles, or of a program built on one.

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 /// A folder that a root folder must not be, nor hold. Two roots of one section may be the same folder: it is listed
 /// once.
 struct Obstacle {
-    enum class Kind { home, userFolder, caches, downloads, logs, containers, trash, applications };
+    enum class Kind { home, privateFolder, userFolder, caches, downloads, logs, containers, trash, applications };
     Kind kind;
     fs::path named;
 };
@@ -52,7 +52,8 @@ std::vector<Obstacle> obstacles() {
     auto roots = sectionRoots();
     std::move(roots.begin(), roots.end(), std::back_inserter(all));
     for (auto& folder : programFolders()) {
-        all.push_back({Obstacle::Kind::userFolder, std::move(folder.named)});
+        const auto kind = folder.isPrivate ? Obstacle::Kind::privateFolder : Obstacle::Kind::userFolder;
+        all.push_back({kind, std::move(folder.named)});
     }
     return all;
 }
@@ -64,34 +65,14 @@ std::vector<FolderLocation> locateAll(const std::vector<Obstacle>& obstacles) {
     return locate(named);
 }
 
-bool holds(const fs::path& folder, const fs::path& inner) {
-    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
-}
-
 RootRefusal refusalFor(Obstacle::Kind kind) {
     return kind == Obstacle::Kind::home         ? RootRefusal::homeFolder
-           : kind == Obstacle::Kind::userFolder ? RootRefusal::userFolder
+           : kind <= Obstacle::Kind::userFolder ? RootRefusal::userFolder
                                                 : RootRefusal::otherRootFolder;
-}
-
-// Folders in which everything is private, or belongs to an application each.
-bool isPrivate(const fs::path& folder) {
-    std::vector<fs::path> named;
-    for (const char* name : {".ssh", ".gnupg", ".mozilla", ".m2", ".var", "snap"}) {
-        named.push_back(homeFolder() / name);
-    }
-    const auto locations = locate(named);
-    return std::any_of(locations.begin(), locations.end(),
-                       [&](const FolderLocation& location) { return holds(location.resolved, folder); });
 }
 
 // Compares device and inode, and paths as well: of a folder on a volume that does not answer only the path is known.
 void judge(RootPlace& place, const files::FileIdentity& folder) {
-    if (isPrivate(place.resolved)) {
-        place.refusal = RootRefusal::userFolder;
-        place.obstacle = place.resolved;
-        return;
-    }
     const auto all = obstacles();
     const auto locations = locateAll(all);
     const auto own = std::find_if(all.begin(), all.end(), [&](const Obstacle& obstacle) {
@@ -100,6 +81,11 @@ void judge(RootPlace& place, const files::FileIdentity& folder) {
     for (std::size_t number = 0; number < all.size(); ++number) {
         const auto& obstacle = all[number];
         const auto& location = locations[number];
+        if (obstacle.kind == Obstacle::Kind::privateFolder && holds(location.resolved, place.resolved)) {
+            place.refusal = RootRefusal::userFolder;
+            place.obstacle = place.resolved;
+            return;
+        }
         const bool isIt =
             (!location.folders.empty() && location.folders.back() == folder) || location.resolved == place.resolved;
         const bool isOrHolds =

@@ -74,6 +74,12 @@ TEST_F(DesktopEntriesTest, TheNameIsInTheUsersLanguageAndOnOneLine) {
     ::setenv("LANGUAGE", "fr", 1);
     EXPECT_EQ(entries().find("mail")->name, QStringLiteral("mail"));
     ::setenv("LANGUAGE", kept.c_str(), 1);
+    write("own/applications/long.desktop", "Name=" + std::string(30'000, 'x') + "\n");
+    EXPECT_EQ(entries().find("long")->name.size(), 100);
+    write("own/applications/blank.desktop", "Name=\\s\n");
+    write("own/applications/noise.desktop", "Name=\xE9\n");
+    EXPECT_EQ(iconOf("blank"), "none");
+    EXPECT_EQ(iconOf("noise"), "none");
 }
 
 TEST_F(DesktopEntriesTest, AnApplicationIsFoundByTheClassOfItsWindowsAndByItsProgram) {

@@ -1,7 +1,7 @@
 #include "cleaner-tool/KeptFolders.h"
 
-// The XDG Base Directory Specification's folders by their defaults, and those of Flatpak and Snap. A variable that
-// names another one is known to the application alone, which asks to keep that, too.
+// The base directories (XDG Base Directory, freedesktop.org) by their defaults, and the folders of Flatpak and Snap. A
+// variable that names another one is known to the application alone, which asks to keep that, too.
 
 namespace brimvault::cleaner {
 

@@ -30,11 +30,12 @@ std::string text(GKeyFile* file, const char* key) {
 
 bool isSet(GKeyFile* file, const char* key) { return g_key_file_get_boolean(file, group, key, nullptr) != 0; }
 
-// By the environment's languages, which GLib reads by itself.
+// By the environment's languages, which GLib reads by itself. Anybody may have written the file.
 QString nameIn(GKeyFile* file) {
+    constexpr qsizetype maxLength = 100;
     const Owned<char, g_free> value(
         g_key_file_get_locale_string(file, group, G_KEY_FILE_DESKTOP_KEY_NAME, nullptr, nullptr));
-    return value ? displayText(value.get()) : QString();
+    return value ? displayText(value.get()).trimmed().left(maxLength) : QString();
 }
 
 // Many entries append an extension, although themes know icons without one.
@@ -78,12 +79,13 @@ std::string programIn(GKeyFile* file) {
     return command == words.end() ? std::string() : fs::path(command->substr(runs.size())).filename().string();
 }
 
-// What a file says. An entry that is marked as hidden was deleted by the user, and stands for none.
+// What a file says. An entry that is marked as hidden was deleted by the user, and stands for none, like one without a
+// name.
 std::optional<DesktopEntry> parse(const std::string& contents, const std::string& identifier) {
     const KeyFile file(g_key_file_new());
     if (g_key_file_load_from_data(file.get(), contents.data(), contents.size(), G_KEY_FILE_NONE, nullptr) == 0 ||
         text(file.get(), G_KEY_FILE_DESKTOP_KEY_TYPE) != G_KEY_FILE_DESKTOP_TYPE_APPLICATION ||
-        isSet(file.get(), G_KEY_FILE_DESKTOP_KEY_HIDDEN)) {
+        isSet(file.get(), G_KEY_FILE_DESKTOP_KEY_HIDDEN) || nameIn(file.get()).isEmpty()) {
         return std::nullopt;
     }
     return DesktopEntry{identifier,

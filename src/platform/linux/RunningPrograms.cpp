@@ -1,8 +1,7 @@
 #include "platform/RunningPrograms.h"
 
-#include <unistd.h>
-
-#include <array>
+#include <QString>
+#include <QSysInfo>
 #include <charconv>
 #include <fstream>
 #include <sstream>
@@ -106,11 +105,6 @@ std::optional<Lock> lockAt(const fs::path& link, char separator) {
                : Lock{target.substr(0, end), processNumber(std::string_view(target).substr(end + 1))};
 }
 
-std::string thisMachine() {
-    std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
-}
-
 ProfileUse useBy(const std::optional<Lock>& lock, bool isHere) {
     if (!lock) {
         return {};
@@ -139,7 +133,7 @@ bool RunningPrograms::isSnapRunning(const std::string& name) {
 
 ProfileUse useOfProfile(const fs::path& folder) {
     const auto lock = lockAt(folder / "SingletonLock", '-');
-    return useBy(lock, lock && lock->machine == thisMachine());
+    return useBy(lock, lock && lock->machine == QSysInfo::machineHostName().toStdString());
 }
 
 // Its target is "ADDRESS:+PROCESS": the address says nothing of the machine where that has several.
