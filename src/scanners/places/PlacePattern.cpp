@@ -1,6 +1,8 @@
 #include "scanners/places/PlacePattern.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,17 @@ namespace {
 bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
 bool isPlain(std::string_view pattern) { return pattern.find_first_of("*#") == std::string_view::npos; }
+
+// None for what is not there, or where another mount begins: its volume may be one that never answers, so nothing asks
+// for its status.
+std::optional<files::NodeKind> kindOf(const files::DirectoryHandle& folder, const char* name) {
+    const auto opened = folder.openChild(name);
+    if (opened || (opened.code() != ENOTDIR && opened.code() != EACCES)) {
+        return opened ? std::optional(files::NodeKind::directory) : std::nullopt;
+    }
+    const auto status = files::statusAt(folder.descriptor(), name);
+    return status ? std::optional(status->kind) : std::nullopt;
+}
 
 struct Search {
     const std::stop_token& stop;
@@ -37,8 +50,8 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
     const auto first = firstName(pattern);
     if (isPlain(first.name)) {
         const std::string exact(first.name);
-        if (const auto status = files::statusAt(folder.descriptor(), exact.c_str())) {
-            take(folder, at, {exact.c_str(), status->kind}, first.rest, what);
+        if (const auto kind = kindOf(folder, exact.c_str())) {
+            take(folder, at, {exact.c_str(), *kind}, first.rest, what);
         }
         return;
     }
