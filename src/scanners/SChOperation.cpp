@@ -130,61 +130,49 @@ void SChOperation::collectCachesInfo(ScanBatches& batches) {
 }
 
 void SChOperation::collectByRules(const OpenFolder& folder, ScanBatches& batches) {
-    isAnyPlaceInside_ = places_->isAnyIn(folder.path);
+    const bool isAnyPlaceInside = places_->isAnyIn(folder.path);
     std::shared_ptr<const engine::FoundIn> place;  // which the entries of one folder share
     const auto call = [&](const CacheNames::Entry& entry) {
         batches.step();
         if (entry.holder.empty() && place == nullptr) {
             place = engine::FoundIn::in(folder.path, folder.handle, folder.root);
         }
-        collectEntry(entry, entry.holder.empty() ? place : nullptr, folder.root, batches);
+        const auto inner = isAnyPlaceInside ? places_->take(entry.folderPath / entry.name) : std::nullopt;
+        const bool isInnerStricter = inner && inner->answer > entry.judgement.answer;
+        const auto judgement = isInnerStricter ? Judgement{inner->rule, inner->answer, inner->note} : entry.judgement;
+        collectEntry(entry, judgement, entry.holder.empty() ? place : nullptr, folder.root, batches);
     };
     names_.forEachEntry(
         folder.handle, folder.path, open_, stopToken(), [](auto) { return false; }, call);
 }
 
-void SChOperation::collectEntry(const CacheNames::Entry& entry, const std::shared_ptr<const engine::FoundIn>& place,
+void SChOperation::collectEntry(const CacheNames::Entry& entry, const Judgement& judgement,
+                                const std::shared_ptr<const engine::FoundIn>& place,
                                 const std::shared_ptr<const platform::RootPlace>& root, ScanBatches& batches) {
     const auto path = entry.folderPath / entry.name;
-    auto judgement = entry.judgement;
-    const auto inner = isAnyPlaceInside_ ? places_->take(path) : std::nullopt;
-    if (inner && inner->answer > judgement.answer) {
-        judgement = {inner->rule, inner->answer, inner->note};
-    }
     auto found = entry.found;
-    const auto running = judgement.rule == nullptr ? PlaceRunning{} : judgement.rule->running;
-    if (const auto use = useOfBrowser(running, entry.name, stopToken()); use.isUsed) {
-        judgement.answer = PlaceAnswer::unticked;
-        judgement.note = moreSerious(judgement.note, ItemNote::inUse);
-        found.openBy = use.program.value_or(found.openBy);
-    }
+    const auto use = judgement.rule == nullptr ? platform::ProfileUse()
+                                               : useOfBrowser(judgement.rule->running, entry.name, stopToken());
+    found.openBy = use.isUsed ? use.program.value_or(found.openBy) : found.openBy;
+    const auto note = moreSerious(judgement.note, use.isUsed ? ItemNote::inUse : ItemNote::none);
     FoundFile item{.path = path,
                    .name = entry.name,
                    .size = found.logical,
                    .kind = entry.kind,
                    .root = root,
                    .foundIn = place,
-                   .ticked = judgement.answer == PlaceAnswer::ticked,
-                   .note = judgement.note};
-    QString desktopEntry;
-    if (running.mozilla || running.chromium) {
-        const std::string program = *judgement.rule->title != '\0' ? judgement.rule->title : entry.name;
-        if (const auto installed = applications_.findByClassOrProgram(program)) {
-            item.name = installed->name.toStdString();
-            item.foundIn = engine::FoundIn::at(path, entry.folder, root);
-            desktopEntry = QString::fromStdString(installed->identifier);
-        }
-    }
-    if (!entry.holder.empty()) {
-        item.name = std::string(entry.holder) + " \u2013 " + entry.name;
+                   .ticked = !use.isUsed && judgement.answer == PlaceAnswer::ticked,
+                   .note = note};
+    const auto name = nameOf(entry, judgement.rule, applications_);
+    if (name.title != entry.name) {
+        item.name = name.title;
         item.foundIn = engine::FoundIn::at(path, entry.folder, root);
     }
-    const bool needsAdministrator = found.isForeign || found.holdsUnseen;
-    if (judgement.rule != nullptr || judgement.note != ItemNote::none || needsAdministrator) {
+    if (judgement.rule != nullptr || note != ItemNote::none || found.needsAdministrator()) {
         item.details = engine::ItemDetails{.rule = judgement.rule == nullptr ? "" : judgement.rule->id,
-                                           .noteArgument = argumentOf(judgement.note, found),
-                                           .application = desktopEntry,
-                                           .needsAdministrator = needsAdministrator,
+                                           .noteArgument = argumentOf(note, found),
+                                           .application = QString::fromStdString(name.desktopEntry),
+                                           .needsAdministrator = found.needsAdministrator(),
                                            .targets = {}};
     }
     if (!isCancelled()) {
@@ -213,7 +201,7 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
                      .rule = row.rule->id,
                      .noteArgument = program && note == ItemNote::inUse ? *program : argumentOf(note, contents.found()),
                      .application = QString::fromStdString(name.desktopEntry),
-                     .needsAdministrator = contents.found().isForeign || contents.found().holdsUnseen,
+                     .needsAdministrator = contents.found().needsAdministrator(),
                      .targets = contents.targets()}},
             batches);
 }

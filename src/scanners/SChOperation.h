@@ -36,7 +36,8 @@ private:
 
     void collectCachesInfo(ScanBatches& batches);
     void collectByRules(const OpenFolder& folder, ScanBatches& batches);
-    void collectEntry(const CacheNames::Entry& entry, const std::shared_ptr<const engine::FoundIn>& place,
+    void collectEntry(const CacheNames::Entry& entry, const Judgement& judgement,
+                      const std::shared_ptr<const engine::FoundIn>& place,
                       const std::shared_ptr<const platform::RootPlace>& root, ScanBatches& batches);
     void collectRow(const PlaceRow& row, ScanBatches& batches);
     /// The row's program if it runs, by what it or its package system says.
@@ -48,7 +49,6 @@ private:
     platform::RunningPrograms running_;
     platform::DesktopEntries applications_;
     std::optional<FoundPlaces> places_;  ///< looked for when the scan begins
-    bool isAnyPlaceInside_ = false;      ///< one of them lies in the folder that is listed by the rules
 };
 
 }  // namespace brimvault::scanners

@@ -277,6 +277,12 @@ TEST_F(CachePlaces, StayUntickedWhereTheLookIsNotEnough) {
     // A new archive of old files.
     writeFile(home_ / ".cache/.fr-new/inner/x", "12345");
     fs::last_write_time(home_ / ".cache/.fr-new/inner/x", fs::file_time_type::clock::now() - std::chrono::hours(100));
+    // An old database with a new journal.
+    for (const char* name : {"old.db", "old.db-wal", "older.db", "older.db-journal"}) {
+        writeFile(home_ / ".cache" / name, "12345");
+        const std::chrono::hours age(std::string_view(name) == "old.db-wal" ? 1 : 100);
+        fs::last_write_time(home_ / ".cache" / name, fs::file_time_type::clock::now() - age);
+    }
     // Profiles in packages that keep the only copy; and data that looks like a profile.
     const auto chat = home_ / ".var/app/org.example.A/config/WireTalk";
     writeFile(chat / "Local State", "{}");
@@ -287,10 +293,12 @@ TEST_F(CachePlaces, StayUntickedWhereTheLookIsNotEnough) {
     writeFile(code / "User/Preferences", "{}");
     writeFile(code / "User/Cache/x", "12345");
     EXPECT_THAT(lines(scanSection(Section::caches).items),
-                testing::ElementsAre("caches .cache/node/.git 3 unticked copies", "electron .config/Code 5 ticked -",
-                                     "flatpak.electron.media .var/app/org.example.A/config/WireTalk 5 unticked work",
-                                     "jetbrains .cache/JetBrains 7 unticked work",
-                                     "packages .cache/node/corepack 5 unticked copies"));
+                testing::ElementsAre(
+                    "caches .cache/node/.git 3 unticked copies", "caches .cache/older.db 5 ticked -",
+                    "caches .cache/older.db-journal 5 ticked -", "databases .cache/old.db 5 unticked work",
+                    "databases .cache/old.db-wal 5 unticked work", "electron .config/Code 5 ticked -",
+                    "flatpak.electron.media .var/app/org.example.A/config/WireTalk 5 unticked work",
+                    "jetbrains .cache/JetBrains 7 unticked work", "packages .cache/node/corepack 5 unticked copies"));
 }
 
 TEST_F(CachePlaces, OfASandboxAreInUseWhileItsApplicationRunsWhateverItsLockSays) {

@@ -1,6 +1,7 @@
 #include "scanners/places/CacheNames.h"
 
 #include <algorithm>
+#include <string>
 
 #include "scanners/places/PlacePattern.h"
 
@@ -17,6 +18,27 @@ bool isSparedByNameAlone(const std::vector<const PlaceRule*>& rules) {
         const auto& needed = rule->evidence;
         return rule->answer == PlaceAnswer::spared && !needed.olderThanADay && !needed.youngerThanADay && !needed.open;
     });
+}
+
+bool asksForAge(const std::vector<const PlaceRule*>& rules) {
+    return std::any_of(rules.begin(), rules.end(),
+                       [](const PlaceRule* rule) { return rule->evidence.youngerThanADay; });
+}
+
+// When the file changed, or one that databases keep beside it: none of them is of use without the others.
+std::chrono::system_clock::time_point lastChangeBeside(const files::DirectoryHandle& folder, std::string name) {
+    constexpr std::array<std::string_view, 4> suffixes = {"", "-wal", "-shm", "-journal"};
+    for (const auto suffix : suffixes) {
+        if (!suffix.empty() && name.ends_with(suffix)) {
+            name.resize(name.size() - suffix.size());
+        }
+    }
+    std::chrono::system_clock::time_point changed;
+    for (const auto suffix : suffixes) {
+        const auto status = files::statusAt(folder.descriptor(), (name + std::string(suffix)).c_str());
+        changed = status ? std::max(changed, status->modified) : changed;
+    }
+    return changed;
 }
 
 // What cannot be looked into may hold anything.
@@ -140,8 +162,11 @@ void CacheNames::walk(const Walk& what, const files::DirectoryHandle& folder, co
         found.holdsWorkingCopy = found.holdsWorkingCopy || isCopy;
         // Another thing stands in the place of a folder that would be looked into: a link to it, perhaps.
         const bool isInstead = entry.sizes == files::Sizes::unwanted;
-        const auto judgement =
-            judge(isInstead ? fittingAnyway(entry.name) : fitting(holder, entry.name), found, what.now);
+        const auto rules = isInstead ? fittingAnyway(entry.name) : fitting(holder, entry.name);
+        if (asksForAge(rules)) {
+            found.changed = std::max(found.changed, lastChangeBeside(folder, entry.name));
+        }
+        const auto judgement = judge(rules, found, what.now);
         if (judgement.answer != PlaceAnswer::spared && !what.stop.stop_requested()) {
             what.call({folder, path, entry.name, entry.kind, holder, found, judgement});
         }

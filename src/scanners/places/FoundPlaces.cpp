@@ -21,9 +21,7 @@ struct FoundPlaces::Base {
 
 namespace {
 
-bool holds(const fs::path& folder, const fs::path& inner) {
-    return std::mismatch(folder.begin(), folder.end(), inner.begin(), inner.end()).first == folder.end();
-}
+using platform::holds;
 
 // None where the system has no such folder, or the user has not set the variable.
 std::optional<fs::path> namedBase(PlaceBase base) {
@@ -233,9 +231,8 @@ PlaceRow& FoundPlaces::rowFor(const PlaceRule& rule, const Base& from, std::stri
     const bool isJoined = *rule.row != '\0' && !pattern.empty();
     const auto joined = isJoined ? beginningOf(path, rule.row) : path;
     // Joined are matches of the same application that have the same answer, others by their rule.
-    const std::string key = isJoined ? std::string(rule.row) + static_cast<char>('0' + static_cast<int>(rule.answer))
-                                     : std::string(rule.id);
-    const auto [known, isNew] = numbers_.emplace(std::pair(key, from.place->resolved / joined), rows_.size());
+    const std::tuple key(std::string_view(isJoined ? rule.row : rule.id), rule.answer, from.place->resolved / joined);
+    const auto [known, isNew] = numbers_.emplace(key, rows_.size());
     if (isNew) {
         const bool isPackage = rule.running.flatpak || rule.running.snap;
         PlaceRow row{&rule, from.place->resolved, rule.answer, rule.note, rule.running, {}, {}, {}, {}, from.place};

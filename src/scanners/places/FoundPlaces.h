@@ -9,6 +9,7 @@
 #include <stop_token>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "files/DirectoryHandle.h"
@@ -81,7 +82,8 @@ private:
     const std::stop_token stop_;
     std::map<PlaceBase, std::shared_ptr<const Base>> bases_;  ///< null for one that is missing or refused
     std::vector<PlaceRow> rows_;
-    std::map<std::pair<std::string, std::filesystem::path>, std::size_t> numbers_;  ///< of the rows, by what they join
+    /// Of the rows, by the rule or what joins several, their answer, and the path.
+    std::map<std::tuple<std::string_view, PlaceAnswer, std::filesystem::path>, std::size_t> numbers_;
     std::vector<std::filesystem::path> spared_;
 };
 

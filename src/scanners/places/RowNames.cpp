@@ -33,4 +33,18 @@ RowName nameOf(const PlaceRow& row, platform::DesktopEntries& entries) {
     return name;
 }
 
+RowName nameOf(const CacheNames::Entry& entry, const PlaceRule* rule, platform::DesktopEntries& entries) {
+    RowName name{entry.name, {}, {}};
+    if (rule != nullptr && (rule->running.mozilla || rule->running.chromium)) {
+        if (const auto installed = entries.findByClassOrProgram(*rule->title != '\0' ? rule->title : entry.name)) {
+            name.title = installed->name.toStdString();
+            name.desktopEntry = installed->identifier;
+        }
+    }
+    if (!entry.holder.empty()) {
+        name.title = std::string(entry.holder) + " \u2013 " + entry.name;
+    }
+    return name;
+}
+
 }  // namespace brimvault::scanners
