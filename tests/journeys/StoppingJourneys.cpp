@@ -256,7 +256,8 @@ TEST_F(StoppingJourney, ThePanelSpeaksOfItsOwnSection) {
     EXPECT_TRUE(isSaid(u"Not Scanned"_s)) << "it is not being scanned";
     clickSection(trashRow);
     ASSERT_TRUE(Guide::waitFor([this] { return guide_->list() != nullptr; }));
-    EXPECT_FALSE(isSaid(u"Scanning..."_s) || isSaid(u" so far"_s)) << "its scan has ended";
+    EXPECT_TRUE(Guide::waitFor([this] { return !isSaid(u"Scanning..."_s) && !isSaid(u" so far"_s); }))
+        << "its scan has ended";
     Guide::click(scanButton());
     EXPECT_EQ(note(cachesRow), u"Stopped, nothing found so far"_s);
     clickSection(cachesRow);
