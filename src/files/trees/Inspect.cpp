@@ -77,14 +77,13 @@ private:
 
 class InspectingVisitor final : public TreeVisitor {
 public:
-    InspectingVisitor(std::uint64_t mount, const OpenFiles& open, Gathered& gathered)
-        : mount_(mount), open_(open), gathered_(gathered) {}
+    InspectingVisitor(const InspectionContext& context, Gathered& gathered) : context_(context), gathered_(gathered) {}
     InspectingVisitor(const InspectingVisitor&) = delete;
     InspectingVisitor& operator=(const InspectingVisitor&) = delete;
     ~InspectingVisitor() override { gathered_.add(found_); }
 
     [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
-        return std::make_unique<InspectingVisitor>(mount_, open_, gathered_);
+        return std::make_unique<InspectingVisitor>(context_, gathered_);
     }
     [[nodiscard]] FileVisits fileVisits() const override { return FileVisits::whileListing; }
 
@@ -97,7 +96,7 @@ public:
         if (status) {
             noteHolder(status->identity);
             found_.changed = std::max(found_.changed, status->modified);
-            found_.isForeign = found_.isForeign || status->owner != ::geteuid();
+            found_.isForeign = found_.isForeign || status->owner != context_.user;
         }
     }
     void onFile(const DirectoryHandle& folder, const char* name, NodeKind /*kind*/) override {
@@ -129,7 +128,7 @@ public:
 private:
     // What is neither a file nor a link has no length. A file can be a mount point as well as a folder.
     void add(const NodeStatus& status) {
-        if (status.mount != 0 && status.mount != mount_) {
+        if (status.mount != 0 && status.mount != context_.mount) {
             found_.holdsMount = true;
             return;
         }
@@ -150,29 +149,28 @@ private:
     void noteItem(const Result<NodeStatus>& status) {
         if (status) {
             found_.isSpecial = status->kind == NodeKind::other;
-            found_.isForeign = status->owner != ::geteuid();
+            found_.isForeign = status->owner != context_.user;
             found_.changed = std::max(found_.changed, status->modified);
         }
     }
     void noteHolder(const FileIdentity& identity) {
         if (found_.openBy == 0) {
-            found_.openBy = open_.holderOf(identity).value_or(0);
+            found_.openBy = context_.open.holderOf(identity).value_or(0);
         }
     }
 
-    const std::uint64_t mount_;
-    const OpenFiles& open_;
+    const InspectionContext& context_;
     Gathered& gathered_;
     ItemFindings found_;
 };
 
 }  // namespace
 
-ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
-                          const OpenFiles& open, const std::stop_token& stop) {
+ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, const InspectionContext& context,
+                          const std::stop_token& stop) {
     Gathered gathered;
     {
-        InspectingVisitor visitor(mount, open, gathered);
+        InspectingVisitor visitor(context, gathered);
         if (entry.kind == NodeKind::directory) {
             visitor.noteMark(folder, entry.name);
             (void)SharedWalk(visitor, stop).visit(folder, entry.name);

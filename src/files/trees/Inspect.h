@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstddef>
@@ -30,11 +31,18 @@ struct ItemFindings {
     [[nodiscard]] bool needsAdministrator() const { return isForeign || holdsUnseen; }
 };
 
+/// What the entries of a folder are compared with.
+struct InspectionContext {
+    std::uint64_t mount;  ///< that the folder is on
+    const OpenFiles& open;
+    uid_t user = ::geteuid();  ///< who would remove them
+};
+
 /// Measures an entry as the listing of an open folder names it, and finds out what else there is to know of it, with
-/// the calls that measuring needs anyway and one more for each folder. `mount` is the one that the folder is on. After
-/// a stop the findings are incomplete. Any thread; idle threads of the pool help.
-[[nodiscard]] ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
-                                        const OpenFiles& open, const std::stop_token& stop = {});
+/// the calls that measuring needs anyway and one more for each folder. After a stop the findings are incomplete. Any
+/// thread; idle threads of the pool help.
+[[nodiscard]] ItemFindings inspectEntry(const DirectoryHandle& folder, const DirectoryEntry& entry,
+                                        const InspectionContext& context, const std::stop_token& stop = {});
 
 /// How a regular file begins, at most that many bytes; empty if it is none, or is a link. Never blocks on a pipe.
 [[nodiscard]] std::string beginningOf(const DirectoryHandle& folder, const char* name, std::size_t length);

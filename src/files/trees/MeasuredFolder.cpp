@@ -1,6 +1,7 @@
 #include "files/trees/MeasuredFolder.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,10 @@ constexpr std::size_t maxAhead = 1024;  // entries listed, and perhaps measured,
 class Batch {
 public:
     Batch(const DirectoryHandle& folder, std::uint64_t mount, const OpenFiles* open, const std::stop_token& stop)
-        : folder_(folder), mount_(mount), open_(open), stop_(stop) {}
+        : folder_(folder),
+          mount_(mount),
+          inspection_(open == nullptr ? std::nullopt : std::optional(InspectionContext{mount, *open})),
+          stop_(stop) {}
 
     void add(const DirectoryEntry& entry, Sizes sizes) {
         listed_.push_back({names_.size(), entry.kind, sizes});
@@ -69,13 +73,13 @@ private:
     [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
     [[nodiscard]] ItemFindings measure(std::size_t number) const {
         const DirectoryEntry entry{nameOf(number), listed_[number].kind};
-        return open_ != nullptr ? inspectEntry(folder_, entry, mount_, *open_, stop_)
-                                : ItemFindings{.logical = measureEntry(folder_, entry, mount_, stop_)};
+        return inspection_ ? inspectEntry(folder_, entry, *inspection_, stop_)
+                           : ItemFindings{.logical = measureEntry(folder_, entry, mount_, stop_)};
     }
 
     const DirectoryHandle& folder_;
     const std::uint64_t mount_;
-    const OpenFiles* const open_;
+    const std::optional<InspectionContext> inspection_;
     const std::stop_token& stop_;
     std::string names_;
     std::vector<Listed> listed_;

@@ -77,17 +77,34 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
 }  // namespace
 
 bool fits(std::string_view name, std::string_view pattern) {
+    while (!pattern.empty() && pattern.front() != '*' && pattern.front() != '#') {
+        if (name.empty() || name.front() != pattern.front()) {
+            return false;
+        }
+        name.remove_prefix(1);
+        pattern.remove_prefix(1);
+    }
     if (pattern.empty()) {
         return name.empty();
     }
     const auto rest = pattern.substr(1);
-    if (pattern.front() == '*') {
-        return fits(name, rest) || (!name.empty() && fits(name.substr(1), pattern));
-    }
     if (pattern.front() == '#') {
         return !name.empty() && isDigit(name.front()) && (fits(name.substr(1), rest) || fits(name.substr(1), pattern));
     }
-    return !name.empty() && name.front() == pattern.front() && fits(name.substr(1), rest);
+    if (rest.empty()) {
+        return true;
+    }
+    const bool isLiteral = rest.front() != '*' && rest.front() != '#';
+    for (std::size_t at = 0; at <= name.size(); ++at) {
+        at = isLiteral ? name.find(rest.front(), at) : at;
+        if (at == std::string_view::npos) {
+            return false;
+        }
+        if (fits(name.substr(at), rest)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 FirstName firstName(std::string_view path) {

@@ -35,7 +35,7 @@ void RowContents::measurePath() {
     }
     const auto name = row_.path.filename();
     const files::DirectoryEntry entry{name.c_str(), files::NodeKind::directory};
-    const auto found = files::inspectEntry(*folder, entry, holder->mount, scan_.open, scan_.stop);
+    const auto found = files::inspectEntry(*folder, entry, {holder->mount, scan_.open}, scan_.stop);
     const auto judged = judge(std::span(&row_.rule, 1), found, std::chrono::system_clock::now());
     judgement_.answer = std::max(judgement_.answer, judged.answer);
     add(found, judged.note);

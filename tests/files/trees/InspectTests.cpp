@@ -25,7 +25,7 @@ ItemFindings inspect(const fs::path& item, const files::OpenFiles& open = {}) {
     const auto status = files::statusOf(item);
     return folder && status
                ? files::inspectEntry(*folder, {item.c_str() + item.parent_path().native().size() + 1, status->kind},
-                                     folder->status()->mount, open)
+                                     {folder->status()->mount, open})
                : ItemFindings{};
 }
 
