@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "files/NodeStatus.h"
 
@@ -17,7 +18,8 @@ struct DirectoryEntry {
 };
 
 /// Reads the entries of open directories in large batches, into a buffer that it reuses: memory does not grow with the
-/// size of the folders. One thread at a time, one directory at a time.
+/// size of the folders. A batch of a large directory comes in the order of the inodes, so that who asks the disk for
+/// each entry does not make it jump. One thread at a time, one directory at a time.
 class DirectoryReader {
 public:
     DirectoryReader();
@@ -28,6 +30,7 @@ public:
 
 private:
     std::unique_ptr<std::byte[]> buffer_;
+    std::vector<const std::byte*> sorted_;  ///< the entries of the batch
 };
 
 }  // namespace brimvault::files

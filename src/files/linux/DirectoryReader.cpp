@@ -4,6 +4,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string_view>
 
@@ -23,7 +24,11 @@ struct RawEntry {
     std::uint16_t length;
     std::uint8_t type;
 };
+constexpr std::size_t maxEntry = 280;  // with the longest name
+constexpr std::size_t fullBatch = batchSize - maxEntry;
 constexpr std::size_t nameOffset = 19;  // there is padding behind the last member, but not in what the kernel writes
+
+const RawEntry* rawAt(const std::byte* place) { return reinterpret_cast<const RawEntry*>(place); }
 
 NodeKind kindOf(int directory, std::uint8_t type, const char* name) {
     switch (type) {
@@ -54,10 +59,18 @@ int DirectoryReader::forEachEntry(int directory, const std::function<bool(const 
         if (size <= 0) {
             return size == 0 ? 0 : errno;
         }
-        for (const std::byte *place = buffer_.get(), *end = place + size; place < end;) {
-            const auto* raw = reinterpret_cast<const RawEntry*>(place);
+        sorted_.clear();
+        for (const std::byte *place = buffer_.get(), *end = place + size; place < end; place += rawAt(place)->length) {
+            sorted_.push_back(place);
+        }
+        if (static_cast<std::size_t>(size) > fullBatch) {
+            std::sort(sorted_.begin(), sorted_.end(), [](const std::byte* left, const std::byte* right) {
+                return rawAt(left)->inode < rawAt(right)->inode;
+            });
+        }
+        for (const auto* place : sorted_) {
+            const auto* raw = rawAt(place);
             const char* name = reinterpret_cast<const char*>(place) + nameOffset;
-            place += raw->length;
             if (!isSelfOrParent(name) && !call({name, kindOf(directory, raw->type, name), raw->inode})) {
                 return 0;
             }

@@ -1,8 +1,10 @@
 #include "files/trees/MeasuredFolder.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "files/trees/Measure.h"
@@ -12,26 +14,53 @@ namespace brimvault::files {
 
 namespace {
 
-constexpr std::size_t maxAhead = 1024;  // entries listed, and perhaps measured, before their turn
+// A listing has no order. From this many entries on they are taken in the order of their inodes, which on most file
+// systems is the order on the disk: what a cold disk is asked for lies together.
+constexpr std::size_t sortedEntries = 1000;
+constexpr std::size_t maxHeld = 32'768;  // entries listed before their turn
+constexpr std::size_t maxAhead = 1024;   // and perhaps measured
 
-// A batch of listed entries. Folders are measured ahead; for a file that would cost more than its size does.
-class Batch {
+// What one thread measures at a time: a folder, or some files, as one alone costs less than handing it over.
+struct Portion {
+    std::size_t first;
+    std::size_t count;
+    bool isFolder;
+
+    [[nodiscard]] std::size_t end() const { return first + count; }
+    [[nodiscard]] bool takesFile(std::size_t number) const {
+        constexpr std::size_t maxFiles = 32;
+        return !isFolder && number == end() && count < maxFiles;
+    }
+};
+
+// Some of the entries of one folder, as they were listed.
+class Listing {
 public:
-    Batch(const DirectoryHandle& folder, std::uint64_t mount, const OpenFiles* open, const std::stop_token& stop)
+    using Call = std::function<bool(const MeasurableEntry&)>;
+    using SizesOf = std::function<Sizes(const char* name)>;
+
+    Listing(const DirectoryHandle& folder, std::uint64_t mount, const OpenFiles* open, const std::stop_token& stop)
         : folder_(folder),
           mount_(mount),
           inspection_(open == nullptr ? std::nullopt : std::optional(InspectionContext{mount, *open})),
           stop_(stop) {}
 
-    void add(const DirectoryEntry& entry, Sizes sizes) {
-        listed_.push_back({names_.size(), entry.kind, sizes});
+    void add(const DirectoryEntry& entry) {
+        listed_.push_back({entry.inode, names_.size(), entry.kind, Sizes::unwanted});
         names_.append(entry.name).push_back('\0');
     }
-    [[nodiscard]] bool isFull() const { return listed_.size() >= maxAhead; }
+    [[nodiscard]] bool isFull() const { return listed_.size() >= maxHeld; }
 
-    // Whether all were reported; empties the batch, once no helper measures it any more.
-    bool report(const std::function<bool(const MeasurableEntry&)>& call) {
-        const bool goesOn = reportEach(call);
+    // Whether all were reported; empties the listing, once no helper measures any of them.
+    bool report(const SizesOf& sizes, const Call& call) {
+        if (listed_.size() >= sortedEntries) {
+            std::sort(listed_.begin(), listed_.end(),
+                      [](const Listed& left, const Listed& right) { return left.inode < right.inode; });
+        }
+        bool goesOn = true;
+        for (std::size_t first = 0; goesOn && first < listed_.size(); first += maxAhead) {
+            goesOn = reportSome(first, std::min(first + maxAhead, listed_.size()), sizes, call);
+        }
         listed_.clear();
         names_.clear();
         return goesOn;
@@ -39,43 +68,72 @@ public:
 
 private:
     struct Listed {
-        std::size_t name;  ///< where it begins
+        std::uint64_t inode;
+        std::size_t name;  // where it begins
         NodeKind kind;
         Sizes sizes;
     };
 
-    bool reportEach(const std::function<bool(const MeasurableEntry&)>& call) const {
-        std::vector<std::size_t> folders;
-        for (std::size_t number = 0; number < listed_.size(); ++number) {
-            if (isMeasuredAhead(number)) {
-                folders.push_back(number);
-            }
+    bool reportSome(std::size_t first, std::size_t end, const SizesOf& sizes, const Call& call) {
+        for (std::size_t number = first; number < end; ++number) {
+            listed_[number].sizes = sizes(nameOf(number));
         }
-        AheadOf<ItemFindings> ahead(folders.size(), stop_, [&](std::size_t place) { return measure(folders[place]); });
-        std::size_t nextFolder = 0;
-        for (std::size_t number = 0; number < listed_.size(); ++number) {
-            const bool isAhead = isMeasuredAhead(number);
-            const std::size_t place = isAhead ? nextFolder++ : 0;
+        const auto portions = portionsOf(first, end);
+        AheadOf<std::vector<ItemFindings>> ahead(portions.size(), stop_,
+                                                 [&](std::size_t place) { return measure(portions[place]); });
+        std::size_t place = 0;
+        std::vector<ItemFindings> measured;  // of the portion at that place
+        for (std::size_t number = first; number < end; ++number) {
+            if (place < portions.size() && number == portions[place].end()) {
+                ++place;
+                measured.clear();
+            }
             const std::function<ItemFindings()> findings = [&] {
-                return isAhead ? ahead.take(place) : measure(number);
+                if (listed_[number].sizes == Sizes::unwanted) {
+                    return measure(number);
+                }
+                if (measured.empty()) {
+                    measured = ahead.take(place);
+                }
+                return measured[number - portions[place].first];
             };
-            const auto& [name, kind, sizes] = listed_[number];
-            if (stop_.stop_requested() || !call({nameOf(number), kind, sizes, findings})) {
+            const auto& entry = listed_[number];
+            if (stop_.stop_requested() || !call({nameOf(number), entry.kind, entry.sizes, findings})) {
                 return false;
             }
         }
         return true;
     }
 
-    [[nodiscard]] bool isMeasuredAhead(std::size_t number) const {
-        return listed_[number].kind == NodeKind::directory && listed_[number].sizes == Sizes::wanted;
+    [[nodiscard]] std::vector<Portion> portionsOf(std::size_t first, std::size_t end) const {
+        std::vector<Portion> all;
+        for (std::size_t number = first; number < end; ++number) {
+            const bool isFolder = listed_[number].kind == NodeKind::directory;
+            if (listed_[number].sizes == Sizes::unwanted) {
+                continue;
+            }
+            if (!isFolder && !all.empty() && all.back().takesFile(number)) {
+                ++all.back().count;
+            } else {
+                all.push_back({number, 1, isFolder});
+            }
+        }
+        return all;
     }
-    [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
+
+    [[nodiscard]] std::vector<ItemFindings> measure(const Portion& portion) const {
+        std::vector<ItemFindings> found;
+        for (std::size_t number = portion.first; number < portion.end(); ++number) {
+            found.push_back(measure(number));
+        }
+        return found;
+    }
     [[nodiscard]] ItemFindings measure(std::size_t number) const {
         const DirectoryEntry entry{nameOf(number), listed_[number].kind};
         return inspection_ ? inspectEntry(folder_, entry, *inspection_, stop_)
                            : ItemFindings{.logical = measureEntry(folder_, entry, mount_, stop_)};
     }
+    [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
 
     const DirectoryHandle& folder_;
     const std::uint64_t mount_;
@@ -101,7 +159,7 @@ int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const
     if (!status) {
         return status.code();
     }
-    Batch batch(folder, status->mount, open, stop);
+    Listing listing(folder, status->mount, open, stop);
     bool goesOn = true;
     std::size_t listed = 0;
     const int code = folder.forEachEntry([&](const DirectoryEntry& entry) {
@@ -111,13 +169,13 @@ int forEachMeasurable(const DirectoryHandle& folder, HiddenEntries hidden, const
             return false;
         }
         if (hidden == HiddenEntries::include || entry.name[0] != '.') {
-            batch.add(entry, sizes(entry.name));
+            listing.add(entry);
         }
-        goesOn = !batch.isFull() || batch.report(call);
+        goesOn = !listing.isFull() || listing.report(sizes, call);
         return goesOn;
     });
     if (goesOn) {
-        (void)batch.report(call);
+        (void)listing.report(sizes, call);
     }
     return code;
 }

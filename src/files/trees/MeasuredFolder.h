@@ -22,10 +22,11 @@ struct MeasurableEntry {
     const std::function<ItemFindings()>& findings;
 };
 
-/// Calls with every direct child of the folder, in the listing's order, on the calling thread, until the call answers
-/// false or a stop is requested. Meanwhile pool threads measure the next ones ahead, so that many small folders keep
-/// all CPUs busy as one large one does. `sizes` says, on the calling thread, whether a name's size will be asked for;
-/// others are not measured ahead. With `open`, entries are inspected, else their sizes alone are found.
+/// Calls with every direct child of the folder, in the listing's order or that of the inodes, on the calling thread,
+/// until the call answers false or a stop is requested. Meanwhile pool threads measure the next ones ahead, so that
+/// many small folders keep all CPUs busy as one large one does. `sizes` says, on the calling thread, whether a name's
+/// size will be asked for; others are not measured ahead. With `open`, entries are inspected, else their sizes alone
+/// are found.
 ///
 /// Hidden are the names that begin with a full stop. 0, or the errno value that kept the folder from being read to its
 /// end. The folder is held open for listing, and listed from its start. Any thread.

@@ -151,7 +151,9 @@ TEST(Inspect, TellsThatThereIsMoreThanCanBeSeen) {
     writeFile(folder / "open/a/x", "1");
     writeFile(folder / "holds/a/b/x", "1");
     writeFile(folder / "is/x", "1");
+    writeFile(folder / "deep/a/b/x", "1");
     giveToNobody(folder.path());
+    ASSERT_EQ(::chown((folder / "deep/a/b").c_str(), ::geteuid(), ::getegid()), 0);
     fs::permissions(folder / "holds/a/b", fs::perms::none);
     fs::permissions(folder / "is", fs::perms::owner_exec);
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
@@ -160,6 +162,7 @@ TEST(Inspect, TellsThatThereIsMoreThanCanBeSeen) {
                : !inspect(folder / "is").holdsUnseen  ? "a closed folder was not seen"
                : inspect(folder / "open").holdsUnseen ? "an open folder counts as closed"
                : inspect(folder / "is").isForeign     ? "one's own counts as another's"
+               : !inspect(folder / "deep").isForeign  ? "another user's folder inside was not seen"
                                                       : "";
     });
     fs::permissions(folder / "holds/a/b", fs::perms::owner_all);
