@@ -4,6 +4,10 @@
 // after them. The home folder stays as it is.
 //
 //     brimvault-scan-time HOME [idle]    prints a name and a value on each line
+//     brimvault-scan-time HOME cold      one scan alone, before which the system forgets what it has read of the disk;
+//                                        and when the first rows came. Needs an administrator's rights.
+
+#include <unistd.h>
 
 #include <QEventLoop>
 #include <QTimer>
@@ -12,6 +16,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 
 #include "MainThreadClock.h"
@@ -56,8 +61,13 @@ void runFor(int milliseconds) {
 
 struct Scan {
     std::atomic<double> seconds = -1;  ///< to "scanFinished", as it is posted; below 0 when it does not come
+    double firstRows = -1;             ///< until the model has the first items
     std::atomic<long> wakeUps = 0;     ///< of all threads of the process, until then
 };
+
+qint64 countOfFiles(engine::DataMan& model) {
+    return model.getCachesCount() + model.getLogsCount() + model.getDownloadsCount() + model.getTrashCount();
+}
 
 void scan(TrialWindow& window, Scan& figures) {
     constexpr int timeout = 120'000;
@@ -72,8 +82,25 @@ void scan(TrialWindow& window, Scan& figures) {
     });
     const auto heard =
         center.addMainThreadObserver(engine::notification::scanFinished, &loop, [&](const auto&) { loop.quit(); });
+    auto& model = window.application().psectController().getAppResDS();
+    const auto grown =
+        center.addObserver(engine::vocabulary(engine::Section::downloads).interfaceProgress, [&](const auto&) {
+            if (figures.firstRows < 0 && countOfFiles(model) > 0) {
+                figures.firstRows = std::chrono::duration<double>(Clock::now() - start).count();
+            }
+        });
     window.startScan();
     loop.exec();
+}
+
+void reportCold(TrialWindow& window) {
+    ::sync();
+    if (!(std::ofstream("/proc/sys/vm/drop_caches") << 3 << std::flush)) {
+        throw std::runtime_error("the system's caches can be dropped by an administrator only");
+    }
+    Scan figures;
+    scan(window, figures);
+    std::cout << "first-rows-seconds " << figures.firstRows << "\nseconds " << figures.seconds << '\n';
 }
 
 void report(MainThreadClock& clock, TrialWindow& window, const std::string& name) {
@@ -107,17 +134,17 @@ void reportIdle(const std::string& name) {
 void reportFound(engine::DataMan& model) {
     const auto files = model.getSize2CleanCaches() + model.getSize2CleanLogs() + model.getSize2CleanDwns() +
                        model.getSize2CleanTrash();
-    const auto items =
-        model.getCachesCount() + model.getLogsCount() + model.getDownloadsCount() + model.getTrashCount();
-    std::cout << "applications " << model.getAppsCount() << "\nitems " << items << "\nlisted " << files << '\n';
+    std::cout << "applications " << model.getAppsCount() << "\nitems " << countOfFiles(model) << "\nlisted " << files
+              << '\n';
 }
 
 }  // namespace
 
 int main(int argc, char* argv[]) {
-    const bool withIdle = argc == 3 && argv[2] == std::string("idle");
-    if (argc != 2 && !withIdle) {
-        std::cerr << "usage: brimvault-scan-time HOME [idle]\n";
+    const std::string more = argc == 3 ? argv[2] : "";
+    const bool withIdle = more == "idle";
+    if (argc != 2 && !withIdle && more != "cold") {
+        std::cerr << "usage: brimvault-scan-time HOME [idle|cold]\n";
         return 2;
     }
     MainThreadClock clock(argc, argv);
@@ -131,6 +158,11 @@ int main(int argc, char* argv[]) {
     window.application().psectController().setAllChecked();
     constexpr int enoughToIdle = 500;
     runFor(enoughToIdle);
+    if (more == "cold") {
+        reportCold(window);
+        reportFound(window.application().psectController().getAppResDS());
+        return 0;
+    }
     if (withIdle) {
         reportIdle("idle-before");
     }

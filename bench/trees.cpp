@@ -11,6 +11,7 @@
 //     tiny     100,000 entries of a few bytes in one folder: 90,000 files, and 10,000 folders with a file in each
 //     home     a home folder of 300,000 files with something in every section
 //     listed   a home folder whose caches are the 100,000 entries of "tiny"
+//     single   a home folder whose downloads are 100,000 files
 //
 // Files have lengths and no contents: how fast blocks are freed is the disk's affair, and where it is told of each, it
 // takes longer than all else. With "written" the first 4 KiB of each file are there.
@@ -242,10 +243,17 @@ void makeListedHome(const Folder& home) {
     made.listed = made.bytes;
 }
 
+void makeSingleFiles(const Folder& home) {
+    constexpr int count = 100'000;
+    fill(home.child("Downloads"), count);
+    made.listed = made.bytes;
+    made.items = count;
+}
+
 const std::map<std::string, std::function<void(Folder)>>& kinds() {
     static const std::map<std::string, std::function<void(Folder)>> all = {
-        {"cache", makeCache}, {"flat", makeFlat}, {"chain", makeChain},
-        {"tiny", makeTiny},   {"home", makeHome}, {"listed", makeListedHome}};
+        {"cache", makeCache}, {"flat", makeFlat},         {"chain", makeChain},       {"tiny", makeTiny},
+        {"home", makeHome},   {"listed", makeListedHome}, {"single", makeSingleFiles}};
     return all;
 }
 
@@ -254,7 +262,7 @@ const std::map<std::string, std::function<void(Folder)>>& kinds() {
 int main(int argc, char* argv[]) {
     const bool isAsked = argc == 3 || (argc == 4 && argv[3] == std::string("written"));
     if (!isAsked || !kinds().contains(argv[1])) {
-        std::cerr << "usage: brimvault-trees cache|flat|chain|tiny|home|listed DIR [written]\n";
+        std::cerr << "usage: brimvault-trees cache|flat|chain|tiny|home|listed|single DIR [written]\n";
         return 2;
     }
     writesContents = argc == 4;

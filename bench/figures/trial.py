@@ -8,7 +8,7 @@ import tempfile
 from table import Table, machine
 from turns import Contender, Failed, cores, few_descriptors, measure, run
 
-PARTS = ("measure", "scan", "memory", "chain", "remove")
+PARTS = ("measure", "scan", "memory", "chain", "remove", "cold")
 
 
 class Trees:
@@ -150,13 +150,62 @@ def memory(trees, table, rounds):
     stretches(table, scans, "100,000 items")
 
 
+def drop_caches():
+    """The system forgets what it has read of the disk."""
+    subprocess.run(["sync"], check=True)
+    try:
+        with open("/proc/sys/vm/drop_caches", "w", encoding="ascii") as caches:
+            caches.write("3")
+    except OSError as problem:
+        raise Failed(f"the system's caches can be dropped by an administrator only ({problem})") from problem
+
+
+def disk_of(folder):
+    """Its name, and whether it turns."""
+    device = subprocess.run(["df", "--output=source", folder], stdout=subprocess.PIPE, text=True, check=True)
+    name = os.path.basename(device.stdout.split()[-1])
+    block = os.path.realpath(os.path.join("/sys/class/block", name))
+    for place in (block, os.path.dirname(block)):
+        turns = os.path.join(place, "queue/rotational")
+        if os.path.exists(turns):
+            with open(turns, encoding="ascii") as answer:
+                return f"{name} ({'turning' if answer.read().strip() == '1' else 'not turning, or said to be so'})"
+    return name
+
+
+def cold(trees, table, rounds):
+    """A folder of single files, of which the system knows nothing. The others' programs are read beforehand."""
+    home, made = trees.make("single")
+    others = [Contender("du -s", ["du", "-s"], check=False), Contender("gdu -npc", ["gdu", "-npc"], check=False)]
+    scans = []
+    for _ in range(rounds):
+        for other in others:
+            drop_caches()
+            run([other.command[0], "--help"], check=False)
+            other.seconds.append(other.take_turn(os.path.join(home, "Downloads")).seconds)
+        scans.append(scan_once(trees, home, made, "cold"))
+    ours = statistics.median(scan.number("seconds") for scan in scans)
+    rows = statistics.median(scan.number("first-rows-seconds") for scan in scans)
+    what = f"100,000 single files, cold, on {disk_of(home)}"
+    for other, limit in zip(others, (1.0, None)):
+        table.ratio(what, ours, other.median, other.name, limit)
+    table.figure("the first rows of these", rows, "s", 0.3)
+
+
 def trial(programs, rounds, parts, written):
     with Trees(programs, written) as trees:
         print(machine(trees.folder, cores()))
         contents = "contents" if written else "lengths and no contents"
         print(f"Medians of {rounds} rounds in turn; files have {contents}.\n")
         table = Table()
-        work = {"measure": measuring, "scan": scanning, "memory": memory, "chain": chain, "remove": removing}
+        work = {
+            "measure": measuring,
+            "scan": scanning,
+            "memory": memory,
+            "chain": chain,
+            "remove": removing,
+            "cold": cold,
+        }
         for part in parts:
             work[part](trees, table, rounds)
         print(f"\n{table.missed} of the limits are missed." if table.missed else "\nAll limits are kept.")
