@@ -54,6 +54,10 @@ Result<DirectoryHandle> DirectoryHandle::openChild(const char* name) const {
     return adopt(openOnSameMount(descriptor(), name));
 }
 
+Result<DirectoryHandle> DirectoryHandle::openChildToPass(const char* name) const {
+    return adopt(openChildWithoutLinks(descriptor(), name));
+}
+
 Result<DirectoryHandle> DirectoryHandle::reopenForReading() const { return adopt(openOnSameMount(descriptor(), ".")); }
 
 Result<DirectoryHandle> DirectoryHandle::duplicate() const { return adopt(::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0)); }

@@ -25,6 +25,8 @@ public:
 
     /// Opens a directory inside this one: ENOTDIR for a link or a file, EXDEV where another mount begins.
     [[nodiscard]] Result<DirectoryHandle> openChild(const char* name) const;
+    /// The same without need of any right in that directory and on whatever mount it is; it cannot be listed.
+    [[nodiscard]] Result<DirectoryHandle> openChildToPass(const char* name) const;
     /// Opens the parent directory: ESTALE when it is not the expected one.
     [[nodiscard]] Result<DirectoryHandle> openParent(const NodePlace& expected) const;
 

@@ -38,7 +38,8 @@ struct NodeStatus {
     /// Names of the object. A directory has exactly one name, so 1 for every directory, whatever the file system
     /// stores there (many count a directory's subdirectories in that field).
     std::uint64_t linkCount = 0;
-    bool immutable = false;         ///< locked against change and removal, by its owner or the administrator
+    /// Immutable or append-only: nobody can remove it, nor what is directly in it.
+    bool immutable = false;
     std::uint32_t permissions = 0;  ///< the twelve permission bits, as POSIX numbers them
     std::uint32_t owner = 0;        ///< number of the user
     std::uint32_t group = 0;        ///< number of the group

@@ -69,7 +69,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     status.size = raw.stx_size;
     status.allocated = raw.stx_blocks * blockSize;
     status.linkCount = status.kind == NodeKind::directory ? 1 : raw.stx_nlink;
-    status.immutable = (raw.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+    status.immutable = (raw.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0;
     constexpr unsigned permissionBits = 07777;
     status.permissions = raw.stx_mode & permissionBits;
     status.owner = raw.stx_uid;

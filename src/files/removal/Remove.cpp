@@ -9,8 +9,10 @@
 #include <functional>
 #include <mutex>
 #include <new>
+#include <utility>
 
 #include "files/SystemCall.h"
+#include "files/removal/OwnFolders.h"
 #include "files/walk/SharedWalk.h"
 
 // How a removal avoids races
@@ -23,6 +25,10 @@
 // A folder of the tree can still be moved out while it is being emptied; the user asked for its removal, and its
 // contents go. The walk notices when it returns to the parent, and stops.
 //
+// The owner of a folder that is being emptied can lack rights in it, which is how some programs keep others from
+// changing their caches. Where a step is refused for that (EACCES), the folder's mode is changed through its descriptor
+// and the step repeated (OwnFolders). Never with a guard, and never in the folder that holds the item.
+//
 // A name listed as a file that has become a folder is refused by the system (EISDIR) and reported, not chased.
 
 namespace brimvault::files {
@@ -33,15 +39,18 @@ enum class Kind : int { file = 0, emptyFolder = AT_REMOVEDIR };
 
 std::atomic<std::uint64_t> removedCount = 0;
 
-// 0, or an errno value. An entry that does not exist counts as removed.
+// 0, or an errno value.
 int unlinkEntry(const DirectoryHandle& parent, const char* name, Kind kind) {
-    const bool isGone =
+    const bool isRemoved =
         uninterrupted([&] { return ::unlinkat(parent.descriptor(), name, static_cast<int>(kind)); }) == 0;
-    if (isGone) {
+    if (isRemoved) {
         removedCount.fetch_add(1, std::memory_order_relaxed);
     }
-    return isGone || errno == ENOENT ? 0 : errno;
+    return isRemoved ? 0 : errno;
 }
+
+// An entry that does not exist counts as removed.
+bool isGone(int code) { return code == 0 || code == ENOENT; }
 
 // What the workers of one removal have found.
 class Report {
@@ -66,10 +75,11 @@ private:
 
 class RemovalVisitor final : public TreeVisitor {
 public:
-    RemovalVisitor(RemovalGuard* guard, Report& report) : guard_(guard), report_(report) {}
+    RemovalVisitor(RemovalGuard* guard, Report& report, OwnFolders& ownFolders)
+        : guard_(guard), report_(report), ownFolders_(ownFolders) {}
 
     [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
-        return std::make_unique<RemovalVisitor>(guard_, report_);
+        return std::make_unique<RemovalVisitor>(guard_, report_, ownFolders_);
     }
 
     // A guard's answer about one folder must not be used for another that reuses its inode.
@@ -89,17 +99,36 @@ public:
         return enters;
     }
 
+    // Either the parent folder keeps its owner from entering any folder, or this one does.
+    Result<DirectoryHandle> openRefused(const DirectoryHandle& parent, const char* name) override {
+        auto opened = Result<DirectoryHandle>::failed(EACCES);
+        if (admits(parent)) {
+            opened = parent.openChild(name);
+        }
+        return opened.code() == EACCES && guard_ == nullptr ? ownFolders_.open(parent, name, change_)
+                                                            : std::move(opened);
+    }
+
+    void onFolderEntered(const DirectoryHandle& /*folder*/) override {
+        if (const auto change = std::exchange(change_, {})) {
+            ownFolders_.keep(*place(), *change);
+        }
+    }
+
     void onFile(const DirectoryHandle& folder, const char* name, NodeKind /*kind*/) override {
-        if (const int code = unlinkEntry(folder, name, Kind::file); code != 0) {
+        if (const int code = unlinkIn(folder, name, Kind::file); !isGone(code)) {
             note(code, name);
         }
     }
 
     // Asks the guard again about what has the name by now: another empty folder may have been put there.
-    void onFolderLeft(const DirectoryHandle& parent, const VisitedFolder& folder) override {
+    void onFolderLeft(const DirectoryHandle& parent, const VisitedFolder& folder,
+                      const DirectoryHandle& left) override {
         const char* name = folder.name.c_str();
-        const int code = mayStillRemove(parent, name) ? unlinkEntry(parent, name, Kind::emptyFolder) : EPERM;
-        if (code != 0) {
+        const int code = mayStillRemove(parent, name) ? unlinkIn(parent, name, Kind::emptyFolder) : EPERM;
+        // It may have been moved elsewhere when nothing has its name.
+        code == 0 ? ownFolders_.onGone(folder) : ownFolders_.onStay(folder, left);
+        if (!isGone(code)) {
             note(reason(code, folder.listingCode), name);
         } else if (folder.holder == nullptr) {
             report_.noteItemRemoved();
@@ -116,7 +145,7 @@ public:
             note(EBUSY, name);  // what the system itself says of a mount point
         } else if (guard_ != nullptr) {
             note(code, name);
-        } else if (const int refusal = unlinkEntry(parent, name, Kind::emptyFolder); refusal != 0) {
+        } else if (const int refusal = unlinkIn(parent, name, Kind::emptyFolder); !isGone(refusal)) {
             note(reason(refusal, code), name);
         } else if (isBeforeFirstFolder()) {
             report_.noteItemRemoved();
@@ -128,6 +157,17 @@ public:
 private:
     void note(int code, const char* name) {
         report_.noteFailure(code, [&] { return pathOf(name); });
+    }
+
+    // Of a file or an empty folder in the folder where the walk is.
+    int unlinkIn(const DirectoryHandle& parent, const char* name, Kind kind) {
+        const int code = unlinkEntry(parent, name, kind);
+        return code == EACCES && admits(parent) ? unlinkEntry(parent, name, kind) : code;
+    }
+
+    // Whether what was refused in the folder where the walk is may be tried again.
+    bool admits(const DirectoryHandle& folder) {
+        return guard_ == nullptr && place() != nullptr && ownFolders_.admit(folder, *place());
     }
 
     // "Not empty" is only the consequence where the folder could not be read to its end: report that error instead.
@@ -146,6 +186,8 @@ private:
 
     RemovalGuard* guard_;
     Report& report_;
+    OwnFolders& ownFolders_;
+    std::optional<OwnFolders::Change> change_;  ///< of the folder that is about to be entered
 };
 
 RemovalOutcome kept(int code, const std::filesystem::path& path) { return {RemovalEnd::kept, Failure{code, path}}; }
@@ -159,9 +201,12 @@ bool visit(RemovalVisitor& visitor, const DirectoryHandle& parent, const char* n
 RemovalOutcome removeFolder(const DirectoryHandle& parent, const std::filesystem::path& path,
                             const std::stop_token& stop, RemovalGuard* guard) {
     Report report;
-    RemovalVisitor visitor(guard, report);
     const auto name = path.filename();
-    const bool toItsEnd = visit(visitor, parent, name.c_str(), stop, guard != nullptr);
+    const bool toItsEnd = [&] {
+        OwnFolders ownFolders(parent);
+        RemovalVisitor visitor(guard, report, ownFolders);
+        return visit(visitor, parent, name.c_str(), stop, guard != nullptr);
+    }();
     // Neither a stop nor a failure on the way matters when the item went all the same.
     const int code = statusAt(parent.descriptor(), name.c_str()).code();
     if (code == ENOENT || (code != 0 && report.isItemRemoved())) {
@@ -181,7 +226,7 @@ RemovalOutcome removeOfKind(NodeKind kind, const DirectoryHandle& parent, const 
         return removeFolder(parent, path, stop, guard);
     }
     const int code = unlinkEntry(parent, path.filename().c_str(), Kind::file);
-    return code == 0 ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
+    return isGone(code) ? RemovalOutcome{RemovalEnd::gone, std::nullopt} : kept(code, path);
 }
 
 RemovalOutcome removeNow(const std::filesystem::path& path, const std::stop_token& stop, RemovalGuard* guard) {

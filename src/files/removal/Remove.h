@@ -48,7 +48,9 @@ public:
 /// A path that is not plain and absolute is refused with EINVAL. No link is followed, on the way to the item or inside
 /// it; a link is removed itself. Nothing on another mount than the item's folder is touched, nor is a mount point. It
 /// goes on after a failure, so that all that can go goes, and answers the first.
-/// A guard is asked before anything is removed that it could want to keep.
+/// Where the mode of one of the caller's own folders, the item or one in it, keeps something from going, the owner gets
+/// all rights in that folder; one that stays gets its mode back. Not with a guard. A guard is asked before anything is
+/// removed that it could want to keep.
 ///
 /// The calling thread removes, helped by idle threads of the pool where the tree is large, each with fewer than 16 open
 /// descriptors however deep the tree. With a guard the calling thread works alone, and calls the guard.

@@ -27,7 +27,8 @@ public:
     }
     void onFile(const DirectoryHandle& /*folder*/, const char* /*name*/, NodeKind /*kind*/) override {}
     [[nodiscard]] FileVisits fileVisits() const override { return FileVisits::whileListing; }
-    void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/) override {
+    void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/,
+                      const DirectoryHandle& /*left*/) override {
         current_ = current_.parent_path();
     }
     void onFolderClosed(const DirectoryHandle& /*parent*/, const char* /*name*/, int /*code*/) override {}

@@ -116,7 +116,8 @@ public:
         found_.holdsMount = found_.holdsMount || code == EXDEV;
         found_.holdsUnseen = found_.holdsUnseen || (code != EXDEV && code != ENOENT);
     }
-    void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& folder) override {
+    void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& folder,
+                      const DirectoryHandle& /*left*/) override {
         found_.holdsUnseen = found_.holdsUnseen || folder.listingCode != 0;
     }
     void onWayLost(const char* /*name*/, int /*code*/) override { found_.holdsUnseen = true; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <filesystem>
 #include <memory>
 
@@ -36,6 +37,10 @@ public:
     [[nodiscard]] virtual WayBack wayBack() const { return WayBack::byNumber; }
     /// Whether to open a folder below the first one at all. Called once for each, just before it is opened.
     virtual bool wantsFolder(const DirectoryHandle& /*parent*/, const char* /*name*/) { return true; }
+    /// Opens a folder in its own way that the system has refused to open for want of rights (EACCES).
+    virtual Result<DirectoryHandle> openRefused(const DirectoryHandle& /*parent*/, const char* /*name*/) {
+        return Result<DirectoryHandle>::failed(EACCES);
+    }
     /// Whether to visit a folder that is open by now, so that nobody can replace it any more. If not, it is closed
     /// again and not mentioned further.
     virtual bool entersFolder(const DirectoryHandle& /*folder*/, const char* /*name*/) { return true; }
@@ -43,8 +48,9 @@ public:
     virtual void onFolderEntered(const DirectoryHandle& /*folder*/) {}
     /// An entry that is no folder.
     virtual void onFile(const DirectoryHandle& folder, const char* name, NodeKind kind) = 0;
-    /// All entries of the folder's listing have been visited.
-    virtual void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/) {}
+    /// All entries of the folder's listing have been visited; `left` is the folder itself.
+    virtual void onFolderLeft(const DirectoryHandle& /*parent*/, const VisitedFolder& /*folder*/,
+                              const DirectoryHandle& /*left*/) {}
     /// A folder that could not be opened; code is an errno value, EXDEV where another mount begins.
     virtual void onFolderClosed(const DirectoryHandle& parent, const char* name, int code) = 0;
     /// The walk cannot return to a parent folder, because a folder was moved away; nothing above is visited further.
@@ -59,6 +65,8 @@ protected:
         return place_ == nullptr ? std::filesystem::path(name) : place_->position() / name;
     }
 
+    /// Null before the first folder.
+    [[nodiscard]] const VisitedFolder* place() const { return place_; }
     [[nodiscard]] bool isBeforeFirstFolder() const { return place_ == nullptr; }
     [[nodiscard]] bool isInFirstFolder() const { return place_ != nullptr && place_->holder == nullptr; }
 

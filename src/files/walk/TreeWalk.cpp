@@ -116,10 +116,14 @@ void TreeWalk::enter(const DirectoryHandle& parent, std::string name, const std:
 
 // When the process runs out of descriptors, the walk closes its own and tries once more.
 Result<DirectoryHandle> TreeWalk::open(const DirectoryHandle& parent, const char* name) {
-    auto opened = parent.openChild(name);
+    const auto openOnce = [&] {
+        auto opened = parent.openChild(name);
+        return opened.code() == EACCES ? visitor_.openRefused(parent, name) : std::move(opened);
+    };
+    auto opened = openOnce();
     if (!opened && isOutOfDescriptors(opened.code())) {
         holdNoMoreThan(1);
-        opened = parent.openChild(name);
+        opened = openOnce();
     }
     return opened;
 }
@@ -256,7 +260,7 @@ bool TreeWalk::leave() {
         return false;
     }
     if (wasLastPart(*left->fsref.folder, *holder.folder)) {
-        visitor_.onFolderLeft(holder.handle, *left->fsref.folder);
+        visitor_.onFolderLeft(holder.handle, *left->fsref.folder, left->fsref.handle);
     }
     return true;
 }
@@ -285,7 +289,7 @@ bool TreeWalk::leaveLast(FolderReference left) {
         const auto holder = left.folder->holder;
         visitor_.setPlace(holder.get());
         if (holder == nullptr) {
-            visitor_.onFolderLeft(outermost_, *left.folder);
+            visitor_.onFolderLeft(outermost_, *left.folder, left.handle);
             return true;
         }
         auto handle = left.handle.openParent(holder->place.value_or(NodePlace()));
@@ -293,7 +297,7 @@ bool TreeWalk::leaveLast(FolderReference left) {
             visitor_.onWayLost(left.folder->name.c_str(), handle.code());
             return false;
         }
-        visitor_.onFolderLeft(*handle, *left.folder);
+        visitor_.onFolderLeft(*handle, *left.folder, left.handle);
         left = FolderReference{holder, std::move(*handle), {}};
     }
     return true;

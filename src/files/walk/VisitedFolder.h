@@ -11,7 +11,7 @@
 namespace brimvault::files {
 
 /// A folder of a walk. Shared by all workers in this folder or below.
-struct VisitedFolder {
+struct VisitedFolder : std::enable_shared_from_this<VisitedFolder> {
     VisitedFolder(std::string itsName, std::shared_ptr<VisitedFolder> itsHolder)
         : name(std::move(itsName)), holder(std::move(itsHolder)) {}
     VisitedFolder(const VisitedFolder&) = delete;

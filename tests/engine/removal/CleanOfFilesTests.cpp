@@ -350,8 +350,10 @@ TEST_F(CleanOfFiles, LeavesARecordThatIsNoPlainFileOrBelongsToAnother) {
 
 TEST_F(CleanOfFiles, KeepsTheRecordOfWhatCouldNotBeRemoved) {
     const auto item = makeTrashed(trash_ / "item");
-    fs::permissions(item / "inner", static_cast<fs::perms>(0555));
     giveToNobody(folder_.path());
+    if (::lchown((item / "inner").c_str(), 0, 0) != 0) {
+        GTEST_SKIP() << "a folder of another owner is for the administrator to make";
+    }
     EXPECT_WELL_IN_CHILD([&]() -> std::string {
         becomeNobody();
         const auto removal = removeItemAt(item);

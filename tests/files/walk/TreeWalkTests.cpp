@@ -37,7 +37,7 @@ public:
     void onFile(const DirectoryHandle&, const char* name, files::NodeKind) override {
         tell(std::string("file ") + name);
     }
-    void onFolderLeft(const DirectoryHandle&, const files::VisitedFolder& folder) override {
+    void onFolderLeft(const DirectoryHandle&, const files::VisitedFolder& folder, const DirectoryHandle&) override {
         tell("left " + folder.name);
     }
     void onFolderClosed(const DirectoryHandle&, const char* name, int code) override {
