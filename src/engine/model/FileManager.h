@@ -18,7 +18,7 @@ namespace brimvault::engine {
 /// not followed. Any thread.
 class FileManager {
 public:
-    /// Whether the item is locked against change (immutable).
+    /// Whether the item is locked against removal (immutable or append-only), even by the administrator.
     [[nodiscard]] static bool isFileLocked(const std::filesystem::path& path);
     /// Whether the application carries a quarantine mark that the user has not cleared.
     [[nodiscard]] static bool isAppPathInQuarantine(const std::filesystem::path& path);

@@ -30,6 +30,11 @@ void removeRecordOf(const std::filesystem::path& item) {
 
 bool isRefusedForRights(const files::Failure& failure) { return failure.code == EACCES || failure.code == EPERM; }
 
+// Not even an administrator can remove such an item.
+bool isLocked(const std::filesystem::path& item) {
+    return FileManager::isFileLocked(item) || FileManager::isFileLocked(item.parent_path());
+}
+
 // Opens the folder at a path, without following links; `isSame` tells whether it still is the same folder.
 files::Result<files::DirectoryHandle> openSame(const std::filesystem::path& path, const files::FileIdentity& identity,
                                                bool& isSame) {
@@ -170,8 +175,8 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     // No stop token: an item that was begun is finished.
     const auto outcome = folder == nullptr ? files::remove(path) : files::removeIn(*folder, path);
     if (outcome.end != files::RemovalEnd::gone &&
-        !(isRefusedForRights(*outcome.failure) && !FileManager::isFileLocked(path.parent_path()) &&
-          isStillAt(path.parent_path(), folder) && remover_.removeFileAtPath(path, holder))) {
+        !(isRefusedForRights(*outcome.failure) && !isLocked(path) && isStillAt(path.parent_path(), folder) &&
+          remover_.removeFileAtPath(path, holder))) {
         return {false, systemText(*outcome.failure)};
     }
     removeRecordOf(path);

@@ -32,8 +32,8 @@ struct [[nodiscard]] ItemRemoval {
 /// way cannot redirect the removal. Protected folders are refused, and in a trial whatever lies outside of it. An item
 /// of the desktop's trash takes its .trashinfo record along.
 ///
-/// If permission is denied the privileged remover is asked, once, unless the folder of the item is immutable. Blocks;
-/// one thread, and not the main one. The remover outlives it.
+/// If permission is denied the privileged remover is asked, once, unless the item or its folder is locked (immutable or
+/// append-only). Blocks; one thread, and not the main one. The remover outlives it.
 class ItemRemover {
 public:
     explicit ItemRemover(PrivilegedRemover& remover) : remover_(remover) {}

@@ -1,4 +1,7 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -7,6 +10,7 @@
 
 #include "engine/removal/FileCleanOperations.h"
 #include "engine/removal/ItemRemoval.h"
+#include "files/FileDescriptor.h"
 #include "files/NodeStatus.h"
 #include "support/ChildProcess.h"
 #include "support/EventLoop.h"
@@ -33,6 +37,25 @@ std::shared_ptr<FFItem> deletable(std::shared_ptr<FFItem> item) {
 }
 std::shared_ptr<FFItem> at(const fs::path& path) { return deletable(FFItem::initWithPath(path, 1)); }
 std::shared_ptr<FFItem> named(const std::string& name) { return deletable(FFItem::initWithName(name, 1)); }
+
+// Locks a file or folder against removal for as long as it lives, where the system lets it.
+struct Lock {
+    Lock(const fs::path& path, int flag) : file(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), before(0), isHeld(false) {
+        isHeld = ::ioctl(file.number(), FS_IOC_GETFLAGS, &before) == 0 && set(before | flag);
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock() {
+        if (isHeld) {
+            (void)set(before);
+        }
+    }
+    [[nodiscard]] bool set(int flags) const { return ::ioctl(file.number(), FS_IOC_SETFLAGS, &flags) == 0; }
+
+    files::FileDescriptor file;
+    int before;
+    bool isHeld;
+};
 
 class CleanOfFiles : public testing::Test {
 protected:
@@ -272,6 +295,45 @@ TEST_F(CleanOfFiles, TellsWhatWentWhenItFailsOrIsGivenUp) {
         }
         return {};
     });
+}
+
+// A module cache whose folders all are read-only, which is what its program makes of them.
+TEST_F(CleanOfFiles, AsksForAPasswordOnlyWhereItHelps) {
+    struct AskedRemover final : PrivilegedRemover {
+        bool removeFileAtPath(const fs::path& path, const Holder& /*folder*/) override {
+            asked.push_back(path.filename());
+            return false;
+        }
+        std::vector<std::string> asked;
+    };
+    for (const char* item : {"own", "foreign", "locked"}) {
+        writeFile(caches_ / item / "mod/module@v1/file", "12345");
+    }
+    writeFile(caches_ / "appended", "12345");
+    giveToNobody(folder_.path());
+    for (const char* folder : {"own/mod/module@v1", "own/mod", "own"}) {
+        fs::permissions(caches_ / folder, static_cast<fs::perms>(0555));
+    }
+    const Lock immutable(caches_ / "locked", FS_IMMUTABLE_FL);
+    const Lock appendOnly(caches_ / "appended", FS_APPEND_FL);
+    if (::lchown((caches_ / "foreign/mod/module@v1").c_str(), 0, 0) != 0 || !immutable.isHeld || !appendOnly.isHeld) {
+        GTEST_SKIP() << "files cannot be locked or given away here";
+    }
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
+        becomeNobody();
+        AskedRemover remover;
+        std::string kept;
+        for (const char* item : {"own", "foreign", "locked", "appended"}) {
+            const auto removal = removeItemAt(caches_ / item, remover);
+            kept += removal.gone ? "" : item + (": " + removal.reason.toStdString() + "\n");
+        }
+        const bool isRight = remover.asked == std::vector<std::string>{"foreign"} &&
+                             kept ==
+                                 "foreign: Permission denied\nlocked: Operation not permitted\n"
+                                 "appended: Operation not permitted\n";
+        return isRight ? "" : kept + testing::PrintToString(remover.asked);
+    });
+    EXPECT_FALSE(fs::exists(caches_ / "own"));
 }
 
 TEST_F(CleanOfFiles, LooksForNamesInTheFolderOfTheirSection) {
