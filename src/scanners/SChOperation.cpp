@@ -22,7 +22,7 @@ QString argumentOf(ItemNote note, const files::ItemFindings& found) {
         case ItemNote::download:
             return engine::FileSize::formatMemoryStringDot1(found.logical);
         case ItemNote::shared:
-            return engine::FileSize::formatMemoryStringDot1(found.unshared);
+            return engine::FileSize::formatMemoryStringDot1(found.space.bytes);
         case ItemNote::inUse:
             return found.openBy == 0 ? QString() : platform::displayText(files::programName(found.openBy));
         default:

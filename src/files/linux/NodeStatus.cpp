@@ -82,15 +82,18 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     return status;
 }
 
-Result<EntrySize> sizeAt(int directory, const char* name, SizesAsked asked) {
+Result<EntrySize> sizeAt(int directory, const char* name) {
     struct statx raw {};
-    const unsigned mask = STATX_SIZE | STATX_MNT_ID | (asked == SizesAsked::logicalAndAllocated ? STATX_BLOCKS : 0);
+    constexpr unsigned mask = STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_NLINK | STATX_MNT_ID;
     if (uninterrupted([&] { return ::statx(directory, name, lookOnly, mask, &raw); }) != 0) {
         return Result<EntrySize>::failed(errno);
     }
-    const bool withBlocks = asked == SizesAsked::logicalAndAllocated;
-    return EntrySize{raw.stx_size, withBlocks ? raw.stx_blocks * blockSize : 0,
-                     (raw.stx_mask & STATX_MNT_ID) != 0 ? raw.stx_mnt_id : 0};
+    return EntrySize{.logical = raw.stx_size,
+                     .allocated = raw.stx_blocks * blockSize,
+                     .mount = (raw.stx_mask & STATX_MNT_ID) != 0 ? raw.stx_mnt_id : 0,
+                     .device = deviceNumber(raw),
+                     .inode = raw.stx_ino,
+                     .linkCount = raw.stx_nlink};
 }
 
 Result<NodeStatus> statusOf(const std::filesystem::path& path) {

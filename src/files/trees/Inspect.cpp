@@ -58,7 +58,7 @@ public:
     void add(const ItemFindings& more) {
         const std::lock_guard lock(mutex_);
         all_.logical += more.logical;
-        all_.unshared += more.unshared;
+        all_.space.add(more.space);
         all_.isSpecial |= more.isSpecial;
         all_.isForeign |= more.isForeign;
         all_.holdsUnseen |= more.holdsUnseen;
@@ -68,7 +68,10 @@ public:
         all_.openBy = all_.openBy != 0 ? all_.openBy : more.openBy;
         all_.changed = std::max(all_.changed, more.changed);
     }
-    [[nodiscard]] const ItemFindings& all() const { return all_; }
+    [[nodiscard]] ItemFindings all() {
+        all_.space.settle();
+        return std::move(all_);
+    }
 
 private:
     std::mutex mutex_;
@@ -95,6 +98,7 @@ public:
         const auto status = folder.status();
         if (status) {
             noteHolder(status->identity);
+            found_.space.add(NamedNode::of(*status));
             found_.changed = std::max(found_.changed, status->modified);
             found_.isForeign = found_.isForeign || status->owner != context_.user;
         }
@@ -138,9 +142,7 @@ private:
             return;
         }
         found_.logical += status.size;
-        if (status.linkCount <= 1) {
-            found_.unshared += status.size;
-        }
+        found_.space.add(NamedNode::of(status));
         if (status.kind == NodeKind::regular) {
             noteHolder(status.identity);
             found_.changed = std::max(found_.changed, status.modified);

@@ -11,13 +11,14 @@
 
 #include "files/DirectoryHandle.h"
 #include "files/OpenFiles.h"
+#include "files/trees/FreedSpace.h"
 
 namespace brimvault::files {
 
 /// What measuring an item shows of it besides its size. Symbolic links are not followed.
 struct ItemFindings {
     std::uint64_t logical = 0;      ///< bytes, as `measureItem` has them
-    std::uint64_t unshared = 0;     ///< of these, the ones in files that have no other name
+    FreedSpace space = {};          ///< what removing it frees, its folders included; settled
     bool isSpecial = false;         ///< it is neither a file nor a folder nor a link
     bool holdsMount = false;        ///< another mount begins in it, or it is one
     bool holdsSocket = false;       ///< programs talk to each other in it

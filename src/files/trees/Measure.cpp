@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "files/walk/SharedWalk.h"
 
@@ -18,25 +19,30 @@ enum class FoldersAsked { no, yes };
 
 struct Question {
     std::uint64_t mount;  ///< entries on other mounts are left out
-    SizesAsked sizes;
     FoldersAsked folders;
 };
 
 // The sum over all visitors of one tree.
 class Sum {
 public:
-    void add(const TreeSizes& sizes) {
+    void add(const TreeSizes& sizes, const FreedSpace& space) {
         const std::lock_guard lock(mutex_);
+        space_.add(space);
         total_.logical += sizes.logical;
         total_.allocated += sizes.allocated;
         total_.regularFiles += sizes.regularFiles;
         total_.folders += sizes.folders;
     }
     [[nodiscard]] const TreeSizes& total() const { return total_; }
+    [[nodiscard]] MeasuredItem item() {
+        space_.settle();
+        return {total_.logical, std::move(space_)};
+    }
 
 private:
     std::mutex mutex_;
     TreeSizes total_;
+    FreedSpace space_;
 };
 
 class SizeVisitor final : public TreeVisitor {
@@ -44,7 +50,7 @@ public:
     SizeVisitor(const Question& question, Sum& sum) : question_(question), sum_(sum) {}
     SizeVisitor(const SizeVisitor&) = delete;
     SizeVisitor& operator=(const SizeVisitor&) = delete;
-    ~SizeVisitor() override { sum_.add(sizes_); }
+    ~SizeVisitor() override { sum_.add(sizes_, space_); }
 
     [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
         return std::make_unique<SizeVisitor>(question_, sum_);
@@ -64,10 +70,11 @@ public:
         if (kind == NodeKind::other) {
             return;
         }
-        const auto size = sizeAt(folder.descriptor(), name, question_.sizes);
+        const auto size = sizeAt(folder.descriptor(), name);
         if (size && isOnMount(size->mount, question_.mount)) {
             sizes_.logical += size->logical;
             sizes_.allocated += size->allocated;
+            space_.add(NamedNode::of(*size));
             sizes_.regularFiles += kind == NodeKind::regular ? size->logical : 0;
         }
     }
@@ -78,6 +85,7 @@ private:
     const Question& question_;
     Sum& sum_;
     TreeSizes sizes_;
+    FreedSpace space_;
 };
 
 // An item: its open parent folder, and its name there.
@@ -99,14 +107,10 @@ std::optional<HeldItem> hold(const std::filesystem::path& given) {
     return HeldItem{std::move(*folder), path.has_filename() ? path.filename() : "."};
 }
 
-TreeSizes measureFolder(const DirectoryHandle& parent, const char* name, const Question& question,
-                        const std::stop_token& stop) {
-    Sum sum;
-    {
-        SizeVisitor visitor(question, sum);
-        (void)SharedWalk(visitor, stop).visit(parent, name);
-    }
-    return sum.total();
+void measureFolder(const DirectoryHandle& parent, const char* name, const Question& question, Sum& sum,
+                   const std::stop_token& stop) {
+    SizeVisitor visitor(question, sum);
+    (void)SharedWalk(visitor, stop).visit(parent, name);
 }
 
 }  // namespace
@@ -118,29 +122,45 @@ TreeSizes measureContents(const std::filesystem::path& folder, const std::stop_t
     if (!status || status->kind != NodeKind::directory) {
         return {};
     }
-    const Question question{status->mount, SizesAsked::logicalAndAllocated, FoldersAsked::yes};
-    return measureFolder(item->folder, item->name.c_str(), question, stop);
+    Sum sum;
+    measureFolder(item->folder, item->name.c_str(), {status->mount, FoldersAsked::yes}, sum, stop);
+    return sum.total();
 }
 
 std::uint64_t measureItem(const std::filesystem::path& path, const std::stop_token& stop) {
-    const auto item = hold(path);
-    return item ? measureItemAt(item->folder, item->name.c_str(), stop) : 0;
+    return measureSpace(path, stop).logical;
 }
 
 std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name, const std::stop_token& stop) {
-    const auto status = statusAt(folder.descriptor(), name);
-    const auto holder = folder.status();
-    return status && holder ? measureEntry(folder, {name, status->kind}, holder->mount, stop) : 0;
+    return measureSpaceAt(folder, name, stop).logical;
 }
 
-std::uint64_t measureEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
-                           const std::stop_token& stop) {
+MeasuredItem measureSpace(const std::filesystem::path& path, const std::stop_token& stop) {
+    const auto item = hold(path);
+    return item ? measureSpaceAt(item->folder, item->name.c_str(), stop) : MeasuredItem{};
+}
+
+MeasuredItem measureSpaceAt(const DirectoryHandle& folder, const char* name, const std::stop_token& stop) {
+    const auto status = statusAt(folder.descriptor(), name);
+    const auto holder = folder.status();
+    return status && holder ? measureEntry(folder, {name, status->kind}, holder->mount, stop) : MeasuredItem{};
+}
+
+MeasuredItem measureEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
+                          const std::stop_token& stop) {
     if (entry.kind == NodeKind::directory) {
-        return measureFolder(folder, entry.name, {mount, SizesAsked::logical, FoldersAsked::no}, stop).logical;
+        Sum sum;
+        measureFolder(folder, entry.name, {mount, FoldersAsked::no}, sum, stop);
+        return sum.item();
     }
     // A mount point belongs to another file system: nothing of it counts.
-    const auto size = sizeAt(folder.descriptor(), entry.name, SizesAsked::logical);
-    return size && isOnMount(size->mount, mount) ? size->logical : 0;
+    const auto size = sizeAt(folder.descriptor(), entry.name);
+    if (!size || !isOnMount(size->mount, mount)) {
+        return {};
+    }
+    MeasuredItem measured{.logical = size->logical};
+    measured.space.add(NamedNode::of(*size));
+    return measured;
 }
 
 }  // namespace brimvault::files

@@ -5,6 +5,7 @@
 #include <stop_token>
 
 #include "files/DirectoryHandle.h"
+#include "files/trees/FreedSpace.h"
 
 namespace brimvault::files {
 
@@ -14,6 +15,12 @@ struct TreeSizes {
     std::uint64_t allocated = 0;     ///< bytes on disk of everything that is no folder
     std::uint64_t regularFiles = 0;  ///< lengths of regular files alone
     std::uint64_t folders = 0;       ///< lengths of the folders below the top, as the file system states them
+};
+
+/// An item as a list shows it, and what removing it frees.
+struct MeasuredItem {
+    std::uint64_t logical = 0;  ///< bytes, as `measureItem` has them
+    FreedSpace space = {};      ///< settled; of folders nothing is known, and nothing counts
 };
 
 /// The calling thread measures, helped by idle threads of the pool where the tree is large. Memory is needed only for
@@ -31,8 +38,12 @@ struct TreeSizes {
 [[nodiscard]] std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name,
                                           const std::stop_token& stop = {});
 
+/// The size with what removing it frees, by the same system calls.
+[[nodiscard]] MeasuredItem measureSpace(const std::filesystem::path& path, const std::stop_token& stop = {});
+[[nodiscard]] MeasuredItem measureSpaceAt(const DirectoryHandle& folder, const char* name,
+                                          const std::stop_token& stop = {});
 /// The same of an entry as the listing of an open folder names it; `mount` is the one that the folder is on.
-[[nodiscard]] std::uint64_t measureEntry(const DirectoryHandle& folder, const DirectoryEntry& entry,
-                                         std::uint64_t mount, const std::stop_token& stop = {});
+[[nodiscard]] MeasuredItem measureEntry(const DirectoryHandle& folder, const DirectoryEntry& entry, std::uint64_t mount,
+                                        const std::stop_token& stop = {});
 
 }  // namespace brimvault::files

@@ -130,8 +130,11 @@ private:
     }
     [[nodiscard]] ItemFindings measure(std::size_t number) const {
         const DirectoryEntry entry{nameOf(number), listed_[number].kind};
-        return inspection_ ? inspectEntry(folder_, entry, *inspection_, stop_)
-                           : ItemFindings{.logical = measureEntry(folder_, entry, mount_, stop_)};
+        if (inspection_) {
+            return inspectEntry(folder_, entry, *inspection_, stop_);
+        }
+        auto [logical, space] = measureEntry(folder_, entry, mount_, stop_);
+        return {.logical = logical, .space = std::move(space)};
     }
     [[nodiscard]] const char* nameOf(std::size_t number) const { return names_.c_str() + listed_[number].name; }
 

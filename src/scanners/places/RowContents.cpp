@@ -20,6 +20,7 @@ RowContents::RowContents(const PlaceRow& row, const Scan& scan)
     for (const auto& folder : row.folders) {
         measureFolder(folder);
     }
+    found_.space.settle();
 }
 
 bool RowContents::isNothing() const {
@@ -92,7 +93,7 @@ void RowContents::addTarget(const OpenedFolder& in, const char* name, const file
 
 void RowContents::add(const files::ItemFindings& more, engine::ItemNote note) {
     found_.logical += more.logical;
-    found_.unshared += more.unshared;
+    found_.space.add(more.space);
     found_.openBy = found_.openBy != 0 ? found_.openBy : more.openBy;
     found_.isForeign = found_.isForeign || more.isForeign;
     found_.holdsUnseen = found_.holdsUnseen || more.holdsUnseen;

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "files/NodeStatus.h"
+
+namespace brimvault::files {
+
+/// An object of a file system, as a walk comes to it by one of its names.
+struct NamedNode {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t allocated = 0;  ///< bytes on disk
+    std::uint32_t names = 1;      ///< by which it was seen
+    std::uint32_t allNames = 1;   ///< that it has in the file system
+
+    [[nodiscard]] static NamedNode of(const NodeStatus& status);
+    [[nodiscard]] static NamedNode of(const EntrySize& size);
+    [[nodiscard]] bool isSameAs(const NamedNode& other) const { return inode == other.inode && device == other.device; }
+    [[nodiscard]] bool isBefore(const NamedNode& other) const {
+        return device != other.device ? device < other.device : inode < other.inode;
+    }
+};
+
+/// What removing the names that were seen gives back: the bytes on disk of what has no other name. A file with several
+/// names counts once, and only if all of them were seen. Extents that files share by other means (copies on btrfs or
+/// XFS, snapshots) are not told apart.
+struct FreedSpace {
+    std::uint64_t bytes = 0;
+    /// Files with several names. Once settled: each once, in order, and only those that have further names.
+    std::vector<NamedNode> shared = {};
+
+    void add(const NamedNode& node);
+    void add(const FreedSpace& more);
+    /// To be called after the last name.
+    void settle();
+};
+
+}  // namespace brimvault::files
