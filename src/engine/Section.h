@@ -18,6 +18,8 @@ public:
     Value& operator[](Section section) { return values_[static_cast<std::size_t>(section)]; }
     const Value& operator[](Section section) const { return values_[static_cast<std::size_t>(section)]; }
 
+    bool operator==(const PerSection&) const = default;
+
 private:
     std::array<Value, allSections.size()> values_{};
 };

@@ -7,6 +7,7 @@
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "files/trees/FolderWalk.h"
+#include "files/trees/Measure.h"
 #include "files/walk/AheadOf.h"
 #include "langres/LanguagesManager.h"
 #include "langres/LocalizationFolders.h"
@@ -134,7 +135,9 @@ void SAOperation::collectLocalizations(AppItemData& application,
                 holder = std::make_shared<const engine::FoundIn>(
                     engine::FoundIn{(found.path.parent_path() / "").native(), status->identity, root});
             }
-            auto item = engine::LocalizationItem::initWithPath(found.path, getFileFolderSize(found.parent, found.name));
+            const auto measured = files::measureSpaceAt(found.parent, found.name, stopToken());
+            auto item = engine::LocalizationItem::initWithPath(found.path, measured.logical);
+            item->frees = measured.space.bytes;
             item->foundIn = holder;
             application.addLocalizationItem(item);
         }

@@ -1,9 +1,11 @@
 #include "scanners/FileScanOperation.h"
 
 #include <iterator>
+#include <utility>
 
 #include "files/DirectoryHandle.h"
 #include "files/NodeStatus.h"
+#include "files/trees/Measure.h"
 #include "files/trees/MeasuredFolder.h"
 
 namespace brimvault::scanners {
@@ -44,9 +46,17 @@ void FileScanOperation::collectFilesIn(const OpenFolder& folder, files::HiddenEn
         if (entry.sizes == files::Sizes::unwanted) {
             return true;
         }
-        const quint64 size = entry.findings().logical;
+        auto found = entry.findings();
         if (!isCancelled()) {
-            addItem({folder.path / entry.name, entry.name, addressed, size, entry.kind, folder.root, place}, batches);
+            addItem({.path = folder.path / entry.name,
+                     .name = entry.name,
+                     .addressed = addressed,
+                     .size = found.logical,
+                     .kind = entry.kind,
+                     .root = folder.root,
+                     .foundIn = place,
+                     .space = std::move(found.space)},
+                    batches);
         }
         return true;
     });
@@ -55,14 +65,16 @@ void FileScanOperation::collectFilesIn(const OpenFolder& folder, files::HiddenEn
 void FileScanOperation::collectFile(FoundFile found, ScanBatches& batches) const {
     batches.step();
     if (found.size == 0) {
-        found.size = getFileFolderSize(found.path);
+        auto measured = files::measureSpace(found.path, stopToken());
+        found.size = measured.logical;
+        found.space = std::move(measured.space);
     }
     if (!isCancelled()) {  // else the size is a partial sum
-        addItem(found, batches);
+        addItem(std::move(found), batches);
     }
 }
 
-void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) const {
+void FileScanOperation::addItem(FoundFile found, ScanBatches& batches) const {
     const auto item = engine::FFItem::initWithName(found.name, found.size);
     using FoundPathKind = engine::FFItem::FoundPathKind;
     item->setFoundIn(found.foundIn ? found.foundIn : placeOf(found),
@@ -73,12 +85,18 @@ void FileScanOperation::addItem(const FoundFile& found, ScanBatches& batches) co
     item->setPpbChecked(found.ticked.value_or(isTickedAtFirst()));
     item->setNote(found.note);
     if (found.details) {
-        item->setDetails(*found.details);
+        item->setDetails(std::move(*found.details));
     }
     if (found.kind) {
         item->setIcon({*found.kind});
     } else if (const auto status = files::statusOf(found.path)) {
         item->setIcon({status->kind});
+        if (!found.space && status->kind != files::NodeKind::directory) {
+            found.space.emplace().add(files::NamedNode::of(*status));
+        }
+    }
+    if (found.space) {
+        item->setSpace(std::move(*found.space));
     }
     batches.add(item);
 }

@@ -36,6 +36,7 @@ protected:
         std::optional<bool> ticked = {};                            ///< none: as all items of the section at first
         engine::ItemNote note = engine::ItemNote::none;
         std::optional<engine::ItemDetails> details = {};
+        std::optional<files::FreedSpace> space = {};  ///< what removing it frees, if already known
     };
 
     explicit FileScanOperation(engine::Section section) : SBaseOperation(section) {}
@@ -69,7 +70,7 @@ protected:
     /// Counts the file and adds it as an item, unless the operation is cancelled while it is measured.
     void collectFile(FoundFile found, ScanBatches& batches) const;
     /// Makes the item, with the size in `found`.
-    void addItem(const FoundFile& found, ScanBatches& batches) const;
+    void addItem(FoundFile found, ScanBatches& batches) const;
 
     /// Whether items are ticked at first.
     [[nodiscard]] virtual bool isTickedAtFirst() const { return true; }

@@ -1,6 +1,7 @@
 #include "scanners/SChOperation.h"
 
 #include <system_error>
+#include <utility>
 
 #include "engine/model/FileSize.h"
 #include "platform/LibraryURLs.h"
@@ -176,7 +177,8 @@ void SChOperation::collectEntry(const CacheNames::Entry& entry, const Judgement&
                                            .targets = {}};
     }
     if (!isCancelled()) {
-        addItem(item, batches);
+        item.space = std::move(found.space);
+        addItem(std::move(item), batches);
     }
 }
 
@@ -202,7 +204,8 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
                      .noteArgument = program && note == ItemNote::inUse ? *program : argumentOf(note, contents.found()),
                      .application = QString::fromStdString(name.desktopEntry),
                      .needsAdministrator = contents.found().needsAdministrator(),
-                     .targets = contents.targets()}},
+                     .targets = contents.targets()},
+             .space = contents.found().space},
             batches);
 }
 

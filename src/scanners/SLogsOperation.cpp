@@ -1,6 +1,7 @@
 #include "scanners/SLogsOperation.h"
 
 #include <array>
+#include <utility>
 
 #include "files/trees/Measure.h"
 #include "platform/System.h"
@@ -100,7 +101,13 @@ void SLogsOperation::collectFromContainers(ScanBatches& batches) const {
     const auto place = containers_.place();
     for (const auto& logs : containers_.logs()) {
         batches.step();
-        addItem({.path = logs, .name = containerName(logs), .size = files::measureItem(logs), .root = place}, batches);
+        auto measured = files::measureSpace(logs);
+        addItem({.path = logs,
+                 .name = containerName(logs),
+                 .size = measured.logical,
+                 .root = place,
+                 .space = std::move(measured.space)},
+                batches);
     }
 }
 

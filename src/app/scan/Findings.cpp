@@ -15,6 +15,7 @@ Finding common(const engine::CleanableItem& item, const SectionName& name) {
     Finding found;
     found.rule = name.id.latin1();
     found.bytes = item.ppnSize();
+    found.frees = item.frees();
     found.isTicked = item.ppbChecked() && item.ppbDeletable();
     return found;
 }

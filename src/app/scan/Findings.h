@@ -17,6 +17,7 @@ struct Finding {
     std::string path;
     std::vector<std::string> targets;  ///< what a clean would remove, sorted; empty where that is the path itself
     quint64 bytes = 0;
+    quint64 frees = 0;  ///< bytes on disk
     bool isTicked = false;
     bool needsAdministrator = false;
     engine::ItemNote note = engine::ItemNote::none;

@@ -49,8 +49,8 @@ std::string objectOf(const Finding& item) {
     if (!item.targets.empty()) {
         object += R"(,"targets":)" + listed(item.targets, path);
     }
-    object += R"(,"bytes":)" + std::to_string(item.bytes) + R"(,"frees":null,"ticked":)" + truth(item.isTicked) +
-              R"(,"admin":)" + truth(item.needsAdministrator);
+    object += R"(,"bytes":)" + std::to_string(item.bytes) + R"(,"frees":)" + std::to_string(item.frees) +
+              R"(,"ticked":)" + truth(item.isTicked) + R"(,"admin":)" + truth(item.needsAdministrator);
     if (item.note != engine::ItemNote::none) {
         object += R"(,"note":)" + jsonString(engine::keyOf(item.note));
         if (!item.noteArgument.isEmpty()) {

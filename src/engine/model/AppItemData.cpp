@@ -64,12 +64,14 @@ void AppItemData::recalcKeepSpaceForLocales(const QStringList& needed) {
     counted_ = now;
     ncanKeepSpace_ = 0;
     ncanKeepSpaceSel_ = 0;
+    frees_ = 0;
     if (needed.isEmpty() || pmLocalizations_.size() < 2) {
         return;
     }
     QSet<QString> languages;
     forEachRemovable(needed, [&](const std::shared_ptr<LocalizationItem>& item) {
         ncanKeepSpace_ += item->nlocSize;
+        frees_ += item->frees;
         ncanKeepSpaceSel_ += now.isDeletable ? item->nlocSize : 0;
         languages.insert(item->plocNameId);
     });

@@ -55,6 +55,8 @@ public:
     [[nodiscard]] quint64 getSpace2SaveBySel() const override {
         return ppbChecked() && ppbDeletable() ? ncanKeepSpaceSel_ : 0;
     }
+    /// A file with names in several localizations is left out.
+    [[nodiscard]] quint64 frees() const override { return frees_; }
 
 private:
     /// The input of the counters.
@@ -77,6 +79,7 @@ private:
     quint64 ncanKeepSpace_ = 0;
     quint64 ncanKeepSpaceSel_ = 0;
     quint64 ncanCleanLocs_ = 0;
+    quint64 frees_ = 0;
     std::filesystem::path pAppName_;
     QString displayName_;
 };

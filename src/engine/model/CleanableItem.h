@@ -42,6 +42,20 @@ public:
     /// The same as far as it is selected: 0 unless the item is checked and deletable.
     [[nodiscard]] virtual quint64 getSpace2SaveBySel() const = 0;
 
+    /// Bytes on disk that come free when it alone is cleaned: what has names elsewhere too is left out. The same as its
+    /// size where nothing else is known.
+    [[nodiscard]] virtual quint64 frees() const = 0;
+    [[nodiscard]] quint64 freesBySel() const { return ppbChecked() && ppbDeletable() ? frees() : 0; }
+    /// Whether that differs so much from the size that the user should know: by more than a tenth, and by more than the
+    /// last blocks of some files, which are hardly ever full.
+    [[nodiscard]] bool isFreesWorthTelling() const { return isWorthTelling(ppnSize(), frees()); }
+    [[nodiscard]] static constexpr bool isWorthTelling(quint64 size, quint64 frees) {
+        constexpr quint64 least = 100'000;
+        constexpr quint64 tenth = 10;
+        const quint64 difference = size < frees ? frees - size : size - frees;
+        return difference >= least && difference > size / tenth;
+    }
+
     [[nodiscard]] quint64 ppnSize() const { return getSpace2Save(); }
     [[nodiscard]] quint64 ppnSizeSel() const { return getSpace2SaveBySel(); }
 

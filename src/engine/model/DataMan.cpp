@@ -14,6 +14,11 @@ DataMan::DataMan() {
     }
     observations_.push_back(NotificationCenter::defaultCenter().addMainThreadObserver(
         notification::placesFound, &mainThread_, [this](const Notification& heard) { mainThreadPlaces(heard); }));
+    observations_.push_back(NotificationCenter::defaultCenter().addMainThreadObserver(
+        notification::scanFinished, &mainThread_, [this](const Notification&) { sharedSpace_.search(items_); }));
+    observations_.push_back(NotificationCenter::defaultCenter().addMainThreadObserver(
+        notification::sharedSpaceFound, &mainThread_,
+        [this](const Notification& heard) { mainThreadSharedSpace(heard); }));
 }
 
 void DataMan::observe(Section section) {
@@ -77,6 +82,13 @@ void DataMan::mainThreadPlaces(const Notification& notification) {
     }
 }
 
+void DataMan::mainThreadSharedSpace(const Notification& notification) {
+    const auto groups = getPropfromNotification<std::shared_ptr<const SharedGroups>>(notification, key::sharedGroups);
+    if (groups && sharedSpace_.take(*groups)) {
+        sendNotification(notification::sharedSpaceInterfaceUpd);
+    }
+}
+
 void DataMan::replaceFrom(Section section, const Notification& notification) {
     const auto words = vocabulary(section);
     if (section == Section::languageResources) {
@@ -101,6 +113,7 @@ void DataMan::mainThreadClean(Section section, const Notification& notification)
         mainThreadAppResClean(notification);
     } else if (const auto gone = getArrayPropfromNotification<ItemArray>(notification, words.arrayKey)) {
         items_[section].remove(*gone);
+        sharedSpace_.itemsGone();
     }
     sendNotification(words.interfaceFinished);
     items_[section].forgetRemoved();
@@ -130,7 +143,11 @@ void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items
 }
 
 void DataMan::set(Section section, const std::optional<ItemArray>& items) {
+    const auto generation = items_[section].generation();
     items_[section].replace(items.value_or(ItemArray()));
+    if (items_[section].generation() != generation) {
+        sharedSpace_.forget(section);
+    }
 }
 
 void DataMan::add(Section section, const std::optional<ItemArray>& items) {
@@ -183,6 +200,14 @@ quint64 DataMan::getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, 
     quint64 sum = 0;
     for (const Section section : allSections) {
         sum += wanted[static_cast<std::size_t>(section)] ? sums(section).selected : 0;
+    }
+    return sum;
+}
+
+quint64 DataMan::freesOfSelection(const PerSection<bool>& sections) const {
+    quint64 sum = sharedSpace_.freed(sections);
+    for (const Section section : allSections) {
+        sum += sections[section] ? sums(section).freesSelected() : 0;
     }
     return sum;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/model/SectionItems.h"
+#include "engine/model/SharedSpace.h"
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 
@@ -49,6 +50,9 @@ public:
     [[nodiscard]] quint64 getSize2CleanALLSel() const { return getSize2CleanALLSel(true, true, true, true, true); }
     /// Bytes of the ticked items in the sections whose flag is set.
     [[nodiscard]] quint64 getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const;
+    /// Bytes on disk that cleaning the ticked items in these sections would free: a file counts once, and only if all
+    /// of its names go. Files with names in several items count from some time after the scan.
+    [[nodiscard]] quint64 freesOfSelection(const PerSection<bool>& sections) const;
 
     /// The line under a section's name: its progress, what is selected of it, or that nothing was found.
     [[nodiscard]] QString subtitle(Section section) const;
@@ -143,6 +147,7 @@ private:
     void mainThreadProgr(Section section, const Notification& notification);
     void mainThreadClean(Section section, const Notification& notification);
     void mainThreadPlaces(const Notification& notification);
+    void mainThreadSharedSpace(const Notification& notification);
     void mainThreadAppResClean(const Notification& notification);
     void replaceFrom(Section section, const Notification& notification);
     void appendFrom(Section section, const Notification& notification);
@@ -153,6 +158,7 @@ private:
 
     ApplicationArray applications_;
     PerSection<SectionItems> items_;
+    SharedSpace sharedSpace_;
     PerSection<Progress> progress_;
     PerSection<Places> places_;
     QStringList platestNeededLangs_;

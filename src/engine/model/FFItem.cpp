@@ -11,6 +11,7 @@ std::shared_ptr<FFItem> FFItem::initWithName(const std::filesystem::path& name, 
     auto item = std::make_shared<FFItem>();
     item->setName(name.native());
     item->pfSize_ = nsz;
+    item->frees_ = nsz;
     (void)item->nameKey();  // made here, not on the main thread
     return item;
 }
@@ -19,6 +20,12 @@ std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, 
     auto item = initWithName(path.has_filename() ? path.filename() : path.parent_path().filename(), nsz);
     item->setPfpath(path);
     return item;
+}
+
+void FFItem::setSpace(files::FreedSpace space) {
+    frees_ = space.bytes;
+    sharedFiles_ =
+        space.shared.empty() ? nullptr : std::make_unique<const std::vector<files::NamedNode>>(std::move(space.shared));
 }
 
 void FFItem::setPfname(const std::filesystem::path& name) {

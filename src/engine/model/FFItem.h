@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/ItemArrays.h"
@@ -12,6 +13,7 @@
 #include "engine/model/FoundIn.h"
 #include "engine/model/ItemNote.h"
 #include "files/NodeStatus.h"
+#include "files/trees/FreedSpace.h"
 
 namespace brimvault::engine {
 
@@ -99,6 +101,15 @@ public:
     [[nodiscard]] QString ppdisplayKeyName() const override;
     [[nodiscard]] quint64 getSpace2Save() const override { return pfSize_; }
     [[nodiscard]] quint64 getSpace2SaveBySel() const override { return ppbChecked() && ppbDeletable() ? pfSize_ : 0; }
+    [[nodiscard]] quint64 frees() const override { return frees_; }
+    using SharedFiles = std::unique_ptr<const std::vector<files::NamedNode>>;
+    /// What removing it frees, settled. To be called before the item is posted.
+    void setSpace(files::FreedSpace space);
+    /// The files of which it holds some names and not all, in order; null if there are none, or they were taken.
+    [[nodiscard]] SharedFiles takeSharedFiles() { return std::move(sharedFiles_); }
+    /// Whether a clean has removed it. Main thread.
+    [[nodiscard]] bool isGone() const { return isGone_; }
+    void setGone() { isGone_ = true; }
 
 private:
     [[nodiscard]] const char* nameBytes() const { return pfname_ == nullptr ? "" : pfname_.get(); }
@@ -106,9 +117,12 @@ private:
 
     FoundPathKind foundPathKind_ = FoundPathKind::folder;
     ItemNote note_ = ItemNote::none;
+    bool isGone_ = false;
     IconSource pIcon_;
     std::unique_ptr<char[]> pfname_;  ///< NUL-terminated bytes; null for an empty name
     quint64 pfSize_ = 0;
+    quint64 frees_ = 0;
+    SharedFiles sharedFiles_;
     std::shared_ptr<const FoundIn> foundIn_;      ///< null if only the name is known
     std::unique_ptr<const ItemDetails> details_;  ///< null if it has none
 };

@@ -18,6 +18,7 @@ struct LocalizationItem {
     QString plocNameId;                                ///< canonical identifier of its language
     std::filesystem::path plocPath;                    ///< full path of the folder
     std::shared_ptr<const FoundIn> foundIn = nullptr;  ///< the folder that holds it; null when no scan has found it
+    quint64 frees = 0;                                 ///< bytes on disk without what has names elsewhere too
 
     /// True unless the identifier is among those to keep, compared letter by letter.
     [[nodiscard]] bool shouldBeRemovedWithNeedLangs(const QStringList& needed) const {

@@ -1,6 +1,7 @@
 #include "engine/model/NestedItems.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace brimvault::engine {
 
@@ -156,6 +157,32 @@ void NestedItems::forEachHolderOf(const std::string& path, const Call& call) con
             call(*items_[holder->second]);
         }
     });
+}
+
+// What lies in a holder follows it in the map: only the outermost ones are looked into, and no item is met twice but
+// one that has several targets.
+quint64 NestedItems::freesRepeated() const {
+    quint64 bytes = 0;
+    std::string outermost;
+    std::set<const FFItem*> met;
+    for (const auto& [path, place] : holders_) {
+        const bool isInside = !outermost.empty() && path.starts_with(outermost);
+        if (isInside || !items_[place]->ppbChecked() || !items_[place]->ppbDeletable()) {
+            continue;
+        }
+        outermost = path;
+        forEachBelow(path, [&](const FFItem& inner) {
+            bytes += inner.hasTargets() && !met.insert(&inner).second ? 0 : inner.freesBySel();
+        });
+    }
+    return bytes;
+}
+
+std::vector<std::string> NestedItems::holders() const {
+    std::vector<std::string> paths;
+    std::transform(holders_.begin(), holders_.end(), std::back_inserter(paths),
+                   [](const auto& holder) { return holder.first; });
+    return paths;
 }
 
 bool NestedItems::isAnyUnticked(const Run& run) const {

@@ -79,13 +79,20 @@ void SectionItems::remove(const ItemArray& gone) {
     if (gone.isEmpty()) {
         return;
     }
+    const bool isNested = nested_.holdsAny();
     beginGeneration();
+    for (const auto& item : gone) {
+        item->setGone();
+    }
     removed_ = gone;
     if (gone.size() < items_.size() / 2) {
         const auto wanted = pointers(gone);
         items_.removeIf([&](const auto& item) { return wanted.contains(item.get()); });
     } else {
         removeMajority(gone);
+    }
+    if (isNested) {
+        nested_.addNew();  // the sums leave out what lies in other items
     }
 }
 
@@ -129,8 +136,11 @@ const ItemSums& SectionItems::sums() const {
     if (summed_ == 0) {
         sums_ = {};
     }
-    for (; summed_ < items_.size(); ++summed_) {
-        sums_.add(*items_[summed_]);
+    if (summed_ < items_.size()) {
+        for (; summed_ < items_.size(); ++summed_) {
+            sums_.add(*items_[summed_]);
+        }
+        sums_.repeated = nested_.freesRepeated();
     }
     return sums_;
 }

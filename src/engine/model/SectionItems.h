@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QtGlobal>
+#include <algorithm>
+#include <string>
+#include <vector>
 
 #include "engine/model/CleanableItem.h"
 #include "engine/model/FFItem.h"
@@ -12,6 +15,8 @@ namespace brimvault::engine {
 struct ItemSums {
     quint64 all = 0;         ///< bytes
     quint64 selected = 0;    ///< bytes
+    quint64 frees = 0;       ///< bytes on disk that cleaning each selected item alone would free
+    quint64 repeated = 0;    ///< of these, bytes that lie in a selected item inside another
     qsizetype ticked = 0;    ///< of the items that lists show
     qsizetype unticked = 0;  ///< of the items that lists show and that a tick of all would tick
 
@@ -19,12 +24,15 @@ struct ItemSums {
         const quint64 size = item.ppnSize();
         all += size;
         selected += item.ppnSizeSel();
+        frees += item.freesBySel();
         if (size != 0) {
             const bool checked = item.ppbChecked();
             ticked += checked ? 1 : 0;
             unticked += !checked && item.ppbDeletable() && !item.isTickedByHandOnly() ? 1 : 0;
         }
     }
+    /// Bytes on disk that cleaning all selected items would free, without files that have names in several of them.
+    [[nodiscard]] quint64 freesSelected() const { return frees - std::min(repeated, frees); }
     /// -1 some, 0 none, 1 all; what cannot be removed, or is ticked by hand alone, counts only if it is ticked.
     [[nodiscard]] int checkstate() const { return ticked == 0 ? 0 : unticked == 0 ? 1 : -1; }
 };
@@ -48,6 +56,8 @@ public:
     /// Ticks or unticks the item with all that lies in it, then unticks every holder of an unticked item. Items that
     /// may not be ticked along keep their marks. Answers whether other items may have changed as well.
     bool setChecked(FFItem& item, bool checked);
+    /// The paths of the items that hold others, each with a slash at the end.
+    [[nodiscard]] std::vector<std::string> holders() const { return nested_.holders(); }
     /// To be called after the marks of many items were set one by one: unticks every holder of an unticked item.
     void settleMarks();
 

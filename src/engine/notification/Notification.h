@@ -5,6 +5,7 @@
 #include <QString>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <variant>
@@ -27,8 +28,10 @@ using Number = qint64;
 /// The folders in which a section looks for its files.
 using Places = QList<std::shared_ptr<const platform::RootPlace>>;
 
+struct SharedGroups;
+
 using InfoValue = std::variant<Number, Places, ItemArray, ApplicationArray, NotRemovedDictionary,
-                               NotCleanedApplications, CleanedApplications>;
+                               NotCleanedApplications, CleanedApplications, std::shared_ptr<const SharedGroups>>;
 using UserInfo = QHash<QString, InfoValue>;
 
 /// What a notification carries. Copies share their contents; any thread may read one.

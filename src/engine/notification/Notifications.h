@@ -14,6 +14,10 @@ inline constexpr QLatin1String cleanFinished("cleanFinished");
 inline constexpr QLatin1String singleFileRemoveFinished("singleFileRemoveFinished");
 /// The folders in which a scan looked for files; posted by the scan's thread before the finished notification.
 inline constexpr QLatin1String placesFound("placesFound");
+/// The files whose names lie in several items; posted by a pool thread some time after the end of a scan.
+inline constexpr QLatin1String sharedSpaceFound("sharedSpaceFound");
+/// The model has taken them in; posted on the main thread.
+inline constexpr QLatin1String sharedSpaceInterfaceUpd("sharedSpaceInterfaceUpd");
 /// Reserved; observed, and posted by nobody.
 inline constexpr QLatin1String updateCleanableSizes("updateCleanableSizes");
 /// A click on the status panel; posted on the main thread.
@@ -32,6 +36,8 @@ inline constexpr QLatin1String cleanedApplications("pstrKeyCleanedApplicationsDi
 /// Places: the root folders of a section. Number: that section.
 inline constexpr QLatin1String places("places");
 inline constexpr QLatin1String section("section");
+/// Shared groups.
+inline constexpr QLatin1String sharedGroups("sharedGroups");
 /// Number, 0 or 1: how a single removal ended.
 inline constexpr QLatin1String success("success");
 

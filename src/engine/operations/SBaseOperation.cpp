@@ -68,8 +68,4 @@ quint64 SBaseOperation::getFileFolderSize(const std::filesystem::path& path) con
     return files::measureItem(path, stopToken());
 }
 
-quint64 SBaseOperation::getFileFolderSize(const files::DirectoryHandle& folder, const char* name) const {
-    return files::measureItemAt(folder, name, stopToken());
-}
-
 }  // namespace brimvault::engine

@@ -14,6 +14,7 @@ namespace {
 
 std::shared_ptr<FFItem> item(const std::string& path, ItemNote note, ItemDetails details) {
     auto made = FFItem::initWithPath(path, 2000);
+    made->setSpace({12'288});
     made->setNote(note);
     made->setDetails(std::move(details));
     return made;
@@ -40,13 +41,14 @@ TEST(ScanFindings, TellWhatARuleKnowsOfAnItem) {
     const auto used = item("/used", ItemNote::inUse, std::move(details));
     used->setPpbDeletable(true);
     const auto plain = item("/work", ItemNote::work, {});
-    EXPECT_EQ(app::jsonText(found({plain, used})),
-              R"({"version":1,"sections":[{"id":"caches","bytes":4000,"items":[)"
-              R"({"rule":"vendor.cache","path":"/used","pathEncoding":"percent",)"
-              "\"targets\":[\"/100%25/%C3\",\"/100%25/\xc3\xa9\",\"/one/y\",\"/one/z\"],"
-              R"("bytes":2000,"frees":null,"ticked":true,"admin":true,"note":"in-use","noteArgument":"A \"B\""},)"
-              R"({"rule":"caches","path":"/work","bytes":2000,"frees":null,"ticked":false,"admin":false,"note":"work"})"
-              "]}]}\n");
+    EXPECT_EQ(
+        app::jsonText(found({plain, used})),
+        R"({"version":1,"sections":[{"id":"caches","bytes":4000,"items":[)"
+        R"({"rule":"vendor.cache","path":"/used","pathEncoding":"percent",)"
+        "\"targets\":[\"/100%25/%C3\",\"/100%25/\xc3\xa9\",\"/one/y\",\"/one/z\"],"
+        R"("bytes":2000,"frees":12288,"ticked":true,"admin":true,"note":"in-use","noteArgument":"A \"B\""},)"
+        R"({"rule":"caches","path":"/work","bytes":2000,"frees":12288,"ticked":false,"admin":false,"note":"work"})"
+        "]}]}\n");
 }
 
 TEST(ScanFindings, ShowANoteWithoutWhatControlsATerminal) {
