@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <stop_token>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "files/NodeStatus.h"
 
@@ -46,6 +48,17 @@ private:
 
     std::unordered_map<Key, pid_t, Hash> holders_;
 };
+
+/// A running program and what it keeps from being freed.
+struct RemovedFilesHolder {
+    std::string program;      ///< as `programName` tells it
+    std::uint64_t bytes = 0;  ///< on disk, of files without a name that it holds open
+};
+
+/// The programs of other processes that hold files open which have been removed from these devices (`st_dev`), the one
+/// that holds most first. Goes through the processes that the user may look at; ends early on a stop. Any thread.
+[[nodiscard]] std::vector<RemovedFilesHolder> holdersOfRemovedFiles(const std::set<std::uint64_t>& devices,
+                                                                    const std::stop_token& stop = {});
 
 /// The name of a running program, as the system shows it (at most 15 bytes on Linux); empty when it has ended.
 [[nodiscard]] std::string programName(pid_t process);

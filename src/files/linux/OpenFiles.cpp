@@ -4,9 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <string_view>
+#include <utility>
 
 #include "files/DirectoryHandle.h"
 #include "files/SystemCall.h"
@@ -34,33 +38,81 @@ std::optional<FileIdentity> identityBehind(int folder, const char* name) {
     return FileIdentity{deviceNumber(raw), raw.stx_ino, {}};
 }
 
+// Of a regular file without a name on one of the devices, which one it is and its bytes on disk.
+std::optional<std::pair<std::uint64_t, std::uint64_t>> removedFileBehind(int folder, const char* name,
+                                                                         const std::set<std::uint64_t>& devices) {
+    struct statx raw {};
+    constexpr int flags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+    constexpr unsigned asked = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BLOCKS;
+    constexpr std::uint64_t blockSize = 512;
+    if (uninterrupted([&] { return ::statx(folder, name, flags, asked, &raw); }) != 0 || !S_ISREG(raw.stx_mode) ||
+        raw.stx_nlink != 0 || !devices.contains(deviceNumber(raw))) {
+        return std::nullopt;
+    }
+    return std::pair(std::uint64_t{raw.stx_ino}, raw.stx_blocks * blockSize);
+}
+
 std::string statusFile(pid_t process, const char* name) { return "/proc/" + std::to_string(process) + "/" + name; }
+
+void forEachOtherProcess(const std::stop_token& stop, const std::function<void(pid_t process)>& call) {
+    const pid_t self = ::getpid();
+    (void)forEachChild("/proc", HiddenEntries::skip, [&](const DirectoryEntry& entry) {
+        const auto process = processOf(entry.name);
+        if (process && *process != self) {
+            call(*process);
+        }
+        return !stop.stop_requested();
+    });
+}
+
+// Calls with every descriptor of the process: a name in an open folder.
+void forEachDescriptor(pid_t process, const std::stop_token& stop,
+                       const std::function<void(int folder, const char* name)>& call) {
+    if (const auto descriptors = DirectoryHandle::openForReading(statusFile(process, "fd"))) {
+        (void)descriptors->forEachEntry([&](const DirectoryEntry& number) {
+            call(descriptors->descriptor(), number.name);
+            return !stop.stop_requested();
+        });
+    }
+}
 
 }  // namespace
 
 OpenFiles OpenFiles::now(const std::stop_token& stop) {
     OpenFiles open;
-    const pid_t self = ::getpid();
-    (void)forEachChild("/proc", HiddenEntries::skip, [&](const DirectoryEntry& entry) {
-        const auto process = processOf(entry.name);
-        if (process && *process != self) {
-            const auto note = [&](int folder, const char* name) {
-                if (const auto file = identityBehind(folder, name)) {
-                    open.holders_.try_emplace({file->device, file->inode}, *process);
-                }
-            };
-            note(AT_FDCWD, statusFile(*process, "exe").c_str());
-            note(AT_FDCWD, statusFile(*process, "cwd").c_str());
-            if (const auto descriptors = DirectoryHandle::openForReading(statusFile(*process, "fd"))) {
-                (void)descriptors->forEachEntry([&](const DirectoryEntry& number) {
-                    note(descriptors->descriptor(), number.name);
-                    return !stop.stop_requested();
-                });
+    forEachOtherProcess(stop, [&](pid_t process) {
+        const auto note = [&](int folder, const char* name) {
+            if (const auto file = identityBehind(folder, name)) {
+                open.holders_.try_emplace({file->device, file->inode}, process);
             }
-        }
-        return !stop.stop_requested();
+        };
+        note(AT_FDCWD, statusFile(process, "exe").c_str());
+        note(AT_FDCWD, statusFile(process, "cwd").c_str());
+        forEachDescriptor(process, stop, note);
     });
     return open;
+}
+
+// A file that several processes of one program hold, or one process more than once, counts once for the program.
+std::vector<RemovedFilesHolder> holdersOfRemovedFiles(const std::set<std::uint64_t>& devices,
+                                                      const std::stop_token& stop) {
+    std::map<std::string, std::map<std::uint64_t, std::uint64_t>> filesOf;
+    forEachOtherProcess(stop, [&](pid_t process) {
+        forEachDescriptor(process, stop, [&](int folder, const char* name) {
+            if (const auto file = removedFileBehind(folder, name, devices)) {
+                filesOf[programName(process)].insert(*file);
+            }
+        });
+    });
+    std::vector<RemovedFilesHolder> holders;
+    for (const auto& [program, files] : filesOf) {
+        holders.push_back({program, 0});
+        for (const auto& [inode, bytes] : files) {
+            holders.back().bytes += bytes;
+        }
+    }
+    std::stable_sort(holders.begin(), holders.end(), [](const auto& a, const auto& b) { return a.bytes > b.bytes; });
+    return holders;
 }
 
 std::string programName(pid_t process) {
