@@ -10,6 +10,7 @@
 #include <stop_token>
 #include <variant>
 
+#include "engine/FreedSpace.h"
 #include "engine/ItemArrays.h"
 #include "platform/SectionRoots.h"
 
@@ -31,7 +32,8 @@ using Places = QList<std::shared_ptr<const platform::RootPlace>>;
 struct SharedGroups;
 
 using InfoValue = std::variant<Number, Places, ItemArray, ApplicationArray, NotRemovedDictionary,
-                               NotCleanedApplications, CleanedApplications, std::shared_ptr<const SharedGroups>>;
+                               NotCleanedApplications, CleanedApplications, std::shared_ptr<const SharedGroups>,
+                               FreedSpace>;
 using UserInfo = QHash<QString, InfoValue>;
 
 /// What a notification carries. Copies share their contents; any thread may read one.

@@ -11,6 +11,8 @@ namespace notification {
 
 inline constexpr QLatin1String scanFinished("scanFinished");
 inline constexpr QLatin1String cleanFinished("cleanFinished");
+/// What a clean has freed; posted after "cleanFinished", or never, on a thread of the engine's.
+inline constexpr QLatin1String spaceFreed("spaceFreed");
 inline constexpr QLatin1String singleFileRemoveFinished("singleFileRemoveFinished");
 /// The folders in which a scan looked for files; posted by the scan's thread before the finished notification.
 inline constexpr QLatin1String placesFound("placesFound");
@@ -38,6 +40,8 @@ inline constexpr QLatin1String places("places");
 inline constexpr QLatin1String section("section");
 /// Shared groups.
 inline constexpr QLatin1String sharedGroups("sharedGroups");
+/// FreedSpace.
+inline constexpr QLatin1String freedSpace("freedSpace");
 /// Number, 0 or 1: how a single removal ended.
 inline constexpr QLatin1String success("success");
 

@@ -4,6 +4,7 @@
 
 #include "engine/Section.h"
 #include "engine/model/AgreedItems.h"
+#include "engine/model/ItemOutcome.h"
 #include "engine/operations/Operation.h"
 #include "engine/operations/OperationQueue.h"
 
@@ -18,12 +19,21 @@ public:
     /// Restricts a clean to these items; others stay, whatever their marks. To be called before queueing.
     void restrictTo(std::shared_ptr<const AgreedItems> agreed) { agreed_ = std::move(agreed); }
 
+    /// Has a clean tell what becomes of each item. To be called before queueing.
+    void reportTo(OutcomeHandler handler) { outcomes_ = std::move(handler); }
+
 protected:
+    void report(const ItemOutcome& outcome) const {
+        if (outcomes_) {
+            outcomes_(outcome);
+        }
+    }
     [[nodiscard]] bool isAgreed(const CleanableItem& item) const { return !agreed_ || agreed_->holds(item); }
 
 private:
     const Section section_;
     std::shared_ptr<const AgreedItems> agreed_;  ///< null for all
+    OutcomeHandler outcomes_;
 };
 
 /// Whether the operation works on the section; one that works on none does not.

@@ -55,27 +55,29 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         }
         if (item->hasTargets()) {
             take(remover.removeTargets(*item, [&](const auto& path) { return reasonToSpare(path, spared); }), item,
-                 removed, notRemoved);
+                 item->removalPaths(), removed, notRemoved);
             continue;
         }
         const auto location = item->location();
         if (item->hasPath() && holdsAnyOf(location, spared)) {
-            take({false, holdsSparedText()}, item, removed, notRemoved);
+            take({false, holdsSparedText()}, item, {location}, removed, notRemoved);
         } else if (item->hasPath()) {
-            take(remover.remove(location, item->foundIn()), item, removed, notRemoved);
+            take(remover.remove(location, item->foundIn()), item, {location}, removed, notRemoved);
         } else if (location.empty() && !folder && !isRootRefused_) {
-            take({true, {}}, item, removed, notRemoved);
+            take({true, {}}, item, {item->pfname()}, removed, notRemoved);
         } else if ((location.empty() && !folder) || !isOneName(item->pfname())) {
-            take({false, ItemRemoval::withoutSystemText()}, item, removed, notRemoved);
+            take({false, ItemRemoval::withoutSystemText()}, item, {item->pfname()}, removed, notRemoved);
         } else {
             const auto path = location.empty() ? *folder / item->pfname() : location;
-            take(remover.remove(path, item->foundIn()), item, removed, notRemoved);
+            take(remover.remove(path, item->foundIn()), item, {path}, removed, notRemoved);
         }
     }
 }
 
-void CBaseOperation2::take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item, ItemArray& removed,
+void CBaseOperation2::take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item,
+                           std::vector<std::filesystem::path> paths, ItemArray& removed,
                            NotRemovedDictionary& notRemoved) {
+    report({section(), std::move(paths), expectedToFree(*item), deviceOf(*item), removal.gone, removal.reason});
     const std::lock_guard guard(resultsMutex_);
     if (removal.gone) {
         removed.append(item);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "engine/model/FFItem.h"
 #include "engine/notification/Notification.h"
@@ -43,8 +44,9 @@ protected:
     void givenUp() override { postResults(); }
 
 private:
-    void take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item, ItemArray& removed,
-              NotRemovedDictionary& notRemoved);
+    /// The paths are those that the removal acted on.
+    void take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item, std::vector<std::filesystem::path> paths,
+              ItemArray& removed, NotRemovedDictionary& notRemoved);
     [[nodiscard]] bool isToBeCleaned(const FFItem& item) const;
     [[nodiscard]] std::set<std::string> sparedPaths(const ItemArray& items) const;
     void postResults();

@@ -23,6 +23,7 @@ void CPerformer::Scan(bool bApps, bool bDwn, bool bCache, bool bTrash, bool bLog
     if (bLogs) {
         dropResults(Section::logs);
     }
+    pcutter_.cancelMeasuring();
     pscaner_.Scan(bApps, bDwn, bCache, bTrash, bLogs);
 }
 

@@ -1,5 +1,7 @@
 #include "engine/removal/FCutter.h"
 
+#include <algorithm>
+
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 #include "engine/removal/FileCleanOperations.h"
@@ -18,6 +20,7 @@ CleanTable::FileOperation makerOf(PrivilegedRemover& remover) {
 CleanTable CleanTable::fileSections(PrivilegedRemover& remover) {
     CleanTable table;
     table.remover = &remover;
+    table.volumes = &Volumes::ofSystem();
     table.files[Section::downloads] = makerOf<CDwnOperation>(remover);
     table.files[Section::caches] = makerOf<CChOperation>(remover);
     table.files[Section::trash] = makerOf<CTrOperation>(remover);
@@ -30,7 +33,17 @@ void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::opt
                     const std::optional<ItemArray>& pLogs, const Agreed& agreed) {
     table_.remover->allowAskingUser();
     agreed_ = agreed;
-    const auto done = std::make_shared<CompletionOperation>(&FCutter::CleanDone);
+    CleanedItems items{pApps, {}, agreed};
+    items.files[Section::downloads] = pDwn;
+    items.files[Section::caches] = pCache;
+    items.files[Section::trash] = pTrash;
+    items.files[Section::logs] = pLogs;
+    const auto meter = beginMeasuring(items);
+    items = {};
+    const auto done = std::make_shared<CompletionOperation>([this, meter] {
+        CleanDone();
+        endMeasuring(meter);
+    });
     CleanAppsRes(pApps, done);
     CleanDownloads(pDwn, done);
     CleanCaches(pCache, done);
@@ -38,6 +51,28 @@ void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::opt
     CleanLogs(pLogs, done);
     pCutQue_.addOperation(done);
     agreed_ = {};
+    outcomes_ = {};
+}
+
+std::shared_ptr<FreedSpaceMeter> FCutter::beginMeasuring(const CleanedItems& items) {
+    cancelMeasuring();
+    const bool isAnything = (items.applications && !items.applications->isEmpty()) ||
+                            std::any_of(allSections.begin(), allSections.end(), [&](Section section) {
+                                return items.files[section] && !items.files[section]->isEmpty();
+                            });
+    if (table_.volumes == nullptr || !isAnything) {
+        return nullptr;
+    }
+    auto meter = std::make_shared<FreedSpaceMeter>(*table_.volumes);
+    outcomes_ = [meter](const ItemOutcome& outcome) { meter->add(outcome); };
+    pCutQue_.addOperation(std::make_shared<MeasureBeforeClean>(meter, items));
+    return meter;
+}
+
+void FCutter::endMeasuring(const std::shared_ptr<FreedSpaceMeter>& meter) {
+    if (meter != nullptr) {
+        pMeasureQue_.addOperation(std::make_shared<MeasureAfterClean>(meter));
+    }
 }
 
 void FCutter::CleanAppsRes(const std::optional<ApplicationArray>& items, const std::shared_ptr<Operation>& oper) {
@@ -81,6 +116,7 @@ void FCutter::giveUp() {
 
 void FCutter::enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper) {
     operation->restrictTo(agreed_[operation->section()]);
+    operation->reportTo(outcomes_);
     oper->addDependency(operation);
     pCutQue_.addOperation(operation);
 }

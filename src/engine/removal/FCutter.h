@@ -8,6 +8,7 @@
 #include "engine/model/FFItem.h"
 #include "engine/operations/SectionOperation.h"
 #include "engine/removal/FCleanProps.h"
+#include "engine/removal/MeasuringOperations.h"
 #include "engine/removal/PrivilegedRemover.h"
 
 namespace brimvault::engine {
@@ -20,14 +21,15 @@ struct CleanTable {
         applications;
     PerSection<FileOperation> files;                          ///< none for Language Resources
     PrivilegedRemover* remover = &PrivilegedRemover::none();  ///< may ask the user for a password, once per clean
+    Volumes* volumes = nullptr;  ///< of which is asked what a clean frees; null to ask none. Never destroyed
 
     /// The engine's own operations for the four sections of files. They ask the remover to remove what the user may
     /// not; it outlives them.
     static CleanTable fileSections(PrivilegedRemover& remover = PrivilegedRemover::none());
 };
 
-/// The clean driver: one operation per section, one after the other, and "cleanFinished" when all have ended. One
-/// thread (the main thread); the operations run and post on the queue's.
+/// The clean driver: one operation per section, one after the other, and "cleanFinished" when all have ended; later
+/// "spaceFreed", unless that cannot be told. One thread (the main thread); the operations run and post on the queues'.
 class FCutter {
 public:
     explicit FCutter(CleanTable table = CleanTable::fileSections()) : table_(std::move(table)) {}
@@ -53,6 +55,8 @@ public:
 
     /// Cancels everything and returns at once. Withdraws an open question for a password, a single removal's too.
     void cancelCleanAll();
+    /// No longer tells what the last clean has freed.
+    void cancelMeasuring() { pMeasureQue_.cancelAllOperations(); }
     /// Gives up what was cancelled and has not returned: posts what it has removed so far, then "cleanFinished".
     /// Returns at once.
     void giveUp();
@@ -73,10 +77,16 @@ private:
     void cleanFiles(Section section, const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);
     void enqueue(const std::shared_ptr<SectionOperation>& operation, const std::shared_ptr<Operation>& oper);
 
+    /// Null if nothing is to be measured.
+    [[nodiscard]] std::shared_ptr<FreedSpaceMeter> beginMeasuring(const CleanedItems& items);
+    void endMeasuring(const std::shared_ptr<FreedSpaceMeter>& meter);
+
     CleanTable table_;
-    Agreed agreed_;  ///< for the clean that `Clean` is queueing
+    Agreed agreed_;            ///< for the clean that `Clean` is queueing
+    OutcomeHandler outcomes_;  ///< the same
     std::shared_ptr<FCleanProps> pclprops_ = std::make_shared<FCleanProps>();
-    OperationQueue pCutQue_{1};  ///< sections are cleaned one after another, never in parallel
+    OperationQueue pMeasureQue_{1};  ///< destroyed after the other, whose operations add to it
+    OperationQueue pCutQue_{1};      ///< sections are cleaned one after another, never in parallel
 };
 
 }  // namespace brimvault::engine

@@ -64,7 +64,14 @@ void CAOperation::clean(const engine::AppItemData& application, const QStringLis
 bool CAOperation::isGoneAfterRemoval(const engine::LocalizationItem& localization) {
     const auto& path = localization.plocPath;
     const bool mayGo = !files::mayExist(path) || (isFolder(path) && isAnotherLocalizationBeside(path));
-    return mayGo && remover_.remove(path, localization.foundIn).gone;
+    const auto removal = mayGo ? remover_.remove(path, localization.foundIn) : engine::ItemRemoval();
+    report({section(),
+            {path},
+            engine::expectedToFree(localization),
+            engine::deviceOf(localization.foundIn),
+            removal.gone,
+            removal.reason});
+    return removal.gone;
 }
 
 }  // namespace brimvault::langres

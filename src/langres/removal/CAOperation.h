@@ -41,6 +41,7 @@ private:
 
     void clean(const engine::AppItemData& application, const QStringList& needed);
     void postResults();
+    /// Reports it too.
     [[nodiscard]] bool isGoneAfterRemoval(const engine::LocalizationItem& localization);
 
     const engine::ApplicationArray pCArray_;

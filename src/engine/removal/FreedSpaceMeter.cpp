@@ -1,0 +1,159 @@
+#include "engine/removal/FreedSpaceMeter.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace brimvault::engine {
+
+namespace {
+
+using Device = std::uint64_t;
+
+constexpr std::chrono::milliseconds readingTimeout{500};
+constexpr std::chrono::milliseconds flushTimeout{3000};
+
+template <typename Answer>
+using Questions = std::map<Device, std::function<std::optional<Answer>()>>;
+
+/// Shared by the caller and the threads that ask, which may outlive the call.
+template <typename Answer>
+struct Answers {
+    std::mutex mutex;
+    std::condition_variable_any arrived;
+    std::map<Device, Answer> answers;
+    std::size_t count = 0;  ///< with those that know nothing
+};
+
+// Asks all side by side, and returns the answers that come in time.
+template <typename Answer>
+std::map<Device, Answer> answersInTime(const Questions<Answer>& questions, std::chrono::milliseconds timeout,
+                                       const std::stop_token& stop) {
+    const auto all = std::make_shared<Answers<Answer>>();
+    std::size_t asked = 0;
+    for (const auto& [device, question] : questions) {
+        try {
+            std::thread([all, device = device, question = question] {
+                auto answer = question();
+                const std::lock_guard lock(all->mutex);
+                if (answer) {
+                    all->answers.emplace(device, std::move(*answer));
+                }
+                ++all->count;
+                all->arrived.notify_all();
+            }).detach();
+            ++asked;
+        } catch (const std::system_error&) {  // no thread is to be had: this volume is left out
+        }
+    }
+    std::unique_lock lock(all->mutex);
+    all->arrived.wait_for(lock, stop, timeout, [&] { return all->count == asked; });
+    return all->answers;
+}
+
+// What lies in something else of the list, which counts it already.
+std::set<std::string> nestedPaths(const std::vector<SelectedShare>& selected) {
+    std::vector<std::string> folders;
+    folders.reserve(selected.size());
+    for (const auto& share : selected) {
+        if (!share.path.empty()) {
+            folders.push_back(share.path + '/');
+        }
+    }
+    std::sort(folders.begin(), folders.end());
+    std::set<std::string> nested;
+    const std::string* outer = nullptr;
+    for (const auto& folder : folders) {
+        if (outer != nullptr && folder.size() > outer->size() && folder.starts_with(*outer)) {
+            nested.insert(folder.substr(0, folder.size() - 1));
+        } else {
+            outer = &folder;
+        }
+    }
+    return nested;
+}
+
+}  // namespace
+
+void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, const std::stop_token& stop) {
+    using Reading = std::pair<std::shared_ptr<HeldVolume>, quint64>;
+    auto nested = nestedPaths(selected);
+    std::map<Device, Share> shares;
+    Questions<Reading> questions;
+    for (const auto& share : selected) {
+        shares[share.device].selected += nested.contains(share.path) ? 0 : share.bytes;
+        questions.try_emplace(
+            share.device,
+            [&volumes = volumes_, folder = share.folder, device = share.device]() -> std::optional<Reading> {
+                auto volume = volumes.hold(folder, device);
+                const auto bytes = volume == nullptr ? std::nullopt : volume->freeBytes();
+                return bytes ? std::optional(Reading(std::move(volume), *bytes)) : std::nullopt;
+            });
+    }
+    const auto readings = answersInTime(questions, readingTimeout, stop);
+    std::erase_if(shares, [&](const auto& share) { return !readings.contains(share.first); });
+    for (const auto& [device, reading] : readings) {
+        std::tie(shares[device].volume, shares[device].freeBefore) = reading;
+    }
+    const std::lock_guard lock(mutex_);
+    shares_ = std::move(shares);
+    nested_ = std::move(nested);
+}
+
+void FreedSpaceMeter::add(const ItemOutcome& outcome) {
+    const std::lock_guard lock(mutex_);
+    const auto share = outcome.device && outcome.gone ? shares_.find(*outcome.device) : shares_.end();
+    const bool isCounted = outcome.paths.size() == 1 && nested_.contains(outcome.paths.front().native());
+    if (share != shares_.end() && !isCounted) {
+        share->second.removed += outcome.bytes;
+    }
+}
+
+std::optional<FreedSpace> FreedSpaceMeter::end(const std::stop_token& stop) {
+    Questions<bool> flushes;
+    Questions<quint64> readings;
+    std::set<Device> devices;
+    {
+        const std::lock_guard lock(mutex_);
+        for (const auto& [device, share] : shares_) {
+            flushes[device] = [volume = share.volume] {
+                volume->flush();
+                return std::optional(true);
+            };
+            readings[device] = [volume = share.volume] { return volume->freeBytes(); };
+        }
+    }
+    (void)answersInTime(flushes, flushTimeout, stop);
+    const auto freeNow = answersInTime(readings, readingTimeout, stop);
+    for (const auto& [device, bytes] : freeNow) {
+        devices.insert(device);
+    }
+    auto space = compared(freeNow);
+    if (space.removed == 0 || stop.stop_requested()) {
+        return std::nullopt;
+    }
+    if (space.isDifferenceWorthTelling()) {
+        constexpr quint64 notablePart = 10;  // others have removed files open for reasons of their own
+        space.programs = volumes_.programsHolding(devices, space.held() / notablePart, stop);
+    }
+    return stop.stop_requested() ? std::nullopt : std::optional(std::move(space));
+}
+
+// Other programs write and remove meanwhile: no volume has freed less than nothing, or more than was selected on it.
+FreedSpace FreedSpaceMeter::compared(const std::map<Device, quint64>& freeNow) const {
+    FreedSpace space;
+    const std::lock_guard lock(mutex_);
+    for (const auto& [device, now] : freeNow) {
+        const auto& share = shares_.at(device);
+        space.selected += share.selected;
+        space.removed += std::min(share.removed, share.selected);
+        space.freed += std::min(now - std::min(now, share.freeBefore), share.selected);
+    }
+    return space;
+}
+
+}  // namespace brimvault::engine

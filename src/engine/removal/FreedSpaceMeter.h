@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include "engine/FreedSpace.h"
+#include "engine/model/ItemOutcome.h"
+#include "engine/removal/Volumes.h"
+
+namespace brimvault::engine {
+
+/// What is selected of a volume.
+struct SelectedShare {
+    std::filesystem::path folder;  ///< on the volume
+    std::string path;              ///< exact bytes; empty for what stands for several things
+    std::uint64_t device = 0;
+    quint64 bytes = 0;
+};
+
+/// Compares the free space of the volumes before and after a clean. Volumes are asked on threads of their own with a
+/// timeout: one that does not answer in time is left out, and its thread behind. Any thread.
+class FreedSpaceMeter {
+public:
+    /// The volumes are never destroyed.
+    explicit FreedSpaceMeter(Volumes& volumes) : volumes_(volumes) {}
+
+    /// The first reading; before anything is removed. Blocks for half a second at most.
+    void begin(std::vector<SelectedShare> selected, const std::stop_token& stop);
+    /// Hears what became of an item. Does not block.
+    void add(const ItemOutcome& outcome);
+    /// The second reading; after the last removal. Blocks for a few seconds at most, and ends early on a stop. None if
+    /// nothing has gone, or nothing was learned.
+    [[nodiscard]] std::optional<FreedSpace> end(const std::stop_token& stop);
+
+private:
+    struct Share {
+        std::shared_ptr<HeldVolume> volume;
+        quint64 freeBefore = 0;
+        quint64 selected = 0;
+        quint64 removed = 0;
+    };
+    using Held = std::map<std::uint64_t, std::shared_ptr<HeldVolume>>;
+
+    [[nodiscard]] FreedSpace compared(const std::map<std::uint64_t, quint64>& freeNow) const;
+
+    Volumes& volumes_;
+    mutable std::mutex mutex_;               ///< protects what follows
+    std::map<std::uint64_t, Share> shares_;  ///< by device
+    std::set<std::string> nested_;           ///< of what is selected, what lies in something else that is selected
+};
+
+}  // namespace brimvault::engine
