@@ -216,8 +216,9 @@ int main(int argc, char* argv[]) {
     ui::UtilMod util(alerts, *fileBrowser, *workspace, platform::FinderPreferences::shared(),
                      engine::Remover::GetInstance());
     const langres::LanguagesManager languages({{QStringLiteral("en-US"), QStringLiteral("de")}, {}});
-    ui::FAppDelegate application(app::scanOperations(), app::cleanOperations(engine::PrivilegedRemover::none()),
-                                 {defaults, alerts, util, languages});
+    auto cleans = app::cleanOperations(engine::PrivilegedRemover::none());
+    cleans.volumes = nullptr;  // what they say differs from one picture to the next
+    ui::FAppDelegate application(app::scanOperations(), std::move(cleans), {defaults, alerts, util, languages});
     application.applicationDidFinishLaunching();
     application.window()->resize(1000, 660);  // the designed size, whatever that of the screen
     trial::Guide guide(application);

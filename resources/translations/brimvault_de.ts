@@ -72,6 +72,21 @@
     </message>
 </context>
 <context>
+    <name>FreedText</name>
+    <message>
+        <source>Freed %1</source>
+        <translation>%1 freigegeben</translation>
+    </message>
+    <message>
+        <source>Freed %1 (%2 selected; %3 is still in use or shared)</source>
+        <translation>%1 freigegeben (%2 ausgewählt; %3 noch benutzt oder geteilt)</translation>
+    </message>
+    <message>
+        <source>Freed %1 (%2 selected; %3 is still in use by %4 or shared)</source>
+        <translation>%1 freigegeben (%2 ausgewählt; %3 noch von %4 benutzt oder geteilt)</translation>
+    </message>
+</context>
+<context>
     <name>ItemNote</name>
     <message>
         <source>May hold work that exists nowhere else</source>

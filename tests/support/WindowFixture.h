@@ -131,7 +131,12 @@ inline constexpr ui::AlertAnswer agree{ui::AlertAnswer::firstButton, false};
 class WindowFixture : public testing::Test {
 protected:
     void start() { start(scans()); }
-    void start(engine::ScanTable table) { start(std::move(table), app::cleanOperations(remover_)); }
+    // Nothing is said of the machine's own volumes, on which others write.
+    void start(engine::ScanTable table) {
+        auto cleans = app::cleanOperations(remover_);
+        cleans.volumes = nullptr;
+        start(std::move(table), std::move(cleans));
+    }
     void start(engine::ScanTable table, engine::CleanTable cleans) {
         defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
         application_ =

@@ -49,6 +49,7 @@ ListPanel::ListPanel(QWidget* parent)
     : QWidget(parent),
       title_(new ElidedLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
       count_(new ElidedLabel(look::font(countSize), look::textSecondary)),
+      freed_(new ElidedLabel(look::font(countSize), look::textSecondary)),
       places_(new ElidedLabel(look::font(countSize), look::textSecondary)),
       buttons_(new QHBoxLayout),
       pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
@@ -88,6 +89,11 @@ QWidget* ListPanel::makeTitleBar() {
     layout->setSpacing(countGap);
     layout->addWidget(title_);
     layout->addWidget(count_);
+    // Takes the room that the title and the count leave it, and none of theirs.
+    freed_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    freed_->setTextFormat(Qt::PlainText);  // names of programs
+    freed_->hide();
+    layout->addWidget(freed_, 1);
     layout->addWidget(places_, 1);
     buttons_->setSpacing(buttonGap);
     buttons_->addWidget(pbtnInf_);
@@ -133,6 +139,14 @@ void ListPanel::adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
 void ListPanel::setTitle(const QString& title, const QString& count) {
     title_->setText(title);
     count_->setText(count);
+}
+
+void ListPanel::setFreed(const QString& freed) {
+    freed_->setText(freed);
+    freed_->setToolTip(freed.isEmpty() ? QString() : Qt::convertFromPlainText(freed, Qt::WhiteSpaceNormal));
+    title_->setAccessibleDescription(freed);
+    freed_->setVisible(!freed.isEmpty());
+    places_->setVisible(freed.isEmpty());
 }
 
 void ListPanel::setPlaces(const QString& unusual, const QString& all) {

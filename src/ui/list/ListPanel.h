@@ -26,6 +26,9 @@ public:
     /// Puts the languages drawer beside the lists, and its button into the title bar.
     void adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs);
     void setTitle(const QString& title, const QString& count);
+    /// What the last clean has freed: beside the title, in the place of the folders, and its description for assistive
+    /// clients. Empty for nothing.
+    void setFreed(const QString& freed);
     /// Where the section looks: the unusual folders beside the title, all of them as a tooltip.
     void setPlaces(const QString& unusual, const QString& all);
     /// The text that is shown instead of an empty list.
@@ -47,6 +50,7 @@ private:
 
     QLabel* title_;
     QLabel* count_;
+    QLabel* freed_;
     QLabel* places_;
     QHBoxLayout* buttons_;
     IconButton* pbtnInf_;

@@ -9,6 +9,7 @@
 #include "files/removal/Remove.h"
 #include "platform/QuorvelFallManager.h"
 #include "ui/services/DefaultsKeys.h"
+#include "ui/window/FreedText.h"
 
 namespace brimvault::ui {
 
@@ -89,6 +90,7 @@ void FAppDelegate::observe(const QString& name, engine::NotificationCenter::Hand
 void FAppDelegate::registerObservers() {
     observe(engine::notification::scanFinished, [this](const auto&) { mainThreadScanFinished(); });
     observe(engine::notification::cleanFinished, [this](const auto&) { mainThreadCleanFinished(); });
+    observe(engine::notification::spaceFreed, [this](const auto& heard) { mainThreadSpaceFreed(heard); });
     observe(engine::notification::singleFileRemoveFinished,
             [this](const auto& heard) { mainThreadSingleFileRemoveFinished(heard); });
     for (const Section section : engine::allSections) {
@@ -159,6 +161,7 @@ void FAppDelegate::enter(Activity work) {
 
 void FAppDelegate::scanStarted() {
     bScanStarted_ = true;
+    forgetFreed();
     initStateAsScanStarted();
 }
 
@@ -211,12 +214,14 @@ void FAppDelegate::refreshLists() {
 // --- Cleaning ---------------------------------------------------------------------------------------------------
 
 void FAppDelegate::cleanStarted() {
+    forgetFreed();
     UpdateTextsAboutFreeUpSize();
     resetNotCleanedDicts();
 }
 
 void FAppDelegate::cleanFinished() {
     const bool focusOnClean = window_->lists()->pbtnClean()->hasFocus();
+    showsFreed_ = true;
     psectController_.cleanFinished();
     updateSelectAllCheck();
     setPlashkaToSelectedState(false);
@@ -244,6 +249,19 @@ void FAppDelegate::mainThreadCleanFinished() {
     pNotCleanedController_.updateNotCleanedRusultsApps(notCleaned_.applications, files[Section::downloads],
                                                        files[Section::caches], files[Section::trash],
                                                        files[Section::logs], this);
+}
+
+// The figures of a clean may come when the next scan or clean is under way, which is about other items.
+void FAppDelegate::mainThreadSpaceFreed(const engine::Notification& heard) {
+    const auto space = engine::getPropfromNotification<engine::FreedSpace>(heard, engine::key::freedSpace);
+    if (space && showsFreed_) {
+        window_->lists()->setFreed(freedText(*space));
+    }
+}
+
+void FAppDelegate::forgetFreed() {
+    showsFreed_ = false;
+    window_->lists()->setFreed({});
 }
 
 // The button can do nothing more: the list is next, where there is one.

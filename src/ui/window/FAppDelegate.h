@@ -95,6 +95,8 @@ private:
     void cleanStarted();
     void cleanFinished();
     void mainThreadCleanFinished();
+    void mainThreadSpaceFreed(const engine::Notification& heard);
+    void forgetFreed();
     void mainThreadSingleFileRemoveFinished(const engine::Notification& heard);
     void initStateAsScanStarted();
     void showSelPanel();
@@ -114,6 +116,7 @@ private:
     Activity activity_ = Activity::idle;
     bool closeRequested_ = false;             ///< the user closed the window while something ran
     bool bScanStarted_ = false;               ///< never reset
+    bool showsFreed_ = false;                 ///< no scan has begun since the last clean
     bool bPlashkaStateSelectedFiles_ = true;  ///< the status panel shows sizes, not the cleaned summary
     std::uint64_t removedAtLastLook_ = 0;     ///< entries, by the whole program, while it is closing
     NotCleanedDictionaries notCleaned_;

@@ -1,0 +1,52 @@
+// The line beside the title that tells what a clean has freed.
+
+#include "support/ToldVolumes.h"
+#include "support/WindowFixture.h"
+#include "ui/window/FreedText.h"
+
+namespace brimvault::tests {
+
+class FreedJourney : public WindowFixture {
+protected:
+    ToldVolumes volumes_;
+};
+
+TEST_F(FreedJourney, TellsWhatACleanFreedUntilTheNextScan) {
+    volumes_.programs = QStringList(u"browser"_s);
+    auto cleans = app::cleanOperations(remover_);
+    cleans.volumes = &volumes_;
+    start(scans(), cleans);
+    scan();
+    const auto selected = model().getSize2CleanCachesSel();
+    volumes_.setFreeWhenFlushed(files::statusOf(caches())->identity.device, selected / 2);
+    clean();
+    const QString told = u"Freed %1 (%2 selected; %3 is still in use by browser or shared)"_s.arg(
+        sizeText(selected / 2), sizeText(selected), sizeText(selected - selected / 2));
+    EXPECT_TRUE(Guide::waitFor([&] { return isSaid(told); })) << told.toStdString();
+    const auto labels = lists()->findChildren<QLabel*>();
+    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
+        return label->text() == u"Caches"_s && label->accessibleDescription() == told;
+    }));
+    clickSection(logsRow);
+    EXPECT_TRUE(isSaid(told)) << "it is about all sections";
+    clickSection(cachesRow);
+    scan();
+    EXPECT_FALSE(isSaid(u"Freed "_s));
+    engine::NotificationCenter::defaultCenter().post(
+        engine::notification::spaceFreed,
+        {{engine::key::freedSpace, engine::FreedSpace{selected, selected, selected}}});
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(isSaid(u"Freed "_s)) << "it comes too late";
+}
+
+TEST(FreedTextTest, IsAsLongAsThereIsSomethingToTell) {
+    constexpr quint64 mega = 1000UL * 1000;
+    EXPECT_EQ(ui::freedText({100 * mega, 100 * mega, 91 * mega}), u"Freed 91 MB"_s);
+    EXPECT_EQ(ui::freedText({100 * mega, 100 * mega, 60 * mega}),
+              u"Freed 60 MB (100 MB selected; 40 MB is still in use or shared)"_s);
+    EXPECT_EQ(ui::freedText({100 * mega, 70 * mega, 60 * mega, {u"a"_s, u"b"_s, u"c"_s}}),
+              u"Freed 60 MB (100 MB selected; 10 MB is still in use by a, b or shared)"_s);
+    EXPECT_EQ(ui::freedText({900, 900, 0}), QString()) << "less than others write";
+}
+
+}  // namespace brimvault::tests
