@@ -2,29 +2,16 @@
 
 #include <algorithm>
 
-#include "app/scan/PathBytes.h"
+#include "platform/text/JsonString.h"
+#include "platform/text/PathBytes.h"
 
 namespace brimvault::app {
 
-namespace {
+using platform::isUtf8;
+using platform::jsonString;
+using platform::percentEncoded;
 
-std::string jsonString(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string result = "\"";
-    for (const char character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code < 0x20) {
-            result += "\\u00";
-            result += {digits[code / 16U], digits[code % 16U]};
-        } else {
-            if (character == '"' || character == '\\') {
-                result += '\\';
-            }
-            result += character;
-        }
-    }
-    return result + '"';
-}
+namespace {
 
 const char* truth(bool value) { return value ? "true" : "false"; }
 

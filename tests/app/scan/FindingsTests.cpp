@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "app/scan/JsonText.h"
-#include "app/scan/PathBytes.h"
 #include "app/scan/TableText.h"
+#include "platform/text/PathBytes.h"
 
 namespace brimvault::tests {
 
@@ -63,8 +63,8 @@ TEST(ScanFindings, EncodeEachByteThatIsNotPartOfUtf8) {
     // Characters of one to four bytes at the ends of their ranges.
     for (const std::string text : {"", "\x01", "\x7f", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf",
                                    "\xef\xbf\xbf", "\xf0\x90\x80\x80", "\xf4\x8f\xbf\xbf"}) {
-        EXPECT_TRUE(app::isUtf8(text));
-        EXPECT_EQ(app::percentEncoded(text), text);
+        EXPECT_TRUE(platform::isUtf8(text));
+        EXPECT_EQ(platform::percentEncoded(text), text);
     }
     // Overlong forms, a surrogate, what is beyond the last character, and what ends too early.
     const std::pair<std::string, std::string> wrong[] = {{"\xc1\xbf", "%C1%BF"},
@@ -75,8 +75,8 @@ TEST(ScanFindings, EncodeEachByteThatIsNotPartOfUtf8) {
                                                          {"a\xe2\x82", "a%E2%82"},
                                                          {"\xe2\x82z%", "%E2%82z%25"}};
     for (const auto& [bytes, encoded] : wrong) {
-        EXPECT_FALSE(app::isUtf8(bytes));
-        EXPECT_EQ(app::percentEncoded(bytes), encoded);
+        EXPECT_FALSE(platform::isUtf8(bytes));
+        EXPECT_EQ(platform::percentEncoded(bytes), encoded);
     }
 }
 

@@ -1,10 +1,10 @@
-#include "app/scan/PathBytes.h"
+#include "platform/text/PathBytes.h"
 
 #include <QUtf8StringView>
 #include <algorithm>
 #include <cstddef>
 
-namespace brimvault::app {
+namespace brimvault::platform {
 
 namespace {
 
@@ -41,4 +41,4 @@ std::string percentEncoded(std::string_view bytes) {
     return encoded;
 }
 
-}  // namespace brimvault::app
+}  // namespace brimvault::platform
