@@ -19,6 +19,10 @@
         <source>It lies outside of the trial</source>
         <translation>Liegt außerhalb des Probelaufs</translation>
     </message>
+    <message>
+        <source>It is not the file or folder that was scanned any more</source>
+        <translation>Es ist nicht mehr die Datei oder der Ordner vom Scan</translation>
+    </message>
 </context>
 <context>
     <name>CleanQuestion</name>

@@ -18,6 +18,9 @@ struct FileIdentity {
     std::uint64_t inode = 0;
     std::optional<std::chrono::system_clock::time_point> born;  ///< none where the file system has none
     bool operator==(const FileIdentity&) const = default;
+
+    /// The identity in 64 bits, to keep with each of very many items; never 0.
+    [[nodiscard]] std::uint64_t digest() const;
 };
 
 /// Which object, reached through which mount.

@@ -27,9 +27,9 @@ Finding findingOf(const engine::FFItem& item, const SectionName& name) {
         found.rule = details.rule;
     }
     found.path = item.location().native();
-    for (const auto& [folder, names] : details.targets) {
-        for (const auto& entry : names) {
-            found.targets.push_back(folder->path + entry);
+    for (const auto& target : details.targets) {
+        for (const auto& entry : target.names) {
+            found.targets.push_back(target.folder->path + entry);
         }
     }
     found.needsAdministrator = details.needsAdministrator;

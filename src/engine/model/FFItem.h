@@ -2,6 +2,8 @@
 
 #include <QList>
 #include <QString>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -27,6 +29,13 @@ struct IconSource {
 struct ItemTargets {
     std::shared_ptr<const FoundIn> folder;  ///< where they lie
     std::vector<std::string> names;         ///< exact bytes
+    /// Digests of the identities that the names had, in their order: nothing else at a name is removed. 0 where that
+    /// does not matter; empty where none does.
+    std::vector<std::uint64_t> identities = {};
+
+    [[nodiscard]] std::uint64_t identityOf(std::size_t number) const {
+        return number < identities.size() ? identities[number] : 0;
+    }
 };
 
 /// What only some items have; all of it is set before the item is posted.
@@ -97,6 +106,10 @@ public:
     /// To be called before the item is posted.
     void setDetails(ItemDetails details) { details_ = std::make_unique<const ItemDetails>(std::move(details)); }
 
+    /// The digest of its identity when it was found; 0 if that is not known. To be set before the item is posted.
+    [[nodiscard]] quint64 identity() const { return identity_; }
+    void setIdentity(quint64 digest) { identity_ = digest; }
+
     [[nodiscard]] QString ppdisplayName() const override;
     [[nodiscard]] QString ppdisplayKeyName() const override;
     [[nodiscard]] quint64 getSpace2Save() const override { return pfSize_; }
@@ -123,6 +136,7 @@ private:
     quint64 pfSize_ = 0;
     quint64 frees_ = 0;
     SharedFiles sharedFiles_;
+    quint64 identity_ = 0;
     std::shared_ptr<const FoundIn> foundIn_;      ///< null if only the name is known
     std::unique_ptr<const ItemDetails> details_;  ///< null if it has none
 };

@@ -83,16 +83,21 @@ QString ItemRemoval::exchangedText() {
     return QCoreApplication::translate("Clean", "Its folder is not the one that was scanned any more");
 }
 
+QString ItemRemoval::replacedText() {
+    return QCoreApplication::translate("Clean", "It is not the file or folder that was scanned any more");
+}
+
 QString ItemRemoval::outsideOfTrialText() {
     return QCoreApplication::translate("Clean", "It lies outside of the trial");
 }
 
-ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn) {
+ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
+                                std::uint64_t identity) {
     if (!path.is_absolute()) {
         return {false, ItemRemoval::withoutSystemText()};  // never resolve against the working directory
     }
     if (foundIn == nullptr) {
-        return removeNow(path, nullptr);
+        return removeNow(path, nullptr, identity);
     }
     const bool leadsThere = leadsWhereItDid(*foundIn);
     const int code = foundIn->folder ? openFolder(foundIn, path.parent_path()) : 0;
@@ -106,14 +111,14 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
         return isOnDevice(path.parent_path(), foundIn->folder->device) ? ItemRemoval{true, {}}
                                                                        : ItemRemoval{false, systemText({code, path})};
     }
-    return removeNow(path, foundIn->folder ? &*folder_ : nullptr);
+    return removeNow(path, foundIn->folder ? &*folder_ : nullptr, identity);
 }
 
 ItemRemoval ItemRemover::removeTargets(const FFItem& item, const Veto& veto) {
     ItemRemoval all{true, {}};
     for (const auto& target : item.details().targets) {
-        for (const auto& name : target.names) {
-            const auto removal = removeTarget(target, name, veto);
+        for (std::size_t number = 0; number < target.names.size(); ++number) {
+            const auto removal = removeTarget(target, number, veto);
             if (all.gone && !removal.gone) {
                 all = removal;
             }
@@ -122,13 +127,33 @@ ItemRemoval ItemRemover::removeTargets(const FFItem& item, const Veto& veto) {
     return all;
 }
 
-ItemRemoval ItemRemover::removeTarget(const ItemTargets& target, const std::string& name, const Veto& veto) {
+ItemRemoval ItemRemover::removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto) {
+    const auto& name = target.names[number];
     if (target.folder == nullptr || !isOneName(name)) {
         return {false, ItemRemoval::withoutSystemText()};
     }
     const auto path = std::filesystem::path(target.folder->path) / name;
     const QString reason = veto ? veto(path) : QString();
-    return reason.isEmpty() ? remove(path, target.folder) : ItemRemoval{false, reason};
+    return reason.isEmpty() ? remove(path, target.folder, target.identityOf(number)) : ItemRemoval{false, reason};
+}
+
+ItemRemover::Reached ItemRemover::reach(const std::filesystem::path& path,
+                                        const std::shared_ptr<const FoundIn>& foundIn, std::uint64_t identity) {
+    if (!path.is_absolute() || foundIn == nullptr || !foundIn->folder) {
+        return {ItemRemoval::withoutSystemText(), nullptr, {}};
+    }
+    if (const int code = openFolder(foundIn, path.parent_path()); code != 0) {
+        return {systemText({code, path}), nullptr, {}};
+    }
+    if (!isSameFolder_ || !leadsWhereItDid(*foundIn)) {
+        return {ItemRemoval::exchangedText(), nullptr, {}};
+    }
+    auto item = files::statusAt(folder_->descriptor(), path.filename().c_str());
+    if (!item) {
+        return {item.code() == ENOENT ? QString() : systemText({item.code(), path}), nullptr, {}};
+    }
+    const QString refusal = reasonToKeep(path, *item, identity);
+    return {refusal, refusal.isEmpty() ? &*folder_ : nullptr, *item};
 }
 
 bool ItemRemover::leadsWhereItDid(const FoundIn& foundIn) {
@@ -154,22 +179,33 @@ int ItemRemover::openFolder(const std::shared_ptr<const FoundIn>& foundIn, const
     return opened.code();
 }
 
-ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder) {
+QString ItemRemover::reasonToKeep(const std::filesystem::path& path, const files::NodeStatus& item,
+                                  std::uint64_t identity) {
+    if (identity != 0 && item.identity.digest() != identity) {
+        return ItemRemoval::replacedText();
+    }
+    if (item.kind == files::NodeKind::directory || item.kind == files::NodeKind::link) {
+        if (!protected_) {
+            protected_.emplace();
+        }
+        if (protected_->keeps(path, item)) {
+            return ItemRemoval::withoutSystemText();
+        }
+    }
+    return isOutsideOfTrial(path) ? ItemRemoval::outsideOfTrialText() : QString();
+}
+
+ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
+                                   std::uint64_t identity) {
     const auto item =
         folder == nullptr ? files::statusOf(path) : files::statusAt(folder->descriptor(), path.filename().c_str());
     if (item.code() == ENOENT || item.code() == ENOTDIR) {
         return {true, {}};
     }
-    if (item && (item->kind == files::NodeKind::directory || item->kind == files::NodeKind::link)) {
-        if (!protected_) {
-            protected_.emplace();
-        }
-        if (protected_->keeps(path, *item)) {
-            return {false, ItemRemoval::withoutSystemText()};
-        }
-    }
-    if (isOutsideOfTrial(path)) {
-        return {false, ItemRemoval::outsideOfTrialText()};
+    // What cannot be looked at is not refused here: the removal says why it stays.
+    const QString reason = reasonToKeep(path, item ? *item : files::NodeStatus(), item ? identity : 0);
+    if (!reason.isEmpty()) {
+        return {false, reason};
     }
     const auto holder = folder == nullptr ? identityOf(path.parent_path()) : folderFoundIn_->folder;
     // No stop token: an item that was begun is finished.

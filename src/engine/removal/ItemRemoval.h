@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -23,6 +25,8 @@ struct [[nodiscard]] ItemRemoval {
     static QString withoutSystemText();
     /// The reason if the folder was exchanged since the item was found.
     static QString exchangedText();
+    /// The reason if something else has come into the item's place since it was found.
+    static QString replacedText();
     /// The reason if the program runs over a made-up home folder (`platform::systemRoot`) that does not hold the item.
     static QString outsideOfTrialText();
 };
@@ -38,8 +42,10 @@ class ItemRemover {
 public:
     explicit ItemRemover(PrivilegedRemover& remover) : remover_(remover) {}
 
-    /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed.
-    ItemRemoval remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn);
+    /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed. With the digest of an
+    /// identity, nothing else is.
+    ItemRemoval remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
+                       std::uint64_t identity = 0);
 
     /// Why what is at a path must stay; empty if it may go.
     using Veto = std::function<QString(const std::filesystem::path& path)>;
@@ -48,12 +54,26 @@ public:
     /// stays.
     ItemRemoval removeTargets(const FFItem& item, const Veto& veto = {});
 
+    /// An item where a scan found it.
+    struct Reached {
+        QString refusal;                                 ///< why it must stay where it is; empty also if it is gone
+        const files::DirectoryHandle* folder = nullptr;  ///< that holds it, open until the next call; null otherwise
+        files::NodeStatus item;
+    };
+    /// Finds the item again, by the checks of `remove`, for whoever does something else with it.
+    Reached reach(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
+                  std::uint64_t identity);
+
 private:
-    ItemRemoval removeTarget(const ItemTargets& target, const std::string& name, const Veto& veto);
+    ItemRemoval removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto);
+    /// Empty if nothing speaks against its going.
+    [[nodiscard]] QString reasonToKeep(const std::filesystem::path& path, const files::NodeStatus& item,
+                                       std::uint64_t identity);
     [[nodiscard]] bool leadsWhereItDid(const FoundIn& foundIn);
     /// 0, or the errno value of opening the folder.
     [[nodiscard]] int openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
-    ItemRemoval removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder);
+    ItemRemoval removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
+                          std::uint64_t identity);
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;
