@@ -140,6 +140,10 @@
         <source>A program is running and uses it</source>
         <translation>Ein Programm läuft und benutzt es</translation>
     </message>
+    <message>
+        <source>Unfinished, last written on %1</source>
+        <translation>Unfertig, zuletzt geschrieben am %1</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>

@@ -84,6 +84,7 @@ void FileScanOperation::addItem(FoundFile found, ScanBatches& batches) const {
     item->setPpbDeletable(true);
     item->setPpbChecked(found.ticked.value_or(isTickedAtFirst()));
     item->setNote(found.note);
+    item->setIdentity(found.identity);
     if (found.details) {
         item->setDetails(std::move(*found.details));
     }

@@ -1,8 +1,19 @@
 #include "engine/model/ItemNote.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
+#include <QLocale>
 
 namespace brimvault::engine {
+
+namespace {
+
+QString dayOf(const QString& time) {
+    const auto local = QDateTime::fromString(time, Qt::ISODate).toLocalTime();
+    return QLocale().toString(local.date(), QLocale::ShortFormat);
+}
+
+}  // namespace
 
 int seriousness(ItemNote note) {
     switch (note) {
@@ -45,6 +56,8 @@ const char* keyOf(ItemNote note) {
             return "shared";
         case ItemNote::emptied:
             return "emptied";
+        case ItemNote::unfinished:
+            return "unfinished";
     }
     Q_UNREACHABLE();
 }
@@ -80,6 +93,8 @@ QString textOf(ItemNote note, const QString& argument) {
                 .arg(argument);
         case ItemNote::emptied:
             return text(QT_TRANSLATE_NOOP("ItemNote", "Is emptied, because %1 still writes to it")).arg(argument);
+        case ItemNote::unfinished:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Unfinished, last written on %1")).arg(dayOf(argument));
     }
     Q_UNREACHABLE();
 }

@@ -8,17 +8,18 @@ namespace brimvault::engine {
 /// Why an item should be looked at before it is removed.
 enum class ItemNote : quint8 {
     none,
-    work,      ///< may hold work that exists nowhere else
-    offline,   ///< holds content kept for use without a connection
-    login,     ///< the user may have to sign in again
-    rebuild,   ///< takes long to make again
-    download,  ///< will be downloaded again; the argument says how much
-    inUse,     ///< the argument names the program that uses it, if it is known
-    session,   ///< the desktop session uses it
-    copies,    ///< holds working copies of source code
-    record,    ///< a record of log-ins or of installed software
-    shared,    ///< shares its space with other folders; the argument says how much removing it frees
-    emptied,   ///< is emptied; the argument names the program that writes to it
+    work,        ///< may hold work that exists nowhere else
+    offline,     ///< holds content kept for use without a connection
+    login,       ///< the user may have to sign in again
+    rebuild,     ///< takes long to make again
+    download,    ///< will be downloaded again; the argument says how much
+    inUse,       ///< the argument names the program that uses it, if it is known
+    session,     ///< the desktop session uses it
+    copies,      ///< holds working copies of source code
+    record,      ///< a record of log-ins or of installed software
+    shared,      ///< shares its space with other folders; the argument says how much removing it frees
+    emptied,     ///< is emptied; the argument names the program that writes to it
+    unfinished,  ///< a download that was not finished; the argument is the time of the last change (ISO 8601, UTC)
 };
 
 /// Whether an item with the note is ticked by the user's own hand alone: neither with all others nor along with an item

@@ -31,9 +31,9 @@ using Places = QList<std::shared_ptr<const platform::RootPlace>>;
 
 struct SharedGroups;
 
-using InfoValue = std::variant<Number, Places, ItemArray, ApplicationArray, NotRemovedDictionary,
-                               NotCleanedApplications, CleanedApplications, std::shared_ptr<const SharedGroups>,
-                               FreedSpace>;
+using InfoValue =
+    std::variant<Number, Places, ItemArray, ApplicationArray, NotRemovedDictionary, NotCleanedApplications,
+                 CleanedApplications, std::shared_ptr<const SharedGroups>, FreedSpace>;
 using UserInfo = QHash<QString, InfoValue>;
 
 /// What a notification carries. Copies share their contents; any thread may read one.

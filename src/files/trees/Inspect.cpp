@@ -66,6 +66,7 @@ public:
         all_.holdsSocket |= more.holdsSocket;
         all_.holdsWorkingCopy |= more.holdsWorkingCopy;
         all_.openBy = all_.openBy != 0 ? all_.openBy : more.openBy;
+        all_.identity = all_.identity != 0 ? all_.identity : more.identity;
         all_.changed = std::max(all_.changed, more.changed);
     }
     [[nodiscard]] ItemFindings all() {
@@ -99,6 +100,7 @@ public:
         if (status) {
             noteHolder(status->identity);
             found_.space.add(NamedNode::of(*status));
+            found_.identity = isInFirstFolder() ? status->identity.digest() : found_.identity;
             found_.changed = std::max(found_.changed, status->modified);
             found_.isForeign = found_.isForeign || status->owner != context_.user;
         }
@@ -153,6 +155,7 @@ private:
         if (status) {
             found_.isSpecial = status->kind == NodeKind::other;
             found_.isForeign = status->owner != context_.user;
+            found_.identity = status->identity.digest();
             found_.changed = std::max(found_.changed, status->modified);
         }
     }

@@ -26,6 +26,7 @@ struct ItemFindings {
     bool isForeign = false;         ///< another user owns it, or a folder in it
     bool holdsUnseen = false;       ///< a folder in it, or itself, cannot be read: it may hold anything
     pid_t openBy = 0;               ///< a process that holds something in it open; 0 if none is known
+    std::uint64_t identity = 0;     ///< digest of its identity; 0 if it could not be looked at
     std::chrono::system_clock::time_point changed = {};  ///< when it, or anything in it, was modified last
 
     /// Removing it may take another user's rights.

@@ -1,0 +1,154 @@
+#include <gmock/gmock.h>
+
+#include <QDateTime>
+#include <QLocale>
+
+#include "engine/model/DataMan.h"
+#include "support/FileSections.h"
+#include "support/FixtureTrees.h"
+#include "support/OpenedElsewhere.h"
+#include "support/SubstituteHome.h"
+#include "trial/TemporaryFolder.h"
+
+namespace brimvault::tests {
+
+using namespace trial;
+
+using engine::ItemNote;
+using engine::Section;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class DownloadsScan : public testing::Test {
+protected:
+    DownloadsScan() { fs::create_directories(downloads_); }
+
+    void scan() {
+        rows_.clear();
+        for (const auto& item : scanSection(Section::downloads).items) {
+            EXPECT_FALSE(item->ppbChecked());
+            if (item->ppnSize() != 0) {
+                rows_[item->pfname()] = item;
+            }
+        }
+    }
+    [[nodiscard]] std::map<std::string, ItemNote> notes() const {
+        std::map<std::string, ItemNote> notes;
+        for (const auto& [name, item] : rows_) {
+            notes[name] = item->note();
+        }
+        return notes;
+    }
+    /// What the row stands for beside itself, with its size.
+    [[nodiscard]] std::pair<std::vector<std::string>, quint64> whole(const std::string& name) const {
+        const auto& item = rows_.at(name);
+        std::vector<std::string> names;
+        for (const auto& path : item->removalPaths()) {
+            EXPECT_EQ(path.parent_path(), downloads_);
+            names.push_back(path.filename());
+        }
+        return {names, item->pfSize()};
+    }
+    engine::NotRemovedDictionary cleanAll() {
+        engine::ItemArray items;
+        for (const auto& [name, item] : rows_) {
+            item->setPpbChecked(true);
+            items.append(item);
+        }
+        return cleanItems(Section::downloads, items);
+    }
+
+    TemporaryFolder folder_;
+    const fs::path downloads_ = folder_ / "home/Downloads";
+    const SubstituteHome home_{folder_ / "home", {{"BRIMVAULT_TRIAL_ROOT", folder_ / "root"}}};
+    std::map<std::string, std::shared_ptr<engine::FFItem>> rows_;
+};
+
+}  // namespace
+
+TEST_F(DownloadsScan, MarksWhatWasNotFinishedWithTheDayOfTheLastChange) {
+    for (const char* name : {"a.part", "b.crdownload", "c.opdownload", "d.download/e", "f.partial", "g.aria2", "h.!qB",
+                             "i.!ut", "j.ytdl", "k.filepart", "l.tmp", "l", "alone.tmp", "part", "m.part1.rar"}) {
+        writeFile(downloads_ / name, "12345");
+    }
+    fs::create_symlink("part", downloads_ / "link.part");
+    const std::chrono::sys_time<std::chrono::nanoseconds> day =
+        std::chrono::sys_days(std::chrono::year{2021} / 3 / 4) + std::chrono::hours(12);
+    fs::last_write_time(downloads_ / "a.part", std::chrono::file_clock::from_sys(day));
+    scan();
+    std::vector<std::string> marked;
+    for (const auto& [name, note] : notes()) {
+        if (note == ItemNote::unfinished) {
+            marked.push_back(name);
+        } else {
+            EXPECT_EQ(note, ItemNote::none) << name;
+        }
+    }
+    EXPECT_THAT(marked, ElementsAre("a.part", "b.crdownload", "c.opdownload", "d.download", "f.partial", "g.aria2",
+                                    "h.!qB", "i.!ut", "j.ytdl", "k.filepart", "l.tmp"));
+    EXPECT_EQ(rows_.size(), 16U);
+    EXPECT_EQ(rows_.at("a.part")->details().noteArgument, u"2021-03-04T12:00:00Z");
+    EXPECT_EQ(rows_.at("a.part")->noteText(), QStringLiteral("Unfinished, last written on ") +
+                                                  QLocale().toString(QDate(2021, 3, 4), QLocale::ShortFormat));
+    EXPECT_FALSE(rows_.at("a.part")->isTickedByHandOnly());
+}
+
+TEST_F(DownloadsScan, TakesADownloadAndWhatBelongsToItForOneRow) {
+    writeFile(downloads_ / "film.mkv.part", "12345");
+    writeFile(downloads_ / "film.mkv", "");
+    writeFile(downloads_ / "disk.3kGv_Tz9.iso.part", "12345");
+    writeFile(downloads_ / "disk.iso", "");
+    writeFile(downloads_ / "image", "12345");
+    writeFile(downloads_ / "image.aria2", "123");
+    writeFile(downloads_ / "clip.mp4.part", "12345");
+    writeFile(downloads_ / "clip.mp4.ytdl", "1");
+    writeFile(downloads_ / "old.pdf.part", "12345");
+    writeFile(downloads_ / "old.pdf", "the one before");
+    scan();
+    const auto unfinished = ItemNote::unfinished;
+    EXPECT_THAT(notes(),
+                UnorderedElementsAre(Pair("film.mkv.part", unfinished), Pair("disk.3kGv_Tz9.iso.part", unfinished),
+                                     Pair("image", unfinished), Pair("clip.mp4.part", unfinished),
+                                     Pair("old.pdf.part", unfinished), Pair("old.pdf", ItemNote::none)));
+    EXPECT_THAT(whole("film.mkv.part"), Pair(ElementsAre("film.mkv.part", "film.mkv"), 5));
+    EXPECT_THAT(whole("disk.3kGv_Tz9.iso.part"), Pair(ElementsAre("disk.3kGv_Tz9.iso.part", "disk.iso"), 5));
+    EXPECT_THAT(whole("image"), Pair(ElementsAre("image", "image.aria2"), 8));
+    EXPECT_THAT(whole("clip.mp4.part"), Pair(ElementsAre("clip.mp4.part", "clip.mp4.ytdl"), 6));
+    EXPECT_THAT(whole("old.pdf.part"), Pair(IsEmpty(), 5));
+    writeFile(downloads_ / "clip.mp4.ytdl", "4");
+    EXPECT_THAT(cleanAll(), IsEmpty());
+    EXPECT_TRUE(fs::is_empty(downloads_));
+}
+
+// The download ends between the scan and the clean.
+TEST_F(DownloadsScan, LeaveAFileThatWasFinishedMeanwhile) {
+    writeFile(downloads_ / "film.mkv.part", "12345");
+    writeFile(downloads_ / "film.mkv", "");
+    scan();
+    fs::rename(downloads_ / "film.mkv.part", downloads_ / "film.mkv");
+    EXPECT_EQ(cleanAll().size(), 1);
+    EXPECT_EQ(contentOf(downloads_ / "film.mkv"), "12345");
+}
+
+TEST_F(DownloadsScan, TellsWhichProgramHasADownloadOpen) {
+    writeFile(downloads_ / "film.mkv.part", "12345");
+    writeFile(downloads_ / "archive/part", "12345");
+    writeFile(downloads_ / "quiet.part", "12345");
+    writeFile(downloads_ / "image", "12345");
+    writeFile(downloads_ / "image.aria2", "123");
+    const OpenedElsewhere download(downloads_ / "film.mkv.part");
+    const OpenedElsewhere unpacking(downloads_ / "archive/part");
+    const OpenedElsewhere notes(downloads_ / "image.aria2");
+    scan();
+    EXPECT_THAT(this->notes(),
+                UnorderedElementsAre(Pair("film.mkv.part", ItemNote::inUse), Pair("archive", ItemNote::inUse),
+                                     Pair("image", ItemNote::inUse), Pair("quiet.part", ItemNote::unfinished)));
+    EXPECT_EQ(rows_.at("archive")->details().noteArgument.toStdString(), files::programName(unpacking.process()));
+    EXPECT_TRUE(rows_.at("film.mkv.part")->isTickedByHandOnly());
+}
+
+}  // namespace brimvault::tests
