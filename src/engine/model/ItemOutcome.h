@@ -27,8 +27,8 @@ struct ItemOutcome {
 using OutcomeHandler = std::function<void(const ItemOutcome&)>;
 
 /// The bytes that the removal of an item is to free.
-[[nodiscard]] inline quint64 expectedToFree(const CleanableItem& item) { return item.getSpace2Save(); }
-[[nodiscard]] inline quint64 expectedToFree(const LocalizationItem& item) { return item.nlocSize; }
+[[nodiscard]] inline quint64 expectedToFree(const CleanableItem& item) { return item.frees(); }
+[[nodiscard]] inline quint64 expectedToFree(const LocalizationItem& item) { return item.frees; }
 
 /// The device on which a scan has found it; none if that is not known.
 [[nodiscard]] inline std::optional<std::uint64_t> deviceOf(const std::shared_ptr<const FoundIn>& foundIn) {
