@@ -48,6 +48,7 @@ struct NodeStatus {
     std::uint32_t group = 0;        ///< number of the group
     std::chrono::system_clock::time_point modified;
     std::chrono::system_clock::time_point accessed;
+    std::chrono::system_clock::time_point changed;  ///< of the inode: its name, rights, links or contents
 
     [[nodiscard]] NodePlace place() const { return {identity, mount}; }
 };

@@ -72,6 +72,7 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
             take(remover.remove(path, item->foundIn()), item, {path}, removed, notRemoved);
         }
     }
+    afterRemoving(remover);
 }
 
 void CBaseOperation2::take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item,

@@ -40,6 +40,8 @@ protected:
     /// cancelled, fails or is given up posts what was done until then. `root` is the path of the section's folder; none
     /// if the items lie in several.
     void cleanAndPost(const std::optional<std::filesystem::path>& root);
+    /// Called once a clean has come to its end.
+    virtual void afterRemoving(const ItemRemover& /*remover*/) {}
     void failed() override { postResults(); }
     void givenUp() override { postResults(); }
 

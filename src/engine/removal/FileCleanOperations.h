@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "engine/removal/CBaseOperation2.h"
 #include "platform/LibraryURLs.h"
 
@@ -38,14 +41,19 @@ protected:
     void main() override { cleanAndPost(std::nullopt); }
 };
 
-/// The Trash.
+/// The Trash. Records without an item go silently, from the trashes of which an item went.
 class CTrOperation final : public CBaseOperation2 {
 public:
-    CTrOperation(const ItemArray& items, PrivilegedRemover& remover)
-        : CBaseOperation2(Section::trash, items, remover) {}
+    using Now = std::function<TrashCleanup::Clock::time_point()>;
+    CTrOperation(const ItemArray& items, PrivilegedRemover& remover, Now now = TrashCleanup::Clock::now)
+        : CBaseOperation2(Section::trash, items, remover), now_(std::move(now)) {}
 
 protected:
     void main() override { cleanAndPost(platform::LibraryURLs::namedTrashFolder()); }
+    void afterRemoving(const ItemRemover& remover) override { remover.removeOrphans(now_()); }
+
+private:
+    const Now now_;
 };
 
 }  // namespace brimvault::engine

@@ -10,23 +10,10 @@
 #include "files/removal/Remove.h"
 #include "platform/FolderLocations.h"
 #include "platform/System.h"
-#include "platform/TrashFolders.h"
 
 namespace brimvault::engine {
 
 namespace {
-
-// Removes the .trashinfo record, but only of an item that was removed here: if the item was gone before, another one
-// may have been trashed under its name meanwhile, and the record may be that one's.
-void removeRecordOf(const std::filesystem::path& item) {
-    const auto record = platform::TrashFolders::recordOfItem(item);
-    if (!record) {
-        return;
-    }
-    if (const auto status = files::statusOf(*record); status && status->kind == files::NodeKind::regular) {
-        (void)files::remove(*record);  // best effort: a record without an item is harmless
-    }
-}
 
 bool isRefusedForRights(const files::Failure& failure) { return failure.code == EACCES || failure.code == EPERM; }
 
@@ -215,7 +202,8 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
           remover_.removeFileAtPath(path, holder))) {
         return {false, systemText(*outcome.failure)};
     }
-    removeRecordOf(path);
+    // Not where the item was gone before: another one may have been trashed under its name meanwhile.
+    trashes_.onRemoved(path);
     return {true, {}};
 }
 

@@ -13,6 +13,7 @@
 #include "engine/model/FoundIn.h"
 #include "engine/removal/PrivilegedRemover.h"
 #include "engine/removal/ProtectedFolders.h"
+#include "engine/removal/TrashCleanup.h"
 #include "files/DirectoryHandle.h"
 
 namespace brimvault::engine {
@@ -34,7 +35,8 @@ struct [[nodiscard]] ItemRemoval {
 /// Removes items permanently; both a whole clean and a single removal go through it. An item is removed only from the
 /// very folder (by inode) in which it was found, through an open descriptor of it, so that exchanging folders on the
 /// way cannot redirect the removal. Protected folders are refused, and in a trial whatever lies outside of it. An item
-/// of the desktop's trash takes its .trashinfo record along.
+/// of the desktop's trash takes along what the trash keeps of it: its .trashinfo record at once, its size when this is
+/// destroyed.
 ///
 /// If permission is denied the privileged remover is asked, once, unless the item or its folder is locked (immutable or
 /// append-only). Blocks; one thread, and not the main one. The remover outlives it.
@@ -63,6 +65,8 @@ public:
     /// Finds the item again, by the checks of `remove`, for whoever does something else with it.
     Reached reach(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
                   std::uint64_t identity);
+    /// Of the trashes of which an item was removed: see `TrashCleanup`.
+    void removeOrphans(TrashCleanup::Clock::time_point now) const { trashes_.removeOrphans(now); }
 
 private:
     ItemRemoval removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto);
@@ -77,6 +81,7 @@ private:
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;
+    TrashCleanup trashes_;
     std::optional<ProtectedFolders> protected_;  ///< made for the first folder or link that is to be removed
     std::map<std::shared_ptr<const platform::RootPlace>, bool> leadsCache_;
     // The folder of the last item, kept open for the next.

@@ -6,6 +6,7 @@
 #include "platform/LibraryURLs.h"
 #include "platform/SectionRoots.h"
 #include "platform/System.h"
+#include "platform/TrashFolders.h"
 
 namespace brimvault::engine {
 
@@ -45,7 +46,8 @@ ProtectedFolders::ProtectedFolders() : locations_(platform::locateSectionRoots()
 
 bool ProtectedFolders::keeps(const std::filesystem::path& path, const files::NodeStatus& item) {
     const bool isFolderOrLink = item.kind == files::NodeKind::directory || item.kind == files::NodeKind::link;
-    return isFolderOrLink && (isOneOrHoldsOne(path, item) || isOfAProgram(path));
+    return isFolderOrLink && (platform::TrashFolders::isPartOfTrash(path.lexically_normal()) ||
+                              isOneOrHoldsOne(path, item) || isOfAProgram(path));
 }
 
 bool ProtectedFolders::isOfAProgram(const std::filesystem::path& path) {

@@ -11,9 +11,9 @@
 namespace brimvault::engine {
 
 /// The folders that are never removed: the sections' root folders, the home folder, the user's own folders (documents,
-/// pictures and so on), those of programs down to each program's own, the program's settings, and every folder that
-/// holds one of them. A snapshot, compared by inode, however a path is spelled, and by path, for folders on a volume
-/// that does not answer. One thread, and not the main one.
+/// pictures and so on), the folders that trashes consist of, those of programs down to each program's own, the
+/// program's settings, and every folder that holds one of them. A snapshot, compared by inode, however a path is
+/// spelled, and by path, for folders on a volume that does not answer. One thread, and not the main one.
 ///
 /// The root remover has a list of its own (`cleaner-tool/KeptFolders`). The two are deliberately separate: a process
 /// with root rights must not trust the program that asks it.

@@ -76,6 +76,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     status.group = raw.stx_gid;
     status.modified = timeOf(raw.stx_mtime);
     status.accessed = timeOf(raw.stx_atime);
+    status.changed = timeOf(raw.stx_ctime);
     if ((raw.stx_mask & STATX_BTIME) != 0) {
         status.identity.born = timeOf(raw.stx_btime);
     }
