@@ -40,6 +40,10 @@ public:
     /// A base folder of the desktop, symbolic links unresolved; none where the system has no such folders.
     static std::optional<std::filesystem::path> baseFolder(BaseFolder folder);
 
+    /// Where this program keeps its history; none where the system has no such folder. In a trial it lies in the home
+    /// folder, whatever the environment says.
+    static std::optional<std::filesystem::path> getHistoryFolderURL();
+
     /// Where programs keep the settings of the user, and where this one does.
     static std::filesystem::path getConfigurationFolderURL();
     static std::filesystem::path getPreferencesFolderURL();

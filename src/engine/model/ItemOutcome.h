@@ -15,10 +15,10 @@ namespace brimvault::engine {
 
 /// What became of one item that was to be removed. A value.
 struct ItemOutcome {
-    Section section = Section::caches;
-    std::vector<std::filesystem::path> paths;  ///< what was acted on: its own path, or those that it stands for
-    quint64 bytes = 0;                         ///< that its removal was to free
-    std::optional<std::uint64_t> device = {};  ///< where it was found; none if no scan found it
+    std::optional<Section> section = {};            ///< none if it was in no list
+    std::vector<std::filesystem::path> paths = {};  ///< what was acted on: its own path, or those that it stands for
+    quint64 bytes = 0;                              ///< that its removal was to free
+    std::optional<std::uint64_t> device = {};       ///< where it was found; none if no scan found it
     bool gone = false;
     QString reason = {};  ///< why it is not gone, for people
 };

@@ -40,6 +40,12 @@ void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::opt
     items.files[Section::logs] = pLogs;
     const auto meter = beginMeasuring(items);
     items = {};
+    outcomes_ = [meter, history = table_.history](const ItemOutcome& outcome) {
+        history->add(outcome);
+        if (meter != nullptr) {
+            meter->add(outcome);
+        }
+    };
     const auto done = std::make_shared<CompletionOperation>([this, meter] {
         CleanDone();
         endMeasuring(meter);
@@ -64,7 +70,6 @@ std::shared_ptr<FreedSpaceMeter> FCutter::beginMeasuring(const CleanedItems& ite
         return nullptr;
     }
     auto meter = std::make_shared<FreedSpaceMeter>(*table_.volumes);
-    outcomes_ = [meter](const ItemOutcome& outcome) { meter->add(outcome); };
     pCutQue_.addOperation(std::make_shared<MeasureBeforeClean>(meter, items));
     return meter;
 }

@@ -10,6 +10,7 @@
 #include "engine/removal/FCleanProps.h"
 #include "engine/removal/MeasuringOperations.h"
 #include "engine/removal/PrivilegedRemover.h"
+#include "engine/removal/RemovalHistory.h"
 
 namespace brimvault::engine {
 
@@ -22,6 +23,7 @@ struct CleanTable {
     PerSection<FileOperation> files;                          ///< none for Language Resources
     PrivilegedRemover* remover = &PrivilegedRemover::none();  ///< may ask the user for a password, once per clean
     Volumes* volumes = nullptr;  ///< of which is asked what a clean frees; null to ask none. Never destroyed
+    RemovalHistory* history = &RemovalHistory::none();  ///< of what becomes of each item; outlives the operations
 
     /// The engine's own operations for the four sections of files. They ask the remover to remove what the user may
     /// not; it outlives them.

@@ -148,6 +148,11 @@ std::optional<fs::path> LibraryURLs::baseFolder(BaseFolder folder) {
     return std::nullopt;
 }
 
+std::optional<fs::path> LibraryURLs::getHistoryFolderURL() {
+    const auto state = systemRoot() == "/" ? baseFolder(BaseFolder::state) : homeFolder() / ".local/state";
+    return state ? std::optional(*state / "brimvault") : std::nullopt;
+}
+
 fs::path LibraryURLs::getConfigurationFolderURL() { return folderOf("XDG_CONFIG_HOME", ".config"); }
 
 fs::path LibraryURLs::getPreferencesFolderURL() { return getConfigurationFolderURL() / "com.quorvel.brimvault"; }
