@@ -421,6 +421,21 @@
     </message>
 </context>
 <context>
+    <name>Trash</name>
+    <message>
+        <source>Something else has its name by now, so that it stays in the Trash</source>
+        <translation>Etwas anderes hat inzwischen seinen Namen, deshalb bleibt es im Papierkorb</translation>
+    </message>
+    <message>
+        <source>It is not in the Trash any more</source>
+        <translation>Es ist nicht mehr im Papierkorb</translation>
+    </message>
+    <message>
+        <source>There is no trash folder for it: %1</source>
+        <translation>Es gibt keinen Papierkorb dafür: %1</translation>
+    </message>
+</context>
+<context>
     <name>WindowControls</name>
     <message>
         <source>Stop</source>
