@@ -498,6 +498,10 @@
         <source>Remove...</source>
         <translation>Entfernen …</translation>
     </message>
+    <message>
+        <source>Move to Trash</source>
+        <translation>In den Papierkorb legen</translation>
+    </message>
 </context>
 <context>
     <name>brimvault::ui::IconButton</name>
@@ -718,6 +722,33 @@ Was würde es besser machen? Jede Idee ist willkommen:
 %1
 </translation>
     </message>
+    <message>
+        <source>Move to Trash</source>
+        <translation>In den Papierkorb legen</translation>
+    </message>
+    <message>
+        <source>Undo Move to Trash</source>
+        <translation>In den Papierkorb legen rückgängig machen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::MovedLine</name>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Moved %1 to the Trash</source>
+        <translation>%1 in den Papierkorb gelegt</translation>
+    </message>
+    <message>
+        <source>The space is freed when the Trash is emptied</source>
+        <translation>Der Platz wird frei, wenn der Papierkorb geleert wird</translation>
+    </message>
+    <message>
+        <source>Undo: put “%1” back</source>
+        <translation>Rückgängig: „%1“ zurücklegen</translation>
+    </message>
 </context>
 <context>
     <name>brimvault::ui::NotCleanedController</name>
@@ -875,6 +906,17 @@ Alle auswählen und scannen?</translation>
     <message>
         <source>Clean</source>
         <translation>Bereinigen</translation>
+    </message>
+</context>
+<context>
+    <name>brimvault::ui::TrashMoves</name>
+    <message>
+        <source>“%1” could not be moved to the Trash</source>
+        <translation>„%1“ konnte nicht in den Papierkorb gelegt werden</translation>
+    </message>
+    <message>
+        <source>“%1” could not be put back</source>
+        <translation>„%1“ konnte nicht zurückgelegt werden</translation>
     </message>
 </context>
 <context>

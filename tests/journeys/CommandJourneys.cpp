@@ -33,16 +33,20 @@ TEST_F(MenuJourney, ItemsFollowWhatGoesOnAndWhatIsSelected) {
     home_.makeApplications();
     start(allScans());
     expectOffered(
-        "Scan, (Clean), (Select All), (Languages to Keep), (Show in File Manager), (Show Information), (Remove...)");
+        "Scan, (Clean), (Select All), (Languages to Keep), (Show in File Manager), (Show Information), (Move to "
+        "Trash), "
+        "(Remove...), (Undo Move to Trash)");
     application_->setPbScanning(true);
     expectOffered("Stop Scanning, (Clean)");
     application_->setPbScanning(false);
     scan();
     selectFirstItem();
-    expectOffered("Scan, Clean, Unselect All, (Languages to Keep), Show in File Manager, Show Information, Remove...");
+    expectOffered(
+        "Scan, Clean, Unselect All, (Languages to Keep), Show in File Manager, Show Information, (Move to Trash), "
+        "Remove...");
     clickSection(languagesRow);
     selectFirstItem();
-    expectOffered("Languages to Keep, Show in File Manager, Show Information, (Remove...)", 3);
+    expectOffered("Languages to Keep, Show in File Manager, Show Information, (Move to Trash), (Remove...)", 3);
     pressClean();
     expectOffered("(Scan), Stop Cleaning");
     awaitEndOfClean();

@@ -44,6 +44,7 @@ FileListController::FileListController(engine::Section section, const Dependenci
 
 void FileListController::viewDidLoad() {
     connect(view(), &TTableView::removeRequested, this, &FileListController::onClickedRemove);
+    connect(view(), &TTableView::trashRequested, this, &FileListController::onClickedMoveToTrash);
 }
 
 // Called for every batch of a scan and after each clean. Items that stay are not looked at, so that the cost depends on
@@ -94,12 +95,49 @@ std::shared_ptr<engine::FFItem> FileListController::getSelectedItem() const {
 
 void FileListController::addActions(QMenu& menu) {
     menu.addSeparator();
+    if (isMovedToTrash()) {
+        menu.addAction(tr("Move to Trash"), this, &FileListController::onClickedMoveToTrash)
+            ->setEnabled(isMoveToTrashEnabled());
+    }
     menu.addAction(tr("Remove..."), this, &FileListController::onClickedRemove)->setEnabled(isRemoveEnabled());
 }
 
-bool FileListController::isRemoveEnabled() const {
+bool FileListController::isIdle() const {
     const auto& application = dependencies().dataSource;
-    return hasSelectedItem() && application.activity() == Activity::idle && !application.isScanReturning();
+    return application.activity() == Activity::idle && !application.isScanReturning();
+}
+
+bool FileListController::isRemoveEnabled() const { return hasSelectedItem() && isIdle(); }
+
+bool FileListController::isUndoMoveEnabled() const {
+    return isMovedToTrash() && isIdle() && dependencies().util.trashMoves().isUndoable();
+}
+
+// Not asked about, as it can be undone.
+void FileListController::onClickedMoveToTrash() {
+    if (!isMoveToTrashEnabled()) {
+        return;
+    }
+    const auto item = getSelectedItem();
+    dependencies().dataSource.setPbRemoving(true);
+    const auto finished = [list = QPointer(this), item](bool success) {
+        if (list && success) {
+            list->removed({item});
+        }
+    };
+    dependencies().util.trashMoves().move(item, getPathByItem(*item), finished);
+}
+
+void FileListController::onClickedUndoMove() {
+    if (!isUndoMoveEnabled()) {
+        return;
+    }
+    dependencies().dataSource.setPbRemoving(true);
+    dependencies().util.trashMoves().undo([list = QPointer(this)](const auto& item) {
+        if (list) {
+            list->restored(item);
+        }
+    });
 }
 
 void FileListController::onClickedRemove() {
@@ -158,6 +196,12 @@ engine::ItemArray FileListController::itemsGoingWith(const engine::FFItem& item,
 void FileListController::removed(const engine::ItemArray& items) {
     const auto words = engine::vocabulary(section());
     engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
+}
+
+// Comes as what a scan has found in addition.
+void FileListController::restored(const std::shared_ptr<engine::FFItem>& item) {
+    const auto words = engine::vocabulary(section());
+    engine::NotificationCenter::defaultCenter().post(words.scanProgress, {{words.deltaKey, engine::ItemArray{item}}});
 }
 
 }  // namespace brimvault::ui

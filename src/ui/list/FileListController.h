@@ -22,6 +22,13 @@ public:
     /// Whether `onClickedRemove` would do anything.
     [[nodiscard]] bool isRemoveEnabled() const;
 
+    /// Moves the selected item to the Trash and then drops it from the list; in the list of Downloads alone.
+    void onClickedMoveToTrash();
+    [[nodiscard]] bool isMoveToTrashEnabled() const { return isMovedToTrash() && isRemoveEnabled(); }
+    /// Puts the item back that was moved last, and into the list.
+    void onClickedUndoMove();
+    [[nodiscard]] bool isUndoMoveEnabled() const;
+
     /// The path for removing, revealing and so on.
     [[nodiscard]] virtual std::filesystem::path getPathByItem(const engine::FFItem& item) const = 0;
 
@@ -42,6 +49,10 @@ private:
     [[nodiscard]] QString tooltipOf(const engine::FFItem& item) const;
     [[nodiscard]] engine::ItemArray itemsGoingWith(const engine::FFItem& item, const std::filesystem::path& path) const;
     void removed(const engine::ItemArray& items);
+    void restored(const std::shared_ptr<engine::FFItem>& item);
+    [[nodiscard]] bool isMovedToTrash() const { return section() == engine::Section::downloads; }
+    /// Nothing is going on beside which items may go or come back.
+    [[nodiscard]] bool isIdle() const;
 
     quint64 generation_ = 0;    ///< of the section's items, at the last update of the rows
     qsizetype takenCount_ = 0;  ///< how many of them were there at that time

@@ -50,6 +50,7 @@ ListPanel::ListPanel(QWidget* parent)
       title_(new ElidedLabel(look::font(titleSize, QFont::Bold), look::textPrimary)),
       count_(new ElidedLabel(look::font(countSize), look::textSecondary)),
       freed_(new ElidedLabel(look::font(countSize), look::textSecondary)),
+      moved_(new MovedLine),
       places_(new ElidedLabel(look::font(countSize), look::textSecondary)),
       buttons_(new QHBoxLayout),
       pbtnInf_(new IconButton(QLatin1String("btnInf"), tr("Show Information"))),
@@ -94,6 +95,7 @@ QWidget* ListPanel::makeTitleBar() {
     freed_->setTextFormat(Qt::PlainText);  // names of programs
     freed_->hide();
     layout->addWidget(freed_, 1);
+    layout->addWidget(moved_);
     layout->addWidget(places_, 1);
     buttons_->setSpacing(buttonGap);
     buttons_->addWidget(pbtnInf_);
@@ -126,10 +128,11 @@ void ListPanel::addList(QWidget* list) {
     setTabOrder(pbtnFinder_, list);
 }
 
-// Tab order: the drawer's button, the other buttons, the lists, the drawer, "Select All".
+// Tab order: what undoes a move, the drawer's button, the other buttons, the lists, the drawer, "Select All".
 void ListPanel::adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
     buttons_->insertWidget(0, pbtnLangs);
     middle_->addWidget(drawer);
+    setTabOrder(moved_->undoButton(), pbtnLangs);
     setTabOrder(pbtnLangs, pbtnInf_);
     setTabOrder(pbtnInf_, pbtnFinder_);
     setTabOrder(pbtnFinder_, drawer);

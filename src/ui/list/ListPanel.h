@@ -7,6 +7,7 @@
 #include "ui/controls/PlashkaView.h"
 #include "ui/controls/SelectAllButton.h"
 #include "ui/controls/WhiteTitleButton.h"
+#include "ui/list/MovedLine.h"
 
 class QHBoxLayout;
 class QVBoxLayout;
@@ -36,6 +37,7 @@ public:
     /// Shows the list or the note instead of it; the focus goes with the change.
     void setListShown(QWidget* list, bool shown);
 
+    [[nodiscard]] MovedLine* movedLine() const { return moved_; }
     [[nodiscard]] WhiteTitleButton* pbtnClean() const { return pbtnClean_; }
     [[nodiscard]] ProgressIndicator* pProgressClean() const { return pProgressClean_; }
     /// "Show Information" and "Show in File Manager", for the selected item.
@@ -51,6 +53,7 @@ private:
     QLabel* title_;
     QLabel* count_;
     QLabel* freed_;
+    MovedLine* moved_;
     QLabel* places_;
     QHBoxLayout* buttons_;
     IconButton* pbtnInf_;

@@ -77,7 +77,7 @@ void TTableView::showSorting() {
 void TTableView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Delete && currentIndex().isValid()) {
         selectCurrentRow();
-        Q_EMIT removeRequested();
+        Q_EMIT event->modifiers().testFlag(Qt::ControlModifier) ? trashRequested() : removeRequested();
     } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
         requestMenuOfCurrentRow();  // the standard replacement of the menu key
     } else {

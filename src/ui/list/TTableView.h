@@ -27,6 +27,8 @@ Q_SIGNALS:
     void menuRequested(const QPoint& globalPosition);
     /// The user pressed the delete key.
     void removeRequested();
+    /// The same with Ctrl.
+    void trashRequested();
 
 public Q_SLOTS:
     /// Selects the current row and requests its menu beside it.

@@ -34,7 +34,8 @@ UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, pla
       finder_(finder),
       requests_(concurrentRequests),
       files_(notices_, fileBrowser, requests_),
-      removal_(notices_, remover) {
+      removal_(notices_, remover),
+      trashMoves_(notices_) {
     if (shared == nullptr) {
         shared = this;
     }
@@ -60,6 +61,7 @@ void UtilMod::waitUntilIdle() {
     workspace_.giveUp();
     requests_.waitUntilIdle();
     removal_.waitUntilIdle();
+    trashMoves_.waitUntilIdle();
 }
 
 void UtilMod::composeMail(const MailMessage& mail) {

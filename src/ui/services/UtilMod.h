@@ -13,6 +13,7 @@
 #include "ui/services/BackgroundCalls.h"
 #include "ui/services/FileActions.h"
 #include "ui/services/SingleRemoval.h"
+#include "ui/services/TrashMoves.h"
 #include "ui/services/WindowNotices.h"
 
 namespace brimvault::ui {
@@ -79,8 +80,10 @@ public:
     }
     void doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
                       const std::function<void(bool success)>& finished);
-    /// Whether a removal has not returned yet, or hangs.
-    [[nodiscard]] bool isRemovalUnderWay() const { return removal_.isUnderWay(); }
+    /// Items that the user moves to the Trash, and back.
+    [[nodiscard]] TrashMoves& trashMoves() { return trashMoves_; }
+    /// Whether a removal or a move to the Trash has not returned yet, or hangs.
+    [[nodiscard]] bool isRemovalUnderWay() const { return removal_.isUnderWay() || trashMoves_.isUnderWay(); }
 
     /// Looks up the folders of the sections, for items that are known by their names alone. The answers come later.
     void lookUpFolders();
@@ -121,6 +124,7 @@ private:
     BackgroundCalls requests_;  ///< to the desktop and the disk; a removal does not wait for them
     FileActions files_;
     SingleRemoval removal_;
+    TrashMoves trashMoves_;
 };
 
 }  // namespace brimvault::ui

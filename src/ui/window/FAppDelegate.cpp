@@ -162,6 +162,7 @@ void FAppDelegate::enter(Activity work) {
 void FAppDelegate::scanStarted() {
     bScanStarted_ = true;
     forgetFreed();
+    util_.trashMoves().forget();
     initStateAsScanStarted();
 }
 

@@ -26,7 +26,10 @@ MainMenu::MainMenu(QWidget* window, IconButton* button, MenuCommands& commands)
     menu_->addSeparator();
     add(menu_, MenuAction::doSelShowInFinder, {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R)});
     add(menu_, MenuAction::doSelGetInfo, {QKeySequence(Qt::CTRL | Qt::Key_I)});
-    add(menu_, MenuAction::doSelRemove);  // its key is the list's own: elsewhere it would remove what is out of sight
+    // The keys of these two are the list's own: elsewhere they would take away what is out of sight.
+    add(menu_, MenuAction::doSelMoveToTrash);
+    add(menu_, MenuAction::doSelRemove);
+    add(menu_, MenuAction::undoMoveToTrash, {QKeySequence(QKeySequence::Undo)});
     menu_->addSeparator();
     add(menu_, MenuAction::toggleAskBeforeCleaning);
     menu_->addSeparator();

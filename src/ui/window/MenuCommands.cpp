@@ -30,6 +30,10 @@ MenuItem MenuCommands::validateMenuItem(MenuAction what) const {
             return {tr("Show in File Manager"), selected};
         case MenuAction::doSelGetInfo:
             return {tr("Show Information"), selected};
+        case MenuAction::doSelMoveToTrash:
+            return {tr("Move to Trash"), files != nullptr && files->isMoveToTrashEnabled()};
+        case MenuAction::undoMoveToTrash:
+            return {tr("Undo Move to Trash"), files != nullptr && files->isUndoMoveEnabled()};
         case MenuAction::doSelRemove:
             return {tr("Remove..."), files != nullptr && files->isRemoveEnabled()};
         case MenuAction::toggleAskBeforeCleaning:
@@ -60,6 +64,10 @@ void MenuCommands::perform(MenuAction what) {
             return doSelShowInFinder();
         case MenuAction::doSelGetInfo:
             return doSelGetInfo();
+        case MenuAction::doSelMoveToTrash:
+            return doSelMoveToTrash();
+        case MenuAction::undoMoveToTrash:
+            return panels_.undoMove();
         case MenuAction::doSelRemove:
             return doSelRemove();
         case MenuAction::toggleAskBeforeCleaning:
@@ -109,6 +117,12 @@ void MenuCommands::infPressed() {
 void MenuCommands::doSelRemove() {
     if (auto* current = qobject_cast<FileListController*>(panels_.getCurrentSectionController())) {
         current->onClickedRemove();
+    }
+}
+
+void MenuCommands::doSelMoveToTrash() {
+    if (auto* current = qobject_cast<FileListController*>(panels_.getCurrentSectionController())) {
+        current->onClickedMoveToTrash();
     }
 }
 

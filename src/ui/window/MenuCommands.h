@@ -29,6 +29,7 @@ public:
     /// What is done to the selected item of the list on show.
     void doSelShowInFinder();
     void doSelGetInfo();
+    void doSelMoveToTrash();
     void doSelRemove();
     /// The two buttons above a list: the same for its selected item; without one, for the section's own folder.
     void finderPressed();

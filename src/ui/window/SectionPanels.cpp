@@ -33,6 +33,8 @@ SectionPanels::SectionPanels(ListPanel& panel, TSectionViewController& sections,
     for (int row = 0; row < sectionRowCount; ++row) {
         createController(row);
     }
+    connect(&util_.trashMoves(), &TrashMoves::changed, this, &SectionPanels::updateMovedLine);
+    connect(panel_.movedLine(), &MovedLine::undoRequested, this, &SectionPanels::undoMove);
 }
 
 void SectionPanels::createController(int row) {
@@ -71,8 +73,28 @@ void SectionPanels::showPanel(int row) {
 
 void SectionPanels::updateCurrentList() {
     updateTitle();
+    updateMovedLine();
     updateSelectAllButton();
     Q_EMIT currentListChanged();
+}
+
+void SectionPanels::updateMovedLine() {
+    const auto* current = getCurrentSectionController();
+    const auto& moves = util_.trashMoves();
+    const bool shows = current != nullptr && current->section() == Section::downloads;
+    panel_.movedLine()->setMoved(shows ? moves.bytes() : 0, moves.lastName());
+}
+
+// The button cannot be used meanwhile: the keyboard goes to the list.
+void SectionPanels::undoMove() {
+    auto* current = qobject_cast<FileListController*>(getCurrentSectionController());
+    if (current != nullptr) {
+        const bool hadFocus = panel_.movedLine()->undoButton()->hasFocus();
+        current->onClickedUndoMove();
+        if (hadFocus && current->hasItems()) {
+            current->view()->setFocus();
+        }
+    }
 }
 
 ItemListController* SectionPanels::getCurrentSectionController() const {

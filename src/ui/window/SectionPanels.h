@@ -35,6 +35,8 @@ public:
     void updateSelectAllButton();
     /// Ticks all of the list on show, or none, as its check box was clicked.
     void toggleSelectAll();
+    /// Puts back what was moved last from the list on show to the Trash.
+    void undoMove();
 
 Q_SIGNALS:
     /// Another list is on show, or the one on show holds other rows or ticks.
@@ -43,6 +45,7 @@ Q_SIGNALS:
 private:
     void createController(int row);
     void updateCurrentList();
+    void updateMovedLine();
     [[nodiscard]] ItemListController& controller(int row) const {
         return *pDynControllers_[static_cast<std::size_t>(row)];
     }

@@ -37,6 +37,7 @@ ControlStates controlStates(Activity activity, const ControlFacts& facts) {
         .selectAll = free && facts.listHasItems,
         .sectionChecks = free,
         .itemChecks = free || scanning,
+        .undoMove = free,
         .languageChecks = !cleaning,
     };
 }
@@ -54,6 +55,7 @@ void WindowControls::enable() {
     lists->pbtnInf()->setEnabled(states.itemButtons);
     lists->pbtnFinder()->setEnabled(states.itemButtons);
     lists->pbtnSelectAll()->setEnabled(states.selectAll);
+    lists->movedLine()->undoButton()->setEnabled(states.undoMove);
 }
 
 void WindowControls::enableControlsScan(bool idle) {

@@ -23,6 +23,7 @@ struct ControlStates {
     bool selectAll;       ///< the check box of a whole list
     bool sectionChecks;   ///< the check boxes of the sections
     bool itemChecks;      ///< the check boxes of the items
+    bool undoMove;        ///< the button beside the title of Downloads
     bool languageChecks;  ///< the check boxes of the languages to keep
     bool operator==(const ControlStates&) const = default;
 };

@@ -1,0 +1,40 @@
+#include "ui/list/MovedLine.h"
+
+#include <QHBoxLayout>
+
+#include "engine/model/FileSize.h"
+#include "ui/look/Look.h"
+
+namespace brimvault::ui {
+
+namespace {
+
+constexpr qreal textSize = 12;
+constexpr int minButtonWidth = 72;
+
+}  // namespace
+
+MovedLine::MovedLine(QWidget* parent)
+    : QWidget(parent),
+      text_(new ElidedLabel(look::font(textSize), look::textSecondary)),
+      undo_(WhiteTitleButton::make(tr("Undo"), WhiteTitleButton::quiet, textSize)) {
+    undo_->setTitleColor(QColor(look::accentDark));
+    undo_->setSmall(minButtonWidth);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->addWidget(text_);
+    layout->addWidget(undo_);
+    connect(undo_, &QAbstractButton::clicked, this, &MovedLine::undoRequested);
+    hide();
+}
+
+// Space that is taken until the Trash is emptied was not freed, and is not called so.
+void MovedLine::setMoved(quint64 bytes, const QString& lastName) {
+    text_->setText(tr("Moved %1 to the Trash").arg(engine::FileSize::formatMemoryStringDot1(bytes)));
+    text_->setToolTip(tr("The space is freed when the Trash is emptied"));
+    undo_->setTitle(tr("Undo"), tr("Undo: put “%1” back").arg(lastName));
+    undo_->setVisible(!lastName.isEmpty());
+    setVisible(bytes > 0);
+}
+
+}  // namespace brimvault::ui
