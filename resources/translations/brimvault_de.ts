@@ -392,6 +392,10 @@
         <source>Removing, then closing...</source>
         <translation>Schließt nach dem Entfernen …</translation>
     </message>
+    <message>
+        <source>Cleaning frees %1. Snapshots of the file system may still hold that space.</source>
+        <translation>Das Aufräumen gibt %1 frei. Schnappschüsse des Dateisystems können diesen Platz weiter belegen.</translation>
+    </message>
 </context>
 <context>
     <name>Subtitle</name>
@@ -609,6 +613,14 @@
     <message>
         <source>Size</source>
         <translation>Größe</translation>
+    </message>
+    <message>
+        <source>frees %1</source>
+        <translation>gibt %1 frei</translation>
+    </message>
+    <message>
+        <source>Removing it frees %1. Snapshots of the file system may still hold that space.</source>
+        <translation>Das Entfernen gibt %1 frei. Schnappschüsse des Dateisystems können diesen Platz weiter belegen.</translation>
     </message>
 </context>
 <context>

@@ -155,4 +155,26 @@ TEST_F(NoteJourney, ASingleRemovalSaysTheNoteAndTakesWhatTheItemStandsForAlone) 
     EXPECT_TRUE(fs::exists(caches() / "browser/file")) << "what its path names";
 }
 
+TEST_F(NoteJourney, TheStatusPanelTellsWhatCleaningFreesWhereThatIsFarFromWhatIsSelected) {
+    for (const Section section : engine::allSections) {
+        const auto words = engine::vocabulary(section);
+        engine::NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, engine::ItemArray()}});
+    }
+    items_ = {made("one", 50'000'000), made("other", 50'000'000)};
+    for (const auto& item : items_) {
+        item->setSpace({1'000'000, {{.device = 1, .inode = 2, .allocated = 10'300'000, .names = 1, .allNames = 2}}});
+    }
+    list();
+    const auto told = [this] { return lists()->plashka()->toolTip(); };
+    EXPECT_TRUE(told().startsWith(u"Cleaning frees 2 MB."_s)) << told().toStdString();
+    engine::NotificationCenter::defaultCenter().post(engine::notification::scanFinished);
+    EXPECT_TRUE(runUntil([&] { return told().startsWith(u"Cleaning frees 12.3 MB."_s); })) << told().toStdString();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(lists()->plashka())->text(QAccessible::Description), told());
+    EXPECT_EQ(status(), u"100 MB, Selected of 100 MB"_s);
+    clickCheckOf(u"one"_s);
+    EXPECT_TRUE(told().startsWith(u"Cleaning frees 1 MB."_s)) << told().toStdString();
+    clickCheckOf(u"other"_s);
+    EXPECT_EQ(told(), QString());
+}
+
 }  // namespace brimvault::tests

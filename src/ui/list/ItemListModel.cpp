@@ -31,7 +31,8 @@ ItemListModel::ItemListModel(Texts texts, QObject* parent)
 int ItemListModel::setItems(const QList<Item>& items, int row) {
     const int place = rows_.keepOnly(items, row);
     if (texts_.valuesChange && rows_.refreshValues()) {
-        Q_EMIT dataChanged(index(0, sizeColumn), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});
+        Q_EMIT dataChanged(index(0, nameColumn), index(rowCount() - 1, columnCount() - 1),
+                           {Qt::DisplayRole, freesRole});
     }
     rows_.append(items);
     return place;
@@ -123,15 +124,30 @@ QVariant ItemListModel::nameData(const engine::CleanableItem& item, int role) co
         case Qt::DisplayRole:
             return texts_.name(item);
         case noteRole:
-        case Qt::AccessibleDescriptionRole:
             return noteOf(item);
+        case freesRole:
+            return freesOf(item);
+        case Qt::AccessibleDescriptionRole: {
+            QStringList parts{noteOf(item), freesOf(item)};
+            parts.removeAll(QString());
+            return parts.join(QStringLiteral(". "));
+        }
         default:
             return {};
     }
 }
 
+QString ItemListModel::freesOf(const engine::CleanableItem& item) {
+    return item.isFreesWorthTelling() ? tr("frees %1").arg(engine::FileSize::formatMemoryStringDot1(item.frees()))
+                                      : QString();
+}
+
 QString ItemListModel::tooltipOf(const engine::CleanableItem& item) const {
     QStringList lines{texts_.tooltip(item), noteOf(item)};
+    if (item.isFreesWorthTelling()) {
+        lines.append(tr("Removing it frees %1. Snapshots of the file system may still hold that space.")
+                         .arg(engine::FileSize::formatMemoryStringDot1(item.frees())));
+    }
     lines.removeAll(QString());
     return lines.join(QLatin1Char('\n'));
 }

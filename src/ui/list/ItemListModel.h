@@ -19,7 +19,8 @@ public:
     enum Column { checkColumn, iconColumn, nameColumn, sizeColumn, countColumn };
     enum Role {
         iconRole = Qt::UserRole,  ///< an item's RowPicture
-        noteRole                  ///< of the name: why the user should look at the item first; empty for most
+        noteRole,                 ///< of the name: why the user should look at the item first; empty for most
+        freesRole                 ///< of the name: what removing it frees, where that is far from its size; else empty
     };
     [[nodiscard]] static bool isNumber(int column) { return column == sizeColumn || column == countColumn; }
 
@@ -86,6 +87,7 @@ private:
     [[nodiscard]] QString noteOf(const engine::CleanableItem& item) const {
         return texts_.note ? texts_.note(item) : QString();
     }
+    [[nodiscard]] static QString freesOf(const engine::CleanableItem& item);
     [[nodiscard]] QVariant nameData(const engine::CleanableItem& item, int role) const;
     [[nodiscard]] QString tooltipOf(const engine::CleanableItem& item) const;
     [[nodiscard]] QVariant checkData(const engine::CleanableItem& item, int role) const;

@@ -14,6 +14,10 @@ constexpr qreal noteSize = 12;
 constexpr int noteGap = 16;       // between the name and the note
 constexpr int minNoteWidth = 40;  // in less than that nobody reads anything
 
+int widthOfName(const QModelIndex& index) {
+    return QFontMetrics(look::font(TextCellSmall::textSize)).horizontalAdvance(index.data().toString());
+}
+
 }  // namespace
 
 void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) const {
@@ -23,15 +27,30 @@ void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) 
 void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     RowDelegate::drawText(painter, option, index);
     const QString note = index.data(ItemListModel::noteRole).toString();
-    const QRect room = textRoom(option, index);
-    const QFontMetrics ofName(look::font(TextCellSmall::textSize));
-    const int before = ofName.horizontalAdvance(index.data().toString()) + look::scaled(noteGap);
+    const QRect room = drawFrees(painter, option, index, textRoom(option, index));
+    const int before = widthOfName(index) + look::scaled(noteGap);
     if (note.isEmpty() || room.width() - before < look::scaled(minNoteWidth)) {
         return;
     }
     const QRect place = QStyle::visualRect(option.direction, room, room.adjusted(before, 0, 0, 0));
     painter.setPen(QColor(isSelected(option) ? look::textWarningOnAccent : look::textWarning));
     drawTextLine(painter, place, leadingSide(option.direction), look::font(noteSize), note);
+}
+
+// The name comes first: where both do not fit, the tooltip alone tells it.
+QRect ItemRowDelegate::drawFrees(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
+                                 const QRect& room) {
+    const QString text = index.data(ItemListModel::freesRole).toString();
+    const QFont font = look::font(noteSize);
+    const int needed = QFontMetrics(font).horizontalAdvance(text);
+    const int before = room.width() - needed;
+    if (text.isEmpty() || before < widthOfName(index) + look::scaled(noteGap)) {
+        return room;
+    }
+    painter.setPen(QColor(isSelected(option) ? look::textOnAccent : look::textSecondary));
+    drawTextLine(painter, QStyle::visualRect(option.direction, room, room.adjusted(before, 0, 0, 0)),
+                 trailingSide(option.direction), font, text);
+    return QStyle::visualRect(option.direction, room, room.adjusted(0, 0, -needed - look::scaled(noteGap), 0));
 }
 
 // While its own icon is not loaded, or if it has none, a row shows a general picture.

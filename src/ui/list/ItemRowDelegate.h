@@ -8,8 +8,8 @@
 
 namespace brimvault::ui {
 
-/// Draws the cells of an item list: check box, icon, name, numbers. To the name it appends the item's note, as far as
-/// there is room. Main thread.
+/// Draws the cells of an item list: check box, icon, name, numbers. Behind the name stands the item's note, and at the
+/// end of its cell, beside the size, what removing the item frees, each as far as there is room. Main thread.
 class ItemRowDelegate final : public RowDelegate {
     Q_OBJECT
 
@@ -24,6 +24,10 @@ protected:
     [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }
 
 private:
+    /// What is left of the room of the name.
+    [[nodiscard]] static QRect drawFrees(QPainter& painter, const QStyleOptionViewItem& option,
+                                         const QModelIndex& index, const QRect& room);
+
     std::unique_ptr<RowIcons> icons_;
 };
 

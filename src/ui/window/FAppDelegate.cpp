@@ -101,6 +101,8 @@ void FAppDelegate::registerObservers() {
     observations_.push_back(center.addObserver(engine::notification::updateCleanableSizes,
                                                [this](const auto&) { UpdateTextsAboutFreeUpSize(); }));
     observations_.push_back(
+        center.addObserver(engine::notification::sharedSpaceInterfaceUpd, [this](const auto&) { sharedSpaceFound(); }));
+    observations_.push_back(
         center.addObserver(engine::notification::plashkaPressed, [this](const auto&) { plashkaPressed(); }));
 }
 
@@ -312,9 +314,17 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
 
 // Of all sections, whichever list is on show.
 void FAppDelegate::showSizes() {
-    statusTexts_.showSizes(psectController_.getSize2CleanALLSel(), performer_.getAppResDS().getSize2CleanALL(),
-                           activity_, closeRequested_);
+    const quint64 selected = psectController_.getSize2CleanALLSel();
+    statusTexts_.showSizes(selected, performer_.getAppResDS().getSize2CleanALL(), activity_, closeRequested_);
+    statusTexts_.showFrees(selected, performer_.getAppResDS().freesOfSelection(psectController_.checks()));
     bPlashkaStateSelectedFiles_ = true;
+}
+
+// Some time after a scan; the panel may show what was cleaned by then.
+void FAppDelegate::sharedSpaceFound() {
+    if (bScanStarted_ && bPlashkaStateSelectedFiles_) {
+        showSizes();
+    }
 }
 
 void FAppDelegate::plashkaPressed() { setPlashkaToSelectedState(!bPlashkaStateSelectedFiles_); }

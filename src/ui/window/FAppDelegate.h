@@ -105,6 +105,7 @@ private:
     void toggleSelectAll();
 
     void showSizes();
+    void sharedSpaceFound();
     void plashkaPressed();
     void setPlashkaToSelectedState(bool selected);
 

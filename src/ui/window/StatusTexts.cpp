@@ -1,5 +1,6 @@
 #include "ui/window/StatusTexts.h"
 
+#include "engine/model/CleanableItem.h"
 #include "engine/model/FileSize.h"
 #include "ui/services/DefaultsKeys.h"
 
@@ -19,9 +20,21 @@ void StatusTexts::showSizes(quint64 selected, quint64 total, Activity activity, 
     plashka_.setTexts(selected == 0 ? tr("Zero Bytes") : FileSize::formatMemoryStringDot1(selected), text);
 }
 
+void StatusTexts::showFrees(quint64 selected, quint64 frees) {
+    const QString text = engine::CleanableItem::isWorthTelling(selected, frees)
+                             ? tr("Cleaning frees %1. Snapshots of the file system may still hold that space.")
+                                   .arg(FileSize::formatMemoryStringDot1(frees))
+                             : QString();
+    if (plashka_.toolTip() != text) {
+        plashka_.setToolTip(text);
+        plashka_.setAccessibleDescription(text);
+    }
+}
+
 void StatusTexts::showHint() { ptxtStartDescClean_.setText(tr("Select sections and press Scan button")); }
 
 void StatusTexts::showCleanedSummary() {
+    showFrees(0, 0);
     const quint64 total = defaults_.number(defaults_key::totalCleanedSize).value_or(0);
     const quint64 last = defaults_.number(defaults_key::lastCleanedSize).value_or(0);
     const QString totalText = FileSize::formatMemoryStringDot1(total);

@@ -20,6 +20,8 @@ public:
 
     /// Bytes of what is selected, and of everything; or what is being done to them, and that the window then closes.
     void showSizes(quint64 selected, quint64 total, Activity activity, bool closes);
+    /// What removing the selected bytes would free: said by the tooltip, where that is far from what is selected.
+    void showFrees(quint64 selected, quint64 frees);
     /// The hint of the start page.
     void showHint();
     /// What the last clean of this run and all cleans have freed.

@@ -275,6 +275,37 @@ TEST_F(NotedRow, TellsTheNoteInItsTooltipBelowThePathAndToAssistiveClients) {
     EXPECT_EQ(tooltip.toPlainText(), QStringLiteral("/path/<b>\nTakes long & loud"));
 }
 
+TEST_F(NotedRow, TellsBesideTheSizeWhatItFreesWhereThatIsFarFromItAtEveryScale) {
+    using ui::look::scaled;
+    const auto show = [&](quint64 frees) {
+        const auto item = engine::FFItem::initWithName("huggingface", 50'000'000);
+        item->setSpace({frees});
+        model_.setItems({item});
+    };
+    const auto cell = [&](int role) { return model_.index(0, ItemListModel::nameColumn).data(role).toString(); };
+    const int wide = scaled(600);
+    const QString sentence =
+        QStringLiteral("May hold work that exists nowhere else, and so on, and so forth, for long");
+    show(46'000'000);
+    const auto without = drawn(wide, {});
+    const auto noted = drawn(wide, sentence);
+    const auto narrow = drawn(scaled(130), {});
+    EXPECT_EQ(cell(Qt::AccessibleDescriptionRole), QString());
+    show(12'300'000);
+    const auto [first, last] = difference(without, drawn(wide, {}));
+    EXPECT_GT(first, wide - scaled(110));
+    EXPECT_GT(last, wide - scaled(20));
+    EXPECT_LT(last, wide - 10 + 1);
+    EXPECT_GE(difference(noted, drawn(wide, sentence)).first, first - scaled(120)) << "the note makes room";
+    EXPECT_EQ(difference(narrow, drawn(scaled(130), {})), std::pair(-1, -1)) << "the name comes first";
+    direction_ = Qt::RightToLeft;
+    EXPECT_LT(difference(drawn(wide, {}), without).first, scaled(20));
+
+    note_ = QStringLiteral("Takes long");
+    EXPECT_EQ(cell(Qt::AccessibleDescriptionRole), QStringLiteral("Takes long. frees 12.3 MB"));
+    EXPECT_THAT(cell(Qt::ToolTipRole).toStdString(), testing::HasSubstr("frees 12.3 MB. Snapshots"));
+}
+
 double luminance(QRgb colour) {
     const auto part = [](int value) {
         const double share = value / 255.0;
