@@ -735,6 +735,14 @@ Was würde es besser machen? Jede Idee ist willkommen:
 </translation>
     </message>
     <message>
+        <source>Keep a History</source>
+        <translation>Verlauf führen</translation>
+    </message>
+    <message>
+        <source>Show History</source>
+        <translation>Verlauf anzeigen</translation>
+    </message>
+    <message>
         <source>Move to Trash</source>
         <translation>In den Papierkorb legen</translation>
     </message>
@@ -944,6 +952,22 @@ Alle auswählen und scannen?</translation>
     <message>
         <source>No program for mail answers. The address is %1</source>
         <translation>Kein E-Mail-Programm antwortet. Die Adresse lautet %1</translation>
+    </message>
+    <message>
+        <source>There is no history yet</source>
+        <translation>Es gibt noch keinen Verlauf</translation>
+    </message>
+    <message>
+        <source>What Brimvault removes, and what it could not remove, will be listed there.</source>
+        <translation>Dort steht künftig, was Brimvault entfernt und was sich nicht entfernen ließ.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t show the history</source>
+        <translation>Der Verlauf kann nicht angezeigt werden</translation>
+    </message>
+    <message>
+        <source>No program for text files answers. The history is in %1</source>
+        <translation>Kein Programm für Textdateien antwortet. Der Verlauf liegt in %1</translation>
     </message>
 </context>
 <context>

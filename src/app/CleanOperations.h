@@ -4,7 +4,8 @@
 
 namespace brimvault::app {
 
-/// What cleans each section; the remover, which outlives the table, removes what the user may not.
-[[nodiscard]] engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover);
+/// What cleans each section; the remover removes what the user may not. Both outlive the table.
+[[nodiscard]] engine::CleanTable cleanOperations(engine::PrivilegedRemover& remover,
+                                                 engine::RemovalHistory& history = engine::RemovalHistory::none());
 
 }  // namespace brimvault::app

@@ -9,6 +9,7 @@
 #include "app/Translations.h"
 #include "app/scan/ScanOperations.h"
 #include "engine/removal/Remover.h"
+#include "platform/LibraryURLs.h"
 #include "platform/UserDefaults.h"
 #include "ui/accessibility/AccessibleItemView.h"
 #include "ui/controls/AlertWindow.h"
@@ -44,16 +45,18 @@ int main(int argc, char* argv[]) {
     platform::UserDefaults defaults(platform::UserDefaults::standardFile());  // settings and statistics
     ui::WindowAlerts alerts;                                                  // questions to the user
     auto& remover = engine::Remover::GetInstance();                           // what the user may not remove
-    const auto fileBrowser = platform::FileBrowser::ofSession();              // shows files
-    const auto workspace = platform::Workspace::ofSession();                  // mails; the maker's other applications
-    ui::UtilMod util(alerts, *fileBrowser, *workspace,                        // acts outside the window: files, mails
-                     platform::FinderPreferences::shared(), remover);
+    engine::RemovalHistory history(platform::LibraryURLs::getHistoryFolderURL().value_or(std::filesystem::path()));
+    const auto fileBrowser = platform::FileBrowser::ofSession();  // shows files
+    const auto workspace = platform::Workspace::ofSession();      // mails; the maker's other applications
+    ui::UtilMod util(alerts, *fileBrowser, *workspace,            // acts outside the window: files, mails
+                     platform::FinderPreferences::shared(), remover, history);
     ui::FAppDelegate delegate(app::scanOperations(),                          // what scans each section
-                              app::cleanOperations(remover),                  // what cleans each section
+                              app::cleanOperations(remover, history),         // what cleans each section
                               {defaults, alerts, util,                        // settings, questions, the outside
                                langres::LanguagesManager::sharedManager()});  // the user's languages; and the window
     delegate.applicationDidFinishLaunching();
     const int result = QApplication::exec();
+    (void)history.waitUntilWritten();
     if (delegate.isAnythingLeftBehind()) {
         std::_Exit(result);  // destroy nothing under a thread that may still return
     }

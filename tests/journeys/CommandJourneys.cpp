@@ -1,6 +1,7 @@
 // What the menu offers and when, what comes of it, and the question of a clean.
 
 #include "engine/notification/Notifications.h"
+#include "support/FixtureTrees.h"
 #include "support/HeardNotifications.h"
 #include "support/WindowFixture.h"
 #include "ui/controls/AlertWindow.h"
@@ -23,6 +24,12 @@ protected:
     void selectFirstItem() const {
         ASSERT_TRUE(Guide::waitFor([this] { return guide_->list() != nullptr; }));
         guide_->clickCell(0, ItemListModel::nameColumn);
+    }
+    [[nodiscard]] bool isOn(const QString& title) const {
+        application_->menu().validateItems();
+        const auto actions = menu()->actions();
+        return std::any_of(actions.begin(), actions.end(),
+                           [&](const auto* action) { return action->text() == title && action->isChecked(); });
     }
     void pressShortcutOfClean() const {
         QTest::keyClick(window(), Qt::Key_Delete, Qt::ControlModifier | Qt::ShiftModifier);
@@ -98,6 +105,45 @@ TEST_F(MenuJourney, TheQuestionOfACleanIsSwitchedOffAndOn) {
     awaitEndOfClean();
     EXPECT_EQ(alerts_.asked.size(), 2U);
     EXPECT_FALSE(fs::exists(caches() / "com.vendor.photos"));
+}
+
+TEST_F(MenuJourney, TheHistoryIsShownAndSwitchedOffAndOn) {
+    startAndScan();
+    const auto isTicked = [this] { return isOn(u"Keep a History"_s); };
+    EXPECT_TRUE(isTicked());
+    perform(MenuAction::showHistory);
+    ASSERT_TRUE(Guide::waitFor([this] { return alerts_.asked.size() == 1; }));
+    EXPECT_EQ(alerts_.asked.back().message, u"There is no history yet"_s);
+
+    perform(MenuAction::toggleKeepHistory);
+    EXPECT_FALSE(isTicked());
+    EXPECT_EQ(defaults_->boolean(u"KeepHistory"_s), false);
+    guide_->clickCell(guide_->row(u"com.vendor.photos"_s), ItemListModel::nameColumn);
+    alerts_.answers.push_back(agree);
+    perform(MenuAction::doSelRemove);
+    ASSERT_TRUE(Guide::waitFor([this] { return !fs::exists(caches() / "com.vendor.photos"); }));
+    ASSERT_TRUE(Guide::waitFor([this] { return !application_->pbRemoving(); }));
+    perform(MenuAction::toggleKeepHistory);
+    const auto next = names().first();
+    guide_->clickCell(0, ItemListModel::nameColumn);
+    alerts_.answers.push_back(agree);
+    perform(MenuAction::doSelRemove);
+    ASSERT_TRUE(Guide::waitFor([&] { return names().first() != next && !application_->pbRemoving(); }));
+    clean();
+    EXPECT_TRUE(history_.waitUntilWritten());
+    const auto written = contentOf(history_.file());
+    EXPECT_THAT(written, testing::StartsWith("{\"time\":\"20"));
+    EXPECT_THAT(written, testing::HasSubstr("\"section\":\"caches\",\"path\":\"" +
+                                            (caches() / next.toStdString()).native() + '"'));
+    EXPECT_THAT(written, testing::Not(testing::HasSubstr("com.vendor.photos")));
+    EXPECT_GT(std::count(written.begin(), written.end(), '\n'), 2) << "the single removal, and the clean";
+
+    perform(MenuAction::showHistory);
+    ASSERT_TRUE(Guide::waitFor([this] { return !workspace_.opened().empty(); }));
+    EXPECT_EQ(workspace_.opened().front(), "file://" + history_.file().native());
+    quit();
+    defaults_ = std::make_unique<platform::UserDefaults>(defaultsFile());
+    EXPECT_EQ(defaults_->boolean(u"KeepHistory"_s), true);
 }
 
 // Its title would not hold any more: what stopped a scan would start the next.

@@ -133,7 +133,7 @@ protected:
     void start() { start(scans()); }
     // Nothing is said of the machine's own volumes, on which others write.
     void start(engine::ScanTable table) {
-        auto cleans = app::cleanOperations(remover_);
+        auto cleans = app::cleanOperations(remover_, history_);
         cleans.volumes = nullptr;
         start(std::move(table), std::move(cleans));
     }
@@ -281,7 +281,8 @@ protected:
     /// The user reads German.
     langres::LanguagesManager languages_{{{QStringLiteral("de"), QStringLiteral("en")}, {}}};
     ToldRemover remover_;
-    ui::UtilMod util_{alerts_, fileBrowser_, workspace_, platform::FinderPreferences::shared(), remover_};
+    engine::RemovalHistory history_{folder_ / "state"};
+    ui::UtilMod util_{alerts_, fileBrowser_, workspace_, platform::FinderPreferences::shared(), remover_, history_};
     std::unique_ptr<platform::UserDefaults> defaults_;
     std::unique_ptr<ui::FAppDelegate> application_;
     std::unique_ptr<Guide> guide_;

@@ -166,7 +166,7 @@ void FileListController::onClickedRemove() {
             list->removed(going);
         }
     };
-    dependencies().util.doRemoveItem(item, path, finished);
+    dependencies().util.doRemoveItem(item, path, finished, section());
 }
 
 // The items of which all lies in what is removed with the item: they go with it. Scans write paths in one way, so that

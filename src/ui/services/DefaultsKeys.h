@@ -12,5 +12,7 @@ inline constexpr QLatin1String launchNumber("APP_launch_number");
 inline constexpr QLatin1String cleanNumber("APP_clean_number");  ///< cleans that freed something
 /// The removal confirmation is not shown again.
 inline constexpr QLatin1String suppressRemovalAlert("SuppressAlertShowAlertOnRemove");
+/// What is removed is written into the history; yes where it is missing.
+inline constexpr QLatin1String keepHistory("KeepHistory");
 
 }  // namespace brimvault::ui::defaults_key

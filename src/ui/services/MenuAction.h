@@ -17,6 +17,8 @@ enum class MenuAction {
     doSelRemove,
     undoMoveToTrash,
     toggleAskBeforeCleaning,
+    toggleKeepHistory,
+    showHistory,
     shareByMail,
     sendFeedbackPressed,
     showAboutScreen,

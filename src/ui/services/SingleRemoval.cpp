@@ -74,24 +74,32 @@ bool SingleRemoval::ask(const QString& name, QStringList where, qsizetype itemsI
 }
 
 void SingleRemoval::remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
-                           const Finished& finished) {
+                           const Finished& finished, const Listed& listed) {
     begin(
         platform::displayText(path.filename()),
-        [path, foundIn](engine::ItemRemover& remover) { return remover.remove(path, foundIn); }, finished);
+        [path, foundIn](engine::ItemRemover& remover) { return remover.remove(path, foundIn); },
+        {.section = listed.section, .paths = {path}, .bytes = listed.bytes}, finished);
 }
 
-void SingleRemoval::removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished) {
+void SingleRemoval::removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished,
+                                  std::optional<engine::Section> section) {
     begin(
-        item->ppdisplayName(), [item](engine::ItemRemover& remover) { return remover.removeTargets(*item); }, finished);
+        item->ppdisplayName(), [item](engine::ItemRemover& remover) { return remover.removeTargets(*item); },
+        {.section = section, .paths = item->removalPaths(), .bytes = engine::expectedToFree(*item)}, finished);
 }
 
-void SingleRemoval::begin(const QString& name, const Removal& removal, const Finished& finished) {
+void SingleRemoval::begin(const QString& name, const Removal& removal, engine::ItemOutcome outcome,
+                          const Finished& finished) {
     remover_.allowAskingUser();
     ++underWay_;
     calls_.call<engine::ItemRemoval>(
-        [&privileged = remover_, removal] {
+        [&privileged = remover_, &history = history_, removal, outcome = std::move(outcome)]() mutable {
             engine::ItemRemover remover(privileged);
-            return removal(remover);
+            auto done = removal(remover);
+            outcome.gone = done.gone;
+            outcome.reason = done.reason;
+            history.add(outcome);
+            return done;
         },
         [this, name, finished](const engine::ItemRemoval& done) { finish(name, done, finished); });
 }

@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "engine/removal/ItemRemoval.h"
+#include "engine/removal/RemovalHistory.h"
 #include "ui/services/BackgroundCalls.h"
 #include "ui/services/WindowNotices.h"
 
@@ -16,9 +18,9 @@ class SingleRemoval {
     Q_DECLARE_TR_FUNCTIONS(SingleRemoval)
 
 public:
-    /// Both must outlive this object.
-    SingleRemoval(const WindowNotices& notices, engine::PrivilegedRemover& remover)
-        : notices_(notices), remover_(remover) {}
+    /// All of them must outlive this object.
+    SingleRemoval(const WindowNotices& notices, engine::PrivilegedRemover& remover, engine::RemovalHistory& history)
+        : notices_(notices), remover_(remover), history_(history) {}
 
     using Finished = std::function<void(bool success)>;
 
@@ -28,12 +30,18 @@ public:
     /// The same of an item: the question says what it stands for, its note, and the notes of the items that go with it.
     [[nodiscard]] bool askToConfirm(const engine::FFItem& item, const std::filesystem::path& path,
                                     const engine::ItemArray& goingWithIt) const;
+    /// What a list knows of what is removed, for the history.
+    struct Listed {
+        std::optional<engine::Section> section = {};
+        quint64 bytes = 0;
+    };
     /// Removes the file at an absolute, normal path, and tells the user where that failed. Then posts
     /// "singleFileRemoveFinished" and calls `finished` with whether the file is gone.
     void remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
-                const Finished& finished);
+                const Finished& finished, const Listed& listed);
     /// The same of all that the item stands for; it has targets.
-    void removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished);
+    void removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished,
+                       std::optional<engine::Section> section = std::nullopt);
 
     /// Whether a removal has not returned yet, or hangs.
     [[nodiscard]] bool isUnderWay() const { return underWay_ > 0; }
@@ -45,12 +53,13 @@ private:
 
     [[nodiscard]] bool ask(const QString& name, QStringList where, qsizetype itemsInIt,
                            const Alert::Warning& warning) const;
-    /// The name is for people.
-    void begin(const QString& name, const Removal& removal, const Finished& finished);
+    /// The name is for people; the outcome is completed for the history.
+    void begin(const QString& name, const Removal& removal, engine::ItemOutcome outcome, const Finished& finished);
     void finish(const QString& name, const engine::ItemRemoval& removal, const Finished& finished);
 
     const WindowNotices& notices_;
     engine::PrivilegedRemover& remover_;
+    engine::RemovalHistory& history_;
     int underWay_ = 0;
     BackgroundCalls calls_{1};
 };

@@ -2,7 +2,9 @@
 
 #include <QUrl>
 
+#include "files/NodeStatus.h"
 #include "platform/LibraryURLs.h"
+#include "platform/text/DisplayText.h"
 #include "ui/services/InfoWindow.h"
 
 namespace brimvault::ui {
@@ -27,14 +29,16 @@ std::string MailMessage::url() const {
 }
 
 UtilMod::UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::Workspace& workspace,
-                 platform::FinderPreferences& finder, engine::PrivilegedRemover& remover)
+                 platform::FinderPreferences& finder, engine::PrivilegedRemover& remover,
+                 engine::RemovalHistory& history)
     : notices_(alerts),
       fileBrowser_(fileBrowser),
       workspace_(workspace),
       finder_(finder),
+      history_(history),
       requests_(concurrentRequests),
       files_(notices_, fileBrowser, requests_),
-      removal_(notices_, remover),
+      removal_(notices_, remover, history),
       trashMoves_(notices_) {
     if (shared == nullptr) {
         shared = this;
@@ -77,21 +81,45 @@ void UtilMod::composeMail(const MailMessage& mail) {
                          });
 }
 
+void UtilMod::showHistory() {
+    enum class Answer { opened, nothingWritten, nobodyAnswers };
+    const auto open = [&workspace = workspace_, &history = history_] {
+        (void)history.waitUntilWritten();
+        const auto file = history.file().native();
+        const auto status = files::statusOf(file);
+        if (!status || status->kind != files::NodeKind::regular) {
+            return Answer::nothingWritten;
+        }
+        const auto url = "file://" + QByteArray::fromStdString(file).toPercentEncoding("/").toStdString();
+        return workspace.openURL(url) ? Answer::opened : Answer::nobodyAnswers;
+    };
+    requests_.call<Answer>(open, [this](Answer answer) {
+        if (answer == Answer::nothingWritten) {
+            notices_.show(tr("There is no history yet"),
+                          tr("What Brimvault removes, and what it could not remove, will be listed there."));
+        } else if (answer == Answer::nobodyAnswers) {
+            notices_.show(tr("Can't show the history"), tr("No program for text files answers. The history is in %1")
+                                                            .arg(platform::displayText(history_.file())));
+        }
+    });
+}
+
 void UtilMod::announceStart() {
     requests_.call([&workspace = workspace_] { workspace.announceStart(); });
 }
 
 void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                            const std::shared_ptr<const engine::FoundIn>& foundIn) {
-    removal_.remove(FileActions::standardized(path), foundIn, finished);
+    removal_.remove(FileActions::standardized(path), foundIn, finished, {});
 }
 
 void UtilMod::doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
-                           const std::function<void(bool success)>& finished) {
+                           const std::function<void(bool success)>& finished, std::optional<engine::Section> section) {
     if (item->hasTargets()) {
-        removal_.removeTargets(item, finished);
+        removal_.removeTargets(item, finished, section);
     } else {
-        doRemoveFile(path, finished, item->foundIn());
+        removal_.remove(FileActions::standardized(path), item->foundIn(), finished,
+                        {section, engine::expectedToFree(*item)});
     }
 }
 

@@ -37,7 +37,8 @@ public:
     /// All of them must outlive this object.
     UtilMod(AlertPresenter& alerts, platform::FileBrowser& fileBrowser, platform::Workspace& workspace,
             platform::FinderPreferences& finder = platform::FinderPreferences::shared(),
-            engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none());
+            engine::PrivilegedRemover& remover = engine::PrivilegedRemover::none(),
+            engine::RemovalHistory& history = engine::RemovalHistory::none());
     ~UtilMod() override;
     /// The process-wide instance: the first that was made, which must still exist.
     static UtilMod& sharedUtil();
@@ -60,6 +61,9 @@ public:
     void alertFileNotExists(const std::filesystem::path& path) { files_.alertFileNotExists(path); }
     /// Opens a new mail in the user's mail program; where there is none, says so.
     void composeMail(const MailMessage& mail);
+    /// Opens the history of what was removed with the desktop's default program, or says why it cannot.
+    void showHistory();
+    [[nodiscard]] engine::RemovalHistory& history() { return history_; }
     /// Tells the maker's other applications that this one has started.
     void announceStart();
 
@@ -79,7 +83,8 @@ public:
         return removal_.askToConfirm(item, path, goingWithIt);
     }
     void doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
-                      const std::function<void(bool success)>& finished);
+                      const std::function<void(bool success)>& finished,
+                      std::optional<engine::Section> section = std::nullopt);
     /// Items that the user moves to the Trash, and back.
     [[nodiscard]] TrashMoves& trashMoves() { return trashMoves_; }
     /// Whether a removal or a move to the Trash has not returned yet, or hangs.
@@ -120,6 +125,7 @@ private:
     platform::FileBrowser& fileBrowser_;
     platform::Workspace& workspace_;
     platform::FinderPreferences& finder_;
+    engine::RemovalHistory& history_;
     KnownFolders folders_;
     BackgroundCalls requests_;  ///< to the desktop and the disk; a removal does not wait for them
     FileActions files_;

@@ -38,7 +38,7 @@ FAppDelegate::FAppDelegate(engine::ScanTable scans, engine::CleanTable cleans, c
                     return ControlFacts{bScanStarted_, psectController_.getSize2CleanALLSel() > 0,
                                         current != nullptr && current->hasItems()};
                 }),
-      commands_(*window_, psectController_, panels_, drawerAndSheets_, util_),
+      commands_(*window_, psectController_, panels_, drawerAndSheets_, util_, defaults_),
       menu_(window_.get(), window_->sidebar()->pbtnMenu(), commands_) {
     window_->pDrawer()->ptableView()->setModel(&pLangListController_);
     util_.setWindow(window_.get());

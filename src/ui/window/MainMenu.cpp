@@ -33,6 +33,9 @@ MainMenu::MainMenu(QWidget* window, IconButton* button, MenuCommands& commands)
     menu_->addSeparator();
     add(menu_, MenuAction::toggleAskBeforeCleaning);
     menu_->addSeparator();
+    add(menu_, MenuAction::toggleKeepHistory);
+    add(menu_, MenuAction::showHistory);
+    menu_->addSeparator();
     auto* share = menu_->addMenu(tr("Share"));
     share->setStyleSheet(styleSheets::menu());
     add(share, MenuAction::shareByMail);

@@ -2,6 +2,7 @@
 
 #include "ui/list/FileListController.h"
 #include "ui/sections/SectionFolders.h"
+#include "ui/services/DefaultsKeys.h"
 
 namespace brimvault::ui {
 
@@ -11,6 +12,17 @@ namespace {
 QString supportRecipient() { return QStringLiteral("support@brimvault.example"); }
 
 }  // namespace
+
+MenuCommands::MenuCommands(MainWindow& window, TSectionViewController& sections, SectionPanels& panels,
+                           DrawerAndSheets& drawerAndSheets, UtilMod& util, platform::UserDefaults& defaults)
+    : window_(window),
+      sections_(sections),
+      panels_(panels),
+      drawerAndSheets_(drawerAndSheets),
+      util_(util),
+      defaults_(defaults) {
+    util_.history().setKept(isHistoryKept());
+}
 
 MenuItem MenuCommands::validateMenuItem(MenuAction what) const {
     const auto* current = panels_.getCurrentSectionController();
@@ -38,6 +50,10 @@ MenuItem MenuCommands::validateMenuItem(MenuAction what) const {
             return {tr("Remove..."), files != nullptr && files->isRemoveEnabled()};
         case MenuAction::toggleAskBeforeCleaning:
             return {tr("Ask Before Cleaning"), true, sections_.isAskingBeforeCleaning()};
+        case MenuAction::toggleKeepHistory:
+            return {tr("Keep a History"), true, isHistoryKept()};
+        case MenuAction::showHistory:
+            return {tr("Show History")};
         case MenuAction::shareByMail:
             return {tr("By Mail...")};
         case MenuAction::sendFeedbackPressed:
@@ -72,6 +88,10 @@ void MenuCommands::perform(MenuAction what) {
             return doSelRemove();
         case MenuAction::toggleAskBeforeCleaning:
             return sections_.setAskingBeforeCleaning(!sections_.isAskingBeforeCleaning());
+        case MenuAction::toggleKeepHistory:
+            return keepHistory(!isHistoryKept());
+        case MenuAction::showHistory:
+            return util_.showHistory();
         case MenuAction::shareByMail:
             return shareByMail();
         case MenuAction::sendFeedbackPressed:
@@ -81,6 +101,14 @@ void MenuCommands::perform(MenuAction what) {
         case MenuAction::quit:
             window_.close();
     }
+}
+
+bool MenuCommands::isHistoryKept() const { return defaults_.boolean(defaults_key::keepHistory).value_or(true); }
+
+// What the history holds stays.
+void MenuCommands::keepHistory(bool keep) {
+    defaults_.setBoolean(defaults_key::keepHistory, keep);
+    util_.history().setKept(keep);
 }
 
 void MenuCommands::doSelShowInFinder() {

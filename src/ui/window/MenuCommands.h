@@ -19,8 +19,7 @@ class MenuCommands final : public QObject {
 public:
     /// All of them must outlive this object.
     MenuCommands(MainWindow& window, TSectionViewController& sections, SectionPanels& panels,
-                 DrawerAndSheets& drawerAndSheets, UtilMod& util)
-        : window_(window), sections_(sections), panels_(panels), drawerAndSheets_(drawerAndSheets), util_(util) {}
+                 DrawerAndSheets& drawerAndSheets, UtilMod& util, platform::UserDefaults& defaults);
 
     /// How a menu is to show the action at the moment.
     [[nodiscard]] MenuItem validateMenuItem(MenuAction what) const;
@@ -41,11 +40,15 @@ public:
     void shareByMail();
 
 private:
+    [[nodiscard]] bool isHistoryKept() const;
+    void keepHistory(bool keep);
+
     MainWindow& window_;
     TSectionViewController& sections_;
     SectionPanels& panels_;
     DrawerAndSheets& drawerAndSheets_;
     UtilMod& util_;
+    platform::UserDefaults& defaults_;
     QPointer<AboutWC> m_aboutWC_;  ///< while it is open
 };
 

@@ -7,6 +7,7 @@ German, what the second run still knows. After each clean the whole home is comp
 """
 
 import glob
+import json
 import os
 import pathlib
 import re
@@ -48,16 +49,20 @@ class Desk(Window):
 
 
 def snapshot(home):
-    """Every path of the home with its kind, length and link target; settings and the like excepted."""
+    """Every path of the home with its kind, length and link target; settings, the history and the like excepted."""
     found = {}
+    state = f"{home}/.local/state"
     for folder, folders, files in os.walk(home):
         if folder == home:
             folders[:] = [name for name in folders if name not in (".config", ".cache")]
+        if folder == state:
+            folders[:] = [name for name in folders if name != "brimvault"]
         for path in (os.path.join(folder, name) for name in folders + files):
             status = os.lstat(path)
             target = os.readlink(path) if stat.S_ISLNK(status.st_mode) else ""
             length = 0 if stat.S_ISDIR(status.st_mode) else status.st_size
             found[path] = (stat.S_IFMT(status.st_mode), length, target)
+    found.pop(state, None)
     return found
 
 
@@ -66,6 +71,16 @@ def expect_gone(home, before, gone):
     right = {path: what for path, what in before.items() if not any((path + "/").startswith(top + "/") for top in gone)}
     after = snapshot(home)
     assert after == right, set(after.items()) ^ set(right.items())
+
+
+def history_of(home, beside):
+    """The paths in the history by result, without those inside of one that has gone as a whole."""
+    file = pathlib.Path(home, ".local/state/brimvault/history.jsonl")
+    results = {}
+    for line in map(json.loads, file.read_text("utf-8").splitlines() if file.exists() else ()):
+        if not line["path"].startswith(beside + "/"):
+            results.setdefault(line["result"], set()).add(line["path"])
+    return results
 
 
 def make_opener(folder, asked):
@@ -158,7 +173,10 @@ def clean_with_a_report(desk, home, ear):
     assert lines == ["Logs", "editor_2024.crash - Its folder is not the one that was scanned any more"], lines
     logs = ("com.vendor.browser", "system.log", "backup 2.log", "backup 10.log")
     reader = f"{home}/Library/Containers/com.vendor.reader/Data/Library/Logs"
-    expect_gone(home, before, [*(f"{home}/Library/Logs/{name}" for name in logs), reader])
+    gone = [*(f"{home}/Library/Logs/{name}" for name in logs), reader]
+    expect_gone(home, before, gone)
+    expected = {"removed": set(gone), "failed": {f"{crashes}/editor_2024.crash"}}
+    wait_for("the history", lambda: history_of(home, beside=reader) == expected)
     wait_for("the progress", lambda: "Clean progress" in ear.names(VALUE, "progress bar"))
     assert not desk.is_enabled("Scan") and actions(desk.button("Scan")) == actions(desk.section("Caches")) == []
     act(find(sheet, "push button", "Close"), "Press")
