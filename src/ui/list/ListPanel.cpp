@@ -128,12 +128,12 @@ void ListPanel::addList(QWidget* list) {
     setTabOrder(pbtnFinder_, list);
 }
 
-// Tab order: what undoes a move, the drawer's button, the other buttons, the lists, the drawer, "Select All".
+// Tab order: the drawer's button, what undoes a move, the other buttons, the lists, the drawer, "Select All".
 void ListPanel::adoptDrawer(QWidget* drawer, QAbstractButton* pbtnLangs) {
     buttons_->insertWidget(0, pbtnLangs);
     middle_->addWidget(drawer);
-    setTabOrder(moved_->undoButton(), pbtnLangs);
-    setTabOrder(pbtnLangs, pbtnInf_);
+    setTabOrder(pbtnLangs, moved_->undoButton());  // of which one at most is on show
+    setTabOrder(moved_->undoButton(), pbtnInf_);
     setTabOrder(pbtnInf_, pbtnFinder_);
     setTabOrder(pbtnFinder_, drawer);
     setTabOrder(drawer, pbtnSelectAll_);
