@@ -34,7 +34,7 @@ public:
     [[nodiscard]] bool holdsAny() const { return !holders_.empty(); }
     /// Bytes that the ticked items inside other ticked ones would free by themselves.
     [[nodiscard]] quint64 freesRepeated() const;
-    /// The paths of the items that hold others, each with a slash at the end.
+    /// The paths of the items that hold others, sorted, each with a slash at the end.
     [[nodiscard]] std::vector<std::string> holders() const;
     /// Whether any item stands for several things. Such an item may lie in several others that do not hold each other,
     /// so that after a change of marks `untickHoldersOfUnticked` has to follow.

@@ -56,7 +56,7 @@ public:
     /// Ticks or unticks the item with all that lies in it, then unticks every holder of an unticked item. Items that
     /// may not be ticked along keep their marks. Answers whether other items may have changed as well.
     bool setChecked(FFItem& item, bool checked);
-    /// The paths of the items that hold others, each with a slash at the end.
+    /// The paths of the items that hold others, sorted, each with a slash at the end.
     [[nodiscard]] std::vector<std::string> holders() const { return nested_.holders(); }
     /// To be called after the marks of many items were set one by one: unticks every holder of an unticked item.
     void settleMarks();

@@ -25,7 +25,7 @@ struct Holding {
 struct Search {
     quint64 number = 0;
     std::vector<Holding> holdings;
-    PerSection<std::vector<std::string>> holders;  ///< folders that are items and hold others, with a slash at the end
+    PerSection<std::vector<std::string>> holders;  ///< paths of items that hold others, sorted, with a slash at the end
     std::shared_ptr<const SharedGroups> before;    ///< what was known
     PerSection<bool> forgotten = {};               ///< sections of which that does not hold any more
 };
@@ -35,13 +35,19 @@ struct HeldFile {
     std::uint32_t holding;
 };
 
+bool liesInAny(const std::string& path, const std::vector<std::string>& holders) {
+    for (auto slash = path.find('/'); slash != std::string::npos; slash = path.find('/', slash + 1)) {
+        if (std::binary_search(holders.begin(), holders.end(), path.substr(0, slash + 1))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // An item inside another takes no part: its names are among those of its holder.
 bool liesInAny(const FFItem& item, const std::vector<std::string>& holders) {
     const auto paths = holders.empty() ? std::vector<std::filesystem::path>() : item.removalPaths();
-    return std::any_of(holders.begin(), holders.end(), [&](const auto& holder) {
-        return std::any_of(paths.begin(), paths.end(),
-                           [&](const auto& path) { return path.native().starts_with(holder); });
-    });
+    return std::any_of(paths.begin(), paths.end(), [&](const auto& path) { return liesInAny(path.native(), holders); });
 }
 
 std::vector<HeldFile> heldFiles(Search& search) {

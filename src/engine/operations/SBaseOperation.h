@@ -31,9 +31,9 @@ public:
     virtual void initTopLevelItemsCount();
     /// Entries directly in the root folder; 0 if it is missing or cannot be read.
     [[nodiscard]] virtual qint64 countTopItemsInOperFolder(files::HiddenEntries hidden) const;
-    /// Kept for callers outside of the program; scans ask for more than the size at once.
     /// Logical size in bytes of a file, a symbolic link itself, or all that a folder holds; 0 if there is nothing.
-    /// Returns early with a partial sum once the operation is cancelled.
+    /// Returns early with a partial sum once the operation is cancelled. Kept for callers outside of the window: scans
+    /// ask for what an item frees as well.
     [[nodiscard]] virtual quint64 getFileFolderSize(const std::filesystem::path& path) const;
 
 protected:
