@@ -84,11 +84,11 @@ void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, const std::stop
     auto nested = nestedPaths(selected);
     std::map<Device, Share> shares;
     Questions<Reading> questions;
-    for (const auto& share : selected) {
+    for (auto& share : selected) {
         shares[share.device].selected += nested.contains(share.path) ? 0 : share.bytes;
         questions.try_emplace(
             share.device,
-            [&volumes = volumes_, folder = share.folder, device = share.device]() -> std::optional<Reading> {
+            [&volumes = volumes_, folder = std::move(share.folder), device = share.device]() -> std::optional<Reading> {
                 auto volume = volumes.hold(folder, device);
                 const auto bytes = volume == nullptr ? std::nullopt : volume->freeBytes();
                 return bytes ? std::optional(Reading(std::move(volume), *bytes)) : std::nullopt;

@@ -65,6 +65,7 @@ std::string RemovalHistory::line(const ItemOutcome& outcome, std::chrono::system
 
 class RemovalHistory::Writer : public std::enable_shared_from_this<Writer> {
 public:
+    // No scan of logs takes a file of this name for a log.
     Writer(const std::filesystem::path& folder, std::size_t maxBytes)
         : file_(folder, "history.jsonl", "history.old.jsonl", maxBytes),
           maxPending_(2 * maxBytes),
