@@ -194,7 +194,7 @@ void SampleHome::makeOtherSections() const {
     writeSparseFile(desktopTrash() / "files/holiday.jpg", 4'200'000);
     for (const char* name : {"old project", "holiday.jpg"}) {
         writeFile(desktopTrash() / "info" / (std::string(name) + ".trashinfo"),
-                  std::string("[Trash Info]\nPath=") + name + "\nDeletionDate=2024-05-01T12:00:00\n");
+                  "[Trash Info]\nPath=" + (path_ / "Desktop" / name).native() + "\nDeletionDate=2024-05-01T12:00:00\n");
     }
 }
 

@@ -144,6 +144,10 @@
         <source>Unfinished, last written on %1</source>
         <translation>Unfertig, zuletzt geschrieben am %1</translation>
     </message>
+    <message>
+        <source>Being deleted</source>
+        <translation>Wird gerade gelöscht</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>
@@ -438,6 +442,22 @@
         <source>There is no trash folder for it: %1</source>
         <translation>Es gibt keinen Papierkorb dafür: %1</translation>
     </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>Origin unknown</source>
+        <translation>Herkunft unbekannt</translation>
+    </message>
+    <message>
+        <source>From %1</source>
+        <translation>Ursprünglicher Ort: %1</translation>
+    </message>
+    <message>
+        <source>Deleted on %1</source>
+        <translation>Gelöscht: %1</translation>
+    </message>
 </context>
 <context>
     <name>WindowControls</name>
@@ -575,6 +595,14 @@
     <message>
         <source>%1 (%2 bytes)</source>
         <translation>%1 (%2 Byte)</translation>
+    </message>
+    <message>
+        <source>Original place</source>
+        <translation>Ursprünglicher Ort</translation>
+    </message>
+    <message>
+        <source>Deleted</source>
+        <translation>Gelöscht</translation>
     </message>
 </context>
 <context>

@@ -174,7 +174,8 @@ void SChOperation::collectEntry(const CacheNames::Entry& entry, const Judgement&
                                            .noteArgument = argumentOf(note, found),
                                            .application = QString::fromStdString(name.desktopEntry),
                                            .needsAdministrator = found.needsAdministrator(),
-                                           .targets = {}};
+                                           .targets = {},
+                                           .trashed = {}};
     }
     if (!isCancelled()) {
         item.space = std::move(found.space);
@@ -204,7 +205,8 @@ void SChOperation::collectRow(const PlaceRow& row, ScanBatches& batches) {
                      .noteArgument = program && note == ItemNote::inUse ? *program : argumentOf(note, contents.found()),
                      .application = QString::fromStdString(name.desktopEntry),
                      .needsAdministrator = contents.found().needsAdministrator(),
-                     .targets = contents.targets()},
+                     .targets = contents.targets(),
+                     .trashed = {}},
              .space = contents.found().space},
             batches);
 }

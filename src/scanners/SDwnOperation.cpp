@@ -94,7 +94,8 @@ void SDwnOperation::collectEntry(const Listing& listing, const files::Measurable
         item.details = engine::ItemDetails{.noteArgument = argumentOf(note, found),
                                            .application = {},
                                            .needsAdministrator = found.needsAdministrator(),
-                                           .targets = targetsOf(listing, entry.name, found.identity)};
+                                           .targets = targetsOf(listing, entry.name, found.identity),
+                                           .trashed = {}};
     }
     addItem(std::move(item), batches);
 }

@@ -1,5 +1,6 @@
 #include "scanners/STrshOperation.h"
 
+#include <algorithm>
 #include <charconv>
 #include <set>
 
@@ -23,6 +24,19 @@ quint64 sizeFrom(const std::string& text) {
 }
 
 bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
+
+// What matters of a folder with items; reading it takes the file system.
+struct TrashFolder {
+    TrashFolder() = default;
+    explicit TrashFolder(const fs::path& folder)
+        : path(folder),
+          hasHiddenItems(folder == platform::LibraryURLs::getTrashFolderURL()),
+          holdsLeftovers(platform::TrashFolders::holdsLeftovers(folder)) {}
+
+    fs::path path;
+    bool hasHiddenItems = false;  // as the file browser has them in the home folder's; a desktop's trash shows all
+    bool holdsLeftovers = false;
+};
 
 }  // namespace
 
@@ -116,17 +130,35 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
         return;
     }
     const bool hiddenToo = sources_.finder.isHiddenFilesVisibleInFinder();
+    platform::TrashRecords records;
+    TrashFolder folder;
     for (const auto& [path, size] : pathSizeDictionary_) {
         if (isCancelled()) {
             return;
         }
-        if (isHidden(path) && !hiddenToo) {
-            batches.step();  // it was counted
-        } else {
-            collectFile({.path = path, .name = path.filename(), .size = size, .root = rootOf(path.parent_path())},
-                        batches);
+        if (folder.path != path.parent_path()) {
+            folder = TrashFolder(path.parent_path());
         }
+        if (folder.hasHiddenItems && isHidden(path) && !hiddenToo) {
+            batches.step();  // it was counted
+            continue;
+        }
+        FoundFile found{.path = path, .name = path.filename(), .size = size, .root = rootOf(folder.path)};
+        if (folder.holdsLeftovers) {
+            found.note = engine::ItemNote::deleting;
+            found.ticked = isAbandoned(path);
+        } else if (auto record = records.ofItem(path)) {
+            found.details.emplace().trashed = std::move(record);
+        }
+        collectFile(std::move(found), batches);
     }
+}
+
+// Moving it there was its last change.
+bool STrshOperation::isAbandoned(const fs::path& leftover) const {
+    constexpr std::chrono::hours longEnough{24};
+    const auto status = files::statusOf(leftover);
+    return status && sources_.now() - std::max(status->changed, status->modified) > longEnough;
 }
 
 void STrshOperation::collectTrashInfo(ScanBatches& batches) const {

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,6 +22,7 @@ public:
         QString script = QStringLiteral(":/scripts/TrashScan");
         std::chrono::milliseconds scriptLimit{10'000};  ///< timeout, as a volume may not answer
         platform::FinderPreferences& finder = platform::FinderPreferences::shared();
+        std::function<std::chrono::system_clock::time_point()> now = std::chrono::system_clock::now;
     };
 
     STrshOperation() : STrshOperation(Sources{}) {}
@@ -41,6 +43,8 @@ private:
     [[nodiscard]] bool mayListItemsOf(const std::filesystem::path& folder) const;
     void fixPathsWithSameFileNames(const std::vector<std::filesystem::path>& paths);
     void collectTrashInfoByFinder(ScanBatches& batches) const;
+    /// Whether a leftover of an emptied trash has lain there for so long that nobody deletes it any more.
+    [[nodiscard]] bool isAbandoned(const std::filesystem::path& leftover) const;
     void collectTrashInfo(ScanBatches& batches) const;
 
     Sources sources_;

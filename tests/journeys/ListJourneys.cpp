@@ -158,7 +158,13 @@ TEST_F(ListJourney, FallsBackWhereNoFileBrowserAnswers) {
         QTest::keyClick(information(), Qt::Key_Escape);
         EXPECT_TRUE(Guide::waitFor([&] { return information() == nullptr; }));
     };
-    expectInformation(trashRow, u"old project"_s, {u"Kind: Folder"_s, u"Size: 1 GB (1,000,000,000 bytes)"_s});
+    const auto deleted = QLocale().toString(QDateTime(QDate(2024, 5, 1), QTime(12, 0)), QLocale::LongFormat);
+    const auto origin = shownPath(home_.path() / "Desktop/old project");
+    expectInformation(trashRow, u"old project"_s,
+                      {u"Kind: Folder"_s, u"Size: 1 GB (1,000,000,000 bytes)"_s, u"Original place: "_s + origin,
+                       u"Deleted: "_s + deleted});
+    const auto tooltip = cell(u"old project"_s, 0).data(Qt::ToolTipRole).toString();
+    EXPECT_TRUE(tooltip.contains(u"From "_s + origin) && tooltip.contains(u"Deleted on "_s + deleted));
     expectInformation(
         downloadsRow, u"invoice.txt"_s,
         {u"Where: "_s + shownPath(home_.downloads()), u"Size: 12 B (12 bytes)"_s, u"Permissions: rwsr-x--x (4751)"_s});

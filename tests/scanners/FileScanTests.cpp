@@ -191,7 +191,7 @@ TEST_F(FileScans, OfLogsMoveThePercentOnWithWhatTheyPassOver) {
 
 TEST_F(FileScans, OfTheTrashMoveThePercentOnWithWhatIsHidden) {
     for (const char* name : {".a", ".b", "c", "d", "e"}) {  // in the order of their names
-        writeFile(home_ / ".local/share/Trash/files" / name, "12345");
+        writeFile(home_ / ".Trash" / name, "12345");
     }
     EXPECT_THAT(scanSection(Section::trash).percents, ElementsAre(80, 100));
 }

@@ -171,7 +171,7 @@ protected:
         for (const auto& folder : folders) {
             for (const auto& entry : fs::directory_iterator(folder)) {
                 ++expected.count;
-                if (hiddenToo_ || !isHidden(entry)) {
+                if (hiddenToo_ || folder != home_ / ".Trash" || !isHidden(entry)) {
                     expected.add(entry.path(), entry.path().filename());
                 }
             }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <map>
 #include <thread>
 
 #include "support/FileSections.h"
@@ -17,6 +18,7 @@ using namespace trial;
 using scanners::STrshOperation;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
+using testing::UnorderedElementsAreArray;
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
@@ -146,6 +148,71 @@ TEST_F(TrashScan, ShowsHiddenItemsByNameOnlyWhereTheFileBrowserDoes) {
               "<plist><dict><key>AppleShowAllFiles</key><true/></dict></plist>");
     EXPECT_THAT(scan("exit 1"), UnorderedElementsAre("shown", ".hidden"));
     EXPECT_EQ(expectedCount_, 1);  // hidden ones are never counted here
+}
+
+TEST_F(TrashScan, ShowsWhatIsHiddenInADesktopsTrash) {
+    const auto volume = folder_ / "volume" / (".Trash-" + user_) / "files";
+    for (const auto& item : {trash_ / ".git", volume / ".venv", home_ / ".Trash/.hidden", home_ / ".Trash/shown"}) {
+        writeFile(item, "12345");
+    }
+    writeMountTable(root_, {folder_ / "volume"});
+    EXPECT_THAT(scan(), UnorderedElementsAre(trash_ / ".git", volume / ".venv", home_ / ".Trash/shown"));
+}
+
+TEST_F(TrashScan, FindsTheTrashesOfSandboxedProgramsBehindNoLink) {
+    const fs::path trashes[] = {home_ / "snap/code/common/.local/share/Trash",
+                                home_ / "snap/code/42/.local/share/Trash", home_ / ".var/app/org.App/data/Trash",
+                                home_ / ".var/app/org.App/.local/share/Trash"};
+    std::vector<fs::path> expected;
+    for (const auto& trash : trashes) {
+        writeFile(trash / "files/a b", "12345");
+        writeFile(trash / "info/a b.trashinfo", "[Trash Info]\n");
+        expected.push_back(trash / "files/a b");
+    }
+    fs::create_directory_symlink("42", home_ / "snap/code/current");
+    writeFile(folder_ / "outside/data/Trash/files/others", "12345");
+    writeFile(folder_ / "outside/Trash/files/others", "12345");
+    fs::create_directory_symlink(folder_ / "outside", home_ / ".var/app/org.Linked");
+    fs::create_directories(home_ / ".var/app/org.Data");
+    fs::create_directory_symlink(folder_ / "outside", home_ / ".var/app/org.Data/data");
+    writeFile(home_ / "snap/code/42/Trash/files/others", "12345");
+    EXPECT_THAT(scan(), UnorderedElementsAreArray(expected));
+    const auto elsewhere = folder_ / "outside/snap/a/b/.local/share/Trash/files/others";
+    EXPECT_THAT(scan(printing({elsewhere, "5", expected[0], "5"})), ElementsAre(expected[0]));
+}
+
+TEST_F(TrashScan, TicksWhatIsBeingDeletedOnlyAfterADay) {
+    const auto leftover = trash_.parent_path() / "expunged/12345";
+    writeFile(leftover / "file", "12345");
+    for (const auto& [age, ticked] : {std::pair(23h, false), std::pair(25h, true)}) {
+        STrshOperation::Sources sources{.finder = finder_};
+        sources.now = [age = age] { return std::chrono::system_clock::now() + age; };
+        const auto items = runScan(std::make_shared<STrshOperation>(sources)).items;
+        ASSERT_EQ(items.size(), 1);
+        EXPECT_EQ(items[0]->pfpath(), leftover);
+        EXPECT_EQ(items[0]->noteText(), QStringLiteral("Being deleted"));
+        EXPECT_EQ(items[0]->ppbChecked(), ticked);
+    }
+}
+
+TEST_F(TrashScan, TellsWhereItemsWereAndThatItIsUnknown) {
+    const auto volume = folder_ / "volume" / (".Trash-" + user_);
+    for (const auto& trash : {trash_.parent_path(), volume}) {
+        writeFile(trash / "files/known", "12345");
+        writeFile(trash / "info/known.trashinfo", "[Trash Info]\nPath=" + std::string(trash == volume ? "" : "/home/") +
+                                                      "a%20b\nDeletionDate=2024-05-01T12:00:00\n");
+    }
+    writeFile(trash_ / "unknown", "12345");
+    writeMountTable(root_, {folder_ / "volume"});
+    std::map<fs::path, std::string> origins;
+    for (const auto& item : runScan(operation()).items) {
+        ASSERT_TRUE(item->details().trashed);
+        origins[item->pfpath()] = item->details().trashed->origin;
+        EXPECT_TRUE(item->ppbChecked() && item->noteText().isEmpty());
+    }
+    EXPECT_EQ(origins, (std::map<fs::path, std::string>{{trash_ / "known", "/home/a b"},
+                                                        {volume / "files/known", (folder_ / "volume/a b").native()},
+                                                        {trash_ / "unknown", ""}}));
 }
 
 TEST_F(TrashScan, ListsTheHomeFoldersTrashWhereTheScriptIsOfNoUse) {

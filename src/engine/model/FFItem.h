@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "engine/model/ItemNote.h"
 #include "files/NodeStatus.h"
 #include "files/trees/FreedSpace.h"
+#include "platform/TrashRecord.h"
 
 namespace brimvault::engine {
 
@@ -46,6 +48,7 @@ struct ItemDetails {
     bool needsAdministrator = false;  ///< belongs to another user
     /// Set for an item that stands for several things: these alone are removed, and never what its path names.
     std::vector<ItemTargets> targets;
+    std::optional<platform::TrashRecord> trashed;  ///< set for an item of a desktop's trash
 };
 
 /// One file or folder that can be removed, of the Downloads, Caches, Trash or Logs section. There may be hundreds of

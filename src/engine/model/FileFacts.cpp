@@ -32,6 +32,7 @@ std::optional<FileFacts> FileFacts::of(const std::filesystem::path& path) {
     facts.owner = platform::userNameOf(status->owner);
     facts.group = platform::groupNameOf(status->group);
     facts.permissions = status->permissions;
+    facts.trashed = platform::TrashRecords().ofItem(path);
     return facts;
 }
 

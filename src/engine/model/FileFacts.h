@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "files/NodeStatus.h"
+#include "platform/TrashRecord.h"
 
 namespace brimvault::engine {
 
@@ -21,7 +22,8 @@ struct FileFacts {
     std::optional<QDateTime> created;
     QString owner;
     QString group;
-    std::uint32_t permissions = 0;  ///< the twelve permission bits
+    std::uint32_t permissions = 0;                 ///< the twelve permission bits
+    std::optional<platform::TrashRecord> trashed;  ///< set for an item of a desktop's trash
 
     /// None if there is nothing at the path, or it cannot be read. Blocks; any thread but the main one.
     [[nodiscard]] static std::optional<FileFacts> of(const std::filesystem::path& path);

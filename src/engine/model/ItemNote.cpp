@@ -58,6 +58,8 @@ const char* keyOf(ItemNote note) {
             return "emptied";
         case ItemNote::unfinished:
             return "unfinished";
+        case ItemNote::deleting:
+            return "deleting";
     }
     Q_UNREACHABLE();
 }
@@ -95,6 +97,8 @@ QString textOf(ItemNote note, const QString& argument) {
             return text(QT_TRANSLATE_NOOP("ItemNote", "Is emptied, because %1 still writes to it")).arg(argument);
         case ItemNote::unfinished:
             return text(QT_TRANSLATE_NOOP("ItemNote", "Unfinished, last written on %1")).arg(dayOf(argument));
+        case ItemNote::deleting:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Being deleted"));
     }
     Q_UNREACHABLE();
 }

@@ -20,6 +20,7 @@ enum class ItemNote : quint8 {
     shared,      ///< shares its space with other folders; the argument says how much removing it frees
     emptied,     ///< is emptied; the argument names the program that writes to it
     unfinished,  ///< a download that was not finished; the argument is the time of the last change (ISO 8601, UTC)
+    deleting,    ///< the desktop is deleting it, or broke off when it did
 };
 
 /// Whether an item with the note is ticked by the user's own hand alone: neither with all others nor along with an item

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "engine/model/PlaceTexts.h"
+#include "engine/model/TrashTexts.h"
 #include "engine/notification/Notifications.h"
 #include "platform/text/DisplayText.h"
 #include "ui/table/RowPicture.h"
@@ -81,8 +82,12 @@ ItemListModel::Texts FileListController::texts() const {
 }
 
 QString FileListController::tooltipOf(const engine::FFItem& item) const {
-    return item.hasTargets() ? engine::placeTexts::ofTargets(item).join(QLatin1Char('\n'))
-                             : platform::displayText(fullPathOf(item));
+    QStringList lines = item.hasTargets() ? QStringList(engine::placeTexts::ofTargets(item))
+                                          : QStringList{platform::displayText(fullPathOf(item))};
+    if (const auto& trashed = item.details().trashed) {
+        lines += engine::trashTexts::lines(*trashed);
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 std::filesystem::path FileListController::pathOf(const engine::CleanableItem& item) const {

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "engine/model/FileSize.h"
+#include "engine/model/TrashTexts.h"
 #include "ui/controls/WhiteTitleButton.h"
 #include "ui/look/ImageLoad.h"
 #include "ui/look/Look.h"
@@ -85,6 +86,9 @@ void InfoWindow::addFacts(const engine::FileFacts& facts) {
     addRow(tr("Kind"), kindText(facts));
     size_ = addRow(tr("Size"), tr("Calculating..."));
     addRow(tr("Where"), facts.folder);
+    if (facts.trashed) {
+        addTrashed(*facts.trashed);
+    }
     if (facts.created) {
         addDate(tr("Created"), *facts.created);
     }
@@ -93,6 +97,13 @@ void InfoWindow::addFacts(const engine::FileFacts& facts) {
     addRow(tr("Owner"), tr("%1, group %2").arg(facts.owner, facts.group));
     addRow(tr("Permissions"),
            QStringLiteral("%1 (%2)").arg(facts.permissionText()).arg(facts.permissions, 4, 8, QLatin1Char('0')));
+}
+
+void InfoWindow::addTrashed(const platform::TrashRecord& record) {
+    addRow(tr("Original place"), engine::trashTexts::origin(record));
+    if (const QString date = engine::trashTexts::deleted(record); !date.isEmpty()) {
+        addRow(tr("Deleted"), date);
+    }
 }
 
 InfoWindow::~InfoWindow() { closed_.request_stop(); }

@@ -30,6 +30,7 @@ public:
 private:
     [[nodiscard]] QLayout* makeTitle(const engine::FileFacts& facts) const;
     void addFacts(const engine::FileFacts& facts);
+    void addTrashed(const platform::TrashRecord& record);
     QLabel* addRow(const QString& name, const QString& value);
     void addDate(const QString& name, const QDateTime& date);
 
