@@ -16,8 +16,9 @@ TEST_F(FreedJourney, TellsWhatACleanFreedUntilTheNextScan) {
     auto cleans = app::cleanOperations(remover_);
     cleans.volumes = &volumes_;
     start(scans(), cleans);
+    writeFile(caches() / "full", std::string(20'000'000, 'x'));  // the others are sparse
     scan();
-    const auto selected = model().getSize2CleanCachesSel();
+    const auto selected = model().freesOfSelection(application_->psectController().checks());
     volumes_.setFreeWhenFlushed(files::statusOf(caches())->identity.device, selected / 2);
     clean();
     const QString told = u"Freed %1 (%2 selected; %3 is still in use by browser or shared)"_s.arg(

@@ -30,11 +30,14 @@ MovedLine::MovedLine(QWidget* parent)
 
 // Space that is taken until the Trash is emptied was not freed, and is not called so.
 void MovedLine::setMoved(quint64 bytes, const QString& lastName) {
+    setVisible(bytes > 0);
+    if (bytes == 0) {
+        return;  // nobody is told of texts that nobody sees
+    }
     text_->setText(tr("Moved %1 to the Trash").arg(engine::FileSize::formatMemoryStringDot1(bytes)));
     text_->setToolTip(tr("The space is freed when the Trash is emptied"));
     undo_->setTitle(tr("Undo"), tr("Undo: put “%1” back").arg(lastName));
     undo_->setVisible(!lastName.isEmpty());
-    setVisible(bytes > 0);
 }
 
 }  // namespace brimvault::ui

@@ -312,11 +312,14 @@ void FAppDelegate::UpdateTextsAboutFreeUpSize() {
     }
 }
 
-// Of all sections, whichever list is on show.
+// Of all sections, whichever list is on show. What would be freed is told only once nothing changes it any more:
+// assistive clients would hear of it with each batch of a scan.
 void FAppDelegate::showSizes() {
     const quint64 selected = psectController_.getSize2CleanALLSel();
     statusTexts_.showSizes(selected, performer_.getAppResDS().getSize2CleanALL(), activity_, closeRequested_);
-    statusTexts_.showFrees(selected, performer_.getAppResDS().freesOfSelection(psectController_.checks()));
+    const bool isKnown = activity_ == Activity::idle;
+    statusTexts_.showFrees(selected,
+                           isKnown ? performer_.getAppResDS().freesOfSelection(psectController_.checks()) : selected);
     bPlashkaStateSelectedFiles_ = true;
 }
 
