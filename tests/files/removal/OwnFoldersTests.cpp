@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <iterator>
 #include <map>
 #include <string>
@@ -212,7 +213,7 @@ TEST_F(OwnFolders, GetTheirModesBackWhenItIsStopped) {
             becomeNobody();
             std::stop_source stop;
             const std::jthread stopper([&, first = files::entriesRemoved()] {
-                while (files::entriesRemoved() < first + 5 + round * 5) {
+                while (files::entriesRemoved() < first + std::uint64_t{5} * (round + 1)) {
                     std::this_thread::yield();
                 }
                 stop.request_stop();
