@@ -14,7 +14,6 @@ namespace brimvault::tests {
 using namespace trial;
 using engine::FileFacts;
 using platform::TrashRecord;
-using testing::ElementsAre;
 using testing::HasSubstr;
 namespace fs = std::filesystem;
 
