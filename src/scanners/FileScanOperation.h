@@ -36,8 +36,8 @@ protected:
         std::optional<bool> ticked = {};                            ///< none: as all items of the section at first
         engine::ItemNote note = engine::ItemNote::none;
         std::optional<engine::ItemDetails> details = {};
-        std::optional<files::FreedSpace> space = {};  ///< what removing it frees, if already known
-        quint64 identity = 0;                         ///< digest; 0 if it does not matter
+        std::optional<files::ReclaimableSpace> space = {};  ///< what removing it frees, if already known
+        quint64 identity = 0;                               ///< digest; 0 if it does not matter
     };
 
     explicit FileScanOperation(engine::Section section) : SBaseOperation(section) {}

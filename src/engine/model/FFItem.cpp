@@ -22,7 +22,7 @@ std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, 
     return item;
 }
 
-void FFItem::setSpace(files::FreedSpace space) {
+void FFItem::setSpace(files::ReclaimableSpace space) {
     frees_ = space.bytes;
     sharedFiles_ =
         space.shared.empty() ? nullptr : std::make_unique<const std::vector<files::NamedNode>>(std::move(space.shared));

@@ -16,7 +16,7 @@
 #include "engine/model/FoundIn.h"
 #include "engine/model/ItemNote.h"
 #include "files/NodeStatus.h"
-#include "files/trees/FreedSpace.h"
+#include "files/trees/ReclaimableSpace.h"
 #include "platform/TrashRecord.h"
 
 namespace brimvault::engine {
@@ -120,7 +120,7 @@ public:
     [[nodiscard]] quint64 frees() const override { return frees_; }
     using SharedFiles = std::unique_ptr<const std::vector<files::NamedNode>>;
     /// What removing it frees, settled. To be called before the item is posted.
-    void setSpace(files::FreedSpace space);
+    void setSpace(files::ReclaimableSpace space);
     /// The files of which it holds some names and not all, in order; null if there are none, or they were taken.
     [[nodiscard]] SharedFiles takeSharedFiles() { return std::move(sharedFiles_); }
     /// Whether a clean has removed it. Main thread.

@@ -11,14 +11,14 @@
 
 #include "files/DirectoryHandle.h"
 #include "files/OpenFiles.h"
-#include "files/trees/FreedSpace.h"
+#include "files/trees/ReclaimableSpace.h"
 
 namespace brimvault::files {
 
 /// What measuring an item shows of it besides its size. Symbolic links are not followed.
 struct ItemFindings {
     std::uint64_t logical = 0;      ///< bytes, as `measureItem` has them
-    FreedSpace space = {};          ///< what removing it frees, its folders included; settled
+    ReclaimableSpace space = {};    ///< what removing it frees, its folders included; settled
     bool isSpecial = false;         ///< it is neither a file nor a folder nor a link
     bool holdsMount = false;        ///< another mount begins in it, or it is one
     bool holdsSocket = false;       ///< programs talk to each other in it

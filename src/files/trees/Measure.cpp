@@ -25,7 +25,7 @@ struct Question {
 // The sum over all visitors of one tree.
 class Sum {
 public:
-    void add(const TreeSizes& sizes, const FreedSpace& space) {
+    void add(const TreeSizes& sizes, const ReclaimableSpace& space) {
         const std::lock_guard lock(mutex_);
         space_.add(space);
         total_.logical += sizes.logical;
@@ -42,7 +42,7 @@ public:
 private:
     std::mutex mutex_;
     TreeSizes total_;
-    FreedSpace space_;
+    ReclaimableSpace space_;
 };
 
 class SizeVisitor final : public TreeVisitor {
@@ -85,7 +85,7 @@ private:
     const Question& question_;
     Sum& sum_;
     TreeSizes sizes_;
-    FreedSpace space_;
+    ReclaimableSpace space_;
 };
 
 // An item: its open parent folder, and its name there.

@@ -5,7 +5,7 @@
 #include <stop_token>
 
 #include "files/DirectoryHandle.h"
-#include "files/trees/FreedSpace.h"
+#include "files/trees/ReclaimableSpace.h"
 
 namespace brimvault::files {
 
@@ -19,8 +19,8 @@ struct TreeSizes {
 
 /// An item as a list shows it, and what removing it frees.
 struct MeasuredItem {
-    std::uint64_t logical = 0;  ///< bytes, as `measureItem` has them
-    FreedSpace space = {};      ///< settled; of folders nothing is known, and nothing counts
+    std::uint64_t logical = 0;    ///< bytes, as `measureItem` has them
+    ReclaimableSpace space = {};  ///< settled; of folders nothing is known, and nothing counts
 };
 
 /// The calling thread measures, helped by idle threads of the pool where the tree is large. Memory is needed only for

@@ -1,6 +1,6 @@
 // What removing a tree would free, as both ways of measuring tell it.
 
-#include "files/trees/FreedSpace.h"
+#include "files/trees/ReclaimableSpace.h"
 
 #include <gtest/gtest.h>
 
@@ -12,14 +12,14 @@ namespace brimvault::tests {
 
 namespace {
 
-using files::FreedSpace;
+using files::ReclaimableSpace;
 
 std::uint64_t blocksOf(const fs::path& path) { return files::statusOf(path)->allocated; }
 
 // By the walk that only measures: of folders it knows nothing.
-FreedSpace measured(const fs::path& item) { return files::measureSpace(item).space; }
+ReclaimableSpace measured(const fs::path& item) { return files::measureSpace(item).space; }
 
-FreedSpace inspected(const fs::path& item) {
+ReclaimableSpace inspected(const fs::path& item) {
     const auto folder = files::DirectoryHandle::open(item.parent_path());
     const auto name = item.filename();
     return files::inspectEntry(*folder, {name.c_str(), files::statusOf(item)->kind}, {folder->status()->mount, {}})
@@ -28,7 +28,7 @@ FreedSpace inspected(const fs::path& item) {
 
 }  // namespace
 
-TEST(FreedSpace, IsThatOfTheBlocksOfFilesWithoutOtherNames) {
+TEST(ReclaimableSpace, IsThatOfTheBlocksOfFilesWithoutOtherNames) {
     const TemporaryFolder folder;
     const auto item = folder / "item";
     writeFile(item / "a/full", std::string(70'000, 'x'));
@@ -55,7 +55,7 @@ TEST(FreedSpace, IsThatOfTheBlocksOfFilesWithoutOtherNames) {
     EXPECT_EQ(measured(folder / "elsewhere").shared.size(), 1U);
 }
 
-TEST(FreedSpace, OfTwoTreesCountsAFileOnceBothAreSeen) {
+TEST(ReclaimableSpace, OfTwoTreesCountsAFileOnceBothAreSeen) {
     const TemporaryFolder folder;
     writeFile(folder / "one/file", std::string(50'000, 'x'));
     fs::create_directory(folder / "two");

@@ -26,13 +26,13 @@ struct NamedNode {
 /// What removing the names that were seen gives back: the bytes on disk of what has no other name. A file with several
 /// names counts once, and only if all of them were seen. Extents that files share by other means (copies on btrfs or
 /// XFS, snapshots) are not told apart.
-struct FreedSpace {
+struct ReclaimableSpace {
     std::uint64_t bytes = 0;
     /// Files with several names. Once settled: each once, in order, and only those that have further names.
     std::vector<NamedNode> shared = {};
 
     void add(const NamedNode& node);
-    void add(const FreedSpace& more);
+    void add(const ReclaimableSpace& more);
     /// To be called after the last name.
     void settle();
 };

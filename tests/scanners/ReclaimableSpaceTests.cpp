@@ -20,9 +20,9 @@ namespace {
 
 constexpr std::size_t length = 400'000;
 
-class FreedSpaceInHome : public testing::Test {
+class ReclaimableSpaceInHome : public testing::Test {
 protected:
-    FreedSpaceInHome() {
+    ReclaimableSpaceInHome() {
         write(".local/share/Trash/files/page");
         write("Downloads/film");
         write("Library/Logs/log");
@@ -44,7 +44,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FreedSpaceInHome, ItemsOfAllSectionsTellTheirsAndTogetherWhatTheyShare) {
+TEST_F(ReclaimableSpaceInHome, ItemsOfAllSectionsTellTheirsAndTogetherWhatTheyShare) {
     std::map<std::string, quint64> frees;
     for (const Section section : {Section::caches, Section::downloads, Section::logs, Section::trash}) {
         for (const auto& item : scanSection(section).items) {

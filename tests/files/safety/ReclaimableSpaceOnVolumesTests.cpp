@@ -64,14 +64,14 @@ std::string measureAndRemove(const fs::path& volume) {
                          std::to_string(found.logical);
 }
 
-class FreedSpaceOn : public testing::TestWithParam<const char*> {};
+class ReclaimableSpaceOn : public testing::TestWithParam<const char*> {};
 
-INSTANTIATE_TEST_SUITE_P(Volumes, FreedSpaceOn, testing::Values("ext4", "xfs", "btrfs"),
+INSTANTIATE_TEST_SUITE_P(Volumes, ReclaimableSpaceOn, testing::Values("ext4", "xfs", "btrfs"),
                          [](const auto& made) { return std::string(made.param); });
 
 }  // namespace
 
-TEST_P(FreedSpaceOn, IsWhatTheVolumeGains) {
+TEST_P(ReclaimableSpaceOn, IsWhatTheVolumeGains) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "volume");
     writeSparseFile(folder / "image", 400'000'000);

@@ -1,4 +1,4 @@
-#include "files/trees/FreedSpace.h"
+#include "files/trees/ReclaimableSpace.h"
 
 #include <algorithm>
 #include <limits>
@@ -21,7 +21,7 @@ NamedNode NamedNode::of(const EntrySize& size) {
     return {size.device, size.inode, size.allocated, 1, count(size.linkCount)};
 }
 
-void FreedSpace::add(const NamedNode& node) {
+void ReclaimableSpace::add(const NamedNode& node) {
     if (node.names >= node.allNames) {
         bytes += node.allocated;
     } else if (node.allocated > 0) {
@@ -29,12 +29,12 @@ void FreedSpace::add(const NamedNode& node) {
     }
 }
 
-void FreedSpace::add(const FreedSpace& more) {
+void ReclaimableSpace::add(const ReclaimableSpace& more) {
     bytes += more.bytes;
     shared.insert(shared.end(), more.shared.begin(), more.shared.end());
 }
 
-void FreedSpace::settle() {
+void ReclaimableSpace::settle() {
     std::vector<NamedNode> seen;
     seen.swap(shared);
     std::sort(seen.begin(), seen.end(), [](const auto& one, const auto& other) { return one.isBefore(other); });
