@@ -5,11 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
 
-#include "files/DirectoryHandle.h"
-#include "files/FileDescriptor.h"
+#include "files/Create.h"
 #include "files/SystemCall.h"
 
 namespace brimvault::platform {
@@ -18,23 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t ownFolder = 0700;
 constexpr mode_t ownFile = 0600;
 
 // The folders above may be reached through links of the user's own arrangement; the last one is the program's.
 files::Result<files::DirectoryHandle> madeFolder(const fs::path& folder) {
-    fs::path above;
-    for (const auto& part : folder.parent_path()) {
-        above /= part;
-        (void)::mkdir(above.c_str(), ownFolder);
-    }
     std::error_code unresolved;
-    const auto resolved = fs::canonical(above, unresolved);
-    if (unresolved) {
-        return files::Result<files::DirectoryHandle>::failed(unresolved.value());
-    }
-    (void)::mkdir((resolved / folder.filename()).c_str(), ownFolder);
-    return files::DirectoryHandle::open(resolved / folder.filename());
+    const auto above = fs::weakly_canonical(folder.parent_path(), unresolved);
+    return unresolved ? files::Result<files::DirectoryHandle>::failed(unresolved.value())
+                      : files::openOrMakeFolder(above / folder.filename());
 }
 
 struct OpenFile {
@@ -58,18 +47,12 @@ files::Result<OpenFile> opened(const files::DirectoryHandle& folder, const std::
 }
 
 // A part that a full disk has taken is cut off again, so that the next line does not begin in the middle of one.
-int writeAll(const OpenFile& open, std::string_view text) {
-    while (!text.empty()) {
-        const auto written =
-            files::uninterrupted([&] { return ::write(open.file.number(), text.data(), text.size()); });
-        if (written <= 0) {
-            const int code = written < 0 ? errno : ENOSPC;
-            (void)!::ftruncate(open.file.number(), open.size);
-            return code;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
+int append(const OpenFile& open, std::string_view text) {
+    const int code = files::writeAll(open.file, text);
+    if (code != 0) {
+        (void)!::ftruncate(open.file.number(), open.size);
     }
-    return 0;
+    return code;
 }
 
 }  // namespace
@@ -86,7 +69,7 @@ int RotatedFile::append(std::string_view text) const {
         }
         file = opened(*folder, name_);
     }
-    return file ? writeAll(*file, text) : file.code();
+    return file ? platform::append(*file, text) : file.code();
 }
 
 }  // namespace brimvault::platform

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace brimvault::platform {
 
@@ -28,6 +29,7 @@ public:
     /// The desktop's record of where an item of the trash came from (.trashinfo); none for folders without such
     /// records. The file itself may be missing.
     [[nodiscard]] static std::optional<std::filesystem::path> recordOfItem(const std::filesystem::path& item);
+    static constexpr std::string_view recordEnding = ".trashinfo";
     /// The name that a record of the item has.
     [[nodiscard]] static std::string recordName(const std::filesystem::path& item);
 };

@@ -5,7 +5,7 @@
 
 #include "platform/TrashFolders.h"
 #include "platform/formats/FileContents.h"
-#include "platform/text/PercentText.h"
+#include "platform/text/PathBytes.h"
 
 namespace brimvault::platform {
 

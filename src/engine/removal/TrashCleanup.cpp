@@ -1,7 +1,5 @@
 #include "engine/removal/TrashCleanup.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,12 +7,11 @@
 #include <exception>
 #include <vector>
 
-#include "files/FileDescriptor.h"
-#include "files/SystemCall.h"
 #include "files/removal/Remove.h"
+#include "files/removal/ReplaceFile.h"
 #include "platform/TrashFolders.h"
 #include "platform/formats/FileContents.h"
-#include "platform/text/PercentText.h"
+#include "platform/text/PathBytes.h"
 
 // The rules of freedesktop.org for the Trash, version 1.0. "directorysizes" is a cache of the desktop's: a line has the
 // size of a folder, the time of its record and its percent-encoded name. It is replaced at once, by renaming a new
@@ -28,7 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* sizesName = "directorysizes";
 constexpr std::size_t maxSizesBytes = 16UL * 1024 * 1024;  // some 100,000 folders
-constexpr std::string_view recordSuffix = ".trashinfo";
 constexpr std::chrono::hours young{24};
 
 bool isNumber(std::string_view text) {
@@ -46,38 +42,13 @@ std::optional<std::string> nameIn(std::string_view line) {
     return platform::percentDecoded(line.substr(second + 1));
 }
 
-bool writeWhole(const files::FileDescriptor& file, std::string_view text) {
-    while (!text.empty()) {
-        const auto written = files::uninterrupted([&] { return ::write(file.number(), text.data(), text.size()); });
-        if (written <= 0) {
-            return false;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
-void replaceSizes(const files::DirectoryHandle& trash, std::string_view text) {
-    const auto before = files::statusAt(trash.descriptor(), sizesName);
-    const auto written = std::string(sizesName) + "." + std::to_string(::getpid());
-    const files::FileDescriptor file(::openat(trash.descriptor(), written.c_str(),
-                                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file.isOpen()) {
-        return;
-    }
-    const bool isWhole = before && writeWhole(file, text) && ::fchmod(file.number(), before->permissions) == 0;
-    if (!isWhole || ::renameat(trash.descriptor(), written.c_str(), trash.descriptor(), sizesName) != 0) {
-        ::unlinkat(trash.descriptor(), written.c_str(), 0);
-    }
-}
-
 void dropSizesOf(const std::set<std::string>& names, const fs::path& path) {
     const auto trash = files::DirectoryHandle::open(path);
     const auto text =
         trash ? platform::FileContents::read(*trash, sizesName, maxSizesBytes) : std::optional<std::string>();
     const auto kept = text ? withoutSizesOf(names, *text) : std::string();
     if (text && kept.size() < text->size()) {
-        replaceSizes(*trash, kept);
+        (void)files::replaceFile(*trash, sizesName, kept);
     }
 }
 
@@ -86,7 +57,8 @@ std::vector<std::string> namesOfRecords(const files::DirectoryHandle& records) {
     // What can be read of it.
     (void)files::forEachChild(records, files::HiddenEntries::include, [&](const files::DirectoryEntry& entry) {
         const std::string_view name = entry.name;
-        if (name.ends_with(recordSuffix) && name.size() > recordSuffix.size()) {
+        if (name.ends_with(platform::TrashFolders::recordEnding) &&
+            name.size() > platform::TrashFolders::recordEnding.size()) {
             names.emplace_back(name);
         }
         return true;
@@ -111,7 +83,7 @@ void removeOrphansOf(const fs::path& path, TrashCleanup::Clock::time_point now) 
         return;
     }
     for (const auto& name : namesOfRecords(*records)) {
-        const auto item = name.substr(0, name.size() - recordSuffix.size());
+        const auto item = name.substr(0, name.size() - platform::TrashFolders::recordEnding.size());
         if (isOldRecord(*records, name, now) && files::statusAt(items->descriptor(), item.c_str()).code() == ENOENT) {
             (void)files::removeIn(*records, path / "info" / name);
         }

@@ -87,7 +87,9 @@ bool TrashFolders::isUsers(const fs::path& name) {
     return name.native().find_first_not_of("0123456789") == std::string::npos;
 }
 
-std::string TrashFolders::recordName(const fs::path& item) { return item.filename().native() + ".trashinfo"; }
+std::string TrashFolders::recordName(const fs::path& item) {
+    return item.filename().native() + std::string(recordEnding);
+}
 
 std::optional<fs::path> TrashFolders::recordOfItem(const fs::path& item) {
     const auto trash = item.has_filename() ? trashOf(item.parent_path(), "files") : std::nullopt;

@@ -1,11 +1,11 @@
 #include "engine/removal/TrashOfVolume.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <string>
 
+#include "files/Create.h"
 #include "platform/FolderLocations.h"
 #include "platform/LibraryURLs.h"
 #include "platform/System.h"
@@ -48,22 +48,6 @@ fs::path topOfVolume(fs::path folder, const files::NodeStatus& status) {
     return folder;
 }
 
-// With its parents, closed to other users.
-Folder openOrMake(const fs::path& folder) {
-    auto opened = DirectoryHandle::open(folder);
-    if (opened.code() != ENOENT || !folder.has_relative_path()) {
-        return opened;
-    }
-    const auto parent = openOrMake(folder.parent_path());
-    if (!parent) {
-        return Folder::failed(parent.code());
-    }
-    if (::mkdirat((*parent).descriptor(), folder.filename().c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-        return Folder::failed(errno);
-    }
-    return DirectoryHandle::open(folder);
-}
-
 Trash openIn(const fs::path& folder, const fs::path& top, Folder (*open)(const fs::path&)) {
     const auto trash = open(folder);
     const auto status = trash ? (*trash).status() : files::Result<files::NodeStatus>::failed(trash.code());
@@ -96,11 +80,11 @@ Trash openAtTop(const fs::path& top) {
     }
     const auto user = std::to_string(::geteuid());
     if (const auto shared = top / ".Trash"; isSharedTrash(shared)) {
-        if (auto trash = openIn(shared / user, top, openOrMake)) {
+        if (auto trash = openIn(shared / user, top, files::openOrMakeFolder)) {
             return trash;
         }
     }
-    return openIn(top / (".Trash-" + user), top, openOrMake);
+    return openIn(top / (".Trash-" + user), top, files::openOrMakeFolder);
 }
 
 }  // namespace
@@ -112,7 +96,7 @@ Trash TrashOfVolume::open(const DirectoryHandle& holder, const fs::path& holderP
     }
     const auto home = platform::LibraryURLs::getDesktopTrashFolderURL();
     const auto nearest = home ? statusOfNearest(*home) : files::Result<files::NodeStatus>::failed(ENOENT);
-    return nearest && isOnSameVolume(*nearest, *status) ? openIn(*home, {}, openOrMake)
+    return nearest && isOnSameVolume(*nearest, *status) ? openIn(*home, {}, files::openOrMakeFolder)
                                                         : openAtTop(topOfVolume(holderPath, *status));
 }
 

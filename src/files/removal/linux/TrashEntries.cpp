@@ -1,7 +1,5 @@
 #include "files/removal/TrashEntries.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,7 +9,7 @@
 #include <ctime>
 #include <filesystem>
 
-#include "files/FileDescriptor.h"
+#include "files/Create.h"
 
 namespace brimvault::files {
 
@@ -46,22 +44,14 @@ std::string recordOf(const std::string& path) {
     return "[Trash Info]\nPath=" + percentEncoded(path) + "\nDeletionDate=" + date.data() + "\n";
 }
 
-// Readable by the desktop, which runs as the user. Written and made readable through the descriptor, as the name could
-// be exchanged meanwhile. 0, or an errno value: EEXIST where the name is taken.
+// Readable by the desktop, which runs as the user. 0, or an errno value: EEXIST where the name is taken.
 int writeRecord(const DirectoryHandle& records, const std::string& name, const std::string& text) {
-    constexpr mode_t readByAll = 0644;
-    const FileDescriptor file(
-        ::openat(records.descriptor(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readByAll));
-    if (!file.isOpen()) {
-        return errno;
+    constexpr std::uint32_t readByAll = 0644;
+    const auto file = createFile(records, name, readByAll);
+    const int code = file ? writeAll(*file, text) : file.code();
+    if (file && code != 0) {
+        ::unlinkat(records.descriptor(), name.c_str(), 0);
     }
-    errno = ENOSPC;  // what a write that ends early means
-    if (::fchmod(file.number(), readByAll) == 0 &&
-        ::write(file.number(), text.data(), text.size()) == static_cast<ssize_t>(text.size())) {
-        return 0;
-    }
-    const int code = errno;
-    ::unlinkat(records.descriptor(), name.c_str(), 0);
     return code;
 }
 
