@@ -13,7 +13,7 @@ namespace {
 
 Finding common(const engine::CleanableItem& item, const SectionName& name) {
     Finding found;
-    found.rule = name.id.latin1();
+    found.rule = name.id().latin1();
     found.bytes = item.ppnSize();
     found.frees = item.frees();
     found.isTicked = item.ppbChecked() && item.ppbDeletable();

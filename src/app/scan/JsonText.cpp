@@ -51,7 +51,7 @@ std::string objectOf(const Finding& item) {
 
 std::string jsonText(const std::vector<SectionFindings>& findings) {
     const auto section = [](const SectionFindings& found) {
-        return R"({"id":)" + jsonString(found.name.id.latin1()) + R"(,"bytes":)" + std::to_string(found.bytes()) +
+        return R"({"id":)" + jsonString(found.name.id().latin1()) + R"(,"bytes":)" + std::to_string(found.bytes()) +
                R"(,"items":)" + listed(found.items, &objectOf) + '}';
     };
     return R"({"version":1,"sections":)" + listed(findings, section) + "}\n";

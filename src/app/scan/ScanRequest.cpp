@@ -29,7 +29,7 @@ std::optional<quint64> bytesFrom(const QString& text) {
 QString allIds() {
     QStringList ids;
     for (const auto& name : sectionNames) {
-        ids.append(name.id);
+        ids.append(name.id());
     }
     return ids.join(QLatin1String(", "));
 }
@@ -38,11 +38,11 @@ QString allIds() {
 std::vector<SectionName> sectionsOf(const QStringList& ids) {
     std::vector<SectionName> sections;
     const bool isEachKnown = std::all_of(ids.begin(), ids.end(), [](const QString& id) {
-        return std::any_of(sectionNames.begin(), sectionNames.end(), [&](const auto& name) { return name.id == id; });
+        return std::any_of(sectionNames.begin(), sectionNames.end(), [&](const auto& name) { return id == name.id(); });
     });
     if (isEachKnown) {
         std::copy_if(sectionNames.begin(), sectionNames.end(), std::back_inserter(sections),
-                     [&](const auto& name) { return ids.isEmpty() || ids.contains(name.id); });
+                     [&](const auto& name) { return ids.isEmpty() || ids.contains(name.id()); });
     }
     return sections;
 }

@@ -26,7 +26,7 @@ QString reasonToSpare(const std::filesystem::path& target, const std::set<std::s
 }  // namespace
 
 bool CBaseOperation2::isToBeCleaned(const FFItem& item) const {
-    return item.ppbChecked() && item.ppbDeletable() && item.pfSize() != 0 && isAgreed(item);
+    return item.getSpace2SaveBySel() != 0 && isAgreed(item);
 }
 
 // What removing the items would remove that are unticked, or that the user was not asked about; sorted.

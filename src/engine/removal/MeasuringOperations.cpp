@@ -10,7 +10,7 @@ namespace {
 using Agreed = std::shared_ptr<const AgreedItems>;
 
 bool isToBeCleaned(const CleanableItem& item, const Agreed& agreed) {
-    return item.ppbChecked() && item.ppbDeletable() && item.getSpace2Save() != 0 && (!agreed || agreed->holds(item));
+    return item.getSpace2SaveBySel() != 0 && (!agreed || agreed->holds(item));
 }
 
 void addFiles(const ItemArray& items, const Agreed& agreed, std::vector<SelectedShare>& shares) {

@@ -23,22 +23,6 @@ namespace {
 constexpr std::size_t chunk = 64UL * 1024;           // bytes that are written at once
 constexpr std::chrono::milliseconds gathering{200};  // for which lines are gathered before they are written
 
-const char* nameOf(Section section) {
-    switch (section) {
-        case Section::caches:
-            return "caches";
-        case Section::languageResources:
-            return "languages";
-        case Section::logs:
-            return "logs";
-        case Section::downloads:
-            return "downloads";
-        case Section::trash:
-            break;
-    }
-    return "trash";
-}
-
 }  // namespace
 
 std::string RemovalHistory::line(const ItemOutcome& outcome, std::chrono::system_clock::time_point time) {
@@ -52,7 +36,7 @@ std::string RemovalHistory::line(const ItemOutcome& outcome, std::chrono::system
         paths += jsonString(isText ? path.native() : platform::percentEncoded(path.native()));
     }
     std::string text = R"({"time":)" + jsonString(date);
-    text += outcome.section ? R"(,"section":)" + jsonString(nameOf(*outcome.section)) : "";
+    text += outcome.section ? R"(,"section":)" + jsonString(idOf(*outcome.section)) : "";
     text += outcome.paths.size() == 1 ? R"(,"path":)" + paths : R"(,"targets":[)" + paths + "]";
     text += isText ? "" : R"(,"pathEncoding":"percent")";
     text += R"(,"bytes":)" + std::to_string(outcome.bytes);
