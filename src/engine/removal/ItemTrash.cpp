@@ -33,6 +33,8 @@ std::vector<Part> partsOf(const FFItem& item, const std::filesystem::path& path)
     return parts;
 }
 
+QString systemText(int code) { return QString::fromLocal8Bit(files::Failure{code, {}}.text().c_str()); }
+
 QString textOf(int code) {
     switch (code) {
         case EEXIST:
@@ -43,7 +45,7 @@ QString textOf(int code) {
         case ESTALE:
             return QCoreApplication::translate("Trash", "It is not in the Trash any more");
         default:
-            return QString::fromLocal8Bit(files::Failure{code, {}}.text().c_str());
+            return systemText(code);
     }
 }
 
@@ -60,17 +62,16 @@ QString move(const Part& part, ItemRemover& remover, std::vector<TrashedFile>& m
     const auto trash = TrashOfVolume::open(*reached.folder, part.path.parent_path());
     if (!trash) {
         return QCoreApplication::translate("Trash", "There is no trash folder for it: %1")
-            .arg(QString::fromLocal8Bit(files::Failure{trash.code(), {}}.text().c_str()));
+            .arg(systemText(trash.code()));
     }
-    const auto& top = (*trash).top;
+    const auto& top = trash->top;
     const auto recorded = top.empty() ? part.path : part.path.lexically_relative(top);
     const auto newName =
-        files::moveIntoTrash(*reached.folder, name, reached.item.identity, (*trash).opened, recorded.native());
+        files::moveIntoTrash(*reached.folder, name, reached.item.identity, trash->opened, recorded.native());
     if (!newName) {
-        return newName.code() == ESTALE ? ItemRemoval::replacedText()
-                                        : QString::fromLocal8Bit(files::Failure{newName.code(), {}}.text().c_str());
+        return newName.code() == ESTALE ? ItemRemoval::replacedText() : systemText(newName.code());
     }
-    moved.push_back({part.path, part.foundIn, (*trash).folder, *newName, reached.item.identity});
+    moved.push_back({part.path, part.foundIn, trash->folder, *newName, reached.item.identity});
     return {};
 }
 
@@ -80,12 +81,11 @@ QString putBack(const TrashedFile& file) {
     if (!trash || !folder) {
         return textOf(trash ? folder.code() : trash.code());
     }
-    const auto status = (*folder).status();
-    if (!status || (*status).identity != file.foundIn->folder) {
+    const auto status = folder->status();
+    if (!status || status->identity != file.foundIn->folder) {
         return ItemRemoval::exchangedText();
     }
-    const int code =
-        files::moveOutOfTrash((*trash).opened, file.name, file.identity, *folder, file.original.filename());
+    const int code = files::moveOutOfTrash(trash->opened, file.name, file.identity, *folder, file.original.filename());
     return code == 0 ? QString() : textOf(code);
 }
 
@@ -103,7 +103,7 @@ TrashMove moveToTrash(const FFItem& item, const std::filesystem::path& path) {
         }
     }
     if (move.files.empty() && move.reason.isEmpty()) {
-        move.reason = QString::fromLocal8Bit(files::Failure{ENOENT, path}.text().c_str());
+        move.reason = systemText(ENOENT);
     }
     return move;
 }

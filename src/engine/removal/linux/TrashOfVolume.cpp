@@ -50,8 +50,8 @@ fs::path topOfVolume(fs::path folder, const files::NodeStatus& status) {
 
 Trash openIn(const fs::path& folder, const fs::path& top, Folder (*open)(const fs::path&)) {
     const auto trash = open(folder);
-    const auto status = trash ? (*trash).status() : files::Result<files::NodeStatus>::failed(trash.code());
-    if (!status || (*status).owner != ::geteuid()) {
+    const auto status = trash ? trash->status() : files::Result<files::NodeStatus>::failed(trash.code());
+    if (!status || status->owner != ::geteuid()) {
         return Trash::failed(status ? EPERM : status.code());
     }
     auto items = open(folder / "files");
@@ -64,7 +64,7 @@ Trash openIn(const fs::path& folder, const fs::path& top, Folder (*open)(const f
 
 bool isSharedTrash(const fs::path& folder) {
     const auto status = files::statusOf(folder);
-    return status && (*status).kind == files::NodeKind::directory && platform::TrashFolders::isSharedByUsers(folder);
+    return status && status->kind == files::NodeKind::directory && platform::TrashFolders::isSharedByUsers(folder);
 }
 
 // A trial has no volumes but those below its own root.
