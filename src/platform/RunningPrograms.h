@@ -21,7 +21,7 @@ private:
     std::optional<std::set<std::string>> snaps_;
 };
 
-/// Who holds the lock of a profile: a symbolic link whose target names the machine and the process.
+/// The owner of the lock of a profile: a symbolic link whose target names the machine and the process.
 struct ProfileUse {
     bool isUsed = false;           ///< also where another machine uses it, as far as can be known
     bool isElsewhere = false;      ///< the lock is of another machine

@@ -151,7 +151,7 @@ void SChOperation::collectEntry(const CacheNames::Entry& entry, const Judgement&
                                 const std::shared_ptr<const engine::FoundIn>& place,
                                 const std::shared_ptr<const platform::RootPlace>& root, ScanBatches& batches) {
     const auto path = entry.folderPath / entry.name;
-    auto found = entry.found;
+    auto& found = entry.found;
     const auto use = judgement.rule == nullptr ? platform::ProfileUse()
                                                : useOfBrowser(judgement.rule->running, entry.name, stopToken());
     found.openBy = use.isUsed ? use.program.value_or(found.openBy) : found.openBy;

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "files/SystemCall.h"
-#include "files/linux/DeviceNumber.h"
+#include "files/linux/StatxFields.h"
 
 namespace brimvault::files {
 
@@ -18,7 +18,6 @@ namespace {
 // A lookup must not trigger an automount.
 constexpr int lookOnly = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_SYNC_AS_STAT;
 constexpr unsigned wanted = STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID;
-constexpr std::uint64_t blockSize = 512;  // the unit of stx_blocks, whatever the file system's own block size
 
 NodeKind kindOf(unsigned mode) {
     if (S_ISREG(mode)) {
@@ -67,7 +66,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     status.kind = kindOf(raw.stx_mode);
     status.isSocket = S_ISSOCK(raw.stx_mode);
     status.size = raw.stx_size;
-    status.allocated = raw.stx_blocks * blockSize;
+    status.allocated = allocatedBytes(raw);
     status.linkCount = status.kind == NodeKind::directory ? 1 : raw.stx_nlink;
     status.immutable = (raw.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0;
     constexpr unsigned permissionBits = 07777;
@@ -90,7 +89,7 @@ Result<EntrySize> sizeAt(int directory, const char* name) {
         return Result<EntrySize>::failed(errno);
     }
     return EntrySize{.logical = raw.stx_size,
-                     .allocated = raw.stx_blocks * blockSize,
+                     .allocated = allocatedBytes(raw),
                      .mount = (raw.stx_mask & STATX_MNT_ID) != 0 ? raw.stx_mnt_id : 0,
                      .device = deviceNumber(raw),
                      .inode = raw.stx_ino,

@@ -14,7 +14,7 @@
 
 #include "files/DirectoryHandle.h"
 #include "files/SystemCall.h"
-#include "files/linux/DeviceNumber.h"
+#include "files/linux/StatxFields.h"
 
 namespace brimvault::files {
 
@@ -44,12 +44,11 @@ std::optional<std::pair<std::uint64_t, std::uint64_t>> removedFileBehind(int fol
     struct statx raw {};
     constexpr int flags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
     constexpr unsigned asked = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BLOCKS;
-    constexpr std::uint64_t blockSize = 512;
     if (uninterrupted([&] { return ::statx(folder, name, flags, asked, &raw); }) != 0 || !S_ISREG(raw.stx_mode) ||
         raw.stx_nlink != 0 || !devices.contains(deviceNumber(raw))) {
         return std::nullopt;
     }
-    return std::pair(std::uint64_t{raw.stx_ino}, raw.stx_blocks * blockSize);
+    return std::pair(std::uint64_t{raw.stx_ino}, allocatedBytes(raw));
 }
 
 std::string statusFile(pid_t process, const char* name) { return "/proc/" + std::to_string(process) + "/" + name; }

@@ -95,7 +95,7 @@ private:
                 if (measured.empty()) {
                     measured = ahead.take(place);
                 }
-                return measured[number - portions[place].first];
+                return std::move(measured[number - portions[place].first]);
             };
             const auto& entry = listed_[number];
             if (stop_.stop_requested() || !call({nameOf(number), entry.kind, entry.sizes, findings})) {

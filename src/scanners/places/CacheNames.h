@@ -42,9 +42,9 @@ public:
         const std::filesystem::path& folderPath;
         const char* name;
         files::NodeKind kind;
-        std::string_view holder;  ///< the name of the entry that is looked into; empty for an entry itself
-        const files::ItemFindings& found;
-        Judgement judgement;  ///< never "spared"
+        std::string_view holder;     ///< the name of the entry that is looked into; empty for an entry itself
+        files::ItemFindings& found;  ///< from which the call may take what is large
+        Judgement judgement;         ///< never "spared"
     };
     using Call = std::function<void(const Entry&)>;
     /// Whether an entry is left alone, whatever the rules say.

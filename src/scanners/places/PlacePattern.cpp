@@ -14,17 +14,6 @@ bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
 bool isPlain(std::string_view pattern) { return pattern.find_first_of("*#") == std::string_view::npos; }
 
-// None for what is not there, or where another mount begins: its volume may be one that never answers, so nothing asks
-// for its status.
-std::optional<files::NodeKind> kindOf(const files::DirectoryHandle& folder, const char* name) {
-    const auto opened = folder.openChild(name);
-    if (opened || (opened.code() != ENOTDIR && opened.code() != EACCES)) {
-        return opened ? std::optional(files::NodeKind::directory) : std::nullopt;
-    }
-    const auto status = files::statusAt(folder.descriptor(), name);
-    return status ? std::optional(status->kind) : std::nullopt;
-}
-
 struct Search {
     const std::stop_token& stop;
     const std::function<void(const PlaceMatch&)>& call;
@@ -33,8 +22,31 @@ struct Search {
 void search(const files::DirectoryHandle& folder, const std::filesystem::path& at, std::string_view pattern,
             const Search& what);
 
-void take(const files::DirectoryHandle& folder, const std::filesystem::path& at, const files::DirectoryEntry& entry,
-          std::string_view rest, const Search& what) {
+// None for what is not there, or where another mount begins: its volume may be one that never answers, so nothing asks
+// for its status.
+std::optional<files::NodeKind> kindOf(const files::DirectoryHandle& folder, const char* name,
+                                      const files::Result<files::DirectoryHandle>& opened) {
+    if (opened || (opened.code() != ENOTDIR && opened.code() != EACCES)) {
+        return opened ? std::optional(files::NodeKind::directory) : std::nullopt;
+    }
+    const auto status = files::statusAt(folder.descriptor(), name);
+    return status ? std::optional(status->kind) : std::nullopt;
+}
+
+void takeNamed(const files::DirectoryHandle& folder, const std::filesystem::path& at, const std::string& name,
+               std::string_view rest, const Search& what) {
+    const auto opened = folder.openChild(name.c_str());
+    if (rest.empty()) {
+        if (const auto kind = kindOf(folder, name.c_str(), opened)) {
+            what.call({folder, at / name, *kind});
+        }
+    } else if (opened) {
+        search(*opened, at / name, rest, what);
+    }
+}
+
+void takeListed(const files::DirectoryHandle& folder, const std::filesystem::path& at,
+                const files::DirectoryEntry& entry, std::string_view rest, const Search& what) {
     const auto path = at / entry.name;
     if (rest.empty()) {
         what.call({folder, path, entry.kind});
@@ -49,10 +61,7 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
             const Search& what) {
     const auto first = firstName(pattern);
     if (isPlain(first.name)) {
-        const std::string exact(first.name);
-        if (const auto kind = kindOf(folder, exact.c_str())) {
-            take(folder, at, {exact.c_str(), *kind}, first.rest, what);
-        }
+        takeNamed(folder, at, std::string(first.name), first.rest, what);
         return;
     }
     std::vector<std::pair<std::string, files::NodeKind>> fitting;
@@ -70,7 +79,7 @@ void search(const files::DirectoryHandle& folder, const std::filesystem::path& a
         if (what.stop.stop_requested()) {
             return;
         }
-        take(folder, at, {one.c_str(), kind}, first.rest, what);
+        takeListed(folder, at, {one.c_str(), kind}, first.rest, what);
     }
 }
 
