@@ -21,7 +21,7 @@ struct SizedFile {
 
 void makeFiles(const fs::path& folder, std::span<const SizedFile> files) {
     for (const auto& file : files) {
-        writeSparseFile(folder / file.name, file.size);
+        writeAllocatedFile(folder / file.name, file.size);
     }
 }
 void makeFiles(const fs::path& folder, std::initializer_list<SizedFile> files) {
@@ -52,51 +52,51 @@ void makeProfile(const fs::path& folder, std::uint64_t size) {
                       "Backups/unsaved", "blob_storage/x", "Network/Cookies"});
     makeFiles(folder, {{"Cache/Cache_Data/data_1", size},
                        {"Cache/index", 1'000},
-                       {"Code Cache/js/x", 12'000'000},
+                       {"Code Cache/js/x", 120'000},
                        {"GPUCache/data_0", 264'000},
-                       {"CachedData/abc/x", 32'000'000},
+                       {"CachedData/abc/x", 320'000},
                        {"DawnWebGPUCache/x", 40'000}});
 }
 
 // Not ticked, for the reasons that the rules tell.
 constexpr SizedFile untickedCaches[] = {{"kwin/x", 310'000},
-                                        {"plasmashell/x", 2'400'000},
-                                        {"plasma_theme_default.kcache", 10'500'000},
-                                        {"icon-cache.kcache", 10'600'000},
-                                        {"ksycoca6_de_abc", 1'200'000},
+                                        {"plasmashell/x", 24'000},
+                                        {"plasma_theme_default.kcache", 105'000},
+                                        {"icon-cache.kcache", 106'000},
+                                        {"ksycoca6_de_abc", 12'000},
                                         {"drkonqi/x", 20'000},
                                         {"kscreenlocker_greet/x", 30'000},
                                         {"org.kde.dirmodel-qml.kcache", 40'000},
-                                        {"mesa_shader_cache/index", 296'200'000},
-                                        {"radv_builtin_shaders64", 5'000'000},
-                                        {"nvidia/GLCache/x", 64'000'000},
+                                        {"mesa_shader_cache/index", 2'962'000},
+                                        {"radv_builtin_shaders64", 50'000},
+                                        {"nvidia/GLCache/x", 640'000},
                                         {"qtshadercache-x86_64/x", 60'000},
-                                        {"AMD/VkCache/x", 7'000'000},
-                                        {"dxvk-cache/x", 9'000'000},
-                                        {"tracker3/files/x", 120'000'000},
-                                        {"localsearch3/x", 11'000'000},
-                                        {"baloo/x", 12'000'000},
-                                        {"tracker/x", 1'000'000},
-                                        {"evolution/mail/x", 264'000'000},
-                                        {"camel/x", 1'000'000},
-                                        {"thunderbird/x", 43'000'000},
-                                        {"geary/x", 2'000'000},
-                                        {"kmail2/x", 3'000'000},
-                                        {"akonadi-search/x", 4'000'000},
-                                        {"rclone/vfs/drive/report.odt", 980'000'000},
+                                        {"AMD/VkCache/x", 70'000},
+                                        {"dxvk-cache/x", 90'000},
+                                        {"tracker3/files/x", 1'200'000},
+                                        {"localsearch3/x", 110'000},
+                                        {"baloo/x", 120'000},
+                                        {"tracker/x", 10'000},
+                                        {"evolution/mail/x", 2'640'000},
+                                        {"camel/x", 10'000},
+                                        {"thunderbird/x", 430'000},
+                                        {"geary/x", 20'000},
+                                        {"kmail2/x", 30'000},
+                                        {"akonadi-search/x", 40'000},
+                                        {"rclone/vfs/drive/report.odt", 9'800'000},
                                         {"kioexec/krun/x", 30'000},
-                                        {"R/renv/x", 84'000'000},
-                                        {"gnome-boxes/disk.qcow2", 4'000'000'000},
+                                        {"R/renv/x", 840'000},
+                                        {"gnome-boxes/disk.qcow2", 40'000'000},
                                         {"libvirt/x", 20'000},
                                         {"quickemu/x", 20'001},
                                         {"multipass/x", 20'002},
                                         {"vagrant/x", 20'003},
-                                        {"JetBrains/Idea2024.3/LocalHistory/x", 1'800'000'000},
-                                        {"JetBrains/PyCharm2024.3/x", 700'000'000},
-                                        {"Google/AndroidStudio2024.2/x", 900'000'000},
-                                        {"spotify/Storage/x", 1'100'000'000},
-                                        {"huggingface/hub/models--x/blobs/1", 22'100'000'000},
-                                        {"torch/x", 410'000'000},
+                                        {"JetBrains/Idea2024.3/LocalHistory/x", 18'000'000},
+                                        {"JetBrains/PyCharm2024.3/x", 7'000'000},
+                                        {"Google/AndroidStudio2024.2/x", 9'000'000},
+                                        {"spotify/Storage/x", 11'000'000},
+                                        {"huggingface/hub/models--x/blobs/1", 221'000'000},
+                                        {"torch/x", 4'100'000},
                                         {"whisper/x", 20'004},
                                         {"lm-studio/x", 20'005},
                                         {"ollama/x", 20'006},
@@ -106,7 +106,7 @@ constexpr SizedFile untickedCaches[] = {{"kwin/x", 310'000},
                                         {"nltk_data/x", 20'010},
                                         {"tensorflow_datasets/x", 20'011},
                                         {"gpt4all/x", 20'012},
-                                        {"ms-playwright/chromium/x", 480'000'000},
+                                        {"ms-playwright/chromium/x", 4'800'000},
                                         {"puppeteer/x", 20'013},
                                         {"Cypress/x", 20'014},
                                         {"selenium/x", 20'015},
@@ -115,18 +115,18 @@ constexpr SizedFile untickedCaches[] = {{"kwin/x", 310'000},
                                         {"node-gyp/x", 20'018},
                                         {"pre-commit/x", 20'019},
                                         {"bazelisk/x", 20'020},
-                                        {"ccache/x", 5'000'000'000},
+                                        {"ccache/x", 50'000'000},
                                         {"sccache/x", 20'021},
                                         {"zig/x", 20'022},
                                         {"nix/x", 20'023},
-                                        {"go-build/x", 610'000'000},
+                                        {"go-build/x", 6'100'000},
                                         {"deno/x", 20'024},
                                         {"composer/x", 20'025},
                                         {"coursier/x", 20'026},
                                         {"containers/x", 20'027},
-                                        {"pypoetry/virtualenvs/project/x", 310'000'000},
-                                        {"uv/archive/once", 30'000'000},
-                                        {"yay/package/x", 20'500'000},
+                                        {"pypoetry/virtualenvs/project/x", 3'100'000},
+                                        {"uv/archive/once", 300'000},
+                                        {"yay/package/x", 205'000},
                                         {"paru/x", 20'028},
                                         {"pikaur/x", 20'029},
                                         {"aurutils/x", 20'030},
@@ -151,26 +151,26 @@ constexpr SizedFile untickedCaches[] = {{"kwin/x", 310'000},
                                         {"today.db", 20'049},
                                         {"today.sqlite", 20'050}};
 
-constexpr SizedFile tickedCaches[] = {{"fontconfig/x", 21'400'000},
-                                      {"pip/http-v2/x", 612'300'000},
-                                      {"pypoetry/cache/x", 44'000'000},
-                                      {"pypoetry/artifacts/x", 33'000'000},
+constexpr SizedFile tickedCaches[] = {{"fontconfig/x", 214'000},
+                                      {"pip/http-v2/x", 6'123'000},
+                                      {"pypoetry/cache/x", 440'000},
+                                      {"pypoetry/artifacts/x", 330'000},
                                       {"yarn/x", 20'051},
                                       {"node/corepack/x", 20'052},
                                       {"typescript/x", 20'053},
-                                      {"mypy/x", 18'200'000},
+                                      {"mypy/x", 182'000},
                                       {"ruff/x", 20'054},
                                       {"black/x", 20'055},
                                       {"pylint/x", 20'056},
                                       {"npm/x", 20'057},
-                                      {"mozilla/firefox/abc.default/cache2/x", 1'240'000'000},
+                                      {"mozilla/firefox/abc.default/cache2/x", 12'400'000},
                                       {"google-chrome/Default/Cache/x", 20'058},
-                                      {"chromium/Default/Cache/x", 388'000'000},
+                                      {"chromium/Default/Cache/x", 3'880'000},
                                       {"BraveSoftware/Brave-Browser/x", 20'059},
                                       {"microsoft-edge/x", 20'060},
                                       {"vivaldi/x", 20'061},
                                       {"opera/x", 20'062},
-                                      {"thumbnails/large/x", 318'900'000},
+                                      {"thumbnails/large/x", 3'189'000},
                                       {"libdnf5/x", 20'063},
                                       {"PackageKit/x", 20'064},
                                       {"appstream/x", 20'065},
@@ -180,11 +180,11 @@ constexpr SizedFile tickedCaches[] = {{"fontconfig/x", 21'400'000},
                                       {"deadbeef/covers2/x", 20'069},
                                       {"rhythmbox/x", 20'070},
                                       {"amarok/x", 20'071},
-                                      {"com.vendor.editor/x", 71'900'000},
-                                      {"org.project.desktop/x", 12'700'000},
+                                      {"com.vendor.editor/x", 719'000},
+                                      {"org.project.desktop/x", 127'000},
                                       {"old.db", 20'072},
                                       {".hidden/x", 20'073},
-                                      {".fr-8Ck2Lq/unpacked/x", 8'000'000},
+                                      {".fr-8Ck2Lq/unpacked/x", 80'000},
                                       {".fr-recent/x", 20'074},
                                       {"Google/Chrome/x", 20'075},  // beside what a rule knows
                                       {"ibusx/x", 20'076},          // names that only look like a rule's
@@ -203,7 +203,7 @@ void LinuxDesktop::makeCaches() const {
     makeFiles(caches, tickedCaches);
     age(caches / ".fr-8Ck2Lq");
     age(caches / "old.db");
-    writeSparseFile(home_ / "project/.venv/x", 50'000'000);
+    writeAllocatedFile(home_ / "project/.venv/x", 500'000);
     fs::create_hard_link(home_ / "project/.venv/x", caches / "uv/archive/twice");
     // Known by what they hold.
     writeFile(caches / "plugins/a/b/.git/HEAD", "ref: refs/heads/main");
@@ -213,31 +213,30 @@ void LinuxDesktop::makeCaches() const {
 
 void LinuxDesktop::makeApplications() const {
     const auto apps = home_ / ".var/app";
-    makeFiles(apps / "org.example.Image", {{"cache/x/y", 251'000'000},
+    makeFiles(apps / "org.example.Image", {{"cache/x/y", 2'510'000},
                                            {"cache/fontconfig/z", 800'000},
-                                           {"cache/tmp/old", 20'000'000},
+                                           {"cache/tmp/old", 200'000},
                                            {"cache/tmp/recent", 5'000},
                                            {".cache/x", 30'000}});
     age(apps / "org.example.Image/cache/tmp/old");
     writeAll(apps / "org.example.Image",
              {"cache/ibus/x", "cache/rclone/vfs/x", "cache/pypoetry/virtualenvs/x", "data/x", "config/settings",
               ".mozilla/x", ".local/share/x", ".local/state/x"});
-    writeSparseFile(apps / "org.example.Image/cache/pypoetry/cache/x", 7'000);
-    writeSparseFile(apps / "org.example.Running/cache/x", 91'000'000);
-    makeProfile(apps / "org.example.Chat/config/Chat", 45'000'000);
-    writeSparseFile(apps / "org.example.Other/cache/x", 1'000);
+    writeAllocatedFile(apps / "org.example.Image/cache/pypoetry/cache/x", 7'000);
+    writeAllocatedFile(apps / "org.example.Running/cache/x", 910'000);
+    makeProfile(apps / "org.example.Chat/config/Chat", 450'000);
+    writeAllocatedFile(apps / "org.example.Other/cache/x", 1'000);
     fs::create_directory_symlink("org.example.Other", apps / "org.example.Link");
 
     const auto snap = home_ / "snap/editor";
-    makeFiles(snap, {{"common/.cache/x", 300'000'000},
-                     {"9/.cache/x", 9'000},
-                     {"11/.cache/x", 31'000'000},
-                     {"x12/.cache/y", 32'000'000}});
+    makeFiles(
+        snap,
+        {{"common/.cache/x", 3'000'000}, {"9/.cache/x", 9'000}, {"11/.cache/x", 310'000}, {"x12/.cache/y", 320'000}});
     writeAll(snap, {"common/x", "11/Documents/x", "x12/.config/x", "old/.cache/x", "common/.local/share/x"});
     fs::create_directory_symlink("x12", snap / "current");
 
-    makeProfile(home_ / profile, 1'300'000'000);
-    writeSparseFile(home_ / profile / "Service Worker/CacheStorage/x", 210'000'000);
+    makeProfile(home_ / profile, 13'000'000);
+    writeAllocatedFile(home_ / profile / "Service Worker/CacheStorage/x", 2'100'000);
     const auto browser = home_ / ".config/chromium";
     writeFile(browser / "Local State", "{}");
     writeAll(browser, {"DIPS", "Default/Cookies", "Profile 2/Bookmarks"});
@@ -247,8 +246,8 @@ void LinuxDesktop::makeApplications() const {
                         {"component_crx_cache/x", 2'000},
                         {"Default/GPUCache/x", 3'000},
                         {"Profile 2/Code Cache/x", 4'000}});
-    makeProfile(home_ / ".config/Vendor/Mail", 21'000'000);
-    makeProfile(home_ / ".config/WireTalk", 66'000'000);
+    makeProfile(home_ / ".config/Vendor/Mail", 210'000);
+    makeProfile(home_ / ".config/WireTalk", 660'000);
     // Look-alikes.
     writeAll(home_ / ".config", {"lookalike/Cache/x", "libreoffice/4/user/uno_packages/cache/x", "half/GPUCache/x",
                                  "text/Local State", "text/GPUCache/x"});
@@ -256,25 +255,25 @@ void LinuxDesktop::makeApplications() const {
 }
 
 void LinuxDesktop::makeTools() const {
-    makeFiles(home_, {{".npm/_cacache/x", 212'000'000},
-                      {".npm/_npx/x", 14'000'000},
-                      {".cargo/registry/cache/x", 90'000'000},
-                      {".cargo/registry/src/x", 310'000'000},
-                      {".cargo/git/checkouts/x", 40'000'000},
-                      {".cargo/git/db/x", 60'000'000},
-                      {"go/pkg/mod/cache/download/x", 150'000'000},
-                      {"go/pkg/mod/example.com/module/x", 260'000'000},
-                      {".gradle/caches/x", 1'700'000'000},
-                      {".gradle/wrapper/dists/x", 130'000'000},
-                      {".ivy2/cache/x", 30'000'000},
+    makeFiles(home_, {{".npm/_cacache/x", 2'120'000},
+                      {".npm/_npx/x", 140'000},
+                      {".cargo/registry/cache/x", 900'000},
+                      {".cargo/registry/src/x", 3'100'000},
+                      {".cargo/git/checkouts/x", 400'000},
+                      {".cargo/git/db/x", 600'000},
+                      {"go/pkg/mod/cache/download/x", 1'500'000},
+                      {"go/pkg/mod/example.com/module/x", 2'600'000},
+                      {".gradle/caches/x", 17'000'000},
+                      {".gradle/wrapper/dists/x", 1'300'000},
+                      {".ivy2/cache/x", 300'000},
                       {".rustup/downloads/x", 1'000},
                       {".rustup/tmp/x", 2'000},
                       {".android/cache/x", 3'000},
                       {".android/build-cache/x", 4'000},
                       {".thumbnails/normal/x", 5'000},
-                      {".local/share/Steam/steamapps/shadercache/220/x", 3'400'000'000},
-                      {".local/share/Steam/appcache/httpcache/x", 61'000'000},
-                      {".local/share/Steam/steamapps/downloading/220/x", 700'000'000},
+                      {".local/share/Steam/steamapps/shadercache/220/x", 34'000'000},
+                      {".local/share/Steam/appcache/httpcache/x", 610'000},
+                      {".local/share/Steam/steamapps/downloading/220/x", 7'000'000},
                       {".local/share/Steam/steamapps/temp/x", 1'000},
                       {".var/app/com.valvesoftware.Steam/.local/share/Steam/steamapps/shadercache/440/x", 6'000},
                       {".wine/drive_c/users/anna/Temp/x", 7'000},

@@ -9,7 +9,7 @@
 namespace brimvault::trial {
 
 /// What programs of a Linux desktop leave in a home folder: caches in all the places that the rules know, look-alikes,
-/// and what must never go. Large files are sparse. Every problem is a std::exception.
+/// and what must never go. Files are allocated, not written. Every problem is a std::exception.
 class LinuxDesktop {
 public:
     explicit LinuxDesktop(const std::filesystem::path& home) : home_(home) {}

@@ -1,7 +1,11 @@
 #include "trial/SampleHome.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -15,25 +19,18 @@ namespace fs = std::filesystem;
 namespace {
 
 const char* const linkText = "../../Precious";
-constexpr std::uint64_t containerCachesSize = 20'480'000;
+constexpr std::uint64_t containerCachesSize = 2'048'000;
 constexpr std::uint64_t comparedBytes = 65'536;  // a longer file is compared by its length alone
 
 const std::vector<SampleHome::Entry>& namedCaches() {
     static const std::vector<SampleHome::Entry> entries = {
-        {"com.vendor.browser", 1'240'000'000},
-        {"com.vendor.mail", 612'300'000},
-        {"com.vendor.music", 388'000'000},
-        {"com.vendor.photos", 318'900'000},
-        {"mesa_shader_cache", 96'200'000},
-        {"com.vendor.editor", 71'860'000},
-        {"thumbnails", 64'000'000},
-        {"fontconfig", 21'400'000},
-        {"com.vendor.notes", 18'200'000},
-        {"org.project.desktop", 12'700'000},
-        {"com.vendor.store", 8'040'000},
-        {"pip", 5'900'000},
-        {"com.vendor.weather", 3'300'000},
-        {SampleHome::plainFileName, 1'200'000},
+        {"com.vendor.browser", 124'000'000}, {"com.vendor.mail", 61'230'000},
+        {"com.vendor.music", 38'800'000},    {"com.vendor.photos", 31'890'000},
+        {"mesa_shader_cache", 9'620'000},    {"com.vendor.editor", 7'186'000},
+        {"thumbnails", 6'400'000},           {"fontconfig", 2'140'000},
+        {"com.vendor.notes", 1'820'000},     {"org.project.desktop", 1'270'000},
+        {"com.vendor.store", 804'000},       {"pip", 590'000},
+        {"com.vendor.weather", 330'000},     {SampleHome::plainFileName, 120'000},
     };
     return entries;
 }
@@ -53,10 +50,10 @@ struct Application {
 
 const std::vector<Application>& sampleApplications() {
     static const std::vector<Application> applications = {
-        {"Office Writer", 33, 486'000'000, {0x5B, 0x8D, 0xEF}}, {"Photo Studio", 24, 391'700'000, {0x2B, 0xA5, 0xC9}},
-        {"Mail Reader", 16, 212'400'000, {0x8A, 0x6F, 0xE8}},   {"Music", 30, 120'600'000, {0xE2, 0x96, 0x3A}},
-        {"Video Player", 33, 88'100'000, {0xE5, 0x60, 0x4F}},   {"Map Viewer", 19, 64'300'000, {0x0E, 0xA3, 0x90}},
-        {"Notes", 27, 22'900'000, {0xF2, 0xB9, 0x3B}},          {"Chess", 14, 9'400'000, {0x7A, 0x87, 0x98}},
+        {"Office Writer", 33, 48'600'000, {0x5B, 0x8D, 0xEF}}, {"Photo Studio", 24, 39'170'000, {0x2B, 0xA5, 0xC9}},
+        {"Mail Reader", 16, 21'240'000, {0x8A, 0x6F, 0xE8}},   {"Music", 30, 12'060'000, {0xE2, 0x96, 0x3A}},
+        {"Video Player", 33, 8'810'000, {0xE5, 0x60, 0x4F}},   {"Map Viewer", 19, 6'430'000, {0x0E, 0xA3, 0x90}},
+        {"Notes", 27, 2'290'000, {0xF2, 0xB9, 0x3B}},          {"Chess", 14, 940'000, {0x7A, 0x87, 0x98}},
     };
     return applications;
 }
@@ -73,9 +70,9 @@ std::string informationOf(const std::string& application) {
 void spread(const fs::path& folder, std::uint64_t size) {
     const std::uint64_t half = size / 2;
     const std::uint64_t quarter = size / 4;
-    writeSparseFile(folder / "Cache.db", half);
-    writeSparseFile(folder / "fsCachedData" / "0A1B" / "data_1", quarter);
-    writeSparseFile(folder / "fsCachedData" / "0A1B" / "2C3D" / "data_2", size - half - quarter - 5);
+    writeAllocatedFile(folder / "Cache.db", half);
+    writeAllocatedFile(folder / "fsCachedData" / "0A1B" / "data_1", quarter);
+    writeAllocatedFile(folder / "fsCachedData" / "0A1B" / "2C3D" / "data_2", size - half - quarter - 5);
     writeFile(folder / ".version", "12.4\n");
 }
 
@@ -114,6 +111,16 @@ void writeFile(const fs::path& file, const std::string& text) {
 void writeSparseFile(const fs::path& file, std::uint64_t size) {
     writeFile(file, {});
     fs::resize_file(file, size);
+}
+
+void writeAllocatedFile(const fs::path& file, std::uint64_t size) {
+    writeFile(file, {});
+    const int opened = ::open(file.c_str(), O_WRONLY | O_CLOEXEC);
+    const int code = opened < 0 ? errno : size == 0 ? 0 : ::posix_fallocate(opened, 0, static_cast<off_t>(size));
+    ::close(opened);
+    if (code != 0) {
+        throw std::runtime_error("cannot allocate " + file.native());
+    }
 }
 
 SampleHome::Fingerprint fingerprint(const fs::path& folder, const std::vector<fs::path>& without) {
@@ -160,7 +167,7 @@ SampleHome::Fingerprint SampleHome::everythingOutside(const std::vector<fs::path
 void SampleHome::makeCaches() const {
     for (const auto& entry : namedCaches()) {
         if (entry.name == plainFileName) {
-            writeSparseFile(caches() / entry.name, entry.size);
+            writeAllocatedFile(caches() / entry.name, entry.size);
         } else {
             spread(caches() / entry.name, entry.size);
         }
@@ -179,19 +186,19 @@ void SampleHome::makeContainers() const {
 }
 
 void SampleHome::makeOtherSections() const {
-    writeSparseFile(library() / "Logs/com.vendor.browser/session.log", 310'000'000);
-    writeSparseFile(library() / "Logs/system.log", 91'000'000);
+    writeAllocatedFile(library() / "Logs/com.vendor.browser/session.log", 31'000'000);
+    writeAllocatedFile(library() / "Logs/system.log", 9'100'000);
     writeFile(library() / "Logs/CrashReporter/editor.crash", "kept for the crash reporter\n");
     writeFile(library() / "Logs/talagent.log.1", "kept\n");
-    writeSparseFile(library() / "Logs/backup 2.log", 400'000);
-    writeSparseFile(library() / "Logs/backup 10.log", 600'000);
-    writeSparseFile(library() / "Application Support/CrashReporter/editor_2024.crash", 10'000'000);
-    writeSparseFile(downloads() / "installer.iso", 5'800'000'000);
-    writeSparseFile(downloads() / "photos.zip", 410'000'000);
+    writeAllocatedFile(library() / "Logs/backup 2.log", 40'000);
+    writeAllocatedFile(library() / "Logs/backup 10.log", 60'000);
+    writeAllocatedFile(library() / "Application Support/CrashReporter/editor_2024.crash", 1'000'000);
+    writeAllocatedFile(downloads() / "installer.iso", 580'000'000);
+    writeAllocatedFile(downloads() / "photos.zip", 41'000'000);
     writeFile(downloads() / "invoice.txt", "An invoice.\n");
-    writeSparseFile(trash() / "draft.doc", 20'000'000);
-    writeSparseFile(desktopTrash() / "files/old project/recording.mov", 1'000'000'000);
-    writeSparseFile(desktopTrash() / "files/holiday.jpg", 4'200'000);
+    writeAllocatedFile(trash() / "draft.doc", 2'000'000);
+    writeAllocatedFile(desktopTrash() / "files/old project/recording.mov", 100'000'000);
+    writeAllocatedFile(desktopTrash() / "files/holiday.jpg", 420'000);
     for (const char* name : {"old project", "holiday.jpg"}) {
         writeFile(desktopTrash() / "info" / (std::string(name) + ".trashinfo"),
                   "[Trash Info]\nPath=" + (path_ / "Desktop" / name).native() + "\nDeletionDate=2024-05-01T12:00:00\n");
@@ -203,13 +210,13 @@ void SampleHome::makeApplications() const {
         const auto contents = applications() / (application.name + ".app") / "Contents";
         writeFile(contents / "Info.plist", informationOf(application.name));
         writeFile(contents / "Resources" / SampleHome::iconName, SampleIcon::inColour(application.colour));
-        writeSparseFile(contents / "Resources/Assets.car", 3'000'000);
-        writeSparseFile(contents / "Resources/Base.lproj/Main.nib", 90'000);
+        writeAllocatedFile(contents / "Resources/Assets.car", 300'000);
+        writeAllocatedFile(contents / "Resources/Base.lproj/Main.nib", 90'000);
         const std::uint64_t each = application.size / (application.localizations - keptLanguages);
         for (std::size_t index = 0; index < application.localizations; ++index) {
             const auto localization = contents / "Resources" / (std::string(languages[index]) + ".lproj");
-            writeSparseFile(localization / "Localizable.strings", each - each / 4);
-            writeSparseFile(localization / "Help/index.html", each / 4);
+            writeAllocatedFile(localization / "Localizable.strings", each - each / 4);
+            writeAllocatedFile(localization / "Help/index.html", each / 4);
         }
     }
 }

@@ -8,8 +8,8 @@
 
 namespace brimvault::trial {
 
-/// A made-up home folder with something in every section. Its large files are sparse: they have their lengths and take
-/// next to nothing on the disk. Every problem is a std::exception.
+/// A made-up home folder with something in every section. Its files are allocated, not written: they take their lengths
+/// on the disk, 1.2 GB together. Every problem is a std::exception.
 class SampleHome {
 public:
     /// A visible entry of the caches folder and the bytes that a scan is to find in it.
@@ -73,6 +73,8 @@ private:
 void writeFile(const std::filesystem::path& file, const std::string& text);
 /// A sparse file of so many bytes; its folders are made.
 void writeSparseFile(const std::filesystem::path& file, std::uint64_t size);
+/// A file of so many bytes that takes them on the disk too, without their being written; its folders are made.
+void writeAllocatedFile(const std::filesystem::path& file, std::uint64_t size);
 /// What `SampleHome::everythingOutside` answers, of any folder.
 [[nodiscard]] SampleHome::Fingerprint fingerprint(const std::filesystem::path& folder,
                                                   const std::vector<std::filesystem::path>& without = {});

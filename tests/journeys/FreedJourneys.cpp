@@ -16,7 +16,6 @@ TEST_F(FreedJourney, TellsWhatACleanFreedUntilTheNextScan) {
     auto cleans = app::cleanOperations(remover_);
     cleans.volumes = &volumes_;
     start(scans(), cleans);
-    writeFile(caches() / "full", std::string(8'000'000, 'x'));  // the others are sparse
     scan();
     const auto selected = model().freesOfSelection(application_->psectController().checks());
     volumes_.setFreeWhenFlushed(files::statusOf(caches())->identity.device, selected / 2);

@@ -161,7 +161,7 @@ TEST_F(ListJourney, FallsBackWhereNoFileBrowserAnswers) {
     const auto deleted = QLocale().toString(QDateTime(QDate(2024, 5, 1), QTime(12, 0)), QLocale::LongFormat);
     const auto origin = shownPath(home_.path() / "Desktop/old project");
     expectInformation(trashRow, u"old project"_s,
-                      {u"Kind: Folder"_s, u"Size: 1 GB (1,000,000,000 bytes)"_s, u"Original place: "_s + origin,
+                      {u"Kind: Folder"_s, u"Size: 100 MB (100,000,000 bytes)"_s, u"Original place: "_s + origin,
                        u"Deleted: "_s + deleted});
     const auto tooltip = cell(u"old project"_s, 0).data(Qt::ToolTipRole).toString();
     EXPECT_TRUE(tooltip.contains(u"From "_s + origin) && tooltip.contains(u"Deleted on "_s + deleted));
@@ -247,7 +247,7 @@ TEST_F(ListJourney, AFailedRemovalIsToldAndChangesNothing) {
 
 TEST_F(ListJourney, NothingBeginsWhileAQuestionIsOpenAndNothingElseIsRemovedThanWasAsked) {
     show(downloadsRow);
-    EXPECT_EQ(subtitle(downloadsRow), u"0 B of 6.21 GB Selected"_s);
+    EXPECT_EQ(subtitle(downloadsRow), u"0 B of 621 MB Selected"_s);
     alerts_.whileOpen = [this] {
         application_->psectController().doStartScan();
         application_->psectController().doStartClean();
@@ -274,10 +274,10 @@ TEST_F(ListJourney, CtrlDeleteMovesADownloadToTheTrashAndTheButtonPutsItBack) {
     };
     EXPECT_FALSE(lists()->movedLine()->isVisible());
     ASSERT_TRUE(press(Qt::Key_Delete, u"photos.zip"_s));
-    EXPECT_TRUE(isSaid(u"Moved 410 MB to the Trash"_s));
-    EXPECT_EQ(subtitle(downloadsRow), u"0 B of 5.8 GB Selected"_s);
+    EXPECT_TRUE(isSaid(u"Moved 41 MB to the Trash"_s));
+    EXPECT_EQ(subtitle(downloadsRow), u"0 B of 580 MB Selected"_s);
     ASSERT_TRUE(press(Qt::Key_Delete, u"installer.iso"_s));
-    EXPECT_TRUE(isSaid(u"Moved 6.21 GB to the Trash"_s));
+    EXPECT_TRUE(isSaid(u"Moved 621 MB to the Trash"_s));
     EXPECT_TRUE(fs::exists(home_.desktopTrash() / "info/photos.zip.trashinfo"));
     EXPECT_EQ(cleanedInTotal(), total);
     EXPECT_EQ(undo->accessibleName(), u"Undo: put “installer.iso” back"_s);
@@ -292,12 +292,12 @@ TEST_F(ListJourney, CtrlDeleteMovesADownloadToTheTrashAndTheButtonPutsItBack) {
     type(Qt::Key_Space);
     ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(u"installer.iso"_s) >= 0 && !application_->pbRemoving(); }));
     EXPECT_TRUE(list->hasFocus());
-    EXPECT_TRUE(isSaid(u"Moved 410 MB to the Trash"_s));
+    EXPECT_TRUE(isSaid(u"Moved 41 MB to the Trash"_s));
     type(Qt::Key_Z, Qt::ControlModifier);
     ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(u"photos.zip"_s) >= 0; }));
     EXPECT_EQ(home_.everythingOutside({".local/share/Trash"}), before);
     EXPECT_FALSE(lists()->movedLine()->isVisible());
-    EXPECT_EQ(subtitle(downloadsRow), u"0 B of 6.21 GB Selected"_s);
+    EXPECT_EQ(subtitle(downloadsRow), u"0 B of 621 MB Selected"_s);
     EXPECT_TRUE(alerts_.asked.empty());
 }
 
@@ -321,7 +321,7 @@ TEST_F(ListJourney, AMoveToTheTrashIsUndoneUntilTheNextScanWhereItsPlaceIsFree) 
     Guide::click(lists()->movedLine()->undoButton());
     ASSERT_TRUE(comesTo(1) && Guide::waitFor([this] { return !application_->pbRemoving(); }));
     EXPECT_EQ(alerts_.asked.back().message, u"“photos.zip” could not be put back"_s);
-    EXPECT_TRUE(isSaid(u"Moved 410 MB to the Trash"_s));
+    EXPECT_TRUE(isSaid(u"Moved 41 MB to the Trash"_s));
     EXPECT_FALSE(lists()->movedLine()->undoButton()->isVisible());
     EXPECT_LT(guide_->row(u"photos.zip"_s), 0);
     ASSERT_TRUE(move(u"installer.iso"_s));
