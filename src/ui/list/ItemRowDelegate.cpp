@@ -15,7 +15,7 @@ constexpr int noteGap = 16;       // between the name and the note
 constexpr int minNoteWidth = 40;  // in less than that nobody reads anything
 
 int widthOfName(const QModelIndex& index) {
-    return QFontMetrics(look::font(TextCellSmall::textSize)).horizontalAdvance(index.data().toString());
+    return lineWidth(index.data().toString(), look::font(TextCellSmall::textSize));
 }
 
 }  // namespace
@@ -42,7 +42,7 @@ QRect ItemRowDelegate::drawFrees(QPainter& painter, const QStyleOptionViewItem& 
                                  const QRect& room) {
     const QString text = index.data(ItemListModel::freesRole).toString();
     const QFont font = look::font(noteSize);
-    const int needed = QFontMetrics(font).horizontalAdvance(text);
+    const int needed = lineWidth(text, font);
     const int before = room.width() - needed;
     if (text.isEmpty() || before < widthOfName(index) + look::scaled(noteGap)) {
         return room;

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QRect>
 #include <QString>
+#include <QtMath>
 
 namespace brimvault::ui {
 
@@ -19,7 +20,12 @@ inline void drawTextLine(QPainter& painter, const QRect& place, Qt::Alignment si
 
 /// Whether a line of text is too long for the room.
 [[nodiscard]] inline bool isElided(const QString& text, const QFont& font, int room) {
-    return QFontMetrics(font).horizontalAdvance(text) > room;
+    return QFontMetrics(font).elidedText(text, Qt::ElideRight, room) != text;
+}
+
+/// The room that a line of text needs not to be elided: its advance is no whole number.
+[[nodiscard]] inline int lineWidth(const QString& text, const QFont& font) {
+    return qCeil(QFontMetricsF(font).horizontalAdvance(text));
 }
 
 /// The sides where text begins and ends in a layout of that direction.

@@ -24,6 +24,7 @@
 #include "ui/list/RowIcons.h"
 #include "ui/list/TTableView.h"
 #include "ui/look/Look.h"
+#include "ui/look/TextLine.h"
 
 using namespace brimvault;
 using testing::ElementsAre;
@@ -202,6 +203,16 @@ TEST_F(ItemListModelTest, AChangeOfACheckIsAskedForAndRefusedWhileDisabled) {
     EXPECT_FALSE(model_.setData(check, Qt::Unchecked, Qt::CheckStateRole));
     EXPECT_FALSE(model_.flags(check).testFlag(Qt::ItemIsUserCheckable));
     EXPECT_THAT(asked, ElementsAre(std::pair(0, false)));
+}
+
+TEST(TextLineTest, IsNotElidedInTheRoomThatItNeeds) {
+    const QFont font = ui::look::font(12);
+    for (int number = 0; number < 1000; ++number) {
+        const auto text = QStringLiteral("frees %1 MB").arg(number * 0.37);
+        const int room = ui::lineWidth(text, font);
+        EXPECT_FALSE(ui::isElided(text, font, room)) << text.toStdString();
+        EXPECT_TRUE(ui::isElided(text, font, room - 2)) << text.toStdString();
+    }
 }
 
 // Draws the cell of a name in a window of that width, with a note and without.
