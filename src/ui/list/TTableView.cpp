@@ -75,7 +75,9 @@ void TTableView::showSorting() {
 }
 
 void TTableView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Delete && currentIndex().isValid()) {
+    if (event->key() == Qt::Key_Delete && event->isAutoRepeat()) {
+        event->accept();  // a key that is held must not take one row after the other
+    } else if (event->key() == Qt::Key_Delete && currentIndex().isValid()) {
         selectCurrentRow();
         Q_EMIT event->modifiers().testFlag(Qt::ControlModifier) ? trashRequested() : removeRequested();
     } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
