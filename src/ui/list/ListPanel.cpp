@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "ui/look/Look.h"
+#include "ui/look/PlainToolTip.h"
 #include "ui/look/TextLabel.h"
 
 namespace brimvault::ui {
@@ -146,18 +147,20 @@ void ListPanel::setTitle(const QString& title, const QString& count) {
 
 void ListPanel::setFreed(const QString& freed) {
     freed_->setText(freed);
-    freed_->setToolTip(freed.isEmpty() ? QString() : Qt::convertFromPlainText(freed, Qt::WhiteSpaceNormal));
-    title_->setAccessibleDescription(freed);
+    setWrappedToolTip(*freed_, freed.isEmpty()
+                                   ? QString()
+                                   : tr("%1. Snapshots of the file system may still hold that space.").arg(freed));
+    setDescription(*title_, freed);
     freed_->setVisible(!freed.isEmpty());
     places_->setVisible(freed.isEmpty());
 }
 
 void ListPanel::setPlaces(const QString& unusual, const QString& all) {
-    const QString tooltip = all.isEmpty() ? QString() : Qt::convertFromPlainText(all, Qt::WhiteSpaceNormal);
     places_->setText(QString(unusual).replace(QLatin1Char('\n'), QStringLiteral(" · ")));
-    for (auto* label : {title_, count_, places_}) {
-        label->setToolTip(tooltip);
-    }
+    setWrappedToolTip(*count_, all);
+    setWrappedToolTip(*places_, all);
+    title_->setToolTip(count_->toolTip());
+    setDescription(*title_, freed_->text().isEmpty() ? all : freed_->text());
 }
 
 void ListPanel::setNote(const QString& note) { note_->setText(note); }
