@@ -55,6 +55,11 @@
         <source>%1 selected items carry a warning:</source>
         <translation>%1 ausgewählte Objekte haben einen Warnhinweis:</translation>
     </message>
+    <message>
+        <source>%1 (frees %2)</source>
+        <comment>items and their size</comment>
+        <translation>%1 (gibt %2 frei)</translation>
+    </message>
 </context>
 <context>
     <name>FileActions</name>
@@ -682,6 +687,10 @@
     <message>
         <source>Clean progress</source>
         <translation>Fortschritt der Bereinigung</translation>
+    </message>
+    <message>
+        <source>%1. Snapshots of the file system may still hold that space.</source>
+        <translation>%1. Schnappschüsse des Dateisystems können diesen Platz weiter belegen.</translation>
     </message>
 </context>
 <context>

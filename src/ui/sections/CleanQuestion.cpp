@@ -36,6 +36,10 @@ Alert::Facts cleanFacts(const engine::DataMan& model, const engine::PerSection<b
         }
     }
     facts.sum = sumText(items, bytes);
+    if (const quint64 frees = model.freesOfSelection(ticked); engine::CleanableItem::isWorthTelling(bytes, frees)) {
+        facts.sum = QCoreApplication::translate("CleanQuestion", "%1 (frees %2)", "items and their size")
+                        .arg(facts.sum, FileSize::formatMemoryStringDot1(frees));
+    }
     return facts;
 }
 
