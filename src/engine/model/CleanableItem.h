@@ -46,14 +46,15 @@ public:
     /// size where nothing else is known.
     [[nodiscard]] virtual quint64 frees() const = 0;
     [[nodiscard]] quint64 freesBySel() const { return ppbChecked() && ppbDeletable() ? frees() : 0; }
-    /// Whether that differs so much from the size that the user should know: by more than a tenth, and by more than the
-    /// last blocks of some files, which are hardly ever full.
+    /// Whether that differs so much from the size that the user should know: by more than a tenth. A file hardly ever
+    /// fills its last block, so that many take somewhat more than their lengths, and tiny ones nothing at all.
     [[nodiscard]] bool isFreesWorthTelling() const { return isWorthTelling(ppnSize(), frees()); }
     [[nodiscard]] static constexpr bool isWorthTelling(quint64 size, quint64 frees) {
-        constexpr quint64 least = 100'000;
         constexpr quint64 tenth = 10;
-        const quint64 difference = size < frees ? frees - size : size - frees;
-        return difference >= least && difference > size / tenth;
+        constexpr quint64 lastBlocks = 100'000;
+        constexpr quint64 tiny = 4096;
+        return frees < size ? size > tiny && size - frees > size / tenth
+                            : frees - size >= lastBlocks && frees - size > size / tenth;
     }
 
     [[nodiscard]] quint64 ppnSize() const { return getSpace2Save(); }
