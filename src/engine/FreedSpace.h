@@ -19,7 +19,7 @@ struct FreedSpace {
     /// Below these figures the difference may come from what other programs write meanwhile.
     [[nodiscard]] bool isDifferenceWorthTelling() const {
         constexpr quint64 minBytes = 1000UL * 1000;
-        constexpr quint64 part = 10;
+        constexpr quint64 part = 20;
         return held() >= minBytes && held() >= removed / part;
     }
     bool operator==(const FreedSpace&) const = default;

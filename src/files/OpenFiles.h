@@ -49,16 +49,18 @@ private:
     std::unordered_map<Key, pid_t, Hash> holders_;
 };
 
-/// A running program and what it keeps from being freed.
-struct RemovedFilesHolder {
-    std::string program;      ///< as `programName` tells it
-    std::uint64_t bytes = 0;  ///< on disk, of files without a name that it holds open
+/// A file without a name that a running program holds open.
+struct RemovedFile {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t allocated = 0;  ///< bytes on disk
+    std::string program = {};     ///< as `programName` tells it
 };
 
-/// The programs of other processes that hold files open which have been removed from these devices (`st_dev`), the one
-/// that holds most first. Goes through the processes that the user may look at; ends early on a stop. Any thread.
-[[nodiscard]] std::vector<RemovedFilesHolder> holdersOfRemovedFiles(const std::set<std::uint64_t>& devices,
-                                                                    const std::stop_token& stop = {});
+/// The files that have been removed from these devices (`st_dev`) and that other processes hold open, once for each
+/// program. Goes through the processes that the user may look at; ends early on a stop. Any thread.
+[[nodiscard]] std::vector<RemovedFile> removedFilesInUse(const std::set<std::uint64_t>& devices,
+                                                         const std::stop_token& stop = {});
 
 /// The name of a running program, as the system shows it (at most 15 bytes on Linux); empty when it has ended.
 [[nodiscard]] std::string programName(pid_t process);

@@ -53,8 +53,8 @@ TEST(RemovedFilesTest, NamesTheProgramThatHoldsThemOpenAndHowMuch) {
     const auto status = files::statusOf(folder / "file");
     const auto heldOn = [](std::uint64_t device) {
         std::uint64_t bytes = 0;
-        for (const auto& holder : files::holdersOfRemovedFiles({device})) {
-            bytes += holder.program == files::programName(::getpid()) ? holder.bytes : 0;
+        for (const auto& held : files::removedFilesInUse({device})) {
+            bytes += held.program == files::programName(::getpid()) ? held.allocated : 0;
         }
         return bytes;
     };

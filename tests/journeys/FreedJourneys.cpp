@@ -12,7 +12,7 @@ protected:
 };
 
 TEST_F(FreedJourney, TellsWhatACleanFreedUntilTheNextScan) {
-    volumes_.programs = QStringList(u"browser"_s);
+    volumes_.inUseAfter = {{files::statusOf(caches())->identity.device, 1, 1UL << 40U, "browser"}};
     auto cleans = app::cleanOperations(remover_);
     cleans.volumes = &volumes_;
     start(scans(), cleans);
@@ -41,11 +41,11 @@ TEST_F(FreedJourney, TellsWhatACleanFreedUntilTheNextScan) {
 
 TEST(FreedTextTest, IsAsLongAsThereIsSomethingToTell) {
     constexpr quint64 mega = 1000UL * 1000;
-    EXPECT_EQ(ui::freedText({100 * mega, 100 * mega, 91 * mega}), u"Freed 91 MB"_s);
+    EXPECT_EQ(ui::freedText({100 * mega, 100 * mega, 96 * mega}), u"Freed 96 MB"_s);
     EXPECT_EQ(ui::freedText({100 * mega, 100 * mega, 60 * mega}),
               u"Freed 60 MB (100 MB selected; 40 MB is still in use or shared)"_s);
-    EXPECT_EQ(ui::freedText({100 * mega, 70 * mega, 60 * mega, {u"a"_s, u"b"_s, u"c"_s}}),
-              u"Freed 60 MB (100 MB selected; 10 MB is still in use by a, b or shared)"_s);
+    EXPECT_EQ(ui::freedText({3400 * mega, 3400 * mega, 3100 * mega, {u"a"_s, u"b"_s, u"c"_s}}),
+              u"Freed 3.1 GB (3.4 GB selected; 300 MB is still in use by a, b or shared)"_s);
     EXPECT_EQ(ui::freedText({900, 900, 0}), QString()) << "less than others write";
 }
 

@@ -21,10 +21,10 @@ public:
         }
         return std::make_shared<Held>(*this, device);
     }
-    QStringList programsHolding(const std::set<std::uint64_t>& devices, quint64 minBytes,
-                                const std::stop_token& /*stop*/) override {
-        asked = {devices, minBytes};
-        return programs;
+    std::vector<files::RemovedFile> removedFilesInUse(const std::set<std::uint64_t>& devices,
+                                                      const std::stop_token& /*stop*/) override {
+        asked.push_back(devices);
+        return asked.size() == 1 ? inUseBefore : inUseAfter;
     }
 
     void setFree(std::uint64_t device, quint64 bytes) {
@@ -38,8 +38,9 @@ public:
     }
 
     std::uint64_t silent = 0;
-    QStringList programs;
-    std::pair<std::set<std::uint64_t>, quint64> asked;
+    std::vector<files::RemovedFile> inUseBefore;  ///< at the first question
+    std::vector<files::RemovedFile> inUseAfter;
+    std::vector<std::set<std::uint64_t>> asked;
     std::atomic<int> held = 0;
 
 private:

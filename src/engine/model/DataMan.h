@@ -53,6 +53,8 @@ public:
     /// Bytes on disk that cleaning the ticked items in these sections would free: a file counts once, and only if all
     /// of its names go. Files with names in several items count from some time after the scan.
     [[nodiscard]] quint64 freesOfSelection(const PerSection<bool>& sections) const;
+    /// The part of these that none of the items frees alone.
+    [[nodiscard]] quint64 sharedOfSelection(const PerSection<bool>& sections) const;
 
     /// The line under a section's name: its progress, what is selected of it, or that nothing was found.
     [[nodiscard]] QString subtitle(Section section) const;

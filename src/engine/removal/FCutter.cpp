@@ -30,10 +30,10 @@ CleanTable CleanTable::fileSections(PrivilegedRemover& remover) {
 
 void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                     const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
-                    const std::optional<ItemArray>& pLogs, const Agreed& agreed) {
+                    const std::optional<ItemArray>& pLogs, const Agreed& agreed, quint64 shared) {
     table_.remover->allowAskingUser();
     agreed_ = agreed;
-    CleanedItems items{pApps, {}, agreed};
+    CleanedItems items{pApps, {}, agreed, shared};
     items.files[Section::downloads] = pDwn;
     items.files[Section::caches] = pCache;
     items.files[Section::trash] = pTrash;

@@ -8,13 +8,17 @@
 #include <thread>
 #include <utility>
 
+#include "files/removal/Remove.h"
+#include "platform/text/DisplayText.h"
+
 namespace brimvault::engine {
 
 namespace {
 
 using Device = std::uint64_t;
+using FileKey = std::pair<Device, std::uint64_t>;  // with the inode
 
-constexpr std::chrono::milliseconds readingTimeout{500};
+constexpr std::chrono::milliseconds readingTimeout{2000};  // a disk may have to start turning
 constexpr std::chrono::milliseconds flushTimeout{3000};
 
 template <typename Answer>
@@ -55,6 +59,15 @@ std::map<Device, Answer> answersInTime(const Questions<Answer>& questions, std::
     return all->answers;
 }
 
+template <typename Answer>
+std::set<Device> devicesOf(const std::map<Device, Answer>& answers) {
+    std::set<Device> devices;
+    for (const auto& [device, answer] : answers) {
+        devices.insert(device);
+    }
+    return devices;
+}
+
 // What lies in something else of the list, which counts it already.
 std::set<std::string> nestedPaths(const std::vector<SelectedShare>& selected) {
     std::vector<std::string> folders;
@@ -79,7 +92,7 @@ std::set<std::string> nestedPaths(const std::vector<SelectedShare>& selected) {
 
 }  // namespace
 
-void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, const std::stop_token& stop) {
+void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, quint64 shared, const std::stop_token& stop) {
     using Reading = std::pair<std::shared_ptr<HeldVolume>, quint64>;
     auto nested = nestedPaths(selected);
     std::map<Device, Share> shares;
@@ -99,13 +112,21 @@ void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, const std::stop
     for (const auto& [device, reading] : readings) {
         std::tie(shares[device].volume, shares[device].freeBefore) = reading;
     }
+    std::set<FileKey> inUse;
+    for (const auto& file : volumes_.removedFilesInUse(devicesOf(readings), stop)) {
+        inUse.emplace(file.device, file.inode);
+    }
     const std::lock_guard lock(mutex_);
     shares_ = std::move(shares);
+    shared_ = shared;
+    entriesBefore_ = files::entriesRemoved();
     nested_ = std::move(nested);
+    inUseBefore_ = std::move(inUse);
 }
 
 void FreedSpaceMeter::add(const ItemOutcome& outcome) {
     const std::lock_guard lock(mutex_);
+    hasAnyGone_ = hasAnyGone_ || outcome.gone;
     const auto share = outcome.device && outcome.gone ? shares_.find(*outcome.device) : shares_.end();
     const bool isCounted = outcome.paths.size() == 1 && nested_.contains(outcome.paths.front().native());
     if (share != shares_.end() && !isCounted) {
@@ -116,7 +137,6 @@ void FreedSpaceMeter::add(const ItemOutcome& outcome) {
 std::optional<FreedSpace> FreedSpaceMeter::end(const std::stop_token& stop) {
     Questions<bool> flushes;
     Questions<quint64> readings;
-    std::set<Device> devices;
     {
         const std::lock_guard lock(mutex_);
         for (const auto& [device, share] : shares_) {
@@ -129,21 +149,24 @@ std::optional<FreedSpace> FreedSpaceMeter::end(const std::stop_token& stop) {
     }
     (void)answersInTime(flushes, flushTimeout, stop);
     const auto freeNow = answersInTime(readings, readingTimeout, stop);
-    for (const auto& [device, bytes] : freeNow) {
-        devices.insert(device);
-    }
     auto space = compared(freeNow);
-    if (space.removed == 0 || stop.stop_requested()) {
+    if (freeNow.empty() || !hasRemovedAny() || stop.stop_requested()) {
         return std::nullopt;
     }
     if (space.isDifferenceWorthTelling()) {
-        constexpr quint64 notablePart = 10;  // others have removed files open for reasons of their own
-        space.programs = volumes_.programsHolding(devices, space.held() / notablePart, stop);
+        space.programs = programsHolding(space.held(), devicesOf(freeNow), stop);
     }
     return stop.stop_requested() ? std::nullopt : std::optional(std::move(space));
 }
 
+// An item of which a part stays has not gone, and yet freed something.
+bool FreedSpaceMeter::hasRemovedAny() const {
+    const std::lock_guard lock(mutex_);
+    return hasAnyGone_ || files::entriesRemoved() != entriesBefore_;
+}
+
 // Other programs write and remove meanwhile: no volume has freed less than nothing, or more than was selected on it.
+// What items share lies on one of the volumes, and is not known to have gone before all of them have.
 FreedSpace FreedSpaceMeter::compared(const std::map<Device, quint64>& freeNow) const {
     FreedSpace space;
     const std::lock_guard lock(mutex_);
@@ -151,9 +174,36 @@ FreedSpace FreedSpaceMeter::compared(const std::map<Device, quint64>& freeNow) c
         const auto& share = shares_.at(device);
         space.selected += share.selected;
         space.removed += std::min(share.removed, share.selected);
-        space.freed += std::min(now - std::min(now, share.freeBefore), share.selected);
+        space.freed += std::min(now - std::min(now, share.freeBefore), share.selected + shared_);
     }
+    space.removed += space.removed == space.selected ? shared_ : 0;
+    space.selected += shared_;
+    space.freed = std::min(space.freed, space.selected);
     return space;
+}
+
+QStringList FreedSpaceMeter::programsHolding(quint64 bytes, const std::set<Device>& devices,
+                                             const std::stop_token& stop) const {
+    constexpr quint64 notablePart = 10;  // others remove files that they have open, too
+    std::map<std::string, quint64> bytesOf;
+    for (const auto& file : volumes_.removedFilesInUse(devices, stop)) {
+        const std::lock_guard lock(mutex_);
+        if (!inUseBefore_.contains({file.device, file.inode})) {
+            bytesOf[file.program] += file.allocated;
+        }
+    }
+    std::vector<std::pair<quint64, std::string>> holders;
+    for (const auto& [program, held] : bytesOf) {
+        if (held >= bytes / notablePart && !program.empty()) {
+            holders.emplace_back(held, program);
+        }
+    }
+    std::sort(holders.rbegin(), holders.rend());
+    QStringList programs;
+    for (const auto& [held, program] : holders) {
+        programs.append(platform::displayText(program));
+    }
+    return programs;
 }
 
 }  // namespace brimvault::engine

@@ -9,6 +9,7 @@
 #include <set>
 #include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/FreedSpace.h"
@@ -32,8 +33,9 @@ public:
     /// The volumes are never destroyed.
     explicit FreedSpaceMeter(Volumes& volumes) : volumes_(volumes) {}
 
-    /// The first reading; before anything is removed. Blocks for half a second at most.
-    void begin(std::vector<SelectedShare> selected, const std::stop_token& stop);
+    /// The first reading; before anything is removed. `shared` are the bytes that no item frees alone, but all of them
+    /// together. Blocks for two seconds at most.
+    void begin(std::vector<SelectedShare> selected, quint64 shared, const std::stop_token& stop);
     /// Hears what became of an item. Does not block.
     void add(const ItemOutcome& outcome);
     /// The second reading; after the last removal. Blocks for a few seconds at most, and ends early on a stop. None if
@@ -47,14 +49,22 @@ private:
         quint64 selected = 0;
         quint64 removed = 0;
     };
-    using Held = std::map<std::uint64_t, std::shared_ptr<HeldVolume>>;
 
+    [[nodiscard]] bool hasRemovedAny() const;
     [[nodiscard]] FreedSpace compared(const std::map<std::uint64_t, quint64>& freeNow) const;
+    /// The programs, for people, that have files open which were removed meanwhile and would free much of these bytes;
+    /// the one with most first.
+    [[nodiscard]] QStringList programsHolding(quint64 bytes, const std::set<std::uint64_t>& devices,
+                                              const std::stop_token& stop) const;
 
     Volumes& volumes_;
     mutable std::mutex mutex_;               ///< protects what follows
     std::map<std::uint64_t, Share> shares_;  ///< by device
-    std::set<std::string> nested_;           ///< of what is selected, what lies in something else that is selected
+    quint64 shared_ = 0;
+    bool hasAnyGone_ = false;
+    std::uint64_t entriesBefore_ = 0;  ///< what this process had removed
+    std::set<std::string> nested_;     ///< of what is selected, what lies in something else that is selected
+    std::set<std::pair<std::uint64_t, std::uint64_t>> inUseBefore_;  ///< removed files, by device and inode
 };
 
 }  // namespace brimvault::engine

@@ -56,8 +56,8 @@ void MeasureBeforeClean::main() {
             addFiles(*items_.files[section], items_.agreed[section], shares);
         }
     }
-    items_ = {};
-    meter_->begin(std::move(shares), stopToken());
+    const quint64 shared = std::exchange(items_, {}).shared;
+    meter_->begin(std::move(shares), shared, stopToken());
 }
 
 void MeasureAfterClean::main() {

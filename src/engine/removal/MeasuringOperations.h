@@ -15,6 +15,7 @@ struct CleanedItems {
     std::optional<ApplicationArray> applications;
     PerSection<std::optional<ItemArray>> files;
     PerSection<std::shared_ptr<const AgreedItems>> agreed;  ///< null for all that is ticked
+    quint64 shared = 0;  ///< bytes on disk that no item frees alone, but all of them together
 };
 
 /// Reads the free space before a clean. Runs on the clean queue, before what removes.

@@ -1,8 +1,6 @@
 #include "engine/removal/Volumes.h"
 
-#include "files/OpenFiles.h"
 #include "files/Volume.h"
-#include "platform/text/DisplayText.h"
 
 namespace brimvault::engine {
 
@@ -25,15 +23,9 @@ public:
         return volume && volume->device() == device ? std::make_shared<SystemVolume>(std::move(*volume)) : nullptr;
     }
 
-    QStringList programsHolding(const std::set<std::uint64_t>& devices, quint64 minBytes,
-                                const std::stop_token& stop) override {
-        QStringList programs;
-        for (const auto& holder : files::holdersOfRemovedFiles(devices, stop)) {
-            if (holder.bytes >= minBytes && !holder.program.empty()) {
-                programs.append(platform::displayText(holder.program));
-            }
-        }
-        return programs;
+    std::vector<files::RemovedFile> removedFilesInUse(const std::set<std::uint64_t>& devices,
+                                                      const std::stop_token& stop) override {
+        return files::removedFilesInUse(devices, stop);
     }
 };
 

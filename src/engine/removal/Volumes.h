@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QStringList>
 #include <QtGlobal>
 #include <cstdint>
 #include <filesystem>
@@ -8,6 +7,9 @@
 #include <optional>
 #include <set>
 #include <stop_token>
+#include <vector>
+
+#include "files/OpenFiles.h"
 
 namespace brimvault::engine {
 
@@ -36,10 +38,9 @@ public:
     /// long as the volume does.
     [[nodiscard]] virtual std::shared_ptr<HeldVolume> hold(const std::filesystem::path& folder,
                                                            std::uint64_t device) = 0;
-    /// The programs, for people, that hold open at least so many bytes in files which were removed from the devices;
-    /// the one that holds most first.
-    [[nodiscard]] virtual QStringList programsHolding(const std::set<std::uint64_t>& devices, quint64 minBytes,
-                                                      const std::stop_token& stop) = 0;
+    /// The files that have been removed from the devices while other programs hold them open.
+    [[nodiscard]] virtual std::vector<files::RemovedFile> removedFilesInUse(const std::set<std::uint64_t>& devices,
+                                                                            const std::stop_token& stop) = 0;
 
     /// Those of the machine; never destroyed, since threads that hang may outlive main().
     [[nodiscard]] static Volumes& ofSystem();

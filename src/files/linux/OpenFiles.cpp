@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "files/DirectoryHandle.h"
@@ -38,9 +39,8 @@ std::optional<FileIdentity> identityBehind(int folder, const char* name) {
     return FileIdentity{deviceNumber(raw), raw.stx_ino, {}};
 }
 
-// Of a regular file without a name on one of the devices, which one it is and its bytes on disk.
-std::optional<std::pair<std::uint64_t, std::uint64_t>> removedFileBehind(int folder, const char* name,
-                                                                         const std::set<std::uint64_t>& devices) {
+// None unless it is a regular file without a name on one of the devices.
+std::optional<RemovedFile> removedFileBehind(int folder, const char* name, const std::set<std::uint64_t>& devices) {
     struct statx raw {};
     constexpr int flags = AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
     constexpr unsigned asked = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BLOCKS;
@@ -48,7 +48,7 @@ std::optional<std::pair<std::uint64_t, std::uint64_t>> removedFileBehind(int fol
         raw.stx_nlink != 0 || !devices.contains(deviceNumber(raw))) {
         return std::nullopt;
     }
-    return std::pair(std::uint64_t{raw.stx_ino}, allocatedBytes(raw));
+    return RemovedFile{deviceNumber(raw), raw.stx_ino, allocatedBytes(raw)};
 }
 
 std::string statusFile(pid_t process, const char* name) { return "/proc/" + std::to_string(process) + "/" + name; }
@@ -93,25 +93,20 @@ OpenFiles OpenFiles::now(const std::stop_token& stop) {
 }
 
 // A file that several processes of one program hold, or one process more than once, counts once for the program.
-std::vector<RemovedFilesHolder> holdersOfRemovedFiles(const std::set<std::uint64_t>& devices,
-                                                      const std::stop_token& stop) {
-    std::map<std::string, std::map<std::uint64_t, std::uint64_t>> filesOf;
+std::vector<RemovedFile> removedFilesInUse(const std::set<std::uint64_t>& devices, const std::stop_token& stop) {
+    std::map<std::tuple<std::string, std::uint64_t, std::uint64_t>, RemovedFile> files;
     forEachOtherProcess(stop, [&](pid_t process) {
         forEachDescriptor(process, stop, [&](int folder, const char* name) {
-            if (const auto file = removedFileBehind(folder, name, devices)) {
-                filesOf[programName(process)].insert(*file);
+            if (auto file = removedFileBehind(folder, name, devices)) {
+                file->program = programName(process);
+                files.try_emplace({file->program, file->device, file->inode}, *file);
             }
         });
     });
-    std::vector<RemovedFilesHolder> holders;
-    for (const auto& [program, files] : filesOf) {
-        holders.push_back({program, 0});
-        for (const auto& [inode, bytes] : files) {
-            holders.back().bytes += bytes;
-        }
-    }
-    std::stable_sort(holders.begin(), holders.end(), [](const auto& a, const auto& b) { return a.bytes > b.bytes; });
-    return holders;
+    std::vector<RemovedFile> found;
+    std::transform(files.begin(), files.end(), std::back_inserter(found),
+                   [](const auto& entry) { return entry.second; });
+    return found;
 }
 
 std::string programName(pid_t process) {

@@ -27,11 +27,12 @@ class FreedSpaceOfVolumes : public testing::Test {
 protected:
     /// All that was selected goes; before that 100 MB are free on each volume, and so much after it.
     [[nodiscard]] std::optional<FreedSpace> measured(std::vector<SelectedShare> selected, quint64 first,
-                                                     quint64 second = 0) {
+                                                     quint64 second = 0, quint64 shared = 0) {
+        volumes_.asked.clear();
         volumes_.setFree(1, 100 * mega);
         volumes_.setFree(2, 100 * mega);
         FreedSpaceMeter meter(volumes_);
-        meter.begin(selected, {});
+        meter.begin(selected, shared, {});
         for (const auto& share : selected) {
             meter.add({.paths = {share.path}, .bytes = share.bytes, .device = share.device, .gone = true});
         }
@@ -50,6 +51,8 @@ TEST_F(FreedSpaceOfVolumes, IsNeverLessThanNothingNorMoreThanWasSelectedOnEach) 
     EXPECT_EQ(measured(both, 110 * mega, 120 * mega), (FreedSpace{30 * mega, 30 * mega, 30 * mega}));
     EXPECT_EQ(measured(both, 50 * mega, 105 * mega), (FreedSpace{30 * mega, 30 * mega, 5 * mega}));
     EXPECT_EQ(measured(both, 900 * mega, 100 * mega), (FreedSpace{30 * mega, 30 * mega, 10 * mega}));
+    EXPECT_EQ(measured(both, 150 * mega, 120 * mega, 40 * mega), (FreedSpace{70 * mega, 70 * mega, 70 * mega}))
+        << "what they share goes with the last of them";
 }
 
 TEST_F(FreedSpaceOfVolumes, CountsOnceWhatLiesInSomethingElseThatIsSelected) {
@@ -69,13 +72,15 @@ TEST_F(FreedSpaceOfVolumes, LeavesOutAVolumeThatDoesNotAnswer) {
 }
 
 TEST_F(FreedSpaceOfVolumes, AsksWhoUsesTheRestOnlyIfThatIsWorthTelling) {
-    volumes_.programs = QStringList(QStringLiteral("browser"));
+    volumes_.inUseBefore = {{1, 10, 90 * mega, "old"}};
+    volumes_.inUseAfter = {{1, 10, 90 * mega, "old"},      {1, 11, 5 * mega, "browser"}, {1, 12, 3 * mega, "small"},
+                           {1, 13, 30 * mega, "database"}, {1, 14, 6 * mega, ""},        {1, 15, 1 * mega, "browser"}};
     const std::vector<SelectedShare> one = {{"/a", "/a/x", 1, 100 * mega}};
-    EXPECT_EQ(measured(one, 191 * mega)->programs, QStringList()) << "less than a tenth";
+    EXPECT_EQ(measured(one, 196 * mega)->programs, QStringList()) << "less than a twentieth";
     const auto space = measured(one, 160 * mega);
     EXPECT_EQ(space->held(), 40 * mega);
-    EXPECT_EQ(space->programs, volumes_.programs);
-    EXPECT_EQ(volumes_.asked, std::pair(std::set<std::uint64_t>{1}, 4 * mega));
+    EXPECT_EQ(space->programs, QStringList({QStringLiteral("database"), QStringLiteral("browser")}));
+    EXPECT_EQ(volumes_.asked, (std::vector<std::set<std::uint64_t>>{{1}, {1}}));
     EXPECT_EQ(measured({{"/a", "/a/x", 1, 900}}, 100 * mega)->programs, QStringList()) << "others write as much";
 }
 
