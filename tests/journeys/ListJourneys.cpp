@@ -160,9 +160,11 @@ TEST_F(ListJourney, FallsBackWhereNoFileBrowserAnswers) {
     };
     const auto deleted = QLocale().toString(QDateTime(QDate(2024, 5, 1), QTime(12, 0)), QLocale::LongFormat);
     const auto origin = shownPath(home_.path() / "Desktop/old project");
+    fileBrowser_.answers = true;  // and yet it does not know where the item was
     expectInformation(trashRow, u"old project"_s,
                       {u"Kind: Folder"_s, u"Size: 100 MB (100,000,000 bytes)"_s, u"Original place: "_s + origin,
                        u"Deleted: "_s + deleted});
+    fileBrowser_.answers = false;
     const auto tooltip = cell(u"old project"_s, 0).data(Qt::ToolTipRole).toString();
     EXPECT_TRUE(tooltip.contains(u"From "_s + origin) && tooltip.contains(u"Deleted on "_s + deleted));
     expectInformation(

@@ -5,6 +5,7 @@
 
 #include "files/NodeStatus.h"
 #include "files/trees/Measure.h"
+#include "platform/TrashFolders.h"
 #include "platform/text/DisplayText.h"
 #include "scanners/SystemPathsGenerator.h"
 #include "ui/services/InfoWindow.h"
@@ -70,12 +71,14 @@ void FileActions::showWith(const Path& path, std::function<bool(const Path&)> sh
     });
 }
 
+// Of an item of the trash no file manager tells where it was, and when it was deleted.
 void FileActions::showInformation(const Path& path) {
     const auto ask = [this, file = standardized(path)] {
         if (!isThere(file)) {
             return Request::noSuchFile;
         }
-        return fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
+        const bool isTrashed = platform::TrashFolders::holdsItems(file.parent_path());
+        return !isTrashed && fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
     };
     calls_.call<Request>(ask, [this, path](Request request) {
         if (request == Request::noSuchFile) {
