@@ -16,8 +16,13 @@ TEST_F(FreedJourney, TellsWhatACleanFreedUntilTheNextScan) {
     auto cleans = app::cleanOperations(remover_);
     cleans.volumes = &volumes_;
     start(scans(), cleans);
+    constexpr quint64 twins = 50'000'000;
+    writeAllocatedFile(caches() / "twin", twins);
+    fs::create_hard_link(caches() / "twin", caches() / "other twin");  // each frees nothing, both free it
     scan();
-    const auto selected = model().freesOfSelection(application_->psectController().checks());
+    const auto checks = application_->psectController().checks();
+    ASSERT_TRUE(Guide::waitFor([&] { return model().sharedOfSelection(checks) >= twins; }));
+    const auto selected = model().freesOfSelection(checks);
     volumes_.setFreeWhenFlushed(files::statusOf(caches())->identity.device, selected / 2);
     clean();
     const QString told = u"Freed %1 (%2 selected; %3 is still in use by browser or shared)"_s.arg(
