@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv) {
     const bool isDesktop = argc == 3 && std::strcmp(argv[2], "--linux-desktop") == 0;
-    if (argc != 2 && !isDesktop) {
+    if ((argc != 2 && !isDesktop) || argv[1][0] == '-') {
         std::fputs("usage: brimvault-sample-home DIR [--linux-desktop]\n", stderr);
         return 2;
     }
