@@ -53,20 +53,21 @@ struct NodeStatus {
     [[nodiscard]] NodePlace place() const { return {identity, mount}; }
 };
 
-/// The sizes of one file or symbolic link alone: on some file systems these cost less than the whole status.
+/// The sizes of one entry alone: on some file systems these cost less than the whole status.
 struct EntrySize {
     std::uint64_t logical = 0;    ///< bytes
     std::uint64_t allocated = 0;  ///< bytes on disk
     std::uint64_t mount = 0;      ///< 0 when the system does not tell
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    std::uint64_t linkCount = 0;  ///< names of the object
+    std::uint64_t linkCount = 0;  ///< names of the object; 1 for every directory, as in its status
 };
 
 /// The status of a name in an open directory; an empty name asks for the descriptor itself. Any thread.
 [[nodiscard]] Result<NodeStatus> statusAt(int directory, const char* name);
 
-/// The sizes of a name in an open directory; of a link, its own. Any thread.
+/// The sizes of a name in an open directory; of a link, its own. An empty name asks for the descriptor itself. Any
+/// thread.
 [[nodiscard]] Result<EntrySize> sizeAt(int directory, const char* name);
 
 /// The status at a path; links in its folders are followed, a link at its end is not. Any thread.

@@ -19,6 +19,8 @@ namespace {
 constexpr int lookOnly = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_SYNC_AS_STAT;
 constexpr unsigned wanted = STATX_BASIC_STATS | STATX_BTIME | STATX_MNT_ID;
 
+int flagsFor(const char* name) { return lookOnly | (*name == '\0' ? AT_EMPTY_PATH : 0); }
+
 NodeKind kindOf(unsigned mode) {
     if (S_ISREG(mode)) {
         return NodeKind::regular;
@@ -50,9 +52,7 @@ std::uint64_t mountFromDescriptor(int descriptor) {
 
 Result<NodeStatus> statusAt(int directory, const char* name) {
     struct statx raw {};
-    const bool descriptorItself = *name == '\0';
-    const int flags = lookOnly | (descriptorItself ? AT_EMPTY_PATH : 0);
-    if (uninterrupted([&] { return ::statx(directory, name, flags, wanted, &raw); }) != 0) {
+    if (uninterrupted([&] { return ::statx(directory, name, flagsFor(name), wanted, &raw); }) != 0) {
         return Result<NodeStatus>::failed(errno);
     }
     NodeStatus status;
@@ -60,7 +60,7 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
     status.identity.inode = raw.stx_ino;
     if ((raw.stx_mask & STATX_MNT_ID) != 0) {
         status.mount = raw.stx_mnt_id;
-    } else if (descriptorItself) {
+    } else if (*name == '\0') {
         status.mount = mountFromDescriptor(directory);
     }
     status.kind = kindOf(raw.stx_mode);
@@ -84,8 +84,8 @@ Result<NodeStatus> statusAt(int directory, const char* name) {
 
 Result<EntrySize> sizeAt(int directory, const char* name) {
     struct statx raw {};
-    constexpr unsigned mask = STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_NLINK | STATX_MNT_ID;
-    if (uninterrupted([&] { return ::statx(directory, name, lookOnly, mask, &raw); }) != 0) {
+    constexpr unsigned mask = STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_INO | STATX_NLINK | STATX_MNT_ID;
+    if (uninterrupted([&] { return ::statx(directory, name, flagsFor(name), mask, &raw); }) != 0) {
         return Result<EntrySize>::failed(errno);
     }
     return EntrySize{.logical = raw.stx_size,
@@ -93,7 +93,7 @@ Result<EntrySize> sizeAt(int directory, const char* name) {
                      .mount = (raw.stx_mask & STATX_MNT_ID) != 0 ? raw.stx_mnt_id : 0,
                      .device = deviceNumber(raw),
                      .inode = raw.stx_ino,
-                     .linkCount = raw.stx_nlink};
+                     .linkCount = S_ISDIR(raw.stx_mode) ? 1 : raw.stx_nlink};
 }
 
 Result<NodeStatus> statusOf(const std::filesystem::path& path) {

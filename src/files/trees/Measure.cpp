@@ -15,13 +15,6 @@ namespace {
 // A file can be a mount point as well as a folder. An unknown mount counts as the folder's own.
 bool isOnMount(std::uint64_t mount, std::uint64_t expected) { return mount == 0 || mount == expected; }
 
-enum class FoldersAsked { no, yes };
-
-struct Question {
-    std::uint64_t mount;  ///< entries on other mounts are left out
-    FoldersAsked folders;
-};
-
 // The sum over all visitors of one tree.
 class Sum {
 public:
@@ -47,22 +40,21 @@ private:
 
 class SizeVisitor final : public TreeVisitor {
 public:
-    SizeVisitor(const Question& question, Sum& sum) : question_(question), sum_(sum) {}
+    // Entries on other mounts are left out.
+    SizeVisitor(std::uint64_t mount, Sum& sum) : mount_(mount), sum_(sum) {}
     SizeVisitor(const SizeVisitor&) = delete;
     SizeVisitor& operator=(const SizeVisitor&) = delete;
     ~SizeVisitor() override { sum_.add(sizes_, space_); }
 
     [[nodiscard]] std::unique_ptr<TreeVisitor> another() override {
-        return std::make_unique<SizeVisitor>(question_, sum_);
+        return std::make_unique<SizeVisitor>(mount_, sum_);
     }
     [[nodiscard]] FileVisits fileVisits() const override { return FileVisits::whileListing; }
 
     void onFolderEntered(const DirectoryHandle& folder) override {
-        if (question_.folders == FoldersAsked::no || isInFirstFolder()) {  // whose own entry lies elsewhere
-            return;
-        }
-        if (const auto status = folder.status()) {
-            sizes_.folders += status->size;
+        if (const auto size = sizeAt(folder.descriptor(), "")) {
+            sizes_.folders += isInFirstFolder() ? 0 : size->logical;  // whose own entry lies elsewhere
+            space_.add(NamedNode::of(*size));
         }
     }
     // What is neither a file nor a link has no length.
@@ -71,7 +63,7 @@ public:
             return;
         }
         const auto size = sizeAt(folder.descriptor(), name);
-        if (size && isOnMount(size->mount, question_.mount)) {
+        if (size && isOnMount(size->mount, mount_)) {
             sizes_.logical += size->logical;
             sizes_.allocated += size->allocated;
             space_.add(NamedNode::of(*size));
@@ -82,7 +74,7 @@ public:
     void onWayLost(const char*, int) override {}
 
 private:
-    const Question& question_;
+    const std::uint64_t mount_;
     Sum& sum_;
     TreeSizes sizes_;
     ReclaimableSpace space_;
@@ -107,9 +99,9 @@ std::optional<HeldItem> hold(const std::filesystem::path& given) {
     return HeldItem{std::move(*folder), path.has_filename() ? path.filename() : "."};
 }
 
-void measureFolder(const DirectoryHandle& parent, const char* name, const Question& question, Sum& sum,
+void measureFolder(const DirectoryHandle& parent, const char* name, std::uint64_t mount, Sum& sum,
                    const std::stop_token& stop) {
-    SizeVisitor visitor(question, sum);
+    SizeVisitor visitor(mount, sum);
     (void)SharedWalk(visitor, stop).visit(parent, name);
 }
 
@@ -123,7 +115,7 @@ TreeSizes measureContents(const std::filesystem::path& folder, const std::stop_t
         return {};
     }
     Sum sum;
-    measureFolder(item->folder, item->name.c_str(), {status->mount, FoldersAsked::yes}, sum, stop);
+    measureFolder(item->folder, item->name.c_str(), status->mount, sum, stop);
     return sum.total();
 }
 
@@ -150,7 +142,7 @@ MeasuredItem measureEntry(const DirectoryHandle& folder, const DirectoryEntry& e
                           const std::stop_token& stop) {
     if (entry.kind == NodeKind::directory) {
         Sum sum;
-        measureFolder(folder, entry.name, {mount, FoldersAsked::no}, sum, stop);
+        measureFolder(folder, entry.name, mount, sum, stop);
         return sum.item();
     }
     // A mount point belongs to another file system: nothing of it counts.

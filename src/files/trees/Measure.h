@@ -20,7 +20,7 @@ struct TreeSizes {
 /// An item as a list shows it, and what removing it frees.
 struct MeasuredItem {
     std::uint64_t logical = 0;    ///< bytes, as `measureItem` has them
-    ReclaimableSpace space = {};  ///< settled; of folders nothing is known, and nothing counts
+    ReclaimableSpace space = {};  ///< its folders included; settled
 };
 
 /// The calling thread measures, helped by idle threads of the pool where the tree is large. Memory is needed only for
@@ -38,7 +38,7 @@ struct MeasuredItem {
 [[nodiscard]] std::uint64_t measureItemAt(const DirectoryHandle& folder, const char* name,
                                           const std::stop_token& stop = {});
 
-/// The size with what removing it frees, by the same system calls.
+/// The size with what removing it frees.
 [[nodiscard]] MeasuredItem measureSpace(const std::filesystem::path& path, const std::stop_token& stop = {});
 [[nodiscard]] MeasuredItem measureSpaceAt(const DirectoryHandle& folder, const char* name,
                                           const std::stop_token& stop = {});
