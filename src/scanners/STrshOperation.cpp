@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <set>
+#include <utility>
 
 #include "files/NodeStatus.h"
+#include "files/trees/MeasuredFolder.h"
 #include "platform/LibraryURLs.h"
 #include "platform/ListScript.h"
 #include "platform/TrashFolders.h"
@@ -25,20 +27,23 @@ quint64 sizeFrom(const std::string& text) {
 
 bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
 
+}  // namespace
+
 // What matters of a folder with items; reading it takes the file system.
-struct TrashFolder {
-    TrashFolder() = default;
-    explicit TrashFolder(const fs::path& folder)
+struct STrshOperation::TrashFolder {
+    TrashFolder(const fs::path& folder, platform::FinderPreferences& finder)
         : path(folder),
-          hasHiddenItems(folder == platform::LibraryURLs::getTrashFolderURL()),
+          // The file browser's setting is about the home folder's; a desktop's trash shows all.
+          hidesHiddenItems(folder == platform::LibraryURLs::getTrashFolderURL() &&
+                           !finder.isHiddenFilesVisibleInFinder()),
           holdsLeftovers(platform::TrashFolders::holdsLeftovers(folder)) {}
 
-    fs::path path;
-    bool hasHiddenItems = false;  // as the file browser has them in the home folder's; a desktop's trash shows all
-    bool holdsLeftovers = false;
-};
+    [[nodiscard]] bool shows(const fs::path& item) const { return !hidesHiddenItems || !isHidden(item); }
 
-}  // namespace
+    fs::path path;
+    bool hidesHiddenItems;
+    bool holdsLeftovers;
+};
 
 std::optional<fs::path> STrshOperation::getOperationRootFolderURL() const {
     const auto& found = root(platform::LibraryURLs::namedTrashFolder());
@@ -124,34 +129,69 @@ void STrshOperation::fixPathsWithSameFileNames(const std::vector<fs::path>& path
     }
 }
 
-void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) const {
+void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) {
     if (pathSizeDictionary_.empty()) {
         collectTrashInfo(batches);
         return;
     }
-    const bool hiddenToo = sources_.finder.isHiddenFilesVisibleInFinder();
-    platform::TrashRecords records;
-    TrashFolder folder;
+    std::map<fs::path, TrashFolder> folders;
+    for (const auto& [path, size] : pathSizeDictionary_) {
+        const auto folder = path.parent_path();
+        if (!folders.contains(folder)) {
+            folders.emplace(folder, TrashFolder(folder, sources_.finder));
+        }
+    }
+    for (const auto& [path, folder] : folders) {
+        collectMeasured(folder, batches);
+    }
     for (const auto& [path, size] : pathSizeDictionary_) {
         if (isCancelled()) {
             return;
         }
-        if (folder.path != path.parent_path()) {
-            folder = TrashFolder(path.parent_path());
-        }
-        if (folder.hasHiddenItems && isHidden(path) && !hiddenToo) {
+        const auto& folder = folders.at(path.parent_path());
+        if (folder.shows(path)) {
+            collectFile(fileIn(folder, path, size), batches);
+        } else {
             batches.step();  // it was counted
-            continue;
         }
-        FoundFile found{.path = path, .name = path.filename(), .size = size, .root = rootOf(folder.path)};
-        if (folder.holdsLeftovers) {
-            found.note = engine::ItemNote::deleting;
-            found.ticked = isAbandoned(path);
-        } else if (auto record = records.ofItem(path)) {
-            found.details.emplace().trashed = std::move(record);
-        }
-        collectFile(std::move(found), batches);
     }
+}
+
+// Pool threads measure those whose sizes are not known. What the folder lists is no longer in the dictionary then.
+void STrshOperation::collectMeasured(const TrashFolder& folder, ScanBatches& batches) {
+    const auto sizes = [&](const char* name) {
+        const auto known = pathSizeDictionary_.find(folder.path / name);
+        const bool isAsked = known != pathSizeDictionary_.end() && known->second == 0 && folder.shows(name);
+        return isAsked ? files::Sizes::wanted : files::Sizes::unwanted;
+    };
+    const auto call = [&](const files::MeasurableEntry& entry) {
+        if (entry.sizes == files::Sizes::unwanted) {
+            return true;
+        }
+        auto measured = entry.findings();
+        if (isCancelled()) {
+            return false;
+        }
+        auto found = fileIn(folder, folder.path / entry.name, measured.logical);
+        found.kind = entry.kind;
+        found.space = std::move(measured.space);
+        pathSizeDictionary_.erase(found.path);
+        batches.step();
+        addItem(std::move(found), batches);
+        return true;
+    };
+    (void)files::forEachMeasurable(folder.path, files::HiddenEntries::include, stopToken(), sizes, call);
+}
+
+STrshOperation::FoundFile STrshOperation::fileIn(const TrashFolder& folder, const fs::path& path, quint64 size) {
+    FoundFile found{.path = path, .name = path.filename(), .size = size, .root = rootOf(folder.path)};
+    if (folder.holdsLeftovers) {
+        found.note = engine::ItemNote::deleting;
+        found.ticked = isAbandoned(path);
+    } else if (auto record = records_.ofItem(path)) {
+        found.details.emplace().trashed = std::move(record);
+    }
+    return found;
 }
 
 // Moving it there was its last change.

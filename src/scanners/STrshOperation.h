@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/FinderPreferences.h"
+#include "platform/TrashRecord.h"
 #include "scanners/FileScanOperation.h"
 
 namespace brimvault::scanners {
@@ -42,7 +43,10 @@ private:
     [[nodiscard]] std::shared_ptr<const platform::RootPlace> rootOf(const std::filesystem::path& folder) const;
     [[nodiscard]] bool mayListItemsOf(const std::filesystem::path& folder) const;
     void fixPathsWithSameFileNames(const std::vector<std::filesystem::path>& paths);
-    void collectTrashInfoByFinder(ScanBatches& batches) const;
+    void collectTrashInfoByFinder(ScanBatches& batches);
+    struct TrashFolder;
+    void collectMeasured(const TrashFolder& folder, ScanBatches& batches);
+    [[nodiscard]] FoundFile fileIn(const TrashFolder& folder, const std::filesystem::path& path, quint64 size);
     /// Whether a leftover of an emptied trash has lain there for so long that nobody deletes it any more.
     [[nodiscard]] bool isAbandoned(const std::filesystem::path& leftover) const;
     void collectTrashInfo(ScanBatches& batches) const;
@@ -50,6 +54,7 @@ private:
     Sources sources_;
     mutable std::map<std::filesystem::path, std::shared_ptr<const platform::RootPlace>> rootsOfFolders_;
     std::map<std::filesystem::path, quint64> pathSizeDictionary_;  ///< bytes; 0 if the script does not know
+    platform::TrashRecords records_;
 };
 
 }  // namespace brimvault::scanners

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <thread>
@@ -247,6 +248,19 @@ TEST_F(TrashScan, ReadsPairsUntilOneIsNotWhole) {
     EXPECT_EQ(expectedCount_, 2);
     EXPECT_THAT(scan(list + "sleep infinity", 1s), ElementsAre(trash_ / "a", trash_ / "b"))
         << "a volume that is silent";
+}
+
+TEST_F(TrashScan, AsksAVeryLongFolderInTheOrderOfItsInodes) {
+    constexpr std::size_t count = 1000;
+    for (std::size_t number = count; number > 0; --number) {
+        writeFile(trash_ / std::to_string(number), "12345");
+    }
+    std::vector<std::uint64_t> inodes;
+    for (const auto& item : scan()) {
+        inodes.push_back(files::statusOf(item)->identity.inode);
+    }
+    EXPECT_EQ(inodes.size(), count);
+    EXPECT_TRUE(std::is_sorted(inodes.begin(), inodes.end()));
 }
 
 TEST_F(TrashScan, MeasuresWhatTheScriptGivesNoNumberFor) {
