@@ -102,9 +102,9 @@ void SDwnOperation::collectEntry(const Listing& listing, const files::Measurable
 
 files::ItemFindings SDwnOperation::findingsOf(const Listing& listing, const files::MeasurableEntry& entry) const {
     auto all = entry.findings();
-    for (const auto& [name, status] : unfinished_.companionsOf(entry.name)) {
-        const files::DirectoryEntry companion{name.c_str(), status.kind};
-        const auto more = files::inspectEntry(listing.folder.handle, companion, listing.context, stopToken());
+    for (const auto& companion : unfinished_.companionsOf(entry.name)) {
+        const files::DirectoryEntry beside{companion.name.c_str(), companion.status.kind};
+        const auto more = files::inspectEntry(listing.folder.handle, beside, listing.context, stopToken());
         all.logical += more.logical;
         all.space.add(more.space);
         all.isForeign = all.isForeign || more.isForeign;
@@ -115,18 +115,20 @@ files::ItemFindings SDwnOperation::findingsOf(const Listing& listing, const file
     return all;
 }
 
-// A download may end before the user decides: then what has the later name is another file, and stays. Programs write
-// their notes anew all the time.
+// A download may end before the user decides: then what has the later name is another file, or empty no more, and
+// stays. Programs write their notes anew all the time.
 std::vector<engine::ItemTargets> SDwnOperation::targetsOf(const Listing& listing, const char* name,
                                                           std::uint64_t identity) const {
     const auto& companions = unfinished_.companionsOf(name);
     if (companions.empty()) {
         return {};
     }
-    engine::ItemTargets targets{listing.place, {name}, {identity}};
+    engine::ItemTargets targets{listing.place, {name}, {{identity}}};
     for (const auto& companion : companions) {
         targets.names.push_back(companion.name);
-        targets.identities.push_back(companion.status.size == 0 ? companion.status.identity.digest() : 0);
+        targets.expected.push_back(companion.isPlaceholder
+                                       ? engine::ExpectedNode{companion.status.identity.digest(), true}
+                                       : engine::ExpectedNode());
     }
     return {targets};
 }

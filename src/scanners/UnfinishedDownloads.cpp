@@ -36,10 +36,6 @@ std::string withoutRandomPart(const std::string& name) {
     return name.substr(0, before) + name.substr(extension);
 }
 
-bool isEmptyFile(files::Result<files::NodeStatus>& status) {
-    return status && status->kind == NodeKind::regular && status->size == 0;
-}
-
 }  // namespace
 
 void UnfinishedDownloads::note(std::string_view name) {
@@ -68,21 +64,24 @@ const std::vector<UnfinishedDownloads::Companion>& UnfinishedDownloads::companio
 
 void UnfinishedDownloads::addData(const files::DirectoryHandle& folder, const std::string& name) {
     const auto later = withoutEnding(name);
-    auto status = files::statusAt(folder.descriptor(), later.c_str());
-    if (!status && hasEnding(name, temporaryEnding)) {
+    if (hasEnding(name, temporaryEnding) && !files::statusAt(folder.descriptor(), later.c_str())) {
         return;
     }
-    rows_.try_emplace(name);
-    if (isEmptyFile(status)) {
-        addCompanion(name, later, *status);
-        return;
-    }
-    const auto plain = hasEnding(name, partEnding) ? withoutRandomPart(later) : std::string();
-    if (!plain.empty()) {
-        status = files::statusAt(folder.descriptor(), plain.c_str());
-        if (isEmptyFile(status)) {
-            addCompanion(name, plain, *status);
+    const auto& companions = rows_[name];
+    if (hasEnding(name, partEnding)) {
+        addPlaceholder(folder, name, later);
+        if (const auto plain = withoutRandomPart(later); companions.empty() && !plain.empty()) {
+            addPlaceholder(folder, name, plain);
         }
+    }
+}
+
+// Beside the file of any other program an empty one says nothing: it may be a document that is just begun.
+void UnfinishedDownloads::addPlaceholder(const files::DirectoryHandle& folder, const std::string& row,
+                                         const std::string& name) {
+    const auto status = files::statusAt(folder.descriptor(), name.c_str());
+    if (status && status->kind == NodeKind::regular && status->size == 0) {
+        addCompanion(row, {name, *status, true});
     }
 }
 
@@ -94,16 +93,15 @@ void UnfinishedDownloads::addControl(const files::DirectoryHandle& folder, const
     auto status = files::statusAt(folder.descriptor(), name.c_str());
     const bool isRow = loaded && (loaded->kind == NodeKind::regular || loaded->kind == NodeKind::directory);
     if (isRow && status && status->kind == NodeKind::regular && row.front() != '.' && !isCompanion(row)) {
-        addCompanion(row, name, *status);
+        addCompanion(row, {name, *status, false});
     } else {
         rows_.try_emplace(name);
     }
 }
 
-void UnfinishedDownloads::addCompanion(const std::string& row, const std::string& name,
-                                       const files::NodeStatus& status) {
-    if (companions_.insert(name).second) {
-        rows_[row].push_back({name, status});
+void UnfinishedDownloads::addCompanion(const std::string& row, const Companion& companion) {
+    if (companions_.insert(companion.name).second) {
+        rows_[row].push_back(companion);
     }
 }
 

@@ -12,14 +12,15 @@
 namespace brimvault::scanners {
 
 /// The downloads of one folder that were not finished, recognised by the names that programs give them until then, and
-/// what lies beside such a download and belongs to it: the empty file that keeps its later name free, and the file in
-/// which a program notes how far it has come. One thread.
+/// what lies beside such a download and belongs to it: the empty file with which Firefox keeps its later name free, and
+/// the file in which a program notes how far it has come. One thread.
 class UnfinishedDownloads {
 public:
     /// What is no row of its own.
     struct Companion {
         std::string name;
         files::NodeStatus status;
+        bool isPlaceholder;  ///< the empty file
     };
 
     /// Takes a name of the listing, if it is one of those. All are taken before `lookBeside`.
@@ -36,7 +37,8 @@ public:
 private:
     void addData(const files::DirectoryHandle& folder, const std::string& name);
     void addControl(const files::DirectoryHandle& folder, const std::string& name);
-    void addCompanion(const std::string& row, const std::string& name, const files::NodeStatus& status);
+    void addPlaceholder(const files::DirectoryHandle& folder, const std::string& row, const std::string& name);
+    void addCompanion(const std::string& row, const Companion& companion);
 
     std::vector<std::string> data_;     ///< what was loaded so far
     std::vector<std::string> control_;  ///< notes of programs

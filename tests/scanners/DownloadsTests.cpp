@@ -108,30 +108,42 @@ TEST_F(DownloadsScan, TakesADownloadAndWhatBelongsToItForOneRow) {
     writeFile(downloads_ / "clip.mp4.ytdl", "1");
     writeFile(downloads_ / "old.pdf.part", "12345");
     writeFile(downloads_ / "old.pdf", "the one before");
+    writeFile(downloads_ / "new.odt.tmp", "12345");
+    writeFile(downloads_ / "new.odt", "");
     scan();
     const auto unfinished = ItemNote::unfinished;
-    EXPECT_THAT(notes(),
-                UnorderedElementsAre(Pair("film.mkv.part", unfinished), Pair("disk.3kGv_Tz9.iso.part", unfinished),
-                                     Pair("image", unfinished), Pair("clip.mp4.part", unfinished),
-                                     Pair("old.pdf.part", unfinished), Pair("old.pdf", ItemNote::none)));
+    EXPECT_THAT(notes(), UnorderedElementsAre(Pair("film.mkv.part", unfinished),
+                                              Pair("disk.3kGv_Tz9.iso.part", unfinished), Pair("image", unfinished),
+                                              Pair("clip.mp4.part", unfinished), Pair("old.pdf.part", unfinished),
+                                              Pair("old.pdf", ItemNote::none), Pair("new.odt.tmp", unfinished)));
     EXPECT_THAT(whole("film.mkv.part"), Pair(ElementsAre("film.mkv.part", "film.mkv"), 5));
     EXPECT_THAT(whole("disk.3kGv_Tz9.iso.part"), Pair(ElementsAre("disk.3kGv_Tz9.iso.part", "disk.iso"), 5));
     EXPECT_THAT(whole("image"), Pair(ElementsAre("image", "image.aria2"), 8));
     EXPECT_THAT(whole("clip.mp4.part"), Pair(ElementsAre("clip.mp4.part", "clip.mp4.ytdl"), 6));
     EXPECT_THAT(whole("old.pdf.part"), Pair(IsEmpty(), 5));
+    EXPECT_THAT(whole("new.odt.tmp"), Pair(IsEmpty(), 5));
     writeFile(downloads_ / "clip.mp4.ytdl", "4");
     EXPECT_THAT(cleanAll(), IsEmpty());
+    EXPECT_TRUE(fs::remove(downloads_ / "new.odt")) << "may be a document that is just begun";
     EXPECT_TRUE(fs::is_empty(downloads_));
 }
 
-// The download ends between the scan and the clean.
+// The download ends between the scan and the clean: it is renamed, or written into the file of its later name.
 TEST_F(DownloadsScan, LeaveAFileThatWasFinishedMeanwhile) {
-    writeFile(downloads_ / "film.mkv.part", "12345");
-    writeFile(downloads_ / "film.mkv", "");
-    scan();
-    fs::rename(downloads_ / "film.mkv.part", downloads_ / "film.mkv");
-    EXPECT_EQ(cleanAll().size(), 1);
-    EXPECT_EQ(contentOf(downloads_ / "film.mkv"), "12345");
+    for (const bool inPlace : {false, true}) {
+        writeFile(downloads_ / "film.mkv.part", "12345");
+        writeFile(downloads_ / "film.mkv", "");
+        scan();
+        if (inPlace) {
+            writeFile(downloads_ / "film.mkv", "12345");
+        } else {
+            fs::rename(downloads_ / "film.mkv.part", downloads_ / "film.mkv");
+        }
+        EXPECT_EQ(cleanAll().size(), 1);
+        EXPECT_EQ(contentOf(downloads_ / "film.mkv"), "12345");
+        EXPECT_FALSE(fs::exists(downloads_ / "film.mkv.part")) << "the rest goes";
+        fs::remove(downloads_ / "film.mkv");
+    }
 }
 
 TEST_F(DownloadsScan, TellsWhichProgramHasADownloadOpen) {

@@ -27,16 +27,21 @@ struct IconSource {
     bool operator==(const IconSource&) const = default;
 };
 
+/// What a name had when it was found.
+struct ExpectedNode {
+    std::uint64_t identity = 0;  ///< its digest; 0 where that does not matter
+    bool isEmpty = false;        ///< it was a file of no bytes, which has something to say only as long as it is one
+};
+
 /// Entries of one folder that an item stands for.
 struct ItemTargets {
     std::shared_ptr<const FoundIn> folder;  ///< where they lie
     std::vector<std::string> names;         ///< exact bytes
-    /// Digests of the identities that the names had, in their order: nothing else at a name is removed. 0 where that
-    /// does not matter; empty where none does.
-    std::vector<std::uint64_t> identities = {};
+    /// What the names had, in their order: nothing else at a name is removed. Empty where it does not matter.
+    std::vector<ExpectedNode> expected = {};
 
-    [[nodiscard]] std::uint64_t identityOf(std::size_t number) const {
-        return number < identities.size() ? identities[number] : 0;
+    [[nodiscard]] ExpectedNode expectedOf(std::size_t number) const {
+        return number < expected.size() ? expected[number] : ExpectedNode();
     }
 };
 

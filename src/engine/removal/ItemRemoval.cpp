@@ -79,12 +79,12 @@ QString ItemRemoval::outsideOfTrialText() {
 }
 
 ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
-                                std::uint64_t identity) {
+                                const ExpectedNode& expected) {
     if (!path.is_absolute()) {
         return {false, ItemRemoval::withoutSystemText()};  // never resolve against the working directory
     }
     if (foundIn == nullptr) {
-        return removeNow(path, nullptr, identity);
+        return removeNow(path, nullptr, expected);
     }
     const bool leadsThere = leadsWhereItDid(*foundIn);
     const int code = foundIn->folder ? openFolder(foundIn, path.parent_path()) : 0;
@@ -98,7 +98,7 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
         return isOnDevice(path.parent_path(), foundIn->folder->device) ? ItemRemoval{true, {}}
                                                                        : ItemRemoval{false, systemText({code, path})};
     }
-    return removeNow(path, foundIn->folder ? &*folder_ : nullptr, identity);
+    return removeNow(path, foundIn->folder ? &*folder_ : nullptr, expected);
 }
 
 ItemRemoval ItemRemover::removeTargets(const FFItem& item, const Veto& veto) {
@@ -121,11 +121,11 @@ ItemRemoval ItemRemover::removeTarget(const ItemTargets& target, std::size_t num
     }
     const auto path = std::filesystem::path(target.folder->path) / name;
     const QString reason = veto ? veto(path) : QString();
-    return reason.isEmpty() ? remove(path, target.folder, target.identityOf(number)) : ItemRemoval{false, reason};
+    return reason.isEmpty() ? remove(path, target.folder, target.expectedOf(number)) : ItemRemoval{false, reason};
 }
 
 ItemRemover::Reached ItemRemover::reach(const std::filesystem::path& path,
-                                        const std::shared_ptr<const FoundIn>& foundIn, std::uint64_t identity) {
+                                        const std::shared_ptr<const FoundIn>& foundIn, const ExpectedNode& expected) {
     if (!path.is_absolute() || foundIn == nullptr || !foundIn->folder) {
         return {ItemRemoval::withoutSystemText(), nullptr, {}};
     }
@@ -139,7 +139,7 @@ ItemRemover::Reached ItemRemover::reach(const std::filesystem::path& path,
     if (!item) {
         return {item.code() == ENOENT ? QString() : systemText({item.code(), path}), nullptr, {}};
     }
-    const QString refusal = reasonToKeep(path, *item, identity);
+    const QString refusal = reasonToKeep(path, *item, expected);
     return {refusal, refusal.isEmpty() ? &*folder_ : nullptr, *item};
 }
 
@@ -167,8 +167,9 @@ int ItemRemover::openFolder(const std::shared_ptr<const FoundIn>& foundIn, const
 }
 
 QString ItemRemover::reasonToKeep(const std::filesystem::path& path, const files::NodeStatus& item,
-                                  std::uint64_t identity) {
-    if (identity != 0 && item.identity.digest() != identity) {
+                                  const ExpectedNode& expected) {
+    if ((expected.identity != 0 && item.identity.digest() != expected.identity) ||
+        (expected.isEmpty && item.size != 0)) {
         return ItemRemoval::replacedText();
     }
     if (item.kind == files::NodeKind::directory || item.kind == files::NodeKind::link) {
@@ -183,14 +184,14 @@ QString ItemRemover::reasonToKeep(const std::filesystem::path& path, const files
 }
 
 ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
-                                   std::uint64_t identity) {
+                                   const ExpectedNode& expected) {
     const auto item =
         folder == nullptr ? files::statusOf(path) : files::statusAt(folder->descriptor(), path.filename().c_str());
     if (item.code() == ENOENT || item.code() == ENOTDIR) {
         return {true, {}};
     }
     // What cannot be looked at is not refused here: the removal says why it stays.
-    const QString reason = reasonToKeep(path, item ? *item : files::NodeStatus(), item ? identity : 0);
+    const QString reason = reasonToKeep(path, item ? *item : files::NodeStatus(), item ? expected : ExpectedNode());
     if (!reason.isEmpty()) {
         return {false, reason};
     }

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -44,10 +43,10 @@ class ItemRemover {
 public:
     explicit ItemRemover(PrivilegedRemover& remover) : remover_(remover) {}
 
-    /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed. With the digest of an
-    /// identity, nothing else is.
+    /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed. Nothing but
+    /// what is expected is removed.
     ItemRemoval remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
-                       std::uint64_t identity = 0);
+                       const ExpectedNode& expected = {});
 
     /// Why what is at a path must stay; empty if it may go.
     using Veto = std::function<QString(const std::filesystem::path& path)>;
@@ -64,7 +63,7 @@ public:
     };
     /// Finds the item again, by the checks of `remove`, for whoever does something else with it.
     Reached reach(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
-                  std::uint64_t identity);
+                  const ExpectedNode& expected);
     /// Of the trashes of which an item was removed: see `TrashCleanup`.
     void removeOrphans(TrashCleanup::Clock::time_point now) const { trashes_.removeOrphans(now); }
 
@@ -72,12 +71,12 @@ private:
     ItemRemoval removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto);
     /// Empty if nothing speaks against its going.
     [[nodiscard]] QString reasonToKeep(const std::filesystem::path& path, const files::NodeStatus& item,
-                                       std::uint64_t identity);
+                                       const ExpectedNode& expected);
     [[nodiscard]] bool leadsWhereItDid(const FoundIn& foundIn);
     /// 0, or the errno value of opening the folder.
     [[nodiscard]] int openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
     ItemRemoval removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
-                          std::uint64_t identity);
+                          const ExpectedNode& expected);
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;

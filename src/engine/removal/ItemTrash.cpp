@@ -15,7 +15,7 @@ namespace {
 struct Part {
     std::filesystem::path path;
     std::shared_ptr<const FoundIn> foundIn;
-    std::uint64_t identity;
+    ExpectedNode expected;
 };
 
 std::vector<Part> partsOf(const FFItem& item, const std::filesystem::path& path) {
@@ -24,11 +24,11 @@ std::vector<Part> partsOf(const FFItem& item, const std::filesystem::path& path)
         for (std::size_t number = 0; number < target.names.size(); ++number) {
             const auto& name = target.names[number];
             parts.push_back({std::filesystem::path(target.folder == nullptr ? "" : target.folder->path) / name,
-                             target.folder, target.identityOf(number)});
+                             target.folder, target.expectedOf(number)});
         }
     }
     if (!item.hasTargets()) {
-        parts.push_back({path, item.foundIn(), item.identity()});
+        parts.push_back({path, item.foundIn(), {item.identity()}});
     }
     return parts;
 }
@@ -55,7 +55,7 @@ QString move(const Part& part, ItemRemover& remover, std::vector<TrashedFile>& m
     if (!isOneName(name)) {
         return ItemRemoval::withoutSystemText();
     }
-    const auto reached = remover.reach(part.path, part.foundIn, part.identity);
+    const auto reached = remover.reach(part.path, part.foundIn, part.expected);
     if (reached.folder == nullptr) {
         return reached.refusal;
     }
