@@ -153,6 +153,14 @@
         <source>Being deleted</source>
         <translation>Wird gerade gelöscht</translation>
     </message>
+    <message>
+        <source>Unfinished; a program is writing to it</source>
+        <translation>Unfertig; ein Programm schreibt gerade hinein</translation>
+    </message>
+    <message>
+        <source>Unfinished; %1 is writing to it</source>
+        <translation>Unfertig; %1 schreibt gerade hinein</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>

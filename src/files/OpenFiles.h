@@ -15,7 +15,11 @@
 
 namespace brimvault::files {
 
-/// A snapshot of the files and folders that other processes hold open, run, or work in. It warns and guarantees
+/// Which of them a snapshot tells of.
+enum class OpenFor { anything, writing };
+
+/// A snapshot of the files and folders that other processes hold open, run, or work in, or of the files alone that they
+/// may write to. It warns and guarantees
 /// nothing: a process may open a file a moment later, one of another user cannot be looked at, and a file that is only
 /// mapped is missing. Immutable; any thread.
 class OpenFiles {
@@ -23,7 +27,7 @@ public:
     OpenFiles() = default;
     /// Goes through the processes that the user may look at, without this one. Where the system shows none, or a stop
     /// is requested, nothing more is known.
-    [[nodiscard]] static OpenFiles now(const std::stop_token& stop = {});
+    [[nodiscard]] static OpenFiles now(const std::stop_token& stop = {}, OpenFor use = OpenFor::anything);
 
     /// One of the processes that hold it open.
     [[nodiscard]] std::optional<pid_t> holderOf(const FileIdentity& file) const {

@@ -44,7 +44,7 @@ void SDwnOperation::initTopLevelItemsCount() {
 }
 
 void SDwnOperation::main() {
-    open_ = files::OpenFiles::now(stopToken());
+    open_ = files::OpenFiles::now(stopToken(), files::OpenFor::writing);
     initTopLevelItemsCount();
     collectDownloadsInfo(expect(nTopLevelItemsCount()));
     closeRoots();
@@ -94,6 +94,7 @@ void SDwnOperation::collectEntry(const Listing& listing, const files::Measurable
         item.details = engine::ItemDetails{.noteArgument = argumentOf(note, found),
                                            .application = {},
                                            .needsAdministrator = found.needsAdministrator(),
+                                           .isUnfinished = isUnfinished,
                                            .targets = targetsOf(listing, entry.name, found.identity),
                                            .trashed = {}};
     }

@@ -10,7 +10,7 @@ namespace brimvault::scanners {
 
 /// The scan of the Downloads section: every visible entry of the downloads folder, a folder as one item. Items come
 /// unticked, since only the user can tell what is still wanted, and are addressed by their names in the folder. Of
-/// downloads that were not finished, and of what programs have open, the note says so.
+/// downloads that were not finished, and of what programs have open to write to it, the note says so.
 class SDwnOperation final : public FileScanOperation {
 public:
     SDwnOperation() : FileScanOperation(engine::Section::downloads) {}
@@ -37,7 +37,7 @@ private:
     [[nodiscard]] std::vector<engine::ItemTargets> targetsOf(const Listing& listing, const char* name,
                                                              std::uint64_t identity) const;
 
-    files::OpenFiles open_;  ///< as it was when the scan began
+    files::OpenFiles open_;  ///< to write to, when the scan began
     UnfinishedDownloads unfinished_;
 };
 

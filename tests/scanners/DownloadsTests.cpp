@@ -146,20 +146,25 @@ TEST_F(DownloadsScan, LeaveAFileThatWasFinishedMeanwhile) {
     }
 }
 
-TEST_F(DownloadsScan, TellsWhichProgramHasADownloadOpen) {
-    writeFile(downloads_ / "film.mkv.part", "12345");
-    writeFile(downloads_ / "archive/part", "12345");
-    writeFile(downloads_ / "quiet.part", "12345");
-    writeFile(downloads_ / "image", "12345");
-    writeFile(downloads_ / "image.aria2", "123");
-    const OpenedElsewhere download(downloads_ / "film.mkv.part");
-    const OpenedElsewhere unpacking(downloads_ / "archive/part");
-    const OpenedElsewhere notes(downloads_ / "image.aria2");
+TEST_F(DownloadsScan, TellsWhichProgramIsWritingToADownload) {
+    for (const char* file : {"film.mkv.part", "archive/part", "quiet.part", "image", "image.aria2", "read/book.pdf"}) {
+        writeFile(downloads_ / file, "12345");
+    }
+    using As = OpenedElsewhere::As;
+    const OpenedElsewhere download(downloads_ / "film.mkv.part", As::writtenFile);
+    const OpenedElsewhere unpacking(downloads_ / "archive/part", As::writtenFile);
+    const OpenedElsewhere notes(downloads_ / "image.aria2", As::writtenFile);
+    const OpenedElsewhere reader(downloads_ / "read/book.pdf", As::file);
+    const OpenedElsewhere shell(downloads_ / "read", As::workingFolder);
     scan();
     EXPECT_THAT(this->notes(),
                 UnorderedElementsAre(Pair("film.mkv.part", ItemNote::inUse), Pair("archive", ItemNote::inUse),
-                                     Pair("image", ItemNote::inUse), Pair("quiet.part", ItemNote::unfinished)));
-    EXPECT_EQ(rows_.at("archive")->details().noteArgument.toStdString(), files::programName(unpacking.process()));
+                                     Pair("image", ItemNote::inUse), Pair("quiet.part", ItemNote::unfinished),
+                                     Pair("read", ItemNote::none)));
+    const auto program = QString::fromStdString(files::programName(unpacking.process()));
+    EXPECT_EQ(rows_.at("archive")->noteText(), program + QStringLiteral(" is running and uses it"));
+    EXPECT_EQ(rows_.at("film.mkv.part")->noteText(),
+              QStringLiteral("Unfinished; ") + program + QStringLiteral(" is writing to it"));
     EXPECT_TRUE(rows_.at("film.mkv.part")->isTickedByHandOnly());
 }
 

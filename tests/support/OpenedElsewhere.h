@@ -22,10 +22,11 @@ inline void makeSocket(const std::filesystem::path& path) {
     ASSERT_EQ(::bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
 }
 
-/// A process that holds the path open until this object ends; or works in it, or runs it (a program like sleep).
+/// A process that holds the path open until this object ends, to read it or to write to it; or works in it, or runs it
+/// (a program like sleep).
 class OpenedElsewhere {
 public:
-    enum class As { file, workingFolder, program };
+    enum class As { file, writtenFile, workingFolder, program };
     explicit OpenedElsewhere(const std::filesystem::path& path, As what = As::file) {
         int ready[2] = {};
         EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
@@ -35,7 +36,9 @@ public:
                 ::execl(path.c_str(), path.c_str(), "1000", nullptr);
                 ::_exit(1);
             }
-            const bool isOpen = what == As::file ? ::open(path.c_str(), O_RDONLY) >= 0 : ::chdir(path.c_str()) == 0;
+            const bool isOpen = what == As::workingFolder
+                                    ? ::chdir(path.c_str()) == 0
+                                    : ::open(path.c_str(), what == As::file ? O_RDONLY : O_WRONLY) >= 0;
             (void)!::write(ready[1], isOpen ? "y" : "n", 1);
             ::pause();
             ::_exit(0);

@@ -75,7 +75,11 @@ const ItemDetails& FFItem::details() const {
     return details_ == nullptr ? none : *details_;
 }
 
-QString FFItem::noteText() const { return textOf(note_, platform::displayText(details().noteArgument.toStdString())); }
+QString FFItem::noteText() const {
+    const QString argument = platform::displayText(details().noteArgument.toStdString());
+    return note_ == ItemNote::inUse && details().isUnfinished ? textOfDownloadUnderWay(argument)
+                                                              : textOf(note_, argument);
+}
 
 std::vector<std::filesystem::path> FFItem::removalPaths() const {
     std::vector<std::filesystem::path> paths;

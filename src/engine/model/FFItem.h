@@ -51,6 +51,7 @@ struct ItemDetails {
     QString noteArgument;             ///< for the note's text
     QString application;              ///< the identifier of the desktop entry whose icon it has
     bool needsAdministrator = false;  ///< belongs to another user
+    bool isUnfinished = false;        ///< a download that was not finished, whatever the note is
     /// Set for an item that stands for several things: these alone are removed, and never what its path names.
     std::vector<ItemTargets> targets;
     std::optional<platform::TrashRecord> trashed;  ///< set for an item of a desktop's trash

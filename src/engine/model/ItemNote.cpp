@@ -103,4 +103,9 @@ QString textOf(ItemNote note, const QString& argument) {
     Q_UNREACHABLE();
 }
 
+QString textOfDownloadUnderWay(const QString& program) {
+    return program.isEmpty() ? QCoreApplication::translate("ItemNote", "Unfinished; a program is writing to it")
+                             : QCoreApplication::translate("ItemNote", "Unfinished; %1 is writing to it").arg(program);
+}
+
 }  // namespace brimvault::engine

@@ -41,5 +41,7 @@ enum class ItemNote : quint8 {
 
 /// The note as one sentence in the user's language, without a full stop; empty for none.
 [[nodiscard]] QString textOf(ItemNote note, const QString& argument);
+/// The same of one that is in use and `unfinished` as well.
+[[nodiscard]] QString textOfDownloadUnderWay(const QString& program);
 
 }  // namespace brimvault::engine

@@ -39,6 +39,12 @@ std::optional<FileIdentity> identityBehind(int folder, const char* name) {
     return FileIdentity{deviceNumber(raw), raw.stx_ino, {}};
 }
 
+// The mode of the link to a descriptor, in a folder of /proc, tells how that was opened.
+bool isOpenForWriting(int folder, const char* name) {
+    struct stat link {};
+    return ::fstatat(folder, name, &link, AT_SYMLINK_NOFOLLOW) == 0 && (link.st_mode & S_IWUSR) != 0;
+}
+
 // None unless it is a regular file without a name on one of the devices.
 std::optional<RemovedFile> removedFileBehind(int folder, const char* name, const std::set<std::uint64_t>& devices) {
     struct statx raw {};
@@ -77,7 +83,7 @@ void forEachDescriptor(pid_t process, const std::stop_token& stop,
 
 }  // namespace
 
-OpenFiles OpenFiles::now(const std::stop_token& stop) {
+OpenFiles OpenFiles::now(const std::stop_token& stop, OpenFor use) {
     OpenFiles open;
     forEachOtherProcess(stop, [&](pid_t process) {
         const auto note = [&](int folder, const char* name) {
@@ -85,9 +91,15 @@ OpenFiles OpenFiles::now(const std::stop_token& stop) {
                 open.holders_.try_emplace({file->device, file->inode}, process);
             }
         };
-        note(AT_FDCWD, statusFile(process, "exe").c_str());
-        note(AT_FDCWD, statusFile(process, "cwd").c_str());
-        forEachDescriptor(process, stop, note);
+        if (use == OpenFor::anything) {
+            note(AT_FDCWD, statusFile(process, "exe").c_str());
+            note(AT_FDCWD, statusFile(process, "cwd").c_str());
+        }
+        forEachDescriptor(process, stop, [&](int folder, const char* name) {
+            if (use == OpenFor::anything || isOpenForWriting(folder, name)) {
+                note(folder, name);
+            }
+        });
     });
     return open;
 }
