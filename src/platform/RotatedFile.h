@@ -8,7 +8,9 @@
 namespace brimvault::platform {
 
 /// A file of the program's own that only grows, up to a size; then it is renamed, over the one that was renamed before,
-/// and begun anew. Only its owner may read it. Blocks as long as the disk does; one thread at a time.
+/// and begun anew. Only its owner may read it. Several processes may append to it: while one of them does, the others
+/// do not rename it, so that a file may get longer by what they append. Blocks as long as the disk does; one thread at
+/// a time.
 class RotatedFile {
 public:
     /// The folder and those above it are made when something is appended; `old` is the name after the renaming.

@@ -20,6 +20,7 @@ using platform::jsonString;
 
 namespace {
 
+constexpr std::size_t maxPathsBytes = 16UL * 1024;   // of one line, from which on paths are only counted
 constexpr std::size_t chunk = 64UL * 1024;           // bytes that are written at once
 constexpr std::chrono::milliseconds gathering{200};  // for which lines are gathered before they are written
 
@@ -31,13 +32,16 @@ std::string RemovalHistory::line(const ItemOutcome& outcome, std::chrono::system
     const bool isText = std::all_of(outcome.paths.begin(), outcome.paths.end(),
                                     [](const auto& path) { return platform::isUtf8(path.native()); });
     std::string paths;
-    for (const auto& path : outcome.paths) {
-        paths += paths.empty() ? "" : ",";
-        paths += jsonString(isText ? path.native() : platform::percentEncoded(path.native()));
+    std::size_t told = 0;
+    for (; told < outcome.paths.size() && (told == 0 || paths.size() < maxPathsBytes); ++told) {
+        const auto& path = outcome.paths[told].native();
+        paths += told == 0 ? "" : ",";
+        paths += jsonString(isText ? path : platform::percentEncoded(path));
     }
     std::string text = R"({"time":)" + jsonString(date);
     text += outcome.section ? R"(,"section":)" + jsonString(idOf(*outcome.section)) : "";
     text += outcome.paths.size() == 1 ? R"(,"path":)" + paths : R"(,"targets":[)" + paths + "]";
+    text += told < outcome.paths.size() ? R"(,"moreTargets":)" + std::to_string(outcome.paths.size() - told) : "";
     text += isText ? "" : R"(,"pathEncoding":"percent")";
     text += R"(,"bytes":)" + std::to_string(outcome.bytes);
     text += outcome.gone ? R"(,"result":"removed")"

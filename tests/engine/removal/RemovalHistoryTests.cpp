@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -66,6 +68,12 @@ TEST_F(History, SaysOfEachItemWhatBecameOfItUnderExactlyItsPath) {
               R"({"time":"1970-01-02T00:00:00Z","section":"trash","targets":["/a%FF%25","/b"],)"
               R"("pathEncoding":"percent","bytes":0,"result":"removed"})"
               "\n");
+    ItemOutcome large{Section::caches, {}, 0, {}, true};
+    large.paths.assign(20'000, "/some/long/path");
+    const auto text = RemovalHistory::line(large, time);
+    const auto told = QJsonDocument::fromJson(QByteArray::fromStdString(text)).object();
+    EXPECT_LT(text.size(), 20'000U);
+    EXPECT_EQ(told[u"targets"].toArray().size() + told[u"moreTargets"].toInt(), 20'000);
     for (const auto& name : oddNames()) {
         const auto line = RemovalHistory::line(removedItem("/" + name), time);
         const auto object = QJsonDocument::fromJson(QByteArray::fromStdString(line)).object();
@@ -133,6 +141,30 @@ TEST_F(History, TouchesNothingInThePlaceOfItsFileAndWaitsForNobody) {
     writeTwo();
     char byte = 0;
     EXPECT_LE(::read(reader.number(), &byte, 1), 0) << "nothing was written into the pipe";
+}
+
+// The renamed file is a full one at any time: no process renames what another has just begun over it.
+TEST_F(History, OfSeveralProcessesLosesNoFile) {
+    constexpr std::size_t maxBytes = 400;
+    std::string line(100, 'x');
+    line.back() = '\n';
+    const auto old = state_ / "old";
+    const auto append = [&] {
+        std::string wrong;
+        for (int number = 0; number < 2000 && wrong.empty(); ++number) {
+            wrong = platform::RotatedFile(state_, "file", "old", maxBytes).append(line) != 0 ? "not appended" : "";
+            wrong += fs::exists(old) && fs::file_size(old) < maxBytes ? "a full file was replaced by a new one" : "";
+        }
+        return wrong;
+    };
+    const pid_t other = ::fork();
+    if (other == 0) {
+        ::_exit(append().empty() ? 0 : 1);
+    }
+    EXPECT_EQ(append(), "");
+    int status = 0;
+    EXPECT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(History, CutsOffWhatAFullDiskTookOfALine) {
