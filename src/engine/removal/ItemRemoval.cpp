@@ -201,6 +201,7 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     if (outcome.end != files::RemovalEnd::gone &&
         !(isRefusedForRights(*outcome.failure) && !isLocked(path) && isStillAt(path.parent_path(), folder) &&
           remover_.removeFileAtPath(path, holder))) {
+        trashes_.onLeft(path);
         return {false, systemText(*outcome.failure)};
     }
     // Not where the item was gone before: another one may have been trashed under its name meanwhile.

@@ -108,7 +108,7 @@ std::string withoutSizesOf(const std::set<std::string>& names, std::string_view 
 
 TrashCleanup::~TrashCleanup() {
     try {
-        for (const auto& [trash, names] : removed_) {
+        for (const auto& [trash, names] : changed_) {
             dropSizesOf(names, trash);
         }
     } catch (const std::exception&) {  // out of memory: the desktop counts the folders anew
@@ -125,11 +125,17 @@ void TrashCleanup::onRemoved(const fs::path& item) {
     if (const auto status = files::statusOf(*record); status && status->kind == files::NodeKind::regular) {
         (void)files::remove(*record);  // a record without an item is harmless
     }
-    removed_[record->parent_path().parent_path()].insert(item.filename().native());
+    changed_[record->parent_path().parent_path()].insert(item.filename().native());
+}
+
+void TrashCleanup::onLeft(const fs::path& item) {
+    if (const auto record = platform::TrashFolders::recordOfItem(item)) {
+        changed_[record->parent_path().parent_path()].insert(item.filename().native());
+    }
 }
 
 void TrashCleanup::removeOrphans(Clock::time_point now) const {
-    for (const auto& [trash, names] : removed_) {
+    for (const auto& [trash, names] : changed_) {
         removeOrphansOf(trash, now);
     }
 }

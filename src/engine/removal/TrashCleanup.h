@@ -22,18 +22,20 @@ public:
     TrashCleanup() = default;
     TrashCleanup(const TrashCleanup&) = delete;
     TrashCleanup& operator=(const TrashCleanup&) = delete;
-    /// Drops the lines of removed folders from the trashes' "directorysizes": one new file for all of them, since each
+    /// Drops the lines of these folders from the trashes' "directorysizes": one new file for all of them, since each
     /// takes as long as the file is.
     ~TrashCleanup();
 
     /// An item was removed. Removes its record, unless that is no regular file.
     void onRemoved(const std::filesystem::path& item);
+    /// An item stays, at least in part: its size is not what it was.
+    void onLeft(const std::filesystem::path& item);
     /// Removes the records without an item from the trashes of which an item was removed, but none that was written or
     /// changed on the last day: a record is written before its item comes.
     void removeOrphans(Clock::time_point now) const;
 
 private:
-    std::map<std::filesystem::path, std::set<std::string>> removed_;  ///< of each trash the names of the items
+    std::map<std::filesystem::path, std::set<std::string>> changed_;  ///< of each trash the names of the items
 };
 
 /// The text of a "directorysizes" without the lines of folders of these names; all else stays byte for byte.

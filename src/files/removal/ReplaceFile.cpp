@@ -15,6 +15,10 @@ int replaceFile(const DirectoryHandle& folder, const std::string& name, std::str
         return before ? EINVAL : before.code();
     }
     const auto newName = name + "." + std::to_string(::getpid());
+    // Of a process of this number that was ended before it renamed its own.
+    if (const auto left = statusAt(folder.descriptor(), newName.c_str()); left && left->kind == NodeKind::regular) {
+        ::unlinkat(folder.descriptor(), newName.c_str(), 0);
+    }
     const auto file = createFile(folder, newName, before->permissions);
     if (!file) {
         return file.code();

@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <iterator>
 
 #include "engine/removal/FileCleanOperations.h"
@@ -63,6 +65,7 @@ TEST_F(TrashCleaning, TakesTheSizeOfARemovedFolderAlongAndNoOther) {
     const auto sizes = trash_ / "directorysizes";
     writeFile(sizes, foreign + "4096 1700000000000 line%0ab%25r%C3%A9\n" + malformed);
     fs::permissions(sizes, static_cast<fs::perms>(0640));
+    writeFile(trash_ / ("directorysizes." + std::to_string(::getpid())), "left by a process that was killed");
     EXPECT_TRUE(removeItemAt(removed).gone);
     EXPECT_EQ(contentOf(sizes), foreign + malformed);
     EXPECT_EQ(fs::status(sizes).permissions(), static_cast<fs::perms>(0640));
@@ -72,6 +75,23 @@ TEST_F(TrashCleaning, TakesTheSizeOfARemovedFolderAlongAndNoOther) {
     EXPECT_TRUE(removeItemAt(makeTrashed("another")).gone);
     EXPECT_EQ(fs::last_write_time(sizes), before) << "nothing is to be changed";
     EXPECT_EQ(withoutSizesOf({"a", "c"}, "1 2 a\n1 2 b\n1 2 c"), "1 2 b\n");
+}
+
+TEST_F(TrashCleaning, ForgetsTheSizeOfAFolderThatStaysInPart) {
+    EXPECT_WELL_IN_CHILD([this]() -> std::string {
+        const auto item = makeTrashed("item");
+        fs::create_directory(item / "mount");
+        if (const auto reason = keepMountsPrivate();
+            !reason.empty() || ::mount("none", (item / "mount").c_str(), "tmpfs", 0, nullptr) != 0) {
+            return cannotTry("no mounts: " + reason);
+        }
+        writeFile(trash_ / "directorysizes", "5 1700000000000 item\n5 1700000000000 other\n");
+        return removeItemAt(item).gone                                             ? "nothing is left"
+               : fs::exists(item / "file")                                         ? "nothing went"
+               : !fs::exists(recordOf("item"))                                     ? "the record went"
+               : contentOf(trash_ / "directorysizes") != "5 1700000000000 other\n" ? "the size stays"
+                                                                                   : "";
+    });
 }
 
 TEST_F(TrashCleaning, MakesNoFileOfSizesAndFollowsNoLinkToOne) {
