@@ -70,6 +70,9 @@ void DataMan::mainThreadProgr(Section section, const Notification& notification)
     } else {
         appendFrom(section, notification);
     }
+    if (!progress.percent) {  // no scan runs: an item is back
+        sharedSpace_.search(items_);
+    }
     progress.scanned = true;
     sendNotification(words.interfaceProgress);
 }
@@ -85,6 +88,9 @@ void DataMan::mainThreadPlaces(const Notification& notification) {
 void DataMan::mainThreadSharedSpace(const Notification& notification) {
     const auto groups = getPropfromNotification<std::shared_ptr<const SharedGroups>>(notification, key::sharedGroups);
     if (groups && sharedSpace_.take(*groups)) {
+        for (const Section section : allSections) {
+            items_[section].freesChanged();
+        }
         sendNotification(notification::sharedSpaceInterfaceUpd);
     }
 }
@@ -112,8 +118,11 @@ void DataMan::mainThreadClean(Section section, const Notification& notification)
     if (section == Section::languageResources) {
         mainThreadAppResClean(notification);
     } else if (const auto gone = getArrayPropfromNotification<ItemArray>(notification, words.arrayKey)) {
+        if (getNumberPropfromNotification(notification, key::movedToTrash).value_or(0) == 0) {
+            sharedSpace_.removed(section, *gone, items_[section]);
+        }
         items_[section].remove(*gone);
-        sharedSpace_.itemsGone();
+        sharedSpace_.search(items_);
     }
     sendNotification(words.interfaceFinished);
     items_[section].forgetRemoved();
@@ -144,9 +153,10 @@ void DataMan::add2ApplicationsArray(const std::optional<ApplicationArray>& items
 
 void DataMan::set(Section section, const std::optional<ItemArray>& items) {
     const auto generation = items_[section].generation();
+    const bool wasEmpty = items_[section].items().isEmpty();
     items_[section].replace(items.value_or(ItemArray()));
-    if (items_[section].generation() != generation) {
-        sharedSpace_.forget(section);
+    if (wasEmpty || items_[section].generation() != generation) {
+        sharedSpace_.scanned(section);
     }
 }
 

@@ -51,7 +51,7 @@ public:
     /// Bytes of the ticked items in the sections whose flag is set.
     [[nodiscard]] quint64 getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, bool bLogs) const;
     /// Bytes on disk that cleaning the ticked items in these sections would free: a file counts once, and only if all
-    /// of its names go. Files with names in several items count from some time after the scan.
+    /// of its names go. Files with names in several items count some time after a scan, a clean or a move.
     [[nodiscard]] quint64 freesOfSelection(const PerSection<bool>& sections) const;
     /// The part of these that none of the items frees alone.
     [[nodiscard]] quint64 sharedOfSelection(const PerSection<bool>& sections) const;

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -123,15 +124,14 @@ public:
     [[nodiscard]] QString ppdisplayKeyName() const override;
     [[nodiscard]] quint64 getSpace2Save() const override { return pfSize_; }
     [[nodiscard]] quint64 getSpace2SaveBySel() const override { return ppbChecked() && ppbDeletable() ? pfSize_ : 0; }
-    [[nodiscard]] quint64 frees() const override { return frees_; }
-    using SharedFiles = std::unique_ptr<const std::vector<files::NamedNode>>;
+    /// May grow while partners of `sharedFiles` are removed.
+    [[nodiscard]] quint64 frees() const override { return frees_ + freesAlone_; }
     /// What removing it frees, settled. To be called before the item is posted.
     void setSpace(files::ReclaimableSpace space);
-    /// The files of which it holds some names and not all, in order; null if there are none, or they were taken.
-    [[nodiscard]] SharedFiles takeSharedFiles() { return std::move(sharedFiles_); }
-    /// Whether a clean has removed it. Main thread.
-    [[nodiscard]] bool isGone() const { return isGone_; }
-    void setGone() { isGone_ = true; }
+    /// The files of which it holds some names and not all, in order, as they were when it was found; null if none.
+    [[nodiscard]] const std::vector<files::NamedNode>* sharedFiles() const { return sharedFiles_.get(); }
+    /// Bytes on disk of those of them whose further names have been removed since. Any thread may read `frees`.
+    void setFreesAlone(quint64 bytes) { freesAlone_ = bytes; }
 
 private:
     [[nodiscard]] const char* nameBytes() const { return pfname_ == nullptr ? "" : pfname_.get(); }
@@ -139,12 +139,12 @@ private:
 
     FoundPathKind foundPathKind_ = FoundPathKind::folder;
     ItemNote note_ = ItemNote::none;
-    bool isGone_ = false;
     IconSource pIcon_;
     std::unique_ptr<char[]> pfname_;  ///< NUL-terminated bytes; null for an empty name
     quint64 pfSize_ = 0;
     quint64 frees_ = 0;
-    SharedFiles sharedFiles_;
+    std::atomic<quint64> freesAlone_ = 0;
+    std::unique_ptr<const std::vector<files::NamedNode>> sharedFiles_;
     quint64 identity_ = 0;
     std::shared_ptr<const FoundIn> foundIn_;      ///< null if only the name is known
     std::unique_ptr<const ItemDetails> details_;  ///< null if it has none

@@ -81,9 +81,6 @@ void SectionItems::remove(const ItemArray& gone) {
     }
     const bool isNested = nested_.holdsAny();
     beginGeneration();
-    for (const auto& item : gone) {
-        item->setGone();
-    }
     removed_ = gone;
     if (gone.size() < items_.size() / 2) {
         const auto wanted = pointers(gone);

@@ -61,6 +61,9 @@ public:
     /// To be called after the marks of many items were set one by one: unticks every holder of an unticked item.
     void settleMarks();
 
+    /// To be called after items' `frees` have changed.
+    void freesChanged() { summed_ = 0; }
+
     /// While this number is unchanged, items are only appended: those that were there keep their indexes.
     [[nodiscard]] quint64 generation() const { return generation_; }
     /// The difference to the generation before, if items were only removed; empty after any other change, and after

@@ -3,10 +3,8 @@
 #include <QThreadPool>
 #include <algorithm>
 #include <atomic>
-#include <iterator>
 #include <map>
-#include <string>
-#include <utility>
+#include <unordered_set>
 
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
@@ -15,19 +13,12 @@ namespace brimvault::engine {
 
 namespace {
 
-/// What an item knows of files that have further names.
+/// An item that holds some names of files, or held them.
 struct Holding {
-    std::shared_ptr<const FFItem> item;
+    std::shared_ptr<FFItem> item;
     Section section;
-    FFItem::SharedFiles files;
-};
-
-struct Search {
-    quint64 number = 0;
-    std::vector<Holding> holdings;
-    PerSection<std::vector<std::string>> holders;  ///< paths of items that hold others, sorted, with a slash at the end
-    std::shared_ptr<const SharedGroups> before;    ///< what was known
-    PerSection<bool> forgotten = {};               ///< sections of which that does not hold any more
+    quint64 time;
+    bool isRemoved;
 };
 
 struct HeldFile {
@@ -50,16 +41,25 @@ bool liesInAny(const FFItem& item, const std::vector<std::string>& holders) {
     return std::any_of(paths.begin(), paths.end(), [&](const auto& path) { return liesInAny(path.native(), holders); });
 }
 
-std::vector<HeldFile> heldFiles(Search& search) {
-    std::vector<HeldFile> all;
-    for (std::size_t number = 0; number < search.holdings.size(); ++number) {
-        auto& [item, section, files] = search.holdings[number];
-        if (!liesInAny(*item, search.holders[section])) {
-            for (const auto& node : *files) {
-                all.push_back({node, static_cast<std::uint32_t>(number)});
+std::vector<Holding> holdingsOf(const std::vector<KnownItems>& known) {
+    std::vector<Holding> holdings;
+    std::unordered_set<const FFItem*> met;
+    for (const auto& list : known) {
+        for (const auto& item : list.items) {
+            if (item->sharedFiles() != nullptr && met.insert(item.get()).second && !liesInAny(*item, list.holders)) {
+                holdings.push_back({item, list.section, list.time, list.isRemoved});
             }
         }
-        files.reset();
+    }
+    return holdings;
+}
+
+std::vector<HeldFile> filesOf(const std::vector<Holding>& holdings) {
+    std::vector<HeldFile> all;
+    for (std::size_t number = 0; number < holdings.size(); ++number) {
+        for (const auto& node : *holdings[number].item->sharedFiles()) {
+            all.push_back({node, static_cast<std::uint32_t>(number)});
+        }
     }
     std::sort(all.begin(), all.end(), [](const auto& one, const auto& other) {
         return one.node.isSameAs(other.node) ? one.holding < other.holding : one.node.isBefore(other.node);
@@ -67,69 +67,92 @@ std::vector<HeldFile> heldFiles(Search& search) {
     return all;
 }
 
-// By the numbers of the holdings that have all names of the files.
-std::map<std::vector<std::uint32_t>, quint64> sumsByHoldings(Search& search) {
-    std::map<std::vector<std::uint32_t>, quint64> sums;
-    const auto all = heldFiles(search);
-    for (auto next = all.begin(); next != all.end();) {
-        const auto& node = next->node;
-        std::vector<std::uint32_t> together;
-        quint64 names = 0;
-        for (; next != all.end() && next->node.isSameAs(node); ++next) {
-            together.push_back(next->holding);
-            names += next->node.names;
+/// All that is known of one file.
+class Names {
+public:
+    explicit Names(const std::vector<Holding>& holdings) : holdings_(holdings) {}
+
+    // What was found last knows best how many names there are. To be called for all that hold it before the others.
+    void add(const HeldFile& file) {
+        const auto& holding = holdings_[file.holding];
+        if (holding.isRemoved) {
+            seen_ += holding.time > time_ ? file.node.names : 0;
+            return;
         }
-        if (names >= node.allNames) {
-            sums[std::move(together)] += node.allocated;
+        seen_ += file.node.names;
+        holders_.push_back(file.holding);
+        if (holders_.size() == 1 || holding.time > time_) {
+            time_ = holding.time;
+            all_ = file.node.allNames;
+            allocated_ = file.node.allocated;
+        }
+    }
+    [[nodiscard]] bool areAllKnown() const { return !holders_.empty() && seen_ >= all_; }
+    [[nodiscard]] const std::vector<std::uint32_t>& holders() const { return holders_; }
+    [[nodiscard]] quint64 allocated() const { return allocated_; }
+
+private:
+    const std::vector<Holding>& holdings_;
+    std::vector<std::uint32_t> holders_;
+    quint64 time_ = 0;
+    quint64 seen_ = 0;
+    quint64 all_ = 0;
+    quint64 allocated_ = 0;
+};
+
+// By the numbers of the holdings that have all names of the files.
+std::map<std::vector<std::uint32_t>, quint64> sumsByHolders(const std::vector<Holding>& holdings) {
+    std::map<std::vector<std::uint32_t>, quint64> sums;
+    const auto all = filesOf(holdings);
+    for (auto next = all.begin(); next != all.end();) {
+        Names names(holdings);
+        for (const auto& first = *next; next != all.end() && next->node.isSameAs(first.node); ++next) {
+            names.add(*next);
+        }
+        if (names.areAllKnown()) {
+            sums[names.holders()] += names.allocated();
         }
     }
     return sums;
 }
 
-bool isInAny(const SharedGroup& group, const PerSection<bool>& sections) {
-    return std::any_of(group.members.begin(), group.members.end(),
-                       [&](const auto& member) { return sections[member.section]; });
-}
+}  // namespace
 
-std::shared_ptr<const SharedGroups> groupsOf(Search& search) {
+std::shared_ptr<const SharedGroups> sharedGroups(quint64 search, const std::vector<KnownItems>& known) {
     auto answer = std::make_shared<SharedGroups>();
-    answer->search = search.number;
-    if (search.before != nullptr) {
-        std::copy_if(search.before->groups.begin(), search.before->groups.end(), std::back_inserter(answer->groups),
-                     [&](const auto& group) { return !isInAny(group, search.forgotten); });
-    }
-    for (const auto& [together, bytes] : sumsByHoldings(search)) {
+    answer->search = search;
+    const auto holdings = holdingsOf(known);
+    for (const auto& [holders, bytes] : sumsByHolders(holdings)) {
+        if (holders.size() == 1) {
+            answer->alone.emplace_back(holdings[holders.front()].item, bytes);
+            continue;
+        }
         SharedGroup group{.members = {}, .bytes = bytes};
-        for (const auto number : together) {
-            group.members.push_back({search.holdings[number].item, search.holdings[number].section});
+        for (const auto number : holders) {
+            group.members.push_back({holdings[number].item, holdings[number].section});
         }
         answer->groups.push_back(std::move(group));
     }
     return answer;
 }
 
-}  // namespace
-
 void SharedSpace::search(const PerSection<SectionItems>& sections) {
     static std::atomic<quint64> searches = 0;
-    const auto search = std::make_shared<Search>();
+    std::vector<KnownItems> known;
+    quint64 oldest = time_;
     for (const Section section : allSections) {
-        for (const auto& item : sections[section].items()) {
-            if (auto files = item->takeSharedFiles()) {
-                search->holdings.push_back({item, section, std::move(files)});
-            }
+        if (const auto& items = sections[section].items(); !items.isEmpty()) {
+            known.push_back({items, section, sections[section].holders(), scanned_[section], false});
+            oldest = std::min(oldest, scanned_[section]);
         }
-        search->holders[section] = sections[section].holders();
     }
-    if (search->holdings.empty()) {
-        return;  // what is known stays as it is
-    }
-    lastSearch_ = search->number = ++searches;
-    search->before = found_;
-    search->forgotten = forgotten_;
-    QThreadPool::globalInstance()->start([search] {
+    std::erase_if(removed_, [oldest](const auto& removed) { return removed.time <= oldest; });
+    known.insert(known.end(), removed_.begin(), removed_.end());
+    lastSearch_ = ++searches;
+    isCurrent_ = false;
+    QThreadPool::globalInstance()->start([search = lastSearch_, known = std::move(known)] {
         NotificationCenter::defaultCenter().post(notification::sharedSpaceFound,
-                                                 {{key::sharedGroups, groupsOf(*search)}});
+                                                 {{key::sharedGroups, sharedGroups(search, known)}});
     });
 }
 
@@ -137,35 +160,52 @@ bool SharedSpace::take(const std::shared_ptr<const SharedGroups>& answer) {
     if (answer == nullptr || answer->search != lastSearch_) {
         return false;
     }
-    lastSearch_ = 0;
-    // The old ones are many, and destroyed on a pool thread.
-    QThreadPool::globalInstance()->start([before = std::exchange(found_, answer)] {});
-    forgotten_ = {};
+    const auto before = std::exchange(found_, answer);
+    isCurrent_ = true;
     counted_ = {};
-    return true;
+    const auto isNothing = [](const auto& found) {
+        return found == nullptr || (found->groups.empty() && found->alone.empty());
+    };
+    if (before != nullptr) {
+        for (const auto& [item, bytes] : before->alone) {
+            item->setFreesAlone(0);
+        }
+        // The old ones may be many, and are destroyed on a pool thread.
+        QThreadPool::globalInstance()->start([before] {});
+    }
+    for (const auto& [item, bytes] : answer->alone) {
+        item->setFreesAlone(bytes);
+    }
+    return !isNothing(before) || !isNothing(answer);
 }
 
-void SharedSpace::forget(Section section) {
-    lastSearch_ = 0;
-    forgotten_[section] = true;
-    counted_ = {};
+void SharedSpace::scanned(Section section) {
+    scanned_[section] = ++time_;
+    isCurrent_ = false;
+}
+
+void SharedSpace::removed(Section section, const ItemArray& gone, const SectionItems& before) {
+    ItemArray holding;
+    std::copy_if(gone.begin(), gone.end(), std::back_inserter(holding),
+                 [](const auto& item) { return item->sharedFiles() != nullptr; });
+    if (!holding.isEmpty()) {
+        removed_.push_back({holding, section, before.holders(), ++time_, true});
+    }
 }
 
 quint64 SharedSpace::freed(const PerSection<bool>& wanted) const {
     const Counted now{true, CleanableItem::marksRevision(), wanted, 0};
     const bool isCounted = counted_.isKnown && counted_.marksRevision == now.marksRevision && counted_.wanted == wanted;
-    if (found_ == nullptr || isCounted) {
-        return counted_.bytes;
+    if (!isCurrent_ || isCounted) {
+        return isCurrent_ ? counted_.bytes : 0;
     }
     counted_ = now;
     const auto goes = [&](const SharedGroup::Member& member) {
         const auto& [item, section] = member;
-        return item->isGone() || (wanted[section] && item->ppbChecked() && item->ppbDeletable());
+        return wanted[section] && item->ppbChecked() && item->ppbDeletable();
     };
     for (const auto& group : found_->groups) {
-        const bool isFreed =
-            !isInAny(group, forgotten_) && std::all_of(group.members.begin(), group.members.end(), goes);
-        counted_.bytes += isFreed ? group.bytes : 0;
+        counted_.bytes += std::all_of(group.members.begin(), group.members.end(), goes) ? group.bytes : 0;
     }
     return counted_.bytes;
 }

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/ItemArrays.h"
@@ -16,35 +18,49 @@ struct SharedGroup {
         std::shared_ptr<const FFItem> item;
         Section section;
     };
-    std::vector<Member> members;
-    quint64 bytes = 0;  ///< on disk
+    std::vector<Member> members;  ///< two or more
+    quint64 bytes = 0;            ///< on disk
 };
 
 /// The answer to one search.
 struct SharedGroups {
     quint64 search = 0;  ///< its number, unique in the process
     std::vector<SharedGroup> groups;
+    /// Items that alone hold all names that are left, since the others have been removed; and the bytes on disk.
+    std::vector<std::pair<std::shared_ptr<FFItem>, quint64>> alone;
 };
 
-/// Files whose names lie in several items, of one section or of several. They are searched for after a scan, on a pool
-/// thread, since there may be a million of them; the main thread sees only sums. What was found lasts until one of its
-/// sections is scanned again. If that is not scanned together with the others, totals then say rather too little: what
-/// the others know of single files is not kept. Main thread.
+/// Items of a section that one scan has found, or that were removed at one time.
+struct KnownItems {
+    ItemArray items;
+    Section section;
+    std::vector<std::string> holders;  ///< as SectionItems has them
+    quint64 time;                      ///< of the scan or the removal
+    bool isRemoved;
+};
+
+/// Those of the items that are removed come last. Any thread.
+[[nodiscard]] std::shared_ptr<const SharedGroups> sharedGroups(quint64 search, const std::vector<KnownItems>& known);
+
+/// Files whose names lie in several items, of one section or of several. The sums are made anew, on a pool thread,
+/// whenever the items are others: there may be a million such files. Main thread.
 class SharedSpace {
 public:
     SharedSpace() = default;
     SharedSpace(const SharedSpace&) = delete;
     SharedSpace& operator=(const SharedSpace&) = delete;
 
-    /// Takes from the items what they know of files with further names, and begins a search if there is any. Its answer
-    /// comes with `notification::sharedSpaceFound`, posted by the pool thread.
+    /// Begins a search among the items that the sections have now. Its answer comes with
+    /// `notification::sharedSpaceFound`, posted by the pool thread. Till then nothing is known of groups.
     void search(const PerSection<SectionItems>& sections);
-    /// True if it is the answer to the last search, and the items are still those of that time.
+    /// Whether it is the answer to the last search, and something has changed by it: items may free more or less.
     bool take(const std::shared_ptr<const SharedGroups>& answer);
-    /// The items of the section are replaced by others.
-    void forget(Section section);
-    /// Items have gone for good: what they held together with others is now held by the others alone.
-    void itemsGone() { counted_ = {}; }
+
+    /// The section is scanned anew: what comes from now on was found after all removals before.
+    void scanned(Section section);
+    /// These items of the section, which still has them, are removed for good: their names exist no more, though what
+    /// was found before counts them.
+    void removed(Section section, const ItemArray& gone, const SectionItems& before);
 
     /// Bytes of the groups whose items are all ticked and in sections that are wanted.
     [[nodiscard]] quint64 freed(const PerSection<bool>& wanted) const;
@@ -57,10 +73,13 @@ private:
         quint64 bytes = 0;
     };
 
-    quint64 lastSearch_ = 0;  ///< 0 when none is under way
-    std::shared_ptr<const SharedGroups> found_;
-    PerSection<bool> forgotten_ = {};
-    mutable Counted counted_;  ///< cache
+    quint64 time_ = 0;  ///< counts scans and removals
+    PerSection<quint64> scanned_ = {};
+    std::vector<KnownItems> removed_;  ///< with names that a section may still count
+    quint64 lastSearch_ = 0;
+    std::shared_ptr<const SharedGroups> found_;  ///< the last answer
+    bool isCurrent_ = false;                     ///< of the items as they are
+    mutable Counted counted_;                    ///< cache
 };
 
 }  // namespace brimvault::engine

@@ -16,7 +16,7 @@ inline constexpr QLatin1String spaceFreed("spaceFreed");
 inline constexpr QLatin1String singleFileRemoveFinished("singleFileRemoveFinished");
 /// The folders in which a scan looked for files; posted by the scan's thread before the finished notification.
 inline constexpr QLatin1String placesFound("placesFound");
-/// The files whose names lie in several items; posted by a pool thread some time after the end of a scan.
+/// The files whose names lie in several items; posted by a pool thread some time after items have come or gone.
 inline constexpr QLatin1String sharedSpaceFound("sharedSpaceFound");
 /// The model has taken them in; posted on the main thread.
 inline constexpr QLatin1String sharedSpaceInterfaceUpd("sharedSpaceInterfaceUpd");
@@ -42,6 +42,8 @@ inline constexpr QLatin1String section("section");
 inline constexpr QLatin1String sharedGroups("sharedGroups");
 /// FreedSpace.
 inline constexpr QLatin1String freedSpace("freedSpace");
+/// Number: 1 if what is gone from its section lies in the Trash now.
+inline constexpr QLatin1String movedToTrash("movedToTrash");
 /// Number, 0 or 1: how a single removal ended.
 inline constexpr QLatin1String success("success");
 

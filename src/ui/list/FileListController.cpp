@@ -127,7 +127,7 @@ void FileListController::onClickedMoveToTrash() {
     dependencies().dataSource.setPbRemoving(true);
     const auto finished = [list = QPointer(this), item](bool success) {
         if (list && success) {
-            list->removed({item});
+            list->removed({item}, Names::inTrash);
         }
     };
     dependencies().util.trashMoves().move(item, getPathByItem(*item), finished);
@@ -168,7 +168,7 @@ void FileListController::onClickedRemove() {
     dependencies().dataSource.setPbRemoving(true);
     const auto finished = [list = QPointer(this), going](bool success) {
         if (list && success) {
-            list->removed(going);
+            list->removed(going, Names::gone);
         }
     };
     dependencies().util.doRemoveItem(item, path, finished, section());
@@ -198,9 +198,11 @@ engine::ItemArray FileListController::itemsGoingWith(const engine::FFItem& item,
 
 // Posts the section's "cleanFinished", which otherwise only the engine posts after a clean, so that a single removal
 // goes the same way: the model drops the items and everything that shows them follows.
-void FileListController::removed(const engine::ItemArray& items) {
+void FileListController::removed(const engine::ItemArray& items, Names names) {
     const auto words = engine::vocabulary(section());
-    engine::NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
+    const auto moved = engine::Number{names == Names::inTrash ? 1 : 0};
+    engine::NotificationCenter::defaultCenter().post(words.cleanFinished,
+                                                     {{words.arrayKey, items}, {engine::key::movedToTrash, moved}});
 }
 
 // Comes as what a scan has found in addition.

@@ -48,7 +48,8 @@ private:
     void addActions(QMenu& menu) override;
     [[nodiscard]] QString tooltipOf(const engine::FFItem& item) const;
     [[nodiscard]] engine::ItemArray itemsGoingWith(const engine::FFItem& item, const std::filesystem::path& path) const;
-    void removed(const engine::ItemArray& items);
+    enum class Names { gone, inTrash };
+    void removed(const engine::ItemArray& items, Names names);
     void restored(const std::shared_ptr<engine::FFItem>& item);
     [[nodiscard]] bool isMovedToTrash() const { return section() == engine::Section::downloads; }
     /// Nothing is going on beside which items may go or come back.

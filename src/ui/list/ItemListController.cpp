@@ -22,6 +22,9 @@ void ItemListController::awake(const QString& accessibleName) {
     const auto words = engine::vocabulary(section_);
     observe(words.interfaceFinished);
     observe(words.interfaceProgress);
+    observations_.push_back(engine::NotificationCenter::defaultCenter().addObserver(
+        engine::notification::sharedSpaceInterfaceUpd,
+        [this](const engine::Notification&) { model_->freesChanged(); }));
     updateTableKeepSelection();
 }
 

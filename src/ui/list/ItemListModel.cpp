@@ -82,6 +82,12 @@ void ItemListModel::checksChanged(int firstRow, int lastRow) {
     }
 }
 
+void ItemListModel::freesChanged() {
+    if (rows_.size() > 0) {
+        Q_EMIT dataChanged(index(0, nameColumn), index(rowCount() - 1, columnCount() - 1), {freesRole});
+    }
+}
+
 void ItemListModel::setEnabled(bool enabled) {
     enabled_ = enabled;
     if (rows_.size() > 0) {

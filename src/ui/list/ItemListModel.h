@@ -60,6 +60,8 @@ public:
     [[nodiscard]] Qt::SortOrder sortOrder() const { return sortOrder_; }
     /// Tells views that the check states of rows changed.
     void checksChanged(int firstRow, int lastRow);
+    /// Tells views that items may free more or less than before.
+    void freesChanged();
     /// Whether check boxes may be changed.
     void setEnabled(bool enabled);
 

@@ -323,7 +323,7 @@ void FAppDelegate::showSizes() {
     bPlashkaStateSelectedFiles_ = true;
 }
 
-// Some time after a scan; the panel may show what was cleaned by then.
+// Some time after items have come or gone; the panel may show what was cleaned by then.
 void FAppDelegate::sharedSpaceFound() {
     if (bScanStarted_ && bPlashkaStateSelectedFiles_) {
         showSizes();

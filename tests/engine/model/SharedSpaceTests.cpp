@@ -6,7 +6,6 @@
 
 #include "engine/model/DataMan.h"
 #include "support/EventLoop.h"
-#include "support/HeardNotifications.h"
 #include "support/TextPrinting.h"
 
 namespace brimvault::tests {
@@ -42,23 +41,41 @@ class SharedSpaceOf : public testing::Test {
 protected:
     void found(Section section, const ItemArray& items) {
         const auto words = vocabulary(section);
-        NotificationCenter::defaultCenter().post(words.scanFinished, {{words.arrayKey, items}});
+        post(words.scanFinished, {{words.arrayKey, items}});
     }
-    void gone(Section section, const ItemArray& items) {
+    void gone(Section section, const ItemArray& items, bool toTrash = false) {
         const auto words = vocabulary(section);
-        NotificationCenter::defaultCenter().post(words.cleanFinished, {{words.arrayKey, items}});
-        runPending();
+        const UserInfo info = {{words.arrayKey, items}, {key::movedToTrash, Number{toTrash ? 1 : 0}}};
+        untilAnswered([&] { post(words.cleanFinished, info); });
+    }
+    void back(Section section, const std::shared_ptr<FFItem>& item) {
+        const auto words = vocabulary(section);
+        untilAnswered([&] { post(words.scanProgress, {{words.deltaKey, ItemArray{item}}}); });
     }
     void endScan() {
-        const HeardNotifications heard = {notification::sharedSpaceInterfaceUpd};
-        NotificationCenter::defaultCenter().post(notification::scanFinished);
-        ASSERT_TRUE(runUntil([&] { return !heard.names().isEmpty(); }));
+        untilAnswered([] { post(notification::scanFinished); });
     }
     [[nodiscard]] quint64 freed(const PerSection<bool>& sections = everywhere) const {
         return model.freesOfSelection(sections);
     }
 
     DataMan model;
+
+private:
+    static void post(const QString& name, const UserInfo& info = {}) {
+        NotificationCenter::defaultCenter().post(name, info);
+    }
+    template <typename Action>
+    void untilAnswered(Action action) {
+        const int before = answers_;
+        action();
+        ASSERT_TRUE(runUntil([&] { return answers_ > before; }));
+    }
+
+    int answers_ = 0;  // that the model has got
+    QObject mainThread_;
+    const NotificationCenter::Observation answered_ = NotificationCenter::defaultCenter().addMainThreadObserver(
+        notification::sharedSpaceFound, &mainThread_, [this](const auto&) { ++answers_; });
 };
 
 }  // namespace
@@ -80,20 +97,29 @@ TEST_F(SharedSpaceOf, SeveralItemsIsFreedWhenAllOfThemAreTickedAndTheirSectionsT
     gone(Section::caches, {caches[0]});
     EXPECT_EQ(freed(), 232'000U) << "the last names are those that the others have";
     EXPECT_EQ(freed(in({Section::downloads})), 31'000U);
+    EXPECT_EQ(downloads[0]->frees(), 31'000U) << "the last name of file 2";
 
-    found(Section::downloads, {item("/d/new")});
-    runPending();
-    EXPECT_EQ(freed(), 2'000U) << "nothing more is known of them together";
+    found(Section::downloads, {item("/d/x", {file(1, 200'000, 1, 2)})});
+    endScan();
+    EXPECT_EQ(freed(), 202'000U) << "its section was scanned alone";
+    found(Section::downloads, {item("/d/x", {file(1, 200'000, 1, 3)})});
+    endScan();
+    EXPECT_EQ(freed(), 2'000U) << "what was removed before that scan is no name that it counted";
 }
 
-TEST_F(SharedSpaceOf, OneSectionStaysKnownWhenAnotherIsScannedAgain) {
-    found(Section::caches, {item("/c/a", {file(1, 200'000, 1, 2)}), item("/c/b", {file(1, 200'000, 1, 2)})});
-    found(Section::downloads, {item("/d/x", {file(2, 30'000, 1, 2)}), item("/d/y", {file(2, 30'000, 1, 2)})});
+TEST_F(SharedSpaceOf, AnItemInTheTrashIsNotFreedAndIsTheirsAgainWhenItIsBack) {
+    const auto one = item("/d/one", {file(1, 30'000, 1, 2)});
+    const auto other = item("/d/other", {file(1, 30'000, 1, 2)});
+    found(Section::downloads, {one, other});
     endScan();
-    EXPECT_EQ(freed(), 234'000U);
-    found(Section::downloads, {item("/d/x", {file(3, 5'000, 1, 2)}), item("/d/y", {file(3, 5'000, 1, 2)})});
-    endScan();
-    EXPECT_EQ(freed(), 209'000U);
+    EXPECT_EQ(freed(), 32'000U);
+    gone(Section::downloads, {one}, true);
+    EXPECT_EQ(freed(), 1'000U);
+    back(Section::downloads, one);
+    EXPECT_EQ(freed(), 32'000U);
+    gone(Section::downloads, {other});
+    EXPECT_EQ(freed(), 31'000U);
+    EXPECT_EQ(one->frees(), 31'000U);
 }
 
 TEST_F(SharedSpaceOf, ItemsInOtherItemsCountsOnce) {
@@ -107,8 +133,8 @@ TEST_F(SharedSpaceOf, ItemsInOtherItemsCountsOnce) {
     model.setChecked(Section::logs, *logs[0], false);
     EXPECT_EQ(freed(), 2'000U) << "the whole is not ticked any more";
     model.setChecked(Section::logs, *whole, true);
-    gone(Section::logs, {logs[2]});
-    EXPECT_EQ(freed(), 4'000U);
+    gone(Section::logs, {logs[0], logs[2]});
+    EXPECT_EQ(freed(), 4'000U) << "nor is that name a removed one, which the whole had as well";
 }
 
 }  // namespace brimvault::tests
