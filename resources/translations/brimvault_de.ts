@@ -471,6 +471,10 @@
         <source>Deleted on %1</source>
         <translation>Gelöscht: %1</translation>
     </message>
+    <message>
+        <source>The folder that held it is not there any more</source>
+        <translation>Der Ordner, in dem es lag, ist nicht mehr da</translation>
+    </message>
 </context>
 <context>
     <name>WindowControls</name>
@@ -982,6 +986,14 @@ Alle auswählen und scannen?</translation>
     <message>
         <source>“%1” could not be put back</source>
         <translation>„%1“ konnte nicht zurückgelegt werden</translation>
+    </message>
+    <message>
+        <source>Only a part of “%1” could be moved to the Trash</source>
+        <translation>„%1“ konnte nur zum Teil in den Papierkorb verschoben werden</translation>
+    </message>
+    <message>
+        <source>Only a part of “%1” could be put back</source>
+        <translation>„%1“ konnte nur zum Teil zurückgelegt werden</translation>
     </message>
 </context>
 <context>

@@ -324,8 +324,11 @@ TEST_F(ListJourney, AMoveToTheTrashIsUndoneUntilTheNextScanWhereItsPlaceIsFree) 
     ASSERT_TRUE(comesTo(1) && Guide::waitFor([this] { return !application_->pbRemoving(); }));
     EXPECT_EQ(alerts_.asked.back().message, u"“photos.zip” could not be put back"_s);
     EXPECT_TRUE(isSaid(u"Moved 41 MB to the Trash"_s));
-    EXPECT_FALSE(lists()->movedLine()->undoButton()->isVisible());
     EXPECT_LT(guide_->row(u"photos.zip"_s), 0);
+    fs::remove(home_.downloads() / "photos.zip");
+    Guide::click(lists()->movedLine()->undoButton());
+    ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(u"photos.zip"_s) >= 0 && !application_->pbRemoving(); }));
+    EXPECT_FALSE(lists()->movedLine()->isVisible());
     ASSERT_TRUE(move(u"installer.iso"_s));
     scan();
     EXPECT_FALSE(lists()->movedLine()->isVisible());

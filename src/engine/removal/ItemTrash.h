@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -19,11 +20,20 @@ struct TrashedFile {
     std::filesystem::path trash;             ///< the trash folder
     std::string name;                        ///< in that folder
     files::FileIdentity identity;
+    std::uint64_t bytes = 0;  ///< its share of the item's size
 };
 
 struct [[nodiscard]] TrashMove {
-    std::vector<TrashedFile> files;  ///< all that the item stands for; empty if it was not moved
-    QString reason;                  ///< why it was not, for the user
+    /// All that the item stands for; empty if it was not moved, unless that failed half-way and something could not be
+    /// put back either.
+    std::vector<TrashedFile> files;
+    QString reason;  ///< why it was not, for the user
+};
+
+struct [[nodiscard]] TrashReturn {
+    std::vector<TrashedFile> back;
+    std::vector<TrashedFile> left;  ///< may be tried again; what is not in the Trash any more is in neither
+    QString reason;                 ///< why the first of the others is not back, for the user; empty if all are
 };
 
 // Moving an item to the Trash and back, by renaming within its volume: nothing is copied, and nothing that has come to
@@ -34,7 +44,7 @@ struct [[nodiscard]] TrashMove {
 /// (as `ItemRemover` has it). Nobody is asked for rights.
 TrashMove moveToTrash(const FFItem& item, const std::filesystem::path& path);
 
-/// Puts everything back to where it was. Why something stays in the Trash, for the user; empty if nothing does.
-[[nodiscard]] QString putBack(const std::vector<TrashedFile>& files);
+/// Puts everything back to where it was, as far as that can be done.
+TrashReturn putBack(const std::vector<TrashedFile>& files);
 
 }  // namespace brimvault::engine

@@ -30,8 +30,8 @@ MovedLine::MovedLine(QWidget* parent)
 
 // Space that is taken until the Trash is emptied was not freed, and is not called so.
 void MovedLine::setMoved(quint64 bytes, const QString& lastName) {
-    setVisible(bytes > 0);
-    if (bytes == 0) {
+    setVisible(bytes > 0 || !lastName.isEmpty());
+    if (isHidden()) {
         return;  // nobody is told of texts that nobody sees
     }
     text_->setText(tr("Moved %1 to the Trash").arg(engine::FileSize::formatMemoryStringDot1(bytes)));

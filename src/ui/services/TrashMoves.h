@@ -26,13 +26,14 @@ public:
 
     /// Moves the item at an absolute, normal path, and tells the user where that failed.
     void move(const Item& item, const std::filesystem::path& path, const Finished& finished);
-    /// Puts the item back that was moved last, and tells the user where that failed; an item that failed stays in the
-    /// Trash for good. `finished` is called with an item that is back.
+    /// Puts the item back that was moved last, and tells the user where that failed: then the next calls take those
+    /// that were moved before, and it again after them, unless it is not in the Trash any more. `finished` is called
+    /// with an item of which anything is back, once.
     void undo(const std::function<void(const Item& item)>& finished);
     [[nodiscard]] bool isUndoable() const { return !moved_.empty(); }
-    /// Of the items that were moved and are not back.
+    /// Of what was moved and is not back.
     [[nodiscard]] quint64 bytes() const { return bytes_; }
-    /// For people: of the item that was moved last; empty if none can be put back.
+    /// For people: of the item that is put back next; empty if none can be put back.
     [[nodiscard]] QString lastName() const { return moved_.empty() ? QString() : moved_.back().item->ppdisplayName(); }
     /// From now on nothing that was moved can be put back.
     void forget();
@@ -50,12 +51,14 @@ private:
     struct Moved {
         Item item;
         std::vector<engine::TrashedFile> files;
+        bool isListed;  ///< since a part of it is in its place
     };
     void finishMove(const Item& item, const engine::TrashMove& move, const Finished& finished);
-    void finishUndo(const Moved& moved, const QString& reason, const std::function<void(const Item&)>& finished);
+    void finishUndo(const Moved& moved, const engine::TrashReturn& result,
+                    const std::function<void(const Item&)>& finished);
 
     const WindowNotices& notices_;
-    std::vector<Moved> moved_;  ///< the latest last
+    std::vector<Moved> moved_;  ///< the next to be put back last
     quint64 bytes_ = 0;
     int underWay_ = 0;
     BackgroundCalls calls_{1};

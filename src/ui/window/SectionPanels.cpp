@@ -82,7 +82,7 @@ void SectionPanels::updateMovedLine() {
     const auto* current = getCurrentSectionController();
     const auto& moves = util_.trashMoves();
     const bool shows = current != nullptr && current->section() == Section::downloads;
-    panel_.movedLine()->setMoved(shows ? moves.bytes() : 0, moves.lastName());
+    panel_.movedLine()->setMoved(shows ? moves.bytes() : 0, shows ? moves.lastName() : QString());
 }
 
 // The button cannot be used meanwhile: the keyboard goes to the list.

@@ -64,10 +64,12 @@ TEST_F(ItemTrash, TakesAnItemWithARecordAndGivesItBack) {
                     testing::StartsWith("[Trash Info]\nPath=" + downloads_.native() + "/" +
                                         (name == odd ? "100%25%20%FF%0A" : name) + "\nDeletionDate="));
         EXPECT_EQ(fs::status(trash_).permissions(), fs::perms::owner_all);
-        EXPECT_EQ(putBack(moved.files), QString());
+        EXPECT_EQ(putBack(moved.files).reason, QString());
         EXPECT_EQ(fingerprint(downloads_), before);
         EXPECT_TRUE(fs::is_empty(trash_ / "files") && fs::is_empty(trash_ / "info"));
-        EXPECT_EQ(putBack(moved.files), u"It is not in the Trash any more");
+        const auto again = putBack(moved.files);
+        EXPECT_EQ(again.reason, u"It is not in the Trash any more");
+        EXPECT_TRUE(again.left.empty());
     }
 }
 
@@ -80,8 +82,19 @@ TEST_F(ItemTrash, TakesAllThatAnItemStandsForOrNothing) {
     const auto moved = move(*begin());
     EXPECT_EQ(moved.files.size(), 2U);
     EXPECT_TRUE(fs::is_empty(downloads_));
-    EXPECT_EQ(putBack(moved.files), QString());
+    EXPECT_EQ(putBack(moved.files).reason, QString());
     EXPECT_TRUE(fs::exists(downloads_ / "film.mkv"));
+
+    const auto half = move(*begin());
+    writeFile(downloads_ / "film.mkv", "new");
+    const auto result = putBack(half.files);
+    EXPECT_NE(result.reason, QString());
+    ASSERT_TRUE(result.back.size() == 1 && result.left.size() == 1);
+    EXPECT_EQ(result.back[0].bytes, 5U);
+    EXPECT_EQ(result.left[0].bytes, 0U);
+    fs::remove(downloads_ / "film.mkv");
+    EXPECT_EQ(putBack(result.left).reason, QString());
+    EXPECT_TRUE(fs::is_empty(trash_ / "info"));
 
     const auto item = begin();
     writeFile(folder_ / "new", "other");
@@ -89,6 +102,28 @@ TEST_F(ItemTrash, TakesAllThatAnItemStandsForOrNothing) {
     EXPECT_EQ(refusal(*item), ItemRemoval::replacedText());
     fs::rename(downloads_ / "film.mkv.part", downloads_ / "film.mkv");
     EXPECT_EQ(refusal(*item), ItemRemoval::replacedText());
+}
+
+// The folder of the first goes along with it, and the last is refused.
+TEST_F(ItemTrash, TellsOfWhatItCouldNotPutBackWhenItFailsHalfWay) {
+    writeFile(downloads_ / "folder/file", "12345");
+    writeFile(downloads_ / "letter", "1");
+    const auto in = [](const fs::path& folder) {
+        return engine::FoundIn::in(folder, *files::DirectoryHandle::open(folder), nullptr);
+    };
+    const auto item = engine::FFItem::initWithName("file", 7);
+    item->setDetails(
+        {.noteArgument = {},
+         .application = {},
+         .targets = {{in(downloads_ / "folder"), {"file"}}, {in(downloads_), {"folder", "letter"}, {{}, {1}}}},
+         .trashed = {}});
+    const auto moved = move(*item);
+    EXPECT_EQ(moved.reason, ItemRemoval::replacedText());
+    ASSERT_EQ(moved.files.size(), 1U);
+    EXPECT_EQ(contentOf(trash_ / "files" / moved.files[0].name), "12345");
+    EXPECT_TRUE(fs::is_empty(downloads_ / "folder"));
+    EXPECT_EQ(putBack(moved.files).reason, QString());
+    EXPECT_EQ(contentOf(downloads_ / "folder/file"), "12345");
 }
 
 TEST_F(ItemTrash, LeavesWhatHasComeInThePlaceOfTheItemOrOfItsFolder) {
@@ -129,22 +164,25 @@ TEST_F(ItemTrash, ReplacesNothingThatHasComeToThePlaceMeanwhile) {
     writeFile(downloads_ / "file", "12345");
     const auto moved = move(*scanned("file"));
     writeFile(downloads_ / "file", "new");
-    EXPECT_NE(putBack(moved.files), QString());
+    EXPECT_EQ(putBack(moved.files).reason, u"Something else has its name by now, so that it stays in the Trash");
     EXPECT_EQ(contentOf(downloads_ / "file"), "new");
     EXPECT_EQ(contentOf(trash_ / "files/file"), "12345");
     EXPECT_TRUE(fs::exists(trash_ / "info/file.trashinfo")) << "the desktop can still put it back";
     fs::remove(downloads_ / "file");
-    EXPECT_EQ(putBack(moved.files), QString());
+    EXPECT_EQ(putBack(moved.files).reason, QString());
 
     const auto again = move(*scanned("file"));
     fs::rename(downloads_, folder_ / "home/Elsewhere");
     fs::create_directory(downloads_);
-    EXPECT_EQ(putBack(again.files), ItemRemoval::exchangedText());
+    EXPECT_EQ(putBack(again.files).reason, ItemRemoval::exchangedText());
     fs::remove(downloads_);
+    const auto withoutFolder = putBack(again.files);
+    EXPECT_EQ(withoutFolder.reason, u"The folder that held it is not there any more");
+    EXPECT_EQ(withoutFolder.left.size(), 1U) << "and may come again";
     fs::rename(folder_ / "home/Elsewhere", downloads_);
     fs::remove(trash_ / "files/file");
     writeFile(trash_ / "files/file", "another one");
-    EXPECT_NE(putBack(again.files), QString());
+    EXPECT_EQ(putBack(again.files).reason, u"It is not in the Trash any more");
     EXPECT_TRUE(fs::exists(trash_ / "files/file") && fs::is_empty(downloads_));
 }
 
@@ -161,7 +199,7 @@ TEST_F(ItemTrash, LeavesAnItemWithoutTheRights) {
         fs::permissions(downloads_, fs::perms::owner_all);
         const auto moved = move(*item);
         fs::permissions(downloads_, fs::perms::owner_read | fs::perms::owner_exec);
-        const auto reason = putBack(moved.files);
+        const auto reason = putBack(moved.files).reason;
         const bool isInTrash = reason == u"Permission denied" && fs::exists(trash_ / "files/file");
         return isInTrash && !HasFailure() ? "" : "put back or lost: " + reason.toStdString();
     });
