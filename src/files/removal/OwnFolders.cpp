@@ -23,9 +23,9 @@ bool isInGroup(std::uint32_t group) {
 
 // Whether the mode can be changed so that it helps, and be put back: the system drops the set-group-ID bit of a folder
 // whose group is not one of the caller's.
-bool canBeChanged(const NodeStatus& status) {
+bool canBeChanged(const NodeStatus& status, std::uint32_t rights = S_IRWXU) {
     const bool isOwn = status.kind == NodeKind::directory && status.owner == ::geteuid();
-    const bool wantsRights = (status.permissions & S_IRWXU) != S_IRWXU;
+    const bool wantsRights = (status.permissions & rights) != rights;
     return isOwn && wantsRights && ((status.permissions & S_ISGID) == 0 || isInGroup(status.group));
 }
 
@@ -42,6 +42,20 @@ int depthOf(const VisitedFolder& folder) {
 }
 
 }  // namespace
+
+int withOwnFolderWritable(const DirectoryHandle& parent, const char* name, const FileIdentity& identity,
+                          const std::function<int()>& act) {
+    const auto folder = parent.openChildToPass(name);
+    const auto status = folder ? folder->status() : Result<NodeStatus>::failed(folder.code());
+    const auto holder = parent.status();
+    if (!status || !holder || status->place() != NodePlace{identity, holder->mount} || status->mount == 0 ||
+        !canBeChanged(*status, S_IWUSR) || setPermissions(*folder, status->permissions | S_IWUSR) != 0) {
+        return EACCES;
+    }
+    const int code = act();
+    (void)setPermissions(*folder, status->permissions);
+    return code;
+}
 
 OwnFolders::~OwnFolders() {
     try {

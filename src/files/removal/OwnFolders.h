@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -11,6 +12,12 @@
 #include "files/walk/VisitedFolder.h"
 
 namespace brimvault::files {
+
+/// Does what a folder's own mode refuses its owner, with the right to write to it. The folder of that name, with that
+/// identity, gets it through a descriptor and has its mode back in every case. What `act` answers, 0 or an errno value;
+/// EACCES where it is not the caller's own folder on the mount of `parent`, or is writable to him. Any thread.
+[[nodiscard]] int withOwnFolderWritable(const DirectoryHandle& parent, const char* name, const FileIdentity& identity,
+                                        const std::function<int()>& act);
 
 /// The caller's own folders in a tree that is removed: where the mode of one refuses the removal of what is in it, its
 /// owner gets all rights in it (u+rwx) for as long as the removal works there. A folder that stays gets back exactly

@@ -17,8 +17,8 @@ struct OpenTrash {
 /// Moves the entry of that name in a folder, which has that identity, into the trash, with a record that it came from
 /// `recordedPath` and when. Its name there: its own or, where that is taken, with a number before the extension. ESTALE
 /// if something else has the name by now. After a failure the entry is in its place, and there is no record. Done only
-/// within one mount, by renaming: EXDEV otherwise, EINVAL on a file system that cannot rename without replacing. Any
-/// thread.
+/// within one mount, by renaming, of the caller's own folder whatever its mode: EXDEV otherwise, EINVAL on a file
+/// system that cannot rename without replacing. Any thread.
 [[nodiscard]] Result<std::string> moveIntoTrash(const DirectoryHandle& folder, const std::string& name,
                                                 const FileIdentity& identity, const OpenTrash& trash,
                                                 const std::string& recordedPath);

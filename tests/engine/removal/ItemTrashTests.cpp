@@ -186,10 +186,22 @@ TEST_F(ItemTrash, ReplacesNothingThatHasComeToThePlaceMeanwhile) {
     EXPECT_TRUE(fs::exists(trash_ / "files/file") && fs::is_empty(downloads_));
 }
 
-TEST_F(ItemTrash, LeavesAnItemWithoutTheRights) {
+// The system wants the right to write to a folder that changes its parent; its owner may give it to himself.
+TEST_F(ItemTrash, TakesAnOwnReadOnlyFolderButLeavesAnItemWithoutTheRights) {
     writeFile(downloads_ / "file", "12345");
-    EXPECT_WELL_IN_CHILD([this]() -> std::string {
+    writeFile(downloads_ / "read-only/file", "12345");
+    const auto movedAndBack = [this](const engine::FFItem& item) {
+        const auto before = fingerprint(downloads_);
+        const auto moved = move(item);
+        const auto mode = fs::status(trash_ / "files/read-only").permissions();
+        const auto reason = moved.reason + putBack(moved.files).reason;
+        EXPECT_EQ(mode, static_cast<fs::perms>(0555));
+        EXPECT_EQ(fingerprint(downloads_), before);
+        return reason;
+    };
+    EXPECT_WELL_IN_CHILD([&]() -> std::string {
         giveToNobody(folder_.path());
+        fs::permissions(downloads_ / "read-only", static_cast<fs::perms>(0555));
         fs::permissions(downloads_, fs::perms::owner_read | fs::perms::owner_exec);
         becomeNobody();
         const auto item = scanned("file");
@@ -198,6 +210,9 @@ TEST_F(ItemTrash, LeavesAnItemWithoutTheRights) {
         }
         fs::permissions(downloads_, fs::perms::owner_all);
         const auto moved = move(*item);
+        if (const auto reason = movedAndBack(*scanned("read-only")); !reason.isEmpty()) {
+            return "own folder: " + reason.toStdString();
+        }
         fs::permissions(downloads_, fs::perms::owner_read | fs::perms::owner_exec);
         const auto reason = putBack(moved.files).reason;
         const bool isInTrash = reason == u"Permission denied" && fs::exists(trash_ / "files/file");

@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "files/Create.h"
+#include "files/removal/OwnFolders.h"
 
 namespace brimvault::files {
 
@@ -76,8 +77,17 @@ std::string candidate(const std::filesystem::path& name, int number) {
 // read (a race), that object is moved back.
 int moveItem(const DirectoryHandle& parent, const std::string& name, const FileIdentity& identity,
              const DirectoryHandle& target, const std::string& newName) {
-    if (::renameat2(parent.descriptor(), name.c_str(), target.descriptor(), newName.c_str(), RENAME_NOREPLACE) != 0) {
-        return errno;
+    const auto rename = [&] {
+        constexpr unsigned flags = RENAME_NOREPLACE;
+        return ::renameat2(parent.descriptor(), name.c_str(), target.descriptor(), newName.c_str(), flags) == 0 ? 0
+                                                                                                                : errno;
+    };
+    int code = rename();
+    if (code == EACCES) {  // as of a folder that changes its parent
+        code = withOwnFolderWritable(parent, name.c_str(), identity, rename);
+    }
+    if (code != 0) {
+        return code;
     }
     const auto moved = statusAt(target.descriptor(), newName.c_str());
     if (moved && moved->identity != identity) {
