@@ -63,7 +63,7 @@ std::optional<TrashRecord> TrashRecords::ofItem(const fs::path& item) {
     }
     const auto name = TrashFolders::recordName(item);
     const auto text = handle_ ? FileContents::read(*handle_, name.c_str(), maxBytes) : std::nullopt;
-    return text ? TrashRecord::parse(*text, TrashFolders::topOf(records_->parent_path())) : TrashRecord();
+    return text ? TrashRecord::parse(*text, top_) : TrashRecord();
 }
 
 void TrashRecords::openRecordsOf(const fs::path& item) {
@@ -75,6 +75,7 @@ void TrashRecords::openRecordsOf(const fs::path& item) {
         return;
     }
     records_ = record->parent_path();
+    top_ = TrashFolders::topOf(records_->parent_path());
     if (auto opened = files::DirectoryHandle::open(*records_)) {
         handle_ = std::move(*opened);
     }

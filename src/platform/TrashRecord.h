@@ -35,6 +35,7 @@ private:
 
     std::filesystem::path items_;                   ///< the folder of the last item
     std::optional<std::filesystem::path> records_;  ///< that of its records; none where there are none
+    std::filesystem::path top_;                     ///< to which relative paths in these belong
     std::optional<files::DirectoryHandle> handle_;
 };
 

@@ -25,6 +25,8 @@ quint64 sizeFrom(const std::string& text) {
     return code == std::errc() && stopped == end && size > 0 ? static_cast<quint64>(size) : 0;
 }
 
+std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
 bool isHidden(const fs::path& path) { return path.filename().native().starts_with('.'); }
 
 }  // namespace
@@ -77,7 +79,7 @@ std::vector<fs::path> STrshOperation::readPairs(const std::vector<std::string>& 
             known = isTrashFolder.emplace(path.parent_path(), mayListItemsOf(path.parent_path())).first;
         }
         if (known->second && path.has_filename() && path == path.lexically_normal()) {
-            pathSizeDictionary_[path] = sizeFrom(answer[at + 1]);
+            pathSizeDictionary_[path.native()] = sizeFrom(answer[at + 1]);
             paths.push_back(path);
         }
     }
@@ -122,8 +124,8 @@ void STrshOperation::fixPathsWithSameFileNames(const std::vector<fs::path>& path
         }
         for (const auto& folder : folders) {
             const auto other = folder / path.filename();
-            if (!pathSizeDictionary_.contains(other) && files::statusOf(other)) {
-                pathSizeDictionary_[other] = 0;
+            if (!pathSizeDictionary_.contains(other.native()) && files::statusOf(other)) {
+                pathSizeDictionary_[other.native()] = 0;
             }
         }
     }
@@ -134,13 +136,19 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) {
         collectTrashInfo(batches);
         return;
     }
-    std::map<fs::path, TrashFolder> folders;
+    std::map<std::string, TrashFolder> folders;
     for (const auto& [path, size] : pathSizeDictionary_) {
-        const auto folder = path.parent_path();
-        if (!folders.contains(folder)) {
+        if (const auto folder = folderOf(path); !folders.contains(folder)) {
             folders.emplace(folder, TrashFolder(folder, sources_.finder));
         }
     }
+    std::erase_if(pathSizeDictionary_, [&](const auto& entry) {
+        const bool isShown = folders.at(folderOf(entry.first)).shows(entry.first);
+        if (!isShown) {
+            batches.step();  // it was counted
+        }
+        return !isShown;
+    });
     for (const auto& [path, folder] : folders) {
         collectMeasured(folder, batches);
     }
@@ -148,26 +156,22 @@ void STrshOperation::collectTrashInfoByFinder(ScanBatches& batches) {
         if (isCancelled()) {
             return;
         }
-        const auto& folder = folders.at(path.parent_path());
-        if (folder.shows(path)) {
-            collectFile(fileIn(folder, path, size), batches);
-        } else {
-            batches.step();  // it was counted
-        }
+        collectFile(fileIn(folders.at(folderOf(path)), path, size), batches);
     }
 }
 
 // Pool threads measure those whose sizes are not known. What the folder lists is no longer in the dictionary then.
 void STrshOperation::collectMeasured(const TrashFolder& folder, ScanBatches& batches) {
     const auto sizes = [&](const char* name) {
-        const auto known = pathSizeDictionary_.find(folder.path / name);
-        const bool isAsked = known != pathSizeDictionary_.end() && known->second == 0 && folder.shows(name);
+        const auto known = pathSizeDictionary_.find(folder.path.native() + '/' + name);
+        const bool isAsked = known != pathSizeDictionary_.end() && known->second == 0;
         return isAsked ? files::Sizes::wanted : files::Sizes::unwanted;
     };
     const auto call = [&](const files::MeasurableEntry& entry) {
         if (entry.sizes == files::Sizes::unwanted) {
             return true;
         }
+        batches.step();
         auto measured = entry.findings();
         if (isCancelled()) {
             return false;
@@ -175,8 +179,7 @@ void STrshOperation::collectMeasured(const TrashFolder& folder, ScanBatches& bat
         auto found = fileIn(folder, folder.path / entry.name, measured.logical);
         found.kind = entry.kind;
         found.space = std::move(measured.space);
-        pathSizeDictionary_.erase(found.path);
-        batches.step();
+        pathSizeDictionary_.erase(found.path.native());
         addItem(std::move(found), batches);
         return true;
     };

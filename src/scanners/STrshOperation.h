@@ -53,7 +53,7 @@ private:
 
     Sources sources_;
     mutable std::map<std::filesystem::path, std::shared_ptr<const platform::RootPlace>> rootsOfFolders_;
-    std::map<std::filesystem::path, quint64> pathSizeDictionary_;  ///< bytes; 0 if the script does not know
+    std::map<std::string, quint64> pathSizeDictionary_;  ///< by paths; bytes, or 0 if the script does not know
     platform::TrashRecords records_;
 };
 
