@@ -1,6 +1,8 @@
 #include "ui/list/MovedLine.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
+#include <utility>
 
 #include "engine/model/FileSize.h"
 #include "ui/look/Look.h"
@@ -24,6 +26,7 @@ MovedLine::MovedLine(QWidget* parent)
     layout->setContentsMargins({});
     layout->addWidget(text_);
     layout->addWidget(undo_);
+    undo_->installEventFilter(this);
     connect(undo_, &QAbstractButton::clicked, this, &MovedLine::undoRequested);
     hide();
 }
@@ -38,6 +41,16 @@ void MovedLine::setMoved(quint64 bytes, const QString& lastName) {
     text_->setToolTip(tr("The space is freed when the Trash is emptied"));
     undo_->setTitle(tr("Undo"), tr("Undo: put “%1” back").arg(lastName));
     undo_->setVisible(!lastName.isEmpty());
+}
+
+bool MovedLine::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == undo_ && event->type() == QEvent::EnabledChange && undo_->isEnabled()) {
+        const auto holder = std::exchange(holder_, nullptr);
+        if (holder != nullptr && holder->hasFocus() && undo_->isVisible()) {
+            undo_->setFocus();
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 }  // namespace brimvault::ui

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 #include "ui/controls/WhiteTitleButton.h"
@@ -18,11 +19,17 @@ public:
     /// The name is that of what the button puts back; without one there is no button.
     void setMoved(quint64 bytes, const QString& lastName);
     [[nodiscard]] WhiteTitleButton* undoButton() const { return undo_; }
+    /// Gives the button the focus again once it can be used, if it is still on show by then and `holder` has it.
+    void refocusButton(QWidget* holder) { holder_ = holder; }
 
 Q_SIGNALS:
     void undoRequested();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    QPointer<QWidget> holder_;
     ElidedLabel* text_;
     WhiteTitleButton* undo_;
 };

@@ -77,7 +77,7 @@ void FileActions::showInformation(const Path& path) {
         if (!isThere(file)) {
             return Request::noSuchFile;
         }
-        const bool isTrashed = platform::TrashFolders::holdsItems(file.parent_path());
+        const bool isTrashed = platform::TrashFolders::recordOfItem(file).has_value();
         return !isTrashed && fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
     };
     calls_.call<Request>(ask, [this, path](Request request) {

@@ -85,7 +85,8 @@ void SectionPanels::updateMovedLine() {
     panel_.movedLine()->setMoved(shows ? moves.bytes() : 0, shows ? moves.lastName() : QString());
 }
 
-// The button cannot be used meanwhile: the keyboard goes to the list.
+// The button cannot be used meanwhile: the keyboard goes to the list, and comes back if there is more to put back. A
+// second Space on the button would tick a row otherwise.
 void SectionPanels::undoMove() {
     auto* current = qobject_cast<FileListController*>(getCurrentSectionController());
     if (current != nullptr) {
@@ -93,6 +94,7 @@ void SectionPanels::undoMove() {
         current->onClickedUndoMove();
         if (hadFocus && current->hasItems()) {
             current->view()->setFocus();
+            panel_.movedLine()->refocusButton(current->view());
         }
     }
 }
