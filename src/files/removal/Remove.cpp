@@ -300,4 +300,6 @@ RemovalOutcome removeIn(const DirectoryHandle& folder, const std::filesystem::pa
     }
 }
 
+int removeFileIn(const DirectoryHandle& folder, const char* name) { return unlinkEntry(folder, name, Kind::file); }
+
 }  // namespace brimvault::files

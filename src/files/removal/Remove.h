@@ -62,5 +62,7 @@ RemovalOutcome remove(const std::filesystem::path& path, const std::stop_token& 
 /// with the name, is told of in a failure.
 RemovalOutcome removeIn(const DirectoryHandle& folder, const std::filesystem::path& path,
                         const std::stop_token& stop = {});
+/// Removes a file or a link of that name: 0, or an errno value; EISDIR for a folder. Any thread.
+[[nodiscard]] int removeFileIn(const DirectoryHandle& folder, const char* name);
 
 }  // namespace brimvault::files

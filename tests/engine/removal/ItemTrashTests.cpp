@@ -243,6 +243,14 @@ TEST_F(ItemTrash, UsesTheTrashOfTheVolumeAndNoOneElses) {
             return isRelative ? trash.lexically_relative(volume) : fs::path(record + moved.reason.toStdString());
         };
         std::string wrong = placeOf("a") == ".Trash-" + user ? "" : "not in the user's own; ";
+        const auto inner = volume / "my downloads/holder/a \\point";
+        fs::create_directories(inner);
+        if (::mount("none", inner.c_str(), "tmpfs", 0, "size=1m") != 0) {
+            return cannotTry("no mounts");
+        }
+        writeFile(inner / "file", "12345");
+        wrong += refusal(*scanned("holder")).isEmpty() ? "with what is mounted inside; " : "";
+        ::umount(inner.c_str());
         fs::create_directory(volume / ".Trash");
         wrong += placeOf("b") == ".Trash-" + user ? "" : "in one where users can touch each other's; ";
         fs::permissions(volume / ".Trash", fs::perms::sticky_bit, fs::perm_options::add);

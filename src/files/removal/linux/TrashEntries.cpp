@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "files/Create.h"
+#include "files/MountPoints.h"
 #include "files/removal/OwnFolders.h"
 
 namespace brimvault::files {
@@ -56,6 +57,16 @@ int writeRecord(const DirectoryHandle& records, const std::string& name, const s
     return code;
 }
 
+// So many bytes of a text in UTF-8, or fewer, that no character is cut.
+std::size_t endOfCharacters(const std::string& text, std::size_t length) {
+    constexpr unsigned kind = 0xC0;
+    constexpr unsigned goesOn = 0x80;
+    while (length > 0 && (static_cast<unsigned char>(text[length]) & kind) == goesOn) {
+        --length;
+    }
+    return length;
+}
+
 // The names for an item in the trash: its own and, where that is taken, with a number before the extension. No name may
 // have more than 255 bytes, the record's included.
 std::string candidate(const std::filesystem::path& name, int number) {
@@ -69,7 +80,9 @@ std::string candidate(const std::filesystem::path& name, int number) {
         stem += extension;
         extension.clear();
     }
-    stem.resize(std::min(stem.size(), maxLength - extension.size()));
+    if (stem.size() > maxLength - extension.size()) {
+        stem.resize(endOfCharacters(stem, maxLength - extension.size()));
+    }
     return stem + "." + std::to_string(number) + extension;
 }
 
@@ -103,6 +116,9 @@ int moveItem(const DirectoryHandle& parent, const std::string& name, const FileI
 Result<std::string> moveIntoTrash(const DirectoryHandle& folder, const std::string& name, const FileIdentity& identity,
                                   const OpenTrash& trash, const std::string& recordedPath) {
     using Moved = Result<std::string>;
+    if (holdsMountPoint(folder, name)) {
+        return Moved::failed(EBUSY);
+    }
     const auto record = recordOf(recordedPath);
     for (int number = 1; number <= maxNames; ++number) {
         const auto newName = candidate(name, number);
