@@ -196,6 +196,7 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
         return {false, reason};
     }
     const auto holder = folder == nullptr ? identityOf(path.parent_path()) : folderFoundIn_->folder;
+    const auto record = TrashCleanup::recordOf(path);
     // No stop token: an item that was begun is finished.
     const auto outcome = folder == nullptr ? files::remove(path) : files::removeIn(*folder, path);
     if (outcome.end != files::RemovalEnd::gone &&
@@ -205,7 +206,7 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
         return {false, systemText(*outcome.failure)};
     }
     // Not where the item was gone before: another one may have been trashed under its name meanwhile.
-    trashes_.onRemoved(path);
+    trashes_.onRemoved(path, record);
     return {true, {}};
 }
 

@@ -85,7 +85,7 @@ void removeOrphansOf(const fs::path& path, TrashCleanup::Clock::time_point now) 
     for (const auto& name : namesOfRecords(*records)) {
         const auto item = name.substr(0, name.size() - platform::TrashFolders::recordEnding.size());
         if (isOldRecord(*records, name, now) && files::statusAt(items->descriptor(), item.c_str()).code() == ENOENT) {
-            (void)files::removeIn(*records, path / "info" / name);
+            (void)files::removeFileIn(*records, name.c_str());
         }
     }
 }
@@ -116,16 +116,25 @@ TrashCleanup::~TrashCleanup() {
     }
 }
 
-// After its item, so that whatever ends the process in between leaves no item without a record.
-void TrashCleanup::onRemoved(const fs::path& item) {
+std::optional<files::FileIdentity> TrashCleanup::recordOf(const fs::path& item) {
     const auto record = platform::TrashFolders::recordOfItem(item);
-    if (!record) {
+    const auto status = record ? files::statusOf(*record) : files::Result<files::NodeStatus>::failed(ENOENT);
+    return status && status->kind == files::NodeKind::regular ? std::optional(status->identity) : std::nullopt;
+}
+
+// After its item, so that whatever ends the process in between leaves no item without a record.
+void TrashCleanup::onRemoved(const fs::path& item, const std::optional<files::FileIdentity>& record) {
+    onLeft(item);
+    const auto path = platform::TrashFolders::recordOfItem(item);
+    if (!path || !record) {
         return;
     }
-    if (const auto status = files::statusOf(*record); status && status->kind == files::NodeKind::regular) {
-        (void)files::remove(*record);  // a record without an item is harmless
+    if (const auto records = files::DirectoryHandle::open(path->parent_path())) {
+        const auto status = files::statusAt(records->descriptor(), path->filename().c_str());
+        if (status && status->identity == *record) {
+            (void)files::removeFileIn(*records, path->filename().c_str());  // without its item it is harmless
+        }
     }
-    changed_[record->parent_path().parent_path()].insert(item.filename().native());
 }
 
 void TrashCleanup::onLeft(const fs::path& item) {

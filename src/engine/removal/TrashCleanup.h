@@ -26,8 +26,10 @@ public:
     /// takes as long as the file is.
     ~TrashCleanup();
 
-    /// An item was removed. Removes its record, unless that is no regular file.
-    void onRemoved(const std::filesystem::path& item);
+    /// The record of an item that is to be removed; none where there is none, or it is no regular file.
+    [[nodiscard]] static std::optional<files::FileIdentity> recordOf(const std::filesystem::path& item);
+    /// An item was removed. Removes its record, which by now may be that of another item of this name.
+    void onRemoved(const std::filesystem::path& item, const std::optional<files::FileIdentity>& record);
     /// An item stays, at least in part: its size is not what it was.
     void onLeft(const std::filesystem::path& item);
     /// Removes the records without an item from the trashes of which an item was removed, but none that was written or

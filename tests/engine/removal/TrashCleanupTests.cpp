@@ -117,6 +117,17 @@ TEST_F(TrashCleaning, MakesNoFileOfSizesAndFollowsNoLinkToOne) {
     EXPECT_TRUE(fs::is_symlink(trash_ / "directorysizes"));
 }
 
+TEST_F(TrashCleaning, LeavesTheRecordOfWhatWasTrashedUnderTheNameMeanwhile) {
+    for (const bool hadRecord : {true, false}) {
+        const auto item = makeTrashed("item");
+        const auto record = hadRecord ? TrashCleanup::recordOf(item) : std::nullopt;
+        fs::rename(recordOf("item"), folder_ / "moved");
+        writeFile(recordOf("item"), "another");
+        TrashCleanup().onRemoved(item, record);
+        EXPECT_TRUE(fs::exists(recordOf("item")));
+    }
+}
+
 TEST_F(TrashCleaning, TakesOldRecordsWithoutAnItemAlong) {
     const auto now = TrashCleanup::Clock::now();
     const auto other = folder_ / "root/volume" / (".Trash-" + std::to_string(::getuid()));
