@@ -51,7 +51,8 @@ TrashRecord TrashRecord::parse(std::string_view text, const fs::path& top) {
     const auto date = valueOf("DeletionDate", text);
     return {originOf(valueOf("Path", text), top),
             QDateTime::fromString(QString::fromLatin1(date.data(), static_cast<qsizetype>(date.size())),
-                                  QStringLiteral("yyyy-MM-ddTHH:mm:ss"))};
+                                  QStringLiteral("yyyy-MM-ddTHH:mm:ss")),
+            text.size()};
 }
 
 std::optional<TrashRecord> TrashRecords::ofItem(const fs::path& item) {

@@ -13,8 +13,9 @@ namespace brimvault::platform {
 /// What the desktop's record says of an item of the trash. Anyone can have written it: what it says is shown, and never
 /// used as a path.
 struct TrashRecord {
-    std::string origin;  ///< where the item was, an absolute path in plain bytes; empty where that is unknown
-    QDateTime deleted;   ///< local time; invalid where that is unknown
+    std::string origin;    ///< where the item was, an absolute path in plain bytes; empty where that is unknown
+    QDateTime deleted;     ///< local time; invalid where that is unknown
+    std::size_t size = 0;  ///< of the record itself, in bytes
 
     /// `top` is the folder to which a relative path refers; empty where none is allowed.
     [[nodiscard]] static TrashRecord parse(std::string_view text, const std::filesystem::path& top);

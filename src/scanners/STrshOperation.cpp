@@ -192,6 +192,7 @@ STrshOperation::FoundFile STrshOperation::fileIn(const TrashFolder& folder, cons
         found.note = engine::ItemNote::deleting;
         found.ticked = isAbandoned(path);
     } else if (auto record = records_.ofItem(path)) {
+        found.size = found.size == 0 ? record->size : found.size;  // what has no size is neither listed nor removed
         found.details.emplace().trashed = std::move(record);
     }
     return found;

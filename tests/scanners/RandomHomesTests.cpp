@@ -173,9 +173,18 @@ protected:
                 ++expected.count;
                 if (hiddenToo_ || folder != home_ / ".Trash" || !isHidden(entry)) {
                     expected.add(entry.path(), entry.path().filename());
+                    auto& size = expected.listing[entry.path()].second;
+                    size = size == 0 ? sizeOfRecord(entry.path()) : size;
                 }
             }
         }
+    }
+    // What is empty counts with the record that goes along.
+    static std::uint64_t sizeOfRecord(const fs::path& item) {
+        std::error_code none;
+        const auto size =
+            fs::file_size(item.parent_path().parent_path() / "info" / (item.filename().native() + ".trashinfo"), none);
+        return none || item.parent_path().filename() != "files" ? 0 : size;
     }
 
     // Ticks some of the items, at random. What is to go with them: not what holds another that stays.

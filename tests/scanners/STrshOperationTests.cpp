@@ -204,14 +204,18 @@ TEST_F(TrashScan, TellsWhereItemsWereAndThatItIsUnknown) {
                                                       "a%20b\nDeletionDate=2024-05-01T12:00:00\n");
     }
     writeFile(trash_ / "unknown", "12345");
+    writeFile(trash_ / "empty", "");
+    writeFile(trash_.parent_path() / "info/empty.trashinfo", "[Trash Info]\nPath=/home/b\n");
     writeMountTable(root_, {folder_ / "volume"});
     std::map<fs::path, std::string> origins;
     for (const auto& item : runScan(operation()).items) {
         ASSERT_TRUE(item->details().trashed);
         origins[item->pfpath()] = item->details().trashed->origin;
         EXPECT_TRUE(item->ppbChecked() && item->noteText().isEmpty());
+        EXPECT_EQ(item->pfSize(), item->pfname() == "empty" ? 26U : 5U) << "its record goes along";
     }
-    EXPECT_EQ(origins, (std::map<fs::path, std::string>{{trash_ / "known", "/home/a b"},
+    EXPECT_EQ(origins, (std::map<fs::path, std::string>{{trash_ / "empty", "/home/b"},
+                                                        {trash_ / "known", "/home/a b"},
                                                         {volume / "files/known", (folder_ / "volume/a b").native()},
                                                         {trash_ / "unknown", ""}}));
 }
