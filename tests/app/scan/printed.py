@@ -81,11 +81,11 @@ def expect_text(home, text, printed):
 
 
 def allocated(found):
-    """The bytes on disk of all files that a clean of the item would remove."""
+    """The bytes on disk of all files and folders that a clean of the item would remove."""
     raw = urllib.parse.unquote_to_bytes if "pathEncoding" in found else os.fsencode
     files = []
     for path in map(raw, found.get("targets", [found["path"]])):
-        files += [os.path.join(folder, name) for folder, _, names in os.walk(path) for name in names] or [path]
+        files += [path] + [os.path.join(folder, name) for folder, inner, names in os.walk(path) for name in names + inner]
     return sum(os.lstat(file).st_blocks * 512 for file in files)
 
 
