@@ -85,7 +85,8 @@ def allocated(found):
     raw = urllib.parse.unquote_to_bytes if "pathEncoding" in found else os.fsencode
     files = []
     for path in map(raw, found.get("targets", [found["path"]])):
-        files += [path] + [os.path.join(folder, name) for folder, inner, names in os.walk(path) for name in names + inner]
+        files.append(path)
+        files += [os.path.join(folder, name) for folder, inner, names in os.walk(path) for name in inner + names]
     return sum(os.lstat(file).st_blocks * 512 for file in files)
 
 
