@@ -243,7 +243,7 @@ TEST_F(ItemTrash, UsesTheTrashOfTheVolumeAndNoOneElses) {
             return isRelative ? trash.lexically_relative(volume) : fs::path(record + moved.reason.toStdString());
         };
         std::string wrong = placeOf("a") == ".Trash-" + user ? "" : "not in the user's own; ";
-        const auto inner = volume / "my downloads/holder/a \\point";
+        const auto inner = volume / "my downloads/holder/a \\\rpoint";
         fs::create_directories(inner);
         if (::mount("none", inner.c_str(), "tmpfs", 0, "size=1m") != 0) {
             return cannotTry("no mounts");
