@@ -65,7 +65,7 @@ void TrashMoves::finishUndo(const Moved& moved, const engine::TrashReturn& resul
                             const std::function<void(const Item&)>& finished) {
     --underWay_;
     const bool isAnyBack = !result.back.empty();
-    bytes_ -= bytesOf(result.back);
+    bytes_ -= bytesOf(moved.files) - bytesOf(result.left);  // what is lost is in the Trash no more
     if (!result.left.empty()) {
         moved_.insert(moved_.begin(), {moved.item, result.left, moved.isListed || isAnyBack});
     }
