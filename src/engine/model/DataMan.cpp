@@ -214,10 +214,8 @@ quint64 DataMan::getSize2CleanALLSel(bool bApps, bool bDwn, bool bCh, bool bTr, 
     return sum;
 }
 
-quint64 DataMan::sharedOfSelection(const PerSection<bool>& sections) const { return sharedSpace_.freed(sections); }
-
 quint64 DataMan::freesOfSelection(const PerSection<bool>& sections) const {
-    quint64 sum = sharedOfSelection(sections);
+    quint64 sum = sharedSpace_.freed(sections);
     for (const Section section : allSections) {
         sum += sections[section] ? sums(section).freesSelected() : 0;
     }

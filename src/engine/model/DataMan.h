@@ -53,8 +53,8 @@ public:
     /// Bytes on disk that cleaning the ticked items in these sections would free: a file counts once, and only if all
     /// of its names go. Files with names in several items count some time after a scan, a clean or a move.
     [[nodiscard]] quint64 freesOfSelection(const PerSection<bool>& sections) const;
-    /// The part of these that none of the items frees alone.
-    [[nodiscard]] quint64 sharedOfSelection(const PerSection<bool>& sections) const;
+    /// The items that free something together; null while that is not known.
+    [[nodiscard]] std::shared_ptr<const SharedGroups> sharedGroups() const { return sharedSpace_.groups(); }
 
     /// The line under a section's name: its progress, what is selected of it, or that nothing was found.
     [[nodiscard]] QString subtitle(Section section) const;

@@ -62,6 +62,8 @@ public:
     /// was found before counts them.
     void removed(Section section, const ItemArray& gone, const SectionItems& before);
 
+    /// Of the items as they are; null until the last search has its answer.
+    [[nodiscard]] std::shared_ptr<const SharedGroups> groups() const { return isCurrent_ ? found_ : nullptr; }
     /// Bytes of the groups whose items are all ticked and in sections that are wanted.
     [[nodiscard]] quint64 freed(const PerSection<bool>& wanted) const;
 

@@ -68,17 +68,13 @@ void CPerformer::Clean(const CleanSelection& selection) {
             pcutter_.cancelOperationByClass(section);
         }
     }
-    PerSection<bool> isCleaned;
-    for (const Section section : allSections) {
-        isCleaned[section] = selection[section] != nullptr;
-    }
-    giveUpScansOf([&](Section section) { return isCleaned[section]; });
+    giveUpScansOf([&](Section section) { return selection[section] != nullptr; });
     const auto itemsOf = [&](Section section) {
         return selection[section] ? std::optional(pdata_.itemsOf(section)) : std::nullopt;
     };
     pcutter_.Clean(selection[Section::languageResources] ? std::optional(pdata_.getAppsArray()) : std::nullopt,
                    itemsOf(Section::downloads), itemsOf(Section::caches), itemsOf(Section::trash),
-                   itemsOf(Section::logs), selection, pdata_.sharedOfSelection(isCleaned));
+                   itemsOf(Section::logs), selection, pdata_.sharedGroups());
 }
 
 }  // namespace brimvault::engine

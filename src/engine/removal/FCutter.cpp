@@ -30,7 +30,8 @@ CleanTable CleanTable::fileSections(PrivilegedRemover& remover) {
 
 void FCutter::Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                     const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
-                    const std::optional<ItemArray>& pLogs, const Agreed& agreed, quint64 shared) {
+                    const std::optional<ItemArray>& pLogs, const Agreed& agreed,
+                    const std::shared_ptr<const SharedGroups>& shared) {
     table_.remover->allowAskingUser();
     agreed_ = agreed;
     CleanedItems items{pApps, {}, agreed, shared};

@@ -42,11 +42,12 @@ public:
     /// What the user has agreed to have removed, by section; null for all that is ticked.
     using Agreed = PerSection<std::shared_ptr<const AgreedItems>>;
 
-    /// None, or an empty array, cleans nothing of its section. `shared` are the bytes that no item frees alone, but all
-    /// of them together.
+    /// None, or an empty array, cleans nothing of its section. `shared` are the items that free something
+    /// together, whether they are cleaned or not; null if that is not known.
     void Clean(const std::optional<ApplicationArray>& pApps, const std::optional<ItemArray>& pDwn,
                const std::optional<ItemArray>& pCache, const std::optional<ItemArray>& pTrash,
-               const std::optional<ItemArray>& pLogs, const Agreed& agreed = {}, quint64 shared = 0);
+               const std::optional<ItemArray>& pLogs, const Agreed& agreed = {},
+               const std::shared_ptr<const SharedGroups>& shared = nullptr);
 
     void CleanAppsRes(const std::optional<ApplicationArray>& items, const std::shared_ptr<Operation>& oper);
     void CleanDownloads(const std::optional<ItemArray>& items, const std::shared_ptr<Operation>& oper);

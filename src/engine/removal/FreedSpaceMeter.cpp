@@ -73,7 +73,7 @@ std::set<std::string> nestedPaths(const std::vector<SelectedShare>& selected) {
     std::vector<std::string> folders;
     folders.reserve(selected.size());
     for (const auto& share : selected) {
-        if (!share.path.empty()) {
+        if (!share.path.empty() && !share.standsForSeveral) {
             folders.push_back(share.path + '/');
         }
     }
@@ -92,13 +92,17 @@ std::set<std::string> nestedPaths(const std::vector<SelectedShare>& selected) {
 
 }  // namespace
 
-void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, quint64 shared, const std::stop_token& stop) {
+void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, std::vector<SelectedSet> sets,
+                            const std::stop_token& stop) {
     using Reading = std::pair<std::shared_ptr<HeldVolume>, quint64>;
     auto nested = nestedPaths(selected);
     std::map<Device, Share> shares;
+    std::map<std::string, quint64> expected;
     Questions<Reading> questions;
     for (auto& share : selected) {
-        shares[share.device].selected += nested.contains(share.path) ? 0 : share.bytes;
+        const bool isCounted = !share.standsForSeveral && nested.contains(share.path);
+        shares[share.device].selected += isCounted ? 0 : share.bytes;
+        expected[share.path] = share.bytes;
         questions.try_emplace(
             share.device,
             [&volumes = volumes_, folder = std::move(share.folder), device = share.device]() -> std::optional<Reading> {
@@ -106,6 +110,9 @@ void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, quint64 shared,
                 const auto bytes = volume == nullptr ? std::nullopt : volume->freeBytes();
                 return bytes ? std::optional(Reading(std::move(volume), *bytes)) : std::nullopt;
             });
+    }
+    for (const auto& set : sets) {
+        shares[set.device].selected += set.bytes;
     }
     const auto readings = answersInTime(questions, readingTimeout, stop);
     std::erase_if(shares, [&](const auto& share) { return !readings.contains(share.first); });
@@ -118,19 +125,42 @@ void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, quint64 shared,
     }
     const std::lock_guard lock(mutex_);
     shares_ = std::move(shares);
-    shared_ = shared;
+    for (std::size_t number = 0; number < sets.size(); ++number) {
+        for (const auto& path : sets[number].paths) {
+            setsOf_[path].push_back(number);
+        }
+        left_.push_back(sets[number].paths.size());
+    }
+    sets_ = std::move(sets);
+    expected_ = std::move(expected);
     entriesBefore_ = files::entriesRemoved();
     nested_ = std::move(nested);
     inUseBefore_ = std::move(inUse);
 }
 
 void FreedSpaceMeter::add(const ItemOutcome& outcome) {
+    if (!outcome.gone) {
+        return;
+    }
+    const auto path = outcome.paths.empty() ? std::string() : outcome.paths.front().native();
     const std::lock_guard lock(mutex_);
-    hasAnyGone_ = hasAnyGone_ || outcome.gone;
-    const auto share = outcome.device && outcome.gone ? shares_.find(*outcome.device) : shares_.end();
-    const bool isCounted = outcome.paths.size() == 1 && nested_.contains(outcome.paths.front().native());
-    if (share != shares_.end() && !isCounted) {
-        share->second.removed += outcome.bytes;
+    hasAnyGone_ = true;
+    const bool isCounted = outcome.paths.size() == 1 && nested_.contains(path);
+    if (outcome.device && !isCounted) {
+        // An item may free more by now, as others have gone with which it shared files: these are sets.
+        const auto known = expected_.find(path);
+        noteRemoved(*outcome.device, known == expected_.end() ? outcome.bytes : known->second);
+    }
+    for (const auto number : std::exchange(setsOf_[path], {})) {
+        if (--left_[number] == 0) {
+            noteRemoved(sets_[number].device, sets_[number].bytes);
+        }
+    }
+}
+
+void FreedSpaceMeter::noteRemoved(Device device, quint64 bytes) {
+    if (const auto share = shares_.find(device); share != shares_.end()) {
+        share->second.removed += bytes;
     }
 }
 
@@ -166,7 +196,6 @@ bool FreedSpaceMeter::hasRemovedAny() const {
 }
 
 // Other programs write and remove meanwhile: no volume has freed less than nothing, or more than was selected on it.
-// What items share lies on one of the volumes, and is not known to have gone before all of them have.
 FreedSpace FreedSpaceMeter::compared(const std::map<Device, quint64>& freeNow) const {
     FreedSpace space;
     const std::lock_guard lock(mutex_);
@@ -174,11 +203,8 @@ FreedSpace FreedSpaceMeter::compared(const std::map<Device, quint64>& freeNow) c
         const auto& share = shares_.at(device);
         space.selected += share.selected;
         space.removed += std::min(share.removed, share.selected);
-        space.freed += std::min(now - std::min(now, share.freeBefore), share.selected + shared_);
+        space.freed += std::min(now - std::min(now, share.freeBefore), share.selected);
     }
-    space.removed += space.removed == space.selected ? shared_ : 0;
-    space.selected += shared_;
-    space.freed = std::min(space.freed, space.selected);
     return space;
 }
 

@@ -21,7 +21,15 @@ namespace brimvault::engine {
 /// What is selected of a volume.
 struct SelectedShare {
     std::filesystem::path folder;  ///< on the volume
-    std::string path;              ///< exact bytes; empty for what stands for several things
+    std::string path;              ///< the first that its outcome tells of, in exact bytes; empty if it has several
+    std::uint64_t device = 0;
+    quint64 bytes = 0;
+    bool standsForSeveral = false;  ///< things, so that it lies in none of the others
+};
+
+/// What several selected items free together, and none of them alone.
+struct SelectedSet {
+    std::vector<std::string> paths;  ///< as a share has it, of each
     std::uint64_t device = 0;
     quint64 bytes = 0;
 };
@@ -33,9 +41,8 @@ public:
     /// The volumes are never destroyed.
     explicit FreedSpaceMeter(Volumes& volumes) : volumes_(volumes) {}
 
-    /// The first reading; before anything is removed. `shared` are the bytes that no item frees alone, but all of them
-    /// together. Blocks for two seconds at most.
-    void begin(std::vector<SelectedShare> selected, quint64 shared, const std::stop_token& stop);
+    /// The first reading; before anything is removed. Blocks for two seconds at most.
+    void begin(std::vector<SelectedShare> selected, std::vector<SelectedSet> sets, const std::stop_token& stop);
     /// Hears what became of an item. Does not block.
     void add(const ItemOutcome& outcome);
     /// The second reading; after the last removal. Blocks for a few seconds at most, and ends early on a stop. None if
@@ -50,6 +57,7 @@ private:
         quint64 removed = 0;
     };
 
+    void noteRemoved(std::uint64_t device, quint64 bytes);
     [[nodiscard]] bool hasRemovedAny() const;
     [[nodiscard]] FreedSpace compared(const std::map<std::uint64_t, quint64>& freeNow) const;
     /// The programs, for people, that have files open which were removed meanwhile and would free much of these bytes;
@@ -60,7 +68,10 @@ private:
     Volumes& volumes_;
     mutable std::mutex mutex_;               ///< protects what follows
     std::map<std::uint64_t, Share> shares_;  ///< by device
-    quint64 shared_ = 0;
+    std::vector<SelectedSet> sets_;
+    std::vector<std::size_t> left_;                           ///< of each set, how many have not gone
+    std::map<std::string, std::vector<std::size_t>> setsOf_;  ///< numbers of sets, by path
+    std::map<std::string, quint64> expected_;                 ///< bytes by path, as they were at the first reading
     bool hasAnyGone_ = false;
     std::uint64_t entriesBefore_ = 0;  ///< what this process had removed
     std::set<std::string> nested_;     ///< of what is selected, what lies in something else that is selected

@@ -1,5 +1,7 @@
 #include "engine/removal/MeasuringOperations.h"
 
+#include <algorithm>
+
 #include "engine/notification/NotificationCenter.h"
 #include "engine/notification/Notifications.h"
 
@@ -7,10 +9,16 @@ namespace brimvault::engine {
 
 namespace {
 
+namespace fs = std::filesystem;
 using Agreed = std::shared_ptr<const AgreedItems>;
 
 bool isToBeCleaned(const CleanableItem& item, const Agreed& agreed) {
     return item.getSpace2SaveBySel() != 0 && (!agreed || agreed->holds(item));
+}
+
+std::string firstPathOf(const FFItem& item) {
+    const auto paths = item.removalPaths();
+    return paths.empty() ? std::string() : paths.front().native();
 }
 
 void addFiles(const ItemArray& items, const Agreed& agreed, std::vector<SelectedShare>& shares) {
@@ -20,12 +28,9 @@ void addFiles(const ItemArray& items, const Agreed& agreed, std::vector<Selected
             continue;
         }
         const auto bytes = expectedToFree(*item);
-        if (item->hasTargets()) {
-            shares.push_back({item->details().targets.front().folder->path, {}, *device, bytes});
-        } else {
-            const auto location = item->location();
-            shares.push_back({location.parent_path(), location.native(), *device, bytes});
-        }
+        const auto folder = item->hasTargets() ? fs::path(item->details().targets.front().folder->path)
+                                               : item->location().parent_path();
+        shares.push_back({folder, firstPathOf(*item), *device, bytes, item->hasTargets()});
     }
 }
 
@@ -44,6 +49,28 @@ void addApplications(const ApplicationArray& applications, const Agreed& agreed,
     }
 }
 
+std::vector<SelectedSet> setsOf(const CleanedItems& items) {
+    std::vector<SelectedSet> sets;
+    if (items.shared == nullptr) {
+        return sets;
+    }
+    for (const auto& group : items.shared->groups) {
+        const auto device = deviceOf(*group.members.front().item);
+        const bool goes = std::all_of(group.members.begin(), group.members.end(), [&](const auto& member) {
+            return items.files[member.section] && isToBeCleaned(*member.item, items.agreed[member.section]);
+        });
+        if (!device || !goes) {
+            continue;
+        }
+        SelectedSet set{{}, *device, group.bytes};
+        for (const auto& member : group.members) {
+            set.paths.push_back(firstPathOf(*member.item));
+        }
+        sets.push_back(std::move(set));
+    }
+    return sets;
+}
+
 }  // namespace
 
 void MeasureBeforeClean::main() {
@@ -56,8 +83,9 @@ void MeasureBeforeClean::main() {
             addFiles(*items_.files[section], items_.agreed[section], shares);
         }
     }
-    const quint64 shared = std::exchange(items_, {}).shared;
-    meter_->begin(std::move(shares), shared, stopToken());
+    auto sets = setsOf(items_);
+    items_ = {};
+    meter_->begin(std::move(shares), std::move(sets), stopToken());
 }
 
 void MeasureAfterClean::main() {

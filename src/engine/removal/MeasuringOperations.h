@@ -5,6 +5,7 @@
 
 #include "engine/model/AppItemData.h"
 #include "engine/model/FFItem.h"
+#include "engine/model/SharedSpace.h"
 #include "engine/operations/SectionOperation.h"
 #include "engine/removal/FreedSpaceMeter.h"
 
@@ -15,7 +16,7 @@ struct CleanedItems {
     std::optional<ApplicationArray> applications;
     PerSection<std::optional<ItemArray>> files;
     PerSection<std::shared_ptr<const AgreedItems>> agreed;  ///< null for all that is ticked
-    quint64 shared = 0;  ///< bytes on disk that no item frees alone, but all of them together
+    std::shared_ptr<const SharedGroups> shared;             ///< of all items, ticked or not; null if nothing is known
 };
 
 /// Reads the free space before a clean. Runs on the clean queue, before what removes.

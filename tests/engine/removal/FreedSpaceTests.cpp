@@ -27,14 +27,18 @@ class FreedSpaceOfVolumes : public testing::Test {
 protected:
     /// All that was selected goes; before that 100 MB are free on each volume, and so much after it.
     [[nodiscard]] std::optional<FreedSpace> measured(std::vector<SelectedShare> selected, quint64 first,
-                                                     quint64 second = 0, quint64 shared = 0) {
+                                                     quint64 second = 0, std::vector<SelectedSet> sets = {},
+                                                     const std::string& stays = {}) {
         volumes_.asked.clear();
         volumes_.setFree(1, 100 * mega);
         volumes_.setFree(2, 100 * mega);
         FreedSpaceMeter meter(volumes_);
-        meter.begin(selected, shared, {});
+        meter.begin(selected, std::move(sets), {});
         for (const auto& share : selected) {
-            meter.add({.paths = {share.path}, .bytes = share.bytes, .device = share.device, .gone = true});
+            meter.add({.paths = {share.path},
+                       .bytes = share.bytes + mega,
+                       .device = share.device,
+                       .gone = share.path != stays});
         }
         volumes_.setFree(1, first);
         volumes_.setFree(2, second);
@@ -51,8 +55,17 @@ TEST_F(FreedSpaceOfVolumes, IsNeverLessThanNothingNorMoreThanWasSelectedOnEach) 
     EXPECT_EQ(measured(both, 110 * mega, 120 * mega), (FreedSpace{30 * mega, 30 * mega, 30 * mega}));
     EXPECT_EQ(measured(both, 50 * mega, 105 * mega), (FreedSpace{30 * mega, 30 * mega, 5 * mega}));
     EXPECT_EQ(measured(both, 900 * mega, 100 * mega), (FreedSpace{30 * mega, 30 * mega, 10 * mega}));
-    EXPECT_EQ(measured(both, 150 * mega, 120 * mega, 40 * mega), (FreedSpace{70 * mega, 70 * mega, 70 * mega}))
-        << "what they share goes with the last of them";
+}
+
+TEST_F(FreedSpaceOfVolumes, CountsWhatItemsShareWhenTheLastOfThemHasGone) {
+    const std::vector<SelectedShare> shares = {
+        {"/a", "/a/x", 1, 10 * mega}, {"/a", "/a/y", 1, 0, true}, {"/b", "/b/z", 2, 20 * mega}};
+    const std::vector<SelectedSet> sets = {{{"/a/x", "/a/y"}, 1, 40 * mega}};
+    EXPECT_EQ(measured(shares, 150 * mega, 120 * mega, sets), (FreedSpace{70 * mega, 70 * mega, 70 * mega}));
+    EXPECT_EQ(measured(shares, 110 * mega, 160 * mega, sets, "/a/y"), (FreedSpace{70 * mega, 30 * mega, 30 * mega}))
+        << "and on its volume alone";
+    volumes_.silent = 1;
+    EXPECT_EQ(measured(shares, 150 * mega, 120 * mega, sets), (FreedSpace{20 * mega, 20 * mega, 20 * mega}));
 }
 
 TEST_F(FreedSpaceOfVolumes, CountsOnceWhatLiesInSomethingElseThatIsSelected) {
