@@ -19,9 +19,8 @@ namespace brimvault::files {
 enum class OpenFor { anything, writing };
 
 /// A snapshot of the files and folders that other processes hold open, run, or work in, or of the files alone that they
-/// may write to. It warns and guarantees
-/// nothing: a process may open a file a moment later, one of another user cannot be looked at, and a file that is only
-/// mapped is missing. Immutable; any thread.
+/// may write to. It warns and guarantees nothing: a process may open a file a moment later, one of another user cannot
+/// be looked at, and a file that is only mapped is missing. Immutable; any thread.
 class OpenFiles {
 public:
     OpenFiles() = default;
