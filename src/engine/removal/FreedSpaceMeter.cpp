@@ -92,17 +92,20 @@ std::set<std::string> nestedPaths(const std::vector<SelectedShare>& selected) {
 
 }  // namespace
 
-void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, std::vector<SelectedSet> sets,
+void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, const std::vector<SelectedSet>& sets,
                             const std::stop_token& stop) {
     using Reading = std::pair<std::shared_ptr<HeldVolume>, quint64>;
-    auto nested = nestedPaths(selected);
+    const auto nested = nestedPaths(selected);
     std::map<Device, Share> shares;
     std::map<std::string, quint64> expected;
     Questions<Reading> questions;
     for (auto& share : selected) {
-        const bool isCounted = !share.standsForSeveral && nested.contains(share.path);
-        shares[share.device].selected += isCounted ? 0 : share.bytes;
-        expected[share.path] = share.bytes;
+        const bool isInAnother = !share.standsForSeveral && nested.contains(share.path);
+        const quint64 counted = isInAnother ? 0 : share.bytes;
+        shares[share.device].selected += counted;
+        if (!share.path.empty()) {
+            expected[share.path] = counted;
+        }
         questions.try_emplace(
             share.device,
             [&volumes = volumes_, folder = std::move(share.folder), device = share.device]() -> std::optional<Reading> {
@@ -125,16 +128,14 @@ void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, std::vector<Sel
     }
     const std::lock_guard lock(mutex_);
     shares_ = std::move(shares);
-    for (std::size_t number = 0; number < sets.size(); ++number) {
-        for (const auto& path : sets[number].paths) {
-            setsOf_[path].push_back(number);
+    for (const auto& set : sets) {
+        for (const auto& path : set.paths) {
+            setsOf_[path].push_back(sets_.size());
         }
-        left_.push_back(sets[number].paths.size());
+        sets_.push_back({set.device, set.bytes, set.paths.size()});
     }
-    sets_ = std::move(sets);
     expected_ = std::move(expected);
     entriesBefore_ = files::entriesRemoved();
-    nested_ = std::move(nested);
     inUseBefore_ = std::move(inUse);
 }
 
@@ -145,14 +146,13 @@ void FreedSpaceMeter::add(const ItemOutcome& outcome) {
     const auto path = outcome.paths.empty() ? std::string() : outcome.paths.front().native();
     const std::lock_guard lock(mutex_);
     hasAnyGone_ = true;
-    const bool isCounted = outcome.paths.size() == 1 && nested_.contains(path);
-    if (outcome.device && !isCounted) {
+    if (outcome.device) {
         // An item may free more by now, as others have gone with which it shared files: these are sets.
         const auto known = expected_.find(path);
         noteRemoved(*outcome.device, known == expected_.end() ? outcome.bytes : known->second);
     }
     for (const auto number : std::exchange(setsOf_[path], {})) {
-        if (--left_[number] == 0) {
+        if (--sets_[number].left == 0) {
             noteRemoved(sets_[number].device, sets_[number].bytes);
         }
     }

@@ -42,7 +42,7 @@ public:
     explicit FreedSpaceMeter(Volumes& volumes) : volumes_(volumes) {}
 
     /// The first reading; before anything is removed. Blocks for two seconds at most.
-    void begin(std::vector<SelectedShare> selected, std::vector<SelectedSet> sets, const std::stop_token& stop);
+    void begin(std::vector<SelectedShare> selected, const std::vector<SelectedSet>& sets, const std::stop_token& stop);
     /// Hears what became of an item. Does not block.
     void add(const ItemOutcome& outcome);
     /// The second reading; after the last removal. Blocks for a few seconds at most, and ends early on a stop. None if
@@ -56,6 +56,11 @@ private:
         quint64 selected = 0;
         quint64 removed = 0;
     };
+    struct OpenSet {
+        std::uint64_t device = 0;
+        quint64 bytes = 0;
+        std::size_t left = 0;  ///< items that have not gone
+    };
 
     void noteRemoved(std::uint64_t device, quint64 bytes);
     [[nodiscard]] bool hasRemovedAny() const;
@@ -68,13 +73,12 @@ private:
     Volumes& volumes_;
     mutable std::mutex mutex_;               ///< protects what follows
     std::map<std::uint64_t, Share> shares_;  ///< by device
-    std::vector<SelectedSet> sets_;
-    std::vector<std::size_t> left_;                           ///< of each set, how many have not gone
+    std::vector<OpenSet> sets_;
     std::map<std::string, std::vector<std::size_t>> setsOf_;  ///< numbers of sets, by path
-    std::map<std::string, quint64> expected_;                 ///< bytes by path, as they were at the first reading
+    /// Bytes by path, as they were at the first reading; 0 for what lies in something else that is selected.
+    std::map<std::string, quint64> expected_;
     bool hasAnyGone_ = false;
-    std::uint64_t entriesBefore_ = 0;  ///< what this process had removed
-    std::set<std::string> nested_;     ///< of what is selected, what lies in something else that is selected
+    std::uint64_t entriesBefore_ = 0;                                ///< what this process had removed
     std::set<std::pair<std::uint64_t, std::uint64_t>> inUseBefore_;  ///< removed files, by device and inode
 };
 

@@ -83,9 +83,9 @@ void MeasureBeforeClean::main() {
             addFiles(*items_.files[section], items_.agreed[section], shares);
         }
     }
-    auto sets = setsOf(items_);
+    const auto sets = setsOf(items_);
     items_ = {};
-    meter_->begin(std::move(shares), std::move(sets), stopToken());
+    meter_->begin(std::move(shares), sets, stopToken());
 }
 
 void MeasureAfterClean::main() {

@@ -27,13 +27,13 @@ class FreedSpaceOfVolumes : public testing::Test {
 protected:
     /// All that was selected goes; before that 100 MB are free on each volume, and so much after it.
     [[nodiscard]] std::optional<FreedSpace> measured(std::vector<SelectedShare> selected, quint64 first,
-                                                     quint64 second = 0, std::vector<SelectedSet> sets = {},
+                                                     quint64 second = 0, const std::vector<SelectedSet>& sets = {},
                                                      const std::string& stays = {}) {
         volumes_.asked.clear();
         volumes_.setFree(1, 100 * mega);
         volumes_.setFree(2, 100 * mega);
         FreedSpaceMeter meter(volumes_);
-        meter.begin(selected, std::move(sets), {});
+        meter.begin(selected, sets, {});
         for (const auto& share : selected) {
             meter.add({.paths = {share.path},
                        .bytes = share.bytes + mega,
