@@ -29,8 +29,10 @@ public:
     [[nodiscard]] int forEachEntry(int directory, const std::function<bool(const DirectoryEntry&)>& call);
 
 private:
+    void sortByInode(const std::byte* end);
+
     std::unique_ptr<std::byte[]> buffer_;
-    std::vector<const std::byte*> sorted_;  ///< the entries of the batch
+    std::vector<const std::byte*> sorted_;  ///< the entries of a large batch
 };
 
 }  // namespace brimvault::files

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <string_view>
 
 #include "files/SystemCall.h"
 
@@ -47,35 +46,48 @@ NodeKind kindOf(int directory, std::uint8_t type, const char* name) {
     }
 }
 
-bool isSelfOrParent(std::string_view name) { return name == "." || name == ".."; }
+// Asked for every entry, so without looking for the end of the name.
+bool isSelfOrParent(const char* name) {
+    return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
 
 }  // namespace
 
 DirectoryReader::DirectoryReader() : buffer_(std::make_unique_for_overwrite<std::byte[]>(batchSize)) {}
 
 int DirectoryReader::forEachEntry(int directory, const std::function<bool(const DirectoryEntry&)>& call) {
+    const auto report = [&](const std::byte* place) {
+        const char* name = reinterpret_cast<const char*>(place) + nameOffset;
+        return isSelfOrParent(name) || call({name, kindOf(directory, rawAt(place)->type, name), rawAt(place)->inode});
+    };
     for (;;) {
         const long size = uninterrupted([&] { return ::syscall(SYS_getdents64, directory, buffer_.get(), batchSize); });
         if (size <= 0) {
             return size == 0 ? 0 : errno;
         }
-        sorted_.clear();
-        for (const std::byte *place = buffer_.get(), *end = place + size; place < end; place += rawAt(place)->length) {
-            sorted_.push_back(place);
-        }
-        if (static_cast<std::size_t>(size) > fullBatch) {
-            std::sort(sorted_.begin(), sorted_.end(), [](const std::byte* left, const std::byte* right) {
-                return rawAt(left)->inode < rawAt(right)->inode;
-            });
-        }
-        for (const auto* place : sorted_) {
-            const auto* raw = rawAt(place);
-            const char* name = reinterpret_cast<const char*>(place) + nameOffset;
-            if (!isSelfOrParent(name) && !call({name, kindOf(directory, raw->type, name), raw->inode})) {
-                return 0;
+        const std::byte* const end = buffer_.get() + size;
+        if (static_cast<std::size_t>(size) <= fullBatch) {
+            for (const std::byte* place = buffer_.get(); place < end; place += rawAt(place)->length) {
+                if (!report(place)) {
+                    return 0;
+                }
             }
+            continue;
+        }
+        sortByInode(end);
+        if (!std::all_of(sorted_.begin(), sorted_.end(), report)) {
+            return 0;
         }
     }
+}
+
+void DirectoryReader::sortByInode(const std::byte* end) {
+    sorted_.clear();
+    for (const std::byte* place = buffer_.get(); place < end; place += rawAt(place)->length) {
+        sorted_.push_back(place);
+    }
+    std::sort(sorted_.begin(), sorted_.end(),
+              [](const std::byte* left, const std::byte* right) { return rawAt(left)->inode < rawAt(right)->inode; });
 }
 
 }  // namespace brimvault::files

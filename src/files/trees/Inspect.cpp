@@ -48,7 +48,7 @@ bool isWorkingCopyMark(const DirectoryHandle& parent, const char* name) {
 // A working copy whose repository lies elsewhere: a worktree or a submodule, or one whose folder was moved away.
 bool isWorkingCopyFile(const DirectoryHandle& folder, const char* name, NodeKind kind) {
     constexpr std::string_view beginning = "gitdir:";
-    return std::string_view(name) == ".git" &&
+    return name[0] == '.' && std::string_view(name) == ".git" &&
            (kind == NodeKind::link || beginningOf(folder, name, beginning.size()) == beginning);
 }
 

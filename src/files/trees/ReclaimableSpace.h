@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "files/NodeStatus.h"
@@ -15,11 +17,20 @@ struct NamedNode {
     std::uint32_t names = 1;      ///< by which it was seen
     std::uint32_t allNames = 1;   ///< that it has in the file system
 
-    [[nodiscard]] static NamedNode of(const NodeStatus& status);
-    [[nodiscard]] static NamedNode of(const EntrySize& size);
+    [[nodiscard]] static NamedNode of(const NodeStatus& status) {
+        return {status.identity.device, status.identity.inode, status.allocated, 1, counted(status.linkCount)};
+    }
+    [[nodiscard]] static NamedNode of(const EntrySize& size) {
+        return {size.device, size.inode, size.allocated, 1, counted(size.linkCount)};
+    }
     [[nodiscard]] bool isSameAs(const NamedNode& other) const { return inode == other.inode && device == other.device; }
     [[nodiscard]] bool isBefore(const NamedNode& other) const {
         return device != other.device ? device < other.device : inode < other.inode;
+    }
+
+private:
+    [[nodiscard]] static std::uint32_t counted(std::uint64_t links) {
+        return static_cast<std::uint32_t>(std::min<std::uint64_t>(links, std::numeric_limits<std::uint32_t>::max()));
     }
 };
 
@@ -31,7 +42,13 @@ struct ReclaimableSpace {
     /// Files with several names. Once settled: each once, in order, and only those that have further names.
     std::vector<NamedNode> shared = {};
 
-    void add(const NamedNode& node);
+    void add(const NamedNode& node) {
+        if (node.names >= node.allNames) {
+            bytes += node.allocated;
+        } else if (node.allocated > 0) {
+            shared.push_back(node);
+        }
+    }
     void add(const ReclaimableSpace& more);
     /// To be called after the last name.
     void settle();
