@@ -28,8 +28,11 @@ void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& op
     RowDelegate::drawText(painter, option, index);
     const QString note = index.data(ItemListModel::noteRole).toString();
     const QRect room = drawFrees(painter, option, index, textRoom(option, index));
+    if (note.isEmpty()) {
+        return;
+    }
     const int before = widthOfName(index) + look::scaled(noteGap);
-    if (note.isEmpty() || room.width() - before < look::scaled(minNoteWidth)) {
+    if (room.width() - before < look::scaled(minNoteWidth)) {
         return;
     }
     const QRect place = QStyle::visualRect(option.direction, room, room.adjusted(before, 0, 0, 0));
@@ -41,10 +44,13 @@ void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& op
 QRect ItemRowDelegate::drawFrees(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
                                  const QRect& room) {
     const QString text = index.data(ItemListModel::freesRole).toString();
+    if (text.isEmpty()) {
+        return room;
+    }
     const QFont font = look::font(noteSize);
     const int needed = lineWidth(text, font);
     const int before = room.width() - needed;
-    if (text.isEmpty() || before < widthOfName(index) + look::scaled(noteGap)) {
+    if (before < widthOfName(index) + look::scaled(noteGap)) {
         return room;
     }
     painter.setPen(QColor(isSelected(option) ? look::textOnAccent : look::textSecondary));
