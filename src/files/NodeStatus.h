@@ -9,7 +9,7 @@
 
 namespace brimvault::files {
 
-enum class NodeKind { regular, directory, link, other };
+enum class NodeKind : std::uint8_t { regular, directory, link, other };
 
 /// Identifies an object of a file system; two equal identities are one object. Inode numbers are reused, so the time of
 /// birth is part of it. Where the file system has none, two equal identities are one object only while it is open.

@@ -24,8 +24,9 @@ std::shared_ptr<FFItem> FFItem::initWithPath(const std::filesystem::path& path, 
 
 void FFItem::setSpace(files::ReclaimableSpace space) {
     frees_ = space.bytes;
-    sharedFiles_ =
-        space.shared.empty() ? nullptr : std::make_unique<const std::vector<files::NamedNode>>(std::move(space.shared));
+    if (!space.shared.empty()) {
+        extras().sharedFiles = std::move(space.shared);
+    }
 }
 
 void FFItem::setPfname(const std::filesystem::path& name) {
@@ -72,7 +73,7 @@ std::string FFItem::pathBytes() const {
 
 const ItemDetails& FFItem::details() const {
     static const ItemDetails none;
-    return details_ == nullptr ? none : *details_;
+    return extras_ == nullptr ? none : extras_->details;
 }
 
 QString FFItem::noteText() const {

@@ -110,11 +110,11 @@ public:
     [[nodiscard]] QString noteText() const;
     [[nodiscard]] const ItemDetails& details() const;
     /// Whether it stands for several things, and its own path is never removed.
-    [[nodiscard]] bool hasTargets() const { return details_ != nullptr && !details_->targets.empty(); }
+    [[nodiscard]] bool hasTargets() const { return extras_ != nullptr && !extras_->details.targets.empty(); }
     /// What a removal acts on: the paths of its targets, or its own; none if it has no path.
     [[nodiscard]] std::vector<std::filesystem::path> removalPaths() const;
     /// To be called before the item is posted.
-    void setDetails(ItemDetails details) { details_ = std::make_unique<const ItemDetails>(std::move(details)); }
+    void setDetails(ItemDetails details) { extras().details = std::move(details); }
 
     /// The digest of its identity when it was found; 0 if that is not known. To be set before the item is posted.
     [[nodiscard]] quint64 identity() const { return identity_; }
@@ -125,15 +125,33 @@ public:
     [[nodiscard]] quint64 getSpace2Save() const override { return pfSize_; }
     [[nodiscard]] quint64 getSpace2SaveBySel() const override { return ppbChecked() && ppbDeletable() ? pfSize_ : 0; }
     /// May grow while partners of `sharedFiles` are removed.
-    [[nodiscard]] quint64 frees() const override { return frees_ + freesAlone_; }
+    [[nodiscard]] quint64 frees() const override {
+        return frees_ + (extras_ == nullptr ? 0 : extras_->freesAlone.load());
+    }
     /// What removing it frees, settled. To be called before the item is posted.
     void setSpace(files::ReclaimableSpace space);
     /// The files of which it holds some names and not all, in order, as they were when it was found; null if none.
-    [[nodiscard]] const std::vector<files::NamedNode>* sharedFiles() const { return sharedFiles_.get(); }
-    /// Bytes on disk of those of them whose further names have been removed since. Any thread may read `frees`.
-    void setFreesAlone(quint64 bytes) { freesAlone_ = bytes; }
+    [[nodiscard]] const std::vector<files::NamedNode>* sharedFiles() const {
+        return extras_ == nullptr || extras_->sharedFiles.empty() ? nullptr : &extras_->sharedFiles;
+    }
+    /// Bytes on disk of those of its shared files whose further names have been removed since; for items that have
+    /// some. Any thread may read `frees`.
+    void setFreesAlone(quint64 bytes) { extras().freesAlone = bytes; }
 
 private:
+    /// What most items are without. Made before the item is posted, and never exchanged after it.
+    struct Extras {
+        ItemDetails details;
+        std::vector<files::NamedNode> sharedFiles;
+        std::atomic<quint64> freesAlone = 0;
+    };
+
+    [[nodiscard]] Extras& extras() {
+        if (extras_ == nullptr) {
+            extras_ = std::make_unique<Extras>();
+        }
+        return *extras_;
+    }
     [[nodiscard]] const char* nameBytes() const { return pfname_ == nullptr ? "" : pfname_.get(); }
     void setName(const std::string& bytes);
 
@@ -143,11 +161,9 @@ private:
     std::unique_ptr<char[]> pfname_;  ///< NUL-terminated bytes; null for an empty name
     quint64 pfSize_ = 0;
     quint64 frees_ = 0;
-    std::atomic<quint64> freesAlone_ = 0;
-    std::unique_ptr<const std::vector<files::NamedNode>> sharedFiles_;
     quint64 identity_ = 0;
-    std::shared_ptr<const FoundIn> foundIn_;      ///< null if only the name is known
-    std::unique_ptr<const ItemDetails> details_;  ///< null if it has none
+    std::shared_ptr<const FoundIn> foundIn_;  ///< null if only the name is known
+    std::unique_ptr<Extras> extras_;          ///< null if it has none
 };
 
 }  // namespace brimvault::engine

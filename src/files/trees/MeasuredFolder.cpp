@@ -46,7 +46,7 @@ public:
           stop_(stop) {}
 
     void add(const DirectoryEntry& entry) {
-        listed_.push_back({entry.inode, names_.size(), entry.kind, Sizes::unwanted});
+        listed_.push_back({entry.inode, static_cast<std::uint32_t>(names_.size()), entry.kind, Sizes::unwanted});
         names_.append(entry.name).push_back('\0');
     }
     [[nodiscard]] bool isFull() const { return listed_.size() >= maxHeld; }
@@ -69,7 +69,7 @@ public:
 private:
     struct Listed {
         std::uint64_t inode;
-        std::size_t name;  // where it begins
+        std::uint32_t name;  // where it begins
         NodeKind kind;
         Sizes sizes;
     };

@@ -10,7 +10,7 @@
 
 namespace brimvault::files {
 
-enum class Sizes { wanted, unwanted };
+enum class Sizes : std::uint8_t { wanted, unwanted };
 
 /// An entry of a folder that can be measured. Valid during the call.
 struct MeasurableEntry {

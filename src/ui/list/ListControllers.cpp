@@ -77,7 +77,7 @@ ItemListModel::Texts TAppsViewController::texts() const {
     return {[](const engine::CleanableItem& item) { return application(item).displayName(); },
             [](const engine::CleanableItem& /*item*/) { return QString(); },
             [](const engine::CleanableItem& item) { return packagePicture(application(item).pAppName()); },
-            [](const engine::CleanableItem& item) { return application(item).cleanableLocsCount(); }, true};
+            [](const auto& item) { return static_cast<quint32>(application(item).cleanableLocsCount()); }, true};
 }
 
 std::filesystem::path TAppsViewController::pathOf(const engine::CleanableItem& item) const {

@@ -90,7 +90,7 @@ void SortedRows::append(const QList<Item>& items) {
 int SortedRows::remove(const QList<const engine::CleanableItem*>& items, int row) {
     for (const auto* item : items) {
         if (auto* known = known_.value(item)) {
-            known->gone = true;
+            known->leave();
         }
     }
     return removeMarked(row);
@@ -107,14 +107,16 @@ int SortedRows::keepOnly(const QList<Item>& items, int row) {
         wanted.insert(item.get());
     }
     for (auto* known : std::as_const(rows_)) {
-        known->gone = !wanted.contains(known->item.get());
+        if (!wanted.contains(known->item.get())) {
+            known->leave();
+        }
     }
     return removeMarked(row);
 }
 
 // Moves the rows that go to the end and removes them there: one removal for the observer, however scattered they were.
 int SortedRows::removeMarked(int row) {
-    const auto stays = [](const Row* known) { return !known->gone; };
+    const auto stays = [](const Row* known) { return !known->leaves(); };
     Rows order = rows_;
     const auto firstGone = std::stable_partition(order.begin(), order.end(), stays);
     if (firstGone == order.end()) {
@@ -130,7 +132,7 @@ int SortedRows::removeMarked(int row) {
     reorder(std::move(order));
     observer_.willRemove(static_cast<int>(kept), size() - 1);
     rows_.resize(kept);
-    std::erase_if(byName_, [](const Row* known) { return known->gone; });
+    std::erase_if(byName_, [](const Row* known) { return known->leaves(); });
     forget(gone);
     observer_.didRemove();
     return static_cast<int>(above);
@@ -242,7 +244,7 @@ bool SortedRows::refreshValues() {
     bool changed = false;
     for (auto* row : rows_) {
         const quint64 size = row->item->ppnSize();
-        const quint64 count = countOf(*row->item);
+        const quint32 count = countOf(*row->item);
         changed = changed || size != row->size || count != row->count;
         row->size = size;
         row->count = count;

@@ -4,6 +4,7 @@
 #include <QList>
 #include <deque>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -32,7 +33,7 @@ enum class SortKey { checked, name, size, count };
 class SortedRows {
 public:
     using Item = std::shared_ptr<engine::CleanableItem>;
-    using Count = std::function<quint64(const engine::CleanableItem&)>;
+    using Count = std::function<quint32(const engine::CleanableItem&)>;
 
     /// The observer outlives the rows. `count` is empty where rows have no count.
     explicit SortedRows(RowObserver& observer, Count count = {});
@@ -62,23 +63,27 @@ public:
     template <typename Call>
     void forEachItem(Call call) const {
         for (const auto& row : store_) {
-            if (!row.gone) {
+            if (!row.leaves()) {
                 call(*row.item);
             }
         }
     }
 
 private:
+    /// There may be hundreds of thousands, so it is kept small.
     struct Row {
         Item item;
-        quint64 size;   ///< bytes
-        quint64 count;  ///< 0 without counts
-        int number;     ///< rows of equal names keep the order in which they came
-        bool gone = false;
+        quint64 size;    ///< bytes
+        quint32 count;   ///< 0 without counts
+        quint32 number;  ///< rows of equal names keep the order in which they came; see `leave`
+
+        /// It is about to be removed.
+        void leave() { number = std::numeric_limits<quint32>::max(); }
+        [[nodiscard]] bool leaves() const { return number == std::numeric_limits<quint32>::max(); }
     };
     using Rows = std::vector<Row*>;
 
-    [[nodiscard]] quint64 countOf(const engine::CleanableItem& item) const { return count_ ? count_(item) : 0; }
+    [[nodiscard]] quint32 countOf(const engine::CleanableItem& item) const { return count_ ? count_(item) : 0; }
 
     [[nodiscard]] static bool isNameBefore(const Row* left, const Row* right);
     /// The sort key as a number that grows from the top; not for names.
@@ -98,7 +103,7 @@ private:
     RowObserver& observer_;
     const Count count_;
     std::deque<Row> store_;  ///< rows never move in it; it keeps those that are gone until it is compacted
-    int nextNumber_ = 0;
+    quint32 nextNumber_ = 0;
     Rows rows_;    ///< in the order on show
     Rows byName_;  ///< the same rows in the order of names
     QHash<const engine::CleanableItem*, Row*> known_;
