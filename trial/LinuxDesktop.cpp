@@ -307,6 +307,61 @@ void LinuxDesktop::makeTools() const {
     writeFile(home_ / ".m2/repository/CACHEDIR.TAG", "Signature: 8a477f597d28d172789f06886806bc55\n");
 }
 
+void LinuxDesktop::makeLogs() const {
+    makeFiles(home_, {{".xsession-errors", 16'000'000},
+                      {".xsession-errors.old", 300'000},
+                      {".local/share/xorg/Xorg.0.log", 30'000},
+                      {".local/share/sddm/wayland-session.log", 70'000},
+                      {".local/state/nvim/lsp.log", 2'500'000},
+                      {".local/state/nvim/deep/a/b/c/d.log.2.gz", 1'001},
+                      {".local/state/tool/tool-20261101.log", 1'002},
+                      {".local/share/game/logs/latest.log", 1'003},
+                      {".local/share/game/logs/old/2026-11-01.log.gz", 1'004},
+                      {".local/share/Steam/logs/console.txt", 1'005},
+                      {".local/share/Steam/logs/console.log.last", 1'006},
+                      {".config/tool/Logs/a/b/tool.log", 1'007},
+                      {".config/VirtualBox/VBoxSVC.log.3", 1'008},
+                      {"VirtualBox VMs/Debian/Logs/VBox.log.1", 1'009},
+                      {"VirtualBox VMs/Group/BSD/Logs/VBox.log", 1'010},
+                      {".minecraft/logs/latest.log", 1'011},
+                      {".minecraft/crash-reports/crash-2026-11-01.txt", 1'012},
+                      {".var/app/org.example.Image/.local/state/image/image.log", 1'013},
+                      {".var/app/org.example.Image/data/image/logs/image.log.1", 1'014},
+                      {"snap/editor/11/.local/state/editor/editor.log", 1'015},
+                      {".config/Code/logs/20261101/window1/output", 1'400'000},
+                      {".config/Code/Crashpad/completed/a.dmp", 1'016}});
+    writeFile(home_ / "core.4711", std::string("\177ELF\2\1\1\0\0\0\0\0\0\0\0\0\4\0", 18) + std::string(9'000, 'x'));
+    writeFile(home_ / ".local/share/sparse/logs/x.log", "12345");
+    constexpr std::uintmax_t terabyte = 1'000'000'000'000;
+    fs::resize_file(home_ / ".local/share/sparse/logs/x.log", terabyte);
+    // Look-alikes.
+    writeAll(home_, {"core",
+                     "core.1.txt",
+                     "x.log",
+                     "Documents/logs/x.log",
+                     ".local/state/nvim/undo/x",
+                     ".local/state/nvim/shada/main.shada",
+                     ".local/state/nvim/swap/a.log.swp",
+                     ".local/state/nvim/1/2/3/4/5/too-deep.log",
+                     ".local/state/lesshst",
+                     ".local/state/store/CURRENT",
+                     ".local/state/store/MANIFEST-000001",
+                     ".local/state/store/000003.log",
+                     ".local/state/store/x.log",
+                     ".local/state/numbers/000004.log",
+                     ".local/state/project/.git/logs/HEAD.log",
+                     ".local/state/hexchat/room.log",
+                     ".local/share/gvfs-metadata/logs/home.log",
+                     ".local/share/org.project.Element/logs/room.log",
+                     ".local/share/konversation/logs/room.log",
+                     ".config/Code/Crashpad/pending/b.dmp",
+                     ".var/app/org.gajim.Gajim/.local/state/chat/room.log",
+                     ".purple/logs/friend.log"});
+    fs::create_symlink(home_ / "Documents/x", home_ / ".local/state/tool/linked.log");
+    fs::create_hard_link(home_ / "Documents/logs/x.log", home_ / ".local/state/tool/twice.log");
+    fs::create_directory_symlink(home_ / "Documents/logs", home_ / ".local/share/linked");
+}
+
 void LinuxDesktop::makeDesktopEntries() const {
     const auto entries = home_ / ".local/share/applications";
     const auto theme = home_ / ".local/share/icons/hicolor";
@@ -336,13 +391,31 @@ void LinuxDesktop::makeAll() const {
     makeCaches();
     makeApplications();
     makeTools();
+    makeLogs();
     makeDesktopEntries();
     makePrecious();
 }
 
 std::vector<fs::path> LinuxDesktop::changingFolders() {
-    return {".cache", ".var",    "snap",     ".npm",        ".cargo", "go",      ".gradle",
-            ".ivy2",  ".rustup", ".android", ".thumbnails", ".wine",  ".config", ".local/share"};
+    return {".cache",
+            ".var",
+            "snap",
+            ".npm",
+            ".cargo",
+            "go",
+            ".gradle",
+            ".ivy2",
+            ".rustup",
+            ".android",
+            ".thumbnails",
+            ".wine",
+            ".config",
+            ".local/share",
+            ".local/state",
+            ".minecraft",
+            "VirtualBox VMs",
+            ".xsession-errors",
+            ".xsession-errors.old"};
 }
 
 std::vector<fs::path> LinuxDesktop::precious() {
@@ -359,7 +432,11 @@ std::vector<fs::path> LinuxDesktop::precious() {
             "snap/editor/x12/.cache",
             ".m2/repository/x",
             ".mozilla/firefox/abc.default/places.sqlite",
-            ".local/share/Steam/steamapps/common/game/x"};
+            ".local/share/Steam/steamapps/common/game/x",
+            ".local/state/store/000003.log",
+            ".local/state/hexchat/room.log",
+            ".local/state/nvim/undo/x",
+            "Documents/logs/x.log"};
 }
 
 void LinuxDesktop::runFlatpak(const fs::path& runtime, const std::string& identifier, pid_t process) {

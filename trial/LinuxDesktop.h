@@ -20,6 +20,8 @@ public:
     void makeApplications() const;
     /// Developers' and players' caches outside of ~/.cache, and what lies beside them.
     void makeTools() const;
+    /// Logs of the desktop and of programs, and much that only looks like one.
+    void makeLogs() const;
     /// Desktop entries of the applications, so that rows have their names.
     void makeDesktopEntries() const;
     /// What the program must leave as it is, wherever it stands.

@@ -161,6 +161,10 @@
         <source>Unfinished; %1 is writing to it</source>
         <translation>Unfertig; %1 schreibt gerade hinein</translation>
     </message>
+    <message>
+        <source>May still be wanted to report a crash</source>
+        <translation>Wird vielleicht noch gebraucht, um einen Absturz zu melden</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>

@@ -5,6 +5,8 @@
 
 #include "files/trees/Measure.h"
 #include "platform/System.h"
+#include "platform/text/DisplayText.h"
+#include "scanners/places/RowNames.h"
 
 namespace brimvault::scanners {
 
@@ -16,6 +18,23 @@ constexpr SLogsOperation::LogSource systemLogs = 2;
 constexpr SLogsOperation::LogSource containerLogs = 3;
 constexpr std::array sources = {userLogs, crashReports, systemLogs, containerLogs};
 
+// Profiles are found as the Caches section finds them; whatever it thinks of their caches, logs are no one's work.
+std::vector<PlaceRule> rulesOfLogs() {
+    const auto logs = logsRules();
+    std::vector<PlaceRule> rules(logs.begin(), logs.end());
+    for (auto rule : cachesRules()) {
+        if (rule.shape == PlaceShape::profile ||
+            (rule.base == PlaceBase::profile && rule.answer == PlaceAnswer::spared)) {
+            if (rule.answer == PlaceAnswer::unticked) {
+                rule.answer = PlaceAnswer::ticked;
+                rule.note = engine::ItemNote::none;
+            }
+            rules.push_back(rule);
+        }
+    }
+    return rules;
+}
+
 }  // namespace
 
 void SLogsOperation::main() {
@@ -23,18 +42,26 @@ void SLogsOperation::main() {
         calculateFilesInSource(source);
     }
     calculateFilesInContainers();
-    collectLogs(expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
+    const auto rules = rulesOfLogs();
+    const FoundPlaces places(rules, stopToken());
+    const auto found = findByRules(places);
+    setTopLevelItemsCount(nTopLevelItemsCount() + static_cast<qint64>(found.size()));
+    collectLogs(found, expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
     closeRoots();
     sendOperationCompleted();
 }
 
-void SLogsOperation::collectLogs(ScanBatches& batches) {
+void SLogsOperation::collectLogs(const std::vector<LogsOfRow>& byRules, ScanBatches& batches) {
     for (const LogSource source : sources) {
         batches.beginPass();
         collectFilesFromSource(source, batches);
     }
     batches.beginPass();
     collectFromContainers(batches);
+    batches.beginPass();
+    for (const auto& found : byRules) {
+        collectLogsOf(found, batches);
+    }
 }
 
 std::optional<std::filesystem::path> SLogsOperation::urlOfSource(LogSource source) const {
@@ -109,6 +136,56 @@ void SLogsOperation::collectFromContainers(ScanBatches& batches) const {
                  .space = std::move(measured.space)},
                 batches);
     }
+}
+
+// What lies in a profile belongs to its program, also where another rule finds it.
+std::vector<SLogsOperation::LogsOfRow> SLogsOperation::findByRules(const FoundPlaces& places) const {
+    std::vector<LogsOfRow> found;
+    if (places.rows().empty()) {
+        return found;
+    }
+    const LogNames names(logsRules());
+    const auto writers = files::OpenFiles::now(stopToken(), files::OpenFor::writing);
+    std::set<std::uint64_t> taken;
+    for (const bool isOfProfile : {true, false}) {
+        for (const auto& row : places.rows()) {
+            if (row.profile.empty() == isOfProfile || isCancelled()) {
+                continue;
+            }
+            if (LogFiles logs(row, {names, writers, taken, stopToken()}); logs.count() > 0 && !isCancelled()) {
+                found.push_back({&row, std::move(logs)});
+            }
+        }
+    }
+    return found;
+}
+
+void SLogsOperation::collectLogsOf(const LogsOfRow& found, ScanBatches& batches) {
+    batches.step();
+    const auto& row = *found.row;
+    const auto& logs = found.logs;
+    const auto& first = logs.targets().front();
+    const bool isOne = logs.count() == 1;
+    const auto name = nameOf(row, applications_);
+    // A row never stands for the user's home folder or another base.
+    const bool isShownAsFile = isOne || row.path == row.root->resolved;
+    const bool isWritten = logs.writer() != 0;
+    addItem({.path = isShownAsFile ? std::filesystem::path(first.folder->path) / first.names.front() : row.path,
+             .name = isOne ? name.title + " \u2013 " + first.names.front() : name.title,
+             .size = logs.size(),
+             .kind = isShownAsFile ? files::NodeKind::regular : files::NodeKind::directory,
+             .root = row.root,
+             .ticked = row.answer == PlaceAnswer::ticked,
+             .note = isWritten ? moreSerious(row.note, engine::ItemNote::emptied) : row.note,
+             .details =
+                 engine::ItemDetails{
+                     .rule = logs.rule().id,
+                     .noteArgument = isWritten ? platform::displayText(files::programName(logs.writer())) : QString(),
+                     .application = QString::fromStdString(name.desktopEntry),
+                     .targets = logs.targets(),
+                     .trashed = {}},
+             .space = logs.space()},
+            batches);
 }
 
 }  // namespace brimvault::scanners

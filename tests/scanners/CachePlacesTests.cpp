@@ -14,7 +14,8 @@
 #include "support/SubstituteHome.h"
 #include "trial/LinuxDesktop.h"
 
-// What the rules of resources/places make of a whole desktop, and that a clean leaves all else as it was.
+// What the rules of resources/places make of a whole desktop's caches and logs, and that a clean leaves all else as it
+// was.
 
 namespace brimvault::tests {
 
@@ -71,7 +72,7 @@ std::vector<std::string> goldenLines() {
 TEST_F(CachePlaces, OfAWholeDesktopAreListedAsTheGoldenListHasThem) {
     desktop_.makeAll();
     LinuxDesktop::runFlatpak(runtime_, "org.example.Running", 1);
-    const auto found = lines(scanSection(Section::caches).items);
+    const auto found = lines(scanSection(Section::caches).items + scanSection(Section::logs).items);
     const auto expected = goldenLines();
     std::string difference;
     const auto tell = [&](const auto& from, const auto& without, const char* sign) {
@@ -231,9 +232,10 @@ TEST_F(CachePlaces, AreCalledAsTheDesktopCallsTheirApplications) {
 TEST_F(CachePlaces, AreCleanedWithoutTouchingAnythingElse) {
     desktop_.makeAll();
     LinuxDesktop::runFlatpak(runtime_, "org.example.Running", 1);
-    const auto items = scanSection(Section::caches).items;
+    const auto caches = scanSection(Section::caches).items;
+    const auto logs = scanSection(Section::logs).items;
     std::vector<fs::path> toGo;
-    for (const auto& item : items) {
+    for (const auto& item : caches + logs) {
         if (item->ppbChecked()) {
             for (const auto& path : item->removalPaths()) {
                 toGo.push_back(path.lexically_relative(home_));
@@ -257,13 +259,14 @@ TEST_F(CachePlaces, AreCleanedWithoutTouchingAnythingElse) {
     };
     const auto before = fingerprint(home_, toGo);
     const auto inodesBefore = inodes();
-    EXPECT_TRUE(cleanItems(Section::caches, items).empty());
+    EXPECT_TRUE(cleanItems(Section::caches, caches).empty());
+    EXPECT_TRUE(cleanItems(Section::logs, logs).empty());
     for (const auto& path : toGo) {
         EXPECT_FALSE(files::statusOf(home_ / path)) << path;
     }
     EXPECT_EQ(fingerprint(home_), before);
     EXPECT_EQ(inodes(), inodesBefore);
-    const auto left = scanSection(Section::caches).items;
+    const auto left = scanSection(Section::caches).items + scanSection(Section::logs).items;
     EXPECT_TRUE(std::none_of(left.begin(), left.end(), [](const auto& item) { return item->ppbChecked(); }));
 }
 

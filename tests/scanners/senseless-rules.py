@@ -42,6 +42,19 @@ SENSELESS = [
     {"ticked": '"yes"'},
     {"title": '"a\\u202eb"'},
 ]
+GRAMMARS = r"[grammar]" "\n" r"good = '^a\.log$'" "\n" r"open = 'a\.log$'" "\n" r"two = '^a$|^b$'" "\n"
+LOGS = {**GOOD, "patterns": '["*/logs"]', "shape": '"files"', "grammar": '"good"', "depth": "1"}
+SENSELESS_LOGS = [
+    {"grammar": None},
+    {"grammar": '"none"'},
+    {"grammar": '"open"'},
+    {"grammar": '"two"'},
+    {"depth": "5"},
+    {"depth": "true"},
+    {"patterns": '["."]'},
+    {"shape": '"children"', "depth": None},
+    {"base": '"system"', "shape": None, "grammar": None, "depth": None, "patterns": '["var/crash"]'},
+]
 
 
 def rows(*rules):
@@ -69,4 +82,8 @@ with tempfile.TemporaryDirectory() as made:
     assert not compiles(rows(GOOD, {**GOOD, "patterns": '[".y/cache"]'})), "one identifier for two rules"
     assert not compiles(rows(GOOD, {**GOOD, "id": '"y"'})), "one pattern in two rules"
     assert not compiles("[[rule]\n")
+    assert compiles(GRAMMARS + rows(LOGS))
+    for change in SENSELESS_LOGS:
+        changed = {key: value for key, value in {**LOGS, **change}.items() if value is not None}
+        assert not compiles(GRAMMARS + rows(changed)), change
 print("None of them is compiled.")

@@ -60,6 +60,8 @@ const char* keyOf(ItemNote note) {
             return "unfinished";
         case ItemNote::deleting:
             return "deleting";
+        case ItemNote::report:
+            return "report";
     }
     Q_UNREACHABLE();
 }
@@ -99,6 +101,8 @@ QString textOf(ItemNote note, const QString& argument) {
             return text(QT_TRANSLATE_NOOP("ItemNote", "Unfinished, last written on %1")).arg(dayOf(argument));
         case ItemNote::deleting:
             return text(QT_TRANSLATE_NOOP("ItemNote", "Being deleted"));
+        case ItemNote::report:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "May still be wanted to report a crash"));
     }
     Q_UNREACHABLE();
 }

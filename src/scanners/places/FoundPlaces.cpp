@@ -46,8 +46,11 @@ std::optional<fs::path> namedBase(PlaceBase base) {
             return variable("GOPATH");
         case PlaceBase::goModCache:
             return variable("GOMODCACHE");
+        case PlaceBase::system:
+            return LibraryURLs::baseFolder(BaseFolder::cache) ? std::optional(platform::systemRoot()) : std::nullopt;
         case PlaceBase::cache:
         case PlaceBase::profile:
+        case PlaceBase::anywhere:
             break;  // they begin in what other rules match
     }
     return std::nullopt;
@@ -94,7 +97,7 @@ files::Result<files::DirectoryHandle> openMatch(const PlaceMatch& match) {
 }
 
 bool isFolderRow(const PlaceRule& rule) {
-    return rule.shape == PlaceShape::children || rule.shape == PlaceShape::cache;
+    return rule.shape == PlaceShape::children || rule.shape == PlaceShape::cache || rule.shape == PlaceShape::files;
 }
 
 std::optional<PlaceFolder> folderOf(const PlaceRule& rule, const files::DirectoryHandle& folder, const fs::path& path) {
@@ -148,7 +151,7 @@ void FoundPlaces::find(const PlaceRule& rule, ProfileFolders& profiles) {
     }
     for (const std::string_view pattern : rule.patterns) {
         if (pattern == ".") {
-            if (exists(from->handle, rule.holds)) {
+            if (*rule.holds == '\0' || exists(from->handle, rule.holds)) {
                 addMatch(rule, *from, {}, {}, from->handle);
             }
             continue;
@@ -238,7 +241,7 @@ PlaceRow& FoundPlaces::rowFor(const PlaceRule& rule, const Base& from, std::stri
         PlaceRow row{&rule, from.place->resolved, rule.answer, rule.note, rule.running, {}, {}, {}, {}, from.place};
         row.path = path.empty() ? row.path : row.path / path;
         row.package = isPackage ? joined.filename().native() : "";
-        row.application = row.package;
+        row.application = isPackage || rule.shape == PlaceShape::files ? joined.filename().native() : "";
         rows_.push_back(std::move(row));
     }
     return rows_[known->second];
@@ -258,6 +261,7 @@ void FoundPlaces::removeSpared() {
 
 void FoundPlaces::removeRepeated() {
     std::map<fs::path, PlaceRow*> holders;  // by the folder
+    const auto isWhole = [](const PlaceFolder& folder) { return folder.rule->shape != PlaceShape::files; };
     for (auto& row : rows_) {
         for (const auto& folder : row.folders) {
             auto& holder = holders[folder.path];
@@ -265,7 +269,8 @@ void FoundPlaces::removeRepeated() {
         }
     }
     for (auto& row : rows_) {
-        std::erase_if(row.folders, [&](const PlaceFolder& folder) { return holders[folder.path] != &row; });
+        std::erase_if(row.folders,
+                      [&](const PlaceFolder& folder) { return isWhole(folder) && holders[folder.path] != &row; });
     }
 }
 

@@ -34,7 +34,7 @@ struct PlaceRow {
     engine::ItemNote note;
     PlaceRunning running;
     std::string package;               ///< its identifier in its package system; empty if it is from none
-    std::string application;           ///< the name of its profile's folder, else the identifier; empty if unknown
+    std::string application;           ///< the name of its profile's or its logs' folder, else the identifier; or empty
     std::filesystem::path profile;     ///< the folder of its profiles; empty for other rows
     std::vector<PlaceFolder> folders;  ///< none for a row that stands for its path
     std::shared_ptr<const platform::RootPlace> root;  ///< where the rule's base led
@@ -73,7 +73,7 @@ private:
     PlaceRow& rowFor(const PlaceRule& rule, const Base& from, std::string_view pattern,
                      const std::filesystem::path& path);
     void removeSpared();
-    /// A folder that several rows have stays in the one with the strictest answer.
+    /// A folder that several rows have whole stays in the one with the strictest answer.
     void removeRepeated();
     void removeEmptyRows();
     [[nodiscard]] bool isData(std::string_view name) const;

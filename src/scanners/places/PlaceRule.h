@@ -20,10 +20,12 @@ enum class PlaceBase {
     stateHome,
     goPath,      ///< GOPATH, where it is set
     goModCache,  ///< GOMODCACHE, where it is set
+    system,      ///< the root of the file system
+    anywhere,    ///< the patterns are names of folders, wherever they are
 };
 
 /// What of a match is listed.
-enum class PlaceShape { entry, children, cache, profile };
+enum class PlaceShape { entry, children, cache, profile, files };
 
 /// The later answer is the stricter.
 enum class PlaceAnswer { ticked, unticked, spared };
@@ -43,6 +45,7 @@ struct PlaceEvidence {
     bool youngerThanADay = false;
     bool open = false;  ///< by another program
     bool tagged = false;
+    bool coreDump = false;
 };
 
 struct PlaceRule {
@@ -54,7 +57,9 @@ struct PlaceRule {
     PlaceShape shape;
     const char* row;  ///< the part of the patterns whose matches are one row each; empty for one row a match
     Names keep;
-    const char* holds;  ///< empty for nothing
+    const char* holds;    ///< empty for nothing
+    const char* grammar;  ///< of the names of files, a regular expression; empty for other shapes
+    int depth;            ///< levels below the match where files are looked for as well
     PlaceEvidence evidence;
     PlaceAnswer answer;
     engine::ItemNote note;
@@ -64,5 +69,7 @@ struct PlaceRule {
 
 /// The rules of the Caches section, in the order of the file.
 [[nodiscard]] std::span<const PlaceRule> cachesRules();
+/// Those of the Logs section.
+[[nodiscard]] std::span<const PlaceRule> logsRules();
 
 }  // namespace brimvault::scanners

@@ -5,7 +5,7 @@ namespace brimvault::scanners {
 namespace {
 
 std::optional<platform::DesktopEntry> entryOf(const PlaceRow& row, platform::DesktopEntries& entries) {
-    if (!row.profile.empty()) {
+    if (!row.profile.empty() || (row.rule->shape == PlaceShape::files && row.package.empty())) {
         return entries.findByClassOrProgram(row.application);
     }
     // The entries of Snap are named after the snap and the program, which have one name for a snap of one program.

@@ -36,11 +36,12 @@ def line(item):
 with tempfile.TemporaryDirectory() as made:
     home = os.path.join(os.path.realpath(made), "home")
     subprocess.run([sample_home, home, "--linux-desktop"], check=True, stdout=subprocess.DEVNULL)
-    ended = scan(trial_home, home, ["sh", "-c", RUNNING, "sh", program, "--json", "--section", "caches"])
+    ended = scan(trial_home, home, ["sh", "-c", RUNNING, "sh", program, "--json", "--section", "caches",
+                                    "--section", "logs"])
     assert ended.returncode == 0 and not ended.stderr, ended.stderr
-    items = json.loads(ended.stdout)["sections"][0]["items"]
+    items = [item for section in json.loads(ended.stdout)["sections"] for item in section["items"]]
     assert not [item for item in items if not item["path"].startswith(home + "/")]
-    # The sample home has caches of its own in the Library folder.
+    # The sample home has caches and logs of its own in the Library folder.
     found = {line(item) for item in items if f"{home}/Library/" not in item["path"]}
     with open(golden) as lines:
         expected = {text for text in lines.read().splitlines() if not text.startswith("#")}
