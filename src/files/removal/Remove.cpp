@@ -13,6 +13,7 @@
 
 #include "files/SystemCall.h"
 #include "files/removal/OwnFolders.h"
+#include "files/removal/RemovedCount.h"
 #include "files/walk/SharedWalk.h"
 
 // How a removal avoids races
@@ -36,8 +37,6 @@ namespace brimvault::files {
 namespace {
 
 enum class Kind : int { file = 0, emptyFolder = AT_REMOVEDIR };
-
-std::atomic<std::uint64_t> removedCount = 0;
 
 // 0, or an errno value.
 int unlinkEntry(const DirectoryHandle& parent, const char* name, Kind kind) {

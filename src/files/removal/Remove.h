@@ -39,8 +39,8 @@ public:
 /// byte.
 [[nodiscard]] bool isPlainAbsolute(const std::filesystem::path& path);
 
-/// How many files and folders this process has removed so far. If it does not grow during a removal, that one hangs.
-/// Any thread.
+/// How many files and folders this process has removed or emptied so far. If it does not grow during a removal, that
+/// one hangs. Any thread.
 [[nodiscard]] std::uint64_t entriesRemoved();
 
 /// Removes a file, a link or a folder with its contents, for good.
