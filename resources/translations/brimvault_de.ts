@@ -23,6 +23,10 @@
         <source>It is not the file or folder that was scanned any more</source>
         <translation>Es ist nicht mehr die Datei oder der Ordner vom Scan</translation>
     </message>
+    <message>
+        <source>A program writes to it, and it has another name as well</source>
+        <translation>Ein Programm schreibt hinein, und es gibt noch einen anderen Namen dafür</translation>
+    </message>
 </context>
 <context>
     <name>CleanQuestion</name>

@@ -53,6 +53,8 @@ struct ItemDetails {
     QString application;              ///< the identifier of the desktop entry whose icon it has
     bool needsAdministrator = false;  ///< belongs to another user
     bool isUnfinished = false;        ///< a download that was not finished, whatever the note is
+    /// It is a log, or stands for logs: one that a process writes to when it is to be removed is emptied instead.
+    bool isEmptiedWhileWritten = false;
     /// Set for an item that stands for several things: these alone are removed, and never what its path names.
     std::vector<ItemTargets> targets;
     std::optional<platform::TrashRecord> trashed;  ///< set for an item of a desktop's trash

@@ -19,8 +19,9 @@ struct ItemOutcome {
     std::vector<std::filesystem::path> paths = {};  ///< what was acted on: its own path, or those that it stands for
     quint64 bytes = 0;                              ///< that its removal was to free
     std::optional<std::uint64_t> device = {};       ///< where it was found; none if no scan found it
-    bool gone = false;
-    QString reason = {};  ///< why it is not gone, for people
+    bool gone = false;                              ///< also if it was emptied
+    QString reason = {};                            ///< why it is not gone, for people
+    qsizetype emptied = 0;  ///< files of it that were emptied and not removed, since processes write to them
 };
 
 /// Called on the thread that removes, which waits for it: does nothing that may block.

@@ -62,14 +62,14 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
         if (item->hasPath() && holdsAnyOf(location, spared)) {
             take({false, holdsSparedText()}, item, {location}, removed, notRemoved);
         } else if (item->hasPath()) {
-            take(remover.remove(location, item->foundIn()), item, {location}, removed, notRemoved);
+            take(remover.removeItem(*item, location), item, {location}, removed, notRemoved);
         } else if (location.empty() && !folder && !isRootRefused_) {
             take({true, {}}, item, {item->pfname()}, removed, notRemoved);
         } else if ((location.empty() && !folder) || !isOneName(item->pfname())) {
             take({false, ItemRemoval::withoutSystemText()}, item, {item->pfname()}, removed, notRemoved);
         } else {
             const auto path = location.empty() ? *folder / item->pfname() : location;
-            take(remover.remove(path, item->foundIn()), item, {path}, removed, notRemoved);
+            take(remover.removeItem(*item, path), item, {path}, removed, notRemoved);
         }
     }
     afterRemoving(remover);
@@ -78,7 +78,8 @@ void CBaseOperation2::removeItems(const ItemArray& items, const std::optional<st
 void CBaseOperation2::take(const ItemRemoval& removal, const std::shared_ptr<FFItem>& item,
                            std::vector<std::filesystem::path> paths, ItemArray& removed,
                            NotRemovedDictionary& notRemoved) {
-    report({section(), std::move(paths), expectedToFree(*item), deviceOf(*item), removal.gone, removal.reason});
+    report({section(), std::move(paths), expectedToFree(*item), deviceOf(*item), removal.gone, removal.reason,
+            removal.emptied});
     const std::lock_guard guard(resultsMutex_);
     if (removal.gone) {
         removed.append(item);

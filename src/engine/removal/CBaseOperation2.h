@@ -24,8 +24,8 @@ public:
         : SectionOperation(section), pCArray_(items), remover_(remover) {}
 
     /// Permanently removes every item that is checked, deletable and not of size 0. An item that is gone is added to
-    /// `removed`, also if there was nothing at its path; any other to `notRemoved`, with the system's reason. After a
-    /// cancel the current item is finished, and no other begun.
+    /// `removed`, also if there was nothing at its path, or if it was emptied since a process writes to it; any other
+    /// to `notRemoved`, with the system's reason. After a cancel the current item is finished, and no other begun.
     ///
     /// A folder stays if it holds another item of the list that is not checked or not agreed to. Of an item that stands
     /// for several things these alone are removed.

@@ -7,6 +7,7 @@
 
 #include "engine/model/FileManager.h"
 #include "files/NodeStatus.h"
+#include "files/removal/EmptyFile.h"
 #include "files/removal/Remove.h"
 #include "platform/FolderLocations.h"
 #include "platform/System.h"
@@ -62,6 +63,27 @@ bool isOutsideOfTrial(const std::filesystem::path& item) {
 
 QString systemText(const files::Failure& failure) { return QString::fromLocal8Bit(failure.text().c_str()); }
 
+ItemRemover::IfWritten ifWritten(const FFItem& item) {
+    return item.details().isEmptiedWhileWritten ? ItemRemover::IfWritten::empty : ItemRemover::IfWritten::remove;
+}
+
+// Never removed where that fails: its writer would go on filling the disk, where nobody finds the file any more.
+ItemRemoval emptied(const files::DirectoryHandle& folder, const std::filesystem::path& path, std::uint64_t identity) {
+    const int code = files::emptyFileIn(folder, path.filename().c_str(), identity).code();
+    switch (code) {
+        case 0:
+            return {true, {}, 1};
+        case ENOENT:
+            return {true, {}};
+        case ESTALE:
+            return {false, ItemRemoval::replacedText()};
+        case EMLINK:
+            return {false, ItemRemoval::severalNamesText()};
+        default:
+            return {false, systemText({code, path})};
+    }
+}
+
 }  // namespace
 
 QString ItemRemoval::withoutSystemText() { return QCoreApplication::translate("Clean", "Can't remove file"); }
@@ -74,17 +96,21 @@ QString ItemRemoval::replacedText() {
     return QCoreApplication::translate("Clean", "It is not the file or folder that was scanned any more");
 }
 
+QString ItemRemoval::severalNamesText() {
+    return QCoreApplication::translate("Clean", "A program writes to it, and it has another name as well");
+}
+
 QString ItemRemoval::outsideOfTrialText() {
     return QCoreApplication::translate("Clean", "It lies outside of the trial");
 }
 
 ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
-                                const ExpectedNode& expected) {
+                                const ExpectedNode& expected, IfWritten ifWritten) {
     if (!path.is_absolute()) {
         return {false, ItemRemoval::withoutSystemText()};  // never resolve against the working directory
     }
     if (foundIn == nullptr) {
-        return removeNow(path, nullptr, expected);
+        return removeNow(path, nullptr, expected, ifWritten);
     }
     const bool leadsThere = leadsWhereItDid(*foundIn);
     const int code = foundIn->folder ? openFolder(foundIn, path.parent_path()) : 0;
@@ -98,30 +124,40 @@ ItemRemoval ItemRemover::remove(const std::filesystem::path& path, const std::sh
         return isOnDevice(path.parent_path(), foundIn->folder->device) ? ItemRemoval{true, {}}
                                                                        : ItemRemoval{false, systemText({code, path})};
     }
-    return removeNow(path, foundIn->folder ? &*folder_ : nullptr, expected);
+    return removeNow(path, foundIn->folder ? &*folder_ : nullptr, expected, ifWritten);
+}
+
+ItemRemoval ItemRemover::removeItem(const FFItem& item, const std::filesystem::path& path) {
+    const bool isLog = item.details().isEmptiedWhileWritten;
+    return remove(path, item.foundIn(), isLog ? ExpectedNode{.identity = item.identity()} : ExpectedNode(),
+                  ifWritten(item));
 }
 
 ItemRemoval ItemRemover::removeTargets(const FFItem& item, const Veto& veto) {
     ItemRemoval all{true, {}};
     for (const auto& target : item.details().targets) {
         for (std::size_t number = 0; number < target.names.size(); ++number) {
-            const auto removal = removeTarget(target, number, veto);
+            const auto removal = removeTarget(target, number, veto, ifWritten(item));
+            all.emptied += removal.emptied;
             if (all.gone && !removal.gone) {
-                all = removal;
+                all.gone = false;
+                all.reason = removal.reason;
             }
         }
     }
     return all;
 }
 
-ItemRemoval ItemRemover::removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto) {
+ItemRemoval ItemRemover::removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto,
+                                      IfWritten ifWritten) {
     const auto& name = target.names[number];
     if (target.folder == nullptr || !isOneName(name)) {
         return {false, ItemRemoval::withoutSystemText()};
     }
     const auto path = std::filesystem::path(target.folder->path) / name;
     const QString reason = veto ? veto(path) : QString();
-    return reason.isEmpty() ? remove(path, target.folder, target.expectedOf(number)) : ItemRemoval{false, reason};
+    return reason.isEmpty() ? remove(path, target.folder, target.expectedOf(number), ifWritten)
+                            : ItemRemoval{false, reason};
 }
 
 ItemRemover::Reached ItemRemover::reach(const std::filesystem::path& path,
@@ -184,7 +220,7 @@ QString ItemRemover::reasonToKeep(const std::filesystem::path& path, const files
 }
 
 ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
-                                   const ExpectedNode& expected) {
+                                   const ExpectedNode& expected, IfWritten ifWritten) {
     const auto item =
         folder == nullptr ? files::statusOf(path) : files::statusAt(folder->descriptor(), path.filename().c_str());
     if (item.code() == ENOENT || item.code() == ENOTDIR) {
@@ -194,6 +230,10 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     const QString reason = reasonToKeep(path, item ? *item : files::NodeStatus(), item ? expected : ExpectedNode());
     if (!reason.isEmpty()) {
         return {false, reason};
+    }
+    if (ifWritten == IfWritten::empty && folder != nullptr && item && expected.identity != 0 &&
+        written_.isWritten(item->identity)) {
+        return emptied(*folder, path, expected.identity);
     }
     const auto holder = folder == nullptr ? identityOf(path.parent_path()) : folderFoundIn_->folder;
     const auto record = TrashCleanup::recordOf(path);

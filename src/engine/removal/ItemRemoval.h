@@ -13,13 +13,15 @@
 #include "engine/removal/PrivilegedRemover.h"
 #include "engine/removal/ProtectedFolders.h"
 #include "engine/removal/TrashCleanup.h"
+#include "engine/removal/WrittenFiles.h"
 #include "files/DirectoryHandle.h"
 
 namespace brimvault::engine {
 
 struct [[nodiscard]] ItemRemoval {
-    bool gone = false;  ///< nothing is left under the path
-    QString reason;     ///< why something is left, for the user: the system's text if there is one
+    bool gone = false;      ///< nothing is left under the path, or what is left was emptied
+    QString reason;         ///< why something is left, for the user: the system's text if there is one
+    qsizetype emptied = 0;  ///< files that were emptied and not removed, since processes write to them
 
     /// The reason if the system gives none.
     static QString withoutSystemText();
@@ -27,6 +29,8 @@ struct [[nodiscard]] ItemRemoval {
     static QString exchangedText();
     /// The reason if something else has come into the item's place since it was found.
     static QString replacedText();
+    /// The reason if a log that is written to has further names, which keep what it holds.
+    static QString severalNamesText();
     /// The reason if the program runs over a made-up home folder (`platform::systemRoot`) that does not hold the item.
     static QString outsideOfTrialText();
 };
@@ -37,16 +41,24 @@ struct [[nodiscard]] ItemRemoval {
 /// of the desktop's trash takes along what the trash keeps of it: its .trashinfo record at once, its size when this is
 /// destroyed.
 ///
+/// A log is emptied where other processes have it open for writing (`ItemDetails::isEmptiedWhileWritten`): its blocks
+/// would stay taken without its name. Nobody is asked for rights then. One whose folder or identity is not known is
+/// removed.
+///
 /// If permission is denied the privileged remover is asked, once, unless the item or its folder is locked (immutable or
 /// append-only). Blocks; one thread, and not the main one. The remover outlives it.
 class ItemRemover {
 public:
     explicit ItemRemover(PrivilegedRemover& remover) : remover_(remover) {}
 
+    /// What becomes of a file that another process has open for writing.
+    enum class IfWritten { remove, empty };
     /// `foundIn` is null for an item that no scan found: then whatever is at the path is removed. Nothing but
     /// what is expected is removed.
     ItemRemoval remove(const std::filesystem::path& path, const std::shared_ptr<const FoundIn>& foundIn,
-                       const ExpectedNode& expected = {});
+                       const ExpectedNode& expected = {}, IfWritten ifWritten = IfWritten::remove);
+    /// Removes an item without targets from the path where it lies; a log only if it is the file that was scanned.
+    ItemRemoval removeItem(const FFItem& item, const std::filesystem::path& path);
 
     /// Why what is at a path must stay; empty if it may go.
     using Veto = std::function<QString(const std::filesystem::path& path)>;
@@ -68,7 +80,7 @@ public:
     void removeOrphans(TrashCleanup::Clock::time_point now) const { trashes_.removeOrphans(now); }
 
 private:
-    ItemRemoval removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto);
+    ItemRemoval removeTarget(const ItemTargets& target, std::size_t number, const Veto& veto, IfWritten ifWritten);
     /// Empty if nothing speaks against its going.
     [[nodiscard]] QString reasonToKeep(const std::filesystem::path& path, const files::NodeStatus& item,
                                        const ExpectedNode& expected);
@@ -76,11 +88,12 @@ private:
     /// 0, or the errno value of opening the folder.
     [[nodiscard]] int openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
     ItemRemoval removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
-                          const ExpectedNode& expected);
+                          const ExpectedNode& expected, IfWritten ifWritten);
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;
     TrashCleanup trashes_;
+    WrittenFiles written_;
     std::optional<ProtectedFolders> protected_;  ///< made for the first folder or link that is to be removed
     std::map<std::shared_ptr<const platform::RootPlace>, bool> leadsCache_;
     // The folder of the last item, kept open for the next.

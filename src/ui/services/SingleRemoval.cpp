@@ -74,18 +74,25 @@ bool SingleRemoval::ask(const QString& name, QStringList where, qsizetype itemsI
 }
 
 void SingleRemoval::remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
-                           const Finished& finished, const Listed& listed) {
+                           const Finished& finished) {
     begin(
         platform::displayText(path.filename()),
-        [path, foundIn](engine::ItemRemover& remover) { return remover.remove(path, foundIn); },
-        {.section = listed.section, .paths = {path}, .bytes = listed.bytes}, finished);
+        [path, foundIn](engine::ItemRemover& remover) { return remover.remove(path, foundIn); }, {.paths = {path}},
+        finished);
 }
 
-void SingleRemoval::removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished,
-                                  std::optional<engine::Section> section) {
+void SingleRemoval::removeItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
+                               const Finished& finished, std::optional<engine::Section> section) {
+    const bool isSeveral = item->hasTargets();
     begin(
-        item->ppdisplayName(), [item](engine::ItemRemover& remover) { return remover.removeTargets(*item); },
-        {.section = section, .paths = item->removalPaths(), .bytes = engine::expectedToFree(*item)}, finished);
+        isSeveral ? item->ppdisplayName() : platform::displayText(path.filename()),
+        [item, path, isSeveral](engine::ItemRemover& remover) {
+            return isSeveral ? remover.removeTargets(*item) : remover.removeItem(*item, path);
+        },
+        {.section = section,
+         .paths = isSeveral ? item->removalPaths() : std::vector{path},
+         .bytes = engine::expectedToFree(*item)},
+        finished);
 }
 
 void SingleRemoval::begin(const QString& name, const Removal& removal, engine::ItemOutcome outcome,
@@ -98,6 +105,7 @@ void SingleRemoval::begin(const QString& name, const Removal& removal, engine::I
             auto done = removal(remover);
             outcome.gone = done.gone;
             outcome.reason = done.reason;
+            outcome.emptied = done.emptied;
             history.add(outcome);
             return done;
         },

@@ -30,18 +30,13 @@ public:
     /// The same of an item: the question says what it stands for, its note, and the notes of the items that go with it.
     [[nodiscard]] bool askToConfirm(const engine::FFItem& item, const std::filesystem::path& path,
                                     const engine::ItemArray& goingWithIt) const;
-    /// What a list knows of what is removed, for the history.
-    struct Listed {
-        std::optional<engine::Section> section = {};
-        quint64 bytes = 0;
-    };
     /// Removes the file at an absolute, normal path, and tells the user where that failed. Then posts
     /// "singleFileRemoveFinished" and calls `finished` with whether the file is gone.
     void remove(const std::filesystem::path& path, const std::shared_ptr<const engine::FoundIn>& foundIn,
-                const Finished& finished, const Listed& listed);
-    /// The same of all that the item stands for; it has targets.
-    void removeTargets(const std::shared_ptr<const engine::FFItem>& item, const Finished& finished,
-                       std::optional<engine::Section> section = std::nullopt);
+                const Finished& finished);
+    /// The same of an item at the path where it lies, or of all that it stands for.
+    void removeItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
+                    const Finished& finished, std::optional<engine::Section> section = std::nullopt);
 
     /// Whether a removal has not returned yet, or hangs.
     [[nodiscard]] bool isUnderWay() const { return underWay_ > 0; }

@@ -110,17 +110,12 @@ void UtilMod::announceStart() {
 
 void UtilMod::doRemoveFile(const std::filesystem::path& path, const std::function<void(bool success)>& finished,
                            const std::shared_ptr<const engine::FoundIn>& foundIn) {
-    removal_.remove(FileActions::standardized(path), foundIn, finished, {});
+    removal_.remove(FileActions::standardized(path), foundIn, finished);
 }
 
 void UtilMod::doRemoveItem(const std::shared_ptr<const engine::FFItem>& item, const std::filesystem::path& path,
                            const std::function<void(bool success)>& finished, std::optional<engine::Section> section) {
-    if (item->hasTargets()) {
-        removal_.removeTargets(item, finished, section);
-    } else {
-        removal_.remove(FileActions::standardized(path), item->foundIn(), finished,
-                        {section, engine::expectedToFree(*item)});
-    }
+    removal_.removeItem(item, FileActions::standardized(path), finished, section);
 }
 
 // To resolve a folder may block as long as the disk does.
