@@ -98,6 +98,19 @@
         <source>Freed %1 (%2 selected; %3 is still in use by %4 or shared)</source>
         <translation>%1 freigegeben (%2 ausgewählt; %3 noch von %4 benutzt oder geteilt)</translation>
     </message>
+    <message>
+        <source>1 log emptied</source>
+        <translation>1 Protokoll geleert</translation>
+    </message>
+    <message>
+        <source>%1 logs emptied</source>
+        <translation>%1 Protokolle geleert</translation>
+    </message>
+    <message>
+        <source>%1; %2</source>
+        <comment>what was freed, and what was emptied</comment>
+        <translation>%1; %2</translation>
+    </message>
 </context>
 <context>
     <name>ItemNote</name>

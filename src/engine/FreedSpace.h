@@ -13,6 +13,7 @@ struct FreedSpace {
     quint64 removed = 0;        ///< the part of it that has gone
     quint64 freed = 0;          ///< never more than was selected
     QStringList programs = {};  ///< that still use what has gone, if the difference is worth telling
+    qsizetype emptied = 0;      ///< files that were emptied and not removed, on whatever volume
 
     /// Removed and not freed: a program holds it open, or another file, a snapshot for instance, shares its blocks.
     [[nodiscard]] quint64 held() const { return removed - std::min(removed, freed); }

@@ -52,6 +52,8 @@ TEST(FreedTextTest, IsAsLongAsThereIsSomethingToTell) {
     EXPECT_EQ(ui::freedText({3400 * mega, 3400 * mega, 3100 * mega, {u"a"_s, u"b"_s, u"c"_s}}),
               u"Freed 3.1 GB (3.4 GB selected; 300 MB is still in use by a, b or shared)"_s);
     EXPECT_EQ(ui::freedText({900, 900, 0}), QString()) << "less than others write";
+    EXPECT_EQ(ui::freedText({900, 900, 0, {}, 1}), u"1 log emptied"_s);
+    EXPECT_EQ(ui::freedText({3100 * mega, 3100 * mega, 3100 * mega, {}, 2}), u"Freed 3.1 GB; 2 logs emptied"_s);
 }
 
 }  // namespace brimvault::tests

@@ -140,11 +140,12 @@ void FreedSpaceMeter::begin(std::vector<SelectedShare> selected, const std::vect
 }
 
 void FreedSpaceMeter::add(const ItemOutcome& outcome) {
+    const std::lock_guard lock(mutex_);
+    emptied_ += outcome.emptied;
     if (!outcome.gone) {
         return;
     }
     const auto path = outcome.paths.empty() ? std::string() : outcome.paths.front().native();
-    const std::lock_guard lock(mutex_);
     hasAnyGone_ = true;
     if (outcome.device) {
         // An item may free more by now, as others have gone with which it shared files: these are sets.
@@ -199,6 +200,7 @@ bool FreedSpaceMeter::hasRemovedAny() const {
 FreedSpace FreedSpaceMeter::compared(const std::map<Device, quint64>& freeNow) const {
     FreedSpace space;
     const std::lock_guard lock(mutex_);
+    space.emptied = emptied_;
     for (const auto& [device, now] : freeNow) {
         const auto& share = shares_.at(device);
         space.selected += share.selected;

@@ -78,6 +78,7 @@ private:
     /// Bytes by path, as they were at the first reading; 0 for what lies in something else that is selected.
     std::map<std::string, quint64> expected_;
     bool hasAnyGone_ = false;
+    qsizetype emptied_ = 0;
     std::uint64_t entriesBefore_ = 0;                                ///< what this process had removed
     std::set<std::pair<std::uint64_t, std::uint64_t>> inUseBefore_;  ///< removed files, by device and inode
 };

@@ -44,8 +44,9 @@ std::string RemovalHistory::line(const ItemOutcome& outcome, std::chrono::system
     text += told < outcome.paths.size() ? R"(,"moreTargets":)" + std::to_string(outcome.paths.size() - told) : "";
     text += isText ? "" : R"(,"pathEncoding":"percent")";
     text += R"(,"bytes":)" + std::to_string(outcome.bytes);
-    text += outcome.gone ? R"(,"result":"removed")"
-                         : R"(,"result":"failed","reason":)" + jsonString(outcome.reason.toStdString());
+    text += !outcome.gone          ? R"(,"result":"failed","reason":)" + jsonString(outcome.reason.toStdString())
+            : outcome.emptied != 0 ? R"(,"result":"emptied")"
+                                   : R"(,"result":"removed")";
     return text + "}\n";
 }
 

@@ -84,6 +84,16 @@ TEST_F(FreedSpaceOfVolumes, LeavesOutAVolumeThatDoesNotAnswer) {
     EXPECT_EQ(measured({{"/b", "/b/x", 2, 20 * mega}}, 0), std::nullopt) << "nothing was learned";
 }
 
+TEST_F(FreedSpaceOfVolumes, CountsWhatWasEmptiedAndItsBlocksLikeAnyOther) {
+    volumes_.setFree(1, 100 * mega);
+    FreedSpaceMeter meter(volumes_);
+    meter.begin({{"/a", "/a/log", 1, 30 * mega}, {"/a", "/a/logs", 1, 20 * mega, true}}, {}, {});
+    meter.add({.paths = {"/a/log"}, .bytes = 30 * mega, .device = 1, .gone = true, .emptied = 1});
+    meter.add({.paths = {"/a/logs"}, .bytes = 20 * mega, .device = 1, .gone = false, .emptied = 2});
+    volumes_.setFree(1, 130 * mega);
+    EXPECT_EQ(meter.end({}), (FreedSpace{50 * mega, 30 * mega, 30 * mega, {}, 3}));
+}
+
 TEST_F(FreedSpaceOfVolumes, AsksWhoUsesTheRestOnlyIfThatIsWorthTelling) {
     volumes_.inUseBefore = {{1, 10, 90 * mega, "old"}};
     volumes_.inUseAfter = {{1, 10, 90 * mega, "old"},      {1, 11, 5 * mega, "browser"}, {1, 12, 3 * mega, "small"},

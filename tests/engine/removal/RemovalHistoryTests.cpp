@@ -68,6 +68,10 @@ TEST_F(History, SaysOfEachItemWhatBecameOfItUnderExactlyItsPath) {
               R"({"time":"1970-01-02T00:00:00Z","section":"trash","targets":["/a%FF%25","/b"],)"
               R"("pathEncoding":"percent","bytes":0,"result":"removed"})"
               "\n");
+    failed.emptied = 1;
+    EXPECT_THAT(RemovalHistory::line(failed, time), testing::HasSubstr("\"failed\"")) << "something is left";
+    failed.gone = true;
+    EXPECT_THAT(RemovalHistory::line(failed, time), testing::EndsWith("\"bytes\":7,\"result\":\"emptied\"}\n"));
     ItemOutcome large{Section::caches, {}, 0, {}, true};
     large.paths.assign(20'000, "/some/long/path");
     const auto text = RemovalHistory::line(large, time);
