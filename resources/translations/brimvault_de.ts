@@ -182,6 +182,10 @@
         <source>May still be wanted to report a crash</source>
         <translation>Wird vielleicht noch gebraucht, um einen Absturz zu melden</translation>
     </message>
+    <message>
+        <source>Is emptied, because a program still writes to it</source>
+        <translation>Wird geleert, weil ein Programm noch hineinschreibt</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>

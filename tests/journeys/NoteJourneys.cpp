@@ -4,6 +4,7 @@
 #include <QAccessible>
 
 #include "support/EventLoop.h"
+#include "support/LogWriter.h"
 #include "support/WindowFixture.h"
 
 namespace brimvault::tests {
@@ -112,6 +113,54 @@ TEST_F(NoteJourney, ACleanAsksAboutThemEvenIfItIsToldNotToAsk) {
     EXPECT_EQ(alerts_.asked.size(), 2U);
     EXPECT_FALSE(fs::exists(caches() / "plain"));
     EXPECT_TRUE(fs::exists(caches() / "models"));
+}
+
+TEST_F(NoteJourney, ALogThatIsEmptiedIsToldOfAndGoesWithoutAWarning) {
+    const auto log = made("log", 6, ItemNote::emptied, u"editor"_s);
+    items_ = {log};
+    list();
+    const QString told = u"Is emptied, because editor still writes to it"_s;
+    const auto name = guide_->list()->model()->index(guide_->row(u"log"_s), ItemListModel::nameColumn);
+    EXPECT_TRUE(name.data(Qt::ToolTipRole).toString().contains(told));
+    auto* cells = QAccessible::queryAccessibleInterface(guide_->list())->tableInterface();
+    EXPECT_EQ(cells->cellAt(name.row(), ItemListModel::nameColumn)->text(QAccessible::Description),
+              told + u". Size: 6 B"_s);
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(ticked(), "+");
+    Guide::click(lists()->pbtnClean());
+    EXPECT_TRUE(alerts_.asked.back().warning.lines.isEmpty());
+    EXPECT_EQ(alerts_.asked.back().suppression, ui::Alert::Suppression::offered);
+    defaults_->setBoolean(ui::defaults_key::suppressRemovalAlert, true);
+    Guide::click(lists()->pbtnClean());
+    awaitEndOfClean();
+    EXPECT_EQ(alerts_.asked.size(), 1U);
+}
+
+// The row's menu does what a clean does.
+TEST_F(NoteJourney, ASingleRemovalEmptiesALogThatIsWrittenTo) {
+    const auto path = caches() / "folder/app.log";
+    fs::create_directories(path.parent_path());
+    const LogWriter writer(path);
+    auto log = FFItem::initWithPath(path, 6);
+    log->setFoundIn(std::make_shared<const engine::FoundIn>(engine::FoundIn{
+                        path.parent_path().native() + "/", files::statusOf(path.parent_path())->identity}),
+                    FFItem::FoundPathKind::folder);
+    log->setIdentity(files::statusOf(path)->identity.digest());
+    log->setNote(ItemNote::emptied);
+    engine::ItemDetails details;
+    details.isEmptiedWhileWritten = true;
+    log->setDetails(std::move(details));
+    log->setPpbDeletable(true);
+    items_ = {log, items_[0]};
+    list();
+    select(u"app.log"_s);
+    alerts_.answers.push_back(agree);
+    QTest::keyClick(guide_->list(), Qt::Key_Delete);
+    ASSERT_TRUE(Guide::waitFor([&] { return guide_->row(u"app.log"_s) < 0; }));
+    EXPECT_TRUE(alerts_.asked.back().warning.text().isEmpty());
+    EXPECT_TRUE(alerts_.asked.back().informativeText.contains(u"Is emptied, because a program still writes to it"_s));
+    EXPECT_TRUE(writer.writesOn());
+    EXPECT_EQ(fs::file_size(path), LogWriter::line.size());
 }
 
 TEST_F(NoteJourney, OddNamesAreNeitherMarkupNorLinesNorLong) {

@@ -18,15 +18,17 @@ QString dayOf(const QString& time) {
 int seriousness(ItemNote note) {
     switch (note) {
         case ItemNote::work:
-            return 4;
+            return 5;
         case ItemNote::copies:
-            return 3;
+            return 4;
         case ItemNote::inUse:
-            return 2;
+            return 3;
+        case ItemNote::emptied:
+            return 1;
         case ItemNote::none:
             return 0;
         default:
-            return 1;
+            return 2;
     }
 }
 
@@ -96,7 +98,9 @@ QString textOf(ItemNote note, const QString& argument) {
                        QT_TRANSLATE_NOOP("ItemNote", "Shares its space with other folders; removing it frees about %1"))
                 .arg(argument);
         case ItemNote::emptied:
-            return text(QT_TRANSLATE_NOOP("ItemNote", "Is emptied, because %1 still writes to it")).arg(argument);
+            return argument.isEmpty()
+                       ? text(QT_TRANSLATE_NOOP("ItemNote", "Is emptied, because a program still writes to it"))
+                       : text(QT_TRANSLATE_NOOP("ItemNote", "Is emptied, because %1 still writes to it")).arg(argument);
         case ItemNote::unfinished:
             return text(QT_TRANSLATE_NOOP("ItemNote", "Unfinished, last written on %1")).arg(dayOf(argument));
         case ItemNote::deleting:

@@ -18,7 +18,7 @@ enum class ItemNote : quint8 {
     copies,      ///< holds working copies of source code
     record,      ///< a record of log-ins or of installed software
     shared,      ///< shares its space with other folders; the argument says how much removing it frees
-    emptied,     ///< is emptied; the argument names the program that writes to it
+    emptied,     ///< is emptied; the argument names the program that writes to it, if it is known
     unfinished,  ///< a download that was not finished; the argument is the time of the last change (ISO 8601, UTC)
     deleting,    ///< the desktop is deleting it, or broke off when it did
     report,      ///< of a crash, which may wait to be sent
@@ -29,6 +29,9 @@ enum class ItemNote : quint8 {
 [[nodiscard]] constexpr bool isTickedByHandOnly(ItemNote note) {
     return note == ItemNote::work || note == ItemNote::copies || note == ItemNote::inUse;
 }
+
+/// Whether the user is asked about an item with the note before it goes. That a log is emptied does no harm.
+[[nodiscard]] constexpr bool isWarning(ItemNote note) { return note != ItemNote::none && note != ItemNote::emptied; }
 
 /// How much harm the note warns of, to compare; 0 for none.
 [[nodiscard]] int seriousness(ItemNote note);

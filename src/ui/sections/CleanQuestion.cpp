@@ -43,7 +43,7 @@ Alert::Facts cleanFacts(const engine::DataMan& model, const engine::PerSection<b
     return facts;
 }
 
-// What carries a note and would go.
+// What carries a warning and would go.
 engine::ItemArray notedItems(const engine::DataMan& model, const engine::PerSection<bool>& ticked) {
     engine::ItemArray noted;
     for (const auto section : engine::allSections) {
@@ -51,9 +51,8 @@ engine::ItemArray notedItems(const engine::DataMan& model, const engine::PerSect
             continue;
         }
         const auto& items = model.itemsOf(section);
-        std::copy_if(items.begin(), items.end(), std::back_inserter(noted), [](const auto& item) {
-            return item->note() != engine::ItemNote::none && item->ppnSizeSel() != 0;
-        });
+        std::copy_if(items.begin(), items.end(), std::back_inserter(noted),
+                     [](const auto& item) { return isWarning(item->note()) && item->ppnSizeSel() != 0; });
     }
     return noted;
 }

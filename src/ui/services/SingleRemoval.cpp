@@ -26,12 +26,12 @@ QString targetsText(qsizetype targets) {
                : QCoreApplication::translate("SingleRemoval", "It stands for %1 files or folders:").arg(targets);
 }
 
-// The item's own note, then those of what goes with it.
+// The item's own warning, then those of what goes with it.
 Alert::Warning warningAbout(const engine::FFItem& item, const engine::ItemArray& goingWithIt) {
     engine::ItemArray noted;
     std::copy_if(goingWithIt.begin(), goingWithIt.end(), std::back_inserter(noted),
-                 [](const auto& other) { return other->note() != engine::ItemNote::none; });
-    QStringList lines{item.noteText()};
+                 [](const auto& other) { return isWarning(other->note()); });
+    QStringList lines{isWarning(item.note()) ? item.noteText() : QString()};
     if (!noted.isEmpty()) {
         lines.append(QCoreApplication::translate("SingleRemoval", "About what goes with it:"));
         lines.append(noteLines(noted));
@@ -49,11 +49,15 @@ bool SingleRemoval::askToConfirm(const std::filesystem::path& path, qsizetype it
 bool SingleRemoval::askToConfirm(const engine::FFItem& item, const std::filesystem::path& path,
                                  const engine::ItemArray& goingWithIt) const {
     const auto warning = warningAbout(item, goingWithIt);
-    if (!item.hasTargets()) {
-        return ask(platform::displayText(path.filename()), {platform::displayText(path)}, goingWithIt.size(), warning);
+    QStringList where{platform::displayText(path)};
+    if (item.hasTargets()) {
+        where = engine::placeTexts::ofTargets(item);
+        where.prepend(targetsText(static_cast<qsizetype>(item.removalPaths().size())));
     }
-    const auto targets = static_cast<qsizetype>(item.removalPaths().size());
-    return ask(item.ppdisplayName(), QStringList(targetsText(targets)) + engine::placeTexts::ofTargets(item),
+    if (item.note() == engine::ItemNote::emptied) {
+        where.append(item.noteText());
+    }
+    return ask(item.hasTargets() ? item.ppdisplayName() : platform::displayText(path.filename()), where,
                goingWithIt.size(), warning);
 }
 
