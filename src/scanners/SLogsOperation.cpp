@@ -182,6 +182,7 @@ void SLogsOperation::collectLogsOf(const LogsOfRow& found, ScanBatches& batches)
                      .rule = logs.rule().id,
                      .noteArgument = isWritten ? platform::displayText(files::programName(logs.writer())) : QString(),
                      .application = QString::fromStdString(name.desktopEntry),
+                     .isEmptiedWhileWritten = true,
                      .targets = logs.targets(),
                      .trashed = {}},
              .space = logs.space()},

@@ -87,6 +87,7 @@ TEST_F(LogPlaces, AreOneRowForEachProgramWithExactlyItsFilesAndWhoWritesThem) {
     EXPECT_EQ(single->note(), engine::ItemNote::emptied);
     EXPECT_EQ(single->details().noteArgument, QString::fromStdString(files::programName(writer.process())));
     EXPECT_TRUE(single->ppbChecked());
+    EXPECT_TRUE(single->details().isEmptiedWhileWritten && tool->details().isEmptiedWhileWritten);
     EXPECT_EQ(tool->ppdisplayName(), QStringLiteral("tool"));
     EXPECT_EQ(tool->pfSize(), 3'500);
     EXPECT_EQ(tool->note(), engine::ItemNote::none) << "who only reads it loses nothing";
