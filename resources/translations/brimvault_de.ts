@@ -186,6 +186,10 @@
         <source>Is emptied, because a program still writes to it</source>
         <translation>Wird geleert, weil ein Programm noch hineinschreibt</translation>
     </message>
+    <message>
+        <source>Only the system removes it: %1</source>
+        <translation>Nur das System entfernt es: %1</translation>
+    </message>
 </context>
 <context>
     <name>Languages</name>
@@ -645,6 +649,10 @@
     <message>
         <source>Deleted</source>
         <translation>Gelöscht</translation>
+    </message>
+    <message>
+        <source>Note</source>
+        <translation>Hinweis</translation>
     </message>
 </context>
 <context>

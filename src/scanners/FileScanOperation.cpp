@@ -81,8 +81,8 @@ void FileScanOperation::addItem(FoundFile found, ScanBatches& batches) const {
                      found.addressed == Addressed::byName  ? FoundPathKind::sectionFolder
                      : found.name == found.path.filename() ? FoundPathKind::folder
                                                            : FoundPathKind::wholePath);
-    item->setPpbDeletable(true);
-    item->setPpbChecked(found.ticked.value_or(isTickedAtFirst()));
+    item->setPpbDeletable(found.isDeletable);
+    item->setPpbChecked(found.isDeletable && found.ticked.value_or(isTickedAtFirst()));
     item->setNote(found.note);
     item->setIdentity(found.identity);
     if (found.details) {

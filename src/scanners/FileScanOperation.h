@@ -33,7 +33,8 @@ protected:
         std::optional<files::NodeKind> kind = {};                   ///< if already known
         std::shared_ptr<const platform::RootPlace> root = nullptr;  ///< the section's root folder that it lies in
         std::shared_ptr<const engine::FoundIn> foundIn = nullptr;   ///< if already known
-        std::optional<bool> ticked = {};                            ///< none: as all items of the section at first
+        bool isDeletable = true;
+        std::optional<bool> ticked = {};  ///< none: as all items of the section at first
         engine::ItemNote note = engine::ItemNote::none;
         std::optional<engine::ItemDetails> details = {};
         std::optional<files::ReclaimableSpace> space = {};  ///< what removing it frees, if already known

@@ -1,9 +1,11 @@
 #include "scanners/SLogsOperation.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
 #include "files/trees/Measure.h"
+#include "files/trees/MeasuredFolder.h"
 #include "platform/System.h"
 #include "platform/text/DisplayText.h"
 #include "scanners/places/RowNames.h"
@@ -35,6 +37,11 @@ std::vector<PlaceRule> rulesOfLogs() {
     return rules;
 }
 
+qint64 countOfShown(const FoundPlaces& places) {
+    const auto& rows = places.rows();
+    return std::count_if(rows.begin(), rows.end(), [](const auto& row) { return row.answer == PlaceAnswer::shown; });
+}
+
 }  // namespace
 
 void SLogsOperation::main() {
@@ -45,13 +52,14 @@ void SLogsOperation::main() {
     const auto rules = rulesOfLogs();
     const FoundPlaces places(rules, stopToken());
     const auto found = findByRules(places);
-    setTopLevelItemsCount(nTopLevelItemsCount() + static_cast<qint64>(found.size()));
-    collectLogs(found, expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
+    setTopLevelItemsCount(nTopLevelItemsCount() + static_cast<qint64>(found.size()) + countOfShown(places));
+    collectLogs(places, found, expect(nTopLevelItemsCount(), ScanBatches::Percent::cappedAtHundred));
     closeRoots();
     sendOperationCompleted();
 }
 
-void SLogsOperation::collectLogs(const std::vector<LogsOfRow>& byRules, ScanBatches& batches) {
+void SLogsOperation::collectLogs(const FoundPlaces& places, const std::vector<LogsOfRow>& byRules,
+                                 ScanBatches& batches) {
     for (const LogSource source : sources) {
         batches.beginPass();
         collectFilesFromSource(source, batches);
@@ -61,6 +69,11 @@ void SLogsOperation::collectLogs(const std::vector<LogsOfRow>& byRules, ScanBatc
     batches.beginPass();
     for (const auto& found : byRules) {
         collectLogsOf(found, batches);
+    }
+    for (const auto& row : places.rows()) {
+        if (row.answer == PlaceAnswer::shown && !isCancelled()) {
+            collectShown(row, batches);
+        }
     }
 }
 
@@ -186,6 +199,41 @@ void SLogsOperation::collectLogsOf(const LogsOfRow& found, ScanBatches& batches)
                      .targets = logs.targets(),
                      .trashed = {}},
              .space = logs.space()},
+            batches);
+}
+
+// By blocks: a record of log-ins has holes, and is as long as the highest number of a user wants.
+void SLogsOperation::collectShown(const PlaceRow& row, ScanBatches& batches) const {
+    batches.step();
+    const auto& keep = row.rule->keep;
+    const auto sizes = [&keep](std::string_view name) {
+        const bool isOther = std::find(keep.begin(), keep.end(), name) != keep.end();
+        return isOther ? files::Sizes::unwanted : files::Sizes::wanted;
+    };
+    files::ReclaimableSpace space;
+    (void)files::forEachMeasurable(row.path, files::HiddenEntries::include, stopToken(), sizes, [&](const auto& entry) {
+        if (entry.sizes == files::Sizes::wanted) {
+            space.add(entry.findings().space);
+        }
+        return true;
+    });
+    space.settle();
+    if (space.bytes == 0 || isCancelled()) {
+        return;
+    }
+    addItem({.path = row.path,
+             .name = row.rule->title,
+             .size = space.bytes,
+             .kind = files::NodeKind::directory,
+             .root = row.root,
+             .isDeletable = false,
+             .note = row.note,
+             .details = engine::ItemDetails{.rule = row.rule->id,
+                                            .noteArgument = QLatin1String(row.rule->command),
+                                            .application = {},
+                                            .targets = {},
+                                            .trashed = {}},
+             .space = space},
             batches);
 }
 

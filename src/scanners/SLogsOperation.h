@@ -41,7 +41,7 @@ private:
         LogFiles logs;
     };
 
-    void collectLogs(const std::vector<LogsOfRow>& byRules, ScanBatches& batches);
+    void collectLogs(const FoundPlaces& places, const std::vector<LogsOfRow>& byRules, ScanBatches& batches);
     void iterateFilesFromSource(LogSource source, const FileBlock& block) const;
     void forEachFolderOfSource(LogSource source, const FolderBlock& block) const;
     void calculateFilesInSource(LogSource source);
@@ -49,6 +49,8 @@ private:
     void collectFilesFromSource(LogSource source, ScanBatches& batches) const;
     void collectFromContainers(ScanBatches& batches) const;
     [[nodiscard]] std::vector<LogsOfRow> findByRules(const FoundPlaces& places) const;
+    /// What the system alone removes, as far as it can be measured.
+    void collectShown(const PlaceRow& row, ScanBatches& batches) const;
     void collectLogsOf(const LogsOfRow& found, ScanBatches& batches);
 
     ContainersFolderScannerManager& containers_;

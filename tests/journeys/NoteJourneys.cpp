@@ -136,6 +136,27 @@ TEST_F(NoteJourney, ALogThatIsEmptiedIsToldOfAndGoesWithoutAWarning) {
     EXPECT_EQ(alerts_.asked.size(), 1U);
 }
 
+TEST_F(NoteJourney, WhatTheSystemAloneRemovesIsTickedAndRemovedInNoWay) {
+    const auto kept = made("logs", 6, ItemNote::command, u"sudo tool"_s);
+    kept->setPpbDeletable(false);
+    items_ = {kept, items_[0]};
+    list();
+    clickCheckOf(u"logs"_s);
+    EXPECT_EQ(ticked(), "-+");
+    select(u"logs"_s);
+    QTest::keyClick(guide_->list(), Qt::Key_Space);
+    QTest::keyClick(guide_->list(), Qt::Key_Delete);
+    EXPECT_TRUE(alerts_.asked.empty()) << "there is nothing to ask about";
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(ticked(), "--");
+    Guide::click(lists()->pbtnSelectAll());
+    EXPECT_EQ(ticked(), "-+");
+    EXPECT_EQ(selectAllState(), Qt::Checked);
+    const auto name = guide_->list()->model()->index(guide_->row(u"logs"_s), ItemListModel::nameColumn);
+    EXPECT_TRUE(name.data(Qt::ToolTipRole).toString().contains(u"Only the system removes it: sudo tool"_s));
+    EXPECT_TRUE(fs::exists(caches() / "logs/file"));
+}
+
 // The row's menu does what a clean does.
 TEST_F(NoteJourney, ASingleRemovalEmptiesALogThatIsWrittenTo) {
     const auto path = caches() / "folder/app.log";

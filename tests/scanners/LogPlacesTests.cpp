@@ -4,7 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <map>
 
+#include "engine/removal/ItemRemoval.h"
+#include "files/trees/Measure.h"
 #include "scanners/places/LogFiles.h"
 #include "support/FileSections.h"
 #include "support/FixtureTrees.h"
@@ -96,6 +99,38 @@ TEST_F(LogPlaces, AreOneRowForEachProgramWithExactlyItsFilesAndWhoWritesThem) {
         ASSERT_EQ(target.expected.size(), target.names.size());
         EXPECT_NE(target.expected.front().identity, 0U);
     }
+}
+
+// Whoever runs the program, root included.
+TEST_F(LogPlaces, OfTheSystemAreShownAndRemovedInNoWay) {
+    writeFile(root_ / "var/log/syslog", std::string(9'000, 'x'));
+    writeFile(root_ / "var/log/nginx/access.log", std::string(5'000, 'x'));
+    writeFile(root_ / "var/log/journal/1234/system.journal", std::string(20'000, 'x'));
+    fs::create_directories(root_ / "var/lib/systemd/coredump");
+    const auto before = fingerprint(root_);
+    const auto items = scanSection(Section::logs).items;
+    ASSERT_EQ(items.size(), 2) << "what is empty is not shown";
+    std::map<std::string, std::shared_ptr<engine::FFItem>> byRule;
+    for (const auto& item : items) {
+        byRule[item->details().rule] = item;
+        EXPECT_FALSE(item->ppbDeletable() || item->ppbChecked());
+        EXPECT_EQ(item->note(), engine::ItemNote::command);
+        item->setPpbChecked(true);
+    }
+    EXPECT_TRUE(
+        byRule["system.journal"]->noteText().contains(QStringLiteral("sudo journalctl --rotate --vacuum-time")));
+    const auto blocks = [](const fs::path& path) { return files::measureSpace(path).space.bytes; };
+    const auto journal = blocks(root_ / "var/log/journal");
+    EXPECT_GE(byRule["system.journal"]->pfSize(), 20'000U);
+    EXPECT_EQ(byRule["system.logs"]->pfSize() + journal + files::statusOf(root_ / "var/log")->allocated,
+              blocks(root_ / "var/log"));
+    EXPECT_TRUE(cleanItems(Section::logs, items).empty());
+    for (const char* folder : {"var", "usr", "var/log", "var/log/journal", "var/lib/systemd/coredump"}) {
+        fs::create_directories(root_ / folder);
+        EXPECT_FALSE(engine::removeItemAt(root_ / folder).gone) << folder;
+    }
+    fs::remove(root_ / "usr");
+    EXPECT_EQ(fingerprint(root_), before);
 }
 
 TEST_F(LogPlaces, AreNoFilesOfOthersNorWhatHasAnotherName) {

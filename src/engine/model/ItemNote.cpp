@@ -64,6 +64,8 @@ const char* keyOf(ItemNote note) {
             return "deleting";
         case ItemNote::report:
             return "report";
+        case ItemNote::command:
+            return "command";
     }
     Q_UNREACHABLE();
 }
@@ -107,6 +109,8 @@ QString textOf(ItemNote note, const QString& argument) {
             return text(QT_TRANSLATE_NOOP("ItemNote", "Being deleted"));
         case ItemNote::report:
             return text(QT_TRANSLATE_NOOP("ItemNote", "May still be wanted to report a crash"));
+        case ItemNote::command:
+            return text(QT_TRANSLATE_NOOP("ItemNote", "Only the system removes it: %1")).arg(argument);
     }
     Q_UNREACHABLE();
 }

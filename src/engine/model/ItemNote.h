@@ -22,6 +22,7 @@ enum class ItemNote : quint8 {
     unfinished,  ///< a download that was not finished; the argument is the time of the last change (ISO 8601, UTC)
     deleting,    ///< the desktop is deleting it, or broke off when it did
     report,      ///< of a crash, which may wait to be sent
+    command,     ///< nothing but the command of the argument removes it
 };
 
 /// Whether an item with the note is ticked by the user's own hand alone: neither with all others nor along with an item

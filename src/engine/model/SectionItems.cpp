@@ -45,6 +45,9 @@ void SectionItems::append(const ItemArray& items) {
 }
 
 bool SectionItems::setChecked(FFItem& item, bool checked) {
+    if (checked && !item.ppbDeletable()) {
+        return false;
+    }
     nested_.addNew();  // a clean may have changed the list
     const auto before = CleanableItem::marksRevision();
     const bool changes = item.ppbChecked() != checked;

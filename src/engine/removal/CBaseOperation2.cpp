@@ -29,11 +29,11 @@ bool CBaseOperation2::isToBeCleaned(const FFItem& item) const {
     return item.getSpace2SaveBySel() != 0 && isAgreed(item);
 }
 
-// What removing the items would remove that are unticked, or that the user was not asked about; sorted.
+// What removing the items would remove that may not go, are unticked, or that the user was not asked about; sorted.
 std::set<std::string> CBaseOperation2::sparedPaths(const ItemArray& items) const {
     std::set<std::string> paths;
     for (const auto& item : items) {
-        if (!(item->ppbChecked() && isAgreed(*item))) {
+        if (!(item->ppbChecked() && item->ppbDeletable() && isAgreed(*item))) {
             for (const auto& path : item->removalPaths()) {
                 paths.insert(path.lexically_normal().native());
             }

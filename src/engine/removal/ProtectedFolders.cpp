@@ -30,6 +30,9 @@ ProtectedFolders::ProtectedFolders() : locations_(platform::locateSectionRoots()
     const auto trash = LibraryURLs::namedDesktopTrashFolder();
     std::vector<std::filesystem::path> named = {trash / "files", trash / "info", LibraryURLs::getPreferencesFolderURL(),
                                                 platform::homeFolder()};
+    for (const char* folder : {"var/log/journal", "var/lib/systemd/coredump", "var/crash", "usr"}) {
+        named.push_back(platform::systemRoot() / folder);
+    }
     auto userFolders = LibraryURLs::namedUserFolders();
     std::move(userFolders.begin(), userFolders.end(), std::back_inserter(named));
     const auto programs = platform::programFolders();

@@ -28,7 +28,12 @@ enum class PlaceBase {
 enum class PlaceShape { entry, children, cache, profile, files };
 
 /// The later answer is the stricter.
-enum class PlaceAnswer { ticked, unticked, spared };
+enum class PlaceAnswer {
+    ticked,
+    unticked,
+    shown,  ///< listed, and never removed
+    spared
+};
 
 /// How a program is known to run, beside the files that it holds open: by the records of its package system, or by the
 /// lock in a profile of one of the two families of browsers.
@@ -63,6 +68,7 @@ struct PlaceRule {
     PlaceEvidence evidence;
     PlaceAnswer answer;
     engine::ItemNote note;
+    const char* command;  ///< by which the system removes what is only shown
     PlaceRunning running;
     const char* title;  ///< empty for the match's name
 };

@@ -112,7 +112,9 @@ bool FileListController::isIdle() const {
     return application.activity() == Activity::idle && !application.isScanReturning();
 }
 
-bool FileListController::isRemoveEnabled() const { return hasSelectedItem() && isIdle(); }
+bool FileListController::isRemoveEnabled() const {
+    return hasSelectedItem() && getSelectedItem()->ppbDeletable() && isIdle();
+}
 
 bool FileListController::isUndoMoveEnabled() const {
     return isMovedToTrash() && isIdle() && dependencies().util.trashMoves().isUndoable();

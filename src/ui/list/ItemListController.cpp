@@ -124,7 +124,9 @@ void ItemListController::onClickedRevealInFinder() {
 
 void ItemListController::onClickedGetInfo() {
     if (const auto item = selectedItem()) {
-        dependencies_.util.doGetInformation(pathOf(*item));
+        const auto name = model_->index(model_->rowOf(item.get()), ItemListModel::nameColumn);
+        const QString note = item->ppbDeletable() ? QString() : name.data(ItemListModel::noteRole).toString();
+        dependencies_.util.doGetInformation(pathOf(*item), note);
     }
 }
 

@@ -111,6 +111,9 @@ QVariant ItemListModel::data(const QModelIndex& index, int role) const {
         const QString text = tooltipOf(shown);  // a name may look like markup, and is shown as it is
         return text.isEmpty() ? QVariant() : Qt::convertFromPlainText(text, Qt::WhiteSpaceNoWrap);
     }
+    if (role == keptRole) {
+        return !shown.ppbDeletable();
+    }
     switch (index.column()) {
         case checkColumn:
             return checkData(shown, role);
@@ -166,7 +169,8 @@ QVariant ItemListModel::checkData(const engine::CleanableItem& item, int role) c
 }
 
 bool ItemListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-    if (!index.isValid() || index.column() != checkColumn || role != Qt::CheckStateRole || !enabled_) {
+    const bool isCheck = index.isValid() && index.column() == checkColumn && role == Qt::CheckStateRole && enabled_;
+    if (!isCheck || !item(index.row())->ppbDeletable()) {
         return false;
     }
     Q_EMIT checkRequested(index.row(), value.toInt() == Qt::Checked);
@@ -196,7 +200,8 @@ Qt::ItemFlags ItemListModel::flags(const QModelIndex& index) const {
         return Qt::NoItemFlags;
     }
     const Qt::ItemFlags shown = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-    return index.column() == checkColumn && enabled_ ? shown | Qt::ItemIsUserCheckable : shown;
+    const bool isCheckable = index.column() == checkColumn && enabled_ && item(index.row())->ppbDeletable();
+    return isCheckable ? shown | Qt::ItemIsUserCheckable : shown;
 }
 
 }  // namespace brimvault::ui

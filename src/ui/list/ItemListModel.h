@@ -20,7 +20,8 @@ public:
     enum Role {
         iconRole = Qt::UserRole,  ///< an item's RowPicture
         noteRole,                 ///< of the name: why the user should look at the item first; empty for most
-        freesRole                 ///< of the name: what removing it frees, where that is far from its size; else empty
+        freesRole,                ///< of the name: what removing it frees, where that is far from its size; else empty
+        keptRole                  ///< whether it can be removed in no way
     };
     [[nodiscard]] static bool isNumber(int column) { return column == sizeColumn || column == countColumn; }
 

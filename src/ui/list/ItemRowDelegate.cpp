@@ -24,6 +24,8 @@ void ItemRowDelegate::drawGround(QPainter& painter, const QRect& cell, int row) 
     ImageLoad::drawFilled(painter, cell, QLatin1String(row % 2 == 0 ? "table_row1" : "table_row2"));
 }
 
+bool ItemRowDelegate::isMuted(const QModelIndex& index) const { return index.data(ItemListModel::keptRole).toBool(); }
+
 void ItemRowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     RowDelegate::drawText(painter, option, index);
     const QString note = index.data(ItemListModel::noteRole).toString();

@@ -19,6 +19,7 @@ public:
 
 protected:
     void drawGround(QPainter& painter, const QRect& cell, int row) const override;
+    [[nodiscard]] bool isMuted(const QModelIndex& index) const override;
     void drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] bool isNumber(int column) const override { return ItemListModel::isNumber(column); }

@@ -10,7 +10,7 @@ struct TextData {
     QString title;
     QString subtitle;       ///< empty for a cell of one line
     bool selected = false;  ///< whether its row is
-    bool muted = false;     ///< whether its section is unticked
+    bool muted = false;     ///< whether its section is unticked, or it cannot be removed
 };
 
 /// The same with a picture before the text.

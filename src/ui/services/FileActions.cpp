@@ -72,36 +72,36 @@ void FileActions::showWith(const Path& path, std::function<bool(const Path&)> sh
 }
 
 // Of an item of the trash no file manager tells where it was, and when it was deleted.
-void FileActions::showInformation(const Path& path) {
-    const auto ask = [this, file = standardized(path)] {
+void FileActions::showInformation(const Path& path, const QString& note) {
+    const auto ask = [this, file = standardized(path), hasNote = !note.isEmpty()] {
         if (!isThere(file)) {
             return Request::noSuchFile;
         }
-        const bool isTrashed = platform::TrashFolders::recordOfItem(file).has_value();
-        return !isTrashed && fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
+        const bool isOurs = hasNote || platform::TrashFolders::recordOfItem(file).has_value();
+        return !isOurs && fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
     };
-    calls_.call<Request>(ask, [this, path](Request request) {
+    calls_.call<Request>(ask, [this, path, note](Request request) {
         if (request == Request::noSuchFile) {
             alertFileNotExists(path);
         } else if (request == Request::nobodyAnswers) {
-            showOwnInformation(standardized(path));
+            showOwnInformation(standardized(path), note);
         }
     });
 }
 
-void FileActions::showOwnInformation(const Path& path) {
+void FileActions::showOwnInformation(const Path& path, const QString& note) {
     using Facts = std::optional<engine::FileFacts>;
     calls_.call<Facts>([path] { return engine::FileFacts::of(path); },
-                       [this, path](const Facts& facts) {
+                       [this, path, note](const Facts& facts) {
                            if (facts && notices_.window() != nullptr) {
-                               openInfoWindow(path, *facts);
+                               openInfoWindow(path, *facts, note);
                            } else {
                                alertFileNotExists(path);
                            }
                        });
 }
 
-void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& facts) {
+void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& facts, const QString& note) {
     for (auto* open : notices_.window()->findChildren<InfoWindow*>()) {
         if (open->path() == path) {
             open->raise();
@@ -109,7 +109,7 @@ void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& fact
             return;
         }
     }
-    const QPointer<InfoWindow> information = new InfoWindow(path, facts, notices_.window());
+    const QPointer<InfoWindow> information = new InfoWindow(path, facts, note, notices_.window());
     information->show();
     calls_.call<quint64>([path, stop = information->closed()] { return files::measureItem(path, stop); },
                          [information](quint64 size) {

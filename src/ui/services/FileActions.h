@@ -28,7 +28,8 @@ public:
     /// Shows the file selected; where no file browser answers, opens the folder that holds it.
     void reveal(const std::filesystem::path& path);
     /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
-    void showInformation(const std::filesystem::path& path);
+    /// A note has no place in the file browser's window: with one, always our own is shown.
+    void showInformation(const std::filesystem::path& path, const QString& note = {});
     /// Of several folders, does so for the first that exists: opens it in the file browser, or shows what is known.
     void openFirst(Folders folders);
     void showInformationOfFirst(Folders folders);
@@ -41,8 +42,8 @@ public:
 private:
     void withFirst(Folders folders, std::function<void(const std::filesystem::path&)> then);
     void showWith(const std::filesystem::path& path, std::function<bool(const std::filesystem::path&)> show);
-    void showOwnInformation(const std::filesystem::path& path);
-    void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts);
+    void showOwnInformation(const std::filesystem::path& path, const QString& note);
+    void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, const QString& note);
 
     const WindowNotices& notices_;
     platform::FileBrowser& fileBrowser_;

@@ -45,13 +45,17 @@ void setValue(QLabel* label, const QString& name, const QString& value) {
 
 }  // namespace
 
-InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, QWidget* parent)
+InfoWindow::InfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, const QString& note,
+                       QWidget* parent)
     : QDialog(parent), path_(path), rows_(new QFormLayout) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Information: %1").arg(facts.name));
     setMinimumWidth(look::scaled(minWidth));
 
     addFacts(facts);
+    if (!note.isEmpty()) {
+        addRow(tr("Note"), note);
+    }
     auto* close = WhiteTitleButton::makeClose(textSize);
     close->setDefault(true);
     connect(close, &QAbstractButton::clicked, this, &QDialog::close);

@@ -18,7 +18,8 @@ class InfoWindow final : public QDialog {
     Q_OBJECT
 
 public:
-    InfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, QWidget* parent);
+    /// The note is empty for none.
+    InfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, const QString& note, QWidget* parent);
     ~InfoWindow() override;
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }

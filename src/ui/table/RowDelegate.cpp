@@ -12,7 +12,7 @@
 namespace brimvault::ui {
 
 void TextCellSmall::draw(QPainter& painter, const QRect& cell, Qt::Alignment side, const TextData& value) {
-    painter.setPen(QColor(value.selected ? look::textOnAccent : look::textPrimary));
+    painter.setPen(QColor(value.selected ? look::textOnAccent : value.muted ? look::textDisabled : look::textPrimary));
     drawTextLine(painter, cell, side, look::font(textSize), value.title, Qt::ElideMiddle);
 }
 
@@ -55,7 +55,8 @@ QRect RowDelegate::textRoom(const QStyleOptionViewItem& option, const QModelInde
 
 void RowDelegate::drawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const auto side = isNumber(index.column()) ? trailingSide(option.direction) : leadingSide(option.direction);
-    TextCellSmall::draw(painter, textRoom(option, index), side, {index.data().toString(), {}, isSelected(option)});
+    TextCellSmall::draw(painter, textRoom(option, index), side,
+                        {index.data().toString(), {}, isSelected(option), isMuted(index)});
 }
 
 bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,

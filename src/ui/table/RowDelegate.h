@@ -42,6 +42,8 @@ protected:
     /// Between the edge of a column and its content.
     [[nodiscard]] virtual int margin(int /*column*/) const { return defaultMargin; }
     /// Numbers are aligned to the trailing side of their column.
+    /// Whether the row's text is drawn as something that nothing can be done with.
+    [[nodiscard]] virtual bool isMuted(const QModelIndex& /*index*/) const { return false; }
     [[nodiscard]] virtual bool isNumber(int /*column*/) const { return false; }
 
     [[nodiscard]] static bool isSelected(const QStyleOptionViewItem& option) {

@@ -35,7 +35,7 @@ QString emptiedText(qsizetype logs) {
 }  // namespace
 
 QString freedText(const engine::FreedSpace& space) {
-    const QString freed = spaceText(space);
+    QString freed = spaceText(space);
     if (space.emptied == 0) {
         return freed;
     }

@@ -142,9 +142,12 @@ QByteArray settled(const ItemArray& items, QByteArray marks) {
     return marks == before ? marks : settled(items, marks);
 }
 
-// After a click, which goes for what lies in the item as well.
+// After a click, which goes for what lies in the item as well; nothing ticks what cannot be removed.
 QByteArray clicked(const ItemArray& items, qsizetype which, bool checked) {
     auto marks = ticked(items);
+    if (checked && !items[which]->ppbDeletable()) {
+        return marks;
+    }
     for (qsizetype item = 0; item < items.size(); ++item) {
         const bool goesAlong = lies(*items[item], *items[which]) && (!checked || items[item]->mayBeTickedAlong());
         if (item == which || goesAlong) {
