@@ -101,6 +101,22 @@ TEST_F(LogPlaces, AreOneRowForEachProgramWithExactlyItsFilesAndWhoWritesThem) {
     }
 }
 
+TEST_F(LogPlaces, AreNoneOfTheUsersOwnFilesWhateverVariablesSay) {
+    for (const char* folder : {"Documents/project", "Documents/project/logs", ".ssh/logs", "project/logs"}) {
+        writeFile(home_ / folder / "x.log", "12345");
+    }
+    for (const char* variable : {"XDG_STATE_HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
+        for (const auto& value : {home_ / "Documents", home_ / "Documents/project", home_, folder_.path(),
+                                  fs::path("/"), home_ / ".ssh", fs::path("Documents")}) {
+            const SubstituteHome system(home_, {{variable, value}, {"BRIMVAULT_TRIAL_ROOT", root_}});
+            EXPECT_TRUE(scanSection(Section::logs).items.isEmpty()) << variable << value;
+        }
+    }
+    writeFile(home_ / "other/tool/x.log", "12345");
+    const SubstituteHome system(home_, {{"XDG_STATE_HOME", home_ / "other"}, {"BRIMVAULT_TRIAL_ROOT", root_}});
+    EXPECT_EQ(scanSection(Section::logs).items.size(), 1);
+}
+
 // Whoever runs the program, root included.
 TEST_F(LogPlaces, OfTheSystemAreShownAndRemovedInNoWay) {
     writeFile(root_ / "var/log/syslog", std::string(9'000, 'x'));

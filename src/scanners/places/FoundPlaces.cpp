@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "platform/LibraryURLs.h"
+#include "platform/ProgramFolders.h"
 #include "platform/System.h"
 #include "scanners/places/PlacePattern.h"
 #include "scanners/places/Profiles.h"
@@ -56,9 +57,48 @@ std::optional<fs::path> namedBase(PlaceBase base) {
     return std::nullopt;
 }
 
-// A place that a variable names as it is, and not a folder in it, may be anything: neither the user's own folders nor
-// those that sections list by themselves.
+// Where the desktop's base folders are if no variable names another place; empty for other bases.
+fs::path usualFolder(PlaceBase base) {
+    switch (base) {
+        case PlaceBase::cacheHome:
+            return platform::homeFolder() / ".cache";
+        case PlaceBase::configHome:
+            return platform::homeFolder() / ".config";
+        case PlaceBase::dataHome:
+            return platform::homeFolder() / ".local/share";
+        case PlaceBase::stateHome:
+            return platform::homeFolder() / ".local/state";
+        default:
+            return {};
+    }
+}
+
+// Whether the folder is or holds the user's home folder, or has to do with one for the user's own things or with one of
+// secrets.
+bool isUsersOwn(const fs::path& folder) {
+    std::vector<fs::path> own = platform::LibraryURLs::namedUserFolders();
+    own.push_back(platform::LibraryURLs::namedDownloadsFolder());
+    for (auto& program : platform::programFolders()) {
+        if (program.isPrivate) {
+            own.push_back(std::move(program.named));
+        }
+    }
+    const auto concerns = [&](const fs::path& named) {
+        std::error_code unresolved;
+        const auto resolved = fs::canonical(named, unresolved);
+        return !unresolved && (holds(folder, resolved) || holds(resolved, folder));
+    };
+    std::error_code unresolved;
+    const auto home = fs::canonical(platform::homeFolder(), unresolved);
+    return holds(folder, unresolved ? platform::homeFolder() : home) || std::any_of(own.begin(), own.end(), concerns);
+}
+
+// A place that a variable names may be anything: neither the user's own folders nor, where it is the place itself and
+// not a folder in it, those that sections list by themselves.
 bool isRefused(PlaceBase base, const fs::path& named, const fs::path& resolved) {
+    if (const auto usual = usualFolder(base); !usual.empty()) {
+        return named != usual && isUsersOwn(resolved);
+    }
     if (base != PlaceBase::goModCache) {
         return false;
     }
