@@ -182,20 +182,22 @@ void SLogsOperation::collectLogsOf(const LogsOfRow& found, ScanBatches& batches)
     const auto name = nameOf(row, applications_);
     // A row never stands for the user's home folder or another base.
     const bool isShownAsFile = isOne || row.path == row.root->resolved;
-    const bool isWritten = logs.writer() != 0;
+    // A report is never sent in parts.
+    const bool isEmptied = row.note != engine::ItemNote::report;
+    const bool isWritten = isEmptied && logs.writer() != 0;
     addItem({.path = isShownAsFile ? std::filesystem::path(first.folder->path) / first.names.front() : row.path,
              .name = isOne ? name.title + " \u2013 " + first.names.front() : name.title,
              .size = logs.size(),
              .kind = isShownAsFile ? files::NodeKind::regular : files::NodeKind::directory,
              .root = row.root,
              .ticked = row.answer == PlaceAnswer::ticked,
-             .note = isWritten ? moreSerious(row.note, engine::ItemNote::emptied) : row.note,
+             .note = isWritten ? engine::ItemNote::emptied : row.note,
              .details =
                  engine::ItemDetails{
                      .rule = logs.rule().id,
                      .noteArgument = isWritten ? platform::displayText(files::programName(logs.writer())) : QString(),
                      .application = QString::fromStdString(name.desktopEntry),
-                     .isEmptiedWhileWritten = true,
+                     .isEmptiedWhileWritten = isEmptied,
                      .targets = logs.targets(),
                      .trashed = {}},
              .space = logs.space()},

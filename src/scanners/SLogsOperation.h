@@ -15,7 +15,7 @@ namespace brimvault::scanners {
 /// The scan of the Logs section: the visible entries of four sources, then the logs folder of every application
 /// container as one item each. The containers' logs are listed twice on purpose, singly and as a whole. A first pass
 /// counts what five passes then list. Where the desktop has folders of its own for what programs keep, the logs in
-/// these as well, as the rules of resources/places/ have them: one item for each program.
+/// these as well, as the rules of resources/places/ have them: one item for each folder of a program.
 class SLogsOperation final : public FileScanOperation {
 public:
     /// Number of a source of logs: 0 the user's logs, 1 the crash reporter's, 2 the system's logs, 3 those inside the

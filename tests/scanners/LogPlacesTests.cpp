@@ -66,7 +66,8 @@ TEST(LogNames, AreThoseOfLogsAloneFromTheirFirstLetterToTheirLast) {
     EXPECT_FALSE(names.isLog(ruleNamed("virtualbox"), "VirtualBox.log"));
     EXPECT_FALSE(names.isLog(ruleNamed("core"), "core.c"));
     EXPECT_FALSE(names.isLog(ruleNamed("electron.logs"), "000123.log"));
-    for (const char* folder : {".git", "HexChat", "io.github.Hexchat", "quassel-irc.org", "gvfs-metadata", ".purple"}) {
+    for (const char* folder :
+         {".git", "HexChat", "io.github.Hexchat", "quassel-irc.org", "gvfs-metadata", ".purple", "undo"}) {
         EXPECT_TRUE(names.isSpared(folder)) << folder;
     }
     for (const char* folder : {"nvim", "git", "logs", "org.example.Image", "catalog"}) {
@@ -74,7 +75,7 @@ TEST(LogNames, AreThoseOfLogsAloneFromTheirFirstLetterToTheirLast) {
     }
 }
 
-TEST_F(LogPlaces, AreOneRowForEachProgramWithExactlyItsFilesAndWhoWritesThem) {
+TEST_F(LogPlaces, AreOneRowForEachFolderOfAProgramWithExactlyItsFilesAndWhoWritesThem) {
     const auto state = home_ / ".local/state/tool";
     writeFile(state / "a.log", std::string(3'000, 'x'));
     writeFile(state / "inner/b.log.1", std::string(500, 'x'));
@@ -102,19 +103,22 @@ TEST_F(LogPlaces, AreOneRowForEachProgramWithExactlyItsFilesAndWhoWritesThem) {
 }
 
 TEST_F(LogPlaces, AreNoneOfTheUsersOwnFilesWhateverVariablesSay) {
+    writeFile(root_ / "var/log/tool/x.log", "12345");
     for (const char* folder : {"Documents/project", "Documents/project/logs", ".ssh/logs", "project/logs"}) {
         writeFile(home_ / folder / "x.log", "12345");
     }
     for (const char* variable : {"XDG_STATE_HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
-        for (const auto& value : {home_ / "Documents", home_ / "Documents/project", home_, folder_.path(),
-                                  fs::path("/"), home_ / ".ssh", fs::path("Documents")}) {
+        for (const auto& value :
+             {home_ / "Documents", home_ / "Documents/project", home_, folder_.path(), fs::path("/"), home_ / ".ssh",
+              home_ / ".local/share/Trash", root_ / "var", fs::path("Documents")}) {
             const SubstituteHome system(home_, {{variable, value}, {"BRIMVAULT_TRIAL_ROOT", root_}});
-            EXPECT_TRUE(scanSection(Section::logs).items.isEmpty()) << variable << value;
+            const auto items = scanSection(Section::logs).items;
+            EXPECT_TRUE(items.size() == 1 && !items.first()->ppbDeletable()) << variable << value;
         }
     }
     writeFile(home_ / "other/tool/x.log", "12345");
     const SubstituteHome system(home_, {{"XDG_STATE_HOME", home_ / "other"}, {"BRIMVAULT_TRIAL_ROOT", root_}});
-    EXPECT_EQ(scanSection(Section::logs).items.size(), 1);
+    EXPECT_EQ(scanSection(Section::logs).items.size(), 2);
 }
 
 // Whoever runs the program, root included.
@@ -144,6 +148,9 @@ TEST_F(LogPlaces, OfTheSystemAreShownAndRemovedInNoWay) {
     for (const char* folder : {"var", "usr", "var/log", "var/log/journal", "var/lib/systemd/coredump"}) {
         fs::create_directories(root_ / folder);
         EXPECT_FALSE(engine::removeItemAt(root_ / folder).gone) << folder;
+    }
+    for (const char* file : {"var/log/syslog", "var/log/nginx", "var/log/journal/1234"}) {
+        EXPECT_FALSE(engine::removeItemAt(root_ / file).gone) << file;
     }
     fs::remove(root_ / "usr");
     EXPECT_EQ(fingerprint(root_), before);

@@ -42,13 +42,21 @@ SENSELESS = [
     {"ticked": '"yes"'},
     {"title": '"a\\u202eb"'},
 ]
-GRAMMARS = r"[grammar]" "\n" r"good = '^a\.log$'" "\n" r"open = 'a\.log$'" "\n" r"two = '^a$|^b$'" "\n"
+GRAMMARS = r"""[grammar]
+good = '^a\.log$'
+open = 'a\.log$'
+two = '^a$|^b$'
+wrong = '^a($'
+"""
 LOGS = {**GOOD, "patterns": '["*/logs"]', "shape": '"files"', "grammar": '"good"', "depth": "1"}
 SENSELESS_LOGS = [
     {"grammar": None},
     {"grammar": '"none"'},
     {"grammar": '"open"'},
     {"grammar": '"two"'},
+    {"grammar": '"wrong"'},
+    {"base": '"anywhere"', "shape": None, "grammar": None, "depth": None, "patterns": '["x"]'},
+    {"base": '"anywhere"', "shape": None, "grammar": None, "depth": None, "answer": '"spared"', "patterns": '["X"]'},
     {"depth": "5"},
     {"depth": "true"},
     {"patterns": '["."]'},

@@ -208,6 +208,9 @@ QString ItemRemover::reasonToKeep(const std::filesystem::path& path, const files
         (expected.isEmpty && item.size != 0)) {
         return ItemRemoval::replacedText();
     }
+    if (ProtectedFolders::areSystemLogs(path)) {
+        return ItemRemoval::withoutSystemText();
+    }
     if (item.kind == files::NodeKind::directory || item.kind == files::NodeKind::link) {
         if (!protected_) {
             protected_.emplace();
@@ -221,6 +224,9 @@ QString ItemRemover::reasonToKeep(const std::filesystem::path& path, const files
 
 ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
                                    const ExpectedNode& expected, IfWritten ifWritten) {
+    const bool isLog = ifWritten == IfWritten::empty && folder != nullptr && expected.identity != 0;
+    const bool isWrittenLog = isLog && isWrittenAt(*folder, path);
+    // Looked at last, since to learn who writes takes its time.
     const auto item =
         folder == nullptr ? files::statusOf(path) : files::statusAt(folder->descriptor(), path.filename().c_str());
     if (item.code() == ENOENT || item.code() == ENOTDIR) {
@@ -231,9 +237,8 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     if (!reason.isEmpty()) {
         return {false, reason};
     }
-    if (ifWritten == IfWritten::empty && folder != nullptr && item && expected.identity != 0 &&
-        written_.isWritten(item->identity)) {
-        return emptied(*folder, path, expected.identity);
+    if (isLog && item) {
+        return isWrittenLog ? emptied(*folder, path, expected.identity) : removeLog(*folder, path, expected.identity);
     }
     const auto holder = folder == nullptr ? identityOf(path.parent_path()) : folderFoundIn_->folder;
     const auto record = TrashCleanup::recordOf(path);
@@ -248,6 +253,33 @@ ItemRemoval ItemRemover::removeNow(const std::filesystem::path& path, const file
     // Not where the item was gone before: another one may have been trashed under its name meanwhile.
     trashes_.onRemoved(path, record);
     return {true, {}};
+}
+
+bool ItemRemover::isWrittenAt(const files::DirectoryHandle& folder, const std::filesystem::path& path) {
+    const auto item = files::statusAt(folder.descriptor(), path.filename().c_str());
+    return item && written_.isWritten(item->identity);
+}
+
+// Emptied first: a writer that cannot be seen, or that has just come, would keep its blocks. Then by its name, as a
+// file: a folder that comes into its place meanwhile stays.
+ItemRemoval ItemRemover::removeLog(const files::DirectoryHandle& folder, const std::filesystem::path& path,
+                                   std::uint64_t identity) {
+    const auto name = path.filename();
+    const auto emptied = files::emptyFileIn(folder, name.c_str(), identity);
+    const bool mayOnlyBeRead = emptied.code() == EACCES;
+    if (!emptied && !mayOnlyBeRead) {
+        return {false, emptied.code() == ESTALE || emptied.code() == EMLINK ? ItemRemoval::replacedText()
+                                                                            : systemText({emptied.code(), path})};
+    }
+    const auto item = files::statusAt(folder.descriptor(), name.c_str());
+    if (item.code() == ENOENT) {
+        return {true, {}};
+    }
+    if (!item || item->identity.digest() != identity || item->linkCount != 1) {
+        return {false, ItemRemoval::replacedText()};
+    }
+    const int code = files::removeFileIn(folder, name.c_str());
+    return code == 0 || code == ENOENT ? ItemRemoval{true, {}} : ItemRemoval{false, systemText({code, path})};
 }
 
 // The privileged remover resolves the path again, and refuses another folder: then there is no need to ask the user.

@@ -89,6 +89,10 @@ private:
     [[nodiscard]] int openFolder(const std::shared_ptr<const FoundIn>& foundIn, const std::filesystem::path& folder);
     ItemRemoval removeNow(const std::filesystem::path& path, const files::DirectoryHandle* folder,
                           const ExpectedNode& expected, IfWritten ifWritten);
+    [[nodiscard]] bool isWrittenAt(const files::DirectoryHandle& folder, const std::filesystem::path& path);
+    /// Of a log that nobody is seen to write to.
+    static ItemRemoval removeLog(const files::DirectoryHandle& folder, const std::filesystem::path& path,
+                                 std::uint64_t identity);
     [[nodiscard]] bool isStillAt(const std::filesystem::path& path, const files::DirectoryHandle* folder) const;
 
     PrivilegedRemover& remover_;

@@ -53,6 +53,13 @@ bool ProtectedFolders::keeps(const std::filesystem::path& path, const files::Nod
                               isOneOrHoldsOne(path, item) || isOfAProgram(path));
 }
 
+bool ProtectedFolders::areSystemLogs(const std::filesystem::path& path) {
+    constexpr const char* folders[] = {"var/log", "var/lib/systemd/coredump"};
+    return std::any_of(std::begin(folders), std::end(folders), [&](const char* folder) {
+        return platform::holds(platform::systemRoot() / folder, path.lexically_normal());
+    });
+}
+
 bool ProtectedFolders::isOfAProgram(const std::filesystem::path& path) {
     if (parent_ != path.parent_path()) {
         noteKeptIn(path.parent_path());

@@ -11,9 +11,10 @@
 namespace brimvault::engine {
 
 /// The folders that are never removed: the sections' root folders, the home folder, the user's own folders (documents,
-/// pictures and so on), the folders that trashes consist of, those of programs down to each program's own, the
-/// program's settings, and every folder that holds one of them. A snapshot, compared by inode, however a path is
-/// spelled, and by path, for folders on a volume that does not answer. One thread, and not the main one.
+/// pictures and so on), /usr and the system's logs, the folders that trashes consist of, those of programs down to each
+/// program's own, the program's settings, and every folder that holds one of them. A snapshot, compared by inode,
+/// however a path is spelled, and by path, for folders on a volume that does not answer. One thread, and not the main
+/// one.
 ///
 /// The root remover has a list of its own (`cleaner-tool/KeptFolders`). The two are deliberately separate: a process
 /// with root rights must not trust the program that asks it.
@@ -24,6 +25,8 @@ public:
     /// Whether the item at the path is a protected folder, or holds one, or is a symbolic link in the place of a
     /// program's folder.
     [[nodiscard]] bool keeps(const std::filesystem::path& path, const files::NodeStatus& item);
+    /// Whether the path lies in what the system alone removes of its logs: there nothing is removed, whoever asks.
+    [[nodiscard]] static bool areSystemLogs(const std::filesystem::path& path);
     /// The protected folders themselves, without those of single programs; some may not exist.
     [[nodiscard]] const std::vector<platform::FolderLocation>& locations() const { return locations_; }
 

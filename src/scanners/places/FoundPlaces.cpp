@@ -73,11 +73,12 @@ fs::path usualFolder(PlaceBase base) {
     }
 }
 
-// Whether the folder is or holds the user's home folder, or has to do with one for the user's own things or with one of
-// secrets.
-bool isUsersOwn(const fs::path& folder) {
+// Whether the folder lies outside of the user's home folder or is it, or has to do with one for the user's own things,
+// with the trash or with secrets.
+bool isNoBase(const fs::path& folder) {
     std::vector<fs::path> own = platform::LibraryURLs::namedUserFolders();
     own.push_back(platform::LibraryURLs::namedDownloadsFolder());
+    own.push_back(platform::LibraryURLs::namedDesktopTrashFolder());
     for (auto& program : platform::programFolders()) {
         if (program.isPrivate) {
             own.push_back(std::move(program.named));
@@ -90,14 +91,14 @@ bool isUsersOwn(const fs::path& folder) {
     };
     std::error_code unresolved;
     const auto home = fs::canonical(platform::homeFolder(), unresolved);
-    return holds(folder, unresolved ? platform::homeFolder() : home) || std::any_of(own.begin(), own.end(), concerns);
+    return unresolved || folder == home || !holds(home, folder) || std::any_of(own.begin(), own.end(), concerns);
 }
 
-// A place that a variable names may be anything: neither the user's own folders nor, where it is the place itself and
-// not a folder in it, those that sections list by themselves.
+// A place that a variable names may be anything: neither what belongs to the system or the user's own folders nor,
+// where it is the place itself and not a folder in it, those that sections list by themselves.
 bool isRefused(PlaceBase base, const fs::path& named, const fs::path& resolved) {
     if (const auto usual = usualFolder(base); !usual.empty()) {
-        return named != usual && isUsersOwn(resolved);
+        return named != usual && isNoBase(resolved);
     }
     if (base != PlaceBase::goModCache) {
         return false;

@@ -18,9 +18,10 @@ namespace {
 
 // The journal of a database has a number for a name.
 bool isNumbered(std::string_view name) {
-    const auto stem = name.substr(0, name.find(".log"));
-    return stem.size() != name.size() &&
-           std::all_of(stem.begin(), stem.end(), [](unsigned char letter) { return std::isdigit(letter) != 0; });
+    const auto rest = name.substr(std::min(name.find_first_not_of("0123456789"), name.size()));
+    constexpr std::string_view ending = ".log";
+    return rest.starts_with(ending) &&
+           (rest == ending || std::isalpha(static_cast<unsigned char>(rest[ending.size()])) == 0);
 }
 
 std::string lowerCase(std::string_view name) {
@@ -65,7 +66,7 @@ Level levelOf(const files::DirectoryHandle& folder, const std::stop_token& stop)
         }
         return !stop.stop_requested();
     });
-    level.isDatabase = hasCurrent && hasManifest;
+    level.isDatabase = hasCurrent || hasManifest;
     std::sort(level.files.begin(), level.files.end());
     std::sort(level.folders.begin(), level.folders.end());
     return level;
@@ -85,7 +86,8 @@ bool LogNames::isLog(const PlaceRule& rule, std::string_view name) const {
         grammar->second.setPattern(QRegularExpression::anchoredPattern(QLatin1String(rule.grammar)));
     }
     const QString bytes = QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()));
-    return !isNumbered(name) && grammar->second.match(bytes).hasMatch();
+    return !isNumbered(name) && lowerCase(name).find("history") == std::string::npos &&
+           grammar->second.match(bytes).hasMatch();
 }
 
 bool LogNames::isSpared(std::string_view folder) const {

@@ -126,7 +126,7 @@ void ItemListController::onClickedGetInfo() {
     if (const auto item = selectedItem()) {
         const auto name = model_->index(model_->rowOf(item.get()), ItemListModel::nameColumn);
         const QString note = item->ppbDeletable() ? QString() : name.data(ItemListModel::noteRole).toString();
-        dependencies_.util.doGetInformation(pathOf(*item), note);
+        dependencies_.util.doGetInformation(pathOf(*item), {note, item->ppnSize()});
     }
 }
 

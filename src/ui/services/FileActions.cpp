@@ -72,36 +72,36 @@ void FileActions::showWith(const Path& path, std::function<bool(const Path&)> sh
 }
 
 // Of an item of the trash no file manager tells where it was, and when it was deleted.
-void FileActions::showInformation(const Path& path, const QString& note) {
-    const auto ask = [this, file = standardized(path), hasNote = !note.isEmpty()] {
+void FileActions::showInformation(const Path& path, const ToldOfFile& told) {
+    const auto ask = [this, file = standardized(path), hasNote = !told.note.isEmpty()] {
         if (!isThere(file)) {
             return Request::noSuchFile;
         }
         const bool isOurs = hasNote || platform::TrashFolders::recordOfItem(file).has_value();
         return !isOurs && fileBrowser_.showItemProperties(file) ? Request::taken : Request::nobodyAnswers;
     };
-    calls_.call<Request>(ask, [this, path, note](Request request) {
+    calls_.call<Request>(ask, [this, path, told](Request request) {
         if (request == Request::noSuchFile) {
             alertFileNotExists(path);
         } else if (request == Request::nobodyAnswers) {
-            showOwnInformation(standardized(path), note);
+            showOwnInformation(standardized(path), told);
         }
     });
 }
 
-void FileActions::showOwnInformation(const Path& path, const QString& note) {
+void FileActions::showOwnInformation(const Path& path, const ToldOfFile& told) {
     using Facts = std::optional<engine::FileFacts>;
     calls_.call<Facts>([path] { return engine::FileFacts::of(path); },
-                       [this, path, note](const Facts& facts) {
+                       [this, path, told](const Facts& facts) {
                            if (facts && notices_.window() != nullptr) {
-                               openInfoWindow(path, *facts, note);
+                               openInfoWindow(path, *facts, told);
                            } else {
                                alertFileNotExists(path);
                            }
                        });
 }
 
-void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& facts, const QString& note) {
+void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& facts, const ToldOfFile& told) {
     for (auto* open : notices_.window()->findChildren<InfoWindow*>()) {
         if (open->path() == path) {
             open->raise();
@@ -109,8 +109,12 @@ void FileActions::openInfoWindow(const Path& path, const engine::FileFacts& fact
             return;
         }
     }
-    const QPointer<InfoWindow> information = new InfoWindow(path, facts, note, notices_.window());
+    const QPointer<InfoWindow> information = new InfoWindow(path, facts, told.note, notices_.window());
     information->show();
+    if (!told.note.isEmpty()) {
+        information->setSize(told.bytes);
+        return;
+    }
     calls_.call<quint64>([path, stop = information->closed()] { return files::measureItem(path, stop); },
                          [information](quint64 size) {
                              if (information) {

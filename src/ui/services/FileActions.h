@@ -12,6 +12,12 @@
 
 namespace brimvault::ui {
 
+/// What a list tells of a file.
+struct ToldOfFile {
+    QString note;
+    quint64 bytes = 0;  ///< with a note
+};
+
 /// Shows files in the desktop's file browser, and what is known of them. Main thread; what may block is called on
 /// threads of `calls`, and a failure is told later.
 class FileActions {
@@ -28,8 +34,8 @@ public:
     /// Shows the file selected; where no file browser answers, opens the folder that holds it.
     void reveal(const std::filesystem::path& path);
     /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
-    /// A note has no place in the file browser's window: with one, always our own is shown.
-    void showInformation(const std::filesystem::path& path, const QString& note = {});
+    /// With a note, which has no place in the file browser's window, always one of our own is shown.
+    void showInformation(const std::filesystem::path& path, const ToldOfFile& told = {});
     /// Of several folders, does so for the first that exists: opens it in the file browser, or shows what is known.
     void openFirst(Folders folders);
     void showInformationOfFirst(Folders folders);
@@ -42,8 +48,8 @@ public:
 private:
     void withFirst(Folders folders, std::function<void(const std::filesystem::path&)> then);
     void showWith(const std::filesystem::path& path, std::function<bool(const std::filesystem::path&)> show);
-    void showOwnInformation(const std::filesystem::path& path, const QString& note);
-    void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, const QString& note);
+    void showOwnInformation(const std::filesystem::path& path, const ToldOfFile& told);
+    void openInfoWindow(const std::filesystem::path& path, const engine::FileFacts& facts, const ToldOfFile& told);
 
     const WindowNotices& notices_;
     platform::FileBrowser& fileBrowser_;

@@ -52,8 +52,8 @@ public:
     /// Shows the file selected in the file browser; where none answers, opens the folder that holds it.
     void doRevealInFinder(const std::filesystem::path& path) { files_.reveal(path); }
     /// Shows what is known of the file, in the file browser's window or, where none answers, in one of our own.
-    void doGetInformation(const std::filesystem::path& path, const QString& note = {}) {
-        files_.showInformation(path, note);
+    void doGetInformation(const std::filesystem::path& path, const ToldOfFile& told = {}) {
+        files_.showInformation(path, told);
     }
     /// Of several folders, does so for the first that exists: opens it in the file browser, or shows what is known.
     void openFirstFolder(FileActions::Folders folders) { files_.openFirst(std::move(folders)); }

@@ -118,6 +118,11 @@ TEST_F(EmptiedLogs, AreNoneThatNobodyWritesTo) {
         unknown->setIdentity(0);
         EXPECT_TRUE(isRemoved(unknown));
     }
+    writeFile(log_, "text");
+    const auto named = found(log_);
+    fs::create_hard_link(log_, home_ / "second");
+    EXPECT_EQ(clean(named).reason, ItemRemoval::replacedText());
+    fs::remove(home_ / "second");
     const LogWriter writer(log_);
     const auto noLog = found(log_);
     noLog->setDetails({});
