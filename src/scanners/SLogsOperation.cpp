@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 #include "files/trees/Measure.h"
@@ -158,7 +159,10 @@ std::vector<SLogsOperation::LogsOfRow> SLogsOperation::findByRules(const FoundPl
         return found;
     }
     const LogNames names(logsRules());
-    const auto writers = files::OpenFiles::now(stopToken(), files::OpenFor::writing);
+    std::optional<files::OpenFiles> known;
+    const auto writers = [&]() -> const files::OpenFiles& {
+        return known ? *known : known.emplace(files::OpenFiles::now(stopToken(), files::OpenFor::writing));
+    };
     std::set<std::uint64_t> taken;
     for (const bool isOfProfile : {true, false}) {
         for (const auto& row : places.rows()) {

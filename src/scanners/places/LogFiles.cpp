@@ -168,7 +168,7 @@ void LogFiles::takeFile(const Folder& folder, const char* name, const files::Nod
     rule_ = count_++ == 0 ? &folder.rule : rule_;
     size_ += size;
     space_.add(files::NamedNode::of(status));
-    writer_ = writer_ != 0 ? writer_ : folder.scan.writers.holderOf(status.identity).value_or(0);
+    writer_ = writer_ != 0 ? writer_ : folder.scan.writers().holderOf(status.identity).value_or(0);
 }
 
 }  // namespace brimvault::scanners

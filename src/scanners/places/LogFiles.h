@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <span>
 #include <stop_token>
@@ -40,9 +41,9 @@ public:
     /// What all rows of a scan have in common.
     struct Scan {
         const LogNames& names;
-        const files::OpenFiles& writers;
-        std::set<std::uint64_t>& taken;  ///< the identities of what other rows have; grows
-        std::stop_token stop;            ///< after a stop the files are incomplete
+        std::function<const files::OpenFiles&()> writers;  ///< asked once there is a log
+        std::set<std::uint64_t>& taken;                    ///< the identities of what other rows have; grows
+        std::stop_token stop;                              ///< after a stop the files are incomplete
     };
 
     /// Blocks as the disk does. The row outlives the files; what `scan` refers to need not.
