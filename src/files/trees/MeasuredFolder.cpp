@@ -17,7 +17,7 @@ namespace {
 // A listing has no order. From this many entries on they are taken in the order of their inodes, which on most file
 // systems is the order on the disk: what a cold disk is asked for lies together.
 constexpr std::size_t sortedEntries = 1000;
-constexpr std::size_t maxHeld = 32'768;  // entries listed before their turn
+constexpr std::size_t maxHeld = 16'384;  // entries listed before their turn
 constexpr std::size_t maxAhead = 1024;   // and perhaps measured
 
 // What one thread measures at a time: a folder, or some files, as one alone costs less than handing it over.
