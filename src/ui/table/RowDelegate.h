@@ -41,9 +41,9 @@ protected:
     virtual void drawIcon(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const = 0;
     /// Between the edge of a column and its content.
     [[nodiscard]] virtual int margin(int /*column*/) const { return defaultMargin; }
-    /// Numbers are aligned to the trailing side of their column.
     /// Whether the row's text is drawn as something that nothing can be done with.
     [[nodiscard]] virtual bool isMuted(const QModelIndex& /*index*/) const { return false; }
+    /// Numbers are aligned to the trailing side of their column.
     [[nodiscard]] virtual bool isNumber(int /*column*/) const { return false; }
 
     [[nodiscard]] static bool isSelected(const QStyleOptionViewItem& option) {
