@@ -14,6 +14,9 @@ using platform::LibraryURLs;
 
 namespace {
 
+// From the file system's root; the Logs section shows them.
+constexpr const char* systemLogs[] = {"var/log", "var/lib/systemd/coredump"};
+
 // Of what is not there, the location has fewer folders than its path has names.
 bool isLocatedAt(const platform::FolderLocation& location, const std::filesystem::path& folder,
                  const files::Result<files::NodeStatus>& status) {
@@ -30,9 +33,9 @@ ProtectedFolders::ProtectedFolders() : locations_(platform::locateSectionRoots()
     const auto trash = LibraryURLs::namedDesktopTrashFolder();
     std::vector<std::filesystem::path> named = {trash / "files", trash / "info", LibraryURLs::getPreferencesFolderURL(),
                                                 platform::homeFolder()};
-    for (const char* folder : {"var/log/journal", "var/lib/systemd/coredump", "var/crash", "usr"}) {
-        named.push_back(platform::systemRoot() / folder);
-    }
+    named.insert(named.end(), {platform::systemRoot() / "usr", platform::systemRoot() / "var" / "crash"});
+    std::transform(std::begin(systemLogs), std::end(systemLogs), std::back_inserter(named),
+                   [](const char* folder) { return platform::systemRoot() / folder; });
     auto userFolders = LibraryURLs::namedUserFolders();
     std::move(userFolders.begin(), userFolders.end(), std::back_inserter(named));
     const auto programs = platform::programFolders();
@@ -54,10 +57,10 @@ bool ProtectedFolders::keeps(const std::filesystem::path& path, const files::Nod
 }
 
 bool ProtectedFolders::areSystemLogs(const std::filesystem::path& path) {
-    constexpr const char* folders[] = {"var/log", "var/lib/systemd/coredump"};
-    return std::any_of(std::begin(folders), std::end(folders), [&](const char* folder) {
-        return platform::holds(platform::systemRoot() / folder, path.lexically_normal());
-    });
+    const auto root = platform::systemRoot();
+    const auto normal = path.lexically_normal();
+    return std::any_of(std::begin(systemLogs), std::end(systemLogs),
+                       [&](const char* folder) { return platform::holds(root / folder, normal); });
 }
 
 bool ProtectedFolders::isOfAProgram(const std::filesystem::path& path) {
