@@ -39,6 +39,8 @@ public:
 
     /// A base folder of the desktop, symbolic links unresolved; none where the system has no such folders.
     static std::optional<std::filesystem::path> baseFolder(BaseFolder folder);
+    /// Where it is by default, if no variable names another place.
+    static std::filesystem::path defaultBaseFolder(BaseFolder folder);
 
     /// Where this program keeps its history; none where the system has no such folder. In a trial it lies in the home
     /// folder, whatever the environment says.

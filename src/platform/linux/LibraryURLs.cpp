@@ -24,6 +24,21 @@ fs::path folderOf(const char* variable, const char* defaultName) {
     return named.is_absolute() ? named : homeFolder() / defaultName;
 }
 
+// What names a base folder, and its default below the home folder.
+std::pair<const char*, const char*> variableAndName(BaseFolder folder) {
+    switch (folder) {
+        case BaseFolder::cache:
+            return {"XDG_CACHE_HOME", ".cache"};
+        case BaseFolder::configuration:
+            return {"XDG_CONFIG_HOME", ".config"};
+        case BaseFolder::data:
+            return {"XDG_DATA_HOME", ".local/share"};
+        case BaseFolder::state:
+            break;
+    }
+    return {"XDG_STATE_HOME", ".local/state"};
+}
+
 // Normalised, without a trailing slash.
 fs::path plain(const fs::path& named) {
     const auto normal = named.lexically_normal();
@@ -135,18 +150,11 @@ std::optional<fs::path> LibraryURLs::getUserApplicationFolderURL() {
 }
 
 std::optional<fs::path> LibraryURLs::baseFolder(BaseFolder folder) {
-    switch (folder) {
-        case BaseFolder::cache:
-            return plain(folderOf("XDG_CACHE_HOME", ".cache"));
-        case BaseFolder::configuration:
-            return plain(folderOf("XDG_CONFIG_HOME", ".config"));
-        case BaseFolder::data:
-            return plain(folderOf("XDG_DATA_HOME", ".local/share"));
-        case BaseFolder::state:
-            return plain(folderOf("XDG_STATE_HOME", ".local/state"));
-    }
-    return std::nullopt;
+    const auto& [variable, name] = variableAndName(folder);
+    return plain(folderOf(variable, name));
 }
+
+fs::path LibraryURLs::defaultBaseFolder(BaseFolder folder) { return homeFolder() / variableAndName(folder).second; }
 
 std::optional<fs::path> LibraryURLs::getHistoryFolderURL() {
     const auto state = systemRoot() == "/" ? baseFolder(BaseFolder::state) : homeFolder() / ".local/state";

@@ -24,52 +24,46 @@ namespace {
 
 using platform::holds;
 
-// None where the system has no such folder, or the user has not set the variable.
-std::optional<fs::path> namedBase(PlaceBase base) {
+// None for what is no base folder of the desktop.
+std::optional<platform::BaseFolder> desktopFolder(PlaceBase base) {
     using platform::BaseFolder;
+    switch (base) {
+        case PlaceBase::cacheHome:
+            return BaseFolder::cache;
+        case PlaceBase::configHome:
+            return BaseFolder::configuration;
+        case PlaceBase::dataHome:
+            return BaseFolder::data;
+        case PlaceBase::stateHome:
+            return BaseFolder::state;
+        default:
+            return std::nullopt;
+    }
+}
+
+// None where the system has no such folder, or the user has not set the variable; and for bases that begin in what
+// other rules match.
+std::optional<fs::path> namedBase(PlaceBase base) {
     using platform::LibraryURLs;
     const auto variable = [](const char* name) -> std::optional<fs::path> {
         const fs::path named = platform::system().environmentVariable(name);
         return named.is_absolute() ? std::optional(named.lexically_normal()) : std::nullopt;
     };
+    if (const auto folder = desktopFolder(base)) {
+        return LibraryURLs::baseFolder(*folder);
+    }
+    const bool isDesktop = LibraryURLs::baseFolder(platform::BaseFolder::cache).has_value();
     switch (base) {
         case PlaceBase::home:
-            return LibraryURLs::baseFolder(BaseFolder::cache) ? std::optional(platform::homeFolder()) : std::nullopt;
-        case PlaceBase::cacheHome:
-            return LibraryURLs::baseFolder(BaseFolder::cache);
-        case PlaceBase::configHome:
-            return LibraryURLs::baseFolder(BaseFolder::configuration);
-        case PlaceBase::dataHome:
-            return LibraryURLs::baseFolder(BaseFolder::data);
-        case PlaceBase::stateHome:
-            return LibraryURLs::baseFolder(BaseFolder::state);
+            return isDesktop ? std::optional(platform::homeFolder()) : std::nullopt;
+        case PlaceBase::system:
+            return isDesktop ? std::optional(platform::systemRoot()) : std::nullopt;
         case PlaceBase::goPath:
             return variable("GOPATH");
         case PlaceBase::goModCache:
             return variable("GOMODCACHE");
-        case PlaceBase::system:
-            return LibraryURLs::baseFolder(BaseFolder::cache) ? std::optional(platform::systemRoot()) : std::nullopt;
-        case PlaceBase::cache:
-        case PlaceBase::profile:
-        case PlaceBase::anywhere:
-            break;  // they begin in what other rules match
-    }
-    return std::nullopt;
-}
-
-// Where the desktop's base folders are if no variable names another place; empty for other bases.
-fs::path usualFolder(PlaceBase base) {
-    switch (base) {
-        case PlaceBase::cacheHome:
-            return platform::homeFolder() / ".cache";
-        case PlaceBase::configHome:
-            return platform::homeFolder() / ".config";
-        case PlaceBase::dataHome:
-            return platform::homeFolder() / ".local/share";
-        case PlaceBase::stateHome:
-            return platform::homeFolder() / ".local/state";
         default:
-            return {};
+            return std::nullopt;
     }
 }
 
@@ -97,8 +91,8 @@ bool isNoBase(const fs::path& folder) {
 // A place that a variable names may be anything: neither what belongs to the system or the user's own folders nor,
 // where it is the place itself and not a folder in it, those that sections list by themselves.
 bool isRefused(PlaceBase base, const fs::path& named, const fs::path& resolved) {
-    if (const auto usual = usualFolder(base); !usual.empty()) {
-        return named != usual && isNoBase(resolved);
+    if (const auto folder = desktopFolder(base)) {
+        return named != platform::LibraryURLs::defaultBaseFolder(*folder) && isNoBase(resolved);
     }
     if (base != PlaceBase::goModCache) {
         return false;
